@@ -1,0 +1,57 @@
+// AddConverter.h: the converter that shifts a value by a constant, as temperature scales need.
+//
+//     auto toKelvin = std::make_shared<CAddConverter>(273.15);
+//     toKelvin->convert(21.5);               // 294.65
+//     toKelvin->inverse()->convert(294.65);  // 21.5
+//     toKelvin->isLinear();                  // false: an offset is not a scaling
+//
+// Immutable once built; any thread may share it.
+#ifndef MENSOR_ADDCONVERTER_H
+#define MENSOR_ADDCONVERTER_H
+
+#include <memory>
+
+#include "mensor/Converter.h"
+#include "mensor/mensor_export.h"
+
+namespace mensor {
+
+/// Adds a constant. An offset of zero is still an offset, not the identity.
+///
+/// Class contract: any thread.
+class MENSOR_API CAddConverter : public CConverter {
+public:
+    /// `offset`, in the target unit, is what `convert` adds. Any double is accepted.
+    explicit CAddConverter(double offset);
+    ~CAddConverter() override;
+
+    CConverterPtr inverse() override;
+    double convert(double x) const override;
+    double derivative(double x) const override;  ///< 1
+    bool isLinear() const override;              ///< false
+    /// Whether `other` is an offset too, equal in single precision.
+    bool equals(CConverterPtr other) const override;
+
+    /// One new offset, the sum of both, when `other` is an offset; otherwise as the base.
+    /// Reached only through a pointer to this class.
+    CConverterPtr concatenate(CConverterPtr other);
+
+    /// The bits of the offset in single precision. Reached only through this class: a unit asks
+    /// through the base, where every offset hashes alike.
+    int hashCode() const;
+
+    /// "[K+273.15]": the unit's symbol and the offset with six significant digits.
+    string_t getSymbol(CUnitPtr unit) const;
+
+    /// The offset, in the target unit.
+    double getOffset() const;
+
+private:
+    double m_Offset;  // added by convert(), in the target unit; never changes
+};
+
+using CAddConverterPtr = std::shared_ptr<CAddConverter>;
+
+}  // namespace mensor
+
+#endif  // MENSOR_ADDCONVERTER_H

@@ -1,0 +1,152 @@
+// Converter.h: immutable functions of one double that take values from one unit to another.
+//
+//     CConverterPtr toMetre = CUnit::fromString("km")->getConverterTo(SI::Meter());
+//     toMetre->convert(2.5);              // 2500
+//     toMetre->inverse()->convert(2500);  // 2.5
+//
+//     Convert(2.5, CUnit::fromString("km")).to(SI::Meter());  // 2500
+//
+// a->concatenate(b) applies b first and then a. Converters are immutable once built; any thread may
+// share them. They live under shared pointers; only what hands out the object itself
+// (CIdentity::inverse, concatenate) needs that.
+#ifndef MENSOR_CONVERTER_H
+#define MENSOR_CONVERTER_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "mensor/mensor_export.h"
+#include "mensor/mensor_global.h"
+
+namespace mensor {
+
+class CConverter;
+class CUnit;
+
+/// Shared ownership of a converter; empty means "none".
+using CConverterPtr = std::shared_ptr<CConverter>;
+/// Shared ownership of a unit; empty means "none". Two pointers denote the same unit exactly when
+/// they point at the same object.
+using CUnitPtr = std::shared_ptr<CUnit>;
+
+/// The base of all converters. Clients may derive their own.
+///
+/// Class contract: any thread; a converter holds no state that changes.
+class MENSOR_API CConverter : public std::enable_shared_from_this<CConverter> {
+public:
+    virtual ~CConverter();
+
+    /// The converter that undoes this one.
+    virtual CConverterPtr inverse() = 0;
+
+    /// `x`, a value in the source unit, expressed in the target unit.
+    virtual double convert(double x) const = 0;
+
+    /// The slope of `convert` at `x`, in target units per source unit.
+    virtual double derivative(double x) const = 0;
+
+    /// Whether this is a pure scaling, that is, has no offset.
+    virtual bool isLinear() const = 0;
+
+    /// Whether `other` is the same scaling: both linear, slopes equal in single precision.
+    ///
+    /// The tolerance of single precision is intended. An empty pointer gives false.
+    virtual bool equals(CConverterPtr other) const;
+
+    /// The bits of the slope at zero in single precision. Every pure offset has the hash of 1.
+    int hashCode() const;
+
+    /// The converter that applies `other` first and then this one.
+    ///
+    /// Gives this very object when `other` is `identity()`, otherwise a new `CCompound(other, this)`:
+    /// nothing is folded, so that the shape of a chain tells how it was made.
+    /// @throws std::bad_weak_ptr  this object is not owned by a shared pointer.
+    CConverterPtr concatenate(CConverterPtr other);
+
+    /// Empty: a converter seen through its base has no notation.
+    string_t getSymbol(CUnitPtr unit) const;
+
+    /// The one identity of the process, so it can be recognised by its address.
+    static CConverterPtr identity();
+
+protected:
+    CConverter();
+    CConverter(const CConverter&);
+    CConverter& operator=(const CConverter&);
+};
+
+/// The converter that changes nothing. Use `CConverter::identity()`.
+class MENSOR_API CIdentity : public CConverter {
+public:
+    CIdentity();
+    ~CIdentity() override;
+
+    /// This very object.
+    /// @throws std::bad_weak_ptr  this object is not owned by a shared pointer.
+    CConverterPtr inverse() override;
+    double convert(double x) const override;
+    double derivative(double x) const override;
+    bool isLinear() const override;
+
+    /// `other` itself. Reached only through a pointer to CIdentity: the base rule is not virtual.
+    CConverterPtr concatenate(CConverterPtr other);
+};
+
+/// Two converters one after the other, made by `concatenate`.
+///
+/// Chains may be of any length: converting, inverting, comparing and destroying them needs a bounded
+/// stack.
+class MENSOR_API CCompound : public CConverter {
+public:
+    /// The converter that applies `first` and then `second`.
+    /// @throws std::invalid_argument  one of the two is empty.
+    CCompound(CConverterPtr first, CConverterPtr second);
+    ~CCompound() override;
+    CCompound(const CCompound&) = delete;
+    CCompound& operator=(const CCompound&) = delete;
+
+    /// A new compound of the inverses in reverse order.
+    CConverterPtr inverse() override;
+    double convert(double x) const override;
+    /// The chain rule: the slope of the first at `x` times that of the second at what the first
+    /// makes of `x`.
+    double derivative(double x) const override;
+    /// What the first step says of itself. The second step is not asked: a scaling followed by an
+    /// offset reports itself linear.
+    bool isLinear() const override;
+    /// Whether `other` is a compound too and its steps equal these, pair by pair.
+    bool equals(CConverterPtr other) const override;
+
+    CConverterPtr first() const;   ///< the step applied first
+    CConverterPtr second() const;  ///< the step applied second
+
+private:
+    CConverterPtr m_First;   // applied first; never empty
+    CConverterPtr m_Second;  // applied second; never empty
+};
+
+using CCompoundPtr = std::shared_ptr<CCompound>;
+
+/// One value and its unit, to be expressed in another unit.
+///
+/// Class contract: caller serialises changes of one object; distinct objects any thread.
+class MENSOR_API Convert {
+public:
+    /// `value` expressed in `unit`.
+    Convert(double value, std::shared_ptr<CUnit> unit);
+
+    /// The value expressed in `unit`.
+    ///
+    ///     Convert(1.5, NonSI::Hour()).to(SI::Second());   // 5400
+    /// @throws std::invalid_argument  the units are not compatible (see CUnit::getConverterTo).
+    double to(std::shared_ptr<CUnit> unit) const;
+
+private:
+    double m_Value;                 // expressed in m_Unit
+    std::shared_ptr<CUnit> m_Unit;  // shared with the registry
+};
+
+}  // namespace mensor
+
+#endif  // MENSOR_CONVERTER_H

@@ -1,0 +1,52 @@
+// MultiplyConverter.h: the converter that scales a value by a constant.
+//
+//     auto toMetre = std::make_shared<CMultiplyConverter>(1000);
+//     toMetre->convert(2.5);              // 2500, kilometre to metre
+//     toMetre->inverse()->convert(2500);  // 2.5
+//     toMetre->getSymbol(SI::Meter());    // "[m*1000]"
+//
+// Immutable once built; any thread may share it.
+#ifndef MENSOR_MULTIPLYCONVERTER_H
+#define MENSOR_MULTIPLYCONVERTER_H
+
+#include <memory>
+
+#include "mensor/Converter.h"
+#include "mensor/mensor_export.h"
+
+namespace mensor {
+
+/// Multiplies by a constant. A factor of one is still a factor, not the identity object.
+///
+/// Class contract: any thread.
+class MENSOR_API CMultiplyConverter : public CConverter {
+public:
+    /// `factor`, in target units per source unit. Any double is accepted.
+    explicit CMultiplyConverter(double factor);
+    ~CMultiplyConverter() override;
+
+    /// Multiplies by 1/factor; a factor of zero gives an infinite one.
+    CConverterPtr inverse() override;
+    double convert(double x) const override;
+    double derivative(double x) const override;  ///< the factor
+    bool isLinear() const override;              ///< true
+
+    /// One new factor, the product of both, when `other` is a factor; otherwise as the base.
+    /// Reached only through a pointer to this class.
+    CConverterPtr concatenate(CConverterPtr other);
+
+    /// "[m*1000]": the unit's symbol and the factor with six significant digits.
+    string_t getSymbol(CUnitPtr unit) const;
+
+    /// The factor, in target units per source unit.
+    double factor() const;
+
+private:
+    double m_Factor;  // multiplied by convert(); never changes
+};
+
+using CMultiplyConverterPtr = std::shared_ptr<CMultiplyConverter>;
+
+}  // namespace mensor
+
+#endif  // MENSOR_MULTIPLYCONVERTER_H

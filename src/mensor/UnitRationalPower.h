@@ -1,0 +1,44 @@
+// UnitRationalPower.h: one factor of a product, a unit raised to a rational power.
+//
+//     CUnitRationalPower(SI::Second(), -2, 1);   // s⁻²
+//     CUnitRationalPower(SI::Meter(), 1, 2);     // the square root of the metre
+#ifndef MENSOR_UNITRATIONALPOWER_H
+#define MENSOR_UNITRATIONALPOWER_H
+
+#include <memory>
+
+#include "mensor/mensor_export.h"
+
+namespace mensor {
+
+class CUnit;
+using CUnitPtr = std::shared_ptr<CUnit>;
+
+/// A plain value: unit, numerator and denominator of its exponent.
+///
+/// Class contract: caller serialises changes of one object.
+class MENSOR_API CUnitRationalPower {
+public:
+    /// No unit, 0/0.
+    CUnitRationalPower();
+    /// `unit` to the power `pow`/`root`, stored as given, not reduced.
+    CUnitRationalPower(CUnitPtr unit, int pow, int root);
+
+    CUnitPtr getUnit() const;  ///< the unit that is raised
+    int getPow() const;        ///< numerator of the exponent
+    int getRoot() const;       ///< denominator of the exponent, the order of the root
+    void setPow(int pow);
+    void setRoot(int root);
+
+    /// Same unit object, same numerator, same denominator: 2/2 is not 1/1.
+    bool operator==(const CUnitRationalPower& other) const;
+
+private:
+    CUnitPtr m_Unit;
+    int m_Pow;
+    int m_Root;
+};
+
+}  // namespace mensor
+
+#endif  // MENSOR_UNITRATIONALPOWER_H

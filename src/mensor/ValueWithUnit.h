@@ -1,0 +1,73 @@
+// ValueWithUnit.h: a number and its unit.
+//
+//     auto way = CValueWithUnit::fromString("2.5 km");
+//     way.valueAs(SI::Meter());                                   // 2500
+//     way += CValueWithUnit(500, SI::Meter());                    // 3 km
+//     way == CValueWithUnit(3000, SI::Meter());                   // true
+#ifndef MENSOR_VALUEWITHUNIT_H
+#define MENSOR_VALUEWITHUNIT_H
+
+#include <string>
+
+#include "mensor/Unit.h"
+#include "mensor/mensor_export.h"
+#include "mensor/mensor_global.h"
+
+namespace mensor {
+
+/// A quantity value. Offsets are honoured everywhere: a temperature in °C is always an absolute
+/// temperature, never a difference.
+///
+/// Every operation that converts throws what CUnit::getConverterTo throws.
+/// Class contract: caller serialises one object; distinct objects any thread.
+class MENSOR_API CValueWithUnit {
+public:
+    /// `value` in `unit`.
+    CValueWithUnit(double value, CUnitPtr unit);
+
+    double value() const;   ///< the number, in `unit()`
+    CUnitPtr unit() const;  ///< the unit
+
+    void setValue(double value);          ///< replaces the number only
+    void setUnit(const CUnitPtr& unit);   ///< replaces the unit only: another quantity
+    void changeUnit(const CUnitPtr& unit);  ///< the same quantity in `unit`; untouched if it throws
+    double valueAs(const CUnitPtr& unit) const;             ///< the number in `unit`
+    CValueWithUnit convertTo(const CUnitPtr& unit) const;   ///< the same quantity in `unit`
+
+    CValueWithUnit& operator+=(const CValueWithUnit& other);       ///< in this value's unit
+    CValueWithUnit& operator-=(const CValueWithUnit& other);       ///< in this value's unit
+    CValueWithUnit operator+(const CValueWithUnit& other) const;   ///< in the left value's unit
+    CValueWithUnit operator-(const CValueWithUnit& other) const;   ///< in the left value's unit
+
+    /// A field of 63 bytes with the number as "%f" writes it, filled with zero bytes, then a blank
+    /// and the unit in the standard notation. A reader that stops at the first zero byte sees the
+    /// digits alone. Follows the C locale's decimal point; cut off at 63 characters.
+    /// @throws std::invalid_argument  the unit has no text (see CUnitFormat::format).
+    string_t toString() const;
+
+    /// The value in "number unit", divided by one blank; what follows a second blank is ignored.
+    ///
+    ///     CValueWithUnit::fromString("26.5 °C");
+    /// @throws std::invalid_argument  "Label: xyz not recognized" for the unit, which is read
+    ///     first; "stod" for a number without digits; a text without a blank, quoted.
+    /// @throws std::out_of_range  "stod": the number is not a normal double.
+    static CValueWithUnit fromString(const std::string& text);
+
+private:
+    double m_Value;   // expressed in m_Unit
+    CUnitPtr m_Unit;  // shared with the registry
+};
+
+/// Equal within a relative 1e-12 of the smaller magnitude, `b` converted to the unit of `a`:
+/// zero equals only zero, and NaN equals nothing.
+MENSOR_API bool operator==(const CValueWithUnit& a, const CValueWithUnit& b);
+/// The negation of `a == b`.
+MENSOR_API bool operator!=(const CValueWithUnit& a, const CValueWithUnit& b);
+/// Strictly less, without tolerance, in the unit of `a`.
+MENSOR_API bool operator<(const CValueWithUnit& a, const CValueWithUnit& b);
+/// Strictly greater, without tolerance, in the unit of `a`.
+MENSOR_API bool operator>(const CValueWithUnit& a, const CValueWithUnit& b);
+
+}  // namespace mensor
+
+#endif  // MENSOR_VALUEWITHUNIT_H
