@@ -1,0 +1,13 @@
+# mensor_test(<file>_test.cpp): a test program of that name. Each of its tests becomes a test of
+# its own for ctest and so runs in a fresh process: the tables of the library live as long as the
+# process, and much can only be seen when they are new.
+include(GoogleTest)
+
+function(mensor_test file)
+  cmake_path(GET file STEM name)
+  add_executable(${name} ${file})
+  target_link_libraries(${name} PRIVATE mensor::mensor mensor_test_support)
+  target_precompile_headers(${name} REUSE_FROM mensor_test_support)
+  mensor_warnings(${name})
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
+endfunction()

@@ -1,0 +1,1 @@
+// Only here to have the precompiled headers of the tests compiled once, with this file.
