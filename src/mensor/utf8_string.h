@@ -43,7 +43,8 @@ public:
     using value_type = char32_t;
     using size_type = std::size_t;
     using difference_type = std::ptrdiff_t;
-    class const_iterator;  // there is no `iterator`: a code point cannot be changed in place
+    class const_iterator;
+    using iterator = const_iterator;  // a code point cannot be changed in place
 
     /// As a number of code points: all that follow.
     static constexpr size_type npos = static_cast<size_type>(-1);
