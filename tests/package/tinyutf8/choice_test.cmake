@@ -1,0 +1,50 @@
+# cmake -DBINARY_DIR=<folder> -P choice_test.cmake: what MENSOR_STRING gives, with and without a
+# package of tiny-utf8 to be found.
+set(failures 0)
+
+# expect(<folder> <text> <options>...): configuring prints <text>, as one line.
+function(expect name text)
+  execute_process(
+    COMMAND ${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR}/choice -B ${BINARY_DIR}/${name} --fresh
+      -DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF ${ARGN}
+    OUTPUT_VARIABLE output ERROR_VARIABLE output)
+  string(REGEX REPLACE "[ \n]+" " " output "${output}")
+  string(FIND "${output}" "${text}" found)
+  if(found EQUAL -1)
+    message("${name}: expected \"${text}\" in: ${output}")
+    math(EXPR count "${failures} + 1")
+    set(failures ${count} PARENT_SCOPE)
+  endif()
+endfunction()
+
+# expect_header(<folder> <include> <class>): the generated header takes the class from there.
+function(expect_header name include class)
+  file(READ ${BINARY_DIR}/${name}/include/mensor/string_type.h header)
+  string(FIND "${header}" "\n#include ${include}\n" include_found)
+  string(FIND "${header}" "\nusing string_t = ${class};\n" class_found)
+  if(include_found EQUAL -1 OR class_found EQUAL -1)
+    message("${name}: expected ${class} from ${include} in: ${header}")
+    math(EXPR count "${failures} + 1")
+    set(failures ${count} PARENT_SCOPE)
+  endif()
+endfunction()
+
+set(with -Dtinyutf8_DIR=${CMAKE_CURRENT_LIST_DIR})
+set(without -DCMAKE_DISABLE_FIND_PACKAGE_tinyutf8=ON)
+
+expect(default_with "string_t is tiny_utf8::utf8_string" ${with})
+expect_header(default_with <tinyutf8/tinyutf8.h> tiny_utf8::utf8_string)
+expect(auto_with "string_t is tiny_utf8::utf8_string" ${with} -DMENSOR_STRING=auto)
+expect(auto_without "string_t is utf8_string" ${without} -DMENSOR_STRING=auto)
+expect_header(auto_without "\"mensor/utf8_string.h\"" utf8_string)
+expect(own_with "string_t is utf8_string" ${with} -DMENSOR_STRING=own)
+expect_header(own_with "\"mensor/utf8_string.h\"" utf8_string)
+expect(tinyutf8_with "string_t is tiny_utf8::utf8_string" ${with} -DMENSOR_STRING=tinyutf8)
+expect(tinyutf8_without "MENSOR_STRING is tinyutf8, but no CMake package tinyutf8"
+  ${without} -DMENSOR_STRING=tinyutf8)
+expect(other "MENSOR_STRING is \"std\": it must be auto, tinyutf8 or own"
+  ${with} -DMENSOR_STRING=std)
+
+if(failures)
+  message(FATAL_ERROR "${failures} expectations failed")
+endif()

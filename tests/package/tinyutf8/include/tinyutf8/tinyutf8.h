@@ -1,0 +1,208 @@
+// tinyutf8.h: a stand-in, made for mensor's tests, for the header of that name of tiny-utf8.
+//
+// It has the part of the interface that string_t may be used with, and nothing more, so that mensor
+// fails to compile when it uses what mensor::utf8_string alone offers: no comparison or sum with
+// bytes on the left, no += with a code point, no >, <=, >=; an index into a text that is not const
+// gives a proxy; cpp_str() gives a copy.
+//
+// Where the real class may read outside its bytes this one ends the program: an index or a position
+// past the end, and counting, indexing, cutting or iterating a text whose last sequence is cut off
+// or that holds 0xFE or 0xFF. mensor must look at such text by its bytes.
+#ifndef TINYUTF8_TINYUTF8_H
+#define TINYUTF8_TINYUTF8_H
+
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <iterator>
+#include <ostream>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+namespace tiny_utf8 {
+
+template <typename ValueType, typename DataType>
+class basic_string {
+public:
+    using value_type = ValueType;
+    using data_type = DataType;
+    using size_type = std::size_t;
+    using difference_type = std::ptrdiff_t;
+    static constexpr size_type npos = static_cast<size_type>(-1);
+
+    class const_iterator {
+    public:
+        using iterator_category = std::forward_iterator_tag;
+        using value_type = ValueType;
+        using difference_type = std::ptrdiff_t;
+        using pointer = const ValueType*;
+        using reference = ValueType;
+
+        const_iterator(const basic_string* text, size_type byte) : m_Text(text), m_Byte(byte) {}
+        value_type operator*() const { return m_Text->decode(m_Byte); }
+        const_iterator& operator++() {
+            m_Byte += m_Text->bytesOfCodePoint(m_Byte);
+            return *this;
+        }
+        const_iterator operator++(int) {
+            const const_iterator before = *this;
+            ++*this;
+            return before;
+        }
+        bool operator==(const const_iterator& other) const { return m_Byte == other.m_Byte; }
+        bool operator!=(const const_iterator& other) const { return m_Byte != other.m_Byte; }
+
+    private:
+        const basic_string* m_Text;
+        size_type m_Byte;
+    };
+    using iterator = const_iterator;
+
+    class codepoint_reference {
+    public:
+        codepoint_reference(const basic_string* text, size_type index)
+            : m_Text(text), m_Index(index) {}
+        operator value_type() const { return (*m_Text)[m_Index]; }
+
+    private:
+        const basic_string* m_Text;
+        size_type m_Index;
+    };
+
+    basic_string() = default;
+    basic_string(const data_type* bytes) : m_Bytes(bytes) {}
+    basic_string(std::basic_string<data_type> bytes) : m_Bytes(std::move(bytes)) {}
+    explicit basic_string(value_type codePoint) { push_back(codePoint); }
+    basic_string(size_type count, value_type codePoint) {
+        while (count-- > 0) push_back(codePoint);
+    }
+
+    size_type length() const {
+        size_type count = 0;
+        for (size_type byte = 0; byte < m_Bytes.size(); byte += bytesOfCodePoint(byte)) ++count;
+        return count;
+    }
+    size_type size() const { return m_Bytes.size(); }
+    bool empty() const { return m_Bytes.empty(); }
+
+    value_type operator[](size_type index) const {
+        const size_type byte = byteOf(index);
+        require(byte < m_Bytes.size(), "operator[] past the end");
+        return decode(byte);
+    }
+    codepoint_reference operator[](size_type index) {
+        require(byteOf(index) < m_Bytes.size(), "operator[] past the end");
+        return codepoint_reference(this, index);
+    }
+    value_type at(size_type index) const {
+        const size_type byte = byteOf(index);
+        if (byte >= m_Bytes.size()) throw std::out_of_range("tiny_utf8::basic_string::at");
+        return decode(byte);
+    }
+
+    basic_string substr(size_type position, size_type count = npos) const {
+        require(position <= length(), "substr() past the end");
+        const size_type from = byteOf(position);
+        size_type to = from;
+        while (count-- > 0 && to < m_Bytes.size()) to += bytesOfCodePoint(to);
+        return m_Bytes.substr(from, to - from);
+    }
+
+    basic_string& append(const basic_string& text) {
+        m_Bytes += text.m_Bytes;
+        return *this;
+    }
+    void push_back(value_type codePoint) {
+        require(codePoint < 0x110000, "push_back() beyond Unicode");
+        if (codePoint < 0x80) {
+            put(codePoint);
+            return;
+        }
+        if (codePoint < 0x800) {
+            put(0xC0 | codePoint >> 6);
+        } else {
+            if (codePoint < 0x10000) {
+                put(0xE0 | codePoint >> 12);
+            } else {
+                put(0xF0 | codePoint >> 18);
+                put(0x80 | (codePoint >> 12 & 0x3F));
+            }
+            put(0x80 | (codePoint >> 6 & 0x3F));
+        }
+        put(0x80 | (codePoint & 0x3F));
+    }
+    basic_string& operator+=(const basic_string& text) { return append(text); }
+    basic_string operator+(const basic_string& text) const {
+        basic_string sum = *this;
+        sum.append(text);
+        return sum;
+    }
+
+    bool operator==(const basic_string& other) const { return m_Bytes == other.m_Bytes; }
+    bool operator!=(const basic_string& other) const { return m_Bytes != other.m_Bytes; }
+    bool operator<(const basic_string& other) const { return m_Bytes < other.m_Bytes; }
+
+    const data_type* c_str() const { return m_Bytes.c_str(); }
+    const data_type* data() const { return m_Bytes.data(); }
+    std::basic_string<data_type> cpp_str() const { return m_Bytes; }
+
+    const_iterator begin() const { return const_iterator(this, 0); }
+    const_iterator end() const { return const_iterator(this, m_Bytes.size()); }
+
+    friend std::ostream& operator<<(std::ostream& stream, const basic_string& text) {
+        return stream << text.m_Bytes;
+    }
+
+private:
+    static void require(bool condition, const char* what) {
+        if (condition) return;
+        std::fprintf(stderr, "tiny_utf8 (stand-in): %s\n", what);
+        std::abort();
+    }
+
+    unsigned byteAt(size_type byte) const { return static_cast<unsigned char>(m_Bytes[byte]); }
+    void put(value_type byte) { m_Bytes += static_cast<data_type>(byte); }
+
+    size_type bytesOfCodePoint(size_type byte) const {
+        require(byte < m_Bytes.size(), "past the end");
+        size_type leadingOnes = 0;
+        while (leadingOnes < 8 && (byteAt(byte) << leadingOnes & 0x80) != 0) ++leadingOnes;
+        require(leadingOnes < 7, "0xFE or 0xFF");
+        const size_type bytes = leadingOnes < 2 ? 1 : leadingOnes;
+        require(bytes <= m_Bytes.size() - byte, "a sequence that is cut off");
+        return bytes;
+    }
+
+    value_type decode(size_type byte) const {
+        const size_type bytes = bytesOfCodePoint(byte);
+        if (bytes == 1) return byteAt(byte);
+        value_type codePoint = byteAt(byte) & (0x7Fu >> bytes);
+        for (size_type i = 1; i < bytes; ++i)
+            codePoint = codePoint << 6 | (byteAt(byte + i) & 0x3F);
+        return codePoint;
+    }
+
+    // The byte where the code point `index` begins; the number of bytes if there is none.
+    size_type byteOf(size_type index) const {
+        size_type byte = 0;
+        while (index-- > 0 && byte < m_Bytes.size()) byte += bytesOfCodePoint(byte);
+        return byte;
+    }
+
+    std::basic_string<data_type> m_Bytes;
+};
+
+using utf8_string = basic_string<char32_t, char>;
+
+}  // namespace tiny_utf8
+
+template <>
+struct std::hash<tiny_utf8::utf8_string> {
+    std::size_t operator()(const tiny_utf8::utf8_string& text) const {
+        return std::hash<std::string>()(text.cpp_str());
+    }
+};
+
+#endif  // TINYUTF8_TINYUTF8_H
