@@ -122,8 +122,31 @@ public:
     CConverterPtr second() const;  ///< the step applied second
 
 private:
+    // One step of the chain as convert() runs it: a known operation and its constant, or a converter
+    // of a class that only its own convert() knows.
+    struct Step {
+        enum eKind { ADD, MULTIPLY, CALL } Kind;
+        union {
+            double Constant;
+            const CConverter* Converter;
+        };
+    };
+    static constexpr std::size_t LongestPlan = 32;
+
+    void plan();
+    void countSteps(const CConverter& step, const Step*& steps, std::size_t& count, Step& own) const;
+    double walk(double x) const;
+
     CConverterPtr m_First;   // applied first; never empty
     CConverterPtr m_Second;  // applied second; never empty
+
+    // The steps of both children in order, identities left out: what convert() runs instead of the
+    // nest of virtual calls. Points at m_OwnStep, m_OwnSteps or the plan of a child, which the child's
+    // pointer keeps alive. None for a chain longer than LongestPlan, which convert() walks.
+    const Step* m_Steps;
+    std::size_t m_StepCount;
+    Step m_OwnStep;
+    std::unique_ptr<Step[]> m_OwnSteps;
 };
 
 using CCompoundPtr = std::shared_ptr<CCompound>;

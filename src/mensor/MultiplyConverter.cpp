@@ -1,0 +1,33 @@
+#include "mensor/MultiplyConverter.h"
+
+#include "mensor/Unit.h"
+
+namespace mensor {
+
+CMultiplyConverter::CMultiplyConverter(double factor) : m_Factor(factor) {}
+CMultiplyConverter::~CMultiplyConverter() = default;
+
+CConverterPtr CMultiplyConverter::inverse() {
+    return std::make_shared<CMultiplyConverter>(1.0 / m_Factor);
+}
+
+double CMultiplyConverter::convert(double x) const { return x * m_Factor; }
+double CMultiplyConverter::derivative(double) const { return m_Factor; }
+bool CMultiplyConverter::isLinear() const { return true; }
+
+CConverterPtr CMultiplyConverter::concatenate(CConverterPtr other) {
+    if (const auto* that = dynamic_cast<const CMultiplyConverter*>(other.get())) {
+        return std::make_shared<CMultiplyConverter>(m_Factor * that->factor());
+    }
+    return CConverter::concatenate(other);
+}
+
+string_t CMultiplyConverter::getSymbol(CUnitPtr unit) const {
+    stringstream_t text;
+    text << "[" << unit->getSymbol() << "*" << derivative(0.0) << "]";
+    return string_t(text.str());
+}
+
+double CMultiplyConverter::factor() const { return m_Factor; }
+
+}  // namespace mensor

@@ -1,0 +1,232 @@
+// ProductUnit.cpp: products of rational powers, normalised by merging factors of the same unit
+// object. Exponents are computed in 64 bits, where no sum or product of four ints can overflow, and
+// must fit an int when they are stored.
+#include "mensor/ProductUnit.h"
+
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <stdexcept>
+
+#include "mensor/MultiplyConverter.h"
+#include "mensor/require.h"
+
+namespace mensor {
+
+namespace {
+
+using Elements = std::vector<CUnitRationalPower>;
+
+int checkedExponent(std::int64_t n) {
+    if (n > std::numeric_limits<int>::max() || n < std::numeric_limits<int>::min()) {
+        stringstream_t message;
+        message << "Exponent " << n << " is out of range";
+        throw std::overflow_error(message.str());
+    }
+    return static_cast<int>(n);
+}
+
+// `unit` to the power pow/root in lowest terms.
+CUnitRationalPower reduced(CUnitPtr unit, std::int64_t pow, std::int64_t root) {
+    // Euclid's rule with the truncating remainder, as greatestCommonDivisor: the sign is that of the
+    // last divisor that was not zero.
+    std::int64_t divisor = pow < 0 ? -pow : pow;
+    for (std::int64_t next = root; next != 0;) {
+        const std::int64_t rest = divisor % next;
+        divisor = next;
+        next = rest;
+    }
+    if (divisor == 0) {
+        throw std::invalid_argument("Exponent 0/0 of a factor");
+    }
+    return CUnitRationalPower(std::move(unit), checkedExponent(pow / divisor),
+                              checkedExponent(root / divisor));
+}
+
+const CUnitRationalPower* findUnit(const Elements& elements, const CUnitPtr& unit) {
+    for (const CUnitRationalPower& element : elements) {
+        if (element.getUnit() == unit) {
+            return &element;
+        }
+    }
+    return nullptr;
+}
+
+void requireUnits(const Elements& elements) {
+    for (const CUnitRationalPower& element : elements) {
+        requireUnit(element.getUnit(), "CProductUnit::getInstance");
+    }
+}
+
+// The product of what `ofFactor` makes of each factor's unit, raised as the factor is.
+template <class OfFactor>
+CUnitPtr fold(const Elements& elements, OfFactor ofFactor) {
+    CUnitPtr product = CProductUnit::one();
+    for (const CUnitRationalPower& element : elements) {
+        const CUnitPtr factor = ofFactor(*element.getUnit());
+        product = product->multiply(factor->pow(element.getPow())->root(element.getRoot()));
+    }
+    return product;
+}
+
+}  // namespace
+
+CProductUnit::CProductUnit() : CDerivedUnit("One") {}
+CProductUnit::CProductUnit(const Elements& elements)
+    : CDerivedUnit(string_t()), m_Elements(elements) {}
+CProductUnit::~CProductUnit() = default;
+
+CUnitPtr CProductUnit::one() {
+    static const CUnitPtr One(new CProductUnit);
+    return One;
+}
+
+CUnitPtr CProductUnit::getInstance(const Elements& LeftElements, const Elements& RightElements) {
+    requireUnits(LeftElements);
+    requireUnits(RightElements);
+    Elements result;
+    result.reserve(LeftElements.size() + RightElements.size());
+    for (const CUnitRationalPower& left : LeftElements) {
+        std::int64_t pow = left.getPow();
+        std::int64_t root = left.getRoot();
+        if (const CUnitRationalPower* right = findUnit(RightElements, left.getUnit())) {
+            pow = pow * right->getRoot() + right->getPow() * root;
+            root = root * right->getRoot();
+        }
+        if (pow != 0) {
+            result.push_back(reduced(left.getUnit(), pow, root));
+        }
+    }
+    for (const CUnitRationalPower& right : RightElements) {
+        if (findUnit(LeftElements, right.getUnit()) == nullptr) {
+            result.push_back(right);
+        }
+    }
+    if (result.empty()) {
+        return one();
+    }
+    if (result.size() == 1 && result[0].getPow() == result[0].getRoot()) {
+        return result[0].getUnit();
+    }
+    return CUnit::getInstance(CUnitPtr(new CProductUnit(result)));
+}
+
+CUnitPtr CProductUnit::getProductInstance(CUnitPtr left, CUnitPtr right) {
+    requireUnit(left, "CProductUnit::getProductInstance");
+    requireUnit(right, "CProductUnit::getProductInstance");
+    return getInstance(left->elements(), right->elements());
+}
+
+CUnitPtr CProductUnit::getQuotientInstance(CUnitPtr left, CUnitPtr right) {
+    requireUnit(left, "CProductUnit::getQuotientInstance");
+    requireUnit(right, "CProductUnit::getQuotientInstance");
+    Elements divisors = right->elements();
+    for (CUnitRationalPower& divisor : divisors) {
+        divisor.setPow(checkedExponent(-std::int64_t{divisor.getPow()}));
+    }
+    return getInstance(left->elements(), divisors);
+}
+
+CUnitPtr CProductUnit::getRootInstance(CUnitPtr unit, int n) {
+    requireUnit(unit, "CProductUnit::getRootInstance");
+    Elements elements = unit->elements();
+    for (CUnitRationalPower& element : elements) {
+        element = reduced(element.getUnit(), element.getPow(), std::int64_t{element.getRoot()} * n);
+    }
+    return getInstance(elements, Elements());
+}
+
+CUnitPtr CProductUnit::getPowInstance(CUnitPtr unit, int n) {
+    requireUnit(unit, "CProductUnit::getPowInstance");
+    Elements elements = unit->elements();
+    for (CUnitRationalPower& element : elements) {
+        element = reduced(element.getUnit(), std::int64_t{element.getPow()} * n, element.getRoot());
+    }
+    return getInstance(elements, Elements());
+}
+
+int CProductUnit::size() const { return static_cast<int>(m_Elements.size()); }
+CUnitRationalPower CProductUnit::get(int index) const {
+    return m_Elements[static_cast<std::size_t>(index)];
+}
+Elements CProductUnit::elements() { return m_Elements; }
+
+void CProductUnit::calculateHashCode() {
+    unsigned sum = 0;
+    for (const CUnitRationalPower& element : m_Elements) {
+        const unsigned weight = 3U * static_cast<unsigned>(element.getPow()) -
+                                2U * static_cast<unsigned>(element.getRoot());
+        sum += static_cast<unsigned>(element.getUnit()->hashCode()) * weight;
+    }
+    m_HashCode = static_cast<int>(sum);
+}
+
+CUnitPtr CProductUnit::getCtxDimension() {
+    return fold(m_Elements, [](CUnit& unit) { return unit.getCtxDimension(); });
+}
+
+CUnitPtr CProductUnit::getSystemUnit() {
+    // Threads that ask for it first at once compute the same canonical unit. The shared pointer is
+    // read and written atomically rather than under a mutex: this runs with either lock held.
+    CUnitPtr system = std::atomic_load(&m_SystemUnitCach);
+    if (!system) {
+        system = fold(m_Elements, [](CUnit& unit) { return unit.getSystemUnit(); });
+        std::atomic_store(&m_SystemUnitCach, system);
+    }
+    return system;
+}
+
+CUnitPtr CProductUnit::baseUnits() {
+    return fold(m_Elements, [](CUnit& unit) { return unit.baseUnits(); });
+}
+
+bool CProductUnit::equals(CUnitPtr that) const {
+    if (that == shared_from_this()) {
+        return true;
+    }
+    if (!that) {
+        return false;
+    }
+    const Elements others = that->elements();
+    return others.size() == m_Elements.size() && elementsContains(others);
+}
+
+bool CProductUnit::elementsContainsOtherSingle(const CUnitRationalPower& element) const {
+    for (const CUnitRationalPower& mine : m_Elements) {
+        if (mine == element) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool CProductUnit::elementsContains(const Elements& elements) const {
+    for (const CUnitRationalPower& element : elements) {
+        if (!elementsContainsOtherSingle(element)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+CConverterPtr CProductUnit::getCtxToDimension() {
+    double factor = 1.0;
+    for (const CUnitRationalPower& element : m_Elements) {
+        const CConverterPtr converter = element.getUnit()->getCtxToDimension();
+        if (!converter->isLinear()) {
+            stringstream_t message;
+            message << "Unit element " << element.getUnit()->getSymbol()
+                    << " is non-linear, cannot convert";
+            throw std::logic_error(message.str());
+        }
+        factor *= std::pow(converter->derivative(0.0), static_cast<double>(element.getPow()) /
+                                                           static_cast<double>(element.getRoot()));
+    }
+    if (std::fabs(factor - 1.0) < 1e-9) {
+        return CConverter::identity();
+    }
+    return std::make_shared<CMultiplyConverter>(factor);
+}
+
+}  // namespace mensor

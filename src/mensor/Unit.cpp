@@ -1,0 +1,307 @@
+#include "mensor/Unit.h"
+
+#include <limits>
+#include <stdexcept>
+#include <utility>
+
+#include "mensor/AddConverter.h"
+#include "mensor/AlternateUnit.h"
+#include "mensor/MultiplyConverter.h"
+#include "mensor/ProductUnit.h"
+#include "mensor/TransformedUnit.h"
+#include "mensor/UnitFormat.h"
+#include "mensor/require.h"
+
+namespace mensor {
+
+namespace {
+
+using Lock = std::lock_guard<std::recursive_mutex>;
+
+// Powers and roots beyond this are computed anew each time: a slot for each number up to the
+// exponent of a text such as "m^2000000000" would exhaust the memory.
+constexpr int LargestCachedExponent = 4096;
+
+// The reciprocal of the smallest int's power has no positive counterpart to be computed from.
+void requireNegatable(int n) {
+    if (n == std::numeric_limits<int>::min()) {
+        stringstream_t message;
+        message << "Exponent " << n << " is out of range";
+        throw std::overflow_error(message.str());
+    }
+}
+
+// What registering `unit` has put into the tables so far; taken out again unless it succeeds.
+class Registration {
+public:
+    explicit Registration(const CUnitPtr& unit) : m_Unit(unit), m_Symbol(CUnit::symbols().end()) {}
+
+    ~Registration() {
+        if (!m_Unit) {
+            return;
+        }
+        if (m_Symbol != CUnit::symbols().end()) {
+            CUnit::symbols().erase(m_Symbol);
+        }
+        CUnit::dimensions().erase(m_Unit);  // asking for a symbol may have asked for a converter
+        CUnit::toDimensions().erase(m_Unit);
+    }
+
+    Registration(const Registration&) = delete;
+    Registration& operator=(const Registration&) = delete;
+
+    void insertSymbol(const string_t& symbol) {
+        const auto [position, isNew] = CUnit::symbols().emplace(symbol, m_Unit);
+        if (!isNew) {
+            throwSymbolIsTaken(symbol);
+        }
+        m_Symbol = position;
+    }
+
+    void succeeded() { m_Unit = nullptr; }
+
+private:
+    CUnitPtr m_Unit;
+    std::map<string_t, CUnitPtr>::iterator m_Symbol;
+};
+
+}  // namespace
+
+CUnit::CUnit(const string_t& symbol) : m_Symbol(symbol), m_HashCode(0), m_Id(0) {}
+CUnit::~CUnit() = default;
+
+std::vector<CUnitRationalPower> CUnit::elements() {
+    return {CUnitRationalPower(shared_from_this(), 1, 1)};
+}
+
+CUnitPtr CUnit::baseUnits() {
+    stringstream_t message;
+    message << "Unit with Id[ " << m_Id << "] and Symbol [" << m_Symbol << "] is not a system unit";
+    throw std::logic_error(message.str());
+}
+
+string_t CUnit::getSymbol() { return m_Symbol; }
+
+void CUnit::setId(int id) { m_Id = id; }
+int CUnit::hashCode() const { return m_HashCode; }
+bool CUnit::isSystemUnit() { return getSystemUnit().get() == this; }
+
+CUnitPtr CUnit::getInstance(CUnitPtr unit) {
+    requireUnit(unit, "CUnit::getInstance");
+    const Lock lock(mutex());
+    unit->calculateHashCode();
+    auto& known = instances();
+    const auto found = known.find(unit->m_HashCode);
+    if (found != known.end()) {
+        return found->second;
+    }
+    Registration registration(unit);
+    const string_t symbol = unit->getSymbol();
+    if (!symbol.empty()) {
+        registration.insertSymbol(symbol);
+    }
+    known.emplace(unit->m_HashCode, unit);
+    unit->setId(static_cast<int>(known.size()));
+    registration.succeeded();
+    return unit;
+}
+
+CUnitPtr CUnit::readResolve() { return getInstance(shared_from_this()); }
+
+CUnitPtr CUnit::searchSymbol(const string_t& symbol) {
+    const Lock lock(mutex());
+    const auto found = symbols().find(symbol);
+    return found == symbols().end() ? nullptr : found->second;
+}
+
+std::map<string_t, CUnitPtr>& CUnit::symbols() {
+    static std::map<string_t, CUnitPtr> Symbols;
+    return Symbols;
+}
+
+std::map<int, CUnitPtr>& CUnit::instances() {
+    static std::map<int, CUnitPtr> Instances;
+    if (Instances.empty()) {
+        const CUnitPtr one = CProductUnit::one();
+        Instances.emplace(one->m_HashCode, one);
+    }
+    return Instances;
+}
+
+std::map<CUnitPtr, CUnitPtr>& CUnit::dimensions() {
+    static std::map<CUnitPtr, CUnitPtr> Dimensions;
+    return Dimensions;
+}
+
+std::map<CUnitPtr, CConverterPtr>& CUnit::toDimensions() {
+    static std::map<CUnitPtr, CConverterPtr> ToDimensions;
+    return ToDimensions;
+}
+
+std::recursive_mutex& CUnit::mutex() {
+    static std::recursive_mutex Mutex;
+    return Mutex;
+}
+
+CUnitPtr CUnit::getDimension() {
+    const Lock lock(mutex());
+    const CUnitPtr self = shared_from_this();
+    const auto found = dimensions().find(self);
+    if (found != dimensions().end()) {
+        return found->second;
+    }
+    const CUnitPtr dimension = getCtxDimension();
+    dimensions()[self] = dimension;
+    return dimension;
+}
+
+bool CUnit::isCompatible(CUnitPtr that) {
+    requireUnit(that, "CUnit::isCompatible");
+    if (that.get() == this) {
+        return true;
+    }
+    const CUnitPtr dimension = getDimension();
+    return dimension == that->getDimension();
+}
+
+CConverterPtr CUnit::getConverterTo(CUnitPtr that) {
+    requireUnit(that, "CUnit::getConverterTo");
+    if (that.get() == this) {
+        return CConverter::identity();
+    }
+    if (!isCompatible(that)) {
+        stringstream_t message;
+        message << getSymbol() << " is not compatible with " << that->getSymbol()
+                << " in current context";
+        throw std::invalid_argument(message.str());
+    }
+    const Lock lock(mutex());
+    CConverterPtr& thisToDimension = toDimensions()[shared_from_this()];
+    if (!thisToDimension) {
+        thisToDimension = getCtxToDimension();
+    }
+    CConverterPtr& thatToDimension = toDimensions()[that];
+    if (!thatToDimension) {
+        thatToDimension = that->getCtxToDimension();
+    }
+    return thatToDimension->inverse()->concatenate(thisToDimension);
+}
+
+CConverterPtr CUnit::getConverterTo(const string_t& text) {
+    return getConverterTo(fromString(text));
+}
+
+double CUnit::convertValueToUnit(double value, CUnitPtr that) {
+    return getConverterTo(std::move(that))->convert(value);
+}
+
+CUnitPtr CUnit::add(double offset) {
+    return CTransformedUnit::getInstance(shared_from_this(),
+                                         std::make_shared<CAddConverter>(offset));
+}
+
+CUnitPtr CUnit::multiply(double factor) {
+    return CTransformedUnit::getInstance(shared_from_this(),
+                                         std::make_shared<CMultiplyConverter>(factor));
+}
+
+// The caller holds the unit's m_LookupVectorMutex.
+CUnitPtr CUnit::getUnitByIndexOrExpandTable(int index, std::vector<CUnitPtr>& table) {
+    if (index >= static_cast<int>(table.size())) {
+        table.resize(static_cast<std::size_t>(index) + 1);
+    }
+    return table[static_cast<std::size_t>(index)];
+}
+
+// Units that were never registered have id 0, as the dimensionless unit has, and share its slot: the
+// first result there is the result for all of them.
+CUnitPtr CUnit::multiply(CUnitPtr that) {
+    requireUnit(that, "CUnit::multiply");
+    const Lock lock(m_LookupVectorMutex);
+    CUnitPtr result = getUnitByIndexOrExpandTable(that->m_Id, m_MultiplyLookUp);
+    if (!result) {
+        result = CProductUnit::getProductInstance(shared_from_this(), that);
+        m_MultiplyLookUp[static_cast<std::size_t>(that->m_Id)] = result;
+    }
+    return result;
+}
+
+CUnitPtr CUnit::divide(CUnitPtr that) {
+    requireUnit(that, "CUnit::divide");
+    const Lock lock(m_LookupVectorMutex);
+    CUnitPtr result = getUnitByIndexOrExpandTable(that->m_Id, m_DivideLookUp);
+    if (!result) {
+        result = CProductUnit::getQuotientInstance(shared_from_this(), that);
+        m_DivideLookUp[static_cast<std::size_t>(that->m_Id)] = result;
+    }
+    return result;
+}
+
+CUnitPtr CUnit::pow(int n) {
+    const Lock lock(m_LookupVectorMutex);
+    if (n > LargestCachedExponent) {
+        return CProductUnit::getPowInstance(shared_from_this(), n);
+    }
+    if (n > 1) {
+        CUnitPtr result = getUnitByIndexOrExpandTable(n - 2, m_PowLookUp);
+        if (!result) {
+            result = CProductUnit::getPowInstance(shared_from_this(), n);
+            m_PowLookUp[static_cast<std::size_t>(n - 2)] = result;
+        }
+        return result;
+    }
+    if (n == 1) {
+        return shared_from_this();
+    }
+    if (n == 0) {
+        return CProductUnit::one();
+    }
+    requireNegatable(n);
+    return CProductUnit::one()->divide(pow(-n));
+}
+
+CUnitPtr CUnit::root(int n) {
+    const Lock lock(m_LookupVectorMutex);
+    if (n > LargestCachedExponent) {
+        return CProductUnit::getRootInstance(shared_from_this(), n);
+    }
+    if (n > 1) {
+        CUnitPtr result = getUnitByIndexOrExpandTable(n - 2, m_RootLookUp);
+        if (!result) {
+            result = CProductUnit::getRootInstance(shared_from_this(), n);
+            m_RootLookUp[static_cast<std::size_t>(n - 2)] = result;
+        }
+        return result;
+    }
+    if (n == 1) {
+        return shared_from_this();
+    }
+    if (n == 0) {
+        throw std::invalid_argument("Root's order of zero");
+    }
+    requireNegatable(n);
+    return CProductUnit::one()->divide(root(-n));
+}
+
+CUnitPtr CUnit::alternate(const string_t& symbol) {
+    return CAlternateUnit::getInstance(symbol, shared_from_this());
+}
+
+string_t CUnit::toString() { return appendTo(string_t()); }
+std::string CUnit::toStdString() { return mensor::toStdString(toString()); }
+
+string_t CUnit::appendTo(string_t text) {
+    return CStandardUnitFormat::instance()->format(shared_from_this(), std::move(text));
+}
+
+CUnitPtr CUnit::fromString(const string_t& text) {
+    return CStandardUnitFormat::instance()->parseUnit(text);
+}
+
+CUnitPtr operator+(const CUnitPtr& unit, double offset) { return unit->add(offset); }
+CUnitPtr operator*(const CUnitPtr& unit, double factor) { return unit->multiply(factor); }
+CUnitPtr operator*(const CUnitPtr& left, const CUnitPtr& right) { return left->multiply(right); }
+CUnitPtr operator/(const CUnitPtr& left, const CUnitPtr& right) { return left->divide(right); }
+CUnitPtr operator^(const CUnitPtr& unit, int n) { return unit->pow(n); }
+
+}  // namespace mensor

@@ -1,0 +1,27 @@
+// require.h: refusals that several sources share. For the library's own use; not installed.
+#ifndef MENSOR_REQUIRE_H
+#define MENSOR_REQUIRE_H
+
+#include <stdexcept>
+#include <string>
+
+#include "mensor/Unit.h"
+
+namespace mensor {
+
+// An empty pointer is what a lookup or a refused transformation gives; it must not get into a table.
+inline void requireUnit(const CUnitPtr& unit, const char* function) {
+    if (!unit) {
+        throw std::invalid_argument(std::string(function) + ": the unit is an empty pointer");
+    }
+}
+
+[[noreturn]] inline void throwSymbolIsTaken(const string_t& symbol) {
+    stringstream_t message;
+    message << "The symbol: " << symbol << " is currently associated to another unit.";
+    throw std::logic_error(message.str());
+}
+
+}  // namespace mensor
+
+#endif  // MENSOR_REQUIRE_H
