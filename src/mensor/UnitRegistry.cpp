@@ -1,0 +1,173 @@
+// UnitRegistry.cpp: builds the catalogue and labels it while the library is loaded.
+//
+// Initialised last of all sources (see CMakeLists.txt), when everything it uses exists. The lists and
+// their order decide ids, and which label a unit ends up with: where two labels come to one unit, as
+// "hPa" and "mbar" or "mK" and "m°C" do, the later one stays.
+#include "mensor/UnitRegistry.h"
+
+#include <exception>
+#include <iostream>
+
+#include <log4cplus/logger.h>
+#include <log4cplus/loggingmacros.h>
+
+#include "mensor/NonSI.h"
+#include "mensor/SI.h"
+#include "mensor/UnitFormat.h"
+
+namespace mensor {
+
+namespace {
+
+const int NumberOfPrefixes = 20;
+
+const string_t PREFIXES[NumberOfPrefixes] = {"Y", "Z", "E", "P", "T", "G", "M", "k", "h", "da",
+                                             "d", "c", "m", "µ", "n", "p", "f", "a", "z", "y"};
+
+const double FACTORS[NumberOfPrefixes] = {1e24, 1e21, 1e18, 1e15, 1e12,  1e9,   1e6,
+                                          1000, 100,  10,   0.1,  0.01,  0.001, 1e-6,
+                                          1e-9, 1e-12, 1e-15, 1e-18, 1e-21, 1e-24};
+
+// Looked up at each report: the application may configure it at any time.
+log4cplus::Logger logger() {
+    return log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("StdCoutLogger"));
+}
+
+}  // namespace
+
+// Gives `unit` a label with each prefix before its symbol.
+static void labelPrefixedUnit(CUnitPtr unit) {
+    for (int i = 0; i < NumberOfPrefixes; ++i) {
+        CUnitFormat::label(unit->multiply(FACTORS[i]), PREFIXES[i] + unit->getSymbol());
+    }
+}
+
+// The gram has a label in place of a symbol, and its thousandfold is the base unit "kg".
+static void labelPrefixedGRAM() {
+    const string_t label = CUnitFormat::labelFor(SI::Gram());
+    for (int i = 0; i < NumberOfPrefixes; ++i) {
+        if (FACTORS[i] == 1000.0) {
+            continue;
+        }
+        CUnitFormat::label(SI::Gram()->multiply(FACTORS[i]), PREFIXES[i] + label);
+    }
+}
+
+// Identity ignores offsets, so these are the prefixed kelvins, and their labels move: "mK" becomes
+// "m°C".
+static void labelPrefixedCelsius() {
+    const string_t label = CUnitFormat::labelFor(SI::Celsius());
+    for (int i = 0; i < NumberOfPrefixes; ++i) {
+        CUnitFormat::label(SI::Celsius()->multiply(FACTORS[i]), PREFIXES[i] + label);
+    }
+}
+
+static void labelLiterPrefixes() {
+    CUnitFormat::label(NonSI::Liter()->multiply(1e-12), "pl");
+    CUnitFormat::label(NonSI::Liter()->multiply(1e-9), "nl");
+    CUnitFormat::label(NonSI::Liter()->multiply(1e-6), "µl");
+    CUnitFormat::label(NonSI::Liter()->multiply(0.001), "ml");
+    CUnitFormat::label(NonSI::Liter()->multiply(0.01), "cl");
+    CUnitFormat::label(NonSI::Liter()->multiply(0.1), "dl");
+}
+
+// The two functions below are static members of the namespace itself, so that the log names them
+// "void mensor::registerSiUnits()". The siemens stands in the list twice and the lumen is missing:
+// programs know the labels that this gives, and no others.
+static void registerSiUnits() {
+    try {
+        labelPrefixedUnit(SI::Ampere());
+        labelPrefixedUnit(SI::Candela());
+        labelPrefixedUnit(SI::Kelvin());
+        labelPrefixedUnit(SI::Meter());
+        labelPrefixedUnit(SI::Mole());
+        labelPrefixedUnit(SI::Second());
+        labelPrefixedUnit(SI::Radian());
+        labelPrefixedUnit(SI::Steradian());
+        labelPrefixedUnit(SI::Hertz());
+        labelPrefixedUnit(SI::Newton());
+        labelPrefixedUnit(SI::Pascal());
+        labelPrefixedUnit(SI::Joule());
+        labelPrefixedUnit(SI::Watt());
+        labelPrefixedUnit(SI::Coulomb());
+        labelPrefixedUnit(SI::Volt());
+        labelPrefixedUnit(SI::Farad());
+        labelPrefixedUnit(SI::Ohm());
+        labelPrefixedUnit(SI::Siemens());
+        labelPrefixedUnit(SI::Weber());
+        labelPrefixedUnit(SI::Tesla());
+        labelPrefixedUnit(SI::Henry());
+        labelPrefixedUnit(SI::Siemens());
+        labelPrefixedUnit(SI::Lux());
+        labelPrefixedUnit(SI::Becquerel());
+        labelPrefixedUnit(SI::Gray());
+        labelPrefixedUnit(SI::Sievert());
+        labelPrefixedUnit(SI::Katal());
+        labelPrefixedGRAM();
+        labelPrefixedCelsius();
+    } catch (const std::exception& e) {
+        std::cerr << "registerSiUnits() exception" << std::endl;
+        try {
+            LOG4CPLUS_ERROR(logger(), "Exception: " << e.what());
+        } catch (...) {  // nobody is left to tell, and loading goes on
+        }
+    } catch (...) {
+        std::cerr << "registerSiUnits() exception" << std::endl;
+        try {
+            LOG4CPLUS_ERROR(logger(), "Unknown Exception: ");
+        } catch (...) {
+        }
+    }
+}
+
+// Psi and None are built by the client's first call. An accessor labels its unit itself.
+static void registerNonSiUnits() {
+    try {
+        NonSI::Percent();
+        NonSI::G();
+        NonSI::Grade();
+        NonSI::Byte();
+        NonSI::Octet();
+        NonSI::Minute();
+        NonSI::Hour();
+        NonSI::Day();
+        NonSI::Week();
+        NonSI::Year();
+        NonSI::Month();
+        NonSI::DaySidereal();
+        NonSI::YearSidereal();
+        NonSI::YearCalendar();
+        NonSI::Aeon();
+        NonSI::MillimeterOfMercury();
+        NonSI::InchOfMercury();
+        labelLiterPrefixes();
+        NonSI::Atmosphere();
+        NonSI::Bar();
+        NonSI::MilliBar();
+        NonSI::Revolution();
+        NonSI::DegreeAngle();
+        NonSI::MinuteAngle();
+        NonSI::SecondAngle();
+        NonSI::CentiRadian();
+    } catch (const std::exception& e) {
+        try {
+            LOG4CPLUS_ERROR(logger(), "Exception: " << e.what());
+        } catch (...) {
+        }
+    } catch (...) {
+        try {
+            LOG4CPLUS_ERROR(logger(), "Unknown Exception: ");
+        } catch (...) {
+        }
+    }
+}
+
+CUnitRegistry::CUnitRegistry() {
+    registerSiUnits();
+    registerNonSiUnits();
+}
+
+// Hides the class of the same name from here on, as nothing else may be made of it.
+static const CUnitRegistry CUnitRegistry;
+
+}  // namespace mensor
