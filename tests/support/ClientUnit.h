@@ -1,0 +1,108 @@
+// ClientUnit.h: a kind of unit as a client may write one, and a look inside all units.
+//
+//     const auto own = CClientUnit::make("qx", 4711);
+//     own->CtxToDimension = [] { return std::make_shared<CMultiplyConverter>(2); };
+//     own->canonical();                                     // registers it
+//     EXPECT_THAT(own->Asked, ElementsAre("getCtxToDimension"));
+//
+//     EXPECT_EQ(Inside::powLookUp(SI::Meter()).size(), 4U);
+#ifndef MENSOR_TESTS_CLIENTUNIT_H
+#define MENSOR_TESTS_CLIENTUNIT_H
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "mensor/Converter.h"
+#include "mensor/Unit.h"
+
+namespace mensor {
+
+/// A system unit of its own dimension, unless a hook says otherwise. It counts as registered only
+/// after `canonical()`. Hooks must not own the unit.
+class CClientUnit : public CUnit {
+public:
+    CClientUnit(const string_t& symbol, int hash) : CUnit(symbol), Hash(hash) {}
+
+    static std::shared_ptr<CClientUnit> make(const string_t& symbol, int hash) {
+        return std::make_shared<CClientUnit>(symbol, hash);
+    }
+
+    /// The canonical unit for this one, registered now if its hash is new.
+    CUnitPtr canonical() { return getInstance(shared_from_this()); }
+
+    int Hash;  ///< what calculateHashCode() gives
+    std::function<CUnitPtr()> CtxDimension, SystemUnit, BaseUnits;
+    std::function<CConverterPtr()> CtxToDimension;
+    std::function<std::vector<CUnitRationalPower>()> Elements;
+    std::vector<std::string> Asked;  ///< the virtual members called, in order
+
+    void calculateHashCode() override {
+        Asked.push_back("calculateHashCode");
+        m_HashCode = Hash;
+    }
+    CUnitPtr getCtxDimension() override {
+        Asked.push_back("getCtxDimension");
+        return CtxDimension ? CtxDimension() : shared_from_this();
+    }
+    CUnitPtr getSystemUnit() override {
+        Asked.push_back("getSystemUnit");
+        return SystemUnit ? SystemUnit() : shared_from_this();
+    }
+    bool equals(CUnitPtr that) const override { return that.get() == this; }
+    std::vector<CUnitRationalPower> elements() override {
+        Asked.push_back("elements");
+        return Elements ? Elements() : CUnit::elements();
+    }
+    CConverterPtr getCtxToDimension() override {
+        Asked.push_back("getCtxToDimension");
+        return CtxToDimension ? CtxToDimension() : CConverter::identity();
+    }
+    CUnitPtr baseUnits() override {
+        Asked.push_back("baseUnits");
+        return BaseUnits ? BaseUnits() : shared_from_this();
+    }
+    string_t getSymbol() override {
+        Asked.push_back("getSymbol");
+        return CUnit::getSymbol();
+    }
+};
+
+/// What CUnit keeps for the kinds of units. Not to be instantiated.
+struct Inside : CUnit {
+    static std::vector<CUnitPtr>& multiplyLookUp(const CUnitPtr& unit) {
+        return (*unit).*(&Inside::m_MultiplyLookUp);
+    }
+    static std::vector<CUnitPtr>& divideLookUp(const CUnitPtr& unit) {
+        return (*unit).*(&Inside::m_DivideLookUp);
+    }
+    static std::vector<CUnitPtr>& rootLookUp(const CUnitPtr& unit) {
+        return (*unit).*(&Inside::m_RootLookUp);
+    }
+    static std::vector<CUnitPtr>& powLookUp(const CUnitPtr& unit) {
+        return (*unit).*(&Inside::m_PowLookUp);
+    }
+    static std::recursive_mutex& lookupMutex(const CUnitPtr& unit) {
+        return (*unit).*(&Inside::m_LookupVectorMutex);
+    }
+    static int id(const CUnitPtr& unit) { return (*unit).*(&Inside::m_Id); }
+    static CUnitPtr canonical(const CUnitPtr& unit) { return getInstance(unit); }
+};
+
+/// Whether another thread could lock `mutex` now.
+inline bool isFree(std::recursive_mutex& mutex) {
+    bool isFree = false;
+    std::thread([&] {
+        if (mutex.try_lock()) {
+            isFree = true;
+            mutex.unlock();
+        }
+    }).join();
+    return isFree;
+}
+
+}  // namespace mensor
+
+#endif  // MENSOR_TESTS_CLIENTUNIT_H
