@@ -3,7 +3,12 @@
 
 #include <iostream>
 
+using namespace mensor;
+
 int main() {
-    const auto distance = mensor::CValueWithUnit::fromString("2.5 km");
-    std::cout << "2.5 km = " << distance.valueAs(mensor::SI::Meter()) << " m\n";
+    const auto distance = CValueWithUnit::fromString("2.5 km");
+    std::cout << distance.valueAs(SI::Meter()) << " m\n";
+
+    const CUnitPtr speed = SI::Meter() / SI::Second();
+    std::cout << CUnit::fromString("km/h")->convertValueToUnit(90, speed) << " m/s\n";
 }
