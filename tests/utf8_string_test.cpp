@@ -136,27 +136,28 @@ TEST(Utf8String, ReadsMalformedTextAsTheDecoderDoes) {
 }
 
 TEST(Utf8String, AgreesWithItselfOnEveryShortMixtureOfBytes) {
-    const std::string alphabet = test::bytes(
-        {0x00, 'm', 0x7F, 0x80, 0xBF, 0xC2, 0xDF, 0xE2, 0xF0, 0xF8, 0xFC, 0xFE, 0xFF});
+    const std::string alphabet =
+        test::bytes({0x00, 'm', 0x7F, 0x80, 0xBF, 0xC2, 0xDF, 0xE2, 0xF0, 0xF8, 0xFC, 0xFE, 0xFF});
     std::vector<std::string> texts = {""};
     for (std::size_t from = 0, size = 1; size <= 3; ++size) {
         const std::size_t to = texts.size();
         for (; from < to; ++from)
-            for (const char byte : alphabet) texts.push_back(texts[from] + byte);
+            for (const char byte : alphabet)
+                texts.push_back(texts[from] + byte);
     }
     ASSERT_EQ(texts.size(), 1u + 13 + 13 * 13 + 13 * 13 * 13);
     for (const std::string& bytes : texts) {
         SCOPED_TRACE(::testing::PrintToString(bytes));
         expectToAgree(utf8_string(bytes));
-        if (HasFatalFailure()) return;
+        if (HasFatalFailure())
+            return;
     }
 }
 
 TEST(Utf8String, AtPastTheEndNamesTheIndex) {
     const utf8_string text("m/s²");
-    EXPECT_THAT([&] { text.at(4); },
-                ThrowsMessage<std::out_of_range>(
-                    StrEq("utf8_string::at: index 4 in a text of 4 code points")));
+    EXPECT_THAT([&] { text.at(4); }, ThrowsMessage<std::out_of_range>(StrEq(
+                                         "utf8_string::at: index 4 in a text of 4 code points")));
     EXPECT_THAT([] { utf8_string().at(0); },
                 ThrowsMessage<std::out_of_range>(
                     StrEq("utf8_string::at: index 0 in a text of 0 code points")));
@@ -202,7 +203,8 @@ TEST(Utf8String, GrowsAtTheEnd) {
 
 TEST(Utf8String, MayBeAppendedToItself) {
     utf8_string text("µ");
-    for (int i = 0; i < 5; ++i) text.append(text);
+    for (int i = 0; i < 5; ++i)
+        text.append(text);
     EXPECT_EQ(text, utf8_string(32, U'µ'));
     text += text.c_str();
     EXPECT_EQ(text, utf8_string(64, U'µ'));
@@ -239,12 +241,14 @@ TEST(Utf8String, IsOrderedByCodePoints) {
     std::vector<std::u32string> texts = {U""};
     for (const char32_t first : boundaries) {
         texts.push_back({first});
-        for (const char32_t second : boundaries) texts.push_back({first, second});
+        for (const char32_t second : boundaries)
+            texts.push_back({first, second});
     }
     std::vector<utf8_string> encoded;
     for (const std::u32string& text : texts) {
         encoded.emplace_back();
-        for (const char32_t codePoint : text) encoded.back().push_back(codePoint);
+        for (const char32_t codePoint : text)
+            encoded.back().push_back(codePoint);
     }
     for (std::size_t i = 0; i < texts.size(); ++i)
         for (std::size_t j = 0; j < texts.size(); ++j) {
@@ -287,13 +291,14 @@ TEST(Utf8String, IsIteratedByCodePoints) {
     EXPECT_EQ(*++it, U'µ');
     EXPECT_NE(it, text.end());
     EXPECT_EQ(++it, text.end());
-    EXPECT_EQ(*it, U'\0');         // harmless at the end
+    EXPECT_EQ(*it, U'\0');        // harmless at the end
     EXPECT_EQ(++it, text.end());  // and stays there
     EXPECT_EQ(Iterator(), Iterator());
     EXPECT_EQ(std::distance(text.begin(), text.end()), 3);
     EXPECT_EQ(std::count(text.begin(), text.end(), U'µ'), 1);
     std::u32string seen;
-    for (const char32_t codePoint : text) seen += codePoint;
+    for (const char32_t codePoint : text)
+        seen += codePoint;
     EXPECT_EQ(seen, U"m·µ");
 }
 

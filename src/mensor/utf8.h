@@ -27,9 +27,11 @@ namespace detail {
 
 /// Returns how many bytes, 1 to 6, the code point at `position` takes; 0 at the end.
 inline std::size_t sequenceLength(const char* position, const char* end) {
-    if (position == end) return 0;
+    if (position == end)
+        return 0;
     const unsigned lead = static_cast<unsigned char>(*position);
-    if (lead < 0xC0u) return 1;
+    if (lead < 0xC0u)
+        return 1;
     const std::size_t length = lead < 0xE0u   ? 2
                                : lead < 0xF0u ? 3
                                : lead < 0xF8u ? 4
@@ -44,9 +46,11 @@ inline std::size_t sequenceLength(const char* position, const char* end) {
 /// At the end: 0, and `position` stays.
 inline char32_t decodeUtf8(const char*& position, const char* end) {
     const std::size_t length = sequenceLength(position, end);
-    if (length == 0) return 0;
+    if (length == 0)
+        return 0;
     const char32_t lead = static_cast<unsigned char>(*position++);
-    if (length == 1) return lead;
+    if (length == 1)
+        return lead;
     char32_t codePoint = lead & (0x7Fu >> length);
     for (std::size_t i = 1; i < length; ++i)
         codePoint = (codePoint << 6) | (static_cast<unsigned char>(*position++) & 0x3Fu);
@@ -61,7 +65,8 @@ inline std::size_t encodeUtf8(char32_t codePoint, char (&out)[6]) {
         out[0] = static_cast<char>(codePoint);
         return 1;
     }
-    if (codePoint > 0x7FFFFFFFu) codePoint = 0xFFFDu;
+    if (codePoint > 0x7FFFFFFFu)
+        codePoint = 0xFFFDu;
     const std::size_t length = codePoint < 0x800u       ? 2
                                : codePoint < 0x10000u   ? 3
                                : codePoint < 0x200000u  ? 4

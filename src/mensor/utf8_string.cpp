@@ -9,7 +9,8 @@ namespace {
 
 // Returns where the text stands `count` code points behind `position`, at most `end`.
 const char* skip(const char* position, const char* end, std::size_t count) {
-    for (; count > 0 && position != end; --count) position += detail::sequenceLength(position, end);
+    for (; count > 0 && position != end; --count)
+        position += detail::sequenceLength(position, end);
     return position;
 }
 
@@ -21,7 +22,8 @@ utf8_string::utf8_string(size_type count, char32_t codePoint) {
     if (length == 1)
         m_Bytes.assign(count, bytes[0]);
     else
-        for (; count > 0; --count) m_Bytes.append(bytes, length);
+        for (; count > 0; --count)
+            m_Bytes.append(bytes, length);
 }
 
 utf8_string::size_type utf8_string::length() const noexcept {

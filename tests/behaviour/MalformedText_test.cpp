@@ -39,21 +39,21 @@ TEST(MalformedText, IsQuotedByteForByteWhenItNamesNoUnit) {
     const struct {
         std::string Text, Name;
     } rows[] = {
-        {"\xE2\x84", "\xE2\x84"},              // the ohm sign, cut off
-        {"kg/\xC2", "\xC2"},                   // the micro sign, cut off
-        {"m\xF0\x9F\x8C", "m\xF0\x9F\x8C"},    // cut off after a known name
-        {"\x80\xBF", "\x80\xBF"},              // continuation bytes alone
-        {"m·\xFE\xFF·s", "\xFE\xFF"},          // bytes that UTF-8 never has
-        {"\xED\xA0\x80", "\xED\xA0\x80"},      // a surrogate
-        {"\xE2\x20\x20m", "\xE2\x20\x20m"},    // a lead byte takes two blanks: U+2820
-        {"m\xC1\x8D", "m\xC1\x8D"},            // an overlong "M" is read as one, and kept
+        {"\xE2\x84", "\xE2\x84"},            // the ohm sign, cut off
+        {"kg/\xC2", "\xC2"},                 // the micro sign, cut off
+        {"m\xF0\x9F\x8C", "m\xF0\x9F\x8C"},  // cut off after a known name
+        {"\x80\xBF", "\x80\xBF"},            // continuation bytes alone
+        {"m·\xFE\xFF·s", "\xFE\xFF"},        // bytes that UTF-8 never has
+        {"\xED\xA0\x80", "\xED\xA0\x80"},    // a surrogate
+        {"\xE2\x20\x20m", "\xE2\x20\x20m"},  // a lead byte takes two blanks: U+2820
+        {"m\xC1\x8D", "m\xC1\x8D"},          // an overlong "M" is read as one, and kept
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(::testing::PrintToString(row.Text));
         const Tables before;
-        EXPECT_THAT([&] { CUnit::fromString(row.Text); },
-                    ThrowsMessage<std::invalid_argument>(
-                        StrEq("Label: " + row.Name + " not recognized")));
+        EXPECT_THAT(
+            [&] { CUnit::fromString(row.Text); },
+            ThrowsMessage<std::invalid_argument>(StrEq("Label: " + row.Name + " not recognized")));
         EXPECT_EQ(Tables(), before);
     }
 }
@@ -87,13 +87,14 @@ TEST(MalformedText, AsASymbolOrLabelIsFoundAndPrintedByteForByte) {
 }
 
 TEST(MalformedText, OfFewBytesReadsAsAUnitThatReadsBackOrIsRefused) {
-    const std::string alphabet = test::bytes(
-        {0, 'm', '2', '/', '[', '<', 0x80, 0xB2, 0xC2, 0xE2, 0xF0, 0xFC, 0xFE});
+    const std::string alphabet =
+        test::bytes({0, 'm', '2', '/', '[', '<', 0x80, 0xB2, 0xC2, 0xE2, 0xF0, 0xFC, 0xFE});
     std::vector<std::string> texts = {""};
     for (std::size_t from = 0, size = 1; size <= 3; ++size) {
         const std::size_t to = texts.size();
         for (; from < to; ++from)
-            for (const char byte : alphabet) texts.push_back(texts[from] + byte);
+            for (const char byte : alphabet)
+                texts.push_back(texts[from] + byte);
     }
     int units = 0, refused = 0;
     for (const std::string& bytes : texts) {

@@ -17,7 +17,8 @@ struct Utf8Text {
 
 inline std::string bytes(std::initializer_list<int> values) {
     std::string result;
-    for (const int value : values) result += static_cast<char>(static_cast<unsigned char>(value));
+    for (const int value : values)
+        result += static_cast<char>(static_cast<unsigned char>(value));
     return result;
 }
 
@@ -55,8 +56,8 @@ inline const std::vector<Utf8Text>& utf8Texts() {
         // longer than need be
         {"overlong NUL", bytes({0xC0, 0x80}), codePoints({0})},
         {"overlong slash in 2 to 6 bytes",
-         bytes({0xC0, 0xAF, 0xE0, 0x80, 0xAF, 0xF0, 0x80, 0x80, 0xAF, 0xF8, 0x80, 0x80,
-                0x80, 0xAF, 0xFC, 0x80, 0x80, 0x80, 0x80, 0xAF}),
+         bytes({0xC0, 0xAF, 0xE0, 0x80, 0xAF, 0xF0, 0x80, 0x80, 0xAF, 0xF8,
+                0x80, 0x80, 0x80, 0xAF, 0xFC, 0x80, 0x80, 0x80, 0x80, 0xAF}),
          U"/////"},
 
         // bytes that begin nothing

@@ -76,12 +76,14 @@ public:
     basic_string(std::basic_string<data_type> bytes) : m_Bytes(std::move(bytes)) {}
     explicit basic_string(value_type codePoint) { push_back(codePoint); }
     basic_string(size_type count, value_type codePoint) {
-        while (count-- > 0) push_back(codePoint);
+        while (count-- > 0)
+            push_back(codePoint);
     }
 
     size_type length() const {
         size_type count = 0;
-        for (size_type byte = 0; byte < m_Bytes.size(); byte += bytesOfCodePoint(byte)) ++count;
+        for (size_type byte = 0; byte < m_Bytes.size(); byte += bytesOfCodePoint(byte))
+            ++count;
         return count;
     }
     size_type size() const { return m_Bytes.size(); }
@@ -98,7 +100,8 @@ public:
     }
     value_type at(size_type index) const {
         const size_type byte = byteOf(index);
-        if (byte >= m_Bytes.size()) throw std::out_of_range("tiny_utf8::basic_string::at");
+        if (byte >= m_Bytes.size())
+            throw std::out_of_range("tiny_utf8::basic_string::at");
         return decode(byte);
     }
 
@@ -106,7 +109,8 @@ public:
         require(position <= length(), "substr() past the end");
         const size_type from = byteOf(position);
         size_type to = from;
-        while (count-- > 0 && to < m_Bytes.size()) to += bytesOfCodePoint(to);
+        while (count-- > 0 && to < m_Bytes.size())
+            to += bytesOfCodePoint(to);
         return m_Bytes.substr(from, to - from);
     }
 
@@ -157,7 +161,8 @@ public:
 
 private:
     static void require(bool condition, const char* what) {
-        if (condition) return;
+        if (condition)
+            return;
         std::fprintf(stderr, "tiny_utf8 (stand-in): %s\n", what);
         std::abort();
     }
@@ -168,7 +173,8 @@ private:
     size_type bytesOfCodePoint(size_type byte) const {
         require(byte < m_Bytes.size(), "past the end");
         size_type leadingOnes = 0;
-        while (leadingOnes < 8 && (byteAt(byte) << leadingOnes & 0x80) != 0) ++leadingOnes;
+        while (leadingOnes < 8 && (byteAt(byte) << leadingOnes & 0x80) != 0)
+            ++leadingOnes;
         require(leadingOnes < 7, "0xFE or 0xFF");
         const size_type bytes = leadingOnes < 2 ? 1 : leadingOnes;
         require(bytes <= m_Bytes.size() - byte, "a sequence that is cut off");
@@ -177,7 +183,8 @@ private:
 
     value_type decode(size_type byte) const {
         const size_type bytes = bytesOfCodePoint(byte);
-        if (bytes == 1) return byteAt(byte);
+        if (bytes == 1)
+            return byteAt(byte);
         value_type codePoint = byteAt(byte) & (0x7Fu >> bytes);
         for (size_type i = 1; i < bytes; ++i)
             codePoint = codePoint << 6 | (byteAt(byte + i) & 0x3F);
@@ -187,7 +194,8 @@ private:
     // The byte where the code point `index` begins; the number of bytes if there is none.
     size_type byteOf(size_type index) const {
         size_type byte = 0;
-        while (index-- > 0 && byte < m_Bytes.size()) byte += bytesOfCodePoint(byte);
+        while (index-- > 0 && byte < m_Bytes.size())
+            byte += bytesOfCodePoint(byte);
         return byte;
     }
 
