@@ -1,8 +1,9 @@
-# Where things go, and how others find them: find_package(mensor 1 CONFIG) or pkg-config mensor.
+# Where things go, and how others find them: find_package(mensor 1 CONFIG) or pkg-config mensor;
+# the targets are mensor::mensor and mensor::checked (pkg-config mensor-checked).
 include(CMakePackageConfigHelpers)
 set(MENSOR_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/mensor)
 
-install(TARGETS mensor EXPORT mensorTargets
+install(TARGETS mensor mensor_checked EXPORT mensorTargets
   LIBRARY COMPONENT libmensor1 NAMELINK_COMPONENT libmensor-dev
   FILE_SET HEADERS COMPONENT libmensor-dev)
 install(EXPORT mensorTargets NAMESPACE mensor:: DESTINATION ${MENSOR_CMAKE_DIR}
@@ -26,5 +27,6 @@ cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_INCLUDEDIR BASE_DIRECTORY ${CMAKE_IN
 cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBDIR BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX}
   OUTPUT_VARIABLE MENSOR_PC_LIBDIR)
 configure_file(packaging/mensor.pc.in mensor.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/mensor.pc
+configure_file(packaging/mensor-checked.pc.in mensor-checked.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/mensor.pc ${PROJECT_BINARY_DIR}/mensor-checked.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT libmensor-dev)
