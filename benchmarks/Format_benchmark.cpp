@@ -1,0 +1,40 @@
+// Format_benchmark.cpp: from a unit to its text. mensor gives a string_t; UDUNITS-2 fills a buffer
+// that is there already. It prints the kilometre as "1000 m"; a product it writes in base units only
+// when told to (UT_DEFINITION), since it would find the joule in kg·m²/s².
+#include "Benchmark.h"
+#include "mensor/UnitFormat.h"
+
+using namespace mensor;
+
+namespace {
+
+void addUnit(const std::string& text, unsigned options) {
+    add("format " + text, "mensor", [text = string_t(text)](benchmark::State& state) {
+        const CUnitPtr unit = CUnit::fromString(text);
+        const CUnitFormatPtr format = CStandardUnitFormat::instance();
+        if (CUnit::fromString(format->format(unit, string_t())) != unit) {
+            state.SkipWithError("printed otherwise");
+        }
+        for (auto _ : state) {
+            benchmark::DoNotOptimize(format->format(unit, string_t()));
+        }
+    });
+    add("format " + text, "UDUNITS-2", [text, options](benchmark::State& state) {
+        const ut_unit* const unit = udunit(text);
+        char buffer[128];
+        for (auto _ : state) {
+            benchmark::DoNotOptimize(ut_format(unit, buffer, sizeof buffer, options));
+            benchmark::ClobberMemory();
+        }
+    });
+}
+
+const bool added = [] {
+    addUnit("m", UT_UTF8);
+    addUnit("km", UT_UTF8);
+    addUnit("kg·m²/s²", UT_UTF8 | UT_DEFINITION);
+    addUnit("kg·m²/(s³·A)", UT_UTF8 | UT_DEFINITION);
+    return true;
+}();
+
+}  // namespace

@@ -1,0 +1,260 @@
+#include "Report.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <iostream>
+
+// One line of the table: two benchmarks and the ratio that is aimed at.
+struct CReport::SLine {
+    enum eKind {
+        AT_MOST,   // first / second should not be above the target
+        AT_LEAST,  // second / first, a gain in throughput, should not be below the target
+        BYTES,     // the first alone, in bytes, should not be above the target
+        HEADING    // divides the table
+    };
+    eKind Kind;
+    std::string Work;
+    std::string First;
+    std::string Second;
+    double Target;  // none if 0
+};
+
+// In the order of the table. A line whose benchmarks were not run is left out.
+const std::vector<CReport::SLine>& CReport::lines() {
+    static const std::vector<SLine> lines = [] {
+        std::vector<SLine> all;
+        const auto heading = [&](const char* text) {
+            all.push_back({SLine::HEADING, text, "", "", 0});
+        };
+        const auto against = [&](const std::string& work, const char* peer, double target = 0,
+                                 const std::string& peersWork = "") {
+            all.push_back({SLine::AT_MOST, work, work + ": mensor",
+                           (peersWork.empty() ? work : peersWork) + ": " + peer, target});
+        };
+        const auto peer = [&](const std::string& work, double target = 0) {
+            against(work, "UDUNITS-2", target);
+        };
+
+        heading("Load");
+        against("start a process", "nothing");
+        against("start a process", "log4cplus");
+        against("start a process", "UDUNITS-2");
+        peer("own part of the start", 0.25);
+        for (const char* what : {"heap", "resident"}) {
+            all.push_back({SLine::BYTES, std::string("own memory after load, ") + what,
+                           std::string("memory: mensor ") + what,
+                           std::string("memory: UDUNITS-2 ") + what,
+                           std::string(what) == "resident" ? 1048576.0 : 0.0});
+        }
+
+        heading("Parse");
+        peer("parse m", 0.15);
+        peer("parse km", 0.10);
+        peer("parse kPa");
+        peer("parse mm_Hg");
+        peer("parse m/s", 0.17);
+        peer("parse kg*m^2/s^2", 0.16);
+        peer("parse kg·m²/s²", 0.18);
+        peer("parse mol/(m^3*s)", 0.16);
+        peer("parse a mix of 50", 0.15);
+        peer("parse an unknown name");
+
+        heading("Algebra");
+        for (const char* what : {"multiply", "divide", "pow"}) {
+            peer(std::string(what) + ", first time");
+            peer(std::string(what) + ", repeated", 0.75);
+        }
+
+        heading("Look up a converter");
+        peer("look up km to m", 4);
+        peer("look up °C to K");
+        peer("look up h to min", 4.5);
+        peer("look up kg·m²/s² to J");
+        peer("look up and convert km to m");
+        peer("look up and convert °C to K");
+        peer("look up and convert h to min");
+        peer("look up and convert kg·m²/s² to J");
+
+        heading("Convert one value");
+        for (const char* how : {"dependent", "independent"}) {
+            const std::string end = std::string(", ") + how;
+            peer("convert km to m" + end, 1.1);
+            against("convert km to m" + end, "Boost.Units");
+            peer("convert °C to K" + end);
+            against("convert °C to K" + end, "Boost.Units");
+            peer("convert year_calendar to s" + end);
+        }
+
+        heading("Convert an array");
+        const std::pair<const char*, double> sizes[] = {
+            {"10^3 values", 0.4}, {"10^6 values", 0.65}, {"10^7 values", 1.0}};
+        for (const auto& [size, target] : sizes) {
+            const std::string scaled = std::string(size) + " km to m";
+            peer(scaled, target);
+            against(scaled, "plain loop", 1.15, size);
+            against(scaled, "memcpy", 0, size);
+            against(scaled, "mensor, a loop of convert");
+            const std::string shifted = std::string(size) + " °C to K";
+            peer(shifted, target);
+            against(shifted, "plain loop", 1.15, size);
+        }
+
+        heading("Format");
+        peer("format m", 0.7);
+        peer("format km", 0.7);
+        peer("format kg·m²/s²", 0.4);
+        peer("format kg·m²/(s³·A)", 0.4);
+
+        heading("Request");
+        peer("request \"2.5 km\" in m", 0.22);
+
+        heading("Two threads");
+        const std::pair<const char*, double> works[] = {
+            {"parse", 0.65}, {"look up", 0}, {"convert", 1.9}, {"request", 0.65}};
+        for (const auto& [work, target] : works) {
+            for (const char* units : {", distinct units", ", same unit"}) {
+                const std::string name = std::string(work) + units;
+                const bool aimed = units[2] == 'd' || target > 1;
+                all.push_back({SLine::AT_LEAST, name, name + ": two threads", name + ": one thread",
+                               aimed ? target : 0});
+            }
+        }
+        return all;
+    }();
+    return lines;
+}
+
+namespace {
+
+double median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    const std::size_t middle = values.size() / 2;
+    return values.size() % 2 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
+}
+
+// Half the distance between the quartiles, in per cent of the median.
+double spread(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    const double half = (values[values.size() * 3 / 4] - values[values.size() / 4]) / 2;
+    return 100 * half / std::fabs(median(values));
+}
+
+std::string number(double value) {
+    char buffer[32];
+    const int decimals = value >= 100 ? 0 : value >= 10 ? 1 : value >= 0.1 ? 2 : 3;
+    std::snprintf(buffer, sizeof buffer, "%.*f", decimals, value);
+    return buffer;
+}
+
+std::string duration(double nanoseconds) {
+    return nanoseconds < 1e4   ? number(nanoseconds) + " ns"
+           : nanoseconds < 1e7 ? number(nanoseconds / 1e3) + " µs"
+                               : number(nanoseconds / 1e6) + " ms";
+}
+
+std::string bytes(double count) { return number(count / 1024) + " KiB"; }
+
+std::string who(const std::string& name) { return name.substr(name.rfind(": ") + 2); }
+
+}  // namespace
+
+CReport::CReport(std::string folder) : m_Folder(std::move(folder)) {}
+
+void CReport::ReportRuns(const std::vector<Run>& runs) {
+    for (const Run& run : runs) {
+        if (run.run_type != Run::RT_Iteration) {
+            continue;
+        }
+        const std::string& name = run.run_name.function_name;
+        if (run.error_occurred) {
+            std::cerr << name << ": " << run.error_message << '\n';
+            continue;
+        }
+        const auto note = [this](const std::string& key, double value) {
+            std::vector<double>& times = m_Times[key];
+            if (times.empty()) {
+                m_Names.push_back(key);
+            }
+            times.push_back(value);
+        };
+        // Time on the core where that is the work; what other processes take of it does not count.
+        const bool wall = !run.run_name.time_type.empty();
+        note(name, (wall ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime()) * 1e9 /
+                       benchmark::GetTimeUnitMultiplier(run.time_unit));
+        for (const auto& [key, counter] : run.counters) {
+            if (key == "heap" || key == "resident") {
+                note(name + " " + key, counter);
+            }
+        }
+    }
+    std::cerr << '.' << std::flush;
+}
+
+std::string CReport::table(std::string& data) const {
+    std::string text =
+        "| Work | mensor | other | its figure | ratio | target | |\n"
+        "|---|---:|---|---:|---:|---:|---|\n";
+    std::string heading;
+    int reached = 0, missed = 0;
+    for (const SLine& line : lines()) {
+        if (line.Kind == SLine::HEADING) {
+            heading = "| **" + line.Work + "** | | | | | | |\n";
+            continue;
+        }
+        const auto first = m_Times.find(line.First), second = m_Times.find(line.Second);
+        if (first == m_Times.end() || second == m_Times.end()) {
+            continue;
+        }
+        const double ours = median(first->second), theirs = median(second->second);
+        const double ratio = line.Kind == SLine::AT_LEAST ? theirs / ours : ours / theirs;
+        const double judged = line.Kind == SLine::BYTES ? ours : ratio;
+        std::string target, verdict;
+        if (line.Target > 0) {
+            const bool ok = line.Kind == SLine::AT_LEAST ? judged >= line.Target
+                                                         : judged <= line.Target;
+            ok ? ++reached : ++missed;
+            target = line.Kind == SLine::BYTES
+                         ? "≤ " + bytes(line.Target)
+                         : (line.Kind == SLine::AT_LEAST ? "≥ " : "≤ ") + number(line.Target);
+            verdict = ok ? "ok" : "**missed**";
+        }
+        const auto figure = line.Kind == SLine::BYTES ? bytes : duration;
+        text += heading + "| " + line.Work + " | " + figure(ours) + " | " + who(line.Second) +
+                " | " + figure(theirs) + " | " + number(ratio) + " | " + target + " | " + verdict +
+                " |\n";
+        heading.clear();
+        if (line.Kind == SLine::AT_MOST && who(line.Second) == "UDUNITS-2") {
+            data += "\"" + line.Work + "\"\t" + std::to_string(ratio) + "\t" +
+                    (line.Target > 0 ? std::to_string(line.Target) : "NaN") + "\n";
+        }
+    }
+    return text + "\n" + std::to_string(reached) + " targets reached, " + std::to_string(missed) +
+           " missed.\n";
+}
+
+std::string CReport::times() const {
+    std::string text =
+        "| Benchmark | median | spread | repetitions |\n"
+        "|---|---:|---:|---:|\n";
+    for (const std::string& name : m_Names) {
+        const std::vector<double>& values = m_Times.at(name);
+        const bool memory = name.rfind("memory", 0) == 0;
+        text += "| " + name + " | " + (memory ? bytes(median(values)) : duration(median(values))) +
+                " | ± " + number(spread(values)) + " % | " + std::to_string(values.size()) + " |\n";
+    }
+    return text;
+}
+
+void CReport::Finalize() {
+    std::string data;
+    const std::string text = table(data);
+    std::cerr << '\n';
+    std::cout << text;
+    if (!m_Folder.empty()) {
+        std::ofstream(m_Folder + "/table.md") << text;
+        std::ofstream(m_Folder + "/times.md") << times();
+        std::ofstream(m_Folder + "/ratios.dat") << data;
+    }
+}

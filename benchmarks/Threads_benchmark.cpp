@@ -1,0 +1,76 @@
+// Threads_benchmark.cpp: two threads at once, each on a core of its own, against one. There is no
+// peer: the parser of UDUNITS-2 serves one thread at a time. Each kind of work is done on units that
+// only this thread uses and on the same units for both.
+#include "Benchmark.h"
+#include "mensor/NonSI.h"
+#include "mensor/SI.h"
+#include "mensor/ValueWithUnit.h"
+
+using namespace mensor;
+
+namespace {
+
+// What the two threads work on when each has its own.
+const char* const Texts[2] = {"km", "kPa"};
+const char* const Targets[2] = {"m", "Pa"};
+const char* const Requests[2] = {"2.5 km", "2.5 kPa"};
+
+// Gives each thread its core while it works, and the first core back to the main thread.
+class COwnCore {
+public:
+    explicit COwnCore(benchmark::State& state) : m_Thread(state.thread_index()) {
+        if (!pinToCore(m_Thread)) {
+            state.SkipWithError("needs two cores");
+        }
+    }
+    ~COwnCore() { pinToCore(0); }
+    COwnCore(const COwnCore&) = delete;
+    COwnCore& operator=(const COwnCore&) = delete;
+
+private:
+    int m_Thread;
+};
+
+// `makeWork(which)` makes what thread `which` repeats.
+template <class MakeWork>
+void addWork(const std::string& name, MakeWork makeWork) {
+    for (const bool same : {false, true}) {
+        const auto run = [same, makeWork](benchmark::State& state) {
+            const COwnCore core(state);
+            auto work = makeWork(same ? 0 : state.thread_index());
+            for (auto _ : state) {
+                work();
+            }
+        };
+        const std::string work = name + (same ? ", same unit" : ", distinct units");
+        add(work, "one thread", run)->UseRealTime();
+        add(work, "two threads", run)->Threads(2)->UseRealTime();
+    }
+}
+
+const bool added = [] {
+    addWork("parse", [](int which) {
+        return [text = string_t(Texts[which])] { benchmark::DoNotOptimize(CUnit::fromString(text)); };
+    });
+    addWork("look up", [](int which) {
+        return [from = CUnit::fromString(Texts[which]), to = CUnit::fromString(Targets[which])] {
+            benchmark::DoNotOptimize(from->getConverterTo(to));
+        };
+    });
+    addWork("convert", [](int which) {
+        return [c = CUnit::fromString(Texts[which])->getConverterTo(
+                    CUnit::fromString(Targets[which])),
+                value = 2.5]() mutable {
+            benchmark::DoNotOptimize(value);
+            benchmark::DoNotOptimize(c->convert(value));
+        };
+    });
+    addWork("request", [](int which) {
+        return [text = std::string(Requests[which]), to = CUnit::fromString(Targets[which])] {
+            benchmark::DoNotOptimize(CValueWithUnit::fromString(text).valueAs(to));
+        };
+    });
+    return true;
+}();
+
+}  // namespace

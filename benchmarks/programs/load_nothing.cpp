@@ -1,0 +1,9 @@
+// load_nothing.cpp: uses no library.
+#include "programs/memory.h"
+
+int main(int argc, char**) {
+    if (argc > 1) {
+        printMemory();
+    }
+    return 0;
+}
