@@ -46,7 +46,7 @@ const std::vector<CReport::SLine>& CReport::lines() {
             all.push_back({SLine::BYTES, std::string("own memory after load, ") + what,
                            std::string("memory: mensor ") + what,
                            std::string("memory: UDUNITS-2 ") + what,
-                           std::string(what) == "resident" ? 1048576.0 : 0.0});
+                           std::string(what) == "resident" ? 1e6 : 0.0});
         }
 
         heading("Parse");
@@ -154,7 +154,7 @@ std::string duration(double nanoseconds) {
                                : number(nanoseconds / 1e6) + " ms";
 }
 
-std::string bytes(double count) { return number(count / 1024) + " KiB"; }
+std::string bytes(double count) { return number(count / 1000) + " kB"; }
 
 std::string who(const std::string& name) { return name.substr(name.rfind(": ") + 2); }
 
