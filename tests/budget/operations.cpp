@@ -1,0 +1,90 @@
+// operations.cpp: does fixed work under callgrind, one part per line of budgets.txt.
+//
+// Instructions are counted where time would be measured, because a count is the same on a busy
+// machine. Each part writes its count to a file of its own (CALLGRIND_DUMP_STATS_AT); what the loop
+// around the work costs is the part "nothing", which count.cmake takes off all others.
+#include <cstddef>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <valgrind/callgrind.h>
+
+#include "mensor/SI.h"
+#include "mensor/UnitFormat.h"
+#include "mensor/ValueWithUnit.h"
+
+using namespace mensor;
+
+namespace {
+
+constexpr int Repetitions = 1000;  // as in count.cmake
+
+// Keeps the compiler from dropping work whose result nobody uses.
+template <class Result>
+void keep(const Result& result) {
+    asm volatile("" : : "r"(&result) : "memory");
+}
+
+// The first rounds fill caches that live as long as the process; what comes after is the usual case.
+template <class Work>
+[[gnu::noinline]] void repeat(int times, const Work& work) {
+    for (int i = 0; i < times; ++i) {
+        work(i);
+    }
+}
+
+template <class Work>
+void count(const char* name, const Work& work) {
+    repeat(100, work);
+    CALLGRIND_ZERO_STATS;
+    repeat(Repetitions, work);
+    CALLGRIND_DUMP_STATS_AT(name);
+}
+
+// Texts as they come in messages.
+const char* const Mix[] = {
+    "m",     "km",    "mm",    "cm",    "µm",        "s",         "ms",    "min",  "h",
+    "d",     "kg",    "g",     "mg",    "K",         "°C",        "A",     "mA",   "V",
+    "mV",    "kV",    "W",     "kW",    "MW",        "kW*h",      "J",     "kJ",   "N",
+    "kN",    "Pa",    "MPa",   "kPa",   "bar",       "mbar",      "Hz",    "kHz",  "MHz",
+    "lx",    "mol",   "m/s",   "km/h",  "m/s^2",     "m^2",       "m^3/h", "l/min", "kg/m^3",
+    "kg·m²/s²", "W/m^2", "N*m", "J/(kg*K)", "mol/(m^3*s)"};
+
+}  // namespace
+
+int main() {
+    count("nothing", [](int i) { keep(i); });
+
+    const string_t km = "km", energy = "kg*m^2/s^2";
+    count("parse km", [&](int) { keep(CUnit::fromString(km)); });
+    count("parse kg*m^2/s^2", [&](int) { keep(CUnit::fromString(energy)); });
+
+    // Repetitions is a multiple of the number of texts, so that each counts the same.
+    const std::vector<string_t> mix(std::begin(Mix), std::end(Mix));
+    static_assert(Repetitions % (sizeof Mix / sizeof *Mix) == 0);
+    count("parse a mix of 50", [&](int i) {
+        keep(CUnit::fromString(mix[static_cast<std::size_t>(i) % mix.size()]));
+    });
+
+    const CUnitPtr metre = SI::Meter(), newton = SI::Newton();
+    count("multiply, cached", [&](int) { keep(newton->multiply(metre)); });
+    count("divide, cached", [&](int) { keep(newton->divide(metre)); });
+    count("pow, cached", [&](int) { keep(metre->pow(3)); });
+
+    const CUnitPtr kilometre = CUnit::fromString(km);
+    count("look up km to m", [&](int) { keep(kilometre->getConverterTo(metre)); });
+
+    const CConverterPtr converter = kilometre->getConverterTo(metre);
+    count("convert km to m", [&](int i) { keep(converter->convert(i)); });
+
+    const CUnitFormatPtr format = CStandardUnitFormat::instance();
+    const CUnitPtr joules = CUnit::fromString(energy);
+    count("format km", [&](int) { keep(format->format(kilometre, string_t())); });
+    count("format kg·m²/s²", [&](int) { keep(format->format(joules, string_t())); });
+
+    const std::string request = "2.5 km";
+    count("request 2.5 km in m",
+          [&](int) { keep(CValueWithUnit::fromString(request).valueAs(metre)); });
+    return 0;
+}
