@@ -108,7 +108,7 @@ const std::vector<CReport::SLine>& CReport::lines() {
         peer("format kg·m²/(s³·A)", 0.4);
 
         heading("Request");
-        peer("request \"2.5 km\" in m", 0.22);
+        peer("request 2.5 km in m", 0.22);
 
         heading("Two threads");
         const std::pair<const char*, double> works[] = {

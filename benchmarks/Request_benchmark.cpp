@@ -42,8 +42,8 @@ void requestUdunits(benchmark::State& state) {
 }
 
 const bool added = [] {
-    add("request \"2.5 km\" in m", "mensor", requestMensor);
-    add("request \"2.5 km\" in m", "UDUNITS-2", requestUdunits);
+    add("request 2.5 km in m", "mensor", requestMensor);
+    add("request 2.5 km in m", "UDUNITS-2", requestUdunits);
     return true;
 }();
 
