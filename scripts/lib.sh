@@ -11,15 +11,14 @@ if ! mkdir -p "$build_root/logs" 2>/dev/null; then
     mkdir -p "$build_root/logs"
 fi
 
-# The compiler cache may reuse objects that were compiled with the tests' precompiled header.
-if command -v ccache >/dev/null; then
-    export CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_SLOPPINESS=pch_defines,time_macros
-fi
-
 # build PRESET DIRECTORY LOG [CMAKE OPTION...]: configures and builds, all output in the log.
 build() {
     local preset=$1 directory=$2 log=$3
     shift 3
+    # The compiler cache may reuse objects compiled with the tests' precompiled header.
+    if command -v ccache >/dev/null; then
+        export CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_SLOPPINESS=pch_defines,time_macros
+    fi
     (cd "$source_dir" && cmake --preset "$preset" -B "$directory" "$@" \
         && cmake --build "$directory" --parallel "$(nproc)" "${build_options[@]}") >"$log" 2>&1
 }

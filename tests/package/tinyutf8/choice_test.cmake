@@ -1,11 +1,12 @@
-# cmake -DBINARY_DIR=<folder> -P choice_test.cmake: what MENSOR_STRING gives, with and without a
+# cmake -DBINARY_DIR=<folder> -DGENERATOR=<name> -P choice_test.cmake: what MENSOR_STRING gives, with and without a
 # package of tiny-utf8 to be found.
 set(failures 0)
 
 # expect(<folder> <text> <options>...): configuring prints <text>, as one line.
 function(expect name text)
   execute_process(
-    COMMAND ${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR}/choice -B ${BINARY_DIR}/${name} --fresh
+    COMMAND ${CMAKE_COMMAND} --fresh -G ${GENERATOR}
+      -S ${CMAKE_CURRENT_LIST_DIR}/choice -B ${BINARY_DIR}/${name}
       -DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF ${ARGN}
     OUTPUT_VARIABLE output ERROR_VARIABLE output)
   string(REGEX REPLACE "[ \n]+" " " output "${output}")
