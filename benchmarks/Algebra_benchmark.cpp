@@ -29,17 +29,6 @@ void addRepeated(const std::string& what, const char* left, const char* right, M
     });
 }
 
-// The first time can be seen only in a process that has not done it yet.
-void addFirst(const std::string& what) {
-    for (const char* who : {"mensor", "UDUNITS-2"}) {
-        add(what + ", first time", who, [what, who](benchmark::State& state) {
-            for (auto _ : state) {
-                state.SetIterationTime(1e-9 * std::stod(outputOf("first_algebra", {who, what})));
-            }
-        })->UseManualTime()->Iterations(5);
-    }
-}
-
 const bool added = [] {
     addRepeated(
         "multiply", "N", "m", [](const CUnitPtr& a, const CUnitPtr& b) { return a->multiply(b); },
@@ -51,7 +40,7 @@ const bool added = [] {
         "pow", "m", "m", [](const CUnitPtr& a, const CUnitPtr&) { return a->pow(3); },
         [](const ut_unit* a, const ut_unit*) { return ut_raise(a, 3); });
     for (const char* what : {"multiply", "divide", "pow"}) {
-        addFirst(what);
+        addFirst(std::string(what) + ", first time", what);
     }
     return true;
 }();

@@ -89,5 +89,5 @@ int main(int argc, char** argv) {
     CReport report(folder);
     benchmark::RunSpecifiedBenchmarks(&report);
     benchmark::Shutdown();
-    return 0;
+    return report.failed() ? 1 : 0;
 }

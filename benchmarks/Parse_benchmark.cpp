@@ -2,6 +2,7 @@
 // it, a string_t or a C string that is ready, and gives up what it returned: mensor a pointer to the
 // one object that the unit is, UDUNITS-2 a new object.
 #include "Benchmark.h"
+#include "Programs.h"
 #include "mensor/Unit.h"
 
 #include <stdexcept>
@@ -75,6 +76,7 @@ const bool added = [] {
     }
     add("parse a mix of 50", "mensor", mixMensor);
     add("parse a mix of 50", "UDUNITS-2", mixUdunits);
+    addFirst("parse a text not seen before", "parse");
     add("parse an unknown name", "mensor", unknownMensor);
     add("parse an unknown name", "UDUNITS-2", unknownUdunits);
     return true;

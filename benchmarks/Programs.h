@@ -8,6 +8,10 @@
 /// What the program prints. Ends the process if the program fails.
 std::string outputOf(const std::string& program, std::vector<std::string> arguments);
 
+/// Registers benchmarks of what only a process that has not done it yet can show.
+/// `what` is known to programs/first_time.cpp.
+void addFirst(const std::string& work, const std::string& what);
+
 /// Seconds from before the program is started until it has ended.
 double timeOf(const std::string& program);
 

@@ -59,6 +59,7 @@ const std::vector<CReport::SLine>& CReport::lines() {
         peer("parse kg·m²/s²", 0.18);
         peer("parse mol/(m^3*s)", 0.16);
         peer("parse a mix of 50", 0.15);
+        peer("parse a text not seen before");
         peer("parse an unknown name");
 
         heading("Algebra");
@@ -169,7 +170,7 @@ void CReport::ReportRuns(const std::vector<Run>& runs) {
         }
         const std::string& name = run.run_name.function_name;
         if (run.error_occurred) {
-            std::cerr << name << ": " << run.error_message << '\n';
+            m_Failures.push_back(name + ": " + run.error_message);
             continue;
         }
         const auto note = [this](const std::string& key, double value) {
@@ -252,6 +253,9 @@ void CReport::Finalize() {
     const std::string text = table(data);
     std::cerr << '\n';
     std::cout << text;
+    for (const std::string& failure : m_Failures) {
+        std::cout << "Not measured: " << failure << '\n';
+    }
     if (!m_Folder.empty()) {
         std::ofstream(m_Folder + "/table.md") << text;
         std::ofstream(m_Folder + "/times.md") << times();

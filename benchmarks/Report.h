@@ -15,6 +15,7 @@ public:
     explicit CReport(std::string folder);
     void ReportRuns(const std::vector<Run>& runs) override;
     void Finalize() override;
+    bool failed() const { return !m_Failures.empty(); }
 
 private:
     struct SLine;
@@ -25,6 +26,7 @@ private:
 
     std::string m_Folder;  // where the files go; none are written if it is empty
     std::map<std::string, std::vector<double>> m_Times;  // nanoseconds of each repetition
+    std::vector<std::string> m_Failures;                 // what gave up, and why
     std::vector<std::string> m_Names;                    // the keys of m_Times, as they came
 };
 
