@@ -1,6 +1,7 @@
 #include "mensor/AddConverter.h"
 
 #include "mensor/Unit.h"
+#include "mensor/arrays.h"
 #include "mensor/mensor_math.h"
 
 namespace mensor {
@@ -34,5 +35,13 @@ string_t CAddConverter::getSymbol(CUnitPtr unit) const {
 }
 
 double CAddConverter::getOffset() const { return m_Offset; }
+
+void CAddConverter::convertArray(const double* values, double* results, std::size_t count) const {
+    if (m_Offset != m_Offset) {
+        CConverter::convertArray(values, results, count);
+    } else {
+        detail::addAll(values, results, count, m_Offset);
+    }
+}
 
 }  // namespace mensor

@@ -9,6 +9,7 @@
 #ifndef MENSOR_ADDCONVERTER_H
 #define MENSOR_ADDCONVERTER_H
 
+#include <cstddef>
 #include <memory>
 
 #include "mensor/Converter.h"
@@ -45,6 +46,9 @@ public:
 
     /// The offset, in the target unit.
     double getOffset() const;
+
+protected:
+    void convertArray(const double* values, double* results, std::size_t count) const override;
 
 private:
     double m_Offset;  // added by convert(), in the target unit; never changes

@@ -3,6 +3,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "mensor/tables.h"
+
 namespace mensor {
 
 CBaseUnit::CBaseUnit(const string_t& symbol) : CUnit(symbol) {}
@@ -26,8 +28,9 @@ void CBaseUnit::setDimension(CUnitPtr dimension, CConverterPtr toDimension) {
     }
     self->m_Dimension = std::move(dimension);
     self->m_ToDimension = std::move(toDimension);
-    dimensions().clear();
-    toDimensions().clear();
+    detail::advance(detail::contextEpoch);
+    detail::tables().Dimensions.clear();
+    detail::tables().ToDimensions.clear();
 }
 
 CUnitPtr CBaseUnit::getBaseUnits() { return shared_from_this(); }

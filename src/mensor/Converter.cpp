@@ -10,6 +10,8 @@
 #include "mensor/Converter.h"
 
 #include <algorithm>
+#include <cstring>
+#include <functional>
 #include <new>
 #include <stdexcept>
 #include <typeinfo>
@@ -19,16 +21,23 @@
 #include "mensor/AddConverter.h"
 #include "mensor/MultiplyConverter.h"
 #include "mensor/Unit.h"
+#include "mensor/arrays.h"
 #include "mensor/mensor_math.h"
+#include "mensor/tables.h"
 
 namespace mensor {
 
 namespace {
 
+// By address: a class has one type information in the process.
+template <class Class>
+bool isExactly(const CConverter& converter) {
+    return &typeid(converter) == &typeid(Class);
+}
+
 // Subclasses that clients derive from CCompound are steps of their own: only they know what they do.
 const CCompound* asCompound(const CConverter& converter) {
-    return typeid(converter) == typeid(CCompound) ? static_cast<const CCompound*>(&converter)
-                                                  : nullptr;
+    return isExactly<CCompound>(converter) ? static_cast<const CCompound*>(&converter) : nullptr;
 }
 
 }  // namespace
@@ -45,18 +54,40 @@ bool CConverter::equals(CConverterPtr other) const {
 int CConverter::hashCode() const { return floatToIntBits(static_cast<float>(derivative(0.0))); }
 
 CConverterPtr CConverter::concatenate(CConverterPtr other) {
-    if (other == identity()) {
+    if (other == detail::theIdentity()) {
         return shared_from_this();
     }
     return std::make_shared<CCompound>(std::move(other), shared_from_this());
 }
 
+void CConverter::convertAll(const double* values, double* results, std::size_t count) const {
+    if (count == 0) {
+        return;
+    }
+    if (values == nullptr || results == nullptr) {
+        throw std::invalid_argument("CConverter::convertAll: an array is null");
+    }
+    const std::less<const double*> before;
+    if (values != results && before(values, results + count) && before(results, values + count)) {
+        throw std::invalid_argument("CConverter::convertAll: the arrays overlap in part");
+    }
+    convertArray(values, results, count);
+}
+
+void CConverter::convertArray(const double* values, double* results, std::size_t count) const {
+    for (std::size_t i = 0; i < count; ++i) {
+        results[i] = convert(values[i]);
+    }
+}
+
 string_t CConverter::getSymbol(CUnitPtr) const { return string_t(); }
 
-CConverterPtr CConverter::identity() {
+const CConverterPtr& detail::theIdentity() {
     static const CConverterPtr Identity = std::make_shared<CIdentity>();
     return Identity;
 }
+
+CConverterPtr CConverter::identity() { return detail::theIdentity(); }
 
 CIdentity::CIdentity() = default;
 CIdentity::~CIdentity() = default;
@@ -66,6 +97,10 @@ double CIdentity::convert(double x) const { return x; }
 double CIdentity::derivative(double) const { return 1.0; }
 bool CIdentity::isLinear() const { return true; }
 CConverterPtr CIdentity::concatenate(CConverterPtr other) { return other; }
+
+void CIdentity::convertArray(const double* values, double* results, std::size_t count) const {
+    std::memmove(results, values, count * sizeof(double));
+}
 
 CCompound::CCompound(CConverterPtr first, CConverterPtr second)
     : m_First(std::move(first)),
@@ -134,13 +169,12 @@ void CCompound::countSteps(const CConverter& step, const Step*& steps, std::size
     }
     steps = &own;
     count = 1;
-    const std::type_info& kind = typeid(step);
-    if (&step == identity().get() || kind == typeid(CIdentity)) {
+    if (isExactly<CIdentity>(step)) {
         count = 0;
-    } else if (kind == typeid(CMultiplyConverter)) {
+    } else if (isExactly<CMultiplyConverter>(step)) {
         own.Kind = Step::MULTIPLY;
         own.Constant = static_cast<const CMultiplyConverter&>(step).factor();
-    } else if (kind == typeid(CAddConverter)) {
+    } else if (isExactly<CAddConverter>(step)) {
         own.Kind = Step::ADD;
         own.Constant = static_cast<const CAddConverter&>(step).getOffset();
     } else {
@@ -180,24 +214,63 @@ void CCompound::plan() {
     }
 }
 
+inline double CCompound::run(const Step& step, double x) {
+    switch (step.Kind) {
+        case Step::ADD:
+            return x + step.Constant;
+        case Step::MULTIPLY:
+            return x * step.Constant;
+        case Step::CALL:
+            break;
+    }
+    return step.Converter->convert(x);
+}
+
 double CCompound::convert(double x) const {
     if (m_Steps == nullptr) {
         return walk(x);
     }
     for (const Step *step = m_Steps, *end = m_Steps + m_StepCount; step != end; ++step) {
-        switch (step->Kind) {
-            case Step::ADD:
-                x = x + step->Constant;
-                break;
-            case Step::MULTIPLY:
-                x = x * step->Constant;
-                break;
-            case Step::CALL:
-                x = step->Converter->convert(x);
-                break;
-        }
+        x = run(*step, x);
     }
     return x;
+}
+
+void CCompound::convertArray(const double* values, double* results, std::size_t count) const {
+    if (m_Steps == nullptr) {
+        CConverter::convertArray(values, results, count);
+        return;
+    }
+    if (m_StepCount == 0) {
+        std::memmove(results, values, count * sizeof(double));
+        return;
+    }
+    // Step by step over pieces that stay in the nearest cache: from `values` into `results`, and from
+    // then on in place.
+    constexpr std::size_t Piece = 1024;
+    for (std::size_t done = 0; done < count;) {
+        const std::size_t size = std::min(Piece, count - done);
+        const double* from = values + done;
+        double* const to = results + done;
+        for (const Step *step = m_Steps, *end = m_Steps + m_StepCount; step != end; ++step) {
+            runAll(*step, from, to, size);
+            from = to;
+        }
+        done += size;
+    }
+}
+
+void CCompound::runAll(const Step& step, const double* from, double* to, std::size_t count) {
+    const bool isVectorisable = step.Kind != Step::CALL && step.Constant == step.Constant;
+    if (isVectorisable && step.Kind == Step::ADD) {
+        detail::addAll(from, to, count, step.Constant);
+    } else if (isVectorisable) {
+        detail::multiplyAll(from, to, count, step.Constant);
+    } else {
+        for (std::size_t i = 0; i < count; ++i) {
+            to[i] = run(step, from[i]);
+        }
+    }
 }
 
 // convert() for a chain without a plan: down to the compounds that have one.
@@ -227,6 +300,7 @@ double CCompound::derivative(double x) const {
     };
     std::vector<Visit> ahead{{this, false}};
     std::vector<double> slopes;
+    std::size_t unvisited = 1;
     while (!ahead.empty()) {
         const Visit visit = ahead.back();
         ahead.pop_back();
@@ -239,9 +313,12 @@ double CCompound::derivative(double x) const {
             ahead.push_back({compound, true});
             ahead.push_back({compound->m_Second.get(), false});
             ahead.push_back({compound->m_First.get(), false});
+            ++unvisited;  // two more, this one less
         } else {
             slopes.push_back(visit.Converter->derivative(x));
-            x = visit.Converter->convert(x);
+            if (--unvisited > 0) {
+                x = visit.Converter->convert(x);
+            }
         }
     }
     return slopes.back();
@@ -257,12 +334,35 @@ bool CCompound::isLinear() const {
     return first->isLinear() && first->isLinear();
 }
 
+// A few levels by recursion, which is quick; what lies deeper with a list.
+CConverterPtr CCompound::inverseOf(const CConverterPtr& converter, int levels) {
+    if (converter == detail::theIdentity()) {
+        return converter;
+    }
+    const CCompound* compound = asCompound(*converter);
+    if (compound == nullptr) {
+        return converter->inverse();
+    }
+    if (levels == 0) {
+        return inverseOfChain(*converter);
+    }
+    CConverterPtr ofSecond = inverseOf(compound->m_Second, levels - 1);
+    return std::make_shared<CCompound>(std::move(ofSecond),
+                                       inverseOf(compound->m_First, levels - 1));
+}
+
 CConverterPtr CCompound::inverse() {
+    constexpr int Levels = 16;
+    CConverterPtr ofSecond = inverseOf(m_Second, Levels);
+    return std::make_shared<CCompound>(std::move(ofSecond), inverseOf(m_First, Levels));
+}
+
+CConverterPtr CCompound::inverseOfChain(CConverter& chain) {
     struct Visit {
         CConverter* Converter;
         bool ChildrenDone;
     };
-    std::vector<Visit> ahead{{this, false}};
+    std::vector<Visit> ahead{{&chain, false}};
     std::vector<CConverterPtr> inverses;
     while (!ahead.empty()) {
         const Visit visit = ahead.back();
@@ -272,8 +372,7 @@ CConverterPtr CCompound::inverse() {
             inverses.pop_back();
             CConverterPtr ofSecond = std::move(inverses.back());
             inverses.back() = std::make_shared<CCompound>(std::move(ofSecond), std::move(ofFirst));
-        } else if (const CCompound* compound = visit.Converter == this ? this
-                                                                       : asCompound(*visit.Converter)) {
+        } else if (const CCompound* compound = asCompound(*visit.Converter)) {
             ahead.push_back({visit.Converter, true});
             ahead.push_back({compound->m_First.get(), false});
             ahead.push_back({compound->m_Second.get(), false});  // on top: inverted first
@@ -318,7 +417,7 @@ Convert::Convert(double value, std::shared_ptr<CUnit> unit)
     : m_Value(value), m_Unit(std::move(unit)) {}
 
 double Convert::to(std::shared_ptr<CUnit> unit) const {
-    return m_Unit->getConverterTo(std::move(unit))->convert(m_Value);
+    return m_Unit->convertValueToUnit(m_Value, std::move(unit));
 }
 
 }  // namespace mensor

@@ -64,6 +64,16 @@ public:
     /// @throws std::bad_weak_ptr  this object is not owned by a shared pointer.
     CConverterPtr concatenate(CConverterPtr other);
 
+    /// Converts `count` values at once: each result has the very bits that `convert` gives.
+    ///
+    /// `values` and `results` are arrays of the caller, the same one or two that do not overlap.
+    ///
+    ///     double samples[] = {0, 21.5, 100};
+    ///     SI::Celsius()->getConverterTo(SI::Kelvin())->convertAll(samples, samples, 3);
+    /// @throws std::invalid_argument  the arrays overlap in part, or one is null though `count` is
+    ///     not 0; nothing has been written then.
+    void convertAll(const double* values, double* results, std::size_t count) const;
+
     /// Empty: a converter seen through its base has no notation.
     string_t getSymbol(CUnitPtr unit) const;
 
@@ -71,6 +81,9 @@ public:
     static CConverterPtr identity();
 
 protected:
+    /// What `convertAll` does once it has checked the arrays; the default calls `convert` for each.
+    virtual void convertArray(const double* values, double* results, std::size_t count) const;
+
     CConverter();
     CConverter(const CConverter&);
     CConverter& operator=(const CConverter&);
@@ -91,6 +104,9 @@ public:
 
     /// `other` itself. Reached only through a pointer to CIdentity: the base rule is not virtual.
     CConverterPtr concatenate(CConverterPtr other);
+
+protected:
+    void convertArray(const double* values, double* results, std::size_t count) const override;
 };
 
 /// Two converters one after the other, made by `concatenate`.
@@ -121,6 +137,9 @@ public:
     CConverterPtr first() const;   ///< the step applied first
     CConverterPtr second() const;  ///< the step applied second
 
+protected:
+    void convertArray(const double* values, double* results, std::size_t count) const override;
+
 private:
     // One step of the chain as convert() runs it: a known operation and its constant, or a converter
     // of a class that only its own convert() knows.
@@ -135,7 +154,11 @@ private:
 
     void plan();
     void countSteps(const CConverter& step, const Step*& steps, std::size_t& count, Step& own) const;
+    static double run(const Step& step, double x);
+    static void runAll(const Step& step, const double* from, double* to, std::size_t count);
     double walk(double x) const;
+    static CConverterPtr inverseOf(const CConverterPtr& converter, int levels);
+    static CConverterPtr inverseOfChain(CConverter& chain);
 
     CConverterPtr m_First;   // applied first; never empty
     CConverterPtr m_Second;  // applied second; never empty

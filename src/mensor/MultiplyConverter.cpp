@@ -1,6 +1,7 @@
 #include "mensor/MultiplyConverter.h"
 
 #include "mensor/Unit.h"
+#include "mensor/arrays.h"
 
 namespace mensor {
 
@@ -29,5 +30,13 @@ string_t CMultiplyConverter::getSymbol(CUnitPtr unit) const {
 }
 
 double CMultiplyConverter::factor() const { return m_Factor; }
+
+void CMultiplyConverter::convertArray(const double* values, double* results, std::size_t count) const {
+    if (m_Factor != m_Factor) {
+        CConverter::convertArray(values, results, count);
+    } else {
+        detail::multiplyAll(values, results, count, m_Factor);
+    }
+}
 
 }  // namespace mensor

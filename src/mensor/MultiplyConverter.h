@@ -9,6 +9,7 @@
 #ifndef MENSOR_MULTIPLYCONVERTER_H
 #define MENSOR_MULTIPLYCONVERTER_H
 
+#include <cstddef>
 #include <memory>
 
 #include "mensor/Converter.h"
@@ -40,6 +41,9 @@ public:
 
     /// The factor, in target units per source unit.
     double factor() const;
+
+protected:
+    void convertArray(const double* values, double* results, std::size_t count) const override;
 
 private:
     double m_Factor;  // multiplied by convert(); never changes

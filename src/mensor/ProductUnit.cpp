@@ -46,7 +46,7 @@ CUnitRationalPower reduced(CUnitPtr unit, std::int64_t pow, std::int64_t root) {
 
 const CUnitRationalPower* findUnit(const Elements& elements, const CUnitPtr& unit) {
     for (const CUnitRationalPower& element : elements) {
-        if (element.getUnit() == unit) {
+        if (element.unit() == unit) {
             return &element;
         }
     }
@@ -55,7 +55,7 @@ const CUnitRationalPower* findUnit(const Elements& elements, const CUnitPtr& uni
 
 void requireUnits(const Elements& elements) {
     for (const CUnitRationalPower& element : elements) {
-        requireUnit(element.getUnit(), "CProductUnit::getInstance");
+        requireUnit(element.unit(), "CProductUnit::getInstance");
     }
 }
 
@@ -64,7 +64,7 @@ template <class OfFactor>
 CUnitPtr fold(const Elements& elements, OfFactor ofFactor) {
     CUnitPtr product = CProductUnit::one();
     for (const CUnitRationalPower& element : elements) {
-        const CUnitPtr factor = ofFactor(*element.getUnit());
+        const CUnitPtr factor = ofFactor(*element.unit());
         product = product->multiply(factor->pow(element.getPow())->root(element.getRoot()));
     }
     return product;
@@ -90,16 +90,16 @@ CUnitPtr CProductUnit::getInstance(const Elements& LeftElements, const Elements&
     for (const CUnitRationalPower& left : LeftElements) {
         std::int64_t pow = left.getPow();
         std::int64_t root = left.getRoot();
-        if (const CUnitRationalPower* right = findUnit(RightElements, left.getUnit())) {
+        if (const CUnitRationalPower* right = findUnit(RightElements, left.unit())) {
             pow = pow * right->getRoot() + right->getPow() * root;
             root = root * right->getRoot();
         }
         if (pow != 0) {
-            result.push_back(reduced(left.getUnit(), pow, root));
+            result.push_back(reduced(left.unit(), pow, root));
         }
     }
     for (const CUnitRationalPower& right : RightElements) {
-        if (findUnit(LeftElements, right.getUnit()) == nullptr) {
+        if (findUnit(LeftElements, right.unit()) == nullptr) {
             result.push_back(right);
         }
     }
@@ -132,7 +132,7 @@ CUnitPtr CProductUnit::getRootInstance(CUnitPtr unit, int n) {
     requireUnit(unit, "CProductUnit::getRootInstance");
     Elements elements = unit->elements();
     for (CUnitRationalPower& element : elements) {
-        element = reduced(element.getUnit(), element.getPow(), std::int64_t{element.getRoot()} * n);
+        element = reduced(element.unit(), element.getPow(), std::int64_t{element.getRoot()} * n);
     }
     return getInstance(elements, Elements());
 }
@@ -141,7 +141,7 @@ CUnitPtr CProductUnit::getPowInstance(CUnitPtr unit, int n) {
     requireUnit(unit, "CProductUnit::getPowInstance");
     Elements elements = unit->elements();
     for (CUnitRationalPower& element : elements) {
-        element = reduced(element.getUnit(), std::int64_t{element.getPow()} * n, element.getRoot());
+        element = reduced(element.unit(), std::int64_t{element.getPow()} * n, element.getRoot());
     }
     return getInstance(elements, Elements());
 }
@@ -157,7 +157,7 @@ void CProductUnit::calculateHashCode() {
     for (const CUnitRationalPower& element : m_Elements) {
         const unsigned weight = 3U * static_cast<unsigned>(element.getPow()) -
                                 2U * static_cast<unsigned>(element.getRoot());
-        sum += static_cast<unsigned>(element.getUnit()->hashCode()) * weight;
+        sum += static_cast<unsigned>(element.unit()->hashCode()) * weight;
     }
     m_HashCode = static_cast<int>(sum);
 }
@@ -213,10 +213,10 @@ bool CProductUnit::elementsContains(const Elements& elements) const {
 CConverterPtr CProductUnit::getCtxToDimension() {
     double factor = 1.0;
     for (const CUnitRationalPower& element : m_Elements) {
-        const CConverterPtr converter = element.getUnit()->getCtxToDimension();
+        const CConverterPtr converter = element.unit()->getCtxToDimension();
         if (!converter->isLinear()) {
             stringstream_t message;
-            message << "Unit element " << element.getUnit()->getSymbol()
+            message << "Unit element " << element.unit()->getSymbol()
                     << " is non-linear, cannot convert";
             throw std::logic_error(message.str());
         }

@@ -44,8 +44,10 @@ public:
     static CUnitPtr getRootInstance(CUnitPtr unit, int n);
     static CUnitPtr getPowInstance(CUnitPtr unit, int n);  ///< the power `n`
 
-    int size() const;                          ///< number of factors
-    CUnitRationalPower get(int index) const;   ///< factor `index`, which must be in range
+    int size() const;                         ///< number of factors
+    CUnitRationalPower get(int index) const;  ///< factor `index`, which must be in range
+    /// The factors, valid as long as this unit.
+    const std::vector<CUnitRationalPower>& factors() const { return m_Elements; }
 
     /// The sum of each factor's hash times (3·pow − 2·root), wrapping round.
     void calculateHashCode() override;

@@ -11,12 +11,14 @@
 #include "mensor/TransformedUnit.h"
 #include "mensor/UnitFormat.h"
 #include "mensor/require.h"
+#include "mensor/tables.h"
 
 namespace mensor {
 
-namespace {
+using detail::Lock;
+using detail::tables;
 
-using Lock = std::lock_guard<std::recursive_mutex>;
+namespace {
 
 // Powers and roots beyond this are computed anew each time: a slot for each number up to the
 // exponent of a text such as "m^2000000000" would exhaust the memory.
@@ -31,27 +33,39 @@ void requireNegatable(int n) {
     }
 }
 
+// The table of instances, which is never seen empty. The dimensionless unit goes in under whatever
+// its hash code is at this moment: it is not registered, and its hash need not have been computed.
+std::map<int, CUnitPtr>& seededInstances() {
+    auto& instances = tables().Instances;
+    if (instances.empty()) {
+        const CUnitPtr one = CProductUnit::one();
+        instances.emplace(one->hashCode(), one);
+    }
+    return instances;
+}
+
 // What registering `unit` has put into the tables so far; taken out again unless it succeeds.
 class Registration {
 public:
-    explicit Registration(const CUnitPtr& unit) : m_Unit(unit), m_Symbol(CUnit::symbols().end()) {}
+    explicit Registration(const CUnitPtr& unit) : m_Unit(unit), m_Symbol(tables().Symbols.end()) {}
 
     ~Registration() {
         if (!m_Unit) {
             return;
         }
-        if (m_Symbol != CUnit::symbols().end()) {
-            CUnit::symbols().erase(m_Symbol);
+        if (m_Symbol != tables().Symbols.end()) {
+            tables().Symbols.erase(m_Symbol);
         }
-        CUnit::dimensions().erase(m_Unit);  // asking for a symbol may have asked for a converter
-        CUnit::toDimensions().erase(m_Unit);
+        tables().Dimensions.erase(m_Unit);  // asking for a symbol may have asked for a converter
+        tables().ToDimensions.erase(m_Unit);
+        detail::advance(detail::contextEpoch);
     }
 
     Registration(const Registration&) = delete;
     Registration& operator=(const Registration&) = delete;
 
     void insertSymbol(const string_t& symbol) {
-        const auto [position, isNew] = CUnit::symbols().emplace(symbol, m_Unit);
+        const auto [position, isNew] = tables().Symbols.emplace(symbol, m_Unit);
         if (!isNew) {
             throwSymbolIsTaken(symbol);
         }
@@ -67,7 +81,13 @@ private:
 
 }  // namespace
 
-CUnit::CUnit(const string_t& symbol) : m_Symbol(symbol), m_HashCode(0), m_Id(0) {}
+CUnit::CUnit(const string_t& symbol)
+    : m_Symbol(symbol),
+      m_HashCode(0),
+      m_Id(0),
+      m_RememberedEpoch(0),
+      m_RememberedDimension(nullptr),
+      m_RememberedToDimension(nullptr) {}
 CUnit::~CUnit() = default;
 
 std::vector<CUnitRationalPower> CUnit::elements() {
@@ -88,9 +108,9 @@ bool CUnit::isSystemUnit() { return getSystemUnit().get() == this; }
 
 CUnitPtr CUnit::getInstance(CUnitPtr unit) {
     requireUnit(unit, "CUnit::getInstance");
-    const Lock lock(mutex());
+    const Lock lock(tables().Mutex);
     unit->calculateHashCode();
-    auto& known = instances();
+    auto& known = seededInstances();
     const auto found = known.find(unit->m_HashCode);
     if (found != known.end()) {
         return found->second;
@@ -109,49 +129,62 @@ CUnitPtr CUnit::getInstance(CUnitPtr unit) {
 CUnitPtr CUnit::readResolve() { return getInstance(shared_from_this()); }
 
 CUnitPtr CUnit::searchSymbol(const string_t& symbol) {
-    const Lock lock(mutex());
-    const auto found = symbols().find(symbol);
-    return found == symbols().end() ? nullptr : found->second;
+    const Lock lock(tables().Mutex);
+    const auto found = tables().Symbols.find(symbol);
+    return found == tables().Symbols.end() ? nullptr : found->second;
 }
 
+// From here on the client can change the table unseen.
 std::map<string_t, CUnitPtr>& CUnit::symbols() {
-    static std::map<string_t, CUnitPtr> Symbols;
-    return Symbols;
+    detail::handedOut.store(true);
+    return tables().Symbols;
 }
 
 std::map<int, CUnitPtr>& CUnit::instances() {
-    static std::map<int, CUnitPtr> Instances;
-    if (Instances.empty()) {
-        const CUnitPtr one = CProductUnit::one();
-        Instances.emplace(one->m_HashCode, one);
-    }
-    return Instances;
+    detail::handedOut.store(true);
+    return seededInstances();
 }
 
 std::map<CUnitPtr, CUnitPtr>& CUnit::dimensions() {
-    static std::map<CUnitPtr, CUnitPtr> Dimensions;
-    return Dimensions;
+    detail::handedOut.store(true);
+    return tables().Dimensions;
 }
 
 std::map<CUnitPtr, CConverterPtr>& CUnit::toDimensions() {
-    static std::map<CUnitPtr, CConverterPtr> ToDimensions;
-    return ToDimensions;
+    detail::handedOut.store(true);
+    return tables().ToDimensions;
 }
 
-std::recursive_mutex& CUnit::mutex() {
-    static std::recursive_mutex Mutex;
-    return Mutex;
+std::recursive_mutex& CUnit::mutex() { return tables().Mutex; }
+
+// The converter to the dimension as toDimensions() holds it, or none if it must be looked up. When it
+// is there, m_RememberedDimension is too.
+const CConverterPtr* CUnit::rememberedToDimension() const {
+    if (m_RememberedEpoch.load(std::memory_order_acquire) !=
+            detail::contextEpoch.load(std::memory_order_acquire) ||
+        detail::handedOut.load(std::memory_order_acquire)) {
+        return nullptr;
+    }
+    return m_RememberedToDimension.load(std::memory_order_relaxed);
+}
+
+// `toDimension` is the entry in toDimensions(), which stays where it is. The caller holds mutex().
+void CUnit::rememberDimension(const CUnitPtr& dimension, const CConverterPtr& toDimension) {
+    m_RememberedDimension.store(dimension.get(), std::memory_order_relaxed);
+    m_RememberedToDimension.store(&toDimension, std::memory_order_relaxed);
+    m_RememberedEpoch.store(detail::contextEpoch.load(std::memory_order_relaxed),
+                            std::memory_order_release);
 }
 
 CUnitPtr CUnit::getDimension() {
-    const Lock lock(mutex());
+    const Lock lock(tables().Mutex);
     const CUnitPtr self = shared_from_this();
-    const auto found = dimensions().find(self);
-    if (found != dimensions().end()) {
+    const auto found = tables().Dimensions.find(self);
+    if (found != tables().Dimensions.end()) {
         return found->second;
     }
     const CUnitPtr dimension = getCtxDimension();
-    dimensions()[self] = dimension;
+    tables().Dimensions[self] = dimension;
     return dimension;
 }
 
@@ -160,31 +193,62 @@ bool CUnit::isCompatible(CUnitPtr that) {
     if (that.get() == this) {
         return true;
     }
+    if (rememberedToDimension() != nullptr && that->rememberedToDimension() != nullptr) {
+        return m_RememberedDimension.load(std::memory_order_relaxed) ==
+               that->m_RememberedDimension.load(std::memory_order_relaxed);
+    }
     const CUnitPtr dimension = getDimension();
     return dimension == that->getDimension();
 }
 
+namespace {
+
+// toThat->inverse()->concatenate(fromThis), where most often the first is the identity.
+CConverterPtr chain(const CConverterPtr& fromThis, const CConverterPtr& toThat) {
+    const CConverterPtr& identity = detail::theIdentity();
+    if (toThat != identity) {
+        return toThat->inverse()->concatenate(fromThis);
+    }
+    return fromThis == identity ? identity : std::make_shared<CCompound>(fromThis, identity);
+}
+
+}  // namespace
+
 CConverterPtr CUnit::getConverterTo(CUnitPtr that) {
     requireUnit(that, "CUnit::getConverterTo");
     if (that.get() == this) {
-        return CConverter::identity();
+        return detail::theIdentity();
     }
+    const CConverterPtr* const fromThis = rememberedToDimension();
+    const CConverterPtr* const fromThat = that->rememberedToDimension();
+    if (fromThis != nullptr && fromThat != nullptr &&
+        m_RememberedDimension.load(std::memory_order_relaxed) ==
+            that->m_RememberedDimension.load(std::memory_order_relaxed)) {
+        return chain(*fromThis, *fromThat);
+    }
+    return lookUpConverterTo(that);
+}
+
+CConverterPtr CUnit::lookUpConverterTo(const CUnitPtr& that) {
     if (!isCompatible(that)) {
         stringstream_t message;
         message << getSymbol() << " is not compatible with " << that->getSymbol()
                 << " in current context";
         throw std::invalid_argument(message.str());
     }
-    const Lock lock(mutex());
-    CConverterPtr& thisToDimension = toDimensions()[shared_from_this()];
+    const Lock lock(tables().Mutex);
+    const CUnitPtr self = shared_from_this();
+    CConverterPtr& thisToDimension = tables().ToDimensions[self];
     if (!thisToDimension) {
         thisToDimension = getCtxToDimension();
     }
-    CConverterPtr& thatToDimension = toDimensions()[that];
+    CConverterPtr& thatToDimension = tables().ToDimensions[that];
     if (!thatToDimension) {
         thatToDimension = that->getCtxToDimension();
     }
-    return thatToDimension->inverse()->concatenate(thisToDimension);
+    rememberDimension(getDimension(), thisToDimension);
+    that->rememberDimension(that->getDimension(), thatToDimension);
+    return chain(thisToDimension, thatToDimension);
 }
 
 CConverterPtr CUnit::getConverterTo(const string_t& text) {
@@ -192,6 +256,18 @@ CConverterPtr CUnit::getConverterTo(const string_t& text) {
 }
 
 double CUnit::convertValueToUnit(double value, CUnitPtr that) {
+    requireUnit(that, "CUnit::convertValueToUnit");
+    if (that.get() == this) {
+        return value;
+    }
+    // To a unit that is its own dimension the chain ends with the identity: no need to build it.
+    const CConverterPtr* const fromThis = rememberedToDimension();
+    const CConverterPtr* const fromThat = that->rememberedToDimension();
+    if (fromThis != nullptr && fromThat != nullptr && *fromThat == detail::theIdentity() &&
+        m_RememberedDimension.load(std::memory_order_relaxed) ==
+            that->m_RememberedDimension.load(std::memory_order_relaxed)) {
+        return (*fromThis)->convert(value);
+    }
     return getConverterTo(std::move(that))->convert(value);
 }
 
@@ -238,6 +314,9 @@ CUnitPtr CUnit::divide(CUnitPtr that) {
 }
 
 CUnitPtr CUnit::pow(int n) {
+    if (n == 1) {
+        return shared_from_this();
+    }
     const Lock lock(m_LookupVectorMutex);
     if (n > LargestCachedExponent) {
         return CProductUnit::getPowInstance(shared_from_this(), n);
@@ -250,9 +329,6 @@ CUnitPtr CUnit::pow(int n) {
         }
         return result;
     }
-    if (n == 1) {
-        return shared_from_this();
-    }
     if (n == 0) {
         return CProductUnit::one();
     }
@@ -261,6 +337,9 @@ CUnitPtr CUnit::pow(int n) {
 }
 
 CUnitPtr CUnit::root(int n) {
+    if (n == 1) {
+        return shared_from_this();
+    }
     const Lock lock(m_LookupVectorMutex);
     if (n > LargestCachedExponent) {
         return CProductUnit::getRootInstance(shared_from_this(), n);
@@ -272,9 +351,6 @@ CUnitPtr CUnit::root(int n) {
             m_RootLookUp[static_cast<std::size_t>(n - 2)] = result;
         }
         return result;
-    }
-    if (n == 1) {
-        return shared_from_this();
     }
     if (n == 0) {
         throw std::invalid_argument("Root's order of zero");
@@ -291,11 +367,11 @@ string_t CUnit::toString() { return appendTo(string_t()); }
 std::string CUnit::toStdString() { return mensor::toStdString(toString()); }
 
 string_t CUnit::appendTo(string_t text) {
-    return CStandardUnitFormat::instance()->format(shared_from_this(), std::move(text));
+    return CStandardUnitFormat::write(shared_from_this(), std::move(text));
 }
 
 CUnitPtr CUnit::fromString(const string_t& text) {
-    return CStandardUnitFormat::instance()->parseUnit(text);
+    return CUnitFormat::parseUnit(text);
 }
 
 CUnitPtr operator+(const CUnitPtr& unit, double offset) { return unit->add(offset); }

@@ -20,6 +20,7 @@
 #ifndef MENSOR_UNIT_H
 #define MENSOR_UNIT_H
 
+#include <atomic>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -220,7 +221,13 @@ protected:
     CUnitPtr readResolve();
 
 private:
+    friend class CUnitFormat;
+
     static CUnitPtr getUnitByIndexOrExpandTable(int index, std::vector<CUnitPtr>& table);
+
+    const CConverterPtr* rememberedToDimension() const;
+    void rememberDimension(const CUnitPtr& dimension, const CConverterPtr& toDimension);
+    CConverterPtr lookUpConverterTo(const CUnitPtr& that);
 
 protected:
     std::recursive_mutex m_LookupVectorMutex;  // guards the four vectors below; order: see the top
@@ -231,6 +238,13 @@ protected:
     string_t m_Symbol;                         // as given; empty for units that have none
     int m_HashCode;                            // written by calculateHashCode(), 0 until then
     int m_Id;                                  // written by getInstance(), 0 until then
+
+private:
+    // What dimensions() and toDimensions() say of this unit, void under another epoch (tables.h).
+    // Written under mutex(), read without it; the epoch is written last and read first.
+    std::atomic<unsigned> m_RememberedEpoch;
+    std::atomic<const CUnit*> m_RememberedDimension;
+    std::atomic<const CConverterPtr*> m_RememberedToDimension;
 };
 
 /// `unit->add(offset)`.

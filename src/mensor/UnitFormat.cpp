@@ -5,6 +5,8 @@
 // text ends (commit), because its power and root may stand anywhere between the two.
 #include "mensor/UnitFormat.h"
 
+#include <charconv>
+#include <cstdint>
 #include <limits>
 #include <stdexcept>
 #include <string>
@@ -12,14 +14,17 @@
 #include <utility>
 
 #include "mensor/ProductUnit.h"
+#include "mensor/RememberedTexts.h"
 #include "mensor/require.h"
+#include "mensor/tables.h"
 #include "mensor/utf8.h"
 
 namespace mensor {
 
-namespace {
+using detail::Lock;
+using detail::tables;
 
-using Lock = std::lock_guard<std::recursive_mutex>;
+namespace {
 
 int parseExponentBytes(std::string_view text) {
     if (text.empty()) {
@@ -175,14 +180,20 @@ private:
     }
 
     void multiplyName() {
-        const CUnitPtr unit = CUnitFormat::unitFor(string_t(std::string(m_Name)));
+        CUnitPtr unit = CUnitFormat::unitFor(string_t(std::string(m_Name)));
         if (!unit) {
             throw std::invalid_argument("Label: " + std::string(m_Name) + " not recognized");
         }
         // No number read is the smallest int, so its negation exists.
         const int pow = parseExponentBytes(m_Power);
         const int root = parseExponentBytes(m_Root);
-        m_Result = m_Result->multiply(unit->pow(m_Inverse ? -pow : pow)->root(root));
+        if (m_Inverse || pow != 1) {
+            unit = unit->pow(m_Inverse ? -pow : pow);
+        }
+        if (root != 1) {
+            unit = unit->root(root);
+        }
+        m_Result = m_Result->multiply(std::move(unit));
     }
 
     const std::string_view m_Text;
@@ -197,38 +208,88 @@ private:
     CUnitPtr m_Result;
 };
 
-const CProductUnit& requireProduct(const std::shared_ptr<CUnit>& unit) {
+bool isRegistered(const CUnitPtr& unit) {
+    const Lock lock(tables().Mutex);
+    const auto found = tables().Instances.find(unit->hashCode());
+    return found != tables().Instances.end() && found->second == unit;
+}
+
+const CUnitPtr* find(const std::map<string_t, CUnitPtr>& units, const string_t& name) {
+    const auto found = units.find(name);
+    return found == units.end() ? nullptr : &found->second;
+}
+
+// Appends the label of `unit`, else its symbol. The caller holds the mutex.
+void appendNameLocked(string_t& buffer, const CUnitPtr& unit) {
+    const auto found = tables().UnitLabel.find(unit);
+    if (found != tables().UnitLabel.end()) {
+        buffer += found->second;
+    } else {
+        buffer += unit->getSymbol();
+    }
+}
+
+// The factors of `unit`, which has neither label nor symbol.
+const std::vector<CUnitRationalPower>& requireFactors(const CUnitPtr& unit) {
     const auto* product = dynamic_cast<const CProductUnit*>(unit.get());
     if (product == nullptr) {
         throw std::invalid_argument("Cannot format given Object as a Unit");
     }
-    return *product;
+    return product->factors();
+}
+
+void appendNumber(string_t& buffer, char mark, std::int64_t n) {
+    char digits[24] = {mark};
+    const auto end = std::to_chars(digits + 1, digits + sizeof digits, n).ptr;
+    *end = 0;
+    buffer += digits;
+}
+
+void appendExponent(string_t& buffer, std::int64_t pow, int root) {
+    appendNumber(buffer, '^', pow);
+    if (root != 1) {
+        appendNumber(buffer, ':', root);
+    }
+}
+
+void appendTypographicExponent(string_t& buffer, std::int64_t pow, int root) {
+    if (pow == 1 && root == 1) {
+        return;
+    }
+    if (pow == 2 && root == 1) {
+        buffer += "²";
+    } else if (pow == 3 && root == 1) {
+        buffer += "³";
+    } else {
+        appendExponent(buffer, pow, root);
+    }
 }
 
 }  // namespace
 
+// From here on the client can change the table unseen.
 std::map<string_t, std::shared_ptr<CUnit>>& CUnitFormat::labelUnitMap() {
-    static std::map<string_t, std::shared_ptr<CUnit>> LABEL_UNIT;
-    return LABEL_UNIT;
+    detail::handedOut.store(true);
+    return tables().LabelUnit;
 }
 
 std::map<std::shared_ptr<CUnit>, string_t>& CUnitFormat::unitLabelMap() {
-    static std::map<std::shared_ptr<CUnit>, string_t> UNIT_LABEL;
-    return UNIT_LABEL;
+    detail::handedOut.store(true);
+    return tables().UnitLabel;
 }
 
 std::map<string_t, std::shared_ptr<CUnit>>& CUnitFormat::aliasUnitMap() {
-    static std::map<string_t, std::shared_ptr<CUnit>> ALIAS_UNIT;
-    return ALIAS_UNIT;
+    detail::handedOut.store(true);
+    return tables().AliasUnit;
 }
 
 CUnitPtr CUnitFormat::label(CUnitPtr unit, const string_t& label) {
     requireUnit(unit, "CUnitFormat::label");
-    const Lock lock(CUnit::mutex());
-    auto& unitOf = labelUnitMap();
-    auto& labelOf = unitLabelMap();
+    const Lock lock(tables().Mutex);
+    auto& unitOf = tables().LabelUnit;
+    auto& labelOf = tables().UnitLabel;
     if (!label.empty()) {
-        if (CUnit::searchSymbol(label)) {
+        if (find(tables().Symbols, label) != nullptr) {
             throw std::invalid_argument("Label: " + mensor::toStdString(label) +
                                         " is a known symbol");
         }
@@ -256,33 +317,34 @@ CUnitPtr CUnitFormat::label(CUnitPtr unit, const string_t& label) {
     }
     unitOf.merge(newUnitOf);
     labelOf.merge(newLabelOf);
+    detail::advance(detail::namesEpoch);
     return unit;
 }
 
 CUnitPtr CUnitFormat::alias(CUnitPtr unit, string_t alias) {
     requireUnit(unit, "CUnitFormat::alias");
-    const Lock lock(CUnit::mutex());
-    aliasUnitMap().emplace(std::move(alias), unit);
+    const Lock lock(tables().Mutex);
+    tables().AliasUnit.emplace(std::move(alias), unit);
+    detail::advance(detail::namesEpoch);
     return unit;
 }
 
 string_t CUnitFormat::labelFor(CUnitPtr unit) {
-    const Lock lock(CUnit::mutex());
-    const auto found = unitLabelMap().find(unit);
-    return found != unitLabelMap().end() ? found->second : unit->getSymbol();
+    const Lock lock(tables().Mutex);
+    const auto found = tables().UnitLabel.find(unit);
+    return found != tables().UnitLabel.end() ? found->second : unit->getSymbol();
 }
 
 std::shared_ptr<CUnit> CUnitFormat::unitFor(const string_t& text) {
-    const Lock lock(CUnit::mutex());
-    const auto labelled = labelUnitMap().find(text);
-    if (labelled != labelUnitMap().end()) {
-        return labelled->second;
+    const Lock lock(tables().Mutex);
+    const CUnitPtr* unit = find(tables().LabelUnit, text);
+    if (unit == nullptr) {
+        unit = find(tables().AliasUnit, text);
     }
-    const auto aliased = aliasUnitMap().find(text);
-    if (aliased != aliasUnitMap().end()) {
-        return aliased->second;
+    if (unit == nullptr) {
+        unit = find(tables().Symbols, text);
     }
-    return CUnit::searchSymbol(text);
+    return unit == nullptr ? nullptr : *unit;
 }
 
 void CUnitFormat::labelPrefixedUnit(const std::vector<ePrefix>& prefixes,
@@ -296,7 +358,19 @@ void CUnitFormat::labelPrefixedUnit(const std::vector<ePrefix>& prefixes,
 }
 
 CUnitPtr CUnitFormat::parseUnit(const string_t& text) {
-    return Parser(std::string_view(text.data(), text.size())).parse();
+    const std::string_view bytes(text.data(), text.size());
+    if (detail::handedOut.load(std::memory_order_acquire)) {
+        return Parser(bytes).parse();
+    }
+    const unsigned epoch = detail::namesEpoch.load(std::memory_order_acquire);
+    if (CUnit* const remembered = detail::rememberedTexts.find(bytes, epoch)) {
+        return remembered->shared_from_this();
+    }
+    CUnitPtr unit = Parser(bytes).parse();
+    if (isRegistered(unit)) {
+        detail::rememberedTexts.keep(bytes, epoch, unit.get());
+    }
+    return unit;
 }
 
 bool CUnitFormat::isUnitIdentifierPart(char_t c) {
@@ -319,32 +393,24 @@ CUnitFormatPtr CStandardUnitFormat::instance() {
 
 void CStandardUnitFormat::append(string_t& buffer, const string_t& symbol, int pow, int root) {
     buffer += symbol;
-    if (pow == 1 && root == 1) {
-        return;
-    }
-    if (pow == 2 && root == 1) {
-        buffer += "²";
-    } else if (pow == 3 && root == 1) {
-        buffer += "³";
-    } else {
-        buffer += string_t("^" + std::to_string(pow));
-        if (root != 1) {
-            buffer += string_t(":" + std::to_string(root));
-        }
-    }
+    appendTypographicExponent(buffer, pow, root);
 }
 
 string_t CStandardUnitFormat::format(std::shared_ptr<CUnit> unit, string_t buffer) {
-    const string_t name = labelFor(unit);
-    if (!name.empty()) {
-        buffer += name;
+    return write(unit, std::move(buffer));
+}
+
+// The mutex is held over all names, so that they are those of one moment.
+string_t CStandardUnitFormat::write(const CUnitPtr& unit, string_t buffer) {
+    const Lock lock(tables().Mutex);
+    const auto start = buffer.size();
+    appendNameLocked(buffer, unit);
+    if (buffer.size() != start) {
         return buffer;
     }
-    const CProductUnit& product = requireProduct(unit);
-    const auto start = buffer.size();
+    const auto& factors = requireFactors(unit);
     int negatives = 0;
-    for (int i = 0; i < product.size(); ++i) {
-        const CUnitRationalPower factor = product.get(i);
+    for (const CUnitRationalPower& factor : factors) {
         if (factor.getPow() < 0) {
             ++negatives;
             continue;
@@ -352,7 +418,8 @@ string_t CStandardUnitFormat::format(std::shared_ptr<CUnit> unit, string_t buffe
         if (buffer.size() != start) {
             buffer += "·";
         }
-        append(buffer, labelFor(factor.getUnit()), factor.getPow(), factor.getRoot());
+        appendNameLocked(buffer, factor.unit());
+        appendTypographicExponent(buffer, factor.getPow(), factor.getRoot());
     }
     if (negatives == 0) {
         return buffer;
@@ -360,20 +427,17 @@ string_t CStandardUnitFormat::format(std::shared_ptr<CUnit> unit, string_t buffe
     if (buffer.size() == start) {
         buffer += "1";
     }
-    buffer += "/";
-    if (negatives > 1) {
-        buffer += "(";
-    }
+    buffer += negatives > 1 ? "/(" : "/";
     const auto mark = buffer.size();
-    for (int i = 0; i < product.size(); ++i) {
-        const CUnitRationalPower factor = product.get(i);
+    for (const CUnitRationalPower& factor : factors) {
         if (factor.getPow() >= 0) {
             continue;
         }
         if (buffer.size() != mark) {
             buffer += "·";
         }
-        append(buffer, labelFor(factor.getUnit()), -factor.getPow(), factor.getRoot());
+        appendNameLocked(buffer, factor.unit());
+        appendTypographicExponent(buffer, -std::int64_t{factor.getPow()}, factor.getRoot());
     }
     if (negatives > 1) {
         buffer += ")";
@@ -387,24 +451,19 @@ CUnitFormatPtr CASCIIUnitFormat::instance() {
 }
 
 string_t CASCIIUnitFormat::format(std::shared_ptr<CUnit> unit, string_t buffer) {
-    const string_t name = labelFor(unit);
-    if (!name.empty()) {
-        buffer += name;
+    const Lock lock(tables().Mutex);
+    const auto start = buffer.size();
+    appendNameLocked(buffer, unit);
+    if (buffer.size() != start) {
         return buffer;
     }
-    const CProductUnit& product = requireProduct(unit);
-    const auto start = buffer.size();
-    for (int i = 0; i < product.size(); ++i) {
-        const CUnitRationalPower factor = product.get(i);
+    for (const CUnitRationalPower& factor : requireFactors(unit)) {
         if (buffer.size() != start) {
             buffer += " ";
         }
-        buffer += labelFor(factor.getUnit());
+        appendNameLocked(buffer, factor.unit());
         if (factor.getPow() != 1 || factor.getRoot() != 1) {
-            buffer += string_t("^" + std::to_string(factor.getPow()));
-            if (factor.getRoot() != 1) {
-                buffer += string_t(":" + std::to_string(factor.getRoot()));
-            }
+            appendExponent(buffer, factor.getPow(), factor.getRoot());
         }
     }
     return buffer;

@@ -116,6 +116,10 @@ public:
 
     /// Writes one factor: "m", "m²", "m^4", "m^1:2".
     static void append(string_t& buffer, const string_t& symbol, int pow, int root);
+
+private:
+    friend class CUnit;
+    static string_t write(const CUnitPtr& unit, string_t buffer);
 };
 
 /// The plain notation: "kg m^2 s^-2". Names are written as they are and may hold other characters.

@@ -27,6 +27,9 @@ public:
     CUnitPtr getUnit() const;  ///< the unit that is raised
     int getPow() const;        ///< numerator of the exponent
     int getRoot() const;       ///< denominator of the exponent, the order of the root
+
+    /// The unit that is raised, without a count of its owners: valid as long as this record.
+    const CUnitPtr& unit() const { return m_Unit; }
     void setPow(int pow);
     void setRoot(int root);
 
