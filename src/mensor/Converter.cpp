@@ -82,8 +82,11 @@ void CConverter::convertArray(const double* values, double* results, std::size_t
 
 string_t CConverter::getSymbol(CUnitPtr) const { return string_t(); }
 
-const CConverterPtr& detail::theIdentity() {
+std::atomic<const CConverterPtr*> detail::createdIdentity{nullptr};
+
+const CConverterPtr& detail::createIdentity() {
     static const CConverterPtr Identity = std::make_shared<CIdentity>();
+    createdIdentity.store(&Identity, std::memory_order_release);
     return Identity;
 }
 
@@ -102,34 +105,80 @@ void CIdentity::convertArray(const double* values, double* results, std::size_t 
     std::memmove(results, values, count * sizeof(double));
 }
 
+// The steps of a child: its plan if it is a compound, else the one step, written to `own`.
+inline CCompound::Plan CCompound::planOf(const CConverter& child, Step& own) {
+    if (const CCompound* compound = asCompound(child)) {
+        return {compound->m_Steps, compound->m_StepCount};
+    }
+    if (isExactly<CIdentity>(child)) {
+        return {&own, 0};
+    }
+    if (isExactly<CMultiplyConverter>(child)) {
+        own.Kind = Step::MULTIPLY;
+        own.Constant = static_cast<const CMultiplyConverter&>(child).factor();
+    } else if (isExactly<CAddConverter>(child)) {
+        own.Kind = Step::ADD;
+        own.Constant = static_cast<const CAddConverter&>(child).getOffset();
+    } else {
+        own.Kind = Step::CALL;
+        own.Converter = &child;
+    }
+    return {&own, 1};
+}
+
 CCompound::CCompound(CConverterPtr first, CConverterPtr second)
-    : m_First(std::move(first)),
-      m_Second(std::move(second)),
-      m_Steps(nullptr),
-      m_StepCount(0),
-      m_OwnStep{Step::CALL, {0.0}} {
+    : m_First(std::move(first)), m_Second(std::move(second)) {
     if (!m_First || !m_Second) {
         throw std::invalid_argument("A compound converter needs two converters");
     }
-    plan();
+    // At most one of the two has steps nearly always, and its own one may stand here then.
+    const Plan ofFirst = planOf(*m_First, m_OwnSteps[0]);
+    if (m_Second == detail::theIdentity()) {
+        m_Steps = ofFirst.Steps;
+        m_StepCount = ofFirst.Count;
+        return;
+    }
+    Step ownOfSecond;
+    const Plan ofSecond = planOf(*m_Second, ownOfSecond);
+    m_StepCount = ofFirst.Count + ofSecond.Count;
+    if (m_StepCount > LongestPlan) {
+        m_Steps = nullptr;
+        m_StepCount = LongestPlan + 1;  // more than any plan has, so no chain with this one has a plan
+    } else if (ofSecond.Count == 0) {
+        m_Steps = ofFirst.Steps;
+    } else if (ofFirst.Count != 0) {
+        Step* steps = m_OwnSteps;
+        if (m_StepCount > OwnStepCount) {
+            m_ManySteps.reset(new Step[m_StepCount]);
+            steps = m_ManySteps.get();
+        }
+        std::copy_n(ofFirst.Steps, ofFirst.Count, steps);
+        std::copy_n(ofSecond.Steps, ofSecond.Count, steps + ofFirst.Count);
+        m_Steps = steps;
+    } else if (ofSecond.Steps == &ownOfSecond) {
+        m_OwnSteps[0] = ownOfSecond;
+        m_Steps = m_OwnSteps;
+    } else {
+        m_Steps = ofSecond.Steps;
+    }
 }
 
 namespace {
 
-// Children that a destructor higher up this thread's stack will release: it does so in a loop, so a
-// chain of any length is destroyed with a bounded stack.
+// Destroying a chain level by level would need a stack as deep as the chain. So beyond a few levels
+// the children that die with their compound are handed to a list, which the destructor at the last of
+// these levels empties in a loop.
+constexpr int DestructorLevels = 32;
 using Pending = std::vector<CConverterPtr>;
+thread_local int destructorLevel = 0;
 thread_local Pending* pendingOfThread = nullptr;
 
 // A hint: whether letting go of this pointer is likely to destroy a compound.
 bool isLastOwnerOfCompound(const CConverterPtr& converter) {
-    return converter && converter.use_count() == 1 && asCompound(*converter) != nullptr;
+    return converter.use_count() == 1 && asCompound(*converter) != nullptr;
 }
 
 void release(CConverterPtr& child) {
-    if (!isLastOwnerOfCompound(child)) {
-        return;  // the member's own destructor does
-    }
     try {
         pendingOfThread->push_back(std::move(child));
     } catch (const std::bad_alloc&) {
@@ -141,6 +190,13 @@ void release(CConverterPtr& child) {
 
 CCompound::~CCompound() {
     if (!isLastOwnerOfCompound(m_First) && !isLastOwnerOfCompound(m_Second)) {
+        return;
+    }
+    if (destructorLevel < DestructorLevels) {
+        ++destructorLevel;
+        m_First.reset();
+        m_Second.reset();
+        --destructorLevel;
         return;
     }
     if (pendingOfThread != nullptr) {
@@ -159,77 +215,25 @@ CCompound::~CCompound() {
     pendingOfThread = nullptr;
 }
 
-// The steps that `step`, a child of this compound, contributes: its plan, or the one step `own`.
-void CCompound::countSteps(const CConverter& step, const Step*& steps, std::size_t& count,
-                           Step& own) const {
-    if (const CCompound* compound = asCompound(step)) {
-        steps = compound->m_Steps;
-        count = compound->m_StepCount;
-        return;
-    }
-    steps = &own;
-    count = 1;
-    if (isExactly<CIdentity>(step)) {
-        count = 0;
-    } else if (isExactly<CMultiplyConverter>(step)) {
-        own.Kind = Step::MULTIPLY;
-        own.Constant = static_cast<const CMultiplyConverter&>(step).factor();
-    } else if (isExactly<CAddConverter>(step)) {
-        own.Kind = Step::ADD;
-        own.Constant = static_cast<const CAddConverter&>(step).getOffset();
-    } else {
-        own.Kind = Step::CALL;
-        own.Converter = &step;
-    }
-}
-
-void CCompound::plan() {
-    Step ownOfFirst{Step::CALL, {0.0}};
-    Step ownOfSecond{Step::CALL, {0.0}};
-    const Step* first = nullptr;
-    const Step* second = nullptr;
-    std::size_t countOfFirst = 0;
-    std::size_t countOfSecond = 0;
-    countSteps(*m_First, first, countOfFirst, ownOfFirst);
-    countSteps(*m_Second, second, countOfSecond, ownOfSecond);
-
-    m_StepCount = countOfFirst + countOfSecond;
-    if (m_StepCount == 0) {
-        m_Steps = &m_OwnStep;
-    } else if (m_StepCount > LongestPlan) {
-        m_Steps = nullptr;
-        m_StepCount = LongestPlan + 1;  // one more than any plan, so no chain above this has a plan
-    } else if (countOfFirst == 0 || countOfSecond == 0) {
-        const Step* only = countOfFirst == 0 ? second : first;
-        if (only == &ownOfFirst || only == &ownOfSecond) {
-            m_OwnStep = *only;
-            only = &m_OwnStep;
-        }
-        m_Steps = only;
-    } else {
-        m_OwnSteps.reset(new Step[m_StepCount]);
-        std::copy(first, first + countOfFirst, m_OwnSteps.get());
-        std::copy(second, second + countOfSecond, m_OwnSteps.get() + countOfFirst);
-        m_Steps = m_OwnSteps.get();
-    }
-}
-
 inline double CCompound::run(const Step& step, double x) {
-    switch (step.Kind) {
-        case Step::ADD:
-            return x + step.Constant;
-        case Step::MULTIPLY:
-            return x * step.Constant;
-        case Step::CALL:
-            break;
+    if (step.Kind == Step::MULTIPLY) {
+        return x * step.Constant;
+    }
+    if (step.Kind == Step::ADD) {
+        return x + step.Constant;
     }
     return step.Converter->convert(x);
 }
 
 double CCompound::convert(double x) const {
-    if (m_Steps == nullptr) {
-        return walk(x);
+    // Nearly all chains are one factor or one offset.
+    if (m_StepCount == 1 && m_Steps->Kind != Step::CALL) {
+        return run(*m_Steps, x);
     }
+    return m_Steps == nullptr ? walk(x) : runPlan(x);
+}
+
+double CCompound::runPlan(double x) const {
     for (const Step *step = m_Steps, *end = m_Steps + m_StepCount; step != end; ++step) {
         x = run(*step, x);
     }
@@ -291,16 +295,38 @@ double CCompound::walk(double x) const {
 }
 
 double CCompound::derivative(double x) const {
-    // Leaves from left to right, each at the value that the steps before it give; a compound's
-    // slope is multiplied where both its children's are known, as its nesting says: the order of
-    // the multiplications decides the last bits.
+    constexpr int Levels = 16;
+    const double ofFirst = slopeOf(*m_First, x, false, Levels);
+    return ofFirst * slopeOf(*m_Second, x, true, Levels);
+}
+
+// The slope of `converter` at `x`, and the step of `x` over it unless it is the last one. A compound's
+// slope is multiplied where both its children's are known, as its nesting says: the order of the
+// multiplications decides the last bits. A few levels by recursion, what lies deeper with a list.
+double CCompound::slopeOf(const CConverter& converter, double& x, bool isLast, int levels) {
+    const CCompound* compound = asCompound(converter);
+    if (compound == nullptr) {
+        const double slope = converter.derivative(x);
+        if (!isLast) {
+            x = converter.convert(x);
+        }
+        return slope;
+    }
+    if (levels == 0) {
+        return slopeOfChain(*compound, x, isLast);
+    }
+    const double ofFirst = slopeOf(*compound->m_First, x, false, levels - 1);
+    return ofFirst * slopeOf(*compound->m_Second, x, isLast, levels - 1);
+}
+
+double CCompound::slopeOfChain(const CCompound& chain, double& x, bool isLast) {
     struct Visit {
         const CConverter* Converter;
         bool ChildrenDone;
+        bool IsLast;
     };
-    std::vector<Visit> ahead{{this, false}};
+    std::vector<Visit> ahead{{&chain, false, isLast}};
     std::vector<double> slopes;
-    std::size_t unvisited = 1;
     while (!ahead.empty()) {
         const Visit visit = ahead.back();
         ahead.pop_back();
@@ -308,17 +334,12 @@ double CCompound::derivative(double x) const {
             const double ofSecond = slopes.back();
             slopes.pop_back();
             slopes.back() = slopes.back() * ofSecond;
-        } else if (const CCompound* compound = visit.Converter == this ? this
-                                                                       : asCompound(*visit.Converter)) {
-            ahead.push_back({compound, true});
-            ahead.push_back({compound->m_Second.get(), false});
-            ahead.push_back({compound->m_First.get(), false});
-            ++unvisited;  // two more, this one less
+        } else if (const CCompound* compound = asCompound(*visit.Converter)) {
+            ahead.push_back({compound, true, false});
+            ahead.push_back({compound->m_Second.get(), false, visit.IsLast});
+            ahead.push_back({compound->m_First.get(), false, false});
         } else {
-            slopes.push_back(visit.Converter->derivative(x));
-            if (--unvisited > 0) {
-                x = visit.Converter->convert(x);
-            }
+            slopes.push_back(slopeOf(*visit.Converter, x, visit.IsLast, 0));
         }
     }
     return slopes.back();

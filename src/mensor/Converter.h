@@ -152,11 +152,17 @@ private:
     };
     static constexpr std::size_t LongestPlan = 32;
 
-    void plan();
-    void countSteps(const CConverter& step, const Step*& steps, std::size_t& count, Step& own) const;
+    struct Plan {
+        const Step* Steps;
+        std::size_t Count;
+    };
+    static Plan planOf(const CConverter& child, Step& own);
     static double run(const Step& step, double x);
     static void runAll(const Step& step, const double* from, double* to, std::size_t count);
+    double runPlan(double x) const;
     double walk(double x) const;
+    static double slopeOf(const CConverter& converter, double& x, bool isLast, int levels);
+    static double slopeOfChain(const CCompound& chain, double& x, bool isLast);
     static CConverterPtr inverseOf(const CConverterPtr& converter, int levels);
     static CConverterPtr inverseOfChain(CConverter& chain);
 
@@ -164,12 +170,13 @@ private:
     CConverterPtr m_Second;  // applied second; never empty
 
     // The steps of both children in order, identities left out: what convert() runs instead of the
-    // nest of virtual calls. Points at m_OwnStep, m_OwnSteps or the plan of a child, which the child's
-    // pointer keeps alive. None for a chain longer than LongestPlan, which convert() walks.
+    // nest of virtual calls. Points at m_OwnSteps, m_ManySteps or the plan of a child, which the
+    // child's pointer keeps alive. None for a chain longer than LongestPlan, which convert() walks.
+    static constexpr std::size_t OwnStepCount = 3;
     const Step* m_Steps;
     std::size_t m_StepCount;
-    Step m_OwnStep;
-    std::unique_ptr<Step[]> m_OwnSteps;
+    Step m_OwnSteps[OwnStepCount];
+    std::unique_ptr<Step[]> m_ManySteps;
 };
 
 using CCompoundPtr = std::shared_ptr<CCompound>;

@@ -178,14 +178,18 @@ void CUnit::rememberDimension(const CUnitPtr& dimension, const CConverterPtr& to
 
 CUnitPtr CUnit::getDimension() {
     const Lock lock(tables().Mutex);
-    const CUnitPtr self = shared_from_this();
-    const auto found = tables().Dimensions.find(self);
-    if (found != tables().Dimensions.end()) {
+    return dimensionLocked(shared_from_this());
+}
+
+// The entry of `unit` in dimensions(), made if there is none. The caller holds mutex().
+const CUnitPtr& CUnit::dimensionLocked(const CUnitPtr& unit) {
+    auto& dimensions = tables().Dimensions;
+    const auto found = dimensions.find(unit);
+    if (found != dimensions.end()) {
         return found->second;
     }
-    const CUnitPtr dimension = getCtxDimension();
-    tables().Dimensions[self] = dimension;
-    return dimension;
+    const CUnitPtr dimension = unit->getCtxDimension();
+    return dimensions.emplace(unit, dimension).first->second;
 }
 
 bool CUnit::isCompatible(CUnitPtr that) {
@@ -229,15 +233,18 @@ CConverterPtr CUnit::getConverterTo(CUnitPtr that) {
     return lookUpConverterTo(that);
 }
 
+// getConverterTo() by way of the tables, all under one lock.
 CConverterPtr CUnit::lookUpConverterTo(const CUnitPtr& that) {
-    if (!isCompatible(that)) {
+    const Lock lock(tables().Mutex);
+    const CUnitPtr self = shared_from_this();
+    const CUnitPtr thisDimension = dimensionLocked(self);
+    const CUnitPtr thatDimension = dimensionLocked(that);
+    if (thisDimension != thatDimension) {
         stringstream_t message;
         message << getSymbol() << " is not compatible with " << that->getSymbol()
                 << " in current context";
         throw std::invalid_argument(message.str());
     }
-    const Lock lock(tables().Mutex);
-    const CUnitPtr self = shared_from_this();
     CConverterPtr& thisToDimension = tables().ToDimensions[self];
     if (!thisToDimension) {
         thisToDimension = getCtxToDimension();
@@ -246,8 +253,8 @@ CConverterPtr CUnit::lookUpConverterTo(const CUnitPtr& that) {
     if (!thatToDimension) {
         thatToDimension = that->getCtxToDimension();
     }
-    rememberDimension(getDimension(), thisToDimension);
-    that->rememberDimension(that->getDimension(), thatToDimension);
+    rememberDimension(thisDimension, thisToDimension);
+    that->rememberDimension(thatDimension, thatToDimension);
     return chain(thisToDimension, thatToDimension);
 }
 
@@ -281,7 +288,7 @@ CUnitPtr CUnit::multiply(double factor) {
                                          std::make_shared<CMultiplyConverter>(factor));
 }
 
-// The caller holds the unit's m_LookupVectorMutex.
+// Each caller holds the unit's m_LookupVectorMutex.
 CUnitPtr CUnit::getUnitByIndexOrExpandTable(int index, std::vector<CUnitPtr>& table) {
     if (index >= static_cast<int>(table.size())) {
         table.resize(static_cast<std::size_t>(index) + 1);
@@ -289,28 +296,35 @@ CUnitPtr CUnit::getUnitByIndexOrExpandTable(int index, std::vector<CUnitPtr>& ta
     return table[static_cast<std::size_t>(index)];
 }
 
+// The canonical result in the slot, which `make` fills if it is empty.
+template <class Make>
+inline CUnitPtr CUnit::lookUp(int index, std::vector<CUnitPtr>& table, Make make) {
+    const auto slot = static_cast<std::size_t>(index);
+    if (slot < table.size() && table[slot]) {
+        return table[slot];
+    }
+    getUnitByIndexOrExpandTable(index, table);
+    CUnitPtr result = make();
+    table[slot] = result;
+    return result;
+}
+
 // Units that were never registered have id 0, as the dimensionless unit has, and share its slot: the
 // first result there is the result for all of them.
 CUnitPtr CUnit::multiply(CUnitPtr that) {
     requireUnit(that, "CUnit::multiply");
     const Lock lock(m_LookupVectorMutex);
-    CUnitPtr result = getUnitByIndexOrExpandTable(that->m_Id, m_MultiplyLookUp);
-    if (!result) {
-        result = CProductUnit::getProductInstance(shared_from_this(), that);
-        m_MultiplyLookUp[static_cast<std::size_t>(that->m_Id)] = result;
-    }
-    return result;
+    return lookUp(that->m_Id, m_MultiplyLookUp, [&] {
+        return CProductUnit::getProductInstance(shared_from_this(), that);
+    });
 }
 
 CUnitPtr CUnit::divide(CUnitPtr that) {
     requireUnit(that, "CUnit::divide");
     const Lock lock(m_LookupVectorMutex);
-    CUnitPtr result = getUnitByIndexOrExpandTable(that->m_Id, m_DivideLookUp);
-    if (!result) {
-        result = CProductUnit::getQuotientInstance(shared_from_this(), that);
-        m_DivideLookUp[static_cast<std::size_t>(that->m_Id)] = result;
-    }
-    return result;
+    return lookUp(that->m_Id, m_DivideLookUp, [&] {
+        return CProductUnit::getQuotientInstance(shared_from_this(), that);
+    });
 }
 
 CUnitPtr CUnit::pow(int n) {
@@ -322,12 +336,8 @@ CUnitPtr CUnit::pow(int n) {
         return CProductUnit::getPowInstance(shared_from_this(), n);
     }
     if (n > 1) {
-        CUnitPtr result = getUnitByIndexOrExpandTable(n - 2, m_PowLookUp);
-        if (!result) {
-            result = CProductUnit::getPowInstance(shared_from_this(), n);
-            m_PowLookUp[static_cast<std::size_t>(n - 2)] = result;
-        }
-        return result;
+        return lookUp(n - 2, m_PowLookUp,
+                      [&] { return CProductUnit::getPowInstance(shared_from_this(), n); });
     }
     if (n == 0) {
         return CProductUnit::one();
@@ -345,12 +355,8 @@ CUnitPtr CUnit::root(int n) {
         return CProductUnit::getRootInstance(shared_from_this(), n);
     }
     if (n > 1) {
-        CUnitPtr result = getUnitByIndexOrExpandTable(n - 2, m_RootLookUp);
-        if (!result) {
-            result = CProductUnit::getRootInstance(shared_from_this(), n);
-            m_RootLookUp[static_cast<std::size_t>(n - 2)] = result;
-        }
-        return result;
+        return lookUp(n - 2, m_RootLookUp,
+                      [&] { return CProductUnit::getRootInstance(shared_from_this(), n); });
     }
     if (n == 0) {
         throw std::invalid_argument("Root's order of zero");

@@ -224,10 +224,13 @@ private:
     friend class CUnitFormat;
 
     static CUnitPtr getUnitByIndexOrExpandTable(int index, std::vector<CUnitPtr>& table);
+    template <class Make>
+    static CUnitPtr lookUp(int index, std::vector<CUnitPtr>& table, Make make);
 
     const CConverterPtr* rememberedToDimension() const;
     void rememberDimension(const CUnitPtr& dimension, const CConverterPtr& toDimension);
     CConverterPtr lookUpConverterTo(const CUnitPtr& that);
+    static const CUnitPtr& dimensionLocked(const CUnitPtr& unit);
 
 protected:
     std::recursive_mutex m_LookupVectorMutex;  // guards the four vectors below; order: see the top

@@ -58,7 +58,12 @@ inline void advance(std::atomic<unsigned>& epoch) {
 }
 
 // The identity of the process, without counting a pointer to it.
-const CConverterPtr& theIdentity();
+extern std::atomic<const CConverterPtr*> createdIdentity;
+const CConverterPtr& createIdentity();
+inline const CConverterPtr& theIdentity() {
+    const CConverterPtr* const created = createdIdentity.load(std::memory_order_acquire);
+    return created != nullptr ? *created : createIdentity();
+}
 
 }  // namespace detail
 }  // namespace mensor
