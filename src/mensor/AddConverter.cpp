@@ -2,6 +2,7 @@
 
 #include "mensor/Unit.h"
 #include "mensor/arrays.h"
+#include "mensor/exact_class.h"
 #include "mensor/mensor_math.h"
 
 namespace mensor {
@@ -37,7 +38,7 @@ string_t CAddConverter::getSymbol(CUnitPtr unit) const {
 double CAddConverter::getOffset() const { return m_Offset; }
 
 void CAddConverter::convertArray(const double* values, double* results, std::size_t count) const {
-    if (m_Offset != m_Offset) {
+    if (m_Offset != m_Offset || !detail::isExactly<CAddConverter>(*this)) {
         CConverter::convertArray(values, results, count);
     } else {
         detail::addAll(values, results, count, m_Offset);

@@ -14,7 +14,6 @@
 #include <functional>
 #include <new>
 #include <stdexcept>
-#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -22,18 +21,15 @@
 #include "mensor/MultiplyConverter.h"
 #include "mensor/Unit.h"
 #include "mensor/arrays.h"
+#include "mensor/exact_class.h"
 #include "mensor/mensor_math.h"
 #include "mensor/tables.h"
 
 namespace mensor {
 
-namespace {
+using detail::isExactly;
 
-// By address: a class has one type information in the process.
-template <class Class>
-bool isExactly(const CConverter& converter) {
-    return &typeid(converter) == &typeid(Class);
-}
+namespace {
 
 // Subclasses that clients derive from CCompound are steps of their own: only they know what they do.
 const CCompound* asCompound(const CConverter& converter) {
@@ -102,6 +98,10 @@ bool CIdentity::isLinear() const { return true; }
 CConverterPtr CIdentity::concatenate(CConverterPtr other) { return other; }
 
 void CIdentity::convertArray(const double* values, double* results, std::size_t count) const {
+    if (!isExactly<CIdentity>(*this)) {
+        CConverter::convertArray(values, results, count);
+        return;
+    }
     std::memmove(results, values, count * sizeof(double));
 }
 
@@ -241,7 +241,7 @@ double CCompound::runPlan(double x) const {
 }
 
 void CCompound::convertArray(const double* values, double* results, std::size_t count) const {
-    if (m_Steps == nullptr) {
+    if (m_Steps == nullptr || !isExactly<CCompound>(*this)) {
         CConverter::convertArray(values, results, count);
         return;
     }

@@ -2,6 +2,7 @@
 
 #include "mensor/Unit.h"
 #include "mensor/arrays.h"
+#include "mensor/exact_class.h"
 
 namespace mensor {
 
@@ -32,7 +33,7 @@ string_t CMultiplyConverter::getSymbol(CUnitPtr unit) const {
 double CMultiplyConverter::factor() const { return m_Factor; }
 
 void CMultiplyConverter::convertArray(const double* values, double* results, std::size_t count) const {
-    if (m_Factor != m_Factor) {
+    if (m_Factor != m_Factor || !detail::isExactly<CMultiplyConverter>(*this)) {
         CConverter::convertArray(values, results, count);
     } else {
         detail::multiplyAll(values, results, count, m_Factor);

@@ -1,0 +1,277 @@
+// FlatPlan_test.cpp: a chain computes the very bits that its nested steps compute one after the other,
+// for one value and for arrays, however it is run inside.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "support/Matchers.h"
+#include "mensor/AddConverter.h"
+#include "mensor/Converter.h"
+#include "mensor/MultiplyConverter.h"
+#include "mensor/NonSI.h"
+#include "mensor/SI.h"
+#include "mensor/Unit.h"
+#include "mensor/UnitFormat.h"
+
+namespace mensor {
+namespace {
+
+// The value through the children, down to the leaves: what a chain means.
+double nested(const CConverterPtr& converter, double x) {
+    if (const auto compound = std::dynamic_pointer_cast<CCompound>(converter)) {
+        return nested(compound->second(), nested(compound->first(), x));
+    }
+    return converter->convert(x);
+}
+
+std::vector<double> specialValues() {
+    using Limits = std::numeric_limits<double>;
+    std::vector<double> values{0.0, 1.0, 2.5, 0.1, 1e-9, 273.15, 1e300, 1e-300, Limits::max(),
+                               Limits::min(), Limits::denorm_min(), 4.9e-320, Limits::epsilon(),
+                               Limits::infinity(), Limits::quiet_NaN(), 1.0 / 3.0, 123456789.125};
+    const std::size_t positive = values.size();
+    for (std::size_t i = 0; i < positive; ++i) {
+        values.push_back(-values[i]);
+    }
+    std::uint64_t payload = 0x7FF8000000000123U;  // a quiet NaN that says where it comes from
+    double named = 0;
+    std::memcpy(&named, &payload, sizeof named);
+    values.push_back(named);
+    return values;
+}
+
+std::set<CUnitPtr> catalogue() {
+    std::set<CUnitPtr> units;
+    for (const auto& entry : CUnit::symbols()) {
+        units.insert(entry.second);
+    }
+    for (const auto& entry : CUnitFormat::labelUnitMap()) {
+        units.insert(entry.second);
+    }
+    return units;
+}
+
+// Empty when `converter` gives the bits of its nested steps for each value, one by one, as an array
+// and in place; otherwise what differs.
+std::string difference(const CConverterPtr& converter, const std::vector<double>& values) {
+    std::vector<double> all(values.size(), 7.0);
+    std::vector<double> inPlace = values;
+    converter->convertAll(values.data(), all.data(), values.size());
+    converter->convertAll(inPlace.data(), inPlace.data(), values.size());
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const double expected = nested(converter, values[i]);
+        const double one = converter->convert(values[i]);
+        if (bitsOf(one) != bitsOf(expected) || bitsOf(all[i]) != bitsOf(expected) ||
+            bitsOf(inPlace[i]) != bitsOf(expected)) {
+            return exactly(values[i]) + ": nested " + exactly(expected) + ", one " + exactly(one) +
+                   ", array " + exactly(all[i]) + ", in place " + exactly(inPlace[i]);
+        }
+    }
+    return std::string();
+}
+
+TEST(FlatPlan, GivesTheBitsOfTheNestedStepsForEveryPairOfCompatibleCatalogueUnits) {
+    const std::vector<double> values = specialValues();
+    const std::set<CUnitPtr> units = catalogue();
+    int pairs = 0;
+    for (const CUnitPtr& from : units) {
+        for (const CUnitPtr& to : units) {
+            if (!from->isCompatible(to)) {
+                continue;
+            }
+            ++pairs;
+            ASSERT_EQ(difference(from->getConverterTo(to), values), "")
+                << text(CUnitFormat::labelFor(from)) << " to " << text(CUnitFormat::labelFor(to));
+        }
+    }
+    EXPECT_GT(pairs, 10000);
+}
+
+// A client's converter, of which the plan can only know that it must be called.
+class CSquare : public CConverter {
+public:
+    CConverterPtr inverse() override { throw std::logic_error("not needed"); }
+    double convert(double x) const override { return x * x; }
+    double derivative(double x) const override { return 2 * x; }
+    bool isLinear() const override { return false; }
+};
+
+CConverterPtr add(double offset) { return std::make_shared<CAddConverter>(offset); }
+CConverterPtr multiply(double factor) { return std::make_shared<CMultiplyConverter>(factor); }
+CConverterPtr pair(CConverterPtr first, CConverterPtr second) {
+    return std::make_shared<CCompound>(std::move(first), std::move(second));
+}
+
+TEST(FlatPlan, RunsTheStepsInOrderWhateverTheirKindsAndNesting) {
+    const CConverterPtr identity = CConverter::identity();
+    const CConverterPtr square = std::make_shared<CSquare>();
+    const std::vector<CConverterPtr> leaves{identity, add(0.1), multiply(3.7), square};
+    std::vector<CConverterPtr> chains = leaves;
+    for (const CConverterPtr& first : leaves) {
+        for (const CConverterPtr& second : leaves) {
+            const CConverterPtr two = pair(first, second);
+            chains.push_back(two);
+            for (const CConverterPtr& third : leaves) {
+                chains.push_back(pair(two, third));
+                chains.push_back(pair(third, two));
+                chains.push_back(pair(two, pair(third, two)));
+            }
+        }
+    }
+    for (const CConverterPtr& chain : chains) {
+        EXPECT_EQ(difference(chain, specialValues()), "");
+    }
+    EXPECT_THAT(pair(add(1), multiply(2))->convert(3), HasBitsOf(8.0));
+    EXPECT_THAT(pair(multiply(2), add(1))->convert(3), HasBitsOf(7.0));
+}
+
+TEST(FlatPlan, FoldsNothing) {
+    // 0.1 * 3 * 7 differs from 0.1 * 21 in the last place.
+    const CConverterPtr chain = pair(multiply(3), multiply(7));
+    EXPECT_THAT(chain->convert(0.1), HasBitsOf(0.1 * 3 * 7));
+    ASSERT_NE(bitsOf(0.1 * 3 * 7), bitsOf(0.1 * 21));
+}
+
+TEST(FlatPlan, LongChainsGiveTheBitsOfTheirStepsToo) {
+    for (const int length : {31, 32, 33, 34, 63, 64, 65, 200}) {
+        CConverterPtr toTheLeft = multiply(1.1);
+        CConverterPtr toTheRight = multiply(1.1);
+        double expected = 0.3 * 1.1;
+        for (int i = 1; i < length; ++i) {
+            const CConverterPtr step = i % 2 == 0 ? multiply(1.01) : add(0.7);
+            toTheLeft = pair(toTheLeft, step);
+            expected = step->convert(expected);
+        }
+        EXPECT_THAT(toTheLeft->convert(0.3), HasBitsOf(expected)) << length;
+        EXPECT_EQ(difference(toTheLeft, specialValues()), "") << length;
+        EXPECT_EQ(difference(pair(toTheLeft, toTheLeft), specialValues()), "") << length;
+        for (int i = 1; i < length; ++i) {
+            toTheRight = pair(i % 2 == 0 ? multiply(1.01) : add(0.7), toTheRight);
+        }
+        EXPECT_EQ(difference(toTheRight, specialValues()), "") << length;
+    }
+}
+
+TEST(FlatPlan, KeepsTheStepsOfAChildThatNobodyElseHolds) {
+    CConverterPtr chain;
+    {
+        const CConverterPtr inner = pair(multiply(3), add(4));
+        chain = pair(inner, CConverter::identity());
+    }
+    EXPECT_THAT(chain->convert(2), HasBitsOf(10.0));
+}
+
+TEST(FlatPlan, LeavesASubclassOfCompoundToItself) {
+    class CDoubled : public CCompound {
+    public:
+        using CCompound::CCompound;
+        double convert(double x) const override { return 2 * CCompound::convert(x); }
+    };
+    const CConverterPtr doubled = std::make_shared<CDoubled>(multiply(3), add(1));
+    const CConverterPtr chain = pair(doubled, multiply(10));
+    EXPECT_THAT(chain->convert(5), HasBitsOf(320.0));
+    double values[] = {5};
+    doubled->convertAll(values, values, 1);
+    EXPECT_THAT(values[0], HasBitsOf(32.0));
+}
+
+TEST(ConvertAll, AsksASubclassOfAnyConverterForEachValue) {
+    class CNegated : public CMultiplyConverter {
+    public:
+        using CMultiplyConverter::CMultiplyConverter;
+        double convert(double x) const override { return -CMultiplyConverter::convert(x); }
+    };
+    class CRaised : public CAddConverter {
+    public:
+        using CAddConverter::CAddConverter;
+        double convert(double x) const override { return 1 + CAddConverter::convert(x); }
+    };
+    class CTurned : public CIdentity {
+    public:
+        double convert(double x) const override { return -x; }
+    };
+    const std::vector<CConverterPtr> converters{std::make_shared<CNegated>(2),
+                                                std::make_shared<CRaised>(2),
+                                                std::make_shared<CTurned>()};
+    for (const CConverterPtr& converter : converters) {
+        EXPECT_EQ(difference(converter, specialValues()), "");
+        EXPECT_EQ(difference(pair(converter, multiply(3)), specialValues()), "");
+    }
+}
+
+TEST(ConvertAll, GivesTheSameBitsAtEveryLengthAndAlignment) {
+    const std::vector<CConverterPtr> converters{
+        CConverter::identity(), add(273.15), multiply(1e-3), pair(add(-32), multiply(5.0 / 9)),
+        std::make_shared<CSquare>(), pair(std::make_shared<CSquare>(), add(1)),
+        SI::Celsius()->getConverterTo(SI::Kelvin()),
+        NonSI::YearCalendar()->getConverterTo(SI::Second()),
+        multiply(std::numeric_limits<double>::quiet_NaN()),
+        pair(add(std::numeric_limits<double>::quiet_NaN()), multiply(2)),
+        multiply(std::numeric_limits<double>::infinity()), multiply(0.0), multiply(-0.0)};
+    std::vector<double> values = specialValues();
+    for (int i = 0; values.size() < 2600; ++i) {
+        values.push_back(std::ldexp(1.0 + i / 7.0, i % 40 - 20));
+    }
+    for (const CConverterPtr& converter : converters) {
+        for (const int from : {0, 1, 2, 3}) {
+            for (const int length : {0, 1, 2, 3, 4, 5, 7, 8, 9, 31, 1023, 1024, 1025, 2500}) {
+                ASSERT_EQ(difference(converter,
+                                     {values.begin() + from, values.begin() + from + length}),
+                          "");
+            }
+        }
+    }
+}
+
+TEST(ConvertAll, WritesNothingBesideTheResults) {
+    std::vector<double> values(100, 1.0);
+    std::vector<double> results(102, -1.0);
+    SI::Celsius()->getConverterTo(SI::Kelvin())->convertAll(values.data(), results.data() + 1, 100);
+    EXPECT_EQ(results.front(), -1.0);
+    EXPECT_EQ(results[1], 274.15);
+    EXPECT_EQ(results[100], 274.15);
+    EXPECT_EQ(results.back(), -1.0);
+    EXPECT_EQ(values[99], 1.0);
+}
+
+TEST(ConvertAll, RefusesArraysThatOverlapInPartAndLeavesThemAlone) {
+    const std::vector<double> original{1, 2, 3, 4, 5, 6};
+    std::vector<double> values = original;
+    const CConverterPtr converter = multiply(2);
+    for (const int shift : {1, 2}) {
+        double* const low = values.data();
+        double* const high = values.data() + shift;
+        for (const bool upward : {true, false}) {
+            const auto overlap = [&] {
+                converter->convertAll(upward ? low : high, upward ? high : low, 3);
+            };
+            EXPECT_THAT(overlap, ::testing::ThrowsMessage<std::invalid_argument>(
+                                     "CConverter::convertAll: the arrays overlap in part"))
+                << shift;
+            EXPECT_EQ(values, original);
+        }
+    }
+    converter->convertAll(values.data(), values.data() + 3, 3);  // side by side is no overlap
+    EXPECT_THAT(values, ::testing::ElementsAre(1, 2, 3, 2, 4, 6));
+}
+
+TEST(ConvertAll, RefusesAMissingArrayUnlessThereIsNothingToConvert) {
+    double value = 1;
+    const CConverterPtr converter = multiply(2);
+    converter->convertAll(nullptr, nullptr, 0);
+    EXPECT_THAT([&] { converter->convertAll(nullptr, &value, 1); },
+                ::testing::ThrowsMessage<std::invalid_argument>(
+                    "CConverter::convertAll: an array is null"));
+    EXPECT_THROW(converter->convertAll(&value, nullptr, 1), std::invalid_argument);
+    EXPECT_EQ(value, 1);
+}
+
+}  // namespace
+}  // namespace mensor

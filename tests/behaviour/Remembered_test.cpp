@@ -1,0 +1,222 @@
+// Remembered_test.cpp: what the library remembers never differs from what its tables say. None of the
+// tests asks for a table before it says so, since that ends all remembering.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "mensor/BaseUnit.h"
+#include "mensor/DerivedUnit.h"
+#include "mensor/MultiplyConverter.h"
+#include "mensor/NonSI.h"
+#include "mensor/ProductUnit.h"
+#include "mensor/SI.h"
+#include "mensor/TransformedUnit.h"
+#include "mensor/Unit.h"
+#include "mensor/UnitFormat.h"
+#include "mensor/ValueWithUnit.h"
+
+namespace mensor {
+namespace {
+
+CUnitPtr parsedTwice(const string_t& text) {
+    const CUnitPtr first = CUnit::fromString(text);
+    EXPECT_EQ(CUnit::fromString(text), first) << text;
+    EXPECT_EQ(CUnitFormat::parseUnit(text), first) << text;
+    return first;
+}
+
+TEST(RememberedTexts, ALabelThatMovesTakesItsTextAlong) {
+    const CUnitPtr mile = SI::Meter() * 1609.344;
+    CUnitFormat::label(mile, "mi");
+    EXPECT_EQ(parsedTwice("mi"), mile);
+    const CUnitPtr perHour = parsedTwice("mi/h");
+
+    CUnitFormat::label(mile, "mile");
+    EXPECT_THROW(CUnit::fromString("mi"), std::invalid_argument);
+    EXPECT_THROW(CUnit::fromString("mi/h"), std::invalid_argument);
+    EXPECT_EQ(parsedTwice("mile/h"), perHour);
+
+    const CUnitPtr milli = SI::Meter() * 0.0009765625;
+    CUnitFormat::label(milli, "mi");
+    EXPECT_EQ(parsedTwice("mi"), milli);
+}
+
+TEST(RememberedTexts, AnAliasTakesPrecedenceOverASymbolFromTheMomentItIsMade) {
+    EXPECT_EQ(parsedTwice("K"), SI::Kelvin());
+    CUnitFormat::alias(SI::Celsius(), "K");
+    EXPECT_EQ(parsedTwice("K"), SI::Celsius());
+    EXPECT_EQ(parsedTwice("K/s"), SI::Celsius() / SI::Second());
+}
+
+TEST(RememberedTexts, ATextThatWasRefusedReadsOnceItsNameIsKnown) {
+    EXPECT_THROW(CUnit::fromString("psi"), std::invalid_argument);
+    EXPECT_THROW(CUnit::fromString("psi"), std::invalid_argument);
+    const CUnitPtr psi = NonSI::Psi();
+    EXPECT_EQ(parsedTwice("psi"), psi);
+
+    EXPECT_THROW(CUnit::fromString("Fr"), std::invalid_argument);
+    const CUnitPtr franc = CBaseUnit::getInstance("Fr");
+    EXPECT_EQ(parsedTwice("Fr"), franc);
+}
+
+TEST(RememberedTexts, AClientThatChangesATableItselfIsHeard) {
+    EXPECT_EQ(parsedTwice("km"), SI::Kilo(SI::Meter()));
+    CUnitFormat::labelUnitMap()["km"] = SI::Second();
+    EXPECT_EQ(parsedTwice("km"), SI::Second());
+    CUnitFormat::labelUnitMap().erase("km");
+    EXPECT_THROW(CUnit::fromString("km"), std::invalid_argument);
+    CUnitFormat::aliasUnitMap()["km"] = SI::Ampere();
+    EXPECT_EQ(parsedTwice("km"), SI::Ampere());
+    CUnitFormat::aliasUnitMap().clear();
+    CUnit::symbols()["km"] = SI::Mole();
+    EXPECT_EQ(parsedTwice("km"), SI::Mole());
+}
+
+TEST(RememberedTexts, ManyMoreTextsThanThereIsRoomForAllReadRight) {
+    const char* const names[] = {"m", "s", "kg", "A", "K", "mol", "cd", "km", "ms", "Pa", "mbar", "h"};
+    std::vector<std::pair<std::string, CUnitPtr>> texts;
+    for (const char* left : names) {
+        for (const char* right : names) {
+            for (int power = 1; power <= 9; ++power) {
+                const std::string text = std::string(left) + "/" + right + "^" + std::to_string(power);
+                texts.emplace_back(text, CUnit::fromString(text));
+            }
+        }
+    }
+    ASSERT_GT(texts.size(), 1000U);
+    for (int round = 0; round < 3; ++round) {
+        if (round == 2) {
+            CUnit::symbols();  // from here on everything is parsed
+        }
+        for (const auto& [text, unit] : texts) {
+            ASSERT_EQ(CUnit::fromString(text), unit) << text;
+        }
+    }
+}
+
+TEST(RememberedTexts, TextsThatDifferOnlyInZeroBytesOrLengthAreDifferent) {
+    EXPECT_EQ(parsedTwice("m"), SI::Meter());
+    EXPECT_EQ(parsedTwice(std::string("m\0", 2)), SI::Meter());       // a zero byte separates
+    EXPECT_EQ(parsedTwice(std::string("m\0m", 3)), SI::Meter() ^ 2);
+    EXPECT_EQ(parsedTwice(std::string("\0", 1)), CProductUnit::one());
+    EXPECT_EQ(parsedTwice(""), CProductUnit::one());
+    for (std::size_t length = 1; length < 70; ++length) {
+        EXPECT_EQ(parsedTwice(std::string(length, ' ') + "m"), SI::Meter()) << length;
+        EXPECT_EQ(parsedTwice("s" + std::string(length, ' ')), SI::Second()) << length;
+    }
+}
+
+TEST(RememberedTexts, AUnitThatIsNotRegisteredIsReadThroughItsAliasAlone) {
+    const CUnitPtr unregistered = std::make_shared<CTransformedUnit>(
+        SI::Meter(), std::make_shared<CMultiplyConverter>(0.3048));
+    CUnitFormat::alias(unregistered, "ft");
+    EXPECT_EQ(parsedTwice("ft"), unregistered);
+}
+
+TEST(RememberedDimensions, FollowABaseUnitThatIsMappedOntoAnother) {
+    const CUnitPtr km = CUnit::fromString("km");
+    const CUnitPtr mbar = CUnit::fromString("mbar");
+    EXPECT_EQ(km->convertValueToUnit(2.5, SI::Meter()), 2500);
+    EXPECT_EQ(km->convertValueToUnit(2.5, SI::Meter()), 2500);
+    EXPECT_FALSE(km->isCompatible(SI::Second()));
+    const CConverterPtr before = km->getConverterTo(SI::Meter());
+
+    // Lengths as the time that light takes.
+    SI::Meter()->setDimension(SI::Second(), std::make_shared<CMultiplyConverter>(1 / 299792458.0));
+    EXPECT_TRUE(km->isCompatible(SI::Second()));
+    EXPECT_EQ(km->convertValueToUnit(299792.458, SI::Second()), 299792.458 * 1000 * (1 / 299792458.0));
+    EXPECT_EQ(SI::Second()->getConverterTo(km)->convert(0), 0);
+    EXPECT_FALSE(mbar->isCompatible(CUnit::fromString("m²")));
+    EXPECT_EQ(before->convert(2.5), 2500);
+
+    SI::Meter()->setDimension(nullptr, nullptr);
+    EXPECT_FALSE(km->isCompatible(SI::Second()));
+    EXPECT_THROW(km->getConverterTo(SI::Second()), std::invalid_argument);
+    EXPECT_EQ(km->convertValueToUnit(2.5, SI::Meter()), 2500);
+}
+
+TEST(RememberedDimensions, AClientThatChangesTheTablesItselfIsHeard) {
+    const CUnitPtr km = CUnit::fromString("km");
+    EXPECT_EQ(km->convertValueToUnit(1, SI::Meter()), 1000);
+    CUnit::toDimensions()[km] = std::make_shared<CMultiplyConverter>(7);
+    EXPECT_EQ(km->convertValueToUnit(1, SI::Meter()), 7);
+    CUnit::dimensions()[km] = SI::Second();
+    EXPECT_FALSE(km->isCompatible(SI::Meter()));
+    CUnit::dimensions().clear();
+    CUnit::toDimensions().clear();
+    EXPECT_EQ(km->convertValueToUnit(1, SI::Meter()), 1000);
+}
+
+TEST(RememberedDimensions, ARefusedUnitLeavesNoneBehind) {
+    // A kind of unit that asks for its converter while it is registered, as transformed units do, and
+    // is then refused for its symbol.
+    class CRefused : public CDerivedUnit {
+    public:
+        CRefused() : CDerivedUnit("m") {}
+        static void registerNow(const CUnitPtr& unit) { CUnit::getInstance(unit); }
+        void calculateHashCode() override { m_HashCode = 123454321; }
+        CUnitPtr getCtxDimension() override { return SI::Meter(); }
+        CUnitPtr getSystemUnit() override { return SI::Meter(); }
+        bool equals(CUnitPtr) const override { return false; }
+        CConverterPtr getCtxToDimension() override {
+            return std::make_shared<CMultiplyConverter>(++m_Asked);
+        }
+        string_t getSymbol() override {
+            getConverterTo(SI::Meter());
+            return m_Symbol;
+        }
+
+    private:
+        int m_Asked = 0;
+    };
+    const CUnitPtr refused = std::make_shared<CRefused>();
+    EXPECT_THROW(CRefused::registerNow(refused), std::logic_error);
+    EXPECT_EQ(refused.use_count(), 1);  // no table holds it
+    EXPECT_EQ(refused->convertValueToUnit(1, SI::Meter()), 2);  // asked anew
+    EXPECT_EQ(refused->convertValueToUnit(1, SI::Meter()), 2);
+}
+
+TEST(RememberedTexts, ThreadsThatReadWhileLabelsMoveSeeOneOfTheTwoUnits) {
+    const CUnitPtr first = SI::Meter() * 0.3048;
+    const CUnitPtr second = SI::Meter() * 0.3048006096;
+    CUnitFormat::label(first, "foot");
+    CUnitFormat::label(second, "survey");
+    std::vector<std::thread> readers;
+    std::atomic<int> wrong{0};
+    std::atomic<bool> stop{false};
+    for (int i = 0; i < 3; ++i) {
+        readers.emplace_back([&] {
+            while (!stop) {
+                try {
+                    const CUnitPtr unit = CUnit::fromString("foot");
+                    wrong += unit != first && unit != second;
+                } catch (const std::invalid_argument&) {
+                    // between the two labels
+                }
+                wrong += CUnit::fromString("km/h") != CUnit::fromString("km/h");
+            }
+        });
+    }
+    for (int i = 0; i < 300; ++i) {
+        const CUnitPtr& holder = i % 2 == 0 ? first : second;
+        const CUnitPtr& next = i % 2 == 0 ? second : first;
+        CUnitFormat::label(holder, "away");
+        CUnitFormat::label(next, "foot");
+        wrong += CUnit::fromString("foot") != next;
+        CUnitFormat::label(holder, "survey");
+    }
+    stop = true;
+    for (std::thread& reader : readers) {
+        reader.join();
+    }
+    EXPECT_EQ(wrong, 0);
+}
+
+}  // namespace
+}  // namespace mensor
