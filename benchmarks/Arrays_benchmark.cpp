@@ -51,13 +51,11 @@ void addPair(const std::string& name, const char* from, const char* to, std::siz
             }
         };
     });
-#ifdef MENSOR_CONVERT_ALL
     addSize(name, count, "mensor", [=] {
         return [c = converter(from, to)](const double* values, double* results, std::size_t n) {
             c->convertAll(values, results, n);
         };
     });
-#endif
     addSize(name, count, "UDUNITS-2", [=] {
         return [c = udunitsConverter(from, to)](const double* values, double* results,
                                                 std::size_t n) {
