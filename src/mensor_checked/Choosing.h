@@ -33,9 +33,9 @@ MENSOR_CHECKED_API std::vector<CChoice> choicesFor(const CUnitPtr& unit);
 /// prefix for a power of 1000, the largest in which the value is at least 1; the smallest if there is
 /// none.
 ///
-/// A value within a relative 1e-12 of a border counts as on it, so that 0.001 m is 1 mm however it
-/// was computed; and the unit chosen is chosen again for the converted value. Zero, NaN, infinity,
-/// units with an offset and units that have no prefixed forms stay as they are.
+/// A value within a relative 1e-12 of 1 counts as 1, so that 0.001 m is 1 mm however it was computed,
+/// and the unit chosen is chosen again for the converted value. Zero, NaN, infinity, units with an
+/// offset and units that have no prefixed forms stay as they are.
 /// @throws std::invalid_argument  `unit` is empty.
 /// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
 MENSOR_CHECKED_API CUnitPtr readableUnit(double value, const CUnitPtr& unit);

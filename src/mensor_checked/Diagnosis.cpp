@@ -32,6 +32,7 @@ const char* nameOf(eRefusal code) {
         case eRefusal::UNKNOWN_NAME: return "UNKNOWN_NAME";
         case eRefusal::STRAY_NUMBER: return "STRAY_NUMBER";
         case eRefusal::MISSING_UNIT: return "MISSING_UNIT";
+        case eRefusal::MISSING_OPERATOR: return "MISSING_OPERATOR";
         case eRefusal::SECOND_DIVISION: return "SECOND_DIVISION";
         case eRefusal::PRODUCT_AFTER_DIVISION: return "PRODUCT_AFTER_DIVISION";
         case eRefusal::OPEN_BRACKET: return "OPEN_BRACKET";

@@ -6,8 +6,9 @@
 //     checked::label(checked::scaled(SI::Meter(), 0.3048), "ft");
 //
 // Every function takes what the operation of the library takes. All throw
-//   std::invalid_argument  a unit is an empty pointer, or an argument is no number or no name;
-//   CIdentityError         the library gave another unit; the message and inTheWay() name it;
+//   std::invalid_argument  a unit is an empty pointer or has no place here, or an argument is no number
+//                          or no name;
+//   CIdentityError         the library gives another unit; the message and inTheWay() name it;
 // and pass on what the library throws. An object that was refused may stay registered, as the library
 // knows no way to take one back.
 //
@@ -53,9 +54,9 @@ MENSOR_CHECKED_API CUnitPtr root(const CUnitPtr& unit, int n);
 
 /// Labels `unit`; gives `unit`. The text must be a name (isName).
 ///
-/// Refused where the unit has another label already, which would stop being read, and where the text
-/// is an alias of another unit, which it would hide. (The library itself refuses symbols and the
-/// labels of other units.)
+/// Refused where the unit has another label already, which would stop being read; where the text
+/// already names another unit; and where it is a prefix and the name of a unit with an offset, as
+/// "m°C", of which this unit has not the zero.
 MENSOR_CHECKED_API CUnitPtr label(const CUnitPtr& unit, const string_t& text);
 
 /// Lets `text` be read as `unit`; gives `unit`. The text must be a name (isName).

@@ -88,12 +88,12 @@ public:
     bool hasDimensionOf(const CMeaning& other) const { return m_Exponents == other.m_Exponents; }
 
     /// Exponents exactly, factor and offset within a relative 1e-12: units are chains of rounded
-    /// factors, and the library computes powers with the math library's `pow`.
+    /// factors, and powers come from the math library's `pow`.
     friend MENSOR_CHECKED_API bool operator==(const CMeaning& a, const CMeaning& b);
     friend bool operator!=(const CMeaning& a, const CMeaning& b) { return !(a == b); }
 
-    /// "0.001 m³", "K + 273.15", "kg·m/s²", "1", in a notation that reads back: shortest digits, base
-    /// units by symbol.
+    /// "0.001 m³", "K + 273.15", "kg·m/s²", "1": shortest digits, base units in the order of their
+    /// symbols.
     std::string toString() const;
 
 private:
@@ -130,7 +130,7 @@ private:
 /// and its converter to it are those of the meaning in the current context.
 ///
 ///     verify(CUnit::fromString("kg/(s·K)"), CMeaning::base("kg") / CMeaning::base("s") / ...);
-/// @throws CIdentityError  "kg/(s·K) is the same object as H/A here: ..." names both meanings.
+/// @throws CIdentityError  names the object, what it means and what was asked for.
 /// @throws std::invalid_argument  `unit` is empty.
 /// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
 MENSOR_CHECKED_API void verify(const CUnitPtr& unit, const CMeaning& meaning);

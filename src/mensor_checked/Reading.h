@@ -43,6 +43,7 @@ enum class eRefusal : int {
     UNKNOWN_NAME,            ///< no label, alias or symbol
     STRAY_NUMBER,            ///< a number that is neither an exponent nor the 1 of "1/s"
     MISSING_UNIT,            ///< an operator without a unit on one of its sides, or "()"
+    MISSING_OPERATOR,        ///< two units without anything between them, "m²s" or "kg(m)"
     SECOND_DIVISION,         ///< "W/m²/K"
     PRODUCT_AFTER_DIVISION,  ///< "W/m·K"
     OPEN_BRACKET,            ///< a "(" or "[" that nothing closes
@@ -108,6 +109,7 @@ private:
 struct CReadOptions {
     bool Dimensionless = false;  ///< the empty text is the dimensionless unit
     bool Differences = false;    ///< an offset unit in a product is its difference: "J/°C" is J/K
+                                 ///< (but "W/m°C" stays refused: W/(m·K)?)
     bool NotFinite = false;      ///< values may be "nan", "inf", "infinity", with a sign
 };
 

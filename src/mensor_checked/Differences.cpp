@@ -1,0 +1,51 @@
+#include "mensor_checked/Differences.h"
+
+#include <cmath>
+#include <stdexcept>
+#include <utility>
+
+#include "mensor_checked/Checks.h"
+
+namespace mensor {
+namespace checked {
+
+double convertDifference(double x, const CUnitPtr& from, const CUnitPtr& to) {
+    requireUnit(from, "convertDifference");
+    requireUnit(to, "convertDifference");
+    const Lock lock;
+    const CConverterPtr converter = from->getConverterTo(to);
+    const double zero = converter->convert(0.0);
+    if (zero == 0.0) {
+        return converter->convert(x);
+    }
+    const double slope = converter->derivative(0.0);
+    if (slope != converter->derivative(1.0)) {
+        throw std::logic_error("convertDifference: " + describe(from) + " has no constant size in " +
+                               describe(to));
+    }
+    return x * slope;
+}
+
+CDifference::CDifference(double value, CUnitPtr unit) : m_Value(value), m_Unit(std::move(unit)) {}
+
+double CDifference::valueAs(const CUnitPtr& unit) const {
+    return convertDifference(m_Value, m_Unit, unit);
+}
+
+CDifference difference(const CValueWithUnit& a, const CValueWithUnit& b) {
+    requireUnit(a.unit(), "difference");
+    requireUnit(b.unit(), "difference");
+    const Lock lock;
+    return {a.value() - b.valueAs(a.unit()), a.unit()};
+}
+
+CValueWithUnit operator+(const CValueWithUnit& a, const CDifference& change) {
+    return {a.value() + change.valueAs(a.unit()), a.unit()};
+}
+
+CValueWithUnit operator-(const CValueWithUnit& a, const CDifference& change) {
+    return {a.value() - change.valueAs(a.unit()), a.unit()};
+}
+
+}  // namespace checked
+}  // namespace mensor

@@ -1,0 +1,56 @@
+#include "mensor_checked/Memory.h"
+
+#include <algorithm>
+
+#include "mensor_checked/Names.h"
+
+namespace mensor {
+namespace checked {
+
+namespace {
+
+constexpr std::size_t MostPassing = 1000;
+constexpr std::size_t LongestPassing = 100;
+
+}  // namespace
+
+CMemory& CMemory::instance() {
+    static CMemory Memory;
+    return Memory;
+}
+
+CUnitPtr CMemory::find(std::string_view text) const {
+    const auto found = m_Entries.find(text);
+    if (found == m_Entries.end()) {
+        return nullptr;
+    }
+    const CEntry& entry = *found->second;
+    const bool namesStand =
+        std::all_of(entry.Names.begin(), entry.Names.end(),
+                    [](const auto& name) { return unitNamed(name.first) == name.second; });
+    return namesStand && entry.Unit->getDimension() == entry.Dimension ? entry.Unit : nullptr;
+}
+
+void CMemory::remember(CEntry entry) {
+    if (!entry.IsKept && entry.Text.size() > LongestPassing) {
+        return;
+    }
+    const auto former = m_Entries.find(entry.Text);
+    if (former != m_Entries.end()) {
+        entry.IsKept = entry.IsKept || former->second->IsKept;
+        m_Passing -= former->second->IsKept ? 0U : 1U;
+        m_Entries.erase(former);
+    }
+    if (!entry.IsKept && ++m_Passing > MostPassing) {
+        for (auto next = m_Entries.begin(); next != m_Entries.end();) {
+            next = next->second->IsKept ? std::next(next) : m_Entries.erase(next);
+        }
+        m_Passing = 1;
+    }
+    auto kept = std::make_unique<const CEntry>(std::move(entry));
+    const std::string_view key = kept->Text;
+    m_Entries.emplace(key, std::move(kept));
+}
+
+}  // namespace checked
+}  // namespace mensor

@@ -1,0 +1,46 @@
+// Names.h: from names to units. For the companion's own use; not installed.
+//
+// The caller of every function holds the lock.
+#ifndef MENSOR_CHECKED_NAMES_H
+#define MENSOR_CHECKED_NAMES_H
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "mensor/Unit.h"
+
+namespace mensor {
+namespace checked {
+
+/// The unit with this name, none if there is no such name.
+///
+/// What the library knows by exactly this name comes first. Then the name in the library's own
+/// spelling: characters that Unicode has twice, "L" for the litre, and "One", which the library
+/// prints for the dimensionless unit but does not read.
+CUnitPtr unitNamed(std::string_view name);
+
+/// Whether `unit` is a scale with a zero of its own, as the degree Celsius.
+bool hasOffset(const CUnitPtr& unit);
+
+/// A name that looks like a prefixed unit with an offset, which the library knows without it.
+struct CPrefixedOffset {
+    std::string Prefix;  ///< "m"
+    std::string Name;    ///< "°C"
+};
+
+/// Tells "m°C" from other names of `unit`, which `name` denotes.
+std::optional<CPrefixedOffset> prefixedOffset(std::string_view name, const CUnitPtr& unit);
+
+/// The known names nearest to `name`, best first, at most five: the same letters in other case, then
+/// by edit distance.
+std::vector<std::string> nearestNames(std::string_view name);
+
+/// All names under which `unit` can be read: its label, its aliases and its symbol.
+std::vector<std::string> namesOf(const CUnitPtr& unit);
+
+}  // namespace checked
+}  // namespace mensor
+
+#endif  // MENSOR_CHECKED_NAMES_H

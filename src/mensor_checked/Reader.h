@@ -1,0 +1,18 @@
+// Reader.h: reading one unit, for all that read. For the companion's own use; not installed.
+#ifndef MENSOR_CHECKED_READER_H
+#define MENSOR_CHECKED_READER_H
+
+#include <string_view>
+
+#include "mensor_checked/Reading.h"
+
+namespace mensor {
+namespace checked {
+
+/// tryReadUnit; what is read with `isKept` is remembered for good. The caller holds the lock.
+CReading read(std::string_view text, const CReadOptions& options, bool isKept);
+
+}  // namespace checked
+}  // namespace mensor
+
+#endif  // MENSOR_CHECKED_READER_H

@@ -1,0 +1,66 @@
+#include "mensor_checked/WarmUp.h"
+
+#include <set>
+#include <utility>
+
+#include "mensor/UnitFormat.h"
+#include "mensor_checked/Checks.h"
+#include "mensor_checked/Reader.h"
+#include "mensor_checked/Values.h"
+
+namespace mensor {
+namespace checked {
+
+namespace {
+
+// Fills what the library keeps for each unit: its dimension and the converter to it, which is what
+// every conversion of the unit is put together from.
+void warm(const CUnitPtr& unit) {
+    try {
+        const CUnitPtr dimension = unit->getDimension();
+        unit->getConverterTo(dimension);
+        dimension->getDimension();
+    } catch (const std::exception&) {
+        // A unit that cannot be converted, as a product with an offset: nothing to be kept.
+    }
+}
+
+std::set<string_t> namesInUse() {
+    std::set<string_t> names;
+    for (const auto& [label, unit] : CUnitFormat::labelUnitMap()) {
+        names.insert(label);
+    }
+    for (const auto& [alias, unit] : CUnitFormat::aliasUnitMap()) {
+        names.insert(alias);
+    }
+    for (const auto& [symbol, unit] : CUnit::symbols()) {
+        names.insert(symbol);
+    }
+    return names;
+}
+
+}  // namespace
+
+std::vector<CFinding> warmUp(const std::vector<std::string>& texts, const CReadOptions& options) {
+    const Lock lock;
+    for (const string_t& name : namesInUse()) {
+        warm(CUnitFormat::unitFor(name));
+        read(mensor::toStdString(name), options, true);
+    }
+    std::vector<CFinding> findings;
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        CReading reading = read(texts[i], options, true);
+        if (reading.Refusal) {
+            findings.push_back({i, std::move(*reading.Refusal)});
+            continue;
+        }
+        warm(reading.Unit);
+        if (const auto text = textOf(reading.Unit)) {  // which writing reads back
+            read(*text, {}, true);
+        }
+    }
+    return findings;
+}
+
+}  // namespace checked
+}  // namespace mensor
