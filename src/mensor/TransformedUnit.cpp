@@ -60,9 +60,9 @@ CConverterPtr CTransformedUnit::getCtxToDimension() {
 }
 
 string_t CTransformedUnit::getSymbol() {
-    // Asked of the converter through its base, which has no notation: always empty.
-    const CUnitPtr system = getSystemUnit();
-    return getConverterTo(system)->getSymbol(system);
+    // The converter would be asked through its base, which has no notation: always empty.
+    requireConverterTo(getSystemUnit());
+    return string_t();
 }
 
 }  // namespace mensor

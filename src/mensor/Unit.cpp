@@ -169,8 +169,8 @@ const CConverterPtr* CUnit::rememberedToDimension() const {
 }
 
 // `toDimension` is the entry in toDimensions(), which stays where it is. The caller holds mutex().
-void CUnit::rememberDimension(const CUnitPtr& dimension, const CConverterPtr& toDimension) {
-    m_RememberedDimension.store(dimension.get(), std::memory_order_relaxed);
+void CUnit::rememberDimension(const CUnit* dimension, const CConverterPtr& toDimension) {
+    m_RememberedDimension.store(dimension, std::memory_order_relaxed);
     m_RememberedToDimension.store(&toDimension, std::memory_order_relaxed);
     m_RememberedEpoch.store(detail::contextEpoch.load(std::memory_order_relaxed),
                             std::memory_order_release);
@@ -192,6 +192,16 @@ const CUnitPtr& CUnit::dimensionLocked(const CUnitPtr& unit) {
     return dimensions.emplace(unit, dimension).first->second;
 }
 
+// The entry of `unit` in toDimensions(), which stays empty if the unit cannot say. The caller holds
+// mutex().
+const CConverterPtr& CUnit::toDimensionLocked(const CUnitPtr& unit) {
+    CConverterPtr& toDimension = tables().ToDimensions[unit];
+    if (!toDimension) {
+        toDimension = unit->getCtxToDimension();
+    }
+    return toDimension;
+}
+
 bool CUnit::isCompatible(CUnitPtr that) {
     requireUnit(that, "CUnit::isCompatible");
     if (that.get() == this) {
@@ -205,57 +215,70 @@ bool CUnit::isCompatible(CUnitPtr that) {
     return dimension == that->getDimension();
 }
 
-namespace {
-
 // toThat->inverse()->concatenate(fromThis), where most often the first is the identity.
-CConverterPtr chain(const CConverterPtr& fromThis, const CConverterPtr& toThat) {
+CConverterPtr CUnit::chain(const Route& route) {
     const CConverterPtr& identity = detail::theIdentity();
-    if (toThat != identity) {
-        return toThat->inverse()->concatenate(fromThis);
+    if (*route.FromThat != identity) {
+        return (*route.FromThat)->inverse()->concatenate(*route.FromThis);
     }
-    return fromThis == identity ? identity : std::make_shared<CCompound>(fromThis, identity);
+    return *route.FromThis == identity ? identity
+                                       : std::make_shared<CCompound>(*route.FromThis, identity);
 }
 
-}  // namespace
-
-CConverterPtr CUnit::getConverterTo(CUnitPtr that) {
-    requireUnit(that, "CUnit::getConverterTo");
-    if (that.get() == this) {
-        return detail::theIdentity();
-    }
+inline CUnit::Route CUnit::routeTo(const CUnitPtr& that) {
     const CConverterPtr* const fromThis = rememberedToDimension();
     const CConverterPtr* const fromThat = that->rememberedToDimension();
     if (fromThis != nullptr && fromThat != nullptr &&
         m_RememberedDimension.load(std::memory_order_relaxed) ==
             that->m_RememberedDimension.load(std::memory_order_relaxed)) {
-        return chain(*fromThis, *fromThat);
+        return {fromThis, fromThat};
     }
-    return lookUpConverterTo(that);
+    return lookUpRouteTo(that);
 }
 
-// getConverterTo() by way of the tables, all under one lock.
-CConverterPtr CUnit::lookUpConverterTo(const CUnitPtr& that) {
+// routeTo() by way of the tables, all under one lock.
+CUnit::Route CUnit::lookUpRouteTo(const CUnitPtr& that) {
     const Lock lock(tables().Mutex);
     const CUnitPtr self = shared_from_this();
-    const CUnitPtr thisDimension = dimensionLocked(self);
-    const CUnitPtr thatDimension = dimensionLocked(that);
+    Route route{rememberedToDimension(), that->rememberedToDimension()};
+    const CUnit* const thisDimension = route.FromThis != nullptr
+                                           ? m_RememberedDimension.load(std::memory_order_relaxed)
+                                           : dimensionLocked(self).get();
+    const CUnit* const thatDimension =
+        route.FromThat != nullptr ? that->m_RememberedDimension.load(std::memory_order_relaxed)
+                                  : dimensionLocked(that).get();
     if (thisDimension != thatDimension) {
         stringstream_t message;
         message << getSymbol() << " is not compatible with " << that->getSymbol()
                 << " in current context";
         throw std::invalid_argument(message.str());
     }
-    CConverterPtr& thisToDimension = tables().ToDimensions[self];
-    if (!thisToDimension) {
-        thisToDimension = getCtxToDimension();
+    if (route.FromThis == nullptr) {
+        route.FromThis = &toDimensionLocked(self);
+        rememberDimension(thisDimension, *route.FromThis);
     }
-    CConverterPtr& thatToDimension = tables().ToDimensions[that];
-    if (!thatToDimension) {
-        thatToDimension = that->getCtxToDimension();
+    if (route.FromThat == nullptr) {
+        route.FromThat = &toDimensionLocked(that);
+        that->rememberDimension(thatDimension, *route.FromThat);
     }
-    rememberDimension(thisDimension, thisToDimension);
-    that->rememberDimension(thatDimension, thatToDimension);
-    return chain(thisToDimension, thatToDimension);
+    return route;
+}
+
+void CUnit::requireConverterTo(const CUnitPtr& that) {
+    if (that.get() != this) {
+        const Route route = routeTo(that);
+        if (*route.FromThat != detail::theIdentity()) {
+            chain(route);
+        }
+    }
+}
+
+CConverterPtr CUnit::getConverterTo(CUnitPtr that) {
+    requireUnit(that, "CUnit::getConverterTo");
+    if (that.get() == this) {
+        return detail::theIdentity();
+    }
+    return chain(routeTo(that));
 }
 
 CConverterPtr CUnit::getConverterTo(const string_t& text) {
@@ -267,15 +290,10 @@ double CUnit::convertValueToUnit(double value, CUnitPtr that) {
     if (that.get() == this) {
         return value;
     }
+    const Route route = routeTo(that);
     // To a unit that is its own dimension the chain ends with the identity: no need to build it.
-    const CConverterPtr* const fromThis = rememberedToDimension();
-    const CConverterPtr* const fromThat = that->rememberedToDimension();
-    if (fromThis != nullptr && fromThat != nullptr && *fromThat == detail::theIdentity() &&
-        m_RememberedDimension.load(std::memory_order_relaxed) ==
-            that->m_RememberedDimension.load(std::memory_order_relaxed)) {
-        return (*fromThis)->convert(value);
-    }
-    return getConverterTo(std::move(that))->convert(value);
+    return *route.FromThat == detail::theIdentity() ? (*route.FromThis)->convert(value)
+                                                    : chain(route)->convert(value);
 }
 
 CUnitPtr CUnit::add(double offset) {

@@ -205,6 +205,10 @@ public:
     static std::recursive_mutex& mutex();
 
 protected:
+    /// Does and throws all that `getConverterTo(that)` does, for kinds of units that do not need the
+    /// converter itself.
+    void requireConverterTo(const CUnitPtr& that);
+
     /// A unit that is not registered yet: no hash code, no id.
     explicit CUnit(const string_t& symbol);
 
@@ -228,9 +232,18 @@ private:
     static CUnitPtr lookUp(int index, std::vector<CUnitPtr>& table, Make make);
 
     const CConverterPtr* rememberedToDimension() const;
-    void rememberDimension(const CUnitPtr& dimension, const CConverterPtr& toDimension);
-    CConverterPtr lookUpConverterTo(const CUnitPtr& that);
+    void rememberDimension(const CUnit* dimension, const CConverterPtr& toDimension);
+
+    // The converters of two compatible units to their dimension: entries of toDimensions().
+    struct Route {
+        const CConverterPtr* FromThis;
+        const CConverterPtr* FromThat;
+    };
+    Route routeTo(const CUnitPtr& that);
+    Route lookUpRouteTo(const CUnitPtr& that);
+    static CConverterPtr chain(const Route& route);
     static const CUnitPtr& dimensionLocked(const CUnitPtr& unit);
+    static const CConverterPtr& toDimensionLocked(const CUnitPtr& unit);
 
 protected:
     std::recursive_mutex m_LookupVectorMutex;  // guards the four vectors below; order: see the top

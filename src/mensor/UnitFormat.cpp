@@ -288,35 +288,43 @@ CUnitPtr CUnitFormat::label(CUnitPtr unit, const string_t& label) {
     const Lock lock(tables().Mutex);
     auto& unitOf = tables().LabelUnit;
     auto& labelOf = tables().UnitLabel;
+    const auto place = unitOf.lower_bound(label);
+    const bool isHeld = place != unitOf.end() && place->first == label;
     if (!label.empty()) {
         if (find(tables().Symbols, label) != nullptr) {
             throw std::invalid_argument("Label: " + mensor::toStdString(label) +
                                         " is a known symbol");
         }
-        const auto holder = unitOf.find(label);
-        if (holder != unitOf.end() && holder->second != unit) {
+        if (isHeld && place->second != unit) {
             throw std::invalid_argument("Label: " + mensor::toStdString(label) +
                                         " is attached to a different unit (must be detached first)");
         }
     }
-    // Both new entries are made before the old ones go, so that a failing allocation changes nothing.
-    std::map<string_t, std::shared_ptr<CUnit>> newUnitOf;
-    newUnitOf.emplace(label, unit);
-    std::map<std::shared_ptr<CUnit>, string_t> newLabelOf;
-    newLabelOf.emplace(unit, label);
-
-    const auto formerLabel = labelOf.find(unit);
-    if (formerLabel != labelOf.end()) {
-        unitOf.erase(formerLabel->second);
-        labelOf.erase(formerLabel);
+    if (isHeld && place->second == unit) {
+        return unit;
     }
-    const auto formerUnit = unitOf.find(label);
-    if (formerUnit != unitOf.end()) {
-        labelOf.erase(formerUnit->second);
-        unitOf.erase(formerUnit);
+    // All that may fail comes first, so that a failing allocation changes nothing: a spare label, and
+    // the places for the new entries.
+    string_t spare = label;
+    const auto holder = isHeld ? place : unitOf.emplace_hint(place, label, nullptr);
+    const auto former = labelOf.find(unit);
+    if (former == labelOf.end()) {
+        try {
+            labelOf.emplace(unit, std::move(spare));
+        } catch (...) {
+            if (!isHeld) {
+                unitOf.erase(holder);
+            }
+            throw;
+        }
+    } else {
+        unitOf.erase(former->second);
+        std::swap(former->second, spare);
     }
-    unitOf.merge(newUnitOf);
-    labelOf.merge(newLabelOf);
+    if (isHeld) {
+        labelOf.erase(holder->second);  // of two units with the empty label the last one keeps it
+    }
+    holder->second = unit;
     detail::advance(detail::namesEpoch);
     return unit;
 }

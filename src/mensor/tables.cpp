@@ -3,8 +3,11 @@
 namespace mensor {
 namespace detail {
 
-Tables& tables() {
+std::atomic<Tables*> createdTables{nullptr};
+
+Tables& createTables() {
     static Tables TheTables;
+    createdTables.store(&TheTables, std::memory_order_release);
     return TheTables;
 }
 

@@ -41,7 +41,12 @@ struct Tables {
 };
 
 // Created on first use, destroyed at exit.
-Tables& tables();
+extern std::atomic<Tables*> createdTables;
+Tables& createTables();
+inline Tables& tables() {
+    Tables* const created = createdTables.load(std::memory_order_acquire);
+    return created != nullptr ? *created : createTables();
+}
 
 // The epochs begin with 1, so 0 stands for "nothing remembered".
 extern std::atomic<bool> handedOut;
