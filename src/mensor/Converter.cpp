@@ -23,6 +23,7 @@
 #include "mensor/arrays.h"
 #include "mensor/exact_class.h"
 #include "mensor/mensor_math.h"
+#include "mensor/require.h"
 #include "mensor/tables.h"
 
 namespace mensor {
@@ -438,6 +439,7 @@ Convert::Convert(double value, std::shared_ptr<CUnit> unit)
     : m_Value(value), m_Unit(std::move(unit)) {}
 
 double Convert::to(std::shared_ptr<CUnit> unit) const {
+    requireUnit(m_Unit, "Convert::to");
     return m_Unit->convertValueToUnit(m_Value, std::move(unit));
 }
 

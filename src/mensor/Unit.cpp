@@ -308,6 +308,9 @@ CUnitPtr CUnit::multiply(double factor) {
 
 // Each caller holds the unit's m_LookupVectorMutex.
 CUnitPtr CUnit::getUnitByIndexOrExpandTable(int index, std::vector<CUnitPtr>& table) {
+    if (index < 0) {
+        throw std::out_of_range("Id " + std::to_string(index) + " of a unit is negative");
+    }
     if (index >= static_cast<int>(table.size())) {
         table.resize(static_cast<std::size_t>(index) + 1);
     }
@@ -398,10 +401,29 @@ CUnitPtr CUnit::fromString(const string_t& text) {
     return CUnitFormat::parseUnit(text);
 }
 
-CUnitPtr operator+(const CUnitPtr& unit, double offset) { return unit->add(offset); }
-CUnitPtr operator*(const CUnitPtr& unit, double factor) { return unit->multiply(factor); }
-CUnitPtr operator*(const CUnitPtr& left, const CUnitPtr& right) { return left->multiply(right); }
-CUnitPtr operator/(const CUnitPtr& left, const CUnitPtr& right) { return left->divide(right); }
-CUnitPtr operator^(const CUnitPtr& unit, int n) { return unit->pow(n); }
+CUnitPtr operator+(const CUnitPtr& unit, double offset) {
+    requireUnit(unit, "operator+");
+    return unit->add(offset);
+}
+
+CUnitPtr operator*(const CUnitPtr& unit, double factor) {
+    requireUnit(unit, "operator*");
+    return unit->multiply(factor);
+}
+
+CUnitPtr operator*(const CUnitPtr& left, const CUnitPtr& right) {
+    requireUnit(left, "operator*");
+    return left->multiply(right);
+}
+
+CUnitPtr operator/(const CUnitPtr& left, const CUnitPtr& right) {
+    requireUnit(left, "operator/");
+    return left->divide(right);
+}
+
+CUnitPtr operator^(const CUnitPtr& unit, int n) {
+    requireUnit(unit, "operator^");
+    return unit->pow(n);
+}
 
 }  // namespace mensor

@@ -7,6 +7,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "mensor/require.h"
+
 namespace mensor {
 
 CValueWithUnit::CValueWithUnit(double value, CUnitPtr unit)
@@ -53,6 +55,7 @@ CValueWithUnit CValueWithUnit::operator-(const CValueWithUnit& other) const {
 }
 
 string_t CValueWithUnit::toString() const {
+    requireUnit(m_Unit, "CValueWithUnit::toString");
     // The field is fixed: readers index past it, or stop at the first zero byte.
     std::array<char, 64> field{};
     std::snprintf(field.data(), field.size(), "%f", m_Value);
