@@ -34,6 +34,10 @@
 
 namespace mensor {
 
+namespace detail {
+struct Tables;
+}
+
 /// The base of all units. Clients may derive kinds of their own and register them with
 /// `getInstance`.
 ///
@@ -226,6 +230,7 @@ protected:
 
 private:
     friend class CUnitFormat;
+    friend struct detail::Tables;
 
     static CUnitPtr getUnitByIndexOrExpandTable(int index, std::vector<CUnitPtr>& table);
     template <class Make>

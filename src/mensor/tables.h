@@ -30,6 +30,11 @@ namespace detail {
 using Lock = std::lock_guard<std::recursive_mutex>;
 
 struct Tables {
+    Tables() = default;
+    ~Tables();
+    Tables(const Tables&) = delete;
+    Tables& operator=(const Tables&) = delete;
+
     std::recursive_mutex Mutex;  // guards all maps
     std::map<string_t, CUnitPtr> Symbols;
     std::map<int, CUnitPtr> Instances;
