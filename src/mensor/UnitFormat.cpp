@@ -1,13 +1,16 @@
 // UnitFormat.cpp: the label tables, the parser and the two notations.
 //
 // The parser is a state machine that visits each code point once and holds slices of the text, no
-// copies: a name is resolved, raised and multiplied into the result when the next name begins or the
-// text ends (commit), because its power and root may stand anywhere between the two.
+// copies: a name is resolved when the next name begins or the text ends (commit), because its power
+// and root may stand anywhere between the two. The factors are multiplied only when all are known,
+// since units are kept for good: a text that is refused must not leave the half of it behind.
 #include "mensor/UnitFormat.h"
 
 #include <charconv>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <memory_resource>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -65,8 +68,7 @@ int parseExponentBytes(std::string_view text) {
 
 class Parser {
 public:
-    explicit Parser(std::string_view text)
-        : m_Text(text), m_Result(CProductUnit::one()) {}
+    explicit Parser(std::string_view text) : m_Text(text) { m_Factors.reserve(UsualFactors); }
 
     CUnitPtr parse() {
         const char* const end = m_Text.data() + m_Text.size();
@@ -77,10 +79,26 @@ public:
         }
         step(U' ', end, end);  // flushes the last token
         commit();
-        return m_Result;
+        CUnitPtr result = CProductUnit::one();
+        for (Factor& factor : m_Factors) {
+            if (factor.Pow != 1) {
+                factor.Unit = factor.Unit->pow(factor.Pow);
+            }
+            if (factor.Root != 1) {
+                factor.Unit = factor.Unit->root(factor.Root);
+            }
+            result = result->multiply(std::move(factor.Unit));
+        }
+        return result;
     }
 
 private:
+    struct Factor {
+        CUnitPtr Unit;
+        int Pow;
+        int Root;
+    };
+
     // Applies the transition for `c`, which begins at `at` and ends before `next`.
     void step(char_t c, const char* at, const char* next) {
         switch (m_State) {
@@ -170,7 +188,7 @@ private:
 
     void commit() {
         if (!m_Name.empty()) {
-            multiplyName();
+            addFactor();
         }
         if (m_SlashPending) {
             m_Inverse = !m_Inverse;
@@ -179,7 +197,7 @@ private:
         m_SlashPending = false;
     }
 
-    void multiplyName() {
+    void addFactor() {
         CUnitPtr unit = CUnitFormat::unitFor(string_t(std::string(m_Name)));
         if (!unit) {
             throw std::invalid_argument("Label: " + std::string(m_Name) + " not recognized");
@@ -187,13 +205,10 @@ private:
         // No number read is the smallest int, so its negation exists.
         const int pow = parseExponentBytes(m_Power);
         const int root = parseExponentBytes(m_Root);
-        if (m_Inverse || pow != 1) {
-            unit = unit->pow(m_Inverse ? -pow : pow);
+        if (root == 0) {
+            unit->root(root);  // throws
         }
-        if (root != 1) {
-            unit = unit->root(root);
-        }
-        m_Result = m_Result->multiply(std::move(unit));
+        m_Factors.push_back({std::move(unit), m_Inverse ? -pow : pow, root});
     }
 
     const std::string_view m_Text;
@@ -205,7 +220,12 @@ private:
     std::string_view m_Root;
     bool m_SlashPending = false;  // a "/" was seen, the next commit consumes it
     bool m_Inverse = false;       // factors are divisors now; each consumed slash toggles it
-    CUnitPtr m_Result;
+
+    // Most texts are read without fetching memory for their factors.
+    static constexpr std::size_t UsualFactors = 4;
+    alignas(Factor) std::byte m_Room[UsualFactors * sizeof(Factor)];
+    std::pmr::monotonic_buffer_resource m_Memory{m_Room, sizeof m_Room};
+    std::pmr::vector<Factor> m_Factors{&m_Memory};
 };
 
 bool isRegistered(const CUnitPtr& unit) {
