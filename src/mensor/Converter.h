@@ -192,7 +192,8 @@ public:
     /// The value expressed in `unit`.
     ///
     ///     Convert(1.5, NonSI::Hour()).to(SI::Second());   // 5400
-    /// @throws std::invalid_argument  the units are not compatible (see CUnit::getConverterTo).
+    /// @throws std::invalid_argument  the units are not compatible (see CUnit::getConverterTo), or
+    ///     one of them is empty.
     double to(std::shared_ptr<CUnit> unit) const;
 
 private:

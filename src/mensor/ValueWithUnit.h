@@ -42,7 +42,7 @@ public:
     /// A field of 63 bytes with the number as "%f" writes it, filled with zero bytes, then a blank
     /// and the unit in the standard notation. A reader that stops at the first zero byte sees the
     /// digits alone. Follows the C locale's decimal point; cut off at 63 characters.
-    /// @throws std::invalid_argument  the unit has no text (see CUnitFormat::format).
+    /// @throws std::invalid_argument  the unit has no text (see CUnitFormat::format) or is empty.
     string_t toString() const;
 
     /// The value in "number unit", divided by one blank; what follows a second blank is ignored.
