@@ -1,0 +1,467 @@
+// Loading_test.cpp: how the library comes to life: in which order, without a word, and what is left
+// when memory runs out while its tables are filled. A program that loads the library with an
+// operator new of its own, which throws where it is told to, shows the latter (loading/).
+#include <elf.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <link.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <map>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "mensor/mensor_global.h"
+#include "support/Catalogue.h"
+#include "support/Matchers.h"
+
+namespace mensor {
+namespace {
+using ::testing::ElementsAre, ::testing::HasSubstr, ::testing::IsEmpty, ::testing::Le,
+    ::testing::Not, ::testing::SizeIs, ::testing::StartsWith;
+
+using Names = std::set<std::string>;
+
+std::vector<std::string> split(const std::string& line, char separator) {
+    std::vector<std::string> parts;
+    std::istringstream in(line);
+    for (std::string part; std::getline(in, part, separator);) {
+        parts.push_back(part);
+    }
+    return parts;
+}
+
+std::string contentsOf(const std::string& path) {
+    std::ostringstream contents;
+    contents << std::ifstream(path, std::ios::binary).rdbuf();
+    return contents.str();
+}
+
+// The program.
+
+struct Record {
+    std::string Level, Logger, File, Function, Message;
+    int Line;
+};
+
+void PrintTo(const Record& record, std::ostream* out) {
+    *out << record.Level << ", " << record.Logger << ", " << record.File << ":" << record.Line
+         << ", " << record.Function << ", " << record.Message;
+}
+
+struct Outcome {
+    int Status = -1;
+    std::string Error;  // what came on the standard error stream
+    std::vector<Record> Records;
+    long Allocations = 0;
+    Names Labels;
+    std::vector<std::string> Faults, Works;
+    std::size_t Units = 0;
+};
+
+/// Loads the library while `what` is thrown at these allocations.
+Outcome load(const std::string& what, const std::vector<long>& failing = {}) {
+    const std::string errors =
+        ::testing::TempDir() + "mensor_loading_" + std::to_string(getpid()) + ".txt";
+    std::string command = "ulimit -c 0; " LOAD_MENSOR " " + what;
+    for (const long number : failing) {
+        command += " " + std::to_string(number);
+    }
+    command += " 2>" + errors;
+
+    Outcome outcome;
+    std::FILE* const pipe = popen(command.c_str(), "r");
+    std::string output;
+    char buffer[4096];
+    while (const std::size_t count = std::fread(buffer, 1, sizeof buffer, pipe)) {
+        output.append(buffer, count);
+    }
+    outcome.Status = pclose(pipe);
+    outcome.Error = contentsOf(errors);
+    std::remove(errors.c_str());
+
+    for (const std::string& line : split(output, '\n')) {
+        const std::vector<std::string> parts = split(line, '\t');
+        if (parts[0] == "record") {
+            outcome.Records.push_back({parts.at(1), parts.at(2), parts.at(3), parts.at(5),
+                                       parts.at(6), std::stoi(parts.at(4))});
+        } else if (parts[0] == "allocations") {
+            outcome.Allocations = std::stol(parts.at(1));
+        } else if (parts[0] == "label") {
+            outcome.Labels.insert(parts.at(1));
+        } else if (parts[0] == "fault") {
+            outcome.Faults.push_back(parts.at(1));
+        } else if (parts[0] == "units") {
+            outcome.Units = static_cast<std::size_t>(std::stol(parts.at(1)));
+        } else if (parts[0] == "works") {
+            outcome.Works.push_back(parts.at(1));
+        } else {
+            ADD_FAILURE() << "The program says: " << line;
+        }
+    }
+    return outcome;
+}
+
+// How many allocations loading takes. The first is the prefix table's; the registry's begin with
+// the second and end with the last.
+long allocationsOfALoad() { return load("bad_alloc").Allocations; }
+
+constexpr long FIRST_OF_THE_REGISTRY = 2;
+const char LINE_OF_THE_SI_UNITS[] = "registerSiUnits() exception\n";
+const char SI_FUNCTION[] = "void mensor::registerSiUnits()";
+const char NON_SI_FUNCTION[] = "void mensor::registerNonSiUnits()";
+
+std::string lineOfSource(const std::string& file, int number) {
+    std::ifstream in(std::string(MENSOR_SOURCE_DIR) + "/" + file);
+    std::string line;
+    for (int i = 0; i < number; ++i) {
+        std::getline(in, line);
+    }
+    return line;
+}
+
+MATCHER_P2(Reports, function, message, "") {
+    *result_listener << "logged at: " << lineOfSource(arg.File, arg.Line);
+    return arg.Level == "ERROR" && arg.Logger == "StdCoutLogger" &&
+           arg.File.rfind("src/mensor/UnitRegistry", 0) == 0 &&
+           lineOfSource(arg.File, arg.Line).find("LOG4CPLUS_ERROR(") != std::string::npos &&
+           arg.Function == function && arg.Message == message;
+}
+
+// Which labels are there after so many steps of labelling the SI units, and then the others.
+
+struct Labelling {
+    std::string Label, Replaces;
+};
+
+std::vector<Labelling> labellingsOfTheSIUnits() {
+    std::vector<Labelling> steps;
+    for (const std::string& symbol :
+         split("A cd K m mol s rad sr Hz N Pa J W C V F \u2126 S Wb T H lx Bq Gy Sv kat", ' ')) {
+        for (const CPrefix& prefix : prefixes()) {
+            steps.push_back({text(prefix.Symbol) + symbol, ""});
+        }
+    }
+    steps.push_back({"g", ""});
+    for (const CPrefix& prefix : prefixes()) {
+        if (prefix.Factor != 1000) {
+            steps.push_back({text(prefix.Symbol) + "g", ""});
+        }
+    }
+    steps.push_back({"°C", ""});
+    for (const CPrefix& prefix : prefixes()) {
+        steps.push_back({text(prefix.Symbol) + "°C", text(prefix.Symbol) + "K"});
+    }
+    return steps;
+}
+
+std::vector<Labelling> labellingsOfTheOthers() {
+    std::vector<Labelling> steps;
+    for (const std::string& label :
+         split("% grav rev grade byte min h d week year month day_sidereal year_sidereal "
+               "year_calendar mm_Hg in_Hg l pl nl µl ml cl dl atm bar mbar ° ′ ″ centiradian",
+               ' ')) {
+        steps.push_back({label, label == "mbar" ? "hPa" : label == "centiradian" ? "crad" : ""});
+    }
+    return steps;
+}
+
+void give(Names& names, const Labelling& step) {
+    names.erase(step.Replaces);
+    names.insert(step.Label);
+}
+
+Names labelsAfter(std::size_t siSteps, std::size_t otherSteps) {
+    const auto si = labellingsOfTheSIUnits();
+    const auto others = labellingsOfTheOthers();
+    Names names;
+    std::for_each(si.begin(), si.begin() + static_cast<std::ptrdiff_t>(siSteps),
+                  [&](const Labelling& step) { give(names, step); });
+    std::for_each(others.begin(), others.begin() + static_cast<std::ptrdiff_t>(otherSteps),
+                  [&](const Labelling& step) { give(names, step); });
+    return names;
+}
+
+MATCHER(AreThoseOfAnInterruptedSIRegistration, "") {
+    const std::size_t others = labellingsOfTheOthers().size();
+    for (std::size_t steps = 0; steps <= labellingsOfTheSIUnits().size(); ++steps) {
+        if (arg == labelsAfter(steps, others)) {
+            return true;
+        }
+    }
+    *result_listener << "which are after no number of steps";
+    return false;
+}
+
+MATCHER(AreThoseOfAnInterruptedNonSIRegistration, "") {
+    const std::size_t si = labellingsOfTheSIUnits().size();
+    for (std::size_t steps = 0; steps < labellingsOfTheOthers().size(); ++steps) {
+        if (arg == labelsAfter(si, steps)) {
+            return true;
+        }
+    }
+    *result_listener << "which are after no number of steps";
+    return false;
+}
+
+/// Whatever failed, the tables hold together and the next call builds what is missing.
+void expectSound(const Outcome& outcome) {
+    EXPECT_EQ(outcome.Status, 0);
+    EXPECT_THAT(outcome.Faults, IsEmpty());
+    EXPECT_THAT(outcome.Works,
+                ElementsAre("A cd K kg m mol s rad sr bit Hz Bq g N J W V \u2126 Wb H Gy Sv Pa C F "
+                            "S T °C lm lx kat % rev ° ′ ″ centiradian grade byte byte atm bar psi "
+                            "mbar mm_Hg in_Hg l grav min h d week year_calendar year month "
+                            "day_sidereal year_sidereal ",
+                            "1000 3600"));
+}
+
+TEST(Loading, SaysNothingAndKnowsTheCatalogue) {
+    const Outcome outcome = load("bad_alloc");
+    EXPECT_EQ(outcome.Error, "");
+    EXPECT_THAT(outcome.Records, IsEmpty());
+    EXPECT_GT(outcome.Allocations, 1000);
+    EXPECT_EQ(outcome.Units, 652U);
+    Names labels;
+    for (const CatalogueRow& row : catalogue()) {
+        if (!row.isSystemUnit()) {
+            labels.insert(row.Name);
+        }
+    }
+    EXPECT_EQ(outcome.Labels, labels);
+    expectSound(outcome);
+}
+
+TEST(Loading, AFailureAmongTheSIUnitsIsReportedAndTheOthersAreThere) {
+    const Outcome outcome = load("bad_alloc", {allocationsOfALoad() / 2});
+    EXPECT_EQ(outcome.Error, LINE_OF_THE_SI_UNITS);
+    EXPECT_THAT(outcome.Records, ElementsAre(Reports(SI_FUNCTION, "Exception: std::bad_alloc")));
+
+    EXPECT_THAT(outcome.Labels, AreThoseOfAnInterruptedSIRegistration());
+    EXPECT_EQ(outcome.Labels.count("YA"), 1U);    // registered before it
+    EXPECT_EQ(outcome.Labels.count("kkat"), 0U);  // would have been registered after it
+    EXPECT_EQ(outcome.Labels.count("°C"), 0U);
+    for (const Labelling& step : labellingsOfTheOthers()) {
+        EXPECT_EQ(outcome.Labels.count(step.Label), 1U) << step.Label;
+    }
+    expectSound(outcome);
+}
+
+TEST(Loading, AFailureAmongTheOthersIsReportedWithoutALineOnTheStandardErrorStream) {
+    const Outcome outcome = load("bad_alloc", {allocationsOfALoad() - 20});
+    EXPECT_EQ(outcome.Error, "");
+    EXPECT_THAT(outcome.Records,
+                ElementsAre(Reports(NON_SI_FUNCTION, "Exception: std::bad_alloc")));
+    EXPECT_THAT(outcome.Labels, AreThoseOfAnInterruptedNonSIRegistration());
+    EXPECT_EQ(outcome.Labels.count("l"), 1U);
+    EXPECT_EQ(outcome.Labels.count("centiradian"), 0U);
+    expectSound(outcome);
+}
+
+TEST(Loading, WhatIsNoStandardExceptionIsReportedAsUnknown) {
+    const long count = allocationsOfALoad();
+    const Outcome si = load("int", {count / 2});
+    EXPECT_EQ(si.Error, LINE_OF_THE_SI_UNITS);
+    EXPECT_THAT(si.Records, ElementsAre(Reports(SI_FUNCTION, "Unknown Exception: ")));
+    EXPECT_THAT(si.Labels, AreThoseOfAnInterruptedSIRegistration());
+    expectSound(si);
+
+    const Outcome others = load("int", {count - 20});
+    EXPECT_EQ(others.Error, "");
+    EXPECT_THAT(others.Records, ElementsAre(Reports(NON_SI_FUNCTION, "Unknown Exception: ")));
+    EXPECT_THAT(others.Labels, AreThoseOfAnInterruptedNonSIRegistration());
+    expectSound(others);
+}
+
+// A hundred allocations after the first failure its report is done, and the others are under way.
+TEST(Loading, BothHalvesCanFailAndAreReportedInTurn) {
+    const long first = allocationsOfALoad() / 2;
+    const Outcome outcome = load("bad_alloc", {first, first + 100});
+    EXPECT_EQ(outcome.Error, LINE_OF_THE_SI_UNITS);
+    EXPECT_THAT(outcome.Records,
+                ElementsAre(Reports(SI_FUNCTION, "Exception: std::bad_alloc"),
+                            Reports(NON_SI_FUNCTION, "Exception: std::bad_alloc")));
+    expectSound(outcome);
+}
+
+// The report needs memory, too. Where it gets none it is cut short or missing, and loading goes on.
+TEST(Loading, SurvivesAFailureOfTheReportItself) {
+    const long first = allocationsOfALoad() / 2;
+    std::size_t complete = 0;
+    for (long second = first + 1; second <= first + 4; ++second) {
+        SCOPED_TRACE(second);
+        const Outcome outcome = load("bad_alloc", {first, second});
+        EXPECT_EQ(outcome.Error, LINE_OF_THE_SI_UNITS);
+        EXPECT_THAT(outcome.Records, SizeIs(Le(1U)));
+        complete += outcome.Records.size() == 1 &&
+                    outcome.Records[0].Message == "Exception: std::bad_alloc";
+        EXPECT_THAT(outcome.Labels, AreThoseOfAnInterruptedSIRegistration());
+        expectSound(outcome);
+    }
+    EXPECT_LT(complete, 4U);
+}
+
+TEST(Loading, TheLineOnTheStandardErrorStreamComesEvenWhereTheLoggerIsOff) {
+    const Outcome outcome = load("bad_alloc+off", {allocationsOfALoad() / 2});
+    EXPECT_EQ(outcome.Error, LINE_OF_THE_SI_UNITS);
+    EXPECT_THAT(outcome.Records, IsEmpty());
+}
+
+// Without any configuration the logging library complains by itself, after the library's line.
+TEST(Loading, TheLineOnTheStandardErrorStreamComesFirst) {
+    const Outcome outcome = load("bad_alloc+bare", {allocationsOfALoad() / 2});
+    EXPECT_THAT(outcome.Error, StartsWith(LINE_OF_THE_SI_UNITS));
+    EXPECT_THAT(outcome.Error, HasSubstr("StdCoutLogger"));
+}
+
+// Wherever memory runs out there is one report, of the half that it happened in, and sound tables.
+TEST(Loading, SurvivesAFailureOfWhicheverAllocationOfTheRegistry) {
+    const long count = allocationsOfALoad();
+    std::vector<long> numbers{FIRST_OF_THE_REGISTRY, FIRST_OF_THE_REGISTRY + 1, count - 1, count};
+    for (long number = count; number > FIRST_OF_THE_REGISTRY; number -= count / 9 + 1) {
+        numbers.push_back(number);  // the steps get out of step with the loops over prefixes
+    }
+    std::size_t reported = 0;
+    for (const long number : numbers) {
+        SCOPED_TRACE(number);
+        const Outcome outcome = load("bad_alloc", {number});
+        if (outcome.Records.empty()) {  // what can do without memory, such as a destructor
+            EXPECT_EQ(outcome.Error, "");
+            EXPECT_EQ(outcome.Units, 652U);
+            EXPECT_EQ(outcome.Labels,
+                      labelsAfter(labellingsOfTheSIUnits().size(), labellingsOfTheOthers().size()));
+            expectSound(outcome);
+            continue;
+        }
+        ++reported;
+        ASSERT_THAT(outcome.Records, SizeIs(1));
+        const bool isSI = outcome.Records[0].Function == SI_FUNCTION;
+        EXPECT_THAT(outcome.Records[0],
+                    Reports(isSI ? SI_FUNCTION : NON_SI_FUNCTION, "Exception: std::bad_alloc"));
+        EXPECT_EQ(outcome.Error, isSI ? LINE_OF_THE_SI_UNITS : "");
+        if (isSI) {
+            EXPECT_THAT(outcome.Labels, AreThoseOfAnInterruptedSIRegistration());
+        } else {
+            EXPECT_THAT(outcome.Labels, AreThoseOfAnInterruptedNonSIRegistration());
+        }
+        expectSound(outcome);
+    }
+    EXPECT_GT(reported, numbers.size() / 2);
+}
+
+// Nobody catches what leaves the initialisation of the prefix table, which comes before the registry.
+TEST(Loading, WithoutThePrefixTableThereIsNoProgram) {
+    const Outcome outcome = load("bad_alloc", {FIRST_OF_THE_REGISTRY - 1});
+    EXPECT_NE(outcome.Status, 0);
+    EXPECT_THAT(outcome.Error, HasSubstr("std::bad_alloc"));
+    EXPECT_THAT(outcome.Error, Not(HasSubstr("registerSiUnits")));
+}
+
+// The order of the static initialisers.
+
+#if UINTPTR_MAX == UINT32_MAX
+unsigned char kindOf(const ElfW(Sym) & symbol) { return ELF32_ST_TYPE(symbol.st_info); }
+#else
+unsigned char kindOf(const ElfW(Sym) & symbol) { return ELF64_ST_TYPE(symbol.st_info); }
+#endif
+
+/// The address of a function without the mark of the Thumb instruction set.
+std::uintptr_t codeAddress(std::uintptr_t address) {
+#ifdef __arm__
+    return address & ~std::uintptr_t{1};
+#else
+    return address;
+#endif
+}
+
+/// The source file of each function in the library, by its address before relocation.
+std::map<std::uintptr_t, std::string> sourcesOfFunctions() {
+    const std::string image = contentsOf(MENSOR_LIBRARY);
+    const auto read = [&image](auto& record, std::size_t offset) {
+        std::memcpy(&record, image.substr(offset, sizeof record).data(), sizeof record);
+    };
+    ElfW(Ehdr) header;
+    read(header, 0);
+    const auto section = [&](std::size_t index) {
+        ElfW(Shdr) result;
+        read(result, header.e_shoff + index * header.e_shentsize);
+        return result;
+    };
+    std::map<std::uintptr_t, std::string> sources;
+    for (std::size_t i = 0; i < header.e_shnum; ++i) {
+        const ElfW(Shdr) table = section(i);
+        if (table.sh_type != SHT_SYMTAB) {
+            continue;
+        }
+        const ElfW(Shdr) names = section(table.sh_link);
+        std::string source;
+        for (std::size_t at = 0; at < table.sh_size; at += sizeof(ElfW(Sym))) {
+            ElfW(Sym) symbol;
+            read(symbol, table.sh_offset + at);
+            if (kindOf(symbol) == STT_FILE) {
+                source = image.c_str() + names.sh_offset + symbol.st_name;
+            } else if (kindOf(symbol) == STT_FUNC) {
+                sources.emplace(codeAddress(symbol.st_value), source);
+            }
+        }
+    }
+    return sources;
+}
+
+/// The static initialisers of the loaded library in the order in which they ran, as addresses before
+/// relocation.
+std::vector<std::uintptr_t> initialisers() {
+    std::vector<std::uintptr_t> addresses;
+    dl_iterate_phdr(
+        [](dl_phdr_info* object, std::size_t, void* result) {
+            if (std::string(object->dlpi_name).find("libmensor.so") == std::string::npos) {
+                return 0;
+            }
+            const std::uintptr_t base = object->dlpi_addr;
+            const std::uintptr_t* functions = nullptr;
+            std::size_t count = 0;
+            for (int i = 0; i < object->dlpi_phnum; ++i) {
+                if (object->dlpi_phdr[i].p_type != PT_DYNAMIC) {
+                    continue;
+                }
+                const auto* entry =
+                    reinterpret_cast<const ElfW(Dyn)*>(base + object->dlpi_phdr[i].p_vaddr);
+                for (; entry->d_tag != DT_NULL; ++entry) {
+                    if (entry->d_tag == DT_INIT_ARRAY) {
+                        functions =
+                            reinterpret_cast<const std::uintptr_t*>(base + entry->d_un.d_ptr);
+                    } else if (entry->d_tag == DT_INIT_ARRAYSZ) {
+                        count = entry->d_un.d_val / sizeof(std::uintptr_t);
+                    }
+                }
+            }
+            for (std::size_t i = 0; i < count; ++i) {
+                static_cast<std::vector<std::uintptr_t>*>(result)->push_back(
+                    codeAddress(functions[i] - base));
+            }
+            return 1;
+        },
+        &addresses);
+    return addresses;
+}
+
+TEST(Loading, ThePrefixTableIsInitialisedBeforeTheRegistryAndTheRegistryLast) {
+    const std::map<std::uintptr_t, std::string> sources = sourcesOfFunctions();
+    std::vector<std::string> order;
+    for (const std::uintptr_t address : initialisers()) {
+        order.push_back(sources.at(address));
+    }
+    ASSERT_GE(order.size(), 2U);
+    EXPECT_EQ(order[order.size() - 2], "mensor_global.cpp");
+    EXPECT_EQ(order[order.size() - 1], "UnitRegistry.cpp");
+}
+
+}  // namespace
+}  // namespace mensor
