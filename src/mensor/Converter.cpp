@@ -250,6 +250,10 @@ void CCompound::convertArray(const double* values, double* results, std::size_t 
         std::memmove(results, values, count * sizeof(double));
         return;
     }
+    if (m_StepCount == 1) {
+        runAll(*m_Steps, values, results, count);
+        return;
+    }
     // Step by step over pieces that stay in the nearest cache: from `values` into `results`, and from
     // then on in place.
     constexpr std::size_t Piece = 1024;

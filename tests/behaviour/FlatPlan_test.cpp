@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <memory>
 #include <set>
@@ -226,6 +228,29 @@ TEST(ConvertAll, GivesTheSameBitsAtEveryLengthAndAlignment) {
                                      {values.begin() + from, values.begin() + from + length}),
                           "");
             }
+        }
+    }
+}
+
+TEST(ConvertAll, GivesTheSameBitsForArraysThatNoCacheHolds) {
+    constexpr std::size_t count = 4'000'101, part = 1000;
+    std::vector<double> values = specialValues();
+    for (std::size_t i = 0; values.size() < count; ++i) {
+        values.push_back(values[i] * 1.5);
+    }
+    std::vector<double> expected(count), results(count + 3);
+    for (const CConverterPtr& converter :
+         {add(273.15), multiply(1e-3), pair(add(-32), multiply(5.0 / 9))}) {
+        for (std::size_t done = 0; done < count; done += part) {
+            converter->convertAll(values.data() + done, expected.data() + done,
+                                  std::min(part, count - done));
+        }
+        for (const std::size_t from : {std::size_t(1), std::size_t(2)}) {  // one of them is at an address divisible by 16
+            std::fill(results.begin(), results.end(), -1.0);
+            converter->convertAll(values.data(), results.data() + from, count);
+            EXPECT_EQ(std::memcmp(results.data() + from, expected.data(), count * sizeof(double)), 0);
+            EXPECT_EQ(results[from - 1], -1.0);
+            EXPECT_EQ(results[from + count], -1.0);
         }
     }
 }
