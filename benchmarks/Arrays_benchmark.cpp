@@ -13,13 +13,13 @@ namespace {
 
 // One pair of arrays for all: what a benchmark finds in the caches is then what it left there.
 // Allocated apart and touched, so that no page is new when the clock runs.
-struct SArrays {
+struct Arrays {
     std::vector<double> Values = std::vector<double>(10'000'000, 2.5);
     std::vector<double> Results = std::vector<double>(10'000'000, 0.0);
 };
 
-SArrays& arrays() {
-    static SArrays arrays;
+Arrays& arrays() {
+    static Arrays arrays;
     return arrays;
 }
 
@@ -57,10 +57,10 @@ void addPair(const std::string& name, const char* from, const char* to, std::siz
         };
     });
     addSize(name, count, "UDUNITS-2", [=] {
-        return [c = udunitsConverter(from, to)](const double* values, double* results,
-                                                std::size_t n) {
-            cv_convert_doubles(c, values, n, results);
-        };
+        return
+            [c = udunitsConverter(from, to)](const double* values, double* results, std::size_t n) {
+                cv_convert_doubles(c, values, n, results);
+            };
     });
 }
 

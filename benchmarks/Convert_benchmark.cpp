@@ -20,7 +20,7 @@ using namespace mensor;
 namespace {
 
 // One pair of units; UDUNITS-2 has other names for some.
-struct SPair {
+struct Pair {
     const char* Name;
     const char* From;
     const char* To;
@@ -28,7 +28,7 @@ struct SPair {
     const char* UdunitsTo;
 };
 
-void addLookup(const SPair& pair) {
+void addLookup(const Pair& pair) {
     add(std::string("look up ") + pair.Name, "mensor", [pair](benchmark::State& state) {
         const CUnitPtr from = CUnit::fromString(pair.From), to = CUnit::fromString(pair.To);
         for (auto _ : state) {
@@ -98,7 +98,7 @@ void independent(benchmark::State& state, There there) {
     }
 }
 
-void addConversion(const SPair& pair) {
+void addConversion(const Pair& pair) {
     const std::string name = std::string("convert ") + pair.Name;
     const auto through = [](const CConverterPtr& converter) {
         return [c = converter.get()](double x) { return c->convert(x); };
@@ -127,8 +127,8 @@ void addConversion(const SPair& pair) {
 
 namespace bu = boost::units;
 using Metres = bu::quantity<bu::si::length>;
-using Kilometres = bu::quantity<
-    bu::make_scaled_unit<bu::si::length, bu::scale<10, bu::static_rational<3>>>::type>;
+using Kilometres =
+    bu::quantity<bu::make_scaled_unit<bu::si::length, bu::scale<10, bu::static_rational<3>>>::type>;
 using Kelvins = bu::quantity<bu::absolute<bu::si::temperature>>;
 using DegreesCelsius = bu::quantity<bu::absolute<bu::celsius::temperature>>;
 
@@ -143,15 +143,15 @@ void addBoost(const std::string& name) {
 }
 
 const bool added = [] {
-    const SPair kilometre = {"km to m", "km", "m", "km", "m"};
-    const SPair celsius = {"°C to K", "°C", "K", "°C", "K"};
-    const SPair hour = {"h to min", "h", "min", "h", "min"};
-    const SPair product = {"kg·m²/s² to J", "kg·m²/s²", "J", "kg·m²/s²", "J"};
-    const SPair year = {"year_calendar to s", "year_calendar", "s", "common_year", "s"};
-    for (const SPair& pair : {kilometre, celsius, hour, product}) {
+    const Pair kilometre = {"km to m", "km", "m", "km", "m"};
+    const Pair celsius = {"°C to K", "°C", "K", "°C", "K"};
+    const Pair hour = {"h to min", "h", "min", "h", "min"};
+    const Pair product = {"kg·m²/s² to J", "kg·m²/s²", "J", "kg·m²/s²", "J"};
+    const Pair year = {"year_calendar to s", "year_calendar", "s", "common_year", "s"};
+    for (const Pair& pair : {kilometre, celsius, hour, product}) {
         addLookup(pair);
     }
-    for (const SPair& pair : {kilometre, celsius, year}) {
+    for (const Pair& pair : {kilometre, celsius, year}) {
         addConversion(pair);
     }
     addBoost<Kilometres, Metres>("convert km to m");

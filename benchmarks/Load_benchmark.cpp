@@ -54,18 +54,21 @@ void memoryMoreThan(benchmark::State& state, const std::string& program, const s
 
 const bool added = [] {
     const auto addStart = [](const char* who, const char* program) {
-        add("start a process", who, [program](benchmark::State& state) {
-            startOf(state, program);
-        })->UseManualTime()->Iterations(1)->Unit(benchmark::kMicrosecond);
+        add("start a process", who, [program](benchmark::State& state) { startOf(state, program); })
+            ->UseManualTime()
+            ->Iterations(1)
+            ->Unit(benchmark::kMicrosecond);
     };
     addStart("nothing", "load_nothing");
     addStart("log4cplus", "load_log4cplus");
     addStart("mensor", "load_mensor");
     addStart("UDUNITS-2", "load_udunits2");
     const auto addOwn = [](const char* who, const char* program, const char* base) {
-        add("own part of the start", who, [program, base](benchmark::State& state) {
-            moreThan(state, program, base);
-        })->UseManualTime()->Iterations(1)->Unit(benchmark::kMicrosecond);
+        add("own part of the start", who,
+            [program, base](benchmark::State& state) { moreThan(state, program, base); })
+            ->UseManualTime()
+            ->Iterations(1)
+            ->Unit(benchmark::kMicrosecond);
         add("memory", who, [program, base](benchmark::State& state) {
             memoryMoreThan(state, program, base);
         })->Iterations(1);

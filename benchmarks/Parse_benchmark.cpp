@@ -70,8 +70,8 @@ void unknownUdunits(benchmark::State& state) {
 }
 
 const bool added = [] {
-    for (const char* text : {"m", "km", "kPa", "mm_Hg", "m/s", "kg*m^2/s^2", "kg·m²/s²",
-                             "mol/(m^3*s)"}) {
+    for (const char* text :
+         {"m", "km", "kPa", "mm_Hg", "m/s", "kg*m^2/s^2", "kg·m²/s²", "mol/(m^3*s)"}) {
         addText(text);
     }
     add("parse a mix of 50", "mensor", mixMensor);

@@ -65,11 +65,14 @@ std::string outputOf(const std::string& program, std::vector<std::string> argume
 
 void addFirst(const std::string& work, const std::string& what) {
     for (const char* who : {"mensor", "UDUNITS-2"}) {
-        add(work, who, [what, who](benchmark::State& state) {
-            for (auto _ : state) {
-                state.SetIterationTime(1e-9 * std::stod(outputOf("first_time", {who, what})));
-            }
-        })->UseManualTime()->Iterations(5);
+        add(work, who,
+            [what, who](benchmark::State& state) {
+                for (auto _ : state) {
+                    state.SetIterationTime(1e-9 * std::stod(outputOf("first_time", {who, what})));
+                }
+            })
+            ->UseManualTime()
+            ->Iterations(5);
     }
 }
 

@@ -7,7 +7,7 @@
 #include <iostream>
 
 // One line of the table: two benchmarks and the ratio that is aimed at.
-struct CReport::SLine {
+struct CReport::Line {
     enum eKind {
         AT_MOST,   // first / second should not be above the target
         AT_LEAST,  // second / first, a gain in throughput, should not be below the target
@@ -22,15 +22,15 @@ struct CReport::SLine {
 };
 
 // In the order of the table. A line whose benchmarks were not run is left out.
-const std::vector<CReport::SLine>& CReport::lines() {
-    static const std::vector<SLine> lines = [] {
-        std::vector<SLine> all;
+const std::vector<CReport::Line>& CReport::lines() {
+    static const std::vector<Line> lines = [] {
+        std::vector<Line> all;
         const auto heading = [&](const char* text) {
-            all.push_back({SLine::HEADING, text, "", "", 0});
+            all.push_back({Line::HEADING, text, "", "", 0});
         };
         const auto against = [&](const std::string& work, const char* peer, double target = 0,
                                  const std::string& peersWork = "") {
-            all.push_back({SLine::AT_MOST, work, work + ": mensor",
+            all.push_back({Line::AT_MOST, work, work + ": mensor",
                            (peersWork.empty() ? work : peersWork) + ": " + peer, target});
         };
         const auto peer = [&](const std::string& work, double target = 0) {
@@ -43,7 +43,7 @@ const std::vector<CReport::SLine>& CReport::lines() {
         against("start a process", "UDUNITS-2");
         peer("own part of the start", 0.25);
         for (const char* what : {"heap", "resident"}) {
-            all.push_back({SLine::BYTES, std::string("own memory after load, ") + what,
+            all.push_back({Line::BYTES, std::string("own memory after load, ") + what,
                            std::string("memory: mensor ") + what,
                            std::string("memory: UDUNITS-2 ") + what,
                            std::string(what) == "resident" ? 1e6 : 0.0});
@@ -118,7 +118,7 @@ const std::vector<CReport::SLine>& CReport::lines() {
             for (const char* units : {", distinct units", ", same unit"}) {
                 const std::string name = std::string(work) + units;
                 const bool aimed = units[2] == 'd' || target > 1;
-                all.push_back({SLine::AT_LEAST, name, name + ": two threads", name + ": one thread",
+                all.push_back({Line::AT_LEAST, name, name + ": two threads", name + ": one thread",
                                aimed ? target : 0});
             }
         }
@@ -199,8 +199,8 @@ std::string CReport::table(std::string& data) const {
         "|---|---:|---|---:|---:|---:|---|\n";
     std::string heading;
     int reached = 0, missed = 0;
-    for (const SLine& line : lines()) {
-        if (line.Kind == SLine::HEADING) {
+    for (const Line& line : lines()) {
+        if (line.Kind == Line::HEADING) {
             heading = "| **" + line.Work + "** | | | | | | |\n";
             continue;
         }
@@ -209,24 +209,24 @@ std::string CReport::table(std::string& data) const {
             continue;
         }
         const double ours = median(first->second), theirs = median(second->second);
-        const double ratio = line.Kind == SLine::AT_LEAST ? theirs / ours : ours / theirs;
-        const double judged = line.Kind == SLine::BYTES ? ours : ratio;
+        const double ratio = line.Kind == Line::AT_LEAST ? theirs / ours : ours / theirs;
+        const double judged = line.Kind == Line::BYTES ? ours : ratio;
         std::string target, verdict;
         if (line.Target > 0) {
-            const bool ok = line.Kind == SLine::AT_LEAST ? judged >= line.Target
-                                                         : judged <= line.Target;
+            const bool ok =
+                line.Kind == Line::AT_LEAST ? judged >= line.Target : judged <= line.Target;
             ok ? ++reached : ++missed;
-            target = line.Kind == SLine::BYTES
+            target = line.Kind == Line::BYTES
                          ? "≤ " + bytes(line.Target)
-                         : (line.Kind == SLine::AT_LEAST ? "≥ " : "≤ ") + number(line.Target);
+                         : (line.Kind == Line::AT_LEAST ? "≥ " : "≤ ") + number(line.Target);
             verdict = ok ? "ok" : "**missed**";
         }
-        const auto figure = line.Kind == SLine::BYTES ? bytes : duration;
+        const auto figure = line.Kind == Line::BYTES ? bytes : duration;
         text += heading + "| " + line.Work + " | " + figure(ours) + " | " + who(line.Second) +
                 " | " + figure(theirs) + " | " + number(ratio) + " | " + target + " | " + verdict +
                 " |\n";
         heading.clear();
-        if (line.Kind == SLine::AT_MOST && who(line.Second) == "UDUNITS-2") {
+        if (line.Kind == Line::AT_MOST && who(line.Second) == "UDUNITS-2") {
             data += "\"" + line.Work + "\"\t" + std::to_string(ratio) + "\t" +
                     (line.Target > 0 ? std::to_string(line.Target) : "NaN") + "\n";
         }

@@ -18,8 +18,8 @@ public:
     bool failed() const { return !m_Failures.empty(); }
 
 private:
-    struct SLine;
-    static const std::vector<SLine>& lines();
+    struct Line;
+    static const std::vector<Line>& lines();
 
     std::string table(std::string& data) const;
     std::string times() const;

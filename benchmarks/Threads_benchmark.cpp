@@ -50,7 +50,8 @@ void addWork(const std::string& name, MakeWork makeWork) {
 
 const bool added = [] {
     addWork("parse", [](int which) {
-        return [text = string_t(Texts[which])] { benchmark::DoNotOptimize(CUnit::fromString(text)); };
+        return
+            [text = string_t(Texts[which])] { benchmark::DoNotOptimize(CUnit::fromString(text)); };
     });
     addWork("look up", [](int which) {
         return [from = CUnit::fromString(Texts[which]), to = CUnit::fromString(Targets[which])] {
@@ -58,12 +59,12 @@ const bool added = [] {
         };
     });
     addWork("convert", [](int which) {
-        return [c = CUnit::fromString(Texts[which])->getConverterTo(
-                    CUnit::fromString(Targets[which])),
-                value = 2.5]() mutable {
-            benchmark::DoNotOptimize(value);
-            benchmark::DoNotOptimize(c->convert(value));
-        };
+        return
+            [c = CUnit::fromString(Texts[which])->getConverterTo(CUnit::fromString(Targets[which])),
+             value = 2.5]() mutable {
+                benchmark::DoNotOptimize(value);
+                benchmark::DoNotOptimize(c->convert(value));
+            };
     });
     addWork("request", [](int which) {
         return [text = std::string(Requests[which]), to = CUnit::fromString(Targets[which])] {

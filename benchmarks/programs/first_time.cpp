@@ -18,11 +18,11 @@ using namespace mensor;
 
 namespace {
 
-const char* const Names[] = {"m",  "s",  "kg", "A",  "K",  "mol", "cd", "rad", "Hz",
-                             "N",  "Pa", "J",  "W",  "C",  "V",   "F",  "S",   "Wb",
-                             "T",  "H",  "lm", "lx", "Bq", "Gy",  "Sv", "kat"};
+const char* const Names[] = {"m", "s",  "kg", "A",  "K",  "mol", "cd", "rad", "Hz",
+                             "N", "Pa", "J",  "W",  "C",  "V",   "F",  "S",   "Wb",
+                             "T", "H",  "lm", "lx", "Bq", "Gy",  "Sv", "kat"};
 
-struct SMensor {
+struct Mensor {
     using unit_t = CUnitPtr;
     unit_t read(const std::string& text) { return CUnit::fromString(text); }
     void multiply(const unit_t& left, const unit_t& right) { left->multiply(right); }
@@ -32,7 +32,7 @@ struct SMensor {
     void parse(const string_t& text) { CUnit::fromString(text); }
 };
 
-struct SUdunits {
+struct Udunits {
     using unit_t = ut_unit*;
     ut_system* System = [] {
         ut_set_error_message_handler(ut_ignore);
@@ -91,7 +91,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     const std::string who = argv[1], what = argv[2];
-    std::printf("%f\n", who == "mensor" ? nanosecondsPerOperation(SMensor(), what)
-                                        : nanosecondsPerOperation(SUdunits(), what));
+    std::printf("%f\n", who == "mensor" ? nanosecondsPerOperation(Mensor(), what)
+                                        : nanosecondsPerOperation(Udunits(), what));
     return 0;
 }

@@ -43,11 +43,11 @@ void count(const char* name, const Work& work) {
 
 // Texts as they come in messages.
 const char* const Mix[] = {
-    "m",     "km",    "mm",    "cm",    "µm",        "s",         "ms",    "min",  "h",
-    "d",     "kg",    "g",     "mg",    "K",         "°C",        "A",     "mA",   "V",
-    "mV",    "kV",    "W",     "kW",    "MW",        "kW*h",      "J",     "kJ",   "N",
-    "kN",    "Pa",    "MPa",   "kPa",   "bar",       "mbar",      "Hz",    "kHz",  "MHz",
-    "lx",    "mol",   "m/s",   "km/h",  "m/s^2",     "m^2",       "m^3/h", "l/min", "kg/m^3",
+    "m",        "km",    "mm",  "cm",       "µm",         "s",    "ms",    "min",   "h",
+    "d",        "kg",    "g",   "mg",       "K",          "°C",   "A",     "mA",    "V",
+    "mV",       "kV",    "W",   "kW",       "MW",         "kW*h", "J",     "kJ",    "N",
+    "kN",       "Pa",    "MPa", "kPa",      "bar",        "mbar", "Hz",    "kHz",   "MHz",
+    "lx",       "mol",   "m/s", "km/h",     "m/s^2",      "m^2",  "m^3/h", "l/min", "kg/m^3",
     "kg·m²/s²", "W/m^2", "N*m", "J/(kg*K)", "mol/(m^3*s)"};
 
 }  // namespace
@@ -62,9 +62,8 @@ int main() {
     // Repetitions is a multiple of the number of texts, so that each counts the same.
     const std::vector<string_t> mix(std::begin(Mix), std::end(Mix));
     static_assert(Repetitions % (sizeof Mix / sizeof *Mix) == 0);
-    count("parse a mix of 50", [&](int i) {
-        keep(CUnit::fromString(mix[static_cast<std::size_t>(i) % mix.size()]));
-    });
+    count("parse a mix of 50",
+          [&](int i) { keep(CUnit::fromString(mix[static_cast<std::size_t>(i) % mix.size()])); });
 
     const CUnitPtr metre = SI::Meter(), newton = SI::Newton();
     count("multiply, cached", [&](int) { keep(newton->multiply(metre)); });
@@ -91,10 +90,10 @@ int main() {
     CUnit::symbols();
     count("parse km, tables handed out", [&](int) { keep(CUnit::fromString(km)); });
     count("parse kg*m^2/s^2, tables handed out", [&](int) { keep(CUnit::fromString(energy)); });
-    count("parse a mix of 50, tables handed out", [&](int i) {
-        keep(CUnit::fromString(mix[static_cast<std::size_t>(i) % mix.size()]));
-    });
-    count("look up km to m, tables handed out", [&](int) { keep(kilometre->getConverterTo(metre)); });
+    count("parse a mix of 50, tables handed out",
+          [&](int i) { keep(CUnit::fromString(mix[static_cast<std::size_t>(i) % mix.size()])); });
+    count("look up km to m, tables handed out",
+          [&](int) { keep(kilometre->getConverterTo(metre)); });
     count("request 2.5 km in m, tables handed out",
           [&](int) { keep(CValueWithUnit::fromString(request).valueAs(metre)); });
     return 0;
