@@ -10,13 +10,14 @@
 #include <stdexcept>
 
 #include "mensor/MultiplyConverter.h"
+#include "mensor/factors.h"
 #include "mensor/require.h"
 
 namespace mensor {
 
 namespace {
 
-using Elements = std::vector<CUnitRationalPower>;
+using Elements = detail::Factors;
 
 int checkedExponent(std::int64_t n) {
     if (n > std::numeric_limits<int>::max() || n < std::numeric_limits<int>::min()) {
@@ -25,6 +26,15 @@ int checkedExponent(std::int64_t n) {
         throw std::overflow_error(message.str());
     }
     return static_cast<int>(n);
+}
+
+// Of two products of ints; only those of the smallest int with itself can overflow.
+std::int64_t sum(std::int64_t a, std::int64_t b) {
+    std::int64_t result = 0;
+    if (__builtin_add_overflow(a, b, &result)) {
+        throw std::overflow_error("Exponent 9223372036854775808 is out of range");
+    }
+    return result;
 }
 
 // `unit` to the power pow/root in lowest terms.
@@ -72,6 +82,40 @@ CUnitPtr fold(const Elements& elements, OfFactor ofFactor) {
 
 }  // namespace
 
+namespace detail {
+
+Factors multiplied(const Factors& left, const Factors& right) {
+    Factors result;
+    result.reserve(left.size() + right.size());
+    for (const CUnitRationalPower& mine : left) {
+        std::int64_t pow = mine.getPow();
+        std::int64_t root = mine.getRoot();
+        if (const CUnitRationalPower* other = findUnit(right, mine.unit())) {
+            pow = sum(pow * other->getRoot(), other->getPow() * root);
+            root = root * other->getRoot();
+        }
+        if (pow != 0) {
+            result.push_back(reduced(mine.unit(), pow, root));
+        }
+    }
+    for (const CUnitRationalPower& other : right) {
+        if (findUnit(left, other.unit()) == nullptr) {
+            result.push_back(other);
+        }
+    }
+    return result;
+}
+
+Factors raised(Factors factors, int pow, int root) {
+    for (CUnitRationalPower& factor : factors) {
+        factor = reduced(factor.unit(), std::int64_t{factor.getPow()} * pow,
+                         std::int64_t{factor.getRoot()} * root);
+    }
+    return factors;
+}
+
+}  // namespace detail
+
 CProductUnit::CProductUnit() : CDerivedUnit("One") {}
 CProductUnit::CProductUnit(const Elements& elements)
     : CDerivedUnit(string_t()), m_Elements(elements) {}
@@ -85,24 +129,7 @@ CUnitPtr CProductUnit::one() {
 CUnitPtr CProductUnit::getInstance(const Elements& LeftElements, const Elements& RightElements) {
     requireUnits(LeftElements);
     requireUnits(RightElements);
-    Elements result;
-    result.reserve(LeftElements.size() + RightElements.size());
-    for (const CUnitRationalPower& left : LeftElements) {
-        std::int64_t pow = left.getPow();
-        std::int64_t root = left.getRoot();
-        if (const CUnitRationalPower* right = findUnit(RightElements, left.unit())) {
-            pow = pow * right->getRoot() + right->getPow() * root;
-            root = root * right->getRoot();
-        }
-        if (pow != 0) {
-            result.push_back(reduced(left.unit(), pow, root));
-        }
-    }
-    for (const CUnitRationalPower& right : RightElements) {
-        if (findUnit(LeftElements, right.unit()) == nullptr) {
-            result.push_back(right);
-        }
-    }
+    const Elements result = detail::multiplied(LeftElements, RightElements);
     if (result.empty()) {
         return one();
     }
@@ -130,20 +157,12 @@ CUnitPtr CProductUnit::getQuotientInstance(CUnitPtr left, CUnitPtr right) {
 
 CUnitPtr CProductUnit::getRootInstance(CUnitPtr unit, int n) {
     requireUnit(unit, "CProductUnit::getRootInstance");
-    Elements elements = unit->elements();
-    for (CUnitRationalPower& element : elements) {
-        element = reduced(element.unit(), element.getPow(), std::int64_t{element.getRoot()} * n);
-    }
-    return getInstance(elements, Elements());
+    return getInstance(detail::raised(unit->elements(), 1, n), Elements());
 }
 
 CUnitPtr CProductUnit::getPowInstance(CUnitPtr unit, int n) {
     requireUnit(unit, "CProductUnit::getPowInstance");
-    Elements elements = unit->elements();
-    for (CUnitRationalPower& element : elements) {
-        element = reduced(element.unit(), std::int64_t{element.getPow()} * n, element.getRoot());
-    }
-    return getInstance(elements, Elements());
+    return getInstance(detail::raised(unit->elements(), n, 1), Elements());
 }
 
 int CProductUnit::size() const { return static_cast<int>(m_Elements.size()); }

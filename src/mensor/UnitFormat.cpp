@@ -18,6 +18,7 @@
 
 #include "mensor/ProductUnit.h"
 #include "mensor/RememberedTexts.h"
+#include "mensor/factors.h"
 #include "mensor/require.h"
 #include "mensor/tables.h"
 #include "mensor/utf8.h"
@@ -79,6 +80,7 @@ public:
         }
         step(U' ', end, end);  // flushes the last token
         commit();
+        requireSmallExponents();
         CUnitPtr result = CProductUnit::one();
         for (Factor& factor : m_Factors) {
             if (factor.Pow != 1) {
@@ -98,6 +100,25 @@ private:
         int Pow;
         int Root;
     };
+
+    // Where exponents may leave the range of int, the arithmetic is tried without building units.
+    void requireSmallExponents() const {
+        constexpr std::int64_t Harmless = 4096;
+        std::int64_t sum = 0;
+        bool isHarmless = true;
+        for (const Factor& factor : m_Factors) {
+            sum += factor.Pow < 0 ? -std::int64_t{factor.Pow} : factor.Pow;
+            isHarmless = isHarmless && factor.Root == 1 && sum <= Harmless;
+        }
+        if (isHarmless) {
+            return;
+        }
+        detail::Factors product;
+        for (const Factor& factor : m_Factors) {
+            product = detail::multiplied(
+                product, detail::raised(factor.Unit->elements(), factor.Pow, factor.Root));
+        }
+    }
 
     // Applies the transition for `c`, which begins at `at` and ends before `next`.
     void step(char_t c, const char* at, const char* next) {
