@@ -156,15 +156,15 @@ private:
         const Step* Steps;
         std::size_t Count;
     };
-    static Plan planOf(const CConverter& child, Step& own);
-    static double run(const Step& step, double x);
-    static void runAll(const Step& step, const double* from, double* to, std::size_t count);
-    double runPlan(double x) const;
-    double walk(double x) const;
-    static double slopeOf(const CConverter& converter, double& x, bool isLast, int levels);
-    static double slopeOfChain(const CCompound& chain, double& x, bool isLast);
-    static CConverterPtr inverseOf(const CConverterPtr& converter, int levels);
-    static CConverterPtr inverseOfChain(CConverter& chain);
+    MENSOR_LOCAL static Plan planOf(const CConverter& child, Step& own);
+    MENSOR_LOCAL static double run(const Step& step, double x);
+    MENSOR_LOCAL static void runAll(const Step& step, const double* from, double* to, std::size_t count);
+    MENSOR_LOCAL double runPlan(double x) const;
+    MENSOR_LOCAL double walk(double x) const;
+    MENSOR_LOCAL static double slopeOf(const CConverter& converter, double& x, bool isLast, int levels);
+    MENSOR_LOCAL static double slopeOfChain(const CCompound& chain, double& x, bool isLast);
+    MENSOR_LOCAL static CConverterPtr inverseOf(const CConverterPtr& converter, int levels);
+    MENSOR_LOCAL static CConverterPtr inverseOfChain(CConverter& chain);
 
     CConverterPtr m_First;   // applied first; never empty
     CConverterPtr m_Second;  // applied second; never empty

@@ -67,10 +67,10 @@ protected:
     CProductUnit();
 
 private:
-    explicit CProductUnit(const std::vector<CUnitRationalPower>& elements);
+    MENSOR_LOCAL explicit CProductUnit(const std::vector<CUnitRationalPower>& elements);
 
-    bool elementsContainsOtherSingle(const CUnitRationalPower& element) const;
-    bool elementsContains(const std::vector<CUnitRationalPower>& elements) const;
+    MENSOR_LOCAL bool elementsContainsOtherSingle(const CUnitRationalPower& element) const;
+    MENSOR_LOCAL bool elementsContains(const std::vector<CUnitRationalPower>& elements) const;
 
     std::vector<CUnitRationalPower> m_Elements;  // never reordered, never changed
     CUnitPtr m_SystemUnitCach;  // set once, by the first getSystemUnit(); atomic access only

@@ -232,23 +232,23 @@ private:
     friend class CUnitFormat;
     friend struct detail::Tables;
 
-    static CUnitPtr getUnitByIndexOrExpandTable(int index, std::vector<CUnitPtr>& table);
+    MENSOR_LOCAL static CUnitPtr getUnitByIndexOrExpandTable(int index, std::vector<CUnitPtr>& table);
     template <class Make>
-    static CUnitPtr lookUp(int index, std::vector<CUnitPtr>& table, Make make);
+    MENSOR_LOCAL static CUnitPtr lookUp(int index, std::vector<CUnitPtr>& table, Make make);
 
-    const CConverterPtr* rememberedToDimension() const;
-    void rememberDimension(const CUnit* dimension, const CConverterPtr& toDimension);
+    MENSOR_LOCAL const CConverterPtr* rememberedToDimension() const;
+    MENSOR_LOCAL void rememberDimension(const CUnit* dimension, const CConverterPtr& toDimension);
 
     // The converters of two compatible units to their dimension: entries of toDimensions().
     struct Route {
         const CConverterPtr* FromThis;
         const CConverterPtr* FromThat;
     };
-    Route routeTo(const CUnitPtr& that);
-    Route lookUpRouteTo(const CUnitPtr& that);
-    static CConverterPtr chain(const Route& route);
-    static const CUnitPtr& dimensionLocked(const CUnitPtr& unit);
-    static const CConverterPtr& toDimensionLocked(const CUnitPtr& unit);
+    MENSOR_LOCAL Route routeTo(const CUnitPtr& that);
+    MENSOR_LOCAL Route lookUpRouteTo(const CUnitPtr& that);
+    MENSOR_LOCAL static CConverterPtr chain(const Route& route);
+    MENSOR_LOCAL static const CUnitPtr& dimensionLocked(const CUnitPtr& unit);
+    MENSOR_LOCAL static const CConverterPtr& toDimensionLocked(const CUnitPtr& unit);
 
 protected:
     std::recursive_mutex m_LookupVectorMutex;  // guards the four vectors below; order: see the top

@@ -119,7 +119,7 @@ public:
 
 private:
     friend class CUnit;
-    static string_t write(const CUnitPtr& unit, string_t buffer);
+    MENSOR_LOCAL static string_t write(const CUnitPtr& unit, string_t buffer);
 };
 
 /// The plain notation: "kg m^2 s^-2". Names are written as they are and may hold other characters.
