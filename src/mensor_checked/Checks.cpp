@@ -6,6 +6,7 @@
 #include <cmath>
 #include <stdexcept>
 
+#include "mensor/TransformedUnit.h"
 #include "mensor/UnitFormat.h"
 
 namespace mensor {
@@ -72,28 +73,39 @@ void multiplyInto(std::vector<CElement>& product, const CUnitPtr& unit, const CR
     }
 }
 
-bool isMadeOf(const CUnitPtr& unit, const std::vector<CElement>& elements) {
-    std::vector<CElement> own;
-    multiplyInto(own, unit, 1);
+bool haveSameElements(const std::vector<CElement>& a, const std::vector<CElement>& b) {
     std::size_t present = 0;
-    for (const CElement& element : elements) {
-        if (element.Exponent == CRational(0)) {
+    for (const CElement& mine : a) {
+        if (mine.Exponent == CRational(0)) {
             continue;
         }
         ++present;
-        const bool isThere = std::any_of(own.begin(), own.end(), [&](const CElement& e) {
-            return e.Unit == element.Unit && e.Exponent == element.Exponent;
+        const bool isThere = std::any_of(b.begin(), b.end(), [&](const CElement& other) {
+            return other.Unit == mine.Unit && other.Exponent == mine.Exponent;
         });
         if (!isThere) {
             return false;
         }
     }
-    return present == own.size();
+    const auto inB = std::count_if(b.begin(), b.end(), [](const CElement& other) {
+        return other.Exponent != CRational(0);
+    });
+    return present == static_cast<std::size_t>(inB);
+}
+
+std::vector<CElement> systemElements(const std::vector<CElement>& elements) {
+    std::vector<CElement> product;
+    for (const CElement& element : elements) {
+        const bool isTransformed = dynamic_cast<CTransformedUnit*>(element.Unit.get()) != nullptr;
+        multiplyInto(product, isTransformed ? element.Unit->getSystemUnit() : element.Unit,
+                     element.Exponent);
+    }
+    return product;
 }
 
 std::optional<CDimensionFault> dimensionFault(const CUnitPtr& unit, const CMeaning& meaning) {
     const CUnitPtr dimension = unit->getDimension();
-    const CConverterPtr converter = unit->getConverterTo(dimension);
+    const CConverterPtr converter = unit->getCtxToDimension();
     CMeaning known = meaningOf(dimension)
                          .shifted(converter->convert(0.0))
                          .scaled(converter->derivative(0.0));

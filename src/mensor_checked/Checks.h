@@ -46,9 +46,12 @@ struct CElement {
 /// Multiplies `unit` to the power `exponent` into a product, element by element.
 void multiplyInto(std::vector<CElement>& product, const CUnitPtr& unit, const CRational& exponent);
 
-/// Whether `unit` is made of just these elements, in whatever order. Units of the same elements mean
-/// the same, without any computing, and are written alike.
-bool isMadeOf(const CUnitPtr& unit, const std::vector<CElement>& elements);
+/// Whether both are the same product, whatever the order. Products of the same elements mean the same,
+/// without any computing, and are written alike.
+bool haveSameElements(const std::vector<CElement>& a, const std::vector<CElement>& b);
+
+/// The product with each scaled unit replaced by its system unit: of N·mm and of mN·m it is N·m.
+std::vector<CElement> systemElements(const std::vector<CElement>& elements);
 
 /// A unit that the library would convert wrongly.
 struct CDimensionFault {

@@ -90,7 +90,9 @@ CUnitPtr requireMeaning(const CUnitPtr& unit, const CUnitPtr& parent, double slo
 
 CUnitPtr requireElements(const CUnitPtr& unit, const std::vector<CElement>& elements,
                          const CMeaning& meaning) {
-    if (!isMadeOf(unit, elements)) {
+    std::vector<CElement> given;
+    multiplyInto(given, unit, 1);
+    if (!haveSameElements(systemElements(given), systemElements(elements))) {
         throwInTheWay(quoted(meaning.toString()), unit);
     }
     verify(unit, meaning);

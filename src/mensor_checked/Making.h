@@ -1,8 +1,8 @@
 // Making.h: the makers of units, each checked: the result is the unit asked for, or there is none.
 //
-//     checked::baseUnit("currency1");
-//     checked::baseUnit("currency2");    // throws CIdentityError: all symbols of eight code points
-//                                        // have one hash, so it would be currency1
+//     checked::baseUnit("dollar_US");
+//     checked::baseUnit("dollar_CA");    // throws CIdentityError: all symbols of eight and more code
+//                                        // points have one hash, so it would be dollar_US
 //     checked::label(checked::scaled(SI::Meter(), 0.3048), "ft");
 //
 // Every function takes what the operation of the library takes. All throw

@@ -14,12 +14,13 @@ constexpr std::size_t LongestPassing = 100;
 
 }  // namespace
 
-CMemory& CMemory::instance() {
-    static CMemory Memory;
-    return Memory;
+CMemory& CMemory::instance(const CReadOptions& options) {
+    static CMemory Plain;
+    static CMemory WithDifferences;
+    return options.Differences ? WithDifferences : Plain;
 }
 
-CUnitPtr CMemory::find(std::string_view text) const {
+const CMemory::CEntry* CMemory::find(std::string_view text) const {
     const auto found = m_Entries.find(text);
     if (found == m_Entries.end()) {
         return nullptr;
@@ -28,7 +29,7 @@ CUnitPtr CMemory::find(std::string_view text) const {
     const bool namesStand =
         std::all_of(entry.Names.begin(), entry.Names.end(),
                     [](const auto& name) { return unitNamed(name.first) == name.second; });
-    return namesStand && entry.Unit->getDimension() == entry.Dimension ? entry.Unit : nullptr;
+    return namesStand && entry.Unit->getDimension() == entry.Dimension ? &entry : nullptr;
 }
 
 void CMemory::remember(CEntry entry) {

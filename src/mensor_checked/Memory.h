@@ -18,27 +18,31 @@
 #include <vector>
 
 #include "mensor/Unit.h"
+#include "mensor_checked/Reading.h"
 
 namespace mensor {
 namespace checked {
 
 class CMemory {
 public:
-    /// The memory of the process.
-    static CMemory& instance();
+    /// The memory of the process, one for each way to read scales in products: what a text gives
+    /// depends on no other option.
+    static CMemory& instance(const CReadOptions& options);
 
-    /// The unit that `text` was read as, or none.
-    CUnitPtr find(std::string_view text) const;
-
-    /// Keeps a reading, for good if `isKept`. Of the others at most 1000, none longer than 100
-    /// bytes: the texts may come from anywhere.
     struct CEntry {
         std::string Text;
         std::vector<std::pair<std::string, CUnitPtr>> Names;  ///< each as written, and its unit
         CUnitPtr Unit;
         CUnitPtr Dimension;
+        std::vector<std::string> Notes;
         bool IsKept;
     };
+
+    /// The reading of `text`, none if it is not known or no longer stands.
+    const CEntry* find(std::string_view text) const;
+
+    /// Keeps a reading, for good if it says so. Of the others at most 1000, none longer than 100
+    /// bytes: the texts may come from anywhere.
     void remember(CEntry entry);
 
 private:

@@ -16,6 +16,7 @@
 #include "mensor_checked/Checks.h"
 #include "mensor_checked/Names.h"
 #include "mensor_checked/Text.h"
+#include "mensor_checked/Utf8.h"
 
 namespace mensor {
 namespace checked {
@@ -46,9 +47,9 @@ public:
 
     std::vector<CFactor> parse() {
         if (m_Text.size() > LongestText && countCodePoints(m_Text) > LongestText) {
-            throw Refused{diagnose(eRefusal::TOO_LONG, m_Text, {0, 0},
-                                   "a text of more than 4096 characters is no unit")};
+            refuse(eRefusal::TOO_LONG, {0, 0}, "a text of more than 4096 characters is no unit");
         }
+        refuseMalformed();
         m_Cursor.skipBlanks();
         if (kind() == eKind::END) {
             if (m_Options.Dimensionless) {
@@ -249,6 +250,7 @@ private:
     // What stands behind the "^" at `begin`: an integer, a decimal or a fraction.
     Fraction power(std::size_t begin) {
         const bool isBracketed = kind() == eKind::OPEN;
+        const CSpan opening = here();
         if (isBracketed) {
             m_Cursor.advance();
             m_Cursor.skipBlanks();
@@ -268,9 +270,12 @@ private:
         }
         if (isBracketed) {
             m_Cursor.skipBlanks();
+            if (kind() == eKind::END) {
+                refuse(eRefusal::OPEN_BRACKET, opening, "nothing closes this bracket");
+            }
             if (kind() != eKind::CLOSE) {
-                refuse(kind() == eKind::END ? eRefusal::OPEN_BRACKET : eRefusal::MALFORMED_EXPONENT,
-                       {begin, at()}, "nothing closes the bracket of this exponent");
+                refuse(eRefusal::MALFORMED_EXPONENT, {begin, at()},
+                       "more than a number stands in the brackets of this exponent");
             }
             m_Cursor.advance();
         }
@@ -401,7 +406,7 @@ private:
             diagnosis.Suggestions = nearestNames(name);
             throw Refused{std::move(diagnosis)};
         }
-        m_Factors.push_back({std::move(unit), span});
+        m_Factors.push_back({unit, unit, span});
     }
 
     void raise(std::size_t begin, Fraction exponent, CSpan span) {
@@ -424,12 +429,19 @@ private:
         throw Refused{diagnose(code, m_Text, span, sentence)};
     }
 
-    void refuseForeign() const {
-        if (kind() == eKind::MALFORMED) {
-            refuse(eRefusal::MALFORMED_TEXT, here(),
-                   m_Cursor.character() == 0 ? "a NUL stands in the text"
-                                             : "the text is not UTF-8 here");
+    // First of all: who reads a part of such a text may read another text than was written.
+    void refuseMalformed() const {
+        std::size_t length = 0;
+        for (std::size_t at = 0; at < m_Text.size(); at += length) {
+            const char32_t c = decode(m_Text.substr(at), length);
+            if (c == NotUtf8 || c == 0) {
+                refuse(eRefusal::MALFORMED_TEXT, {at, at + length},
+                       c == 0 ? "a NUL stands in the text" : "the text is not UTF-8 here");
+            }
         }
+    }
+
+    void refuseForeign() const {
         if (kind() == eKind::FOREIGN) {
             refuse(eRefusal::UNEXPECTED_CHARACTER, here(), foreignSentence());
         }
@@ -606,8 +618,7 @@ bool isName(std::string_view text) {
             depth += cursor.kind() == eKind::OPEN_NAME    ? 1
                      : cursor.kind() == eKind::CLOSE_NAME ? -1
                                                           : 0;
-            if (cursor.kind() == eKind::END || cursor.kind() == eKind::FOREIGN ||
-                cursor.kind() == eKind::MALFORMED) {
+            if (cursor.kind() == eKind::END || cursor.kind() == eKind::FOREIGN) {
                 return false;
             }
             cursor.advance();

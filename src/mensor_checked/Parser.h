@@ -32,6 +32,7 @@ struct CSpan {
 /// One named unit of the text and the exponent that it comes to have.
 struct CFactor {
     CUnitPtr Unit;
+    CUnitPtr Named;  ///< the unit of the name, which `Unit` may be the difference of
     CSpan Name;
     int Pow = 1;
     int Root = 1;  ///< positive; the fraction is in lowest terms

@@ -37,15 +37,11 @@ public:
                    "a unit of this size is beyond the range of numbers");
         }
         const CUnitPtr unit = build();
-        if (!isMadeOf(unit, elements)) {
-            refuseCollision(unit, meaning);
-        }
+        checkIdentity(unit, elements, meaning);
         if (const auto fault = dimensionFault(unit, meaning)) {
             refuseDimension(*fault, meaning);
         }
-        if (m_Notes.empty()) {
-            remember(unit, isKept);
-        }
+        remember(unit, isKept);
         return {unit, std::nullopt, std::move(m_Notes)};
     }
 
@@ -164,15 +160,37 @@ private:
     }
 
     void remember(const CUnitPtr& unit, bool isKept) const {
-        CMemory::CEntry entry{std::string(m_Text), {}, unit, unit->getDimension(), isKept};
-        for (const CFactor& factor : m_Factors) {
-            entry.Names.emplace_back(nameOf(factor), factor.Unit);
+        if (m_Factors.empty()) {
+            return;  // whether the empty text is a unit is not a question of units
         }
-        CMemory::instance().remember(std::move(entry));
+        CMemory::CEntry entry{std::string(m_Text),   {},      unit,
+                              unit->getDimension(), m_Notes, isKept};
+        for (const CFactor& factor : m_Factors) {
+            entry.Names.emplace_back(nameOf(factor), factor.Named);
+        }
+        CMemory::instance(m_Options).remember(std::move(entry));
     }
 
-    [[noreturn]] void refuseCollision(const CUnitPtr& unit, const CMeaning& meaning) const {
+    // A product is one object wherever in it the prefixes stand, so N·mm may come as mN·m: the same
+    // units to the same powers, of the same size. That is said, but not refused.
+    void checkIdentity(const CUnitPtr& unit, const std::vector<CElement>& elements,
+                       const CMeaning& meaning) {
+        std::vector<CElement> given;
+        multiplyInto(given, unit, 1);
+        if (haveSameElements(given, elements)) {
+            return;
+        }
         const CMeaning other = meaningOf(unit);
+        if (other != meaning ||
+            !haveSameElements(systemElements(given), systemElements(elements))) {
+            refuseCollision(unit, meaning, other);
+        }
+        m_Notes.push_back(quoted(slice(whole())) + " is the same object as " + describe(unit) +
+                          " here, and is written so");
+    }
+
+    [[noreturn]] void refuseCollision(const CUnitPtr& unit, const CMeaning& meaning,
+                                      const CMeaning& other) const {
         std::string sentence =
             quoted(slice(whole())) + " is the same object as " + describe(unit) + " here";
         sentence += other == meaning
@@ -188,7 +206,7 @@ private:
         CDiagnosis diagnosis = diagnose(
             eRefusal::DIMENSION_COLLISION, m_Text, whole(),
             "the dimension of " + quoted(slice(whole())) + " is the same object as " +
-                describe(fault.Dimension) + " here: it would be converted as " +
+                describe(fault.Dimension) + " here: it would count as " +
                 quoted(fault.Known.toString()) + " in place of " + quoted(meaning.toString()));
         diagnosis.Readings = {meaning.toString(), fault.Known.toString()};
         throw Refused{std::move(diagnosis)};
@@ -221,8 +239,8 @@ private:
 
 CReading read(std::string_view text, const CReadOptions& options, bool isKept) {
     if (!isKept) {
-        if (CUnitPtr unit = CMemory::instance().find(text)) {
-            return {std::move(unit), std::nullopt, {}};
+        if (const CMemory::CEntry* known = CMemory::instance(options).find(text)) {
+            return {known->Unit, std::nullopt, known->Notes};
         }
     }
     try {

@@ -23,7 +23,6 @@ constexpr std::array<eKind, 128> asciiKinds() {
     for (std::size_t c = '0'; c <= '9'; ++c) {
         kinds[c] = eKind::DIGIT;
     }
-    kinds[0] = eKind::MALFORMED;
     kinds[' '] = kinds['\t'] = eKind::BLANK;
     kinds['*'] = eKind::STAR;
     kinds['.'] = eKind::POINT;
@@ -52,8 +51,6 @@ eKind kindOf(char32_t c, int& digit) {
         return kind;
     }
     switch (c) {
-        case NotUtf8:
-            return eKind::MALFORMED;
         case U'\u00A0':  // no-break space
         case U'\u1680':
         case U'\u202F':  // narrow no-break space
@@ -109,6 +106,7 @@ eKind kindOf(char32_t c, int& digit) {
             return eKind::RAISED_PLUS;
         case U'\u207B':
             return eKind::RAISED_MINUS;
+        case NotUtf8:
         case U'\u00AD':  // soft hyphen
         case U'\u2028':
         case U'\u2029':

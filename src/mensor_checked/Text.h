@@ -30,8 +30,7 @@ enum class eKind {
     RAISED_MINUS,
     RAISED_PLUS,
     NAME,      ///< part of a name
-    FOREIGN,   ///< no part of any unit
-    MALFORMED  ///< not UTF-8, or a NUL
+    FOREIGN    ///< no part of any unit
 };
 
 /// The kind of `c`, and for digits the value in `digit`.
