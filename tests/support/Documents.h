@@ -1,4 +1,5 @@
-// Documents.h: the pages of docs/ as tests read them, so that what a page shows is what happens.
+// Documents.h: the pages of docs/ as tests read them, so that what a page shows is what happens. For
+// tests that are built with MENSOR_DOCS, the folder.
 //
 //     for (const auto& table : documentTables("reading.md", {"Written", "Is"}))
 //         for (const Row& row : table) ... row[0] ...
@@ -19,7 +20,7 @@ using Row = std::vector<std::string>;
 
 /// The page as it is. @throws std::runtime_error  there is none of this name.
 inline std::string document(const std::string& name) {
-    std::ifstream file(MENSOR_TEST_DOCS "/" + name);
+    std::ifstream file(MENSOR_DOCS "/" + name);
     if (!file) {
         throw std::runtime_error("no page " + name);
     }
