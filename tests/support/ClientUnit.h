@@ -88,6 +88,7 @@ struct Inside : CUnit {
         return (*unit).*(&Inside::m_LookupVectorMutex);
     }
     static int id(const CUnitPtr& unit) { return (*unit).*(&Inside::m_Id); }
+    static int& hashCode(const CUnitPtr& unit) { return (*unit).*(&Inside::m_HashCode); }
     static CUnitPtr canonical(const CUnitPtr& unit) { return getInstance(unit); }
 };
 

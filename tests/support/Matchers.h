@@ -67,6 +67,18 @@ inline string_t freshSymbol() {
     }
 }
 
+/// A text whose hash is `hash`, which must be positive: a symbol for the identity of another unit.
+inline string_t symbolWithHash(int hash) {
+    constexpr int LargestCodePoint = 0xD7FF;  // below the surrogates
+    if (hash <= LargestCodePoint) {
+        return string_t(static_cast<char_t>(hash));
+    }
+    const int last = 0x100 + (hash - 0x100) % 31;
+    string_t symbol = symbolWithHash((hash - last) / 31);
+    symbol.push_back(static_cast<char_t>(last));
+    return symbol;
+}
+
 /// The very double `expected`.
 MATCHER_P(HasBitsOf, expected, "is " + exactly(expected)) {
     *result_listener << "which is " << exactly(arg);
