@@ -219,8 +219,9 @@ TEST(SetDimension, ReachesEveryUnitThatRestsOnTheBaseUnit) {
     SI::Meter()->setDimension(SI::Second(), scales(1 / SpeedOfLight));
     EXPECT_THAT(SI::Meter(), ConvertsTo(SI::Second(), SpeedOfLight, SpeedOfLight / SpeedOfLight));
     EXPECT_THAT(kilometre->convertValueToUnit(SpeedOfLight, SI::Second()), WithinOneUlp(1000.0));
-    EXPECT_THAT(kilometre, ConvertsTo(SI::Meter(), 1.0, SI::Second()->convertValueToUnit(
-                                                            1000 / SpeedOfLight, SI::Meter())));
+    EXPECT_THAT(kilometre,
+                ConvertsTo(SI::Meter(), 1.0,
+                           SI::Second()->convertValueToUnit(1000 / SpeedOfLight, SI::Meter())));
     // Factors of products are made by pow, whose last place may differ.
     EXPECT_EQ(speed->getDimension(), CProductUnit::one());
     EXPECT_THAT(speed->convertValueToUnit(SpeedOfLight, CProductUnit::one()), WithinOneUlp(1.0));
@@ -262,12 +263,14 @@ struct Foreign {
 };
 
 std::vector<Foreign> foreignUnits() {
-    const CUnitPtr area = SI::Meter() ^ 2, client = CClientUnit::make("qqqqq", 1700000000)->canonical();
+    const CUnitPtr area = SI::Meter() ^ 2,
+                   client = CClientUnit::make("qqqqq", 1700000000)->canonical();
     return {
         {"product", area, symbolWithHash(area->hashCode())},
         {"alternate", SI::Newton(), "N"},
         {"alternate, other symbol", SI::Joule(), string_t(std::string("\0J", 2))},
-        {"transformed", CUnit::fromString("km"), symbolWithHash(CUnit::fromString("km")->hashCode())},
+        {"transformed", CUnit::fromString("km"),
+         symbolWithHash(CUnit::fromString("km")->hashCode())},
         {"client's", client, symbolWithHash(client->hashCode())},
         {"dimensionless", CProductUnit::one(), ""},
     };
@@ -276,7 +279,7 @@ std::vector<Foreign> foreignUnits() {
 // No member reached through the result may take the other kind's memory for its own. A sanitizer
 // that checks the class of an object at each call would stop at the call itself.
 __attribute__((no_sanitize("undefined"))) void askAllMembers(const CBaseUnitPtr& cast,
-                                                              const CUnitPtr& unit) {
+                                                             const CUnitPtr& unit) {
     EXPECT_THAT([&] { cast->setDimension(SI::Meter(), CConverter::identity()); },
                 ThrowsMessage<std::logic_error>(HasSubstr(text(unit->getSymbol()))));
     EXPECT_EQ(cast->getBaseUnits(), unit);

@@ -332,8 +332,7 @@ TEST(Compound, IsInvertedByItsStepsInverseInReverseOrder) {
 }
 
 TEST(Compound, KeepsTheIdentityObjectAsAStepOfItsInverse) {
-    const CCompoundPtr inverse =
-        asCompound(chain(scales(4), CConverter::identity())->inverse());
+    const CCompoundPtr inverse = asCompound(chain(scales(4), CConverter::identity())->inverse());
     ASSERT_TRUE(inverse);
     EXPECT_EQ(inverse->first(), CConverter::identity());
     EXPECT_EQ(inverse->second()->convert(1), 0.25);
@@ -440,8 +439,7 @@ TEST(Compound, LetsThroughWhatAStepThrows) {
             return x < 0 ? throw std::domain_error("below zero") : x;
         }
     };
-    const CConverterPtr compound =
-        chain(chain(adds(-1), std::make_shared<CRefusing>()), scales(2));
+    const CConverterPtr compound = chain(chain(adds(-1), std::make_shared<CRefusing>()), scales(2));
     EXPECT_THROW(compound->convert(0), std::domain_error);
     EXPECT_EQ(compound->convert(3), 4);
 }
@@ -503,7 +501,8 @@ bool equals(const CConverterPtr& a, const CConverterPtr& b) {
     if (!left) {
         return a->equals(b);
     }
-    return right && equals(left->first(), right->first()) && equals(left->second(), right->second());
+    return right && equals(left->first(), right->first()) &&
+           equals(left->second(), right->second());
 }
 
 // Whether two nests have the same shape and their steps convert and are classed alike.
@@ -717,7 +716,8 @@ TEST(DeepCompound, MayBeOwnedByAClientsConverter) {
         const CConverterPtr leaf = adds(1);
         CConverterPtr c = leaf;
         for (int i = 0; i < 1000; ++i) {
-            c = chain(c, i % 100 == 0 ? std::make_shared<COwner>(chain(chain(leaf, leaf), leaf)) : leaf);
+            c = chain(
+                c, i % 100 == 0 ? std::make_shared<COwner>(chain(chain(leaf, leaf), leaf)) : leaf);
         }
         EXPECT_EQ(c->convert(0), 991);
         c.reset();

@@ -276,7 +276,8 @@ TEST(GetInstance, RefusesASymbolOfAnotherUnit) {
     };
     for (const auto& row : table) {
         const auto candidate = plain(row.Symbol, freshHash());
-        EXPECT_THAT([&] { candidate->canonical(); }, ThrowsMessage<std::logic_error>(StrEq(row.Message)));
+        EXPECT_THAT([&] { candidate->canonical(); },
+                    ThrowsMessage<std::logic_error>(StrEq(row.Message)));
     }
 }
 
@@ -341,7 +342,8 @@ TEST(GetInstance, LetsThroughWhatTheKindThrowsAndRegistersNothing) {
     noSymbol->Fails = true;
     const Tables before;
     EXPECT_THAT([&] { noHash->canonical(); }, ThrowsMessage<std::range_error>(StrEq("no hash")));
-    EXPECT_THAT([&] { noSymbol->canonical(); }, ThrowsMessage<std::range_error>(StrEq("no symbol")));
+    EXPECT_THAT([&] { noSymbol->canonical(); },
+                ThrowsMessage<std::range_error>(StrEq("no symbol")));
     EXPECT_EQ(Tables(), before);
     EXPECT_TRUE(isFree(CUnit::mutex()));
     noSymbol->Fails = false;
@@ -408,7 +410,8 @@ TEST(UnitMutex, IsWaitedForByLookupsRegistrationAndQuestionsOfDimension) {
             call();
         });
         started.get_future().wait();
-        EXPECT_EQ(done.wait_for(std::chrono::milliseconds(30)), std::future_status::timeout) << name;
+        EXPECT_EQ(done.wait_for(std::chrono::milliseconds(30)), std::future_status::timeout)
+            << name;
         lock.unlock();
         EXPECT_EQ(done.wait_for(std::chrono::seconds(30)), std::future_status::ready) << name;
     }
@@ -455,9 +458,9 @@ TEST(Unit, HasNoBaseUnitsUnlessItsKindSaysSo) {
                 ThrowsMessage<std::logic_error>(
                     StrEq("Unit with Id[ " + std::to_string(Inside::id(unit)) + rest)));
     EXPECT_THAT([&] { SI::Celsius()->baseUnits(); },
-                ThrowsMessage<std::logic_error>(
-                    StrEq("Unit with Id[ " + std::to_string(Inside::id(SI::Celsius())) +
-                          "] and Symbol [] is not a system unit")));
+                ThrowsMessage<std::logic_error>(StrEq("Unit with Id[ " +
+                                                      std::to_string(Inside::id(SI::Celsius())) +
+                                                      "] and Symbol [] is not a system unit")));
     unit->setId(-5);
     EXPECT_THAT([&] { unit->baseUnits(); },
                 ThrowsMessage<std::logic_error>(StrEq("Unit with Id[ -5" + rest)));
@@ -470,9 +473,9 @@ TEST(Unit, IsASystemUnitWhereItIsItsOwn) {
           CUnitPtr(plain(string_t(), 1))}) {
         EXPECT_TRUE(unit->isSystemUnit());
     }
-    for (const CUnitPtr& unit : {SI::Gram(), SI::Celsius(), CUnit::fromString("km"),
-                                 CUnit::fromString("km/s"), CUnit::fromString("m/h"),
-                                 NonSI::Percent()}) {
+    for (const CUnitPtr& unit :
+         {SI::Gram(), SI::Celsius(), CUnit::fromString("km"), CUnit::fromString("km/s"),
+          CUnit::fromString("m/h"), NonSI::Percent()}) {
         EXPECT_FALSE(unit->isSystemUnit()) << unit->toStdString();
     }
     const auto client = CClientUnit::make(string_t(), freshHash());

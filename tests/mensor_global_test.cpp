@@ -49,14 +49,8 @@ struct Hash {
 // The texts are so short that nothing is cut off: the plain sum.
 TEST(HashFromString, IsTheSumOfCodePointsTimesPowersOf31) {
     const Hash table[] = {
-        {"", 0},
-        {"m", 109},
-        {"kg", 107 * 31 + 103},
-        {"mol", 109 * 961 + 111 * 31 + 108},
-        {"cd", 3169},
-        {"rad", 112661},
-        {"zzzzz", 116425210},
-        {"AAAAAA", 1922924640},
+        {"", 0},      {"m", 109},      {"kg", 107 * 31 + 103}, {"mol", 109 * 961 + 111 * 31 + 108},
+        {"cd", 3169}, {"rad", 112661}, {"zzzzz", 116425210},   {"AAAAAA", 1922924640},
     };
     for (const Hash& row : table) {
         EXPECT_EQ(hashFromString(row.Text), row.Expected) << row.Text;
@@ -87,8 +81,9 @@ TEST(HashFromString, IsCutOffAtTheLargestIntAndNotBefore) {
 }
 
 TEST(HashFromString, OfEightCodePointsThatDoNotBeginWithNulIsTheLargestInt) {
-    for (const char* symbol : {"abcdefgh", "ABCDEFGH", "zzzzzzzz", "µ°²³·′″m", "\x01\x01\x01\x01"
-                                                                                "\x01\x01\x01\x01",
+    for (const char* symbol : {"abcdefgh", "ABCDEFGH", "zzzzzzzz", "µ°²³·′″m",
+                               "\x01\x01\x01\x01"
+                               "\x01\x01\x01\x01",
                                "year_calendar"}) {
         EXPECT_EQ(hashFromString(symbol), Largest) << symbol;
     }
@@ -103,7 +98,8 @@ TEST(HashFromString, OnceCutOffStaysSo) {
 TEST(HashFromString, TakesANulAsTheCodePointZero) {
     EXPECT_EQ(hashFromString(nuls(1)), 0);
     EXPECT_EQ(hashFromString(nuls(10) + "m"), 109) << "leading zeros weigh nothing";
-    EXPECT_EQ(hashFromString("k" + nuls(1) + "m"), 107 * 961 + 109) << "the text does not end there";
+    EXPECT_EQ(hashFromString("k" + nuls(1) + "m"), 107 * 961 + 109)
+        << "the text does not end there";
     EXPECT_EQ(hashFromString("m" + nuls(1)), 109 * 31);
 }
 

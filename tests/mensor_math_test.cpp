@@ -45,8 +45,8 @@ TEST(FloatToIntBits, TellTheTwoZerosApart) {
 }
 
 TEST(FloatToIntBits, OfEveryNanAreThoseOfTheQuietOne) {
-    for (const std::uint32_t bits : {0x7FC00000U, 0xFFC00000U, 0x7FC00001U, 0x7FFFFFFFU, 0xFFFFFFFFU,
-                                     0x7F800001U, 0xFF800001U, 0x7FA00000U}) {
+    for (const std::uint32_t bits : {0x7FC00000U, 0xFFC00000U, 0x7FC00001U, 0x7FFFFFFFU,
+                                     0xFFFFFFFFU, 0x7F800001U, 0xFF800001U, 0x7FA00000U}) {
         ASSERT_TRUE(std::isnan(floatOf(bits)));
         EXPECT_EQ(floatToIntBits(floatOf(bits)), 0x7FC00000) << std::hex << bits;
     }
@@ -54,11 +54,13 @@ TEST(FloatToIntBits, OfEveryNanAreThoseOfTheQuietOne) {
 }
 
 TEST(FloatToIntBits, GiveBackEveryPatternThatIsANumber) {
-    constexpr std::uint32_t Step = 65521;  // a prime, so that all exponents and mantissas have a turn
+    constexpr std::uint32_t Step =
+        65521;  // a prime, so that all exponents and mantissas have a turn
     for (std::uint64_t bits = 0; bits <= 0xFFFFFFFFU; bits += Step) {
         const float f = floatOf(static_cast<std::uint32_t>(bits));
         if (!std::isnan(f)) {
-            ASSERT_EQ(floatToIntBits(f), intOf(static_cast<std::uint32_t>(bits))) << std::hex << bits;
+            ASSERT_EQ(floatToIntBits(f), intOf(static_cast<std::uint32_t>(bits)))
+                << std::hex << bits;
         }
     }
 }
@@ -67,10 +69,10 @@ TEST(GreatestCommonDivisor, HasTheSignOfTheLastDivisorThatIsNotZero) {
     const struct {
         int A, B, Expected;
     } table[] = {
-        {12, 18, 6}, {18, 12, 6},  {-4, 6, 2},  {4, -6, -2}, {-4, -6, -2}, {6, -4, 2},  {-6, 4, -2},
-        {7, 3, 1},   {-7, 3, -1},  {7, -3, 1},  {0, 5, 5},   {5, 0, 5},    {0, -5, -5}, {-6, 0, -6},
-        {0, 0, 0},   {6, 6, 6},    {6, -6, -6}, {-6, 6, 6},  {1, 1, 1},    {1, 12, 1},  {12, 1, 1},
-        {12, -1, -1}, {1071, 462, 21},
+        {12, 18, 6}, {18, 12, 6}, {-4, 6, 2},  {4, -6, -2},  {-4, -6, -2},    {6, -4, 2},
+        {-6, 4, -2}, {7, 3, 1},   {-7, 3, -1}, {7, -3, 1},   {0, 5, 5},       {5, 0, 5},
+        {0, -5, -5}, {-6, 0, -6}, {0, 0, 0},   {6, 6, 6},    {6, -6, -6},     {-6, 6, 6},
+        {1, 1, 1},   {1, 12, 1},  {12, 1, 1},  {12, -1, -1}, {1071, 462, 21},
     };
     for (const auto& row : table) {
         EXPECT_EQ(greatestCommonDivisor(row.A, row.B), row.Expected) << row.A << ", " << row.B;
