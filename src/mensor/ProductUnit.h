@@ -67,6 +67,8 @@ protected:
     CProductUnit();
 
 private:
+    friend struct detail::Tables;
+
     MENSOR_LOCAL explicit CProductUnit(const std::vector<CUnitRationalPower>& elements);
 
     MENSOR_LOCAL bool elementsContainsOtherSingle(const CUnitRationalPower& element) const;
