@@ -391,15 +391,16 @@ TEST(UnitMutex, IsRecursive) {
     EXPECT_FALSE(isFree(CUnit::mutex()));
 }
 
-TEST(UnitMutex, IsWaitedForByLookupsRegistrationAndQuestionsOfDimension) {
-    const CUnitPtr metre = SI::Meter(), kilometre = CUnit::fromString("km");
+TEST(UnitMutex, IsWaitedForByLookupsRegistrationAndDimensions) {
+    const CUnitPtr metre = SI::Meter();
     const auto unit = plain(string_t(), freshHash());
+    const auto other = CClientUnit::make(string_t(), freshHash());
+    other->CtxDimension = [&] { return metre; };
     const std::pair<const char*, std::function<void()>> table[] = {
         {"searchSymbol", [] { CUnit::searchSymbol("m"); }},
         {"getInstance", [&] { unit->canonical(); }},
         {"getDimension", [&] { metre->getDimension(); }},
-        {"isCompatible", [&] { metre->isCompatible(kilometre); }},
-        {"getConverterTo", [&] { metre->getConverterTo(kilometre); }},
+        {"getConverterTo, first asked", [&] { other->getConverterTo(metre); }},
         {"unitFor", [] { CUnitFormat::unitFor("km"); }},
     };
     for (const auto& [name, call] : table) {
