@@ -1,0 +1,111 @@
+#include "mensor_checked/Define.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "mensor/UnitFormat.h"
+#include "mensor_checked/Checks.h"
+#include "mensor_checked/Making.h"
+#include "mensor_checked/Names.h"
+#include "mensor_checked/Reading.h"
+#include "mensor_checked/Values.h"
+
+namespace mensor {
+namespace checked {
+
+namespace {
+
+CMeaning meaningOf(const CDefinition& definition) {
+    return checked::meaningOf(definition.Unit).shifted(definition.Offset).scaled(definition.Factor);
+}
+
+// Asked before anything is built: what is built stays.
+void requireFreeName(const CDefinition& definition) {
+    const CUnitPtr holder = unitNamed(definition.Symbol);
+    if (holder && checked::meaningOf(holder) != meaningOf(definition)) {
+        throw CIdentityError("the name " + quoted(definition.Symbol) + " belongs to " +
+                                 describe(holder) + ", which means " +
+                                 quoted(checked::meaningOf(holder).toString()),
+                             holder);
+    }
+}
+
+CUnitPtr build(const CDefinition& definition) {
+    return definition.IsAlternate ? alternateUnit(definition.Symbol, definition.Unit)
+                                  : affine(definition.Unit, definition.Factor, definition.Offset);
+}
+
+void requireConversion(const CDefinition& definition, const CUnitPtr& unit, double x) {
+    const double product = definition.Factor * x;
+    const double expected = product + definition.Offset;
+    const double converted = unit->convertValueToUnit(x, definition.Unit);
+    const double scale = std::max(std::fabs(product), std::fabs(definition.Offset));
+    if (!(std::fabs(converted - expected) <= 1e-12 * scale)) {
+        throw CIdentityError(shortest(x) + " " + definition.Symbol + " converts to " +
+                                 shortest(converted) + " in place of " + shortest(expected),
+                             unit);
+    }
+}
+
+void check(const CDefinition& definition, const CUnitPtr& unit) {
+    if (unit->getDimension() != definition.Unit->getDimension()) {
+        throw CIdentityError(quoted(definition.Symbol) + " has the dimension " +
+                                 describe(unit->getDimension()) + " in place of " +
+                                 describe(definition.Unit->getDimension()),
+                             unit);
+    }
+    requireConversion(definition, unit, 0.0);
+    requireConversion(definition, unit, 1.0);
+    const CUnitPtr read = readUnit(definition.Symbol);
+    if (read != unit) {
+        throw CIdentityError(quoted(definition.Symbol) + " reads as " + describe(read), read);
+    }
+    if (!textOf(unit)) {
+        throw CIdentityError(describe(unit) + " has no text that reads back as the same", unit);
+    }
+}
+
+}  // namespace
+
+CUnitPtr CNaming::define(const CDefinition& definition) {
+    requireFreeName(definition);
+    const CUnitPtr unit = build(definition);
+    name(unit, definition.Symbol, unit == definition.Unit);
+    check(definition, unit);
+    return unit;
+}
+
+// A label serves for writing, too, and a unit has but one; the second name is an alias.
+void CNaming::name(const CUnitPtr& unit, const string_t& symbol, bool isAnother) {
+    if (CUnitFormat::unitFor(symbol) == unit) {
+        return;
+    }
+    m_Given.emplace_back(symbol, unit);
+    if (isAnother || !CUnitFormat::labelFor(unit).empty()) {
+        alias(unit, symbol);
+    } else {
+        label(unit, symbol);
+    }
+}
+
+CNaming::~CNaming() {
+    if (m_Given.empty()) {
+        return;  // handing out a table would end the library's short ways
+    }
+    auto& labels = CUnitFormat::labelUnitMap();
+    auto& aliases = CUnitFormat::aliasUnitMap();
+    for (const auto& [symbol, unit] : m_Given) {
+        const auto labelled = labels.find(symbol);
+        if (labelled != labels.end() && labelled->second == unit) {
+            CUnitFormat::unitLabelMap().erase(unit);
+            labels.erase(labelled);
+        }
+        const auto aliased = aliases.find(symbol);
+        if (aliased != aliases.end() && aliased->second == unit) {
+            aliases.erase(aliased);
+        }
+    }
+}
+
+}  // namespace checked
+}  // namespace mensor

@@ -1,0 +1,181 @@
+// Definitions_test.cpp: a table of units is read line by line and registered as a whole or not at all.
+#include "mensor_checked/Definitions.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "mensor/NonSI.h"
+#include "mensor/SI.h"
+#include "mensor/UnitFormat.h"
+#include "mensor_checked/Packs.h"
+#include "mensor_checked/Values.h"
+#include "support/Matchers.h"
+
+namespace mensor {
+namespace checked {
+namespace {
+
+using ::testing::ElementsAre, ::testing::HasSubstr, ::testing::StrEq, ::testing::ThrowsMessage;
+
+// What becomes of a table of one line: its refusal in short.
+std::string refusalOf(const std::string& line) {
+    const CDefinitions result = tryDefineUnits(line);
+    if (result) {
+        return "defined";
+    }
+    const CDiagnosis& refusal = result.Findings.at(0).Refusal;
+    EXPECT_EQ(refusal.Text, line);
+    EXPECT_EQ(refusal.Text.substr(refusal.Byte, refusal.Token.size()), refusal.Token);
+    return std::string(nameOf(refusal.Code)) + " " + std::to_string(refusal.Position) + " '" +
+           refusal.Token + "'";
+}
+
+TEST(Definitions, DefineUnitsByFactorUnitAndOffset) {
+    const auto names = defineUnits(
+        "# a table\n"
+        "\n"
+        "qft   = 0.3048 m          # a comment\r\n"
+        "qyd = 3 qft\n"
+        "  q% = 2/3 One\n"
+        "qpsf=47.88 N/m²\n"
+        "q°F = 5/9 K 45967/180\n"
+        "qbar = 100000 N/m² + 101325 # above 1 atm\n"
+        "qlow = 1000 N/m² - 5\n"
+        "qneg = 10 N/m² -5\n"
+        "#qno = 1 m\n"
+        "qm = 1 m");
+    EXPECT_THAT(names,
+                ElementsAre("qft", "qyd", "q%", "qpsf", "q°F", "qbar", "qlow", "qneg", "qm"));
+    EXPECT_THAT(readUnit("qft"), ConvertsTo(SI::Meter(), 1, 0.3048));
+    EXPECT_THAT(readUnit("qyd"), ConvertsTo(SI::Meter(), 1, 3 * 0.3048));
+    EXPECT_THAT(readUnit("q%"), ConvertsTo(readUnit("One"), 1, 2.0 / 3.0));
+    EXPECT_THAT(readUnit("q°F"), ConvertsTo(SI::Kelvin(), 0, 45967.0 / 180.0));
+    EXPECT_THAT(readUnit("qbar"), ConvertsTo(SI::Pascal(), 1, 201325));
+    EXPECT_THAT(readUnit("qlow"), ConvertsTo(SI::Pascal(), 1, 995));
+    EXPECT_THAT(readUnit("qneg"), ConvertsTo(SI::Pascal(), 1, 5));
+    EXPECT_EQ(readUnit("qm"), SI::Meter());
+    EXPECT_EQ(SI::Meter()->toStdString(), "m");
+    EXPECT_EQ(readUnit("qft")->toStdString(), "qft");
+    EXPECT_EQ(CUnitFormat::unitFor("#qno"), nullptr);
+}
+
+TEST(Definitions, GiveAKnownUnitOneMoreName) {
+    EXPECT_EQ(defineUnits("qhPa = 100 Pa").size(), 1U);
+    EXPECT_EQ(readUnit("qhPa"), NonSI::MilliBar());
+    EXPECT_EQ(NonSI::MilliBar()->toStdString(), "mbar");
+}
+
+TEST(Definitions, CanBeLoadedTwice) {
+    const char* const table = "qft = 0.3048 m\nqyd = 3 qft\n";
+    defineUnits(table);
+    const Tables before;
+    defineUnits(table);
+    EXPECT_EQ(Tables(), before);
+}
+
+TEST(Definitions, TellWhatIsWrongWithALine) {
+    const struct {
+        const char* Line;
+        const char* Refusal;
+    } rows[] = {
+        {"qa", "MISSING_OPERATOR 0 'qa'"},
+        {"qa 3 m", "MISSING_OPERATOR 0 'qa 3 m'"},
+        {"qa # = 3 m", "MISSING_OPERATOR 0 'qa'"},
+        {" = 3 m", "EMPTY 1 ''"},
+        {"q2 = 3 m", "UNEXPECTED_CHARACTER 0 'q2'"},
+        {"q a = 3 m", "UNEXPECTED_CHARACTER 0 'q a'"},
+        {"qa =", "NO_NUMBER 4 ''"},
+        {"qa = m", "NO_NUMBER 5 'm'"},
+        {"qa = +3 m", "NO_NUMBER 5 '+'"},
+        {"qa = nan m", "NO_NUMBER 5 'n'"},
+        {"qa = 0 m", "FACTOR_RANGE 5 '0'"},
+        {"qa = 1e999 m", "NUMBER_RANGE 5 '1e999'"},
+        {"qa = 1e-320 m", "FACTOR_RANGE 5 '1e-320'"},
+        {"qa = 1/0 m", "NUMBER_RANGE 5 '1/0'"},
+        {"qa = 2,5 m", "DECIMAL_COMMA 6 ','"},
+        {"qa = 3", "EMPTY 6 ''"},
+        {"qa = 3 parsec", "UNKNOWN_NAME 7 'parsec'"},
+        {"qµ = 3 W/m²/K", "SECOND_DIVISION 11 '/'"},
+        {"qa = 3 m x 5", "UNKNOWN_NAME 9 'x'"},
+        {"km = 3 m", "COLLISION 0 'km'"},
+        {"qa = 1e5 Pa 101325", "COLLISION 0 'qa'"},
+        {"qa = 5 °C/s", "OFFSET_IN_PRODUCT 7 '°C'"},
+        {"qa = 3 m\xFF", "MALFORMED_TEXT 8 '\xFF'"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(refusalOf(row.Line), row.Refusal) << row.Line;
+    }
+}
+
+TEST(Definitions, RefuseALineThatIsTooLong) {
+    EXPECT_EQ(refusalOf("qa = 3 m" + std::string(4096, ' ') + "s"), "TOO_LONG 0 ''");
+}
+
+TEST(Definitions, AreRegisteredAllOrNone) {
+    const auto labels = CUnitFormat::labelUnitMap();
+    const auto units = CUnitFormat::unitLabelMap();
+    const auto aliases = CUnitFormat::aliasUnitMap();
+    const CDefinitions result = tryDefineUnits(
+        "qft = 0.3048 m\n"
+        "qyd = 3 qft\n"
+        "qhPa = 100 Pa\n"
+        "qbad = 3 furlongs\n"
+        "qin = 1/12 qft\n"
+        "km = 3 m\n");
+    EXPECT_FALSE(result);
+    EXPECT_TRUE(result.Names.empty());
+    ASSERT_EQ(result.Findings.size(), 2U);
+    EXPECT_EQ(result.Findings[0].Line, 4U);
+    EXPECT_EQ(result.Findings[0].Refusal.Code, eRefusal::UNKNOWN_NAME);
+    EXPECT_EQ(result.Findings[0].InTheWay, nullptr);
+    EXPECT_EQ(result.Findings[1].Line, 6U);
+    EXPECT_EQ(result.Findings[1].InTheWay, CUnit::fromString("km"));
+    EXPECT_EQ(CUnitFormat::labelUnitMap(), labels);
+    EXPECT_EQ(CUnitFormat::unitLabelMap(), units);
+    EXPECT_EQ(CUnitFormat::aliasUnitMap(), aliases);
+
+    // Nothing of it stands in the way of the table as it is meant.
+    defineUnits("qft = 0.3048 m\nqyd = 3 qft\nqhPa = 100 Pa\nqin = 1/12 qft\n");
+    EXPECT_THAT(readUnit("qin"), ConvertsTo(SI::Meter(), 12, 12 * (1.0 / 12.0) * 0.3048));
+}
+
+TEST(Definitions, RefuseTwoUnitsOfOneNameInATable) {
+    const CDefinitions result = tryDefineUnits("qa = 3 m\nqa = 4 m\n");
+    ASSERT_EQ(result.Findings.size(), 1U);
+    EXPECT_EQ(result.Findings[0].Line, 2U);
+    EXPECT_EQ(result.Findings[0].Refusal.Sentence,
+              "the name \"qa\" belongs to \"qa\", which means \"3 m\"");
+    EXPECT_EQ(CUnitFormat::unitFor("qa"), nullptr);
+}
+
+TEST(Definitions, RefuseTheRankineBesideTheDegreeFahrenheit) {
+    registerPack(ePack::OFFSETS);
+    const CDefinitions result = tryDefineUnits("°R = 5/9 K");
+    ASSERT_EQ(result.Findings.size(), 1U);
+    EXPECT_EQ(result.Findings[0].InTheWay, readUnit("°F"));
+    EXPECT_THAT(result.Findings[0].Refusal.Sentence, HasSubstr("\"°F\""));
+}
+
+TEST(Definitions, ThrowTheFirstLineAndTellHowManyMore) {
+    EXPECT_THAT([] { defineUnits("qa = 3 m\nqb = 3 xyzzy\nqc\n"); },
+                ThrowsMessage<CDefinitionError>(
+                    StrEq("line 2: no unit has the name \"xyzzy\" (and 1 more)")));
+    try {
+        defineUnits("qb\n");
+        FAIL();
+    } catch (const CDefinitionError& e) {
+        EXPECT_EQ(e.findings().size(), 1U);
+        EXPECT_STREQ(e.what(), "line 1: a definition is \"symbol = factor unit [offset]\"");
+    }
+}
+
+TEST(Definitions, AreEmptyForAnEmptyTable) {
+    EXPECT_TRUE(tryDefineUnits(""));
+    EXPECT_TRUE(tryDefineUnits("\xEF\xBB\xBF# nothing\n\n   \n"));
+}
+
+}  // namespace
+}  // namespace checked
+}  // namespace mensor

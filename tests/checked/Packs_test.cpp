@@ -1,0 +1,363 @@
+// Packs_test.cpp: every unit of the table is what its row and its source say, nothing is known before
+// it is asked for, and a pack that is in somebody's way says in whose.
+#include "mensor_checked/Packs.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "mensor/NonSI.h"
+#include "mensor/SI.h"
+#include "mensor/UnitFormat.h"
+#include "mensor_checked/Audit.h"
+#include "mensor_checked/Definitions.h"
+#include "mensor_checked/Differences.h"
+#include "mensor_checked/Making.h"
+#include "mensor_checked/Values.h"
+#include "support/Matchers.h"
+
+namespace mensor {
+namespace checked {
+namespace {
+
+using ::testing::ElementsAreArray, ::testing::Eq, ::testing::HasSubstr, ::testing::IsEmpty;
+
+constexpr ePack Most[] = {ePack::SI,      ePack::CUSTOMARY, ePack::US,
+                          ePack::SCIENCE, ePack::OFFSETS,   ePack::COUNTING};
+
+void registerMost() {
+    for (const ePack pack : Most) {
+        registerPack(pack);
+    }
+}
+
+std::vector<CPackUnit> unitsOf(std::initializer_list<ePack> packs) {
+    std::vector<CPackUnit> units;
+    for (const CPackUnit& row : packUnits()) {
+        if (std::find(packs.begin(), packs.end(), row.Pack) != packs.end()) {
+            units.push_back(row);
+        }
+    }
+    return units;
+}
+
+// Checked units of one pack, as the library's own parser reads them.
+void expectToBeAsTheTableSays(const CPackUnit& row) {
+    SCOPED_TRACE(row.Symbol);
+    const CUnitPtr unit = CUnit::fromString(std::string(row.Symbol));
+    const CUnitPtr parent = CUnit::fromString(std::string(row.Unit) == "One" ? "" : row.Unit);
+    EXPECT_TRUE(unit->isCompatible(parent));
+    EXPECT_EQ(unit->getDimension(), parent->getDimension());
+    EXPECT_EQ(bitsOf(unit->convertValueToUnit(0, parent)), bitsOf(row.Offset));
+    const double one = unit->convertValueToUnit(1, parent);
+    if (parent == parent->getSystemUnit()) {  // one operation and no other rounding
+        EXPECT_EQ(bitsOf(one), bitsOf(row.Factor + row.Offset)) << exactly(one);
+    } else {
+        EXPECT_NEAR(one, row.Factor, 4e-16 * row.Factor);
+    }
+    EXPECT_EQ(readUnit(row.Symbol), unit);
+    const auto written = textOf(unit);
+    ASSERT_TRUE(written);
+    EXPECT_EQ(readUnit(*written), unit);
+    EXPECT_EQ(meaningOf(unit), meaningOf(parent).shifted(row.Offset).scaled(row.Factor));
+}
+
+TEST(Packs, AreNotThereUntilTheyAreRegistered) {
+    for (const CPackUnit& row : packUnits()) {
+        EXPECT_EQ(CUnitFormat::unitFor(std::string(row.Symbol)), nullptr) << row.Symbol;
+    }
+}
+
+TEST(Packs, HoldUnitsThatConvertByTheirFactorsAndOffsets) {
+    registerMost();
+    for (const CPackUnit& row : packUnits()) {
+        if (row.Pack != ePack::IMPERIAL) {
+            expectToBeAsTheTableSays(row);
+        }
+    }
+}
+
+TEST(Packs, HoldTheNamesOfTheUnitedKingdom) {
+    registerPack(ePack::IMPERIAL);
+    for (const CPackUnit& row : unitsOf({ePack::CUSTOMARY, ePack::IMPERIAL})) {
+        expectToBeAsTheTableSays(row);
+    }
+}
+
+TEST(Packs, CanBeRegisteredInTheOtherOrder) {
+    for (auto pack = std::rbegin(Most); pack != std::rend(Most); ++pack) {
+        registerPack(*pack);
+    }
+    std::vector<std::string> names;
+    for (const CPackUnit& row : packUnits()) {
+        if (row.Pack != ePack::IMPERIAL) {
+            expectToBeAsTheTableSays(row);
+            names.emplace_back(row.Symbol);
+        }
+    }
+    EXPECT_THAT(audit(names), IsEmpty());
+}
+
+TEST(Packs, LeaveEveryNameOfTheLibraryAsItIs) {
+    const auto labels = CUnitFormat::labelUnitMap();
+    registerMost();
+    for (const auto& [label, unit] : labels) {
+        EXPECT_EQ(CUnitFormat::unitFor(label), unit) << text(label);
+        EXPECT_EQ(text(CUnitFormat::labelFor(unit)), text(label));
+    }
+}
+
+// What the units are to each other, from the definitions that the table does not hold.
+TEST(Packs, HoldThePublishedRelations) {
+    registerMost();
+    registerPack(ePack::SCIENCE);
+    NonSI::Psi();
+    struct Row {
+        const char* Value;
+        const char* Unit;
+        double Expected;
+    };
+    const Row rows[] = {
+        {"1 mi", "in", 63360},
+        {"1 mi", "yd", 1760},
+        {"1 nmi", "m", 1852},
+        {"640 ac", "mi²", 1},
+        {"1 ac", "ft²", 43560},
+        {"1 lb", "oz", 16},
+        {"1 lb", "gr", 7000},
+        {"1 st", "lb", 14},
+        {"1 ton_US", "lb", 2000},
+        {"1 ton_UK", "st", 160},
+        {"1 gal_US", "in³", 231},
+        {"1 gal_US", "qt_US", 4},
+        {"1 qt_US", "pt_US", 2},
+        {"1 pt_US", "fl_oz_US", 16},
+        {"1 gal_UK", "qt_UK", 4},
+        {"1 qt_UK", "pt_UK", 2},
+        {"1 pt_UK", "fl_oz_UK", 20},
+        {"1 gal_UK", "l", 4.54609},
+        {"1 bbl", "gal_US", 42},
+        {"1 gal", "gal_US", 1},
+        {"1 lbf", "lb·grav", 1},
+        {"1 kgf", "kg·grav", 1},
+        {"1 hp", "ft·lbf/s", 550},
+        {"1 dyn", "g·cm/s²", 1},
+        {"1 erg", "dyn·cm", 1},
+        {"760 Torr", "atm", 1},
+        {"1 kcal", "cal", 1000},
+        {"1 BTU/lb", "cal_IT/g", 5.0 / 9.0},
+        {"1 kn", "nmi/h", 1},
+        {"1 mph", "mi/h", 1},
+        {"1 kWh", "MJ", 3.6},
+        {"1 Ah", "C", 3600},
+        {"1 eV", "J", 1.602176634e-19},
+        {"1 GeV", "keV", 1e6},
+        {"1 ly", "au", 9460730472580800.0 / 149597870700.0},
+        {"1 pc", "ly", 3.261563777167433},
+        {"1 pc", "au", 206264.80624709636},
+        {"1 ha", "ac", 2.471053814671653},
+        {"1 t", "kg", 1000},
+        {"1 u", "Da", 1},
+        {"1 u", "g", 1.66053906660e-24},
+        {"1 Ci", "GBq", 37},
+        {"100 rem", "Sv", 1},
+        {"100 rd", "Gy", 1},
+        {"1 G", "µT", 100},
+        {"1 P", "g/(cm·s)", 1},
+        {"1 cP", "mPa·s", 1},
+        {"1 cSt", "mm²/s", 1},
+        {"1 Å", "nm", 0.1},
+        {"60 rpm", "rev/s", 1},
+        {"1 MiB", "KiB", 1024},
+        {"1 GiB", "MiB", 1024},
+        {"1 KiB", "kbit", 8.192},
+        {"1 %", "ppm", 1e4},
+        {"1 ‰", "%", 0.1},
+        {"1 ppm", "ppb", 1000},
+        {"1 hl", "L", 100},
+        {"1 m³", "kL", 1},
+        {"1 hPa", "mbar", 1},
+        {"1 K", "mK", 1000},
+        {"1 klm", "lm", 1000},
+        {"1 Mbit", "kbit", 1000},
+        {"212 °F", "°C", 100},
+        {"32 °F", "K", 273.15},
+        {"-40 °F", "°C", -40},
+        {"0 bar_g", "atm", 1},
+        {"1 bar_g", "bar", 2.01325},
+        {"-1 kPa_g", "Pa", 100325},
+        {"0 psi_g", "lbf/in²", 14.695948775513},
+    };
+    for (const Row& row : rows) {
+        const CValueWithUnit value = readValue(row.Value);
+        EXPECT_NEAR(value.valueAs(readUnit(row.Unit)), row.Expected, 4e-13 * std::abs(row.Expected))
+            << row.Value << " in " << row.Unit;
+    }
+}
+
+TEST(Packs, ConvertDifferencesBySizeAlone) {
+    registerPack(ePack::OFFSETS);
+    EXPECT_DOUBLE_EQ(convertDifference(9, readUnit("°F"), SI::Celsius()), 5);
+    EXPECT_DOUBLE_EQ(convertDifference(1, readUnit("bar_g"), NonSI::Bar()), 1);
+    EXPECT_DOUBLE_EQ(convertDifference(7, readUnit("Pa_g"), SI::Pascal()), 7);
+}
+
+TEST(Packs, AreRegisteredOnce) {
+    registerMost();
+    const Tables before;
+    registerMost();
+    EXPECT_EQ(Tables(), before);
+}
+
+TEST(Packs, OfTheUnitedStatesAndTheUnitedKingdomRefuseEachOther) {
+    registerPack(ePack::US);
+    const Tables before;
+    try {
+        registerPack(ePack::IMPERIAL);
+        FAIL();
+    } catch (const CIdentityError& e) {
+        EXPECT_STREQ(
+            e.what(),
+            "the pack \"imperial\" is refused for its unit \"ton\": the name \"ton\" belongs "
+            "to \"ton_US\", which means \"907.18474 kg\"");
+        EXPECT_EQ(e.inTheWay(), readUnit("ton_US"));
+    }
+    EXPECT_EQ(Tables(), before);
+}
+
+// Identity ignores offsets, so there is one unit of this size only, whichever comes first.
+TEST(Packs, WithTheDegreeFahrenheitAreRefusedByTheRankine) {
+    const CUnitPtr rankine = label(scaled(SI::Kelvin(), 5.0 / 9.0), "°R");
+    try {
+        registerPack(ePack::OFFSETS);
+        FAIL();
+    } catch (const CIdentityError& e) {
+        EXPECT_THAT(e.what(), HasSubstr("the pack \"offsets\" is refused for its unit \"°F\": "));
+        EXPECT_THAT(e.what(),
+                    HasSubstr("but the object is \"°R\", which means \"0.5555555555555556 K\""));
+        EXPECT_EQ(e.inTheWay(), rankine);
+    }
+    EXPECT_EQ(CUnitFormat::unitFor("°F"), nullptr);
+    EXPECT_EQ(CUnitFormat::unitFor("bar_g"), nullptr);
+}
+
+TEST(Packs, AreRefusedByAUnitThatSinglePrecisionDoesNotTellFromTheirs) {
+    const CUnitPtr almost = label(scaled(SI::Meter(), 0.30480001), "qft");
+    try {
+        registerPack(ePack::CUSTOMARY);
+        FAIL();
+    } catch (const CIdentityError& e) {
+        EXPECT_THAT(e.what(), HasSubstr("the pack \"customary\" is refused for its unit \"ft\": "));
+        EXPECT_EQ(e.inTheWay(), almost);
+    }
+    EXPECT_EQ(CUnitFormat::unitFor("in"), nullptr) << "a name was left behind";
+    EXPECT_EQ(text(CUnitFormat::labelFor(almost)), "qft");
+}
+
+TEST(Packs, AreRefusedByANameThatMeansSomethingElse) {
+    const CUnitPtr tesla = alias(SI::Tesla(), "G");
+    try {
+        registerPack(ePack::SCIENCE);
+        FAIL();
+    } catch (const CIdentityError& e) {
+        EXPECT_THAT(e.what(), HasSubstr("for its unit \"G\": the name \"G\" belongs to \"T\""));
+        EXPECT_EQ(e.inTheWay(), tesla);
+    }
+    EXPECT_EQ(CUnitFormat::unitFor("eV"), nullptr) << "a name was left behind";
+    EXPECT_EQ(text(CUnitFormat::labelFor(CUnit::fromString("Mg"))), "Mg");
+    EXPECT_EQ(CUnitFormat::unitFor("t"), nullptr) << "an alias was left behind";
+}
+
+TEST(Packs, CanBeRegisteredOnceTheNameIsFree) {
+    CUnitFormat::alias(SI::Tesla(), "G");
+    EXPECT_THROW(registerPack(ePack::SCIENCE), CIdentityError);
+    CUnitFormat::aliasUnitMap().erase("G");
+    registerPack(ePack::SCIENCE);
+    for (const CPackUnit& row : unitsOf({ePack::SCIENCE})) {
+        expectToBeAsTheTableSays(row);
+    }
+}
+
+TEST(Packs, LeaveOutWhatTheLibraryTakesForAnotherUnit) {
+    registerMost();
+    for (const CRefusedUnit& row : refusedUnits()) {
+        SCOPED_TRACE(row.Symbol);
+        const CUnitPtr inTheWay = readUnit(row.InTheWay);
+        try {
+            affine(readUnit(row.Unit), row.Factor, row.Offset);
+            ADD_FAILURE();
+        } catch (const CIdentityError& e) {
+            EXPECT_EQ(e.inTheWay(), inTheWay);
+        }
+    }
+}
+
+TEST(Packs, HaveNames) {
+    for (const ePack pack : allPacks()) {
+        EXPECT_EQ(packNamed(nameOf(pack)), pack);
+        EXPECT_STRNE(descriptionOf(pack), "");
+        EXPECT_FALSE(unitsOf({pack}).empty());
+    }
+    EXPECT_EQ(packNamed("Customary"), std::nullopt);
+    EXPECT_THROW(registerPack(static_cast<ePack>(99)), std::invalid_argument);
+}
+
+// docs/packs.md.
+
+// "5.0 / 9.0" as people write it.
+std::string plain(std::string number) {
+    for (const char* const noise : {".0", " "}) {
+        const std::string piece = noise;
+        for (auto at = number.find(piece); at != std::string::npos; at = number.find(piece, at)) {
+            const bool isInside = piece == ".0" && at + 2 < number.size() && number[at + 2] != ' ';
+            isInside ? ++at : (number.erase(at, piece.size()), at);
+        }
+    }
+    return number;
+}
+
+std::string rowOfDocs(const CPackUnit& row) {
+    std::string value = plain(row.FactorText) + " " + row.Unit;
+    if (row.Offset != 0) {
+        value += " + " + plain(row.OffsetText);
+    }
+    if (row.IsAlternate) {
+        value = std::string("stands for ") + row.Unit;
+    }
+    return std::string("| `") + row.Symbol + "` | " + value + " | " + row.Name + " | " +
+           row.Source + " |";
+}
+
+std::string rowOfDocs(const CRefusedUnit& row) {
+    return std::string("| `") + row.Symbol + "` | `" + row.InTheWay + "` | " + row.Why + " |";
+}
+
+TEST(Packs, AreListedInTheDocumentsAsInTheTable) {
+    std::vector<std::string> expected;
+    for (const ePack pack : allPacks()) {
+        for (const CPackUnit& row : packUnits()) {
+            if (row.Pack == pack) {
+                expected.push_back(rowOfDocs(row));
+            }
+        }
+    }
+    for (const CRefusedUnit& row : refusedUnits()) {
+        expected.push_back(rowOfDocs(row));
+    }
+    std::vector<std::string> listed;
+    std::ifstream docs(MENSOR_DOCS "/packs.md");
+    for (std::string line; std::getline(docs, line);) {
+        if (line.rfind("| `", 0) == 0) {
+            listed.push_back(line);
+        }
+    }
+    EXPECT_THAT(listed, ElementsAreArray(expected));
+}
+
+}  // namespace
+}  // namespace checked
+}  // namespace mensor
