@@ -100,9 +100,10 @@ TEST(ValueWithUnit, AddsAndSubtractsInTheUnitOfTheLeft) {
     EXPECT_THAT(sum, IsQuantity(1.5, kilometre));
     EXPECT_EQ(&(sum -= metres(1000)), &sum);
     EXPECT_THAT(sum, IsQuantity(0.5, kilometre));
-    sum += sum;
+    const CValueWithUnit& itself = sum;
+    sum += itself;
     EXPECT_THAT(sum, IsQuantity(1.0, kilometre));
-    sum -= sum;
+    sum -= itself;
     EXPECT_THAT(sum, IsQuantity(0.0, kilometre));
 
     const CValueWithUnit left = kilometres(1);
