@@ -43,20 +43,24 @@ std::string shortest(double number) {
 
 std::string_view trimmed(std::string_view text) {
     const std::size_t first = text.find_first_not_of(BLANKS);
-    if (first == std::string_view::npos) return {};
+    if (first == std::string_view::npos)
+        return {};
     return text.substr(first, text.find_last_not_of(BLANKS) - first + 1);
 }
 
 // Reads "2.5 km" or "9.81 m s-2": a number, a blank and a unit, which may itself hold blanks.
 CValueWithUnit read(std::string_view text) {
-    if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
+    if (text.size() > 1 && text[0] == '+' && text[1] != '-')
+        text.remove_prefix(1);
     double number = 0;
     const char* const end = text.data() + text.size();
     const auto [rest, error] = std::from_chars(text.data(), end, number);
     if (error == std::errc::result_out_of_range)
         throw std::out_of_range("the number is out of range");
-    if (error != std::errc()) throw std::invalid_argument("a number is missing");
-    if (!std::isfinite(number)) throw std::invalid_argument("the number is not finite");
+    if (error != std::errc())
+        throw std::invalid_argument("a number is missing");
+    if (!std::isfinite(number))
+        throw std::invalid_argument("the number is not finite");
     const std::string_view unit(rest, static_cast<std::size_t>(end - rest));
     if (unit.empty() || BLANKS.find(unit.front()) == std::string_view::npos)
         throw std::invalid_argument("a blank and a unit must follow the number");
@@ -70,7 +74,8 @@ void print(const CValueWithUnit& given, const CUnitPtr& target) {
     if (!given.unit()->isCompatible(target))
         throw std::invalid_argument(from + " is not compatible with " + to);
     const double result = given.valueAs(target);
-    if (!std::isfinite(result)) throw std::out_of_range("the result in " + to + " is out of range");
+    if (!std::isfinite(result))
+        throw std::out_of_range("the result in " + to + " is out of range");
     std::cout << shortest(given.value()) << ' ' << from << " = " << shortest(result) << ' ' << to
               << '\n';
 }
@@ -90,11 +95,13 @@ bool succeeds(const std::string& subject, Action action) {
 bool convert(std::string_view text, const std::vector<CUnitPtr>& targets, std::string subject) {
     subject += '"' + std::string(text) + '"';
     bool good = true;
-    return succeeds(subject, [&] {
-        const CValueWithUnit given = read(text);
-        for (const CUnitPtr& target : targets)
-            good = succeeds(subject, [&] { print(given, target); }) && good;
-    }) && good;
+    return succeeds(subject,
+                    [&] {
+                        const CValueWithUnit given = read(text);
+                        for (const CUnitPtr& target : targets)
+                            good = succeeds(subject, [&] { print(given, target); }) && good;
+                    }) &&
+           good;
 }
 
 bool convertLines(const std::vector<CUnitPtr>& targets) {

@@ -130,12 +130,24 @@ TEST(UnitFormat, AppendWritesOneFactor) {
     constexpr int largest = std::numeric_limits<int>::max();
     constexpr int smallest = std::numeric_limits<int>::min();
     for (const Factor& factor : std::vector<Factor>{
-             {"m", 1, 1, "m"},        {"m", 2, 1, "m²"},       {"m", 3, 1, "m³"},
-             {"m", 4, 1, "m^4"},      {"m", 12, 1, "m^12"},    {"m", 0, 1, "m^0"},
-             {"m", -1, 1, "m^-1"},    {"m", -2, 1, "m^-2"},    {"m", 1, 2, "m^1:2"},
-             {"m", 2, 2, "m^2:2"},    {"m", 2, 3, "m^2:3"},    {"m", 3, 2, "m^3:2"},
-             {"m", -3, 2, "m^-3:2"},  {"m", 1, -1, "m^1:-1"},  {"m", 1, 0, "m^1:0"},
-             {"", 1, 1, ""},          {"", 2, 1, "²"},         {"°µ", 2, 1, "°µ²"},
+             {"m", 1, 1, "m"},
+             {"m", 2, 1, "m²"},
+             {"m", 3, 1, "m³"},
+             {"m", 4, 1, "m^4"},
+             {"m", 12, 1, "m^12"},
+             {"m", 0, 1, "m^0"},
+             {"m", -1, 1, "m^-1"},
+             {"m", -2, 1, "m^-2"},
+             {"m", 1, 2, "m^1:2"},
+             {"m", 2, 2, "m^2:2"},
+             {"m", 2, 3, "m^2:3"},
+             {"m", 3, 2, "m^3:2"},
+             {"m", -3, 2, "m^-3:2"},
+             {"m", 1, -1, "m^1:-1"},
+             {"m", 1, 0, "m^1:0"},
+             {"", 1, 1, ""},
+             {"", 2, 1, "²"},
+             {"°µ", 2, 1, "°µ²"},
              {"m", largest, largest, "m^2147483647:2147483647"},
              {"m", smallest, smallest, "m^-2147483648:-2147483648"},
          }) {
@@ -163,7 +175,8 @@ TEST(UnitFormat, WritesALabelledProductInsideAProduct) {
     const CUnitPtr ell = base("ell"), zoll = base("zoll");
     const CUnitPtr speed = ell / zoll;
     const CUnitPtr power = CProductUnit::getInstance({CUnitRationalPower(speed, 2, 1)}, {});
-    expectTexts({{power, "²", "^2"}});  // a factor is written by its name, and this one has none yet
+    expectTexts(
+        {{power, "²", "^2"}});  // a factor is written by its name, and this one has none yet
     CUnitFormat::label(speed, "knot");
     expectTexts({{power, "knot²", "knot^2"}});
     EXPECT_THAT(speed->pow(2), PrintsAs("ell²/zoll²")) << "the algebra never makes such a product";

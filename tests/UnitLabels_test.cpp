@@ -4,12 +4,12 @@
 #include <string>
 #include <vector>
 
-#include "support/Matchers.h"
-#include "support/Outcome.h"
 #include "mensor/BaseUnit.h"
 #include "mensor/ProductUnit.h"
 #include "mensor/SI.h"
 #include "mensor/UnitFormat.h"
+#include "support/Matchers.h"
+#include "support/Outcome.h"
 
 namespace mensor {
 namespace {
@@ -230,6 +230,18 @@ TEST(UnitAliases, AreNotCheckedAgainstSymbolsAndLabels) {
     EXPECT_THAT(SI::Meter(), PrintsAs("m"));
 }
 
+TEST(UnitAliases, HoldForTextsThatWereReadBefore) {
+    EXPECT_EQ(CUnit::fromString("m"), SI::Meter());
+    EXPECT_EQ(CUnit::fromString("m²"), SI::Meter()->pow(2));
+    CUnitFormat::alias(SI::Second(), "m");
+    EXPECT_EQ(CUnit::fromString("m"), SI::Second());
+    EXPECT_EQ(CUnit::fromString("m²"), SI::Second()->pow(2));
+    CUnitFormat::label(SI::Ampere(), "amp");
+    EXPECT_EQ(CUnit::fromString("amp"), SI::Ampere());
+    CUnitFormat::label(SI::Ampere(), "ampere");
+    EXPECT_THROW(CUnit::fromString("amp"), std::invalid_argument);
+}
+
 TEST(UnitNames, ResolveAsLabelThenAliasThenSymbol) {
     const CUnitPtr labelled = unnamedUnit();
     const CUnitPtr aliased = unnamedUnit();
@@ -303,17 +315,20 @@ TEST(PrefixedLabels, GivenBeforeAFailureStay) {
     const CUnitPtr unit = CBaseUnit::getInstance(freshSymbol());
     const std::string symbol = labelOf(unit);
     const CUnitPtr other = CUnitFormat::label(unnamedUnit(), "m" + symbol);
-    EXPECT_EQ(
-        outcomeOf([&] { CUnitFormat::labelPrefixedUnit({KILO, MILLI, MICRO}, unit); }),
-        "std::invalid_argument: Label: m" + symbol +
-            " is attached to a different unit (must be detached first)");
+    EXPECT_EQ(outcomeOf([&] {
+                  CUnitFormat::labelPrefixedUnit({KILO, MILLI, MICRO}, unit);
+              }),
+              "std::invalid_argument: Label: m" + symbol +
+                  " is attached to a different unit (must be detached first)");
     EXPECT_EQ(CUnitFormat::unitFor("k" + symbol), unit->multiply(1000));
     EXPECT_EQ(CUnitFormat::unitFor("m" + symbol), other);
     EXPECT_EQ(CUnitFormat::unitFor("µ" + symbol), nullptr) << "the failure ends the list";
     expectMirroredLabels();
 
     CBaseUnit::getInstance("G" + symbol);
-    EXPECT_EQ(outcomeOf([&] { CUnitFormat::labelPrefixedUnit({MEGA, GIGA, TERA}, unit); }),
+    EXPECT_EQ(outcomeOf([&] {
+                  CUnitFormat::labelPrefixedUnit({MEGA, GIGA, TERA}, unit);
+              }),
               "std::invalid_argument: Label: G" + symbol + " is a known symbol");
     EXPECT_EQ(CUnitFormat::unitFor("M" + symbol), unit->multiply(1e6));
     EXPECT_EQ(CUnitFormat::unitFor("T" + symbol), nullptr);

@@ -8,12 +8,12 @@
 #include <utility>
 #include <vector>
 
-#include "support/ClientUnit.h"
-#include "support/Matchers.h"
-#include "support/Outcome.h"
 #include "mensor/ProductUnit.h"
 #include "mensor/SI.h"
 #include "mensor/UnitFormat.h"
+#include "support/ClientUnit.h"
+#include "support/Matchers.h"
+#include "support/Outcome.h"
 
 namespace mensor {
 namespace {
@@ -69,9 +69,9 @@ TEST(UnitParser, ReadsEveryTextOfTheTableAsItSays) {
 
         const auto [unit, outcome] = parsed(source);
         if (kind != "unit") {
-            EXPECT_EQ(outcome, kind + ": " + (result.find("\\x") == std::string::npos
-                                                  ? result
-                                                  : unescaped(result)));
+            EXPECT_EQ(outcome,
+                      kind + ": " +
+                          (result.find("\\x") == std::string::npos ? result : unescaped(result)));
             continue;
         }
         ASSERT_EQ(outcome, "returned");
@@ -91,8 +91,7 @@ TEST(UnitParser, GivesTheUnitItselfForASingleName) {
     EXPECT_EQ(CUnit::fromString("N"), SI::Newton());
     EXPECT_EQ(CUnit::fromString(""), CProductUnit::one());
     EXPECT_EQ(CUnit::fromString("m^2/3"), CProductUnit::one());
-    EXPECT_EQ(CUnit::fromString("km/h"),
-              SI::Kilo(SI::Meter())->divide(CUnitFormat::unitFor("h")));
+    EXPECT_EQ(CUnit::fromString("km/h"), SI::Kilo(SI::Meter())->divide(CUnitFormat::unitFor("h")));
 }
 
 TEST(UnitParser, FindsNamesInBrackets) {
@@ -135,12 +134,33 @@ TEST(UnitParser, ExponentsMayHoldDigitsTheMinusAndThreeSuperscripts) {
 
 TEST(UnitParser, ParsesExponentsDigitByDigitWithoutValidation) {
     const std::vector<std::pair<std::string, int>> rows = {
-        {"", 1},      {"0", 0},       {"1", 1},        {"12", 12},    {"¹²", 12},
-        {"1²", 12},   {"¹²³", 123},   {"007", 7},      {"-", 0},      {"-5", -5},
-        {"2-", -2},   {"-2-3", -23},  {"--3", -3},     {"³-²", -32},  {"+5", 5},
-        {"5+", 5},    {"+", 0},       {"-+1", -1},     {"a", 49},     {"1a", 59},
-        {"/", -1},    {"-/", 1},      {" ", -16},      {"°", 128},    {"Ω", 8438},
-        {"2147483647", 2147483647},   {"-2147483647", -2147483647},
+        {"", 1},
+        {"0", 0},
+        {"1", 1},
+        {"12", 12},
+        {"¹²", 12},
+        {"1²", 12},
+        {"¹²³", 123},
+        {"007", 7},
+        {"-", 0},
+        {"-5", -5},
+        {"2-", -2},
+        {"-2-3", -23},
+        {"--3", -3},
+        {"³-²", -32},
+        {"+5", 5},
+        {"5+", 5},
+        {"+", 0},
+        {"-+1", -1},
+        {"a", 49},
+        {"1a", 59},
+        {"/", -1},
+        {"-/", 1},
+        {" ", -16},
+        {"°", 128},
+        {"Ω", 8438},
+        {"2147483647", 2147483647},
+        {"-2147483647", -2147483647},
         {std::string(100000, '0') + "2", 2},
     };
     for (const auto& [digits, value] : rows) {
@@ -321,7 +341,11 @@ private:
     static int number(const std::u32string& digits) {
         std::string plain;
         for (const char32_t c : digits) {
-            plain += c == U'¹' ? "1" : c == U'²' ? "2" : c == U'³' ? "3" : c == U'-' ? "" : utf8({c});
+            plain += c == U'¹'   ? "1"
+                     : c == U'²' ? "2"
+                     : c == U'³' ? "3"
+                     : c == U'-' ? ""
+                                 : utf8({c});
         }
         const int n = plain.empty() ? 0 : std::stoi(plain);
         return digits.find(U'-') == std::u32string::npos ? n : -n;
@@ -368,8 +392,9 @@ TEST(UnitParser, ReadsEveryShortTextAsASecondReaderDoes) {
                           << (unit ? ", " + ascii(unit) : "")
                           << (expectedUnit ? " instead of " + ascii(expectedUnit) : "");
         }
-        ++(expectedUnit ? units : expected.find("zero") != std::string::npos ? zeroRoots
-                                                                             : unknownNames);
+        ++(expectedUnit                                 ? units
+           : expected.find("zero") != std::string::npos ? zeroRoots
+                                                        : unknownNames);
     };
 
     const std::size_t size = alphabet.size();

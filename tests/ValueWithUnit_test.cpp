@@ -83,8 +83,7 @@ TEST(ValueWithUnit, ConvertsTemperaturesAsAbsoluteOnes) {
     const CValueWithUnit zero(0, SI::Celsius());
     EXPECT_THAT(zero.valueAs(SI::Kelvin()), HasBitsOf(273.15));
     EXPECT_THAT(CValueWithUnit(0, SI::Kelvin()).valueAs(SI::Celsius()), HasBitsOf(-273.15));
-    EXPECT_THAT(zero + CValueWithUnit(300, SI::Kelvin()),
-                IsQuantity(300 - 273.15, SI::Celsius()));
+    EXPECT_THAT(zero + CValueWithUnit(300, SI::Kelvin()), IsQuantity(300 - 273.15, SI::Celsius()));
     EXPECT_THAT(CValueWithUnit(300, SI::Kelvin()) - CValueWithUnit(20, SI::Celsius()),
                 IsQuantity(300 - (20 + 273.15), SI::Kelvin()));
 }
@@ -273,7 +272,8 @@ TEST(ValueWithUnit, WritesAZeroFilledFieldOf63BytesABlankAndTheUnit) {
              {-infinity, "-inf"},
              {nan, "nan"},
          }) {
-        EXPECT_EQ(fieldAndRest(metres(value)), std::make_pair(zeroFilled(digits), std::string(" m")))
+        EXPECT_EQ(fieldAndRest(metres(value)),
+                  std::make_pair(zeroFilled(digits), std::string(" m")))
             << value;
     }
 }
@@ -287,12 +287,12 @@ TEST(ValueWithUnit, CutsAHugeNumberOffAt63Characters) {
     EXPECT_EQ(fieldAndRest(metres(1e56)), std::make_pair(e56 + ".00000", std::string(" m")));
     EXPECT_EQ(fieldAndRest(metres(-1e55)), std::make_pair('-' + e55 + ".00000", std::string(" m")));
     EXPECT_EQ(fieldAndRest(metres(1e300)),
-              std::make_pair(std::string(
-                  "100000000000000005250476025520442024870446858110815915491585411"),
+              std::make_pair(
+                  std::string("100000000000000005250476025520442024870446858110815915491585411"),
                   std::string(" m")));
     EXPECT_EQ(fieldAndRest(metres(-std::numeric_limits<double>::max())),
-              std::make_pair(std::string(
-                  "-17976931348623157081452742373170435679807056752584499659891747"),
+              std::make_pair(
+                  std::string("-17976931348623157081452742373170435679807056752584499659891747"),
                   std::string(" m")));
 }
 
@@ -399,7 +399,8 @@ TEST(ValueWithUnit, ReadsNumbersBelowTheNormalAsStodDoes) {
                 IsQuantity(std::numeric_limits<double>::min(), metre));
     for (const std::string number : {"2e-308", "1e-310", "-1e-310", "4.9406564584124654e-324"}) {
         const std::string expected = outcomeOf([&] { static_cast<void>(std::stod(number)); });
-        EXPECT_EQ(outcomeOf([&] { CValueWithUnit::fromString(number + " m"); }), expected) << number;
+        EXPECT_EQ(outcomeOf([&] { CValueWithUnit::fromString(number + " m"); }), expected)
+            << number;
         EXPECT_EQ(expected, "std::out_of_range: stod") << "as the GNU C library reports them";
     }
 }
