@@ -10,6 +10,7 @@
 // Numbers have a decimal point whatever the locale, and are written in the shortest form that reads
 // back as the same double. What cannot be converted is named on standard error, the rest goes on,
 // and the status is 1; that of wrong use is 2.
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -42,10 +43,8 @@ std::string shortest(double number) {
 }
 
 std::string_view trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(BLANKS);
-    if (first == std::string_view::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(BLANKS) - first + 1);
+    text.remove_prefix(std::min(text.find_first_not_of(BLANKS), text.size()));
+    return text.substr(0, text.find_last_not_of(BLANKS) + 1);  // of blanks only: npos + 1, that is 0
 }
 
 // Reads "2.5 km" or "9.81 m s-2": a number, a blank and a unit, which may itself hold blanks.
@@ -94,14 +93,13 @@ bool succeeds(const std::string& subject, Action action) {
 
 bool convert(std::string_view text, const std::vector<CUnitPtr>& targets, std::string subject) {
     subject += '"' + std::string(text) + '"';
+    CValueWithUnit given(0, nullptr);
+    if (!succeeds(subject, [&] { given = read(text); }))
+        return false;
     bool good = true;
-    return succeeds(subject,
-                    [&] {
-                        const CValueWithUnit given = read(text);
-                        for (const CUnitPtr& target : targets)
-                            good = succeeds(subject, [&] { print(given, target); }) && good;
-                    }) &&
-           good;
+    for (const CUnitPtr& target : targets)
+        good = succeeds(subject, [&] { print(given, target); }) && good;
+    return good;
 }
 
 bool convertLines(const std::vector<CUnitPtr>& targets) {
