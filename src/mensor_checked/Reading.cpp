@@ -1,10 +1,9 @@
 // Reading.cpp: parse, check, and only then ask the library.
 //
-// The unit is built by the algebra that the library's own parser uses, factor by factor in the order
-// of the text: it is the object that the library gives. Then it is compared. If it is made of the
-// very elements of the text, it means what the text means. If not, its hash code belonged to another
-// unit. And if it is, its dimension may still have met another one's hash code; so that is computed
-// from the meaning and compared, too, before anybody converts by it.
+// What comes back is the library's canonical object for the product of the text's factors. It is
+// compared: if it is made of the very elements of the text, it means what the text means. If not, its
+// hash code belonged to another unit. And if it is, its dimension may still have met another one's
+// hash code; so that is computed from the meaning and compared, too, before anybody converts by it.
 #include "mensor_checked/Reading.h"
 
 #include <new>
@@ -36,7 +35,7 @@ public:
             refuse(eRefusal::FACTOR_RANGE, whole(),
                    "a unit of this size is beyond the range of numbers");
         }
-        const CUnitPtr unit = build();
+        const CUnitPtr unit = build(elements);
         checkIdentity(unit, elements, meaning);
         if (const auto fault = dimensionFault(unit, meaning)) {
             refuseDimension(*fault, meaning);
@@ -151,12 +150,17 @@ private:
         return product;
     }
 
-    CUnitPtr build() const {
-        CUnitPtr product = CProductUnit::one();
-        for (const CFactor& factor : m_Factors) {
-            product = product->multiply(factor.Unit->pow(factor.Pow)->root(factor.Root));
+    // Made of all elements at once. The library's parser multiplies one after the other, and where a
+    // product on the way meets another unit's hash code, "mV/V" becomes mV·s/m: 1/V and s/m are one.
+    static CUnitPtr build(const std::vector<CElement>& elements) {
+        std::vector<CUnitRationalPower> factors;
+        for (const CElement& element : elements) {
+            if (element.Exponent != CRational(0)) {
+                factors.emplace_back(element.Unit, static_cast<int>(element.Exponent.numerator()),
+                                     static_cast<int>(element.Exponent.denominator()));
+            }
         }
-        return product;
+        return CProductUnit::getInstance(factors, {});
     }
 
     void remember(const CUnitPtr& unit, bool isKept) const {

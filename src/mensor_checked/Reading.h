@@ -8,11 +8,11 @@
 //     if (!reading) std::cerr << reading.Refusal->caret() << reading.Refusal->message() << '\n';
 //
 // The text is parsed and every name looked up before the library is asked for a unit, so a text
-// refused for its form leaves the library's tables as they were. Then the unit is built as the
-// library's own parser builds it, and compared with what the text says: its factors, its dimension,
-// and the factor by which it converts. The library knows a unit by its hash code alone, and where
-// two units meet in one hash the second to come is refused here (COLLISION), since it would silently
-// be the first.
+// refused for its form leaves the library's tables as they were. Then the library gives its one
+// object for that unit, which is compared with what the text says: its factors, its dimension, and
+// the factor by which it converts. The library knows a unit by its hash code alone, and where two
+// units meet in one hash code, the second to come is refused here (COLLISION), since it would
+// silently be the first.
 //
 // docs/reading.md holds the grammar and shows every refusal.
 #ifndef MENSOR_CHECKED_READING_H

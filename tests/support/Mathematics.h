@@ -422,7 +422,7 @@ inline Quantity measured(const CUnitPtr& unit) {
         quantity.Exponents[mensor::toStdString(element.getUnit()->getSymbol())] =
             lowest(element.getPow(), element.getRoot());
     }
-    const CConverterPtr converter = unit->getConverterTo(dimension);
+    const CConverterPtr converter = unit->getCtxToDimension();
     quantity.Factor = converter->derivative(0.0);
     quantity.Offset = converter->convert(0.0);
     return quantity;

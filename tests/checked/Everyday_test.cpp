@@ -1,0 +1,266 @@
+// Everyday_test.cpp: a thousand units of everyday, read in fifty orders, each in a fresh process.
+//
+// The hash code alone is a unit's identity, so which of two colliding units is refused depends on
+// which was read first. None may be silently wrong in any order. What is refused is listed in
+// docs/collisions-everyday.md, which this test writes when MENSOR_UPDATE_DOCS is set, and otherwise
+// compares.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <map>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "mensor_checked/Meaning.h"
+#include "mensor_checked/Reading.h"
+#include "mensor_checked/Values.h"
+#include "support/Documents.h"
+#include "support/Mathematics.h"
+
+namespace mensor {
+namespace {
+
+using checked::CReading;
+using test::areSame;
+using test::Fraction;
+using test::measured;
+using test::Quantity;
+
+constexpr int Orders = 50;
+
+struct Expression {
+    std::string Text;
+    Quantity Meaning;  // as the table has it
+    std::string Field;
+};
+
+const std::vector<Expression>& everyday() {
+    static const std::vector<Expression> Expressions = [] {
+        std::vector<Expression> expressions;
+        std::ifstream file(MENSOR_TEST_DATA "/everyday.tsv");
+        for (std::string line; std::getline(file, line);) {
+            if (line.empty() || line[0] == '#') {
+                continue;
+            }
+            std::array<std::string, 5> column;
+            std::istringstream in(line);
+            for (std::string& text : column) {
+                std::getline(in, text, '\t');
+            }
+            Expression expression{column[0], {}, column[4]};
+            std::istringstream exponents(column[1]);
+            for (std::string item; exponents >> item;) {
+                const auto colon = item.find(':');
+                const auto slash = item.find('/');
+                expression.Meaning.Exponents[item.substr(0, colon)] =
+                    Fraction(std::stoll(item.substr(colon + 1)),
+                             slash == std::string::npos ? 1 : std::stoll(item.substr(slash + 1)));
+            }
+            expression.Meaning.Factor = std::stod(column[2]);
+            expression.Meaning.Offset = std::stod(column[3]);
+            expressions.push_back(std::move(expression));
+        }
+        return expressions;
+    }();
+    return Expressions;
+}
+
+// A shuffle that is the same with every standard library.
+std::vector<std::size_t> order(std::uint32_t seed, std::size_t size) {
+    std::vector<std::size_t> indices(size);
+    for (std::size_t i = 0; i < size; ++i) {
+        indices[i] = i;
+    }
+    std::uint32_t state = seed;
+    for (std::size_t i = size - 1; i > 0; --i) {
+        for (int rounds = 0; rounds < 3; ++rounds) {
+            state = state * 1664525U + 1013904223U;
+        }
+        std::swap(indices[i], indices[(state >> 8) % (i + 1)]);
+    }
+    return indices;
+}
+
+// Reads all in the order of `seed`. Each line it writes begins with "!" and tells a fault, or tells
+// the index of a refused text and why it was refused.
+void readAll(std::uint32_t seed, std::ostream& out) {
+    std::map<std::map<std::string, Fraction>, std::size_t> dimensions;  // and who has it first
+    std::map<CUnitPtr, std::size_t> known;
+    std::vector<CUnitPtr> units(everyday().size());
+    for (const std::size_t i : order(seed, everyday().size())) {
+        const Expression& expression = everyday()[i];
+        const CReading reading = checked::tryReadUnit(expression.Text);
+        if (reading.Refusal) {
+            const auto& refusal = *reading.Refusal;
+            if (refusal.Code != checked::eRefusal::COLLISION &&
+                refusal.Code != checked::eRefusal::DIMENSION_COLLISION) {
+                out << "! " << expression.Text << ": " << refusal.message() << "\n";
+            }
+            out << i << "\t" << nameOf(refusal.Code) << "\t" << refusal.Sentence << "\n";
+            continue;
+        }
+        units[i] = reading.Unit;
+    }
+    for (std::size_t i = 0; i < units.size(); ++i) {
+        if (!units[i]) {
+            continue;
+        }
+        const Expression& expression = everyday()[i];
+        const Quantity does = measured(units[i]);
+        if (!areSame(does, expression.Meaning)) {
+            out << "! " << expression.Text << " is " << does << ", not " << expression.Meaning << "\n";
+        }
+        const std::size_t like = dimensions.emplace(expression.Meaning.Exponents, i).first->second;
+        const std::size_t alike = known.emplace(units[i]->getDimension(), i).first->second;
+        if (alike != like) {
+            out << "! " << expression.Text << " converts to " << everyday()[alike].Text << ", not to "
+                << everyday()[like].Text << "\n";
+        } else if (expression.Meaning.Offset == 0.0 && everyday()[like].Meaning.Offset == 0.0) {
+            const double ratio = units[i]->convertValueToUnit(1, units[like]);
+            const double expected = expression.Meaning.Factor / everyday()[like].Meaning.Factor;
+            if (std::fabs(ratio - expected) > 1e-11 * expected) {
+                out << "! 1 " << expression.Text << " is " << ratio << " " << everyday()[like].Text
+                    << ", not " << expected << "\n";
+            }
+        }
+        const auto text = checked::textOf(units[i]);
+        if (!text || checked::readUnit(*text) != units[i]) {
+            out << "! " << expression.Text << " is not written so that it reads back\n";
+        }
+    }
+    if (dimensions.empty()) {
+        out << "! nothing was read\n";
+    }
+}
+
+// What readAll writes, in a process that has read nothing before.
+std::string inFreshProcess(std::uint32_t seed) {
+    std::array<int, 2> ends{};
+    if (pipe(ends.data()) != 0) {
+        return "! no pipe\n";
+    }
+    const pid_t child = fork();
+    if (child == 0) {
+        std::ostringstream out;
+        try {
+            readAll(seed, out);
+        } catch (const std::exception& e) {
+            out << "! " << e.what() << "\n";
+        }
+        const std::string text = out.str();
+        for (std::size_t done = 0; done < text.size();) {
+            const ssize_t count = write(ends[1], text.data() + done, text.size() - done);
+            if (count <= 0) {
+                _exit(2);
+            }
+            done += static_cast<std::size_t>(count);
+        }
+        _exit(0);
+    }
+    close(ends[1]);
+    std::string text;
+    std::array<char, 4096> buffer{};
+    for (ssize_t count = 0; (count = read(ends[0], buffer.data(), buffer.size())) > 0;) {
+        text.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+    close(ends[0]);
+    int status = -1;
+    waitpid(child, &status, 0);
+    return status == 0 ? text : text + "! the process ended with status " + std::to_string(status);
+}
+
+struct Refused {
+    std::set<std::uint32_t> Orders;
+    std::set<std::string> Codes;
+    std::string Sentence;  // of the first order that refused it
+};
+
+std::string pageOf(const std::map<std::size_t, Refused>& refused, std::size_t refusals) {
+    std::ostringstream page;
+    page << "# Collisions among units of everyday\n\n"
+            "The library knows a unit by its hash code alone, so two units can be one object. The\n"
+            "companion ([reading.md](reading.md)) refuses the second. How often does that happen?\n\n"
+         << everyday().size()
+         << " expressions from physics, process industry, electronics and medicine\n"
+            "(`tests/data/everyday.tsv`) were read in "
+         << Orders
+         << " random orders, each in a fresh process. None was\nsilently wrong in any order. "
+         << refused.size() << " of them were refused in at least one order, on average "
+         << (refusals * 10 + Orders * 5) / (Orders * 10) << " in\nan order, that is one in "
+         << everyday().size() * Orders / refusals
+         << ". Collisions grow with the square of the number of units: a\nprogram with twenty of "
+            "them meets hardly any.\n\n"
+            "Written by `tests/checked/Everyday_test.cpp`. The reason is that of the first order.\n\n"
+            "| Expression | Orders | Reason |\n|---|---|---|\n";
+    for (const auto& [index, what] : refused) {
+        page << "| `" << everyday()[index].Text << "` | " << what.Orders.size() << " | "
+             << what.Sentence << " |\n";
+    }
+    return page.str();
+}
+
+TEST(Everyday, NoUnitIsSilentlyWrongInAnyOrder) {
+    ASSERT_GE(everyday().size(), 500U);
+    std::map<std::size_t, Refused> refused;
+    std::size_t refusals = 0;
+    for (std::uint32_t seed = 1; seed <= Orders; ++seed) {
+        std::istringstream lines(inFreshProcess(seed));
+        for (std::string line; std::getline(lines, line);) {
+            if (line[0] == '!') {
+                ADD_FAILURE() << "order " << seed << ": " << line.substr(2);
+                continue;
+            }
+            std::istringstream in(line);
+            std::string index, code, sentence;
+            std::getline(in, index, '\t');
+            std::getline(in, code, '\t');
+            std::getline(in, sentence);
+            Refused& what = refused[std::stoul(index)];
+            what.Sentence = what.Orders.empty() ? sentence : what.Sentence;
+            what.Orders.insert(seed);
+            what.Codes.insert(code);
+            ++refusals;
+        }
+    }
+    ASSERT_GT(refusals, 0U) << "collisions belong to the library; not to find any is a fault";
+    const std::string page = pageOf(refused, refusals);
+    if (std::getenv("MENSOR_UPDATE_DOCS") != nullptr) {
+        std::ofstream(MENSOR_DOCS "/collisions-everyday.md") << page;
+    }
+    EXPECT_EQ(test::document("collisions-everyday.md"), page);
+}
+
+TEST(Everyday, CoversTheFourFields) {
+    std::map<std::string, int> fields;
+    std::set<std::string> texts;
+    for (const Expression& expression : everyday()) {
+        ++fields[expression.Field];
+        EXPECT_TRUE(texts.insert(expression.Text).second) << expression.Text << " stands twice";
+    }
+    EXPECT_EQ(fields.size(), 4U);
+    for (const auto& [field, count] : fields) {
+        EXPECT_GE(count, 100) << field;
+    }
+}
+
+// Two computations that share nothing: the script behind the table, and Mathematics.h.
+TEST(Everyday, MeansTheSameByAnotherCalculation) {
+    for (const Expression& expression : everyday()) {
+        const Quantity other = test::calculated(expression.Text);
+        EXPECT_TRUE(areSame(other, expression.Meaning))
+            << expression.Text << " is " << other << ", not " << expression.Meaning;
+    }
+}
+
+}  // namespace
+}  // namespace mensor
