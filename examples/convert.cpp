@@ -44,7 +44,7 @@ std::string shortest(double number) {
 
 std::string_view trimmed(std::string_view text) {
     text.remove_prefix(std::min(text.find_first_not_of(BLANKS), text.size()));
-    return text.substr(0, text.find_last_not_of(BLANKS) + 1);  // of blanks only: npos + 1, that is 0
+    return text.substr(0, text.find_last_not_of(BLANKS) + 1);  // npos + 1 is 0
 }
 
 // Reads "2.5 km" or "9.81 m s-2": a number, a blank and a unit, which may itself hold blanks.
