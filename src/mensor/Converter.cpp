@@ -12,6 +12,8 @@
 #include <algorithm>
 #include <cstring>
 #include <functional>
+#include <memory>
+#include <mutex>
 #include <new>
 #include <stdexcept>
 #include <utility>
@@ -31,6 +33,9 @@ namespace mensor {
 using detail::isExactly;
 
 namespace {
+
+// How deep into a chain recursion goes before a list takes over.
+constexpr int RecursionLevels = 16;
 
 // Subclasses that clients derive from CCompound are steps of their own: only they know what they do.
 const CCompound* asCompound(const CConverter& converter) {
@@ -128,39 +133,85 @@ inline CCompound::Plan CCompound::planOf(const CConverter& child, Step& own) {
 }
 
 CCompound::CCompound(CConverterPtr first, CConverterPtr second)
-    : m_First(std::move(first)), m_Second(std::move(second)) {
+    : m_First(std::move(first)), m_Second(std::move(second)), m_SecondIsReady(true) {
     if (!m_First || !m_Second) {
         throw std::invalid_argument("A compound converter needs two converters");
     }
-    // At most one of the two has steps nearly always, and its own one may stand here then.
-    const Plan ofFirst = planOf(*m_First, m_OwnSteps[0]);
-    if (m_Second == detail::theIdentity()) {
-        m_Steps = ofFirst.Steps;
-        m_StepCount = ofFirst.Count;
-        return;
-    }
+    const Plan ofFirst = planOf(*m_First, m_OwnStep);
     Step ownOfSecond;
     const Plan ofSecond = planOf(*m_Second, ownOfSecond);
-    m_StepCount = ofFirst.Count + ofSecond.Count;
-    if (m_StepCount > LongestPlan) {
+    join(ofFirst, ofSecond, ofSecond.Steps == &ownOfSecond);
+}
+
+struct CCompound::InverseOf {
+    const CConverterPtr& Converter;
+};
+
+CCompound::CCompound(const CConverterPtr& first, InverseOf second)
+    : m_First(first), m_Second(second.Converter), m_SecondIsReady(false) {
+    const Plan ofFirst = planOf(*m_First, m_OwnStep);
+    Step ownOfSecond;
+    const Plan toInvert = planOf(*m_Second, ownOfSecond);
+    Step inverted[LongestPlan];
+    for (std::size_t i = 0; i < toInvert.Count; ++i) {
+        // As the converters of these kinds invert themselves.
+        Step& step = inverted[toInvert.Count - 1 - i];
+        step = toInvert.Steps[i];
+        step.Constant = step.Kind == Step::ADD ? -step.Constant : 1.0 / step.Constant;
+    }
+    join(ofFirst, {inverted, toInvert.Count}, true);
+}
+
+// toInvert->inverse()->concatenate(first). Where only the library's own converters are to be inverted,
+// nobody can tell whether that is done now or when the result is asked for its second step.
+CConverterPtr CCompound::throughInverse(const CConverterPtr& first, const CConverterPtr& toInvert) {
+    Step own;
+    const Plan plan = planOf(*toInvert, own);
+    const bool isOwnKind =
+        plan.Steps != nullptr && std::none_of(plan.Steps, plan.Steps + plan.Count, [](const Step& step) {
+            return step.Kind == Step::CALL;
+        });
+    if (!isOwnKind || first == detail::theIdentity() || toInvert == detail::theIdentity()) {
+        return toInvert->inverse()->concatenate(first);
+    }
+    return std::make_shared<CCompound>(first, InverseOf{toInvert});
+}
+
+inline const CConverterPtr& CCompound::secondStep() const {
+    if (!m_SecondIsReady.load(std::memory_order_acquire)) {
+        invertSecond();
+    }
+    return m_Second;
+}
+
+void CCompound::invertSecond() const {
+    static std::mutex mutex;
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (!m_SecondIsReady.load(std::memory_order_relaxed)) {
+        m_Second = inverseOf(m_Second, RecursionLevels);
+        m_SecondIsReady.store(true, std::memory_order_release);
+    }
+}
+
+// Sets the plan from those of the two children.
+void CCompound::join(Plan first, Plan second, bool secondIsTemporary) {
+    const std::size_t count = first.Count + second.Count;
+    m_StepCount = static_cast<std::uint32_t>(count);
+    if (count > LongestPlan) {
         m_Steps = nullptr;
         m_StepCount = LongestPlan + 1;  // more than any plan has, so no chain with this one has a plan
-    } else if (ofSecond.Count == 0) {
-        m_Steps = ofFirst.Steps;
-    } else if (ofFirst.Count != 0) {
-        Step* steps = m_OwnSteps;
-        if (m_StepCount > OwnStepCount) {
-            m_ManySteps.reset(new Step[m_StepCount]);
-            steps = m_ManySteps.get();
-        }
-        std::copy_n(ofFirst.Steps, ofFirst.Count, steps);
-        std::copy_n(ofSecond.Steps, ofSecond.Count, steps + ofFirst.Count);
-        m_Steps = steps;
-    } else if (ofSecond.Steps == &ownOfSecond) {
-        m_OwnSteps[0] = ownOfSecond;
-        m_Steps = m_OwnSteps;
+    } else if (second.Count == 0) {
+        m_Steps = first.Steps;
+    } else if (first.Count == 0 && !secondIsTemporary) {
+        m_Steps = second.Steps;
+    } else if (count == 1) {
+        m_OwnStep = second.Steps[0];
+        m_Steps = &m_OwnStep;
     } else {
-        m_Steps = ofSecond.Steps;
+        m_OwnSteps.reset(new Step[count]);
+        std::copy_n(first.Steps, first.Count, m_OwnSteps.get());
+        std::copy_n(second.Steps, second.Count, m_OwnSteps.get() + first.Count);
+        m_Steps = m_OwnSteps.get();
     }
 }
 
@@ -284,13 +335,13 @@ void CCompound::runAll(const Step& step, const double* from, double* to, std::si
 
 // convert() for a chain without a plan: down to the compounds that have one.
 double CCompound::walk(double x) const {
-    std::vector<const CConverter*> ahead{m_Second.get(), m_First.get()};
+    std::vector<const CConverter*> ahead{secondStep().get(), m_First.get()};
     while (!ahead.empty()) {
         const CConverter* next = ahead.back();
         ahead.pop_back();
         const CCompound* compound = asCompound(*next);
         if (compound != nullptr && compound->m_Steps == nullptr) {
-            ahead.push_back(compound->m_Second.get());
+            ahead.push_back(compound->secondStep().get());
             ahead.push_back(compound->m_First.get());
         } else {
             x = next->convert(x);
@@ -300,9 +351,8 @@ double CCompound::walk(double x) const {
 }
 
 double CCompound::derivative(double x) const {
-    constexpr int Levels = 16;
-    const double ofFirst = slopeOf(*m_First, x, false, Levels);
-    return ofFirst * slopeOf(*m_Second, x, true, Levels);
+    const double ofFirst = slopeOf(*m_First, x, false, RecursionLevels);
+    return ofFirst * slopeOf(*secondStep(), x, true, RecursionLevels);
 }
 
 // The slope of `converter` at `x`, and the step of `x` over it unless it is the last one. A compound's
@@ -321,7 +371,7 @@ double CCompound::slopeOf(const CConverter& converter, double& x, bool isLast, i
         return slopeOfChain(*compound, x, isLast);
     }
     const double ofFirst = slopeOf(*compound->m_First, x, false, levels - 1);
-    return ofFirst * slopeOf(*compound->m_Second, x, isLast, levels - 1);
+    return ofFirst * slopeOf(*compound->secondStep(), x, isLast, levels - 1);
 }
 
 double CCompound::slopeOfChain(const CCompound& chain, double& x, bool isLast) {
@@ -341,7 +391,7 @@ double CCompound::slopeOfChain(const CCompound& chain, double& x, bool isLast) {
             slopes.back() = slopes.back() * ofSecond;
         } else if (const CCompound* compound = asCompound(*visit.Converter)) {
             ahead.push_back({compound, true, false});
-            ahead.push_back({compound->m_Second.get(), false, visit.IsLast});
+            ahead.push_back({compound->secondStep().get(), false, visit.IsLast});
             ahead.push_back({compound->m_First.get(), false, false});
         } else {
             slopes.push_back(slopeOf(*visit.Converter, x, visit.IsLast, 0));
@@ -372,15 +422,14 @@ CConverterPtr CCompound::inverseOf(const CConverterPtr& converter, int levels) {
     if (levels == 0) {
         return inverseOfChain(*converter);
     }
-    CConverterPtr ofSecond = inverseOf(compound->m_Second, levels - 1);
+    CConverterPtr ofSecond = inverseOf(compound->secondStep(), levels - 1);
     return std::make_shared<CCompound>(std::move(ofSecond),
                                        inverseOf(compound->m_First, levels - 1));
 }
 
 CConverterPtr CCompound::inverse() {
-    constexpr int Levels = 16;
-    CConverterPtr ofSecond = inverseOf(m_Second, Levels);
-    return std::make_shared<CCompound>(std::move(ofSecond), inverseOf(m_First, Levels));
+    CConverterPtr ofSecond = inverseOf(secondStep(), RecursionLevels);
+    return std::make_shared<CCompound>(std::move(ofSecond), inverseOf(m_First, RecursionLevels));
 }
 
 CConverterPtr CCompound::inverseOfChain(CConverter& chain) {
@@ -401,7 +450,7 @@ CConverterPtr CCompound::inverseOfChain(CConverter& chain) {
         } else if (const CCompound* compound = asCompound(*visit.Converter)) {
             ahead.push_back({visit.Converter, true});
             ahead.push_back({compound->m_First.get(), false});
-            ahead.push_back({compound->m_Second.get(), false});  // on top: inverted first
+            ahead.push_back({compound->secondStep().get(), false});  // on top: inverted first
         } else {
             inverses.push_back(visit.Converter->inverse());
         }
@@ -418,7 +467,7 @@ bool CCompound::equals(CConverterPtr other) const {
         const CConverterPtr* Mine;
         const CConverterPtr* Theirs;
     };
-    std::vector<Pair> ahead{{&m_Second, &that->m_Second}, {&m_First, &that->m_First}};
+    std::vector<Pair> ahead{{&secondStep(), &that->secondStep()}, {&m_First, &that->m_First}};
     while (!ahead.empty()) {
         const Pair pair = ahead.back();
         ahead.pop_back();
@@ -427,7 +476,7 @@ bool CCompound::equals(CConverterPtr other) const {
             if (theirs == nullptr) {
                 return false;
             }
-            ahead.push_back({&mine->m_Second, &theirs->m_Second});
+            ahead.push_back({&mine->secondStep(), &theirs->secondStep()});
             ahead.push_back({&mine->m_First, &theirs->m_First});
         } else if (!(*pair.Mine)->equals(*pair.Theirs)) {
             return false;
@@ -437,7 +486,7 @@ bool CCompound::equals(CConverterPtr other) const {
 }
 
 CConverterPtr CCompound::first() const { return m_First; }
-CConverterPtr CCompound::second() const { return m_Second; }
+CConverterPtr CCompound::second() const { return secondStep(); }
 
 Convert::Convert(double value, std::shared_ptr<CUnit> unit)
     : m_Value(value), m_Unit(std::move(unit)) {}

@@ -12,6 +12,7 @@
 #ifndef MENSOR_CONVERTER_H
 #define MENSOR_CONVERTER_H
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -118,6 +119,8 @@ public:
     /// The converter that applies `first` and then `second`.
     /// @throws std::invalid_argument  one of the two is empty.
     CCompound(CConverterPtr first, CConverterPtr second);
+    struct InverseOf;  // for the library's own use
+    MENSOR_LOCAL CCompound(const CConverterPtr& first, InverseOf second);
     ~CCompound() override;
     CCompound(const CCompound&) = delete;
     CCompound& operator=(const CCompound&) = delete;
@@ -166,17 +169,27 @@ private:
     MENSOR_LOCAL static CConverterPtr inverseOf(const CConverterPtr& converter, int levels);
     MENSOR_LOCAL static CConverterPtr inverseOfChain(CConverter& chain);
 
-    CConverterPtr m_First;   // applied first; never empty
-    CConverterPtr m_Second;  // applied second; never empty
+    MENSOR_LOCAL void join(Plan first, Plan second, bool secondIsTemporary);
+
+    // The way to a unit, which ends with the inverse of the way from it: m_Second is what must be
+    // inverted, and is inverted when somebody asks for it. convert() runs the plan and never does.
+    friend class CUnit;
+    MENSOR_LOCAL static CConverterPtr throughInverse(const CConverterPtr& first,
+                                                     const CConverterPtr& toInvert);
+    MENSOR_LOCAL const CConverterPtr& secondStep() const;
+    MENSOR_LOCAL void invertSecond() const;
+
+    CConverterPtr m_First;           // applied first; never empty
+    mutable CConverterPtr m_Second;  // applied second; never empty; see m_SecondIsReady
 
     // The steps of both children in order, identities left out: what convert() runs instead of the
-    // nest of virtual calls. Points at m_OwnSteps, m_ManySteps or the plan of a child, which the
-    // child's pointer keeps alive. None for a chain longer than LongestPlan, which convert() walks.
-    static constexpr std::size_t OwnStepCount = 3;
+    // nest of virtual calls. Points at m_OwnStep, m_OwnSteps or the plan of a child, which the child's
+    // pointer keeps alive. None for a chain longer than LongestPlan, which convert() walks.
     const Step* m_Steps;
-    std::size_t m_StepCount;
-    Step m_OwnSteps[OwnStepCount];
-    std::unique_ptr<Step[]> m_ManySteps;
+    std::uint32_t m_StepCount;
+    mutable std::atomic<bool> m_SecondIsReady;  // set last, and then m_Second never changes again
+    Step m_OwnStep;
+    std::unique_ptr<Step[]> m_OwnSteps;
 };
 
 using CCompoundPtr = std::shared_ptr<CCompound>;

@@ -50,8 +50,9 @@ CUnitRationalPower reduced(CUnitPtr unit, std::int64_t pow, std::int64_t root) {
     if (divisor == 0) {
         throw std::invalid_argument("Exponent 0/0 of a factor");
     }
-    return CUnitRationalPower(std::move(unit), checkedExponent(pow / divisor),
-                              checkedExponent(root / divisor));
+    const int reducedPow = checkedExponent(pow / divisor);
+    const int reducedRoot = checkedExponent(root / divisor);
+    return CUnitRationalPower(std::move(unit), reducedPow, reducedRoot);
 }
 
 const CUnitRationalPower* findUnit(const Elements& elements, const CUnitPtr& unit) {

@@ -219,7 +219,7 @@ bool CUnit::isCompatible(CUnitPtr that) {
 CConverterPtr CUnit::chain(const Route& route) {
     const CConverterPtr& identity = detail::theIdentity();
     if (*route.FromThat != identity) {
-        return (*route.FromThat)->inverse()->concatenate(*route.FromThis);
+        return CCompound::throughInverse(*route.FromThis, *route.FromThat);
     }
     return *route.FromThis == identity ? identity
                                        : std::make_shared<CCompound>(*route.FromThis, identity);

@@ -11,6 +11,8 @@
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include "support/Matchers.h"
@@ -19,6 +21,7 @@
 #include "mensor/MultiplyConverter.h"
 #include "mensor/NonSI.h"
 #include "mensor/SI.h"
+#include "mensor/TransformedUnit.h"
 #include "mensor/Unit.h"
 #include "mensor/UnitFormat.h"
 
@@ -168,6 +171,73 @@ TEST(FlatPlan, KeepsTheStepsOfAChildThatNobodyElseHolds) {
         chain = pair(inner, CConverter::identity());
     }
     EXPECT_THAT(chain->convert(2), HasBitsOf(10.0));
+}
+
+// (leaf) for what cannot be looked into, [first second] for a compound.
+std::string shapeOf(const CConverterPtr& converter) {
+    if (const auto compound = std::dynamic_pointer_cast<CCompound>(converter)) {
+        return "[" + shapeOf(compound->first()) + " " + shapeOf(compound->second()) + "]";
+    }
+    if (converter == CConverter::identity()) {
+        return "1";
+    }
+    if (const auto factor = std::dynamic_pointer_cast<CMultiplyConverter>(converter)) {
+        return "*" + exactly(factor->factor());
+    }
+    if (const auto offset = std::dynamic_pointer_cast<CAddConverter>(converter)) {
+        return "+" + exactly(offset->getOffset());
+    }
+    return "?";
+}
+
+TEST(FlatPlan, TheWayToAUnitHasTheShapeOfTheInverseOfTheWayFromIt) {
+    const CUnitPtr kelvin = SI::Kelvin();
+    const std::vector<std::pair<CUnitPtr, CUnitPtr>> pairs{
+        {NonSI::Hour(), NonSI::Minute()},
+        {SI::Celsius(), kelvin * 1.8},
+        {kelvin * 1.8, SI::Celsius()},
+        {SI::Milli(SI::Joule()), SI::Kilo(SI::Newton()) * SI::Meter()},
+        {NonSI::YearCalendar(), NonSI::Week()}};
+    for (const auto& [from, to] : pairs) {
+        const auto compound = std::dynamic_pointer_cast<CCompound>(from->getConverterTo(to));
+        ASSERT_TRUE(compound);
+        EXPECT_EQ(shapeOf(compound->first()), shapeOf(from->getCtxToDimension()));
+        EXPECT_EQ(shapeOf(compound->second()), shapeOf(to->getCtxToDimension()->inverse()));
+        EXPECT_EQ(compound->second(), compound->second()) << "one object, however often it is asked";
+        EXPECT_NE(from->getConverterTo(to), compound) << "a new one at each call";
+        EXPECT_TRUE(from->getConverterTo(to)->equals(compound));
+        EXPECT_EQ(from->getConverterTo(to)->hashCode(), compound->hashCode());
+        EXPECT_THAT(from->getConverterTo(to)->derivative(2), HasBitsOf(compound->derivative(2)));
+        EXPECT_EQ(shapeOf(from->getConverterTo(to)->inverse()), shapeOf(compound->inverse()));
+    }
+}
+
+TEST(FlatPlan, ThreadsThatAskForTheSecondStepAtOnceGetOneObject) {
+    for (int round = 0; round < 50; ++round) {
+        const auto compound = std::dynamic_pointer_cast<CCompound>(
+            NonSI::Hour()->getConverterTo(NonSI::Minute()));
+        std::vector<CConverterPtr> seconds(4);
+        std::vector<std::thread> threads;
+        for (CConverterPtr& second : seconds) {
+            threads.emplace_back([&] {
+                EXPECT_THAT(compound->convert(1.5), HasBitsOf(1.5 * 60 * 60 * (1.0 / 60)));
+                second = compound->second();
+            });
+        }
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+        for (const CConverterPtr& second : seconds) {
+            EXPECT_EQ(second, compound->second());
+        }
+    }
+}
+
+TEST(FlatPlan, AConverterOfAClientIsInvertedAtOnce) {
+    // It may refuse, which must be heard when the converter is asked for, not later.
+    const CUnitPtr squared =
+        CTransformedUnit::getInstance(SI::Meter(), std::make_shared<CSquare>());
+    EXPECT_THROW((SI::Meter() * 3)->getConverterTo(squared), std::logic_error);
 }
 
 TEST(FlatPlan, LeavesASubclassOfCompoundToItself) {
