@@ -1,7 +1,7 @@
 // Packs.h: units beyond the library's catalogue, registered pack by pack when a program asks.
 //
 //     checked::registerPack(checked::ePack::CUSTOMARY);
-//     checked::readValue("6 ft").valueAs(SI::Meter());                    // 1.8288
+//     checked::readValue("10 ft").valueAs(SI::Meter());                   // 3.048
 //     checked::registerPack(checked::ePack::OFFSETS);
 //     checked::readValue("98.6 °F").valueAs(SI::Celsius());               // 37, to the last digits
 //     for (const auto& row : checked::packUnits()) list.add(row.Symbol);  // the whole table

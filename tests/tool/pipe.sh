@@ -1,0 +1,35 @@
+#!/bin/bash
+# usage: pipe.sh COMMAND...    COMMAND is mensor.
+#
+# A pipe is answered line by line, and a long one shows on a terminal how far it is.
+set -u
+export MENSOR_COMMAND
+MENSOR_COMMAND=$(printf '%q ' "$@")
+failed=0
+fail() { echo "FAILED: $1"; failed=1; }
+
+# An answer comes before the next question is asked.
+coproc ANSWERS { "$@" convert - m; }
+echo "1 km" >&"${ANSWERS[1]}"
+read -r -t 60 -u "${ANSWERS[0]}" answer && [ "$answer" = "1 km = 1000 m" ] ||
+    fail "the answer \"${answer-}\" to a line of a pipe that goes on"
+eval "exec ${ANSWERS[1]}>&-"
+wait
+
+slowly='(echo 1 km; sleep 1.5; echo x; sleep 0.5; echo 2 km)'
+on_a_terminal() { script -qec "bash -c '$1'" /dev/null < /dev/null; }
+
+shown=$(on_a_terminal "$slowly | $MENSOR_COMMAND convert - m > /dev/null")
+[[ $shown == *$'\r\e[K2 lines, 1 refused'* ]] || fail "no progress on a terminal: $(printf %q "$shown")"
+[[ $shown == *$'\r\e[K' ]] || fail "the progress stays at the end: $(printf %q "$shown")"
+
+shown=$(on_a_terminal "$slowly | $MENSOR_COMMAND convert - m --quiet > /dev/null")
+[[ $shown != *lines* ]] || fail "progress in spite of --quiet: $(printf %q "$shown")"
+
+shown=$(on_a_terminal "$slowly | $MENSOR_COMMAND convert - m")
+[[ $shown != *lines,* ]] || fail "progress between results on the terminal: $(printf %q "$shown")"
+
+shown=$(bash -c "$slowly | $MENSOR_COMMAND convert - m" 2>&1)
+[[ $shown != *$'\e'* ]] || fail "progress without a terminal: $(printf %q "$shown")"
+
+exit $failed

@@ -1,0 +1,135 @@
+#include "Arguments.h"
+
+#include <algorithm>
+
+namespace {
+
+using mensor::checked::allPacks, mensor::checked::ePack, mensor::checked::packNamed;
+
+std::string quoted(const std::string& word) { return "\"" + word + "\""; }
+
+void addPacks(const std::string& names, std::vector<ePack>& packs) {
+    for (std::size_t begin = 0; begin <= names.size();) {
+        const std::size_t end = std::min(names.find(',', begin), names.size());
+        const std::string name = names.substr(begin, end - begin);
+        const auto pack = packNamed(name);
+        if (!pack) {
+            throw CUsageError("there is no pack " + quoted(name) + "; see mensor list packs");
+        }
+        packs.push_back(*pack);
+        begin = end + 1;
+    }
+}
+
+// "-40 °F" and "-" are operands.
+bool isOption(const std::string& word) {
+    return word.size() > 1 && word[0] == '-' && word[1] != '.' && (word[1] < '0' || word[1] > '9');
+}
+
+void requireOperands(const CArguments& arguments) {
+    const auto& operands = arguments.Operands;
+    if (arguments.Command == "convert") {
+        if (operands.size() < 2) {
+            throw CUsageError("convert takes a value, or \"-\", and the units to convert it to");
+        }
+    } else if (arguments.Command == "explain") {
+        if (operands.size() != 1) {
+            throw CUsageError("explain takes one unit");
+        }
+    } else if (arguments.Command == "audit") {
+        if (operands.size() != 1) {
+            throw CUsageError("audit takes one file, or \"-\"");
+        }
+    } else if (arguments.Command == "list") {
+        const bool isKnown = operands.empty() || (operands.size() == 1 && operands[0] == "packs") ||
+                             (operands.size() == 2 && operands[0] == "compatible");
+        if (!isKnown) {
+            throw CUsageError("list takes nothing, \"packs\", or \"compatible\" and a unit");
+        }
+    } else {
+        throw CUsageError(arguments.Command.empty()
+                              ? std::string("a command is missing")
+                              : "there is no command " + quoted(arguments.Command));
+    }
+}
+
+}  // namespace
+
+CArguments readArguments(const std::vector<std::string>& words) {
+    CArguments arguments;
+    std::vector<std::string> operands;
+    bool areOptionsOver = false;
+    for (auto word = words.begin(); word != words.end(); ++word) {
+        if (areOptionsOver || !isOption(*word)) {
+            operands.push_back(*word);
+            continue;
+        }
+        const std::string option = word->substr(0, word->find('='));
+        const bool hasValue = option.size() < word->size();
+        const auto value = [&]() -> std::string {
+            if (hasValue) {
+                return word->substr(option.size() + 1);
+            }
+            if (++word == words.end()) {
+                throw CUsageError(option + " needs a word behind it");
+            }
+            return *word;
+        };
+        if (option == "--pack") {
+            addPacks(value(), arguments.Packs);
+            continue;
+        }
+        if (option == "--units") {
+            arguments.UnitFiles.push_back(value());
+            continue;
+        }
+        if (hasValue) {
+            throw CUsageError("there is no option " + quoted(*word));
+        }
+        if (option == "--") {
+            areOptionsOver = true;
+        } else if (option == "--json") {
+            arguments.Json = true;
+        } else if (option == "--quiet") {
+            arguments.Quiet = true;
+        } else if (option == "--differences") {
+            arguments.Reading.Differences = true;
+        } else if (option == "--dimensionless") {
+            arguments.Reading.Dimensionless = true;
+        } else if (option == "--help" || option == "-h") {
+            arguments.Help = true;
+        } else if (option == "--version") {
+            arguments.Version = true;
+        } else {
+            throw CUsageError("there is no option " + quoted(*word));
+        }
+    }
+    if (arguments.Help || arguments.Version) {
+        return arguments;
+    }
+    if (!operands.empty()) {
+        arguments.Command = operands.front();
+        arguments.Operands.assign(operands.begin() + 1, operands.end());
+    }
+    requireOperands(arguments);
+    return arguments;
+}
+
+const char* help() {
+    return "usage: mensor convert [OPTION]... \"VALUE UNIT\" UNIT...   convert a value\n"
+           "       mensor convert [OPTION]... - UNIT...              convert the lines of a pipe\n"
+           "       mensor explain [OPTION]... UNIT                   what a text means, and to "
+           "whom\n"
+           "       mensor list [OPTION]... [packs | compatible UNIT] what there is\n"
+           "       mensor audit [OPTION]... FILE                     check a list of units\n"
+           "\n"
+           "  --pack NAME[,NAME]...  register packs of units; see mensor list packs\n"
+           "  --units FILE           define units: lines of \"symbol = factor unit [offset]\"\n"
+           "  --differences          read \"J/°C\" as \"J/K\" and say so\n"
+           "  --dimensionless        read a number without a unit\n"
+           "  --json                 write one JSON object a line\n"
+           "  --quiet                show no progress\n"
+           "  --help, --version\n"
+           "\n"
+           "The status is 0 if all is well, 1 if some input was refused, 2 for wrong use.\n";
+}

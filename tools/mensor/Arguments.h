@@ -1,0 +1,36 @@
+// Arguments.h: the command line of mensor.
+#ifndef MENSOR_TOOL_ARGUMENTS_H
+#define MENSOR_TOOL_ARGUMENTS_H
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <mensor_checked/Packs.h>
+#include <mensor_checked/Reading.h>
+
+/// The command line is wrong; what() says how.
+class CUsageError : public std::invalid_argument {
+public:
+    using std::invalid_argument::invalid_argument;
+};
+
+struct CArguments {
+    std::string Command;                ///< "convert", "explain", "list", "audit"
+    std::vector<std::string> Operands;  ///< what is behind it, without the options
+    std::vector<mensor::checked::ePack> Packs;
+    std::vector<std::string> UnitFiles;     ///< --units
+    mensor::checked::CReadOptions Reading;  ///< --differences, --dimensionless
+    bool Json = false;
+    bool Quiet = false;  ///< no progress
+    bool Help = false;
+    bool Version = false;
+};
+
+/// @throws CUsageError
+CArguments readArguments(const std::vector<std::string>& words);
+
+/// The help, every line ended.
+const char* help();
+
+#endif  // MENSOR_TOOL_ARGUMENTS_H
