@@ -324,9 +324,15 @@ inline CUnitPtr CUnit::lookUp(int index, std::vector<CUnitPtr>& table, Make make
     if (slot < table.size() && table[slot]) {
         return table[slot];
     }
+    return fill(index, table, make);
+}
+
+// Apart from lookUp(), so that what is there already costs no more than the way to it.
+template <class Make>
+[[gnu::noinline]] CUnitPtr CUnit::fill(int index, std::vector<CUnitPtr>& table, const Make& make) {
     getUnitByIndexOrExpandTable(index, table);
     CUnitPtr result = make();
-    table[slot] = result;
+    table[static_cast<std::size_t>(index)] = result;
     return result;
 }
 

@@ -235,6 +235,8 @@ private:
     MENSOR_LOCAL static CUnitPtr getUnitByIndexOrExpandTable(int index, std::vector<CUnitPtr>& table);
     template <class Make>
     MENSOR_LOCAL static CUnitPtr lookUp(int index, std::vector<CUnitPtr>& table, Make make);
+    template <class Make>
+    MENSOR_LOCAL static CUnitPtr fill(int index, std::vector<CUnitPtr>& table, const Make& make);
 
     MENSOR_LOCAL const CConverterPtr* rememberedToDimension() const;
     MENSOR_LOCAL void rememberDimension(const CUnit* dimension, const CConverterPtr& toDimension);
