@@ -180,15 +180,18 @@ void CReport::ReportRuns(const std::vector<Run>& runs) {
             }
             times.push_back(value);
         };
-        // Time on the core where that is the work; what other processes take of it does not count.
-        const bool wall = !run.run_name.time_type.empty();
-        note(name, (wall ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime()) * 1e9 /
-                       benchmark::GetTimeUnitMultiplier(run.time_unit));
         for (const auto& [key, counter] : run.counters) {
             if (key == "heap" || key == "resident") {
                 note(name + " " + key, counter);
             }
         }
+        if (run.counters.count("heap") != 0) {
+            continue;  // its time says nothing
+        }
+        // Time on the core where that is the work; what other processes take of it does not count.
+        const bool wall = !run.run_name.time_type.empty();
+        note(name, (wall ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime()) * 1e9 /
+                       benchmark::GetTimeUnitMultiplier(run.time_unit));
     }
     std::cerr << '.' << std::flush;
 }

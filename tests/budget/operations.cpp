@@ -9,6 +9,7 @@
 
 #include <valgrind/callgrind.h>
 
+#include "mensor/NonSI.h"
 #include "mensor/SI.h"
 #include "mensor/UnitFormat.h"
 #include "mensor/ValueWithUnit.h"
@@ -72,6 +73,9 @@ int main() {
 
     const CUnitPtr kilometre = CUnit::fromString(km);
     count("look up km to m", [&](int) { keep(kilometre->getConverterTo(metre)); });
+
+    const CUnitPtr hour = NonSI::Hour(), minute = NonSI::Minute();
+    count("look up h to min", [&](int) { keep(hour->getConverterTo(minute)); });
 
     const CConverterPtr converter = kilometre->getConverterTo(metre);
     count("convert km to m", [&](int i) { keep(converter->convert(i)); });
