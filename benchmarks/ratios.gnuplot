@@ -9,9 +9,9 @@ rows = STATS_records
 set title "Time of mensor divided by that of UDUNITS-2 on the same work" . \
     " (logarithmic; further left is faster)" offset -12
 set logscale x
-set xrange [0.015:20]
+set xrange [0.005:20]
 set yrange [-rows : 1]
-set xtics ("0.02" 0.02, "0.05" 0.05, "0.1" 0.1, "0.2" 0.2, "0.5" 0.5, "1" 1, "2" 2, "5" 5, \
+set xtics ("0.01" 0.01, "0.02" 0.02, "0.05" 0.05, "0.1" 0.1, "0.2" 0.2, "0.5" 0.5, "1" 1, "2" 2, "5" 5, \
            "10" 10, "20" 20) nomirror
 set ytics nomirror noenhanced scale 0
 set grid xtics lc rgb "#dddddd"
@@ -20,7 +20,7 @@ set key outside bottom center horizontal samplen 1
 set style fill solid noborder
 set arrow from 1, graph 0 to 1, graph 1 nohead lc rgb "#555555" lw 1.5 front
 
-low(r) = r < 0.02 ? 0.02 : r
+low(r) = r < 0.008 ? 0.008 : r
 high(r) = r > 14 ? 14 : r
 picture = "plot \
   data using ($2 <= 1 ? low($2) : NaN):(-$0):(low($2)):(1):(-$0-0.38):(-$0+0.38):ytic(1) \
