@@ -1,7 +1,6 @@
 #include "mensor_checked/Names.h"
 
 #include <algorithm>
-#include <set>
 #include <tuple>
 #include <utility>
 
@@ -105,19 +104,18 @@ std::size_t editDistance(const std::u32string& a, const std::u32string& b) {
     return last[b.size()];
 }
 
-std::set<std::string> allNames() {
-    std::set<std::string> names;
+// Calls `visit` with every label, alias and symbol.
+template <class Visit>
+void forEachName(Visit visit) {
     for (const auto& [label, unit] : CUnitFormat::labelUnitMap()) {
-        names.insert(mensor::toStdString(label));
+        visit(bytes(label));
     }
     for (const auto& [alias, unit] : CUnitFormat::aliasUnitMap()) {
-        names.insert(mensor::toStdString(alias));
+        visit(bytes(alias));
     }
     for (const auto& [symbol, unit] : CUnit::symbols()) {
-        names.insert(mensor::toStdString(symbol));
+        visit(bytes(symbol));
     }
-    names.erase("");
-    return names;
 }
 
 }  // namespace
@@ -178,19 +176,28 @@ std::vector<std::string> nearestNames(std::string_view name) {
         std::string Name;
     };
     std::vector<Candidate> found;
-    for (const std::string& known : allNames()) {
+    forEachName([&](std::string_view known) {
+        constexpr std::size_t LongestCharacter = 4;  // bytes
+        if (known.empty() || known.size() > LongestCharacter * (letters.size() + farthest)) {
+            return;
+        }
         const std::u32string others = codePoints(known);
         if (others.size() > letters.size() + farthest || letters.size() > others.size() + farthest) {
-            continue;
+            return;
         }
         const std::size_t distance = editDistance(lowered(letters), lowered(others));
         if (distance <= farthest && !prefixedOffset(known, lookUp(known))) {
-            found.push_back({distance, editDistance(letters, others), known});
+            found.push_back({distance, editDistance(letters, others), std::string(known)});
         }
-    }
-    std::stable_sort(found.begin(), found.end(), [](const Candidate& a, const Candidate& b) {
-        return std::tie(a.Distance, a.ExactDistance) < std::tie(b.Distance, b.ExactDistance);
     });
+    const auto inOrder = [](const Candidate& a, const Candidate& b) {
+        return std::tie(a.Distance, a.ExactDistance, a.Name) <
+               std::tie(b.Distance, b.ExactDistance, b.Name);
+    };
+    std::sort(found.begin(), found.end(), inOrder);
+    found.erase(std::unique(found.begin(), found.end(),
+                            [](const Candidate& a, const Candidate& b) { return a.Name == b.Name; }),
+                found.end());
     std::vector<std::string> names;
     for (std::size_t i = 0; i < found.size() && i < Most; ++i) {
         names.push_back(found[i].Name);

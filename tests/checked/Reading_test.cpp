@@ -171,7 +171,7 @@ TEST(Reading, GivesTheObjectThatTheLibraryGives) {
 TEST(Reading, MeetsNoOtherUnitOnTheWayToAProduct) {
     readUnit("s/m");
     EXPECT_EQ(refusalOf("1/V"), eRefusal::COLLISION);
-    EXPECT_EQ(text(CUnit::fromString("mV/V")->toString()), "mV·s/m") << "as the library reads it";
+    EXPECT_EQ(text(CUnit::fromString("µV/V")->toString()), "µV·s/m") << "as the library reads it";
     EXPECT_EQ(text(readUnit("mV/V")->toString()), "mV/V");
     EXPECT_EQ(readUnit("mV/V"), SI::Milli(SI::Volt()) / SI::Volt());
 }

@@ -202,7 +202,7 @@ public:
                 }
                 m_Operators.pop_back();
                 isOperand = true;
-                ++i;
+                multiplyAtPoint(++i);
             } else if (c == '^') {
                 m_Operands.back() = m_Operands.back().to(exponent(++i));
                 isOperand = true;

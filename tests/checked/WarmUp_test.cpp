@@ -1,0 +1,205 @@
+// WarmUp_test.cpp: no first time is left for threads, and whatever they meet for the first time, they
+// do not wait for each other for ever. The races are for the tsan preset, too.
+#include "mensor_checked/WarmUp.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "mensor/NonSI.h"
+#include "mensor/ProductUnit.h"
+#include "mensor/SI.h"
+#include "mensor/UnitFormat.h"
+#include "mensor_checked/Choosing.h"
+#include "mensor_checked/Differences.h"
+#include "mensor_checked/Making.h"
+#include "mensor_checked/Meaning.h"
+#include "mensor_checked/Values.h"
+#include "support/ClientUnit.h"
+#include "support/Matchers.h"
+
+namespace mensor {
+namespace {
+
+using checked::readUnit;
+using checked::readValue;
+using checked::tryReadUnit;
+using checked::warmUp;
+using checked::writeValue;
+using ::testing::IsEmpty;
+
+const std::vector<std::string>& texts() {
+    static const std::vector<std::string> Texts = {
+        "km/h",  "W/(m²·K)", "mmol/l", "V/√Hz", "N·m",   "kg·m²/s²", "µg/(kg·min)", "kW·h",
+        "l/min", "mg/dl",    "1/min",  "J/mol", "mΩ·m",  "kPa·s/l",  "cm²",         "m³/h",
+        "Bq/kg", "mSv/h",    "cd/m²",  "A·h",   "bit/s", "°/s",      "m^(1/2)/s",   "mV/V"};
+    return Texts;
+}
+
+void inThreads(int count, const std::function<void(int)>& work) {
+    std::atomic<int> ready{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < count; ++i) {
+        threads.emplace_back([&, i] {
+            ++ready;
+            while (ready < count) {  // all at once
+                std::this_thread::yield();
+            }
+            work(i);
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+}
+
+// Everything that a thread may do with a text, for the first time or again.
+void use(const std::string& text, int thread) {
+    const auto reading = tryReadUnit(text);
+    ASSERT_TRUE(reading) << reading.Refusal->message();
+    const CUnitPtr unit = reading.Unit;
+    EXPECT_EQ(readUnit(writeValue(1.5, unit).substr(4)), unit);
+    EXPECT_EQ(readValue("0.5 " + text).unit(), unit);
+    checked::verify(unit, checked::meaningOf(unit));
+    EXPECT_EQ(checked::convertDifference(2, unit, unit), 2);
+    switch (thread % 4) {
+        case 0: checked::power(unit, 3); break;
+        case 1: checked::scaled(unit, 5); break;
+        case 2: checked::choicesFor(unit); break;
+        default: checked::readable({1e-5, unit}); break;
+    }
+    tryReadUnit(text + "/xyz");
+    tryReadUnit("1/(m·K)");
+}
+
+TEST(WarmUp, GivesTheTextsThatAreRefused) {
+    const auto findings = warmUp({"km/h", "xyz", "1/(m·K)", "m"});
+    ASSERT_EQ(findings.size(), 2U);
+    EXPECT_EQ(findings[0].Index, 1U);
+    EXPECT_EQ(findings[1].Refusal.Code, checked::eRefusal::COLLISION);
+    EXPECT_THAT(warmUp(texts()), IsEmpty());
+}
+
+TEST(WarmUp, RegistersNothingTwice) {
+    warmUp(texts());
+    const Tables before;
+    EXPECT_THAT(warmUp(texts()), IsEmpty());
+    EXPECT_EQ(Tables(), before);
+}
+
+TEST(WarmUp, LeavesNothingForTheFirstTime) {
+    warmUp(texts());
+    const Tables before;
+    const std::size_t dimensions = CUnit::dimensions().size();
+    const std::size_t converters = CUnit::toDimensions().size();
+    for (const std::string& text : texts()) {
+        const CUnitPtr unit = readUnit(text);
+        for (const std::string& other : texts()) {
+            if (unit->isCompatible(readUnit(other))) {
+                unit->convertValueToUnit(1, readUnit(other));
+            }
+        }
+        readValue("2.5 " + text);
+        writeValue(2.5, unit);
+        checked::convertDifference(1, unit, unit->getDimension());
+    }
+    for (const auto& [label, unit] : CUnitFormat::labelUnitMap()) {
+        tryReadUnit(mensor::toStdString(label));
+        unit->getConverterTo(unit->getSystemUnit());
+    }
+    EXPECT_EQ(Tables(), before);
+    EXPECT_EQ(CUnit::dimensions().size(), dimensions);
+    EXPECT_EQ(CUnit::toDimensions().size(), converters);
+}
+
+// A thread in the midst of the library's own algebra holds the mutex of a unit and may wait for
+// CUnit::mutex(): for ever, if a reader that holds this one wanted the other.
+TEST(WarmUp, KeepsWarmReadersOffTheLocksOfUnits) {
+    warmUp(texts());
+    std::vector<CUnitPtr> units = {CProductUnit::one()};
+    for (const auto& [hash, unit] : CUnit::instances()) {
+        units.push_back(unit);
+    }
+    for (const CUnitPtr& held : units) {
+        std::atomic<bool> isDone{false};
+        std::thread reader;
+        {
+            const std::lock_guard<std::recursive_mutex> lock(Inside::lookupMutex(held));
+            reader = std::thread([&] {
+                for (const char* text : {"km/h", "W/(m²·K)", "mV/V", "kg·m²/s²"}) {
+                    const CUnitPtr unit = readUnit(text);
+                    readValue(std::string("2.5 ") + text);
+                    writeValue(2.5, unit);
+                    unit->convertValueToUnit(1, unit->getDimension());
+                }
+                isDone = true;
+            });
+            const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+            while (!isDone && std::chrono::steady_clock::now() < end) {
+                std::this_thread::yield();
+            }
+            EXPECT_TRUE(isDone) << "a warm reader waits for the lock of a unit of hash "
+                                << held->hashCode();
+        }
+        reader.join();
+        ASSERT_FALSE(HasFailure());
+    }
+}
+
+TEST(Threads, ReadTheSameForTheFirstTimeAtOnce) {
+    inThreads(4, [](int thread) {
+        for (const std::string& text : texts()) {
+            use(text, thread);
+        }
+    });
+}
+
+TEST(Threads, ReadInDifferentOrders) {
+    inThreads(4, [](int thread) {
+        const std::size_t n = texts().size();
+        for (std::size_t i = 0; i < n; ++i) {
+            const std::size_t step = thread % 2 == 0 ? i : n - 1 - i;
+            use(texts()[(step + static_cast<std::size_t>(thread) * 5) % n], thread);
+        }
+    });
+}
+
+TEST(Threads, WarmUpBesideReaders) {
+    inThreads(4, [](int thread) {
+        if (thread == 0) {
+            EXPECT_THAT(warmUp(texts()), IsEmpty());
+        } else {
+            for (const std::string& text : texts()) {
+                use(text, thread);
+            }
+        }
+    });
+}
+
+TEST(Threads, ReadBesideTheLibrarysOwnAlgebraOnceWarm) {
+    warmUp(texts());
+    inThreads(4, [](int thread) {
+        for (int round = 0; round < 20; ++round) {
+            for (const std::string& text : texts()) {
+                const CUnitPtr unit = readUnit(text);
+                if (thread % 2 == 0) {
+                    unit->pow(round % 5 + 2);
+                    unit->multiply(CUnitPtr(SI::Kelvin()));
+                } else {
+                    writeValue(round, unit);
+                    unit->convertValueToUnit(1, unit->getDimension());
+                }
+            }
+        }
+    });
+}
+
+}  // namespace
+}  // namespace mensor
