@@ -178,10 +178,10 @@ CMeaning CMeaning::shifted(double offset) const {
 }
 
 CMeaning operator*(const CMeaning& a, const CMeaning& b) {
-    CMeaning product;
-    product.m_Factor = a.m_Factor * b.m_Factor;
+    CMeaning product = a;
+    product.m_Factor *= b.m_Factor;
+    product.m_Offset = 0.0;
     auto& exponents = product.m_Exponents;
-    exponents = a.m_Exponents;
     for (const CExponent& right : b.m_Exponents) {
         const auto place = std::lower_bound(
             exponents.begin(), exponents.end(), right,

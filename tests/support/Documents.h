@@ -7,7 +7,6 @@
 #define MENSOR_TESTS_DOCUMENTS_H
 
 #include <fstream>
-#include <iterator>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -24,7 +23,9 @@ inline std::string document(const std::string& name) {
     if (!file) {
         throw std::runtime_error("no page " + name);
     }
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
 }
 
 /// The cells of a line "| a | `b` |" without blanks and back quotes around, "\x00" as that byte; none
