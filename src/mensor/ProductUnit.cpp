@@ -1,6 +1,5 @@
 // ProductUnit.cpp: products of rational powers, normalised by merging factors of the same unit
-// object. Exponents are computed in 64 bits, where no sum or product of four ints can overflow, and
-// must fit an int when they are stored.
+// object. Exponents are computed in 64 bits and must fit an int when they are stored.
 #include "mensor/ProductUnit.h"
 
 #include <cmath>
@@ -192,9 +191,11 @@ CUnitPtr CProductUnit::getSystemUnit() {
     CUnitPtr system = std::atomic_load(&m_SystemUnitCach);
     if (!system) {
         system = fold(m_Elements, [](CUnit& unit) { return unit.getSystemUnit(); });
-        std::atomic_store(&m_SystemUnitCach, system);
+        // A product that is its own system unit must not own itself, or nothing would ever free it.
+        const bool isThis = system.get() == this;
+        std::atomic_store(&m_SystemUnitCach, isThis ? CUnitPtr(CUnitPtr(), this) : system);
     }
-    return system;
+    return system.get() == this ? shared_from_this() : system;
 }
 
 CUnitPtr CProductUnit::baseUnits() {

@@ -75,7 +75,9 @@ private:
     MENSOR_LOCAL bool elementsContains(const std::vector<CUnitRationalPower>& elements) const;
 
     std::vector<CUnitRationalPower> m_Elements;  // never reordered, never changed
-    CUnitPtr m_SystemUnitCach;  // set once, by the first getSystemUnit(); atomic access only
+    // Set once, by the first getSystemUnit(); atomic access only. Where it is this very product, it
+    // points without owning.
+    CUnitPtr m_SystemUnitCach;
 };
 
 }  // namespace mensor
