@@ -1,9 +1,9 @@
 // ClientUnit.h: a kind of unit as a client may write one, and a look inside all units.
 //
-//     const auto own = CClientUnit::make("qx", 4711);
+//     const auto own = freshClientUnit();
 //     own->CtxToDimension = [] { return std::make_shared<CMultiplyConverter>(2); };
-//     own->canonical();                                     // registers it
-//     EXPECT_THAT(own->Asked, ElementsAre("getCtxToDimension"));
+//     own->getConverterTo(SI::Meter());
+//     EXPECT_THAT(own->Asked, Contains("getCtxToDimension"));
 //
 //     EXPECT_EQ(Inside::powLookUp(SI::Meter()).size(), 4U);
 #ifndef MENSOR_TESTS_CLIENTUNIT_H
@@ -17,6 +17,8 @@
 
 #include "mensor/Converter.h"
 #include "mensor/Unit.h"
+#include "mensor/mensor_global.h"
+#include "support/Matchers.h"
 
 namespace mensor {
 
@@ -69,6 +71,15 @@ public:
         return CUnit::getSymbol();
     }
 };
+
+/// A registered one, with a symbol and a hash of its own, that has not been asked anything.
+inline std::shared_ptr<CClientUnit> freshClientUnit() {
+    const string_t symbol = freshSymbol();
+    auto unit = CClientUnit::make(symbol, hashFromString(symbol));
+    unit->canonical();
+    unit->Asked.clear();
+    return unit;
+}
 
 /// What CUnit keeps for the kinds of units. Not to be instantiated.
 struct Inside : CUnit {

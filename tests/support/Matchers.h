@@ -126,8 +126,8 @@ public:
 
     friend bool operator==(const Tables& left, const Tables& right) {
         return left.m_Symbols == right.m_Symbols && left.m_Instances == right.m_Instances &&
-               left.m_LabelUnits == right.m_LabelUnits &&
-               left.m_UnitLabels == right.m_UnitLabels && left.m_AliasUnits == right.m_AliasUnits;
+               left.m_LabelUnits == right.m_LabelUnits && left.m_UnitLabels == right.m_UnitLabels &&
+               left.m_AliasUnits == right.m_AliasUnits;
     }
 
     friend void PrintTo(const Tables& tables, std::ostream* out) {
