@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
 
 #include "mensor/NonSI.h"
@@ -169,6 +170,43 @@ TEST(Definitions, ThrowTheFirstLineAndTellHowManyMore) {
         EXPECT_EQ(e.findings().size(), 1U);
         EXPECT_STREQ(e.what(), "line 1: a definition is \"symbol = factor unit [offset]\"");
     }
+}
+
+// Lines of bytes and words in any order: each is defined or refused, and a refusal leaves no name.
+TEST(Definitions, TakeAnyBytes) {
+    const std::string pieces[] = {"q",    "a",  "=",  " = ",  "3",  "0.5", "/",   " ",
+                                  "m",    "K",  "+",  "-",    "\t", "#",   "1e9", ",",
+                                  "°C",   "(",  "·",  "N/m²", "\n", "\r",  ".",   "^",
+                                  "\xFF", "qb", "km", "273",  "=",  "²",   "[",   "]"};
+    constexpr std::size_t Count = sizeof pieces / sizeof pieces[0];
+    std::uint32_t state = 1;
+    std::size_t defined = 0;
+    std::size_t refused = 0;
+    for (int i = 0; i < 3000; ++i) {
+        std::string table = i % 3 == 0 ? "q = 3 m" : "";
+        for (int j = 0; j < i % 9; ++j) {
+            state = state * 1664525U + 1013904223U;
+            table += pieces[(state >> 16) % Count];
+        }
+        const auto labels = CUnitFormat::labelUnitMap();
+        const auto aliases = CUnitFormat::aliasUnitMap();
+        const CDefinitions result = tryDefineUnits(table);
+        if (result) {
+            defined += result.Names.size();
+            continue;
+        }
+        refused += result.Findings.size();
+        EXPECT_EQ(CUnitFormat::labelUnitMap(), labels) << table;
+        EXPECT_EQ(CUnitFormat::aliasUnitMap(), aliases) << table;
+        for (const CLineFinding& finding : result.Findings) {
+            EXPECT_NE(finding.Refusal.message(), "") << table;
+            EXPECT_LE(finding.Refusal.Byte + finding.Refusal.Token.size(),
+                      finding.Refusal.Text.size())
+                << table;
+        }
+    }
+    EXPECT_GT(defined, 100U);
+    EXPECT_GT(refused, 1000U);
 }
 
 TEST(Definitions, AreEmptyForAnEmptyTable) {
