@@ -1,0 +1,86 @@
+# snippets.awk: the C++ of a page made into programs, and what the page says they print.
+#
+#     awk -v page=tutorial.md -v out=FOLDER/tutorial -f snippets.awk tutorial.md
+#
+# A ```cpp block with a main() becomes a program of its own, FOLDER/tutorial-LINE.cpp, word for word.
+# All others become functions of FOLDER/tutorial.cpp (see snippet.h). FOLDER/tutorial.list names the
+# blocks in order. A ```text block is what the C++ block before it prints; FOLDER/tutorial.expected
+# holds what all of them print.
+#
+# In a function, a line "EXPRESSION;  // RESULT" is checked, too: the result is a number, a text in
+# quotes, true or false, behind which a comma or colon may begin a remark, or "throws CLASS: MESSAGE".
+
+function checked(line, at,   expression, result) {
+    if (!match(line, /;  *\/\/ /) || line ~ /^ *(using|return|class|struct|const|auto|std::cout) /)
+        return line
+    expression = substr(line, 1, RSTART - 1)
+    result = substr(line, RSTART + RLENGTH)
+    if (sub(/^throws /, "", result))
+        return "    mensor_docs::throws(" at ", R\"~(" result ")~\", [&] { " expression "; });"
+    if (result ~ /^"/) {
+        match(substr(result, 2), /"/)
+        result = substr(result, 1, RSTART + 1)
+    } else if (result ~ /^(-?[0-9.]+(e[-+]?[0-9]+)?|true|false)([,:].*)?$/) {
+        sub(/[,:].*/, "", result)
+    } else {
+        return line
+    }
+    return "    mensor_docs::gives(" at ", R\"~(" result ")~\", (" expression "));"
+}
+
+function write_program(   i, file) {
+    file = out "-" start ".cpp"
+    for (i = start; i < NR; ++i) print block[i] > file
+    close(file)
+}
+
+function add_function(   i) {
+    functions = functions "\nstatic void line" start "() {\n"
+    for (i = start; i < NR; ++i) {
+        if (block[i] ~ /^#include/) includes = includes block[i] "\n"
+        else functions = functions checked(block[i], i) "\n"
+    }
+    functions = functions "}\n"
+    calls = calls "    {" start ", line" start "},\n"
+}
+
+BEGIN {
+    list = out ".list"
+    expected = out ".expected"
+    printf "" > list
+    printf "" > expected
+}
+
+/^```/ && inside == "" {
+    inside = substr($0, 4) == "" ? "plain" : substr($0, 4)
+    start = NR + 1
+    hasMain = 0
+    next
+}
+
+/^```/ {
+    if (inside == "cpp") {
+        if (hasMain) write_program()
+        else add_function()
+        print start, hasMain ? "program" : "function" > list
+        print "--- line " start > expected
+    }
+    inside = ""
+    next
+}
+
+inside == "cpp" {
+    block[NR] = $0
+    if ($0 ~ /int main\(/) hasMain = 1
+}
+
+inside == "text" { print > expected }
+
+END {
+    file = out ".cpp"
+    print "// Made of " page "." > file
+    print "#include \"snippet.h\"\n" > file
+    print includes "\nusing namespace mensor;" > file
+    print functions > file
+    print "const mensor_docs::Snippet mensor_docs::SNIPPETS[] = {\n" calls "    {0, nullptr}};" > file
+}
