@@ -8,15 +8,15 @@
 # holds what all of them print.
 #
 # In a function, a line "EXPRESSION;  // RESULT" is checked, too: the result is a number, a text in
-# quotes, true or false, behind which a comma or colon may begin a remark, or "throws CLASS: MESSAGE".
+# quotes, true or false, behind which a comma or colon may begin a remark. A line "EXPRESSION;" before
+# a line "// throws CLASS: MESSAGE" is checked in the same way. In errors.md, that message is the
+# heading of its section.
 
 function checked(line, at,   expression, result) {
     if (!match(line, /;  *\/\/ /) || line ~ /^ *(using|return|class|struct|const|auto|std::cout) /)
         return line
     expression = substr(line, 1, RSTART - 1)
     result = substr(line, RSTART + RLENGTH)
-    if (sub(/^throws /, "", result))
-        return "    mensor_docs::throws(" at ", R\"~(" result ")~\", [&] { " expression "; });"
     if (result ~ /^"/) {
         match(substr(result, 2), /"/)
         result = substr(result, 1, RSTART + 1)
@@ -26,6 +26,19 @@ function checked(line, at,   expression, result) {
         return line
     }
     return "    mensor_docs::gives(" at ", R\"~(" result ")~\", (" expression "));"
+}
+
+function throwing(line, at, outcome) {
+    sub(/^ *\/\/ throws /, "", outcome)
+    if (heading != "") {
+        if (outcome ~ /: / && substr(outcome, index(outcome, ": ") + 2) == heading) provoked = 1
+    }
+    return "    mensor_docs::throws(" at ", R\"~(" outcome ")~\", [&] { " line " });"
+}
+
+function require_provoked() {
+    if (heading != "" && !provoked) print "no code provokes: " heading > expected
+    heading = ""
 }
 
 function write_program(   i, file) {
@@ -38,6 +51,8 @@ function add_function(   i) {
     functions = functions "\nstatic void line" start "() {\n"
     for (i = start; i < NR; ++i) {
         if (block[i] ~ /^#include/) includes = includes block[i] "\n"
+        else if (i + 1 < NR && block[i + 1] ~ /^ *\/\/ throws /)
+            functions = functions throwing(block[i], i, block[i + 1]) "\n"
         else functions = functions checked(block[i], i) "\n"
     }
     functions = functions "}\n"
@@ -76,7 +91,15 @@ inside == "cpp" {
 
 inside == "text" { print > expected }
 
+page == "errors.md" && inside == "" && /^## `/ {
+    require_provoked()
+    heading = substr($0, 5)
+    sub(/`$/, "", heading)
+    provoked = 0
+}
+
 END {
+    require_provoked()
     file = out ".cpp"
     print "// Made of " page "." > file
     print "#include \"snippet.h\"\n" > file
