@@ -17,8 +17,12 @@
 #include <type_traits>
 #include <typeinfo>
 
+// What a snippet takes for granted; others it includes itself, and a whole program includes all.
+#include <mensor/NonSI.h>
+#include <mensor/SI.h>
+#include <mensor/UnitFormat.h>
+#include <mensor/ValueWithUnit.h>
 #include <mensor/io.h>
-#include <mensor/mensor_global.h>
 
 namespace mensor_docs {
 
