@@ -3,8 +3,12 @@
 include(CMakePackageConfigHelpers)
 set(MENSOR_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/mensor)
 
-install(TARGETS mensor mensor_checked EXPORT mensorTargets
+# One component per package of Debian, and there one package per soname.
+install(TARGETS mensor EXPORT mensorTargets
   LIBRARY COMPONENT libmensor1 NAMELINK_COMPONENT libmensor-dev
+  FILE_SET HEADERS COMPONENT libmensor-dev)
+install(TARGETS mensor_checked EXPORT mensorTargets
+  LIBRARY COMPONENT libmensor-checked1 NAMELINK_COMPONENT libmensor-dev
   FILE_SET HEADERS COMPONENT libmensor-dev)
 install(EXPORT mensorTargets NAMESPACE mensor:: DESTINATION ${MENSOR_CMAKE_DIR}
   COMPONENT libmensor-dev)
@@ -30,3 +34,22 @@ configure_file(packaging/mensor.pc.in mensor.pc @ONLY)
 configure_file(packaging/mensor-checked.pc.in mensor-checked.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/mensor.pc ${PROJECT_BINARY_DIR}/mensor-checked.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT libmensor-dev)
+
+# mensor_install_compressed(<file> <destination>.gz <component>): the same bytes for the same file.
+find_program(MENSOR_GZIP gzip)
+mark_as_advanced(MENSOR_GZIP)
+function(mensor_install_compressed file destination component)
+  if(NOT MENSOR_GZIP)
+    return()
+  endif()
+  cmake_path(GET destination FILENAME name)
+  cmake_path(GET destination PARENT_PATH folder)
+  execute_process(COMMAND ${MENSOR_GZIP} -9 -n -c ${file}
+    OUTPUT_FILE ${PROJECT_BINARY_DIR}/compressed/${name} COMMAND_ERROR_IS_FATAL ANY)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
+  install(FILES ${PROJECT_BINARY_DIR}/compressed/${name} DESTINATION ${folder}
+    COMPONENT ${component})
+endfunction()
+file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/compressed)
+
+include(MensorPackages)

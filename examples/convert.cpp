@@ -33,8 +33,7 @@ namespace {
 
 using mensor::CUnit, mensor::CUnitFormat, mensor::CUnitPtr, mensor::CValueWithUnit;
 
-constexpr const char* USAGE =
-    "usage: convert \"VALUE UNIT\" UNIT... | convert - UNIT... | convert --list\n";
+std::string program = "convert";  // the name it is called by; installed it is mensor-convert
 constexpr std::string_view BLANKS = " \t\r";  // \r: files from elsewhere end their lines so
 
 std::string shortest(double number) {
@@ -86,7 +85,7 @@ bool succeeds(const std::string& subject, Action action) {
         action();
         return true;
     } catch (const std::exception& trouble) {
-        std::cerr << "convert: " << subject << ": " << trouble.what() << '\n';
+        std::cerr << program << ": " << subject << ": " << trouble.what() << '\n';
         return false;
     }
 }
@@ -139,10 +138,15 @@ void list() {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const std::vector<std::string> arguments(argv + 1, argv + argc);
+    if (argc > 0) {
+        const std::string_view path = argv[0];
+        program = path.substr(path.rfind('/') + 1);  // npos + 1 is 0
+    }
+    const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
     const bool listing = arguments == std::vector<std::string>{"--list"};
     if (!listing && (arguments.size() < 2 || arguments[0].rfind("--", 0) == 0)) {
-        std::cerr << USAGE;
+        std::cerr << "usage: " << program << " \"VALUE UNIT\" UNIT... | " << program
+                  << " - UNIT... | " << program << " --list\n";
         return 2;
     }
     mensor::NonSI::Psi();  // the one named unit that the library does not register by itself
@@ -159,7 +163,7 @@ int main(int argc, char** argv) {
                                    : convert(trimmed(arguments[0]), targets, "");
     }
     if (!std::cout.flush() || std::ferror(stdin) != 0) {
-        std::cerr << "convert: cannot " << (std::cout ? "read the input\n" : "write the output\n");
+        std::cerr << program << ": cannot " << (std::cout ? "read the input\n" : "write the output\n");
         return 1;
     }
     return good ? 0 : 1;

@@ -1,0 +1,85 @@
+# The Debian packages, made by CPack (scripts/package): libmensor1, libmensor-checked1,
+# libmensor-dev and mensor-tools, for the architecture that is built for.
+set(MENSOR_DEBIAN_PACKAGES libmensor1 libmensor-checked1 libmensor-dev mensor-tools)
+
+foreach(package IN LISTS MENSOR_DEBIAN_PACKAGES)
+  install(FILES packaging/debian/copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package}
+    COMPONENT ${package})
+  mensor_install_compressed(${PROJECT_SOURCE_DIR}/packaging/debian/changelog
+    ${CMAKE_INSTALL_DATADIR}/doc/${package}/changelog.Debian.gz ${package})
+endforeach()
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_CONTACT "mensor developers <mensor@example.org>")
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(version ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
+set(CPACK_STRIP_FILES ON)
+# Installed as into the system, below DESTDIR: the debugger's scripts lie under a path that repeats
+# the prefix.
+set(CPACK_SET_DESTDIR ON)
+set(CPACK_INSTALL_PREFIX /usr)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_GROUPING ONE_PER_GROUP)
+set(CPACK_COMPONENTS_ALL ${MENSOR_DEBIAN_PACKAGES})
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
+  ${PROJECT_BINARY_DIR}/src/mensor ${PROJECT_BINARY_DIR}/src/mensor_checked)
+if(CMAKE_LIBRARY_ARCHITECTURE)
+  execute_process(COMMAND dpkg-architecture -t ${CMAKE_LIBRARY_ARCHITECTURE} -q DEB_HOST_ARCH
+    OUTPUT_VARIABLE CPACK_DEBIAN_PACKAGE_ARCHITECTURE OUTPUT_STRIP_TRAILING_WHITESPACE
+    RESULT_VARIABLE failed ERROR_QUIET)
+  if(NOT failed)
+    # dpkg-shlibdeps then looks for the libraries, and for objdump, of that architecture.
+    file(WRITE ${PROJECT_BINARY_DIR}/cpack_project_config.cmake
+      "set(ENV{DEB_HOST_ARCH} ${CPACK_DEBIAN_PACKAGE_ARCHITECTURE})\n")
+    set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_BINARY_DIR}/cpack_project_config.cmake)
+  endif()
+endif()
+
+# mensor_package(<name> <section> <multi-arch> <depends> <summary> <description>)
+function(mensor_package name section multiarch depends summary description)
+  string(TOUPPER ${name} key)
+  set(CPACK_DEBIAN_${key}_PACKAGE_NAME ${name} PARENT_SCOPE)
+  # CPack has no variable for the field Multi-Arch; it writes the section as it is.
+  set(CPACK_DEBIAN_${key}_PACKAGE_SECTION "${section}\nMulti-Arch: ${multiarch}" PARENT_SCOPE)
+  set(CPACK_DEBIAN_${key}_PACKAGE_DEPENDS "${depends}" PARENT_SCOPE)
+  set(CPACK_DEBIAN_${key}_DESCRIPTION "${summary}\n${description}" PARENT_SCOPE)
+endfunction()
+
+set(what
+"mensor models units of measure at run time: it reads and writes units as
+text, tells which are compatible, and converts values with the same bits on
+every machine.
+")
+mensor_package(libmensor1 libs same ""
+  "physical units of measure at run time" "${what}
+This package holds the shared library and its printers for gdb.")
+mensor_package(libmensor-checked1 libs same "libmensor1 (= ${version})"
+  "physical units of measure at run time, with checks" "${what}
+This package holds the companion library, which refuses what could silently
+be another unit.")
+mensor_package(libmensor-dev libdevel same
+  "libmensor1 (= ${version}), libmensor-checked1 (= ${version})"
+  "physical units of measure at run time - development files" "${what}
+This package holds the headers and what CMake and pkg-config need.")
+mensor_package(mensor-tools utils foreign "libmensor1 (>= ${PROJECT_VERSION})"
+  "convert between units of measure on the command line" "${what}
+This package holds mensor-convert, which converts values and lists the
+catalogue.")
+
+foreach(key LIBMENSOR1 LIBMENSOR-CHECKED1)
+  set(CPACK_DEBIAN_${key}_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/packaging/debian/triggers)
+  set(CPACK_DEBIAN_${key}_PACKAGE_GENERATE_SHLIBS ON)
+  set(CPACK_DEBIAN_${key}_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+endforeach()
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+
+include(CPack)

@@ -1,0 +1,47 @@
+#!/bin/sh
+# usage: installed.sh DEBS ROOT ARCHITECTURE TRIPLET CLIENT "COMPILER AND FLAGS" [EMULATOR...]
+#
+# Unpacks the packages in DEBS into the fresh folder ROOT, looks at what they say of themselves, runs
+# the tool, and builds and runs the client there.
+set -eu
+debs=$1 root=$2 architecture=$3 triplet=$4 work=$5 compiler=$6
+shift 6
+here=$(dirname "$0")
+fail() { echo "$*"; exit 1; }
+
+rm -rf "$root"
+mkdir -p "$root"
+set -- "$@" --
+for package in libmensor1 libmensor-checked1 libmensor-dev mensor-tools; do
+    deb=$(echo "$debs/${package}"_*_"$architecture.deb")
+    [ -f "$deb" ] || fail "no $deb"
+    [ "$(dpkg-deb -f "$deb" Architecture)" = "$architecture" ] || fail "$deb: wrong architecture"
+    dpkg-deb -x "$deb" "$root"
+    doc=$root/usr/share/doc/$package
+    grep -q '^License: Expat' "$doc/copyright" || fail "$package: no licence"
+    gzip -dc "$doc/changelog.Debian.gz" | grep -q "^mensor ($(dpkg-deb -f "$deb" Version))" ||
+        fail "$package: another version in the change log"
+done
+says() { # PACKAGE FIELD PATTERN
+    dpkg-deb -f "$(echo "$debs/$1"_*.deb)" "$2" | grep -q -e "$3" || fail "$1: $2 is not $3"
+}
+says libmensor1 Multi-Arch '^same$'
+says libmensor-dev Multi-Arch '^same$'
+says libmensor1 Depends 'liblog4cplus-2.*libstdc++6'
+says libmensor1 Depends 'libc6'
+says libmensor-checked1 Depends 'libmensor1 (='
+says libmensor-dev Depends 'libmensor1 (=.*libmensor-checked1 (='
+says mensor-tools Depends 'libmensor1 (>='
+
+libdir=$root/usr/lib/$triplet
+[ -f "$libdir/libmensor.so.1.0.0" ] || fail "the library is not in $libdir"
+while [ "$1" != -- ]; do
+    emulator="${emulator-} $1"
+    shift
+done
+converted=$(LD_LIBRARY_PATH=$libdir ${emulator-} "$root/usr/bin/mensor-convert" "2.5 km" m)
+[ "$converted" = "2.5 km = 2500 m" ] || fail "mensor-convert prints $converted"
+gzip -dc "$root/usr/share/man/man1/mensor-convert.1.gz" | grep -q '^\.TH MENSOR-CONVERT 1' ||
+    fail "no page of the manual for mensor-convert"
+
+exec "$here/pkg_config.sh" "$libdir" "$work" "$here/client/client.expected" "$compiler" ${emulator-}

@@ -1,0 +1,20 @@
+#!/bin/sh
+# usage: pkg_config.sh LIBDIR WORK EXPECTED "COMPILER AND FLAGS" [EMULATOR...]
+#
+# Compiles the client with what pkg-config says of the mensor installed in LIBDIR, which is not the
+# folder it was configured for, and compares what it prints.
+set -eu
+libdir=$1 work=$2 expected=$3 compiler=$4
+shift 4
+here=$(dirname "$0")
+
+export PKG_CONFIG_PATH="$libdir/pkgconfig"
+[ "$(pkg-config --variable=libdir mensor)" -ef "$libdir" ] ||
+    { echo "mensor.pc names another folder: $(pkg-config --variable=libdir mensor)"; exit 1; }
+pkg-config --exists 'mensor >= 1 mensor < 2' 'mensor-checked >= 1'
+
+mkdir -p "$work"
+# shellcheck disable=SC2046,SC2086  # several words each
+$compiler -std=c++17 "$here/client/client.cpp" -o "$work/client" \
+    $(pkg-config --cflags --libs mensor)
+LD_LIBRARY_PATH=$libdir "$here/prints.sh" "$expected" "$@" "$work/client"
