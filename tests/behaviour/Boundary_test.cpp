@@ -1,0 +1,110 @@
+// Boundary_test.cpp: what the headers show clients and must not let them touch.
+#include <gtest/gtest.h>
+
+#include <type_traits>
+
+#include "mensor/AddConverter.h"
+#include "mensor/AlternateUnit.h"
+#include "mensor/BaseUnit.h"
+#include "mensor/Converter.h"
+#include "mensor/MultiplyConverter.h"
+#include "mensor/ProductUnit.h"
+#include "mensor/TransformedUnit.h"
+#include "mensor/Unit.h"
+#include "mensor/UnitFormat.h"
+#include "mensor/UnitRationalPower.h"
+#include "mensor/ValueWithUnit.h"
+
+namespace mensor {
+namespace {
+
+// REACHABLE(name): isReachable_name<Class>() tells whether a client may write &Class::name.
+#define REACHABLE(name)                           \
+    template <class Class, class = void>          \
+    struct Reachable_##name : std::false_type {}; \
+    template <class Class>                        \
+    struct Reachable_##name<Class, std::void_t<decltype(&Class::name)>> : std::true_type {};
+
+REACHABLE(getSymbol)
+REACHABLE(toSystem)
+REACHABLE(m_Symbol)
+REACHABLE(m_HashCode)
+REACHABLE(m_Id)
+REACHABLE(m_LookupVectorMutex)
+REACHABLE(m_PowLookUp)
+REACHABLE(requireConverterTo)
+REACHABLE(readResolve)
+REACHABLE(m_RememberedEpoch)
+REACHABLE(rememberDimension)
+REACHABLE(routeTo)
+REACHABLE(dimensionLocked)
+REACHABLE(m_Dimension)
+REACHABLE(m_ToDimension)
+REACHABLE(m_BaseUnits)
+REACHABLE(_systemUnit)
+REACHABLE(_toSystem)
+REACHABLE(m_Elements)
+REACHABLE(m_SystemUnitCach)
+REACHABLE(elementsContains)
+REACHABLE(m_Unit)
+REACHABLE(m_Pow)
+REACHABLE(m_Offset)
+REACHABLE(m_Factor)
+REACHABLE(m_First)
+REACHABLE(m_Steps)
+REACHABLE(runPlan)
+REACHABLE(convertArray)
+REACHABLE(m_Value)
+REACHABLE(write)
+
+TEST(Boundary, PublicMembersAreSeenByThisTest) {
+    EXPECT_TRUE(Reachable_getSymbol<CUnit>::value);
+    EXPECT_TRUE(Reachable_toSystem<CTransformedUnit>::value);
+}
+
+TEST(Boundary, MembersThatAreNotPublicAreOutOfReach) {
+    EXPECT_FALSE(Reachable_m_Symbol<CUnit>::value);
+    EXPECT_FALSE(Reachable_m_HashCode<CUnit>::value);
+    EXPECT_FALSE(Reachable_m_Id<CUnit>::value);
+    EXPECT_FALSE(Reachable_m_LookupVectorMutex<CUnit>::value);
+    EXPECT_FALSE(Reachable_m_PowLookUp<CUnit>::value);
+    EXPECT_FALSE(Reachable_requireConverterTo<CUnit>::value);
+    EXPECT_FALSE(Reachable_readResolve<CUnit>::value);
+    EXPECT_FALSE(Reachable_m_RememberedEpoch<CUnit>::value);
+    EXPECT_FALSE(Reachable_rememberDimension<CUnit>::value);
+    EXPECT_FALSE(Reachable_routeTo<CUnit>::value);
+    EXPECT_FALSE(Reachable_dimensionLocked<CUnit>::value);
+    EXPECT_FALSE(Reachable_m_Dimension<CBaseUnit>::value);
+    EXPECT_FALSE(Reachable_m_ToDimension<CBaseUnit>::value);
+    EXPECT_FALSE(Reachable_m_BaseUnits<CAlternateUnit>::value);
+    EXPECT_FALSE(Reachable__systemUnit<CTransformedUnit>::value);
+    EXPECT_FALSE(Reachable__toSystem<CTransformedUnit>::value);
+    EXPECT_FALSE(Reachable_m_Elements<CProductUnit>::value);
+    EXPECT_FALSE(Reachable_m_SystemUnitCach<CProductUnit>::value);
+    EXPECT_FALSE(Reachable_elementsContains<CProductUnit>::value);
+    EXPECT_FALSE(Reachable_m_Unit<CUnitRationalPower>::value);
+    EXPECT_FALSE(Reachable_m_Pow<CUnitRationalPower>::value);
+    EXPECT_FALSE(Reachable_m_Offset<CAddConverter>::value);
+    EXPECT_FALSE(Reachable_m_Factor<CMultiplyConverter>::value);
+    EXPECT_FALSE(Reachable_m_First<CCompound>::value);
+    EXPECT_FALSE(Reachable_m_Steps<CCompound>::value);
+    EXPECT_FALSE(Reachable_runPlan<CCompound>::value);
+    EXPECT_FALSE(Reachable_convertArray<CConverter>::value);
+    EXPECT_FALSE(Reachable_m_Value<CValueWithUnit>::value);
+    EXPECT_FALSE(Reachable_m_Unit<CValueWithUnit>::value);
+    EXPECT_FALSE(Reachable_m_Value<Convert>::value);
+    EXPECT_FALSE(Reachable_m_Unit<Convert>::value);
+    EXPECT_FALSE(Reachable_write<CStandardUnitFormat>::value);
+}
+
+TEST(Boundary, UnitsAreMadeByTheAlgebraAndNeverCopied) {
+    EXPECT_FALSE((std::is_constructible_v<CBaseUnit, string_t>));
+    EXPECT_FALSE(std::is_default_constructible_v<CProductUnit>);
+    EXPECT_FALSE(std::is_copy_constructible_v<CTransformedUnit>);
+    EXPECT_FALSE(std::is_copy_assignable_v<CAlternateUnit>);
+    EXPECT_TRUE(std::has_virtual_destructor_v<CUnit>);
+    EXPECT_TRUE(std::has_virtual_destructor_v<CConverter>);
+}
+
+}  // namespace
+}  // namespace mensor
