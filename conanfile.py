@@ -1,0 +1,31 @@
+# For those who take their dependencies from Conan: conan install . --build=missing, then configure
+# with the toolchain file that it writes.
+from conan import ConanFile
+from conan.tools.cmake import CMake, cmake_layout
+
+
+class Mensor(ConanFile):
+    name = "mensor"
+    version = "1.0.0"
+    description = "Physical units of measure at run time"
+    license = "MIT"
+    settings = "os", "compiler", "build_type", "arch"
+    requires = "log4cplus/[>=2.0 <3]", "tiny-utf8/[>=4.4]"
+    generators = "CMakeDeps", "CMakeToolchain"
+    exports_sources = "CMakeLists.txt", "LICENSE", "cmake/*", "packaging/*", "src/*", "tools/*"
+
+    def layout(self):
+        cmake_layout(self)
+
+    def build(self):
+        cmake = CMake(self)
+        cmake.configure(variables={"MENSOR_TESTS": "OFF", "MENSOR_EXAMPLES": "OFF"})
+        cmake.build()
+
+    def package(self):
+        CMake(self).install()
+
+    def package_info(self):
+        # Ours says more than Conan's own would: which class string_t is.
+        self.cpp_info.set_property("cmake_find_mode", "none")
+        self.cpp_info.builddirs.append("lib/cmake/mensor")
