@@ -22,6 +22,15 @@ install(FILES
     ${PROJECT_BINARY_DIR}/mensorConfigVersion.cmake
   DESTINATION ${MENSOR_CMAKE_DIR} COMPONENT libmensor-dev)
 
+# gdb loads the printers with the library, whose whole path their place repeats, as it is when they
+# are installed. They read the library's own string only.
+if(MENSOR_STRING_CHOICE STREQUAL "own")
+  install(FILES tools/gdb/mensor_gdb.py
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/gdb/auto-load\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}"
+    RENAME libmensor.so.${PROJECT_VERSION}-gdb.py
+    COMPONENT libmensor1)
+endif()
+
 # The way from the folder of mensor.pc up to the prefix, so that the installed tree may be moved.
 file(RELATIVE_PATH MENSOR_PC_PREFIX
   ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})

@@ -69,10 +69,11 @@ mensor_package(libmensor-dev libdevel same
   "libmensor1 (= ${version}), libmensor-checked1 (= ${version})"
   "physical units of measure at run time - development files" "${what}
 This package holds the headers and what CMake and pkg-config need.")
-mensor_package(mensor-tools utils foreign "libmensor1 (>= ${PROJECT_VERSION})"
+mensor_package(mensor-tools utils foreign
+  "libmensor1 (>= ${PROJECT_VERSION}), libmensor-checked1 (>= ${PROJECT_VERSION})"
   "convert between units of measure on the command line" "${what}
-This package holds mensor-convert, which converts values and lists the
-catalogue.")
+This package holds mensor, which converts, explains and lists units, and
+mensor-convert, a small filter for values.")
 
 foreach(key LIBMENSOR1 LIBMENSOR-CHECKED1)
   set(CPACK_DEBIAN_${key}_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/packaging/debian/triggers)

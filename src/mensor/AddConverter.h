@@ -51,6 +51,8 @@ protected:
     void convertArray(const double* values, double* results, std::size_t count) const override;
 
 private:
+    friend struct detail::DebugLayout;
+
     double m_Offset;  // added by convert(), in the target unit; never changes
 };
 

@@ -144,6 +144,8 @@ protected:
     void convertArray(const double* values, double* results, std::size_t count) const override;
 
 private:
+    friend struct detail::DebugLayout;
+
     // One step of the chain as convert() runs it: a known operation and its constant, or a converter
     // of a class that only its own convert() knows.
     struct Step {

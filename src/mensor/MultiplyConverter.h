@@ -46,6 +46,8 @@ protected:
     void convertArray(const double* values, double* results, std::size_t count) const override;
 
 private:
+    friend struct detail::DebugLayout;
+
     double m_Factor;  // multiplied by convert(); never changes
 };
 

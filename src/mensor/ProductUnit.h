@@ -67,6 +67,8 @@ protected:
     CProductUnit();
 
 private:
+    friend struct detail::DebugLayout;
+
     friend struct detail::Tables;
 
     MENSOR_LOCAL explicit CProductUnit(const std::vector<CUnitRationalPower>& elements);

@@ -49,6 +49,8 @@ public:
     string_t getSymbol() override;
 
 private:
+    friend struct detail::DebugLayout;
+
     CUnitPtr _systemUnit;     // onto which this unit converts; never changes
     CConverterPtr _toSystem;  // from this unit to _systemUnit; never changes
 };

@@ -231,6 +231,7 @@ protected:
 private:
     friend class CUnitFormat;
     friend struct detail::Tables;
+    friend struct detail::DebugLayout;
 
     MENSOR_LOCAL static CUnitPtr getUnitByIndexOrExpandTable(int index, std::vector<CUnitPtr>& table);
     template <class Make>

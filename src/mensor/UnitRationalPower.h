@@ -37,6 +37,8 @@ public:
     bool operator==(const CUnitRationalPower& other) const;
 
 private:
+    friend struct detail::DebugLayout;
+
     CUnitPtr m_Unit;
     int m_Pow;
     int m_Root;

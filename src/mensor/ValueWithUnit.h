@@ -54,6 +54,8 @@ public:
     static CValueWithUnit fromString(const std::string& text);
 
 private:
+    friend struct detail::DebugLayout;
+
     double m_Value;   // expressed in m_Unit
     CUnitPtr m_Unit;  // shared with the registry
 };

@@ -7,4 +7,10 @@
 #define MENSOR_API __attribute__((visibility("default")))
 #define MENSOR_LOCAL __attribute__((visibility("hidden")))
 
+namespace mensor {
+namespace detail {
+struct DebugLayout;  // tells debuggers where the members of the classes are
+}
+}  // namespace mensor
+
 #endif  // MENSOR_MENSOR_EXPORT_H

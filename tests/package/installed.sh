@@ -2,7 +2,7 @@
 # usage: installed.sh DEBS ROOT ARCHITECTURE TRIPLET CLIENT "COMPILER AND FLAGS" [EMULATOR...]
 #
 # Unpacks the packages in DEBS into the fresh folder ROOT, looks at what they say of themselves, runs
-# the tool, and builds and runs the client there.
+# the tools, and builds and runs the client there.
 set -eu
 debs=$1 root=$2 architecture=$3 triplet=$4 work=$5 compiler=$6
 shift 6
@@ -41,7 +41,10 @@ while [ "$1" != -- ]; do
 done
 converted=$(LD_LIBRARY_PATH=$libdir ${emulator-} "$root/usr/bin/mensor-convert" "2.5 km" m)
 [ "$converted" = "2.5 km = 2500 m" ] || fail "mensor-convert prints $converted"
-gzip -dc "$root/usr/share/man/man1/mensor-convert.1.gz" | grep -q '^\.TH MENSOR-CONVERT 1' ||
-    fail "no page of the manual for mensor-convert"
+LD_LIBRARY_PATH=$libdir ${emulator-} "$root/usr/bin/mensor" --version > /dev/null
+for tool in mensor mensor-convert; do
+    gzip -dc "$root/usr/share/man/man1/$tool.1.gz" | grep -qi "^\.TH $tool 1" ||
+        fail "no page of the manual for $tool"
+done
 
 exec "$here/pkg_config.sh" "$libdir" "$work" "$here/client/client.expected" "$compiler" ${emulator-}

@@ -1,0 +1,43 @@
+#include "mensor/debug_layout.h"
+
+#include <cstddef>
+
+#include "mensor/AddConverter.h"
+#include "mensor/Converter.h"
+#include "mensor/MultiplyConverter.h"
+#include "mensor/ProductUnit.h"
+#include "mensor/TransformedUnit.h"
+#include "mensor/Unit.h"
+#include "mensor/UnitRationalPower.h"
+#include "mensor/ValueWithUnit.h"
+#include "mensor/tables.h"
+
+// Both compilers know offsetof in classes with virtual functions, as long as no base is virtual.
+#pragma GCC diagnostic ignored "-Winvalid-offsetof"
+
+namespace mensor {
+
+constexpr detail::DebugLayout detail::DebugLayout::make() {
+    return {&createdTables,
+            offsetof(detail::Tables, UnitLabel),
+            offsetof(CUnit, m_Symbol),
+            offsetof(CTransformedUnit, _systemUnit),
+            offsetof(CTransformedUnit, _toSystem),
+            offsetof(CProductUnit, m_Elements),
+            offsetof(CProductUnit, m_SystemUnitCach),
+            sizeof(CUnitRationalPower),
+            offsetof(CUnitRationalPower, m_Unit),
+            offsetof(CUnitRationalPower, m_Pow),
+            offsetof(CUnitRationalPower, m_Root),
+            offsetof(CCompound, m_First),
+            offsetof(CCompound, m_Second),
+            offsetof(CAddConverter, m_Offset),
+            offsetof(CMultiplyConverter, m_Factor),
+            offsetof(CValueWithUnit, m_Value),
+            offsetof(CValueWithUnit, m_Unit)};
+}
+
+// Constant: in place before anything runs.
+const detail::DebugLayout debugLayout = detail::DebugLayout::make();
+
+}  // namespace mensor

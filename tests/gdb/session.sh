@@ -1,0 +1,47 @@
+#!/bin/sh
+# usage: session.sh ROOT TRIPLET WORK COMPILER
+#
+# Compiles debuggee.cpp against the packages unpacked in ROOT, whose library is stripped, looks at its
+# variables with gdb, and compares what gdb shows: once in the stopped process, once in its core file.
+# Nothing tells gdb of the printers but where they are installed.
+set -eu
+root=$1 triplet=$2 work=$3 compiler=$4
+here=$(dirname "$0")
+libdir=$root/usr/lib/$triplet
+
+rm -rf "$work"
+mkdir -p "$work"
+$compiler -std=c++17 -g -O0 "$here/debuggee.cpp" -o "$work/debuggee" \
+    -I"$root/usr/include" -L"$libdir" -lmensor -Wl,-rpath,"$libdir"
+
+# gdb looks for printers in <folder of printers>/<path of the library>. The library's path is that
+# of ROOT here, so the printers' folder is shown to gdb under it.
+mkdir -p "$work/printers$(dirname "$root")"
+ln -s "$root/usr/share/gdb/auto-load" "$work/printers$root"
+
+variables="metre newton kilometre celsius speed flow mile perMile root one none own
+    toMetre toKelvin chain same missing distance third text power"
+for variable in $variables; do
+    printf 'printf "%s = "\noutput %s\necho \\n\n' "$variable" "$variable"
+done > "$work/look"
+
+session() {
+    LC_ALL=C.UTF-8 gdb -nx -batch -iex "set auto-load safe-path $root:$work:/usr" \
+        -iex "set auto-load scripts-directory $work/printers:/usr/share/gdb/auto-load" \
+        -iex 'set debuginfod enabled off' "$@" 2>&1
+}
+
+session -ex 'break stop' -ex run -ex 'echo FRAME\n' -ex 'info args' \
+    -ex 'up' -ex 'echo BEGIN\n' -x "$work/look" -ex 'echo END\n' \
+    -ex "generate-core-file $work/core" -ex kill "$work/debuggee" > "$work/process.log" ||
+    { cat "$work/process.log"; exit 1; }
+session -ex 'frame function main' -ex 'echo BEGIN\n' -x "$work/look" -ex 'echo END\n' \
+    "$work/debuggee" "$work/core" > "$work/core.log" || { cat "$work/core.log"; exit 1; }
+
+shown() { sed -n '/^BEGIN$/,/^END$/p' "$1" | sed '1d;$d'; }
+{
+    sed -n '/^FRAME$/,/^#1/p' "$work/process.log" | grep ' = '
+    shown "$work/process.log"
+} | diff -u "$here/session.expected" - || { tail -n 20 "$work/process.log"; exit 1; }
+shown "$work/process.log" > "$work/process.shown"
+shown "$work/core.log" | diff -u "$work/process.shown" -
