@@ -11,7 +11,7 @@ shift 3
 case $kind in
     names)
         found=$("$1" -DCS --defined-only "$2" | sed -E -e 's/@.*//' \
-            -e 's/^[0-9a-f]+ 0*([0-9a-f]+) V (vtable .*)/V \2, 0x\1 bytes/' \
+            -e 's/^[0-9a-f]+ 0*([0-9a-f]+) ([VD]) (vtable .*)/\2 \3, 0x\1 bytes/' \
             -e 's/^[0-9a-f]+ ([0-9a-f]+ )?([A-Za-z] )/\2/' | LC_ALL=C sort -u) ;;
     sizes)
         found=$("$@") ;;
