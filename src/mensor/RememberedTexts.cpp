@@ -5,9 +5,9 @@
 namespace mensor {
 namespace detail {
 
-RememberedTexts rememberedTexts;
+CRememberedTexts rememberedTexts;
 
-RememberedTexts::Key::Key(std::string_view text) noexcept : Words{}, Slot(0) {
+CRememberedTexts::Key::Key(std::string_view text) noexcept : Words{}, Slot(0) {
     std::memcpy(Words.data(), text.data(), text.size());
     reinterpret_cast<unsigned char*>(Words.data())[LongestText] =
         static_cast<unsigned char>(text.size());
@@ -19,7 +19,7 @@ RememberedTexts::Key::Key(std::string_view text) noexcept : Words{}, Slot(0) {
     Slot = static_cast<std::size_t>(mixed >> 32) % SlotCount;
 }
 
-CUnit* RememberedTexts::find(std::string_view text, unsigned epoch) const noexcept {
+CUnit* CRememberedTexts::find(std::string_view text, unsigned epoch) const noexcept {
     if (text.size() > LongestText) {
         return nullptr;
     }
@@ -40,7 +40,7 @@ CUnit* RememberedTexts::find(std::string_view text, unsigned epoch) const noexce
     return nullptr;
 }
 
-void RememberedTexts::keep(std::string_view text, unsigned epoch, CUnit* unit) noexcept {
+void CRememberedTexts::keep(std::string_view text, unsigned epoch, CUnit* unit) noexcept {
     if (text.size() > LongestText) {
         return;
     }

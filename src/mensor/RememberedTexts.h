@@ -26,7 +26,7 @@ class CUnit;
 
 namespace detail {
 
-class RememberedTexts {
+class CRememberedTexts {
 public:
     // The unit that `text` denoted when it was kept under this epoch of names, or none.
     CUnit* find(std::string_view text, unsigned epoch) const noexcept;
@@ -58,7 +58,7 @@ private:
     std::atomic<unsigned> m_Displacements;  // chooses whom a new text displaces
 };
 
-extern RememberedTexts rememberedTexts;
+extern CRememberedTexts rememberedTexts;
 
 }  // namespace detail
 }  // namespace mensor

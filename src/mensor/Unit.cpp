@@ -45,11 +45,11 @@ std::map<int, CUnitPtr>& seededInstances() {
 }
 
 // What registering `unit` has put into the tables so far; taken out again unless it succeeds.
-class Registration {
+class CRegistration {
 public:
-    explicit Registration(const CUnitPtr& unit) : m_Unit(unit), m_Symbol(tables().Symbols.end()) {}
+    explicit CRegistration(const CUnitPtr& unit) : m_Unit(unit), m_Symbol(tables().Symbols.end()) {}
 
-    ~Registration() {
+    ~CRegistration() {
         if (!m_Unit) {
             return;
         }
@@ -61,8 +61,8 @@ public:
         detail::advance(detail::contextEpoch);
     }
 
-    Registration(const Registration&) = delete;
-    Registration& operator=(const Registration&) = delete;
+    CRegistration(const CRegistration&) = delete;
+    CRegistration& operator=(const CRegistration&) = delete;
 
     void insertSymbol(const string_t& symbol) {
         const auto [position, isNew] = tables().Symbols.emplace(symbol, m_Unit);
@@ -115,7 +115,7 @@ CUnitPtr CUnit::getInstance(CUnitPtr unit) {
     if (found != known.end()) {
         return found->second;
     }
-    Registration registration(unit);
+    CRegistration registration(unit);
     const string_t symbol = unit->getSymbol();
     if (!symbol.empty()) {
         registration.insertSymbol(symbol);

@@ -67,9 +67,9 @@ int parseExponentBytes(std::string_view text) {
     return static_cast<int>(negative ? -n : n);
 }
 
-class Parser {
+class CParser {
 public:
-    explicit Parser(std::string_view text) : m_Text(text) { m_Factors.reserve(UsualFactors); }
+    explicit CParser(std::string_view text) : m_Text(text) { m_Factors.reserve(UsualFactors); }
 
     CUnitPtr parse() {
         const char* const end = m_Text.data() + m_Text.size();
@@ -409,13 +409,13 @@ void CUnitFormat::labelPrefixedUnit(const std::vector<ePrefix>& prefixes,
 CUnitPtr CUnitFormat::parseUnit(const string_t& text) {
     const std::string_view bytes(text.data(), text.size());
     if (detail::handedOut.load(std::memory_order_acquire)) {
-        return Parser(bytes).parse();
+        return CParser(bytes).parse();
     }
     const unsigned epoch = detail::namesEpoch.load(std::memory_order_acquire);
     if (CUnit* const remembered = detail::rememberedTexts.find(bytes, epoch)) {
         return remembered->shared_from_this();
     }
-    CUnitPtr unit = Parser(bytes).parse();
+    CUnitPtr unit = CParser(bytes).parse();
     if (isRegistered(unit)) {
         detail::rememberedTexts.keep(bytes, epoch, unit.get());
     }

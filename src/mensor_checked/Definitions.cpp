@@ -48,9 +48,9 @@ struct CObstacle {
     CUnitPtr InTheWay;
 };
 
-class LineReader {
+class CLineReader {
 public:
-    explicit LineReader(std::string_view line)
+    explicit CLineReader(std::string_view line)
         : m_Line(line), m_Definition(trimmed(line, {0, beginOfComment(line)})) {}
 
     bool isEmpty() const { return m_Definition.Begin == m_Definition.End; }
@@ -234,7 +234,7 @@ CDefinitions tryDefineUnits(std::string_view table) {
         if (!line.empty() && line.back() == '\r') {
             line.remove_suffix(1);
         }
-        const LineReader reader(line);
+        const CLineReader reader(line);
         if (reader.isEmpty()) {
             continue;
         }

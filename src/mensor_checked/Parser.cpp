@@ -40,9 +40,9 @@ bool isInRange(Fraction fraction) {
     return std::abs(fraction.Pow) <= LargestExponent && fraction.Root <= LargestExponent;
 }
 
-class Parser {
+class CParser {
 public:
-    Parser(std::string_view text, const CReadOptions& options)
+    CParser(std::string_view text, const CReadOptions& options)
         : m_Text(text), m_Options(options), m_Cursor(text) {}
 
     std::vector<CFactor> parse() {
@@ -607,7 +607,7 @@ CDiagnosis diagnose(eRefusal code, std::string_view text, CSpan span, std::strin
 }
 
 std::vector<CFactor> parse(std::string_view text, const CReadOptions& options) {
-    return Parser(text, options).parse();
+    return CParser(text, options).parse();
 }
 
 bool isName(std::string_view text) {

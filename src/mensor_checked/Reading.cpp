@@ -22,9 +22,9 @@ namespace checked {
 
 namespace {
 
-class Reader {
+class CReader {
 public:
-    Reader(std::string_view text, const CReadOptions& options)
+    CReader(std::string_view text, const CReadOptions& options)
         : m_Text(text), m_Options(options), m_Factors(parse(text, options)) {}
 
     CReading read(bool isKept) {
@@ -248,7 +248,7 @@ CReading read(std::string_view text, const CReadOptions& options, bool isKept) {
         }
     }
     try {
-        return Reader(text, options).read(isKept);
+        return CReader(text, options).read(isKept);
     } catch (Refused& refused) {
         return {nullptr, std::move(refused.Diagnosis), {}};
     } catch (const std::bad_alloc&) {

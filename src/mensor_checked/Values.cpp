@@ -33,9 +33,9 @@ bool beginsWithWord(std::string_view text, std::string_view word) {
     return next == eKind::END || next == eKind::BLANK;
 }
 
-class ValueReader {
+class CValueReader {
 public:
-    ValueReader(std::string_view text, const CReadOptions& options)
+    CValueReader(std::string_view text, const CReadOptions& options)
         : m_Text(text), m_Options(options) {}
 
     // @throws Refused
@@ -195,7 +195,7 @@ std::optional<std::string> ifReadBack(std::string text, const CUnitPtr& unit) {
 CValueReading tryReadValue(std::string_view text, const CReadOptions& options) {
     const Lock lock;
     try {
-        return ValueReader(text, options).read();
+        return CValueReader(text, options).read();
     } catch (Refused& refused) {
         CValueReading value;
         value.Refusal = std::move(refused.Diagnosis);
