@@ -512,7 +512,8 @@ bool areAlike(const CConverterPtr& a, const CConverterPtr& b) {
         return left && right && areAlike(left->first(), right->first()) &&
                areAlike(left->second(), right->second());
     }
-    return typeid(*a.get()) == typeid(*b.get()) && bitsOf(a->convert(7)) == bitsOf(b->convert(7));
+    const CConverter &stepOfA = *a, &stepOfB = *b;
+    return typeid(stepOfA) == typeid(stepOfB) && bitsOf(a->convert(7)) == bitsOf(b->convert(7));
 }
 
 }  // namespace nest
