@@ -102,6 +102,22 @@ TEST(Packs, CanBeRegisteredInTheOtherOrder) {
     EXPECT_THAT(audit(names), IsEmpty());
 }
 
+// Products that have been read before share no identity with the units of a pack.
+TEST(Packs, CanBeRegisteredAfterTheUnitsOfEveryday) {
+    std::ifstream everyday(MENSOR_TEST_DATA "/everyday.tsv");
+    int count = 0;
+    for (std::string line; std::getline(everyday, line);) {
+        count += tryReadUnit(line.substr(0, line.find('\t'))) ? 1 : 0;
+    }
+    EXPECT_GT(count, 500);
+    registerMost();
+    for (const CPackUnit& row : packUnits()) {
+        if (row.Pack != ePack::IMPERIAL) {
+            expectToBeAsTheTableSays(row);
+        }
+    }
+}
+
 TEST(Packs, LeaveEveryNameOfTheLibraryAsItIs) {
     const auto labels = CUnitFormat::labelUnitMap();
     registerMost();
@@ -122,6 +138,29 @@ TEST(Packs, HoldThePublishedRelations) {
         double Expected;
     };
     const Row rows[] = {
+        {"1 ft", "in", 12},
+        {"1 yd", "ft", 3},
+        {"1 ton", "lb", 2000},
+        {"1 qt", "pt", 2},
+        {"1 pt", "fl_oz", 16},
+        {"1 TWh", "GWh", 1000},
+        {"1 GWh", "MWh", 1000},
+        {"1 MWh", "kWh", 1000},
+        {"1 kWh", "Wh", 1000},
+        {"1 TeV", "GeV", 1000},
+        {"1 GeV", "MeV", 1000},
+        {"1 keV", "eV", 1000},
+        {"1 eV", "meV", 1000},
+        {"1 Ah", "mAh", 1000},
+        {"1 TiB", "GiB", 1024},
+        {"1 Tbit", "Gbit", 1000},
+        {"1 Gbit", "Mbit", 1000},
+        {"1 Gl", "Ml", 1000},
+        {"1 Ml", "kl", 1000},
+        {"1 hl", "dal", 10},
+        {"1 bar_g", "mbar_g", 1000},
+        {"1 bar_g", "kPa_g", 100},
+        {"1 kPa_g", "Pa_g", 1000},
         {"1 mi", "in", 63360},
         {"1 mi", "yd", 1760},
         {"1 nmi", "m", 1852},

@@ -1,0 +1,12 @@
+#!/bin/bash
+# usage: everyday.sh TABLE PACKS COMMAND...    COMMAND is mensor, TABLE has a unit before its first tab.
+#
+# No pack makes a unit of everyday collide: what is refused with all of them is refused without.
+set -eu
+table=$1 packs=$2
+shift 2
+units=$(grep -v '^#' "$table" | cut -f1)
+refused() { "$@" 2>&1 <<< "$units" | grep '^mensor' || true; }
+plain=$(refused "$@" audit -)
+[ "$(wc -l <<< "$units")" -gt 500 ] && [ -n "$plain" ]
+diff <(echo "$plain") <(refused "$@" audit --pack "$packs" -)
