@@ -351,5 +351,40 @@ TEST(LabelTables, AreOneOfEachInTheProcess) {
     EXPECT_EQ(CUnitFormat::labelUnitMap().count("furlong"), 1U);
 }
 
+TEST(Names, AreAllThatUnitForKnowsWithItsPrecedence) {
+    const CUnitPtr labelled = unnamedUnit();
+    CUnitFormat::alias(SI::Second(), "qq");
+    CUnitFormat::label(labelled, "qq");
+    CUnitFormat::alias(SI::Second(), "kg");
+    CUnitFormat::alias(SI::Second(), "qr");
+    const auto names = CUnitFormat::names();
+    EXPECT_EQ(names.at("qq"), labelled);
+    EXPECT_EQ(names.at("kg"), SI::Second());
+    EXPECT_EQ(names.at("qr"), SI::Second());
+    EXPECT_EQ(names.at("km"), SI::Kilo(SI::Meter()));
+    for (const auto& [name, unit] : names) {
+        EXPECT_EQ(CUnitFormat::unitFor(name), unit) << text(name);
+    }
+    EXPECT_EQ(names.size(), CUnitFormat::labelUnitMap().size() + CUnit::symbols().size() + 1)
+        << "all labels, all symbols, and of the aliases \"qr\" alone is no other name";
+}
+
+TEST(Names, HaveAVersionThatTellsWhenOneMayHaveMoved) {
+    const unsigned version = CUnitFormat::namesVersion();
+    EXPECT_NE(version, 0U);
+    CUnit::fromString("kg·m/s^5");
+    CUnitFormat::names();
+    SI::Meter()->multiply(42);
+    EXPECT_EQ(CUnitFormat::namesVersion(), version);
+    CUnitFormat::alias(SI::Meter(), "qq");
+    const unsigned aliased = CUnitFormat::namesVersion();
+    EXPECT_NE(aliased, version);
+    CUnitFormat::label(unnamedUnit(), "qr");
+    EXPECT_NE(CUnitFormat::namesVersion(), aliased);
+    EXPECT_NE(CUnitFormat::namesVersion(), version);
+    CUnitFormat::aliasUnitMap();
+    EXPECT_EQ(CUnitFormat::namesVersion(), 0U) << "from here on the client may change them unseen";
+}
+
 }  // namespace
 }  // namespace mensor

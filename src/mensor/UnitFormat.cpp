@@ -308,6 +308,19 @@ void appendTypographicExponent(string_t& buffer, std::int64_t pow, int root) {
 
 }  // namespace
 
+std::map<string_t, std::shared_ptr<CUnit>> CUnitFormat::names() {
+    const Lock lock(tables().Mutex);
+    std::map<string_t, std::shared_ptr<CUnit>> names = tables().LabelUnit;
+    names.insert(tables().AliasUnit.begin(), tables().AliasUnit.end());
+    names.insert(tables().Symbols.begin(), tables().Symbols.end());
+    return names;
+}
+
+unsigned CUnitFormat::namesVersion() {
+    const unsigned epoch = detail::namesEpoch.load(std::memory_order_acquire);
+    return detail::handedOut.load(std::memory_order_acquire) ? 0 : epoch;
+}
+
 // From here on the client can change the table unseen.
 std::map<string_t, std::shared_ptr<CUnit>>& CUnitFormat::labelUnitMap() {
     detail::handedOut.store(true);

@@ -79,6 +79,21 @@ public:
     static void labelPrefixedUnit(const std::vector<ePrefix>& prefixes,
                                   std::shared_ptr<CUnit> unit);
 
+    /// All that `unitFor` knows: every label, alias and symbol, and the unit it stands for. A copy,
+    /// so the library goes on answering from what it remembers, as it cannot once a client holds one
+    /// of the tables below.
+    /// @par Threads  Any thread, locks CUnit::mutex().
+    static std::map<string_t, std::shared_ptr<CUnit>> names();
+
+    /// A number for what names stand for: while it stays the same and is not 0, every label, alias
+    /// and symbol that stood for a unit stands for it still. 0 from the moment that a client holds one
+    /// of the tables, and may change it unseen.
+    ///
+    ///     const unsigned version = CUnitFormat::namesVersion();
+    ///     // later: version != 0 && version == CUnitFormat::namesVersion()
+    /// @par Threads  Any thread, takes no lock.
+    static unsigned namesVersion();
+
     static std::map<string_t, std::shared_ptr<CUnit>>& labelUnitMap();  ///< caller holds the mutex
     static std::map<std::shared_ptr<CUnit>, string_t>& unitLabelMap();  ///< caller holds the mutex
     static std::map<string_t, std::shared_ptr<CUnit>>& aliasUnitMap();  ///< caller holds the mutex

@@ -26,13 +26,7 @@ bool isPowerOf1000(const CPrefix& prefix) {
 
 std::set<CUnitPtr> namedUnits() {
     std::set<CUnitPtr> units;
-    for (const auto& [label, unit] : CUnitFormat::labelUnitMap()) {
-        units.insert(unit);
-    }
-    for (const auto& [alias, unit] : CUnitFormat::aliasUnitMap()) {
-        units.insert(unit);
-    }
-    for (const auto& [symbol, unit] : CUnit::symbols()) {
+    for (const auto& [name, unit] : CUnitFormat::names()) {
         units.insert(unit);
     }
     return units;

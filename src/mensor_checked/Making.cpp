@@ -204,9 +204,8 @@ CUnitPtr label(const CUnitPtr& unit, const string_t& text) {
     const Lock lock;
     const std::string name = requireName(text, "label");
     requireFree(name, unit);
-    const auto labelled = CUnitFormat::unitLabelMap().find(unit);
-    if (labelled != CUnitFormat::unitLabelMap().end() && !labelled->second.empty() &&
-        labelled->second != text) {
+    const string_t former = CUnitFormat::labelFor(unit);  // the symbol, if there is no label
+    if (!former.empty() && former != unit->getSymbol() && former != text) {
         throw CIdentityError("the label " + quoted(name) + " would take the label " +
                                  describe(unit) + " from the unit; give it an alias",
                              unit);

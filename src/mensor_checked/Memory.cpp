@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "mensor/UnitFormat.h"
 #include "mensor_checked/Names.h"
 
 namespace mensor {
@@ -11,6 +12,7 @@ namespace {
 
 constexpr std::size_t MostPassing = 1000;
 constexpr std::size_t LongestPassing = 100;
+constexpr std::size_t MostSound = 4000;
 
 }  // namespace
 
@@ -20,16 +22,26 @@ CMemory& CMemory::instance(const CReadOptions& options) {
     return options.Differences ? WithDifferences : Plain;
 }
 
-const CMemory::CEntry* CMemory::find(std::string_view text) const {
+const CMemory::CEntry* CMemory::find(std::string_view text) {
     const auto found = m_Entries.find(text);
     if (found == m_Entries.end()) {
         return nullptr;
     }
-    const CEntry& entry = *found->second;
+    CEntry& entry = *found->second;
+    if (entry.Unit->getDimension() != entry.Dimension) {
+        return nullptr;
+    }
+    // A name that is read by another spelling may become a name of its own without a new version, as
+    // a symbol.
+    const unsigned version = CUnitFormat::namesVersion();
+    if (version != 0 && version == entry.Version && entry.AreExact) {
+        return &entry;
+    }
     const bool namesStand =
         std::all_of(entry.Names.begin(), entry.Names.end(),
                     [](const auto& name) { return unitNamed(name.first) == name.second; });
-    return namesStand && entry.Unit->getDimension() == entry.Dimension ? &entry : nullptr;
+    entry.Version = namesStand ? version : 0;
+    return namesStand ? &entry : nullptr;
 }
 
 void CMemory::remember(CEntry entry) {
@@ -48,9 +60,22 @@ void CMemory::remember(CEntry entry) {
         }
         m_Passing = 1;
     }
-    auto kept = std::make_unique<const CEntry>(std::move(entry));
+    entry.Version = CUnitFormat::namesVersion();
+    auto kept = std::make_unique<CEntry>(std::move(entry));
     const std::string_view key = kept->Text;
     m_Entries.emplace(key, std::move(kept));
+}
+
+bool CMemory::isSound(const CUnitPtr& unit) const {
+    const auto found = m_SoundUnits.find(unit);
+    return found != m_SoundUnits.end() && found->second == unit->getDimension();
+}
+
+void CMemory::setSound(const CUnitPtr& unit) {
+    if (m_SoundUnits.size() >= MostSound) {
+        m_SoundUnits.clear();
+    }
+    m_SoundUnits[unit] = unit->getDimension();
 }
 
 }  // namespace checked

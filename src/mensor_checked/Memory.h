@@ -1,10 +1,10 @@
-// Memory.h: texts that have been read before. For the companion's own use; not installed.
+// Memory.h: texts that have been read before, and units that have been found sound. For the
+// companion's own use; not installed.
 //
-// An entry counts only while every name in it still denotes the unit that it denoted then, and the
-// unit still has the dimension that was checked: labels move, and a base unit may be mapped onto
-// another one. Both are asked of the library's tables each time. So remembering saves the algebra and
-// the checks, never the question what a name means; and since nothing but CUnit::mutex() is locked on
-// the way, it is what keeps a warm reader off the units' own locks.
+// A reading counts only while every name in it still denotes the unit that it denoted then: labels
+// move. The library numbers the states of its names (CUnitFormat::namesVersion), so mostly one
+// comparison tells; where it does not, each name is looked up again. And the unit must still have the
+// dimension that was checked, since a base unit may be mapped onto another one.
 //
 // The caller of every function holds the lock.
 #ifndef MENSOR_CHECKED_MEMORY_H
@@ -32,23 +32,30 @@ public:
     struct CEntry {
         std::string Text;
         std::vector<std::pair<std::string, CUnitPtr>> Names;  ///< each as written, and its unit
+        bool AreExact;  ///< whether the library knows all names by this spelling
         CUnitPtr Unit;
         CUnitPtr Dimension;
         std::vector<std::string> Notes;
         bool IsKept;
+        unsigned Version = 0;  ///< of the names when they were last compared
     };
 
     /// The reading of `text`, none if it is not known or no longer stands.
-    const CEntry* find(std::string_view text) const;
+    const CEntry* find(std::string_view text);
 
     /// Keeps a reading, for good if it says so. Of the others at most 1000, none longer than 100
     /// bytes: the texts may come from anywhere.
     void remember(CEntry entry);
 
+    /// Whether the library is known to convert `unit` by its meaning.
+    bool isSound(const CUnitPtr& unit) const;
+    void setSound(const CUnitPtr& unit);
+
 private:
     // The keys are the entries' texts.
-    std::unordered_map<std::string_view, std::unique_ptr<const CEntry>> m_Entries;
+    std::unordered_map<std::string_view, std::unique_ptr<CEntry>> m_Entries;
     std::size_t m_Passing = 0;  // entries that are not kept
+    std::unordered_map<CUnitPtr, CUnitPtr> m_SoundUnits;  // each with the dimension it had
 };
 
 }  // namespace checked

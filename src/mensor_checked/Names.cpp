@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <tuple>
+#include <unordered_map>
 #include <utility>
 
 #include "mensor/ProductUnit.h"
@@ -104,18 +105,17 @@ std::size_t editDistance(const std::u32string& a, const std::u32string& b) {
     return last[b.size()];
 }
 
-// Calls `visit` with every label, alias and symbol.
-template <class Visit>
-void forEachName(Visit visit) {
-    for (const auto& [label, unit] : CUnitFormat::labelUnitMap()) {
-        visit(bytes(label));
+bool isAscii(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; });
+}
+
+CName makeName(std::string_view name) {
+    CName known{unitNamed(name), lookUp(name) != nullptr, false, std::nullopt};
+    if (known.Unit) {
+        known.HasOffset = hasOffset(known.Unit);
+        known.Prefixed = prefixedOffset(name, known.Unit);
     }
-    for (const auto& [alias, unit] : CUnitFormat::aliasUnitMap()) {
-        visit(bytes(alias));
-    }
-    for (const auto& [symbol, unit] : CUnit::symbols()) {
-        visit(bytes(symbol));
-    }
+    return known;
 }
 
 }  // namespace
@@ -125,7 +125,7 @@ CUnitPtr unitNamed(std::string_view name) {
     if (unit) {
         return unit;
     }
-    std::string ours = respelled(name);
+    std::string ours = isAscii(name) ? std::string(name) : respelled(name);
     if (ours != name && (unit = lookUp(ours))) {
         return unit;
     }
@@ -161,6 +161,29 @@ std::optional<CPrefixedOffset> prefixedOffset(std::string_view name, const CUnit
     return std::nullopt;
 }
 
+const CName* knownName(std::string_view name) {
+    // Names that the library does not know, or not by this spelling, are not kept: a new symbol may
+    // make them known, and does not change the version.
+    static std::unordered_map<std::string, CName> Names;
+    static unsigned Version = 0;
+    static CName Passing;
+    const unsigned version = CUnitFormat::namesVersion();
+    if (version == 0 || version != Version) {
+        Names.clear();
+        Version = version;
+    }
+    std::string key(name);
+    const auto found = Names.find(key);
+    if (found != Names.end()) {
+        return &found->second;
+    }
+    Passing = makeName(name);
+    if (!Passing.Unit) {
+        return nullptr;
+    }
+    return Passing.IsExact ? &Names.emplace(std::move(key), Passing).first->second : &Passing;
+}
+
 std::vector<std::string> nearestNames(std::string_view name) {
     constexpr std::size_t LongestName = 24;
     constexpr std::size_t Most = 5;
@@ -176,28 +199,23 @@ std::vector<std::string> nearestNames(std::string_view name) {
         std::string Name;
     };
     std::vector<Candidate> found;
-    forEachName([&](std::string_view known) {
-        constexpr std::size_t LongestCharacter = 4;  // bytes
-        if (known.empty() || known.size() > LongestCharacter * (letters.size() + farthest)) {
-            return;
-        }
+    for (const auto& [label, unit] : CUnitFormat::names()) {
+        const std::string_view known = bytes(label);
         const std::u32string others = codePoints(known);
-        if (others.size() > letters.size() + farthest || letters.size() > others.size() + farthest) {
-            return;
+        if (known.empty() || others.size() > letters.size() + farthest ||
+            letters.size() > others.size() + farthest) {
+            continue;
         }
         const std::size_t distance = editDistance(lowered(letters), lowered(others));
-        if (distance <= farthest && !prefixedOffset(known, lookUp(known))) {
+        if (distance <= farthest && !prefixedOffset(known, unit)) {
             found.push_back({distance, editDistance(letters, others), std::string(known)});
         }
-    });
+    }
     const auto inOrder = [](const Candidate& a, const Candidate& b) {
         return std::tie(a.Distance, a.ExactDistance, a.Name) <
                std::tie(b.Distance, b.ExactDistance, b.Name);
     };
     std::sort(found.begin(), found.end(), inOrder);
-    found.erase(std::unique(found.begin(), found.end(),
-                            [](const Candidate& a, const Candidate& b) { return a.Name == b.Name; }),
-                found.end());
     std::vector<std::string> names;
     for (std::size_t i = 0; i < found.size() && i < Most; ++i) {
         names.push_back(found[i].Name);
@@ -207,18 +225,11 @@ std::vector<std::string> nearestNames(std::string_view name) {
 
 std::vector<std::string> namesOf(const CUnitPtr& unit) {
     std::vector<std::string> names;
-    const auto add = [&](const string_t& name) {
-        if (!name.empty() && CUnitFormat::unitFor(name) == unit) {
+    for (const auto& [name, named] : CUnitFormat::names()) {
+        if (named == unit && !name.empty()) {
             names.push_back(mensor::toStdString(name));
         }
-    };
-    add(CUnitFormat::labelFor(unit));
-    for (const auto& [alias, aliased] : CUnitFormat::aliasUnitMap()) {
-        if (aliased == unit) {
-            add(alias);
-        }
     }
-    add(unit->getSymbol());
     return names;
 }
 

@@ -33,6 +33,18 @@ struct CPrefixedOffset {
 /// Tells "m°C" from other names of `unit`, which `name` denotes.
 std::optional<CPrefixedOffset> prefixedOffset(std::string_view name, const CUnitPtr& unit);
 
+/// What reading asks about a name.
+struct CName {
+    CUnitPtr Unit;                            ///< unitNamed
+    bool IsExact;                             ///< known to the library by exactly this name
+    bool HasOffset;                           ///< hasOffset
+    std::optional<CPrefixedOffset> Prefixed;  ///< prefixedOffset
+};
+
+/// The same, remembered while the library's names stay as they are; none if there is no such name.
+/// Good until the next call.
+const CName* knownName(std::string_view name);
+
 /// The known names nearest to `name`, best first, at most five: the same letters in other case, then
 /// by edit distance.
 std::vector<std::string> nearestNames(std::string_view name);

@@ -398,15 +398,16 @@ private:
 
     void push(CSpan span) {
         const std::string_view name = m_Text.substr(span.Begin, span.End - span.Begin);
-        CUnitPtr unit = unitNamed(name);
-        if (!unit) {
+        const CName* const known = knownName(name);
+        if (known == nullptr) {
             CDiagnosis diagnosis =
                 diagnose(eRefusal::UNKNOWN_NAME, m_Text, span, "no unit has the name " +
                                                                    quoted(std::string(name)));
             diagnosis.Suggestions = nearestNames(name);
             throw Refused{std::move(diagnosis)};
         }
-        m_Factors.push_back({unit, unit, span});
+        m_Factors.push_back({known->Unit, known->Unit, span, known->IsExact, known->HasOffset,
+                             known->Prefixed.has_value()});
     }
 
     void raise(std::size_t begin, Fraction exponent, CSpan span) {

@@ -29,16 +29,13 @@ public:
 
     CReading read(bool isKept) {
         checkScales();
-        const CMeaning meaning = this->meaning();
         const std::vector<CElement> elements = this->elements();
-        if (!isNormal(meaning.factor())) {
-            refuse(eRefusal::FACTOR_RANGE, whole(),
-                   "a unit of this size is beyond the range of numbers");
-        }
-        const CUnitPtr unit = build(elements);
-        checkIdentity(unit, elements, meaning);
-        if (const auto fault = dimensionFault(unit, meaning)) {
-            refuseDimension(*fault, meaning);
+        const CUnitPtr unit = isAlone() ? m_Factors[0].Unit : build(elements);
+        checkIdentity(unit, elements);
+        CMemory& memory = CMemory::instance(m_Options);
+        if (!memory.isSound(unit)) {
+            checkDimension(unit);
+            memory.setSound(unit);
         }
         remember(unit, isKept);
         return {unit, std::nullopt, std::move(m_Notes)};
@@ -53,13 +50,11 @@ private:
     void checkScales() {
         const bool isAlone = this->isAlone();
         for (CFactor& factor : m_Factors) {
-            const std::string name = nameOf(factor);
-            if (hasOffset(factor.Unit)) {
-                if (!isAlone) {
-                    takeDifference(factor, name);
-                }
-            } else if (const auto prefixed = prefixedOffset(name, factor.Unit)) {
-                checkPrefixedOffset(factor, name, *prefixed);
+            if (factor.HasOffset && !isAlone) {
+                takeDifference(factor, nameOf(factor));
+            } else if (factor.IsPrefixed) {
+                const std::string name = nameOf(factor);
+                checkPrefixedOffset(factor, name, *prefixedOffset(name, factor.Unit));
             }
         }
     }
@@ -167,23 +162,23 @@ private:
         if (m_Factors.empty()) {
             return;  // whether the empty text is a unit is not a question of units
         }
-        CMemory::CEntry entry{std::string(m_Text),   {},      unit,
-                              unit->getDimension(), m_Notes, isKept};
+        CMemory::CEntry entry{std::string(m_Text), {}, true, unit, unit->getDimension(), m_Notes, isKept};
         for (const CFactor& factor : m_Factors) {
             entry.Names.emplace_back(nameOf(factor), factor.Named);
+            entry.AreExact = entry.AreExact && factor.IsExact;
         }
         CMemory::instance(m_Options).remember(std::move(entry));
     }
 
     // A product is one object wherever in it the prefixes stand, so N·mm may come as mN·m: the same
     // units to the same powers, of the same size. That is said, but not refused.
-    void checkIdentity(const CUnitPtr& unit, const std::vector<CElement>& elements,
-                       const CMeaning& meaning) {
+    void checkIdentity(const CUnitPtr& unit, const std::vector<CElement>& elements) {
         std::vector<CElement> given;
         multiplyInto(given, unit, 1);
         if (haveSameElements(given, elements)) {
             return;
         }
+        const CMeaning meaning = this->meaning();
         const CMeaning other = meaningOf(unit);
         if (other != meaning ||
             !haveSameElements(systemElements(given), systemElements(elements))) {
@@ -204,6 +199,17 @@ private:
         CDiagnosis diagnosis = diagnose(eRefusal::COLLISION, m_Text, whole(), std::move(sentence));
         diagnosis.Readings = {meaning.toString(), other.toString()};
         throw Refused{std::move(diagnosis)};
+    }
+
+    void checkDimension(const CUnitPtr& unit) const {
+        const CMeaning meaning = this->meaning();
+        if (!isNormal(meaning.factor())) {
+            refuse(eRefusal::FACTOR_RANGE, whole(),
+                   "a unit of this size is beyond the range of numbers");
+        }
+        if (const auto fault = dimensionFault(unit, meaning)) {
+            refuseDimension(*fault, meaning);
+        }
     }
 
     [[noreturn]] void refuseDimension(const CDimensionFault& fault, const CMeaning& meaning) const {

@@ -1,6 +1,5 @@
 #include "mensor_checked/WarmUp.h"
 
-#include <set>
 #include <utility>
 
 #include "mensor/UnitFormat.h"
@@ -25,26 +24,12 @@ void warm(const CUnitPtr& unit) {
     }
 }
 
-std::set<string_t> namesInUse() {
-    std::set<string_t> names;
-    for (const auto& [label, unit] : CUnitFormat::labelUnitMap()) {
-        names.insert(label);
-    }
-    for (const auto& [alias, unit] : CUnitFormat::aliasUnitMap()) {
-        names.insert(alias);
-    }
-    for (const auto& [symbol, unit] : CUnit::symbols()) {
-        names.insert(symbol);
-    }
-    return names;
-}
-
 }  // namespace
 
 std::vector<CFinding> warmUp(const std::vector<std::string>& texts, const CReadOptions& options) {
     const Lock lock;
-    for (const string_t& name : namesInUse()) {
-        warm(CUnitFormat::unitFor(name));
+    for (const auto& [name, unit] : CUnitFormat::names()) {
+        warm(unit);
         read(mensor::toStdString(name), options, true);
     }
     std::vector<CFinding> findings;
