@@ -5,5 +5,5 @@
 set -eu
 rm -rf "$3"
 "$1" --install "$2" --component mensor-tools --prefix "$3" > /dev/null
-[ -x "$3/$4/mensor" ] && [ -s "$3/$5/man1/mensor.1" ] &&
+[ -x "$3/$4/mensor" ] && [ -n "$(find "$3/$5/man1" -name "mensor.1*" -size +0)" ] &&
     [ -s "$3/$6/bash-completion/completions/mensor" ]
