@@ -2,6 +2,7 @@
 //
 //     catalogue markdown > docs/catalogue.md
 //     catalogue json > catalogue.json
+//     catalogue convert 2.5 km              "2500<tab>m" and so on: what the site is compared with
 //
 // Written here are the names of quantities, the definitions in words and the published values;
 // every symbol, label and factor comes from the library.
@@ -9,6 +10,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <iostream>
 #include <iterator>
@@ -88,14 +90,16 @@ std::vector<NonSiRow> nonSiRows() {
         {"DegreeAngle", NonSI::DegreeAngle(), PI / 180, TABLE8},
         {"MinuteAngle", NonSI::MinuteAngle(), PI / 10800, TABLE8},
         {"SecondAngle", NonSI::SecondAngle(), PI / 648000, TABLE8},
-        {"CentiRadian", NonSI::CentiRadian(), 0.01, "0.01 rad; it takes the place of the label crad"},
+        {"CentiRadian", NonSI::CentiRadian(), 0.01,
+         "0.01 rad; it takes the place of the label crad"},
         {"Grade", NonSI::Grade(), PI / 200, "NIST SP 811, the gon: π/200 rad"},
         {"Byte", NonSI::Byte(), 8, "IEC 80000-13"},
         {"Octet", NonSI::Octet(), 8, "the very object of the byte"},
         {"Atmosphere", NonSI::Atmosphere(), 101325, "10th CGPM (1954), resolution 4"},
         {"Bar", NonSI::Bar(), 100000, "NIST SP 811"},
         {"Psi", NonSI::Psi(), 0.45359237 * 9.80665 / (0.0254 * 0.0254),
-         "a short decimal by choice; exact is 0.45359237 kg · 9.80665 m/s² / (0.0254 m)². Not built "
+         "a short decimal by choice; exact is 0.45359237 kg · 9.80665 m/s² / (0.0254 m)². Not "
+         "built "
          "at load: read only after the accessor was called"},
         {"MilliBar", NonSI::MilliBar(), 100, "0.001 bar; it takes the place of the label hPa"},
         {"MillimeterOfMercury", NonSI::MillimeterOfMercury(), 133.322387415,
@@ -122,16 +126,32 @@ std::vector<NonSiRow> nonSiRows() {
 
 const std::map<std::string, const char*>& quantities() {
     static const std::map<std::string, const char*> names{
-        {"A", "Electric current"}, {"cd", "Luminous intensity and flux"}, {"K", "Temperature"},
-        {"kg", "Mass"}, {"m", "Length"}, {"mol", "Amount of substance"}, {"s", "Time"},
-        {"One", "Numbers, angles and information"}, {"1/s", "Frequency and activity"},
-        {"m·kg/s²", "Force"}, {"m²·kg/s²", "Energy"}, {"m²·kg/s³", "Power"},
-        {"kg/(m·s²)", "Pressure"}, {"s·A", "Electric charge"}, {"m³", "Volume"},
-        {"m²·kg/(s³·A)", "Electric potential difference"}, {"mol/s", "Catalytic activity"},
-        {"m²·kg/(s³·A²)", "Electric resistance"}, {"m²·kg/(s²·A)", "Magnetic flux"},
-        {"m²·kg/(s²·A²)", "Inductance"}, {"m²/s²", "Absorbed dose and dose equivalent"},
-        {"kg/(s²·A)", "Magnetic flux density"}, {"s^4·A²/(m²·kg)", "Capacitance"},
-        {"A²·s³/(m²·kg)", "Electric conductance"}, {"cd/m²", "Illuminance"}, {"m/s²", "Acceleration"}};
+        {"A", "Electric current"},
+        {"cd", "Luminous intensity and flux"},
+        {"K", "Temperature"},
+        {"kg", "Mass"},
+        {"m", "Length"},
+        {"mol", "Amount of substance"},
+        {"s", "Time"},
+        {"One", "Numbers, angles and information"},
+        {"1/s", "Frequency and activity"},
+        {"m·kg/s²", "Force"},
+        {"m²·kg/s²", "Energy"},
+        {"m²·kg/s³", "Power"},
+        {"kg/(m·s²)", "Pressure"},
+        {"s·A", "Electric charge"},
+        {"m³", "Volume"},
+        {"m²·kg/(s³·A)", "Electric potential difference"},
+        {"mol/s", "Catalytic activity"},
+        {"m²·kg/(s³·A²)", "Electric resistance"},
+        {"m²·kg/(s²·A)", "Magnetic flux"},
+        {"m²·kg/(s²·A²)", "Inductance"},
+        {"m²/s²", "Absorbed dose and dose equivalent"},
+        {"kg/(s²·A)", "Magnetic flux density"},
+        {"s^4·A²/(m²·kg)", "Capacitance"},
+        {"A²·s³/(m²·kg)", "Electric conductance"},
+        {"cd/m²", "Illuminance"},
+        {"m/s²", "Acceleration"}};
     return names;
 }
 
@@ -146,7 +166,8 @@ struct Affine {
     double Offset;
 
     std::string in(const std::string& unit) const {
-        return shortest(Factor) + ' ' + unit + (Offset == 0 ? "" : " + " + shortest(Offset) + ' ' + unit);
+        return shortest(Factor) + ' ' + unit +
+               (Offset == 0 ? "" : " + " + shortest(Offset) + ' ' + unit);
     }
 };
 
@@ -169,9 +190,11 @@ std::map<std::string, std::vector<Entry>> entries() {
     std::map<std::string, CUnitPtr> units;
     {
         const std::lock_guard<std::recursive_mutex> lock(CUnit::mutex());
-        for (const auto& [symbol, unit] : CUnit::symbols()) units.emplace(toStdString(symbol), unit);
+        for (const auto& [symbol, unit] : CUnit::symbols())
+            units.emplace(toStdString(symbol), unit);
         for (const auto& [label, unit] : CUnitFormat::labelUnitMap())
-            if (!toStdString(label).empty()) units.emplace(toStdString(label), unit);
+            if (!toStdString(label).empty())
+                units.emplace(toStdString(label), unit);
     }
     std::map<std::string, std::vector<Entry>> groups;
     for (const auto& [name, unit] : units) {
@@ -208,8 +231,8 @@ the first call. Definitions and prefixes are those of the SI brochure, 9th editi
         const CUnitPtr base = row.Unit->getDimension();
         const std::string text = base->toStdString() == "One" ? "1" : base->toStdString();
         const Affine size = affine(row.Unit, base);
-        std::cout << "| `SI::" << row.Accessor << "` | `" << nameOf(row.Unit) << "` | " << row.Quantity
-                  << " | " << row.Definition << " | "
+        std::cout << "| `SI::" << row.Accessor << "` | `" << nameOf(row.Unit) << "` | "
+                  << row.Quantity << " | " << row.Definition << " | "
                   << (size.Factor == 1 && size.Offset == 0 ? text : size.in(text)) << " |\n";
     }
     std::cout << R"(
@@ -230,9 +253,10 @@ is left in the sixteenth digit.
             std::snprintf(off, sizeof off, "%.1e", (factor - row.Published) / row.Published);
         const std::string name = nameOf(row.Unit);
         const std::string unit = system->toStdString();
-        std::cout << "| `NonSI::" << row.Accessor << "` | " << (name.empty() ? "" : "`" + name + "`")
-                  << " | " << shortest(factor) << (unit == "One" ? "" : " " + unit) << " | " << off
-                  << " | " << row.Remark << " |\n";
+        std::cout << "| `NonSI::" << row.Accessor << "` | "
+                  << (name.empty() ? "" : "`" + name + "`") << " | " << shortest(factor)
+                  << (unit == "One" ? "" : " " + unit) << " | " << off << " | " << row.Remark
+                  << " |\n";
     }
     std::cout << R"(
 ## Prefixes
@@ -240,9 +264,9 @@ is left in the sixteenth digit.
 | Prefix | Symbol | Factor |
 |---|---|---|
 )";
-    static const char* const names[] = {"Yotta", "Zetta", "Exa",   "Peta",  "Tera",  "Giga", "Mega",
-                                        "Kilo",  "Hecto", "Deka",  "Deci",  "Centi", "Milli", "Micro",
-                                        "Nano",  "Pico",  "Femto", "Atto",  "Zepto", "Yocto"};
+    static const char* const names[] = {
+        "Yotta", "Zetta", "Exa",   "Peta",  "Tera", "Giga", "Mega",  "Kilo", "Hecto", "Deka",
+        "Deci",  "Centi", "Milli", "Micro", "Nano", "Pico", "Femto", "Atto", "Zepto", "Yocto"};
     for (std::size_t i = 0; i < prefixes().size(); ++i)
         std::cout << "| `SI::" << names[i] << "` | `" << toStdString(prefixes()[i].Symbol) << "` | "
                   << shortest(prefixes()[i].Factor) << " |\n";
@@ -268,7 +292,8 @@ and `mK` has become `m°C`, with all prefixed kelvins, since identity does not l
 std::string quoted(const std::string& text) {
     std::string result = "\"";
     for (const char c : text) {
-        if (c == '"' || c == '\\') result += '\\';
+        if (c == '"' || c == '\\')
+            result += '\\';
         result += c;
     }
     return result + '"';
@@ -279,14 +304,24 @@ void writeJson() {
     const char* comma = "";
     for (const auto& [dimension, group] : entries()) {
         for (const Entry& entry : group) {
-            std::cout << comma << "{\"name\":" << quoted(entry.Name) << ",\"quantity\":"
-                      << quoted(quantityOf(dimension)) << ",\"dimension\":" << quoted(dimension)
+            std::cout << comma << "{\"name\":" << quoted(entry.Name)
+                      << ",\"quantity\":" << quoted(quantityOf(dimension))
+                      << ",\"dimension\":" << quoted(dimension)
                       << ",\"factor\":" << shortest(entry.Size.Factor)
                       << ",\"offset\":" << shortest(entry.Size.Offset) << '}';
             comma = ",\n";
         }
     }
     std::cout << "\n]\n";
+}
+
+void writeConversions(double value, const std::string& name) {
+    const CUnitPtr unit = CUnitFormat::unitFor(name);
+    for (const auto& [dimension, group] : entries())
+        for (const Entry& entry : group)
+            if (unit->isCompatible(entry.Unit))
+                std::cout << shortest(unit->convertValueToUnit(value, entry.Unit)) << '\t'
+                          << entry.Name << '\n';
 }
 
 }  // namespace
@@ -297,8 +332,11 @@ int main(int argc, char** argv) {
     } else if (argc == 2 && std::strcmp(argv[1], "json") == 0) {
         NonSI::Psi();
         writeJson();
+    } else if (argc == 4 && std::strcmp(argv[1], "convert") == 0) {
+        NonSI::Psi();
+        writeConversions(std::strtod(argv[2], nullptr), argv[3]);
     } else {
-        std::cerr << "usage: catalogue markdown | json\n";
+        std::cerr << "usage: catalogue markdown | json | convert NUMBER UNIT\n";
         return 2;
     }
     return std::cout.flush() ? 0 : 1;

@@ -39,11 +39,12 @@ void add(unsigned hash, const std::string& text, const CMeaning& meaning) {
 
 int main() {
     const std::vector<CUnitPtr> units{
-        SI::Ampere(), SI::Candela(), SI::Kelvin(), SI::Kilogram(), SI::Meter(), SI::Mole(),
-        SI::Second(), SI::Radian(), SI::Steradian(), SI::Bit(), SI::Hertz(), SI::Becquerel(),
-        SI::Newton(), SI::Joule(), SI::Watt(), SI::Volt(), SI::Ohm(), SI::Weber(), SI::Henry(),
-        SI::Gray(), SI::Sievert(), SI::Pascal(), SI::Coulomb(), SI::Farad(), SI::Siemens(),
-        SI::Tesla(), SI::Lumen(), SI::Lux(), SI::Katal()};
+        SI::Ampere(),  SI::Candela(),   SI::Kelvin(),  SI::Kilogram(),  SI::Meter(),
+        SI::Mole(),    SI::Second(),    SI::Radian(),  SI::Steradian(), SI::Bit(),
+        SI::Hertz(),   SI::Becquerel(), SI::Newton(),  SI::Joule(),     SI::Watt(),
+        SI::Volt(),    SI::Ohm(),       SI::Weber(),   SI::Henry(),     SI::Gray(),
+        SI::Sievert(), SI::Pascal(),    SI::Coulomb(), SI::Farad(),     SI::Siemens(),
+        SI::Tesla(),   SI::Lumen(),     SI::Lux(),     SI::Katal()};
     const auto hash = [](const CUnitPtr& unit) { return static_cast<unsigned>(unit->hashCode()); };
     const auto name = [](const CUnitPtr& unit) { return toStdString(unit->getSymbol()); };
 
@@ -60,10 +61,13 @@ int main() {
         for (std::size_t k = 0; k < units.size(); ++k) {
             const CUnitPtr &a = units[i], &b = units[k];
             const CMeaning left = checked::meaningOf(a), right = checked::meaningOf(b);
-            if (i < k) add(hash(a) + hash(b), name(a) + "·" + name(b), left * right);
-            if (i != k) add(hash(a) - 5U * hash(b), name(a) + "/" + name(b), left / right);
-            if (i < k) add(0U - 5U * hash(a) - 5U * hash(b), "1/(" + name(a) + "·" + name(b) + ")",
-                           (left * right).power(-1));
+            if (i < k)
+                add(hash(a) + hash(b), name(a) + "·" + name(b), left * right);
+            if (i != k)
+                add(hash(a) - 5U * hash(b), name(a) + "/" + name(b), left / right);
+            if (i < k)
+                add(0U - 5U * hash(a) - 5U * hash(b), "1/(" + name(a) + "·" + name(b) + ")",
+                    (left * right).power(-1));
         }
     }
 
