@@ -199,7 +199,7 @@ void CCompound::join(Plan first, Plan second, bool secondIsTemporary) {
     m_StepCount = static_cast<std::uint32_t>(count);
     if (count > LongestPlan) {
         m_Steps = nullptr;
-        m_StepCount = LongestPlan + 1;  // more than any plan has, so no chain with this one has a plan
+        m_StepCount = LongestPlan + 1;  // more than any plan has: no chain with this one has one
     } else if (second.Count == 0) {
         m_Steps = first.Steps;
     } else if (first.Count == 0 && !secondIsTemporary) {

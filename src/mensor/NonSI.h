@@ -31,7 +31,7 @@ MENSOR_API CUnitPtr Byte();  ///< byte, labelled byte: 8 bit
 MENSOR_API CUnitPtr Octet();  ///< the byte itself
 MENSOR_API CUnitPtr Atmosphere();  ///< standard atmosphere, labelled atm: 101325 Pa
 MENSOR_API CUnitPtr Bar();  ///< bar, labelled bar: 100000 Pa
-MENSOR_API CUnitPtr Psi();  ///< pound-force per square inch, labelled psi: 6894.76 Pa; not built at load
+MENSOR_API CUnitPtr Psi();  ///< pound-force per square inch, psi: 6894.76 Pa; not built at load
 MENSOR_API CUnitPtr MilliBar();  ///< millibar, labelled mbar: 0.001 bar
 MENSOR_API CUnitPtr MillimeterOfMercury();  ///< millimetre of mercury, labelled mm_Hg: 133.322 Pa
 MENSOR_API CUnitPtr InchOfMercury();  ///< inch of mercury, labelled in_Hg: 3386.388 Pa

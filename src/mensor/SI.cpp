@@ -94,7 +94,8 @@ CUnitPtr Volt() {
 }
 
 CUnitPtr Ohm() {
-    static const CUnitPtr Ohm = Volt()->divide(Ampere())->alternate("Ω");  // U+2126, the ohm sign, not the Greek letter
+    // U+2126, the ohm sign, not the Greek letter.
+    static const CUnitPtr Ohm = Volt()->divide(Ampere())->alternate("Ω");
     return Ohm;
 }
 
