@@ -163,7 +163,8 @@ int main(int argc, char** argv) {
                                    : convert(trimmed(arguments[0]), targets, "");
     }
     if (!std::cout.flush() || std::ferror(stdin) != 0) {
-        std::cerr << program << ": cannot " << (std::cout ? "read the input\n" : "write the output\n");
+        std::cerr << program << ": cannot "
+                  << (std::cout ? "read the input\n" : "write the output\n");
         return 1;
     }
     return good ? 0 : 1;

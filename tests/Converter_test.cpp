@@ -539,19 +539,13 @@ private:
         const double constant = (below(2001) - 1000) / 64.0 + 0.1;
         switch (below(8)) {
             case 0:
-            case 1:
-                return adds(constant);
+            case 1: return adds(constant);
             case 2:
-            case 3:
-                return scales(constant / 8);
-            case 4:
-                return CConverter::identity();
-            case 5:
-                return std::make_shared<CIdentity>();
-            case 6:
-                return std::make_shared<CScaling>(constant / 8);
-            default:
-                return std::make_shared<CBent>(constant / 1024);
+            case 3: return scales(constant / 8);
+            case 4: return CConverter::identity();
+            case 5: return std::make_shared<CIdentity>();
+            case 6: return std::make_shared<CScaling>(constant / 8);
+            default: return std::make_shared<CBent>(constant / 1024);
         }
     }
 
@@ -584,14 +578,10 @@ constexpr std::size_t SmallStack = 256 * 1024;
 // A step of each class in turn, none of which lets the values grow or vanish.
 CConverterPtr stepOf(int i, double firstOffset) {
     switch (i % 4) {
-        case 0:
-            return adds(i == 0 ? firstOffset : 0.25);
-        case 1:
-            return scales(i % 8 == 1 ? 3.0 : 1.0 / 3.0);
-        case 2:
-            return std::make_shared<CScaling>(i % 8 == 2 ? 0.7 : 1 / 0.7);
-        default:
-            return i % 8 == 3 ? CConverter::identity() : adds(-0.5);
+        case 0: return adds(i == 0 ? firstOffset : 0.25);
+        case 1: return scales(i % 8 == 1 ? 3.0 : 1.0 / 3.0);
+        case 2: return std::make_shared<CScaling>(i % 8 == 2 ? 0.7 : 1 / 0.7);
+        default: return i % 8 == 3 ? CConverter::identity() : adds(-0.5);
     }
 }
 

@@ -56,8 +56,8 @@ protected:
 private:
     friend struct detail::Tables;
 
-    CUnitPtr m_Dimension;          // the unit this one is mapped onto; empty means this unit
-    CConverterPtr m_ToDimension;   // from this unit to m_Dimension; empty means the identity
+    CUnitPtr m_Dimension;         // the unit this one is mapped onto; empty means this unit
+    CConverterPtr m_ToDimension;  // from this unit to m_Dimension; empty means the identity
 };
 
 }  // namespace mensor

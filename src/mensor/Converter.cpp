@@ -167,10 +167,9 @@ CCompound::CCompound(const CConverterPtr& first, InverseOf second)
 CConverterPtr CCompound::throughInverse(const CConverterPtr& first, const CConverterPtr& toInvert) {
     Step own;
     const Plan plan = planOf(*toInvert, own);
-    const bool isOwnKind =
-        plan.Steps != nullptr && std::none_of(plan.Steps, plan.Steps + plan.Count, [](const Step& step) {
-            return step.Kind == Step::CALL;
-        });
+    const bool isOwnKind = plan.Steps != nullptr &&
+                           std::none_of(plan.Steps, plan.Steps + plan.Count,
+                                        [](const Step& step) { return step.Kind == Step::CALL; });
     if (!isOwnKind || first == detail::theIdentity() || toInvert == detail::theIdentity()) {
         return toInvert->inverse()->concatenate(first);
     }

@@ -163,10 +163,12 @@ private:
     };
     MENSOR_LOCAL static Plan planOf(const CConverter& child, Step& own);
     MENSOR_LOCAL static double run(const Step& step, double x);
-    MENSOR_LOCAL static void runAll(const Step& step, const double* from, double* to, std::size_t count);
+    MENSOR_LOCAL static void runAll(const Step& step, const double* from, double* to,
+                                    std::size_t count);
     MENSOR_LOCAL double runPlan(double x) const;
     MENSOR_LOCAL double walk(double x) const;
-    MENSOR_LOCAL static double slopeOf(const CConverter& converter, double& x, bool isLast, int levels);
+    MENSOR_LOCAL static double slopeOf(const CConverter& converter, double& x, bool isLast,
+                                       int levels);
     MENSOR_LOCAL static double slopeOfChain(const CCompound& chain, double& x, bool isLast);
     MENSOR_LOCAL static CConverterPtr inverseOf(const CConverterPtr& converter, int levels);
     MENSOR_LOCAL static CConverterPtr inverseOfChain(CConverter& chain);

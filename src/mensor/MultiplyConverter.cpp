@@ -32,7 +32,8 @@ string_t CMultiplyConverter::getSymbol(CUnitPtr unit) const {
 
 double CMultiplyConverter::factor() const { return m_Factor; }
 
-void CMultiplyConverter::convertArray(const double* values, double* results, std::size_t count) const {
+void CMultiplyConverter::convertArray(const double* values, double* results,
+                                      std::size_t count) const {
     if (m_Factor != m_Factor || !detail::isExactly<CMultiplyConverter>(*this)) {
         CConverter::convertArray(values, results, count);
     } else {

@@ -102,8 +102,8 @@ CUnitPtr Liter() {
 }
 
 CUnitPtr G() {
-    static const CUnitPtr G =
-        CUnitFormat::label(SI::Meter()->divide(SI::Second()->pow(2))->multiply(STANDARD_GRAVITY), "grav");
+    static const CUnitPtr G = CUnitFormat::label(
+        SI::Meter()->divide(SI::Second()->pow(2))->multiply(STANDARD_GRAVITY), "grav");
     return G;
 }
 

@@ -57,9 +57,8 @@ void CRememberedTexts::keep(std::string_view text, unsigned epoch, CUnit* unit) 
         chosen = &m_Slots[(key.Slot + turn % Reach) % SlotCount];
     }
     unsigned sequence = chosen->Sequence.load(std::memory_order_relaxed);
-    if (sequence % 2 != 0 ||
-        !chosen->Sequence.compare_exchange_strong(sequence, sequence + 1,
-                                                  std::memory_order_acquire)) {
+    if (sequence % 2 != 0 || !chosen->Sequence.compare_exchange_strong(sequence, sequence + 1,
+                                                                       std::memory_order_acquire)) {
         return;  // another thread writes here: that entry will do
     }
     chosen->Epoch.store(epoch, std::memory_order_release);

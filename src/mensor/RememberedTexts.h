@@ -54,7 +54,7 @@ private:
         std::array<std::atomic<std::uintptr_t>, WordCount> Words;
     };
 
-    std::array<Slot, SlotCount> m_Slots;        // zero before anything runs: it has no initialiser
+    std::array<Slot, SlotCount> m_Slots;    // zero before anything runs: it has no initialiser
     std::atomic<unsigned> m_Displacements;  // chooses whom a new text displaces
 };
 

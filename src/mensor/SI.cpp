@@ -74,7 +74,8 @@ CUnitPtr Gram() {
 }
 
 CUnitPtr Newton() {
-    static const CUnitPtr Newton = Meter()->multiply(Kilogram())->divide(Second()->pow(2))->alternate("N");
+    static const CUnitPtr Newton =
+        Meter()->multiply(Kilogram())->divide(Second()->pow(2))->alternate("N");
     return Newton;
 }
 

@@ -341,17 +341,15 @@ template <class Make>
 CUnitPtr CUnit::multiply(CUnitPtr that) {
     requireUnit(that, "CUnit::multiply");
     const Lock lock(m_LookupVectorMutex);
-    return lookUp(that->m_Id, m_MultiplyLookUp, [&] {
-        return CProductUnit::getProductInstance(shared_from_this(), that);
-    });
+    return lookUp(that->m_Id, m_MultiplyLookUp,
+                  [&] { return CProductUnit::getProductInstance(shared_from_this(), that); });
 }
 
 CUnitPtr CUnit::divide(CUnitPtr that) {
     requireUnit(that, "CUnit::divide");
     const Lock lock(m_LookupVectorMutex);
-    return lookUp(that->m_Id, m_DivideLookUp, [&] {
-        return CProductUnit::getQuotientInstance(shared_from_this(), that);
-    });
+    return lookUp(that->m_Id, m_DivideLookUp,
+                  [&] { return CProductUnit::getQuotientInstance(shared_from_this(), that); });
 }
 
 CUnitPtr CUnit::pow(int n) {
@@ -403,9 +401,7 @@ string_t CUnit::appendTo(string_t text) {
     return CStandardUnitFormat::write(shared_from_this(), std::move(text));
 }
 
-CUnitPtr CUnit::fromString(const string_t& text) {
-    return CUnitFormat::parseUnit(text);
-}
+CUnitPtr CUnit::fromString(const string_t& text) { return CUnitFormat::parseUnit(text); }
 
 CUnitPtr operator+(const CUnitPtr& unit, double offset) {
     requireUnit(unit, "operator+");

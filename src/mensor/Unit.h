@@ -233,7 +233,8 @@ private:
     friend struct detail::Tables;
     friend struct detail::DebugLayout;
 
-    MENSOR_LOCAL static CUnitPtr getUnitByIndexOrExpandTable(int index, std::vector<CUnitPtr>& table);
+    MENSOR_LOCAL static CUnitPtr getUnitByIndexOrExpandTable(int index,
+                                                             std::vector<CUnitPtr>& table);
     template <class Make>
     MENSOR_LOCAL static CUnitPtr lookUp(int index, std::vector<CUnitPtr>& table, Make make);
     template <class Make>

@@ -42,23 +42,12 @@ int parseExponentBytes(std::string_view text) {
     while (position != end) {
         const char_t c = detail::decodeUtf8(position, end);
         switch (c) {
-            case U'-':
-                negative = true;
-                continue;
-            case U'+':
-                continue;
-            case U'¹':
-                n = 10 * n + 1;
-                break;
-            case U'²':
-                n = 10 * n + 2;
-                break;
-            case U'³':
-                n = 10 * n + 3;
-                break;
-            default:
-                n = 10 * n + (static_cast<std::int64_t>(c) - U'0');
-                break;
+            case U'-': negative = true; continue;
+            case U'+': continue;
+            case U'¹': n = 10 * n + 1; break;
+            case U'²': n = 10 * n + 2; break;
+            case U'³': n = 10 * n + 3; break;
+            default: n = 10 * n + (static_cast<std::int64_t>(c) - U'0'); break;
         }
         if (n > Largest || n < -Largest) {
             throw std::out_of_range("Exponent " + std::string(text) + " is out of range");
@@ -181,8 +170,7 @@ private:
                     m_State = CUnitFormat::DEFAULT;
                 }
                 break;
-            default:
-                throw std::runtime_error("State " + std::to_string(m_State) + "unknown");
+            default: throw std::runtime_error("State " + std::to_string(m_State) + "unknown");
         }
     }
 
@@ -350,8 +338,9 @@ CUnitPtr CUnitFormat::label(CUnitPtr unit, const string_t& label) {
                                         " is a known symbol");
         }
         if (isHeld && place->second != unit) {
-            throw std::invalid_argument("Label: " + mensor::toStdString(label) +
-                                        " is attached to a different unit (must be detached first)");
+            throw std::invalid_argument(
+                "Label: " + mensor::toStdString(label) +
+                " is attached to a different unit (must be detached first)");
         }
     }
     if (isHeld && place->second == unit) {

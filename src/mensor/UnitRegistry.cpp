@@ -24,8 +24,8 @@ const int NumberOfPrefixes = 20;
 const string_t PREFIXES[NumberOfPrefixes] = {"Y", "Z", "E", "P", "T", "G", "M", "k", "h", "da",
                                              "d", "c", "m", "µ", "n", "p", "f", "a", "z", "y"};
 
-const double FACTORS[NumberOfPrefixes] = {1e24, 1e21, 1e18, 1e15, 1e12,  1e9,   1e6,
-                                          1000, 100,  10,   0.1,  0.01,  0.001, 1e-6,
+const double FACTORS[NumberOfPrefixes] = {1e24, 1e21,  1e18,  1e15,  1e12,  1e9,   1e6,
+                                          1000, 100,   10,    0.1,   0.01,  0.001, 1e-6,
                                           1e-9, 1e-12, 1e-15, 1e-18, 1e-21, 1e-24};
 
 // Looked up at each report: the application may configure it at any time.

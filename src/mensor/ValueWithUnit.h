@@ -28,16 +28,16 @@ public:
     double value() const;   ///< the number, in `unit()`
     CUnitPtr unit() const;  ///< the unit
 
-    void setValue(double value);          ///< replaces the number only
-    void setUnit(const CUnitPtr& unit);   ///< replaces the unit only: another quantity
+    void setValue(double value);            ///< replaces the number only
+    void setUnit(const CUnitPtr& unit);     ///< replaces the unit only: another quantity
     void changeUnit(const CUnitPtr& unit);  ///< the same quantity in `unit`; untouched if it throws
-    double valueAs(const CUnitPtr& unit) const;             ///< the number in `unit`
-    CValueWithUnit convertTo(const CUnitPtr& unit) const;   ///< the same quantity in `unit`
+    double valueAs(const CUnitPtr& unit) const;            ///< the number in `unit`
+    CValueWithUnit convertTo(const CUnitPtr& unit) const;  ///< the same quantity in `unit`
 
-    CValueWithUnit& operator+=(const CValueWithUnit& other);       ///< in this value's unit
-    CValueWithUnit& operator-=(const CValueWithUnit& other);       ///< in this value's unit
-    CValueWithUnit operator+(const CValueWithUnit& other) const;   ///< in the left value's unit
-    CValueWithUnit operator-(const CValueWithUnit& other) const;   ///< in the left value's unit
+    CValueWithUnit& operator+=(const CValueWithUnit& other);      ///< in this value's unit
+    CValueWithUnit& operator-=(const CValueWithUnit& other);      ///< in this value's unit
+    CValueWithUnit operator+(const CValueWithUnit& other) const;  ///< in the left value's unit
+    CValueWithUnit operator-(const CValueWithUnit& other) const;  ///< in the left value's unit
 
     /// A field of 63 bytes with the number as "%f" writes it, filled with zero bytes, then a blank
     /// and the unit in the standard notation. A reader that stops at the first zero byte sees the

@@ -10,10 +10,9 @@ namespace mensor {
 namespace {
 
 const std::vector<CPrefix> Prefixes{
-    {"Y", 1e24}, {"Z", 1e21}, {"E", 1e18}, {"P", 1e15},  {"T", 1e12},
-    {"G", 1e9},  {"M", 1e6},  {"k", 1000}, {"h", 100},   {"da", 10},
-    {"d", 0.1},  {"c", 0.01}, {"m", 0.001}, {"µ", 1e-6}, {"n", 1e-9},
-    {"p", 1e-12}, {"f", 1e-15}, {"a", 1e-18}, {"z", 1e-21}, {"y", 1e-24},
+    {"Y", 1e24}, {"Z", 1e21},  {"E", 1e18},  {"P", 1e15},  {"T", 1e12},  {"G", 1e9},   {"M", 1e6},
+    {"k", 1000}, {"h", 100},   {"da", 10},   {"d", 0.1},   {"c", 0.01},  {"m", 0.001}, {"µ", 1e-6},
+    {"n", 1e-9}, {"p", 1e-12}, {"f", 1e-15}, {"a", 1e-18}, {"z", 1e-21}, {"y", 1e-24},
 };
 
 // Toward zero, cut off at the ends of the range, zero for NaN: written out, since a plain conversion

@@ -87,9 +87,8 @@ bool haveSameElements(const std::vector<CElement>& a, const std::vector<CElement
             return false;
         }
     }
-    const auto inB = std::count_if(b.begin(), b.end(), [](const CElement& other) {
-        return other.Exponent != CRational(0);
-    });
+    const auto inB = std::count_if(
+        b.begin(), b.end(), [](const CElement& other) { return other.Exponent != CRational(0); });
     return present == static_cast<std::size_t>(inB);
 }
 
@@ -106,9 +105,8 @@ std::vector<CElement> systemElements(const std::vector<CElement>& elements) {
 std::optional<CDimensionFault> dimensionFault(const CUnitPtr& unit, const CMeaning& meaning) {
     const CUnitPtr dimension = unit->getDimension();
     const CConverterPtr converter = unit->getCtxToDimension();
-    CMeaning known = meaningOf(dimension)
-                         .shifted(converter->convert(0.0))
-                         .scaled(converter->derivative(0.0));
+    CMeaning known =
+        meaningOf(dimension).shifted(converter->convert(0.0)).scaled(converter->derivative(0.0));
     CMeaning expected = meaning;
     if (const auto other = mapped(meaning)) {
         expected = *other;

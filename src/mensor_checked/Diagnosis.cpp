@@ -75,8 +75,8 @@ std::string CDiagnosis::caret() const {
     std::size_t length = 0;
     for (std::size_t at = 0; at < Text.size(); at += length) {
         const char32_t c = decode(std::string_view(Text).substr(at), length);
-        const bool breaksLine = c == NotUtf8 || c < 0x20 || (c >= 0x7F && c < 0xA0) ||
-                                c == 0x2028 || c == 0x2029;
+        const bool breaksLine =
+            c == NotUtf8 || c < 0x20 || (c >= 0x7F && c < 0xA0) || c == 0x2028 || c == 0x2029;
         line += breaksLine ? "?" : Text.substr(at, length);
         if (at >= Byte && at < end) {
             marks += '^';

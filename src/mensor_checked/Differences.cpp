@@ -20,8 +20,8 @@ double convertDifference(double x, const CUnitPtr& from, const CUnitPtr& to) {
     }
     const double slope = converter->derivative(0.0);
     if (slope != converter->derivative(1.0)) {
-        throw std::logic_error("convertDifference: " + describe(from) + " has no constant size in " +
-                               describe(to));
+        throw std::logic_error("convertDifference: " + describe(from) +
+                               " has no constant size in " + describe(to));
     }
     return x * slope;
 }

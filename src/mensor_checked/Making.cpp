@@ -30,8 +30,7 @@ std::string requireName(const string_t& text, const char* function) {
 
 void requireNumber(double x, bool isAllowed, const char* function) {
     if (!std::isfinite(x) || !isAllowed) {
-        throw std::invalid_argument(std::string(function) + ": " + shortest(x) +
-                                    " makes no unit");
+        throw std::invalid_argument(std::string(function) + ": " + shortest(x) + " makes no unit");
     }
 }
 
@@ -74,15 +73,14 @@ CUnitPtr requireMeaning(const CUnitPtr& unit, const CUnitPtr& parent, double slo
     if (!unit) {
         const CUnitPtr system = parent->getSystemUnit();
         const double toSystem = parent->getConverterTo(system)->derivative(0.0) * slope;
-        const unsigned hash =
-            static_cast<unsigned>(system->hashCode()) +
-            static_cast<unsigned>(floatToIntBits(static_cast<float>(toSystem)));
+        const unsigned hash = static_cast<unsigned>(system->hashCode()) +
+                              static_cast<unsigned>(floatToIntBits(static_cast<float>(toSystem)));
         const auto found = CUnit::instances().find(static_cast<int>(hash));
         if (found != CUnit::instances().end()) {
             throwInTheWay(quoted(meaning.toString()), found->second);
         }
-        throw CIdentityError(quoted(meaning.toString()) + " is the same object as another unit here",
-                             nullptr);
+        throw CIdentityError(
+            quoted(meaning.toString()) + " is the same object as another unit here", nullptr);
     }
     verify(unit, meaning);
     return unit;
@@ -171,9 +169,8 @@ CUnitPtr affine(const CUnitPtr& unit, double factor, double offset) {
         return scaled(unit, factor);
     }
     const Lock lock;
-    const auto converter =
-        std::make_shared<CCompound>(std::make_shared<CMultiplyConverter>(factor),
-                                    std::make_shared<CAddConverter>(offset));
+    const auto converter = std::make_shared<CCompound>(std::make_shared<CMultiplyConverter>(factor),
+                                                       std::make_shared<CAddConverter>(offset));
     return requireMeaning(CTransformedUnit::getInstance(unit, converter), unit, factor,
                           meaningOf(unit).shifted(offset).scaled(factor));
 }

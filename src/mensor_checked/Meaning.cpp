@@ -253,9 +253,9 @@ void verify(const CUnitPtr& unit, const CMeaning& meaning) {
                              unit);
     }
     if (const auto fault = dimensionFault(unit, meaning)) {
-        throw CIdentityError(describe(unit) + " would count as " +
-                                 quoted(fault->Known.toString()) + ", since its dimension is the " +
-                                 "same object as " + describe(fault->Dimension) + " here",
+        throw CIdentityError(describe(unit) + " would count as " + quoted(fault->Known.toString()) +
+                                 ", since its dimension is the " + "same object as " +
+                                 describe(fault->Dimension) + " here",
                              fault->Dimension);
     }
 }

@@ -54,7 +54,7 @@ public:
 private:
     // The keys are the entries' texts.
     std::unordered_map<std::string_view, std::unique_ptr<CEntry>> m_Entries;
-    std::size_t m_Passing = 0;  // entries that are not kept
+    std::size_t m_Passing = 0;                            // entries that are not kept
     std::unordered_map<CUnitPtr, CUnitPtr> m_SoundUnits;  // each with the dimension it had
 };
 

@@ -61,9 +61,8 @@ bool isLitre(std::string_view name) {
         return false;
     }
     name.remove_suffix(1);
-    return name.empty() || std::any_of(prefixes().begin(), prefixes().end(), [&](const CPrefix& p) {
-               return bytes(p.Symbol) == name;
-           });
+    return name.empty() || std::any_of(prefixes().begin(), prefixes().end(),
+                                       [&](const CPrefix& p) { return bytes(p.Symbol) == name; });
 }
 
 std::u32string codePoints(std::string_view text) {
@@ -93,8 +92,8 @@ std::size_t editDistance(const std::u32string& a, const std::u32string& b) {
     for (std::size_t i = 1; i <= a.size(); ++i) {
         row[0] = i;
         for (std::size_t j = 1; j <= b.size(); ++j) {
-            row[j] = std::min({last[j] + 1, row[j - 1] + 1,
-                               last[j - 1] + (a[i - 1] == b[j - 1] ? 0U : 1U)});
+            row[j] = std::min(
+                {last[j] + 1, row[j - 1] + 1, last[j - 1] + (a[i - 1] == b[j - 1] ? 0U : 1U)});
             if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
                 row[j] = std::min(row[j], before[j - 2] + 1);
             }

@@ -151,14 +151,9 @@ private:
                     return;
                 }
                 break;
-            case eKind::OPEN_NAME:
-                bracketedName();
-                break;
-            case eKind::OPEN:
-                parentheses(depth);
-                break;
-            default:
-                refuseFactor();
+            case eKind::OPEN_NAME: bracketedName(); break;
+            case eKind::OPEN: parentheses(depth); break;
+            default: refuseFactor();
         }
         exponent(begin, beginText);
     }
@@ -400,9 +395,8 @@ private:
         const std::string_view name = m_Text.substr(span.Begin, span.End - span.Begin);
         const CName* const known = knownName(name);
         if (known == nullptr) {
-            CDiagnosis diagnosis =
-                diagnose(eRefusal::UNKNOWN_NAME, m_Text, span, "no unit has the name " +
-                                                                   quoted(std::string(name)));
+            CDiagnosis diagnosis = diagnose(eRefusal::UNKNOWN_NAME, m_Text, span,
+                                            "no unit has the name " + quoted(std::string(name)));
             diagnosis.Suggestions = nearestNames(name);
             throw Refused{std::move(diagnosis)};
         }
@@ -450,20 +444,15 @@ private:
 
     std::string foreignSentence() const {
         switch (m_Cursor.character()) {
-            case U'\'':
-                return "no apostrophe stands in a unit; the minute of arc is \"′\"";
-            case U'"':
-                return "no quotation mark stands in a unit; the second of arc is \"″\"";
-            case U',':
-                return "no comma stands in a unit";
+            case U'\'': return "no apostrophe stands in a unit; the minute of arc is \"′\"";
+            case U'"': return "no quotation mark stands in a unit; the second of arc is \"″\"";
+            case U',': return "no comma stands in a unit";
             case U'<':
             case U'>':
             case U'&':
-            case U';':
-                return "no markup stands in a unit";
+            case U';': return "no markup stands in a unit";
             case U'\n':
-            case U'\r':
-                return "a unit stands on one line";
+            case U'\r': return "a unit stands on one line";
             default:
                 return m_Cursor.character() < 0x80 && m_Cursor.character() > 0x20
                            ? "no unit is written with this character"
@@ -491,8 +480,7 @@ private:
     [[noreturn]] void refuseFactor() {
         refuseForeign();
         switch (kind()) {
-            case eKind::DIGIT:
-                refuseNumber();
+            case eKind::DIGIT: refuseNumber();
             case eKind::CLOSE_NAME:
                 refuse(eRefusal::STRAY_BRACKET, here(), "no bracket is open here");
             case eKind::CLOSE:
@@ -503,12 +491,11 @@ private:
             case eKind::COLON:
                 refuse(eRefusal::UNEXPECTED_CHARACTER, here(),
                        "this sign belongs behind a unit, in an exponent");
-            default:
-                break;
+            default: break;
         }
-        CDiagnosis diagnosis = diagnose(eRefusal::MISSING_UNIT, m_Text,
-                                        kind() == eKind::END ? CSpan{at(), at()} : here(),
-                                        "a unit is missing here");
+        CDiagnosis diagnosis =
+            diagnose(eRefusal::MISSING_UNIT, m_Text,
+                     kind() == eKind::END ? CSpan{at(), at()} : here(), "a unit is missing here");
         if (kind() == eKind::SLASH && m_Factors.empty() && at() == 0) {
             diagnosis.Readings = {"1" + std::string(m_Text)};
         }
@@ -519,8 +506,7 @@ private:
     void requireEnd() {
         switch (kind()) {
             case eKind::END:
-            case eKind::CLOSE:
-                return;
+            case eKind::CLOSE: return;
             case eKind::NAME:
             case eKind::OPEN_NAME:
             case eKind::OPEN:
@@ -536,8 +522,7 @@ private:
             case eKind::CARET:
                 refuse(eRefusal::MALFORMED_EXPONENT, here(),
                        "an exponent stands directly behind its unit");
-            default:
-                refuseFactor();
+            default: refuseFactor();
         }
     }
 
@@ -561,12 +546,11 @@ private:
     // Behind left/right the cursor is at another operator: mathematics and habit read on differently.
     [[noreturn]] void refuseChain(int depth, CSpan left, CSpan right) {
         const bool isDivision = kind() == eKind::SLASH;
-        CDiagnosis diagnosis =
-            isDivision
-                ? diagnose(eRefusal::SECOND_DIVISION, m_Text, here(),
-                           "a second division needs brackets")
-                : diagnose(eRefusal::PRODUCT_AFTER_DIVISION, m_Text, here(),
-                           "a product behind a division needs brackets");
+        CDiagnosis diagnosis = isDivision
+                                   ? diagnose(eRefusal::SECOND_DIVISION, m_Text, here(),
+                                              "a second division needs brackets")
+                                   : diagnose(eRefusal::PRODUCT_AFTER_DIVISION, m_Text, here(),
+                                              "a product behind a division needs brackets");
         try {
             if (!beginsFactor()) {
                 m_Cursor.advance();

@@ -32,11 +32,11 @@ struct CSpan {
 /// One named unit of the text and the exponent that it comes to have.
 struct CFactor {
     CUnitPtr Unit;
-    CUnitPtr Named;       ///< the unit of the name, which `Unit` may be the difference of
+    CUnitPtr Named;  ///< the unit of the name, which `Unit` may be the difference of
     CSpan Name;
-    bool IsExact;         ///< as in CName
-    bool HasOffset;       ///< as in CName
-    bool IsPrefixed;      ///< whether the name is that of a scale without its offset
+    bool IsExact;     ///< as in CName
+    bool HasOffset;   ///< as in CName
+    bool IsPrefixed;  ///< whether the name is that of a scale without its offset
     int Pow = 1;
     int Root = 1;  ///< positive; the fraction is in lowest terms
 };

@@ -64,8 +64,9 @@ private:
         if (!m_Options.Differences || !difference) {
             CDiagnosis diagnosis =
                 diagnose(eRefusal::OFFSET_IN_PRODUCT, m_Text, factor.Name,
-                         quoted(name) + " counts from a zero of its own and has no place in a "
-                                        "product; of its differences " +
+                         quoted(name) +
+                             " counts from a zero of its own and has no place in a "
+                             "product; of its differences " +
                              (difference ? "the unit is " + describe(difference)
                                          : std::string("there is no unit here")));
             if (difference && difference != factor.Unit) {
@@ -98,10 +99,9 @@ private:
             m_Notes.push_back(quoted(name) + " is read as a difference, " + size);
             return;
         }
-        CDiagnosis diagnosis = diagnose(
-            eRefusal::PREFIXED_OFFSET, m_Text, factor.Name,
-            quoted(name) + " has lost the zero of " + quoted(prefixed.Name) +
-                " here: it is just " + size);
+        CDiagnosis diagnosis = diagnose(eRefusal::PREFIXED_OFFSET, m_Text, factor.Name,
+                                        quoted(name) + " has lost the zero of " +
+                                            quoted(prefixed.Name) + " here: it is just " + size);
         const CUnitPtr difference = differenceOf(unitNamed(prefixed.Name));
         if (isAmbiguous && difference) {
             diagnosis.Readings = {replaced(
@@ -122,8 +122,7 @@ private:
         }
         CMeaning product;
         for (const CFactor& factor : m_Factors) {
-            product =
-                product * meaningOf(factor.Unit).power(CRational(factor.Pow, factor.Root));
+            product = product * meaningOf(factor.Unit).power(CRational(factor.Pow, factor.Root));
         }
         return product;
     }
@@ -162,7 +161,8 @@ private:
         if (m_Factors.empty()) {
             return;  // whether the empty text is a unit is not a question of units
         }
-        CMemory::CEntry entry{std::string(m_Text), {}, true, unit, unit->getDimension(), m_Notes, isKept};
+        CMemory::CEntry entry{std::string(m_Text),  {},      true,  unit,
+                              unit->getDimension(), m_Notes, isKept};
         for (const CFactor& factor : m_Factors) {
             entry.Names.emplace_back(nameOf(factor), factor.Named);
             entry.AreExact = entry.AreExact && factor.IsExact;
@@ -192,10 +192,9 @@ private:
                                       const CMeaning& other) const {
         std::string sentence =
             quoted(slice(whole())) + " is the same object as " + describe(unit) + " here";
-        sentence += other == meaning
-                        ? ", which means the same but is another unit"
-                        : ": it would mean " + quoted(other.toString()) + " in place of " +
-                              quoted(meaning.toString());
+        sentence += other == meaning ? ", which means the same but is another unit"
+                                     : ": it would mean " + quoted(other.toString()) +
+                                           " in place of " + quoted(meaning.toString());
         CDiagnosis diagnosis = diagnose(eRefusal::COLLISION, m_Text, whole(), std::move(sentence));
         diagnosis.Readings = {meaning.toString(), other.toString()};
         throw Refused{std::move(diagnosis)};

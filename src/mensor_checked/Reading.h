@@ -81,7 +81,8 @@ struct MENSOR_CHECKED_API CDiagnosis {
     /// What the text may have meant, each to be written instead; for a collision the two meanings:
     /// the text's and the one the library gives.
     std::vector<std::string> Readings;
-    std::vector<std::string> Suggestions;  ///< the known names nearest to an unknown one, best first
+    std::vector<std::string>
+        Suggestions;  ///< the known names nearest to an unknown one, best first
 
     /// All of it on one line: the sentence, then "(did you mean ...?)" or "(write ... or ...)".
     std::string message() const;

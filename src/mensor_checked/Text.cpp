@@ -91,34 +91,24 @@ eKind kindOf(char32_t c, int& digit) {
             return eKind::OPEN;
         case U'\uFF09':  // fullwidth right parenthesis
             return eKind::CLOSE;
-        case U'\u221A':
-            return eKind::ROOT;
-        case U'¹':
-            digit = 1;
-            return eKind::RAISED_DIGIT;
-        case U'²':
-            digit = 2;
-            return eKind::RAISED_DIGIT;
-        case U'³':
-            digit = 3;
-            return eKind::RAISED_DIGIT;
-        case U'\u207A':
-            return eKind::RAISED_PLUS;
-        case U'\u207B':
-            return eKind::RAISED_MINUS;
+        case U'\u221A': return eKind::ROOT;
+        case U'¹': digit = 1; return eKind::RAISED_DIGIT;
+        case U'²': digit = 2; return eKind::RAISED_DIGIT;
+        case U'³': digit = 3; return eKind::RAISED_DIGIT;
+        case U'\u207A': return eKind::RAISED_PLUS;
+        case U'\u207B': return eKind::RAISED_MINUS;
         case NotUtf8:
         case U'\u00AD':  // soft hyphen
         case U'\u2028':
         case U'\u2029':
         case U'\uFEFF':  // byte order mark
             return eKind::FOREIGN;
-        default:
-            break;
+        default: break;
     }
-    if (c < 0xA0 ||                        // controls
-        (c >= 0x200B && c <= 0x200F) ||    // zero-width characters and marks of direction
-        (c >= 0x202A && c <= 0x202E) ||    // more of these
-        (c >= 0x2060 && c <= 0x206F)) {    // and of these
+    if (c < 0xA0 ||                      // controls
+        (c >= 0x200B && c <= 0x200F) ||  // zero-width characters and marks of direction
+        (c >= 0x202A && c <= 0x202E) ||  // more of these
+        (c >= 0x2060 && c <= 0x206F)) {  // and of these
         return eKind::FOREIGN;
     }
     if (c >= 0x2000 && c <= 0x200A) {  // typographic spaces

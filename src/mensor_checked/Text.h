@@ -29,8 +29,8 @@ enum class eKind {
     RAISED_DIGIT,
     RAISED_MINUS,
     RAISED_PLUS,
-    NAME,      ///< part of a name
-    FOREIGN    ///< no part of any unit
+    NAME,    ///< part of a name
+    FOREIGN  ///< no part of any unit
 };
 
 /// The kind of `c`, and for digits the value in `digit`.

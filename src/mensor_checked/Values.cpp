@@ -25,8 +25,9 @@ bool isDigit(char c) { return c >= '0' && c <= '9'; }
 // Whether `text` begins with `word`, in whatever case, and the word ends there.
 bool beginsWithWord(std::string_view text, std::string_view word) {
     const auto sameLetter = [](char a, char b) { return (a | 0x20) == b; };
-    if (text.size() < word.size() || !std::equal(word.begin(), word.end(), text.begin(),
-                                                 [&](char w, char t) { return sameLetter(t, w); })) {
+    if (text.size() < word.size() ||
+        !std::equal(word.begin(), word.end(), text.begin(),
+                    [&](char w, char t) { return sameLetter(t, w); })) {
         return false;
     }
     const eKind next = CCursor(text.substr(word.size())).kind();
@@ -78,7 +79,8 @@ private:
         const auto mantissa = digits.substr(0, digits.find_first_of("eE"));
         const bool isZero = mantissa.find_first_of("123456789") == std::string_view::npos;
         if (error == std::errc::result_out_of_range || std::isinf(x) || (x == 0.0 && !isZero)) {
-            refuse(eRefusal::NUMBER_RANGE, {m_Begin, m_End}, "no double is that large or that small");
+            refuse(eRefusal::NUMBER_RANGE, {m_Begin, m_End},
+                   "no double is that large or that small");
         }
         if (m_End < m_Text.size() && m_Text[m_End] == ',') {
             refuseComma();
@@ -112,8 +114,9 @@ private:
     }
 
     [[noreturn]] void refuseComma() const {
-        CDiagnosis diagnosis = diagnose(eRefusal::DECIMAL_COMMA, m_Text, {m_End, m_End + 1},
-                                        "a comma stands in this number; the decimal sign is a point");
+        CDiagnosis diagnosis =
+            diagnose(eRefusal::DECIMAL_COMMA, m_Text, {m_End, m_End + 1},
+                     "a comma stands in this number; the decimal sign is a point");
         const std::string before(m_Text.substr(0, m_End));
         const std::string after(m_Text.substr(m_End + 1));
         std::size_t digits = 0;
@@ -244,7 +247,8 @@ std::string writeValue(double value, const CUnitPtr& unit, const CReadOptions& o
     }
     const std::optional<std::string> text = textOf(unit);
     if (!text) {
-        throw CWriteError("the unit " + describe(unit) + " has no text that reads back as the same");
+        throw CWriteError("the unit " + describe(unit) +
+                          " has no text that reads back as the same");
     }
     return (std::isnan(value) ? "nan" : shortest(value)) + " " + *text;
 }

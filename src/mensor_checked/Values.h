@@ -37,7 +37,8 @@ struct CValueReading {
 /// A number alone is a value of the dimensionless unit only by CReadOptions::Dimensionless.
 /// @throws CReadError  the text is refused.
 /// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
-MENSOR_CHECKED_API CValueWithUnit readValue(std::string_view text, const CReadOptions& options = {});
+MENSOR_CHECKED_API CValueWithUnit readValue(std::string_view text,
+                                            const CReadOptions& options = {});
 
 /// The same without exceptions for refused texts. Only std::bad_alloc may pass.
 /// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).

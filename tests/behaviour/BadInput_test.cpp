@@ -71,7 +71,8 @@ TEST(BadInput, TextIsRefusedBeforeAnyOfItIsBuilt) {
         parsing("kg^17·m^2147483647·m", "std::overflow_error: Exponent 2147483648 is out of range"),
         parsing("kg^17/(m^2147483647·m^2)",
                 "std::overflow_error: Exponent -2147483649 is out of range"),
-        parsing("kg^17·m^1:46339·m^1:46349", "std::overflow_error: Exponent 2147766311 is out of range"),
+        parsing("kg^17·m^1:46339·m^1:46349",
+                "std::overflow_error: Exponent 2147766311 is out of range"),
         {"a value with such a unit", [] { CValueWithUnit::fromString("1 kg^17·xyz"); },
          "std::invalid_argument: Label: xyz not recognized"},
     });

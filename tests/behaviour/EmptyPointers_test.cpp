@@ -66,8 +66,8 @@ TEST(EmptyPointers, AreRefusedByTheNameOfWhatWasCalled) {
     };
     const Tables before;
     for (const Row& row : rows) {
-        EXPECT_THAT(row.Call, ThrowsMessage<std::invalid_argument>(
-                                  StrEq(std::string(row.Function) + ": the unit is an empty pointer")));
+        EXPECT_THAT(row.Call, ThrowsMessage<std::invalid_argument>(StrEq(
+                                  std::string(row.Function) + ": the unit is an empty pointer")));
     }
     EXPECT_EQ(Tables(), before);
 }
@@ -79,11 +79,11 @@ TEST(EmptyPointers, OfConvertersAreRefusedToo) {
                 ThrowsMessage<std::invalid_argument>(
                     StrEq("CTransformedUnit::getInstance: the converter is an empty pointer")));
     EXPECT_THAT([&] { CTransformedUnit(SI::Meter(), none); },
-                ThrowsMessage<std::invalid_argument>(
-                    StrEq("CTransformedUnit::CTransformedUnit: the converter is an empty pointer")));
-    EXPECT_THAT([&] { CCompound(none, CConverter::identity()); },
-                ThrowsMessage<std::invalid_argument>(
-                    StrEq("A compound converter needs two converters")));
+                ThrowsMessage<std::invalid_argument>(StrEq(
+                    "CTransformedUnit::CTransformedUnit: the converter is an empty pointer")));
+    EXPECT_THAT(
+        [&] { CCompound(none, CConverter::identity()); },
+        ThrowsMessage<std::invalid_argument>(StrEq("A compound converter needs two converters")));
     EXPECT_EQ(Tables(), before);
 }
 

@@ -15,7 +15,6 @@
 #include <utility>
 #include <vector>
 
-#include "support/Matchers.h"
 #include "mensor/AddConverter.h"
 #include "mensor/Converter.h"
 #include "mensor/MultiplyConverter.h"
@@ -24,6 +23,7 @@
 #include "mensor/TransformedUnit.h"
 #include "mensor/Unit.h"
 #include "mensor/UnitFormat.h"
+#include "support/Matchers.h"
 
 namespace mensor {
 namespace {
@@ -38,9 +38,23 @@ double nested(const CConverterPtr& converter, double x) {
 
 std::vector<double> specialValues() {
     using Limits = std::numeric_limits<double>;
-    std::vector<double> values{0.0, 1.0, 2.5, 0.1, 1e-9, 273.15, 1e300, 1e-300, Limits::max(),
-                               Limits::min(), Limits::denorm_min(), 4.9e-320, Limits::epsilon(),
-                               Limits::infinity(), Limits::quiet_NaN(), 1.0 / 3.0, 123456789.125};
+    std::vector<double> values{0.0,
+                               1.0,
+                               2.5,
+                               0.1,
+                               1e-9,
+                               273.15,
+                               1e300,
+                               1e-300,
+                               Limits::max(),
+                               Limits::min(),
+                               Limits::denorm_min(),
+                               4.9e-320,
+                               Limits::epsilon(),
+                               Limits::infinity(),
+                               Limits::quiet_NaN(),
+                               1.0 / 3.0,
+                               123456789.125};
     const std::size_t positive = values.size();
     for (std::size_t i = 0; i < positive; ++i) {
         values.push_back(-values[i]);
@@ -203,7 +217,8 @@ TEST(FlatPlan, TheWayToAUnitHasTheShapeOfTheInverseOfTheWayFromIt) {
         ASSERT_TRUE(compound);
         EXPECT_EQ(shapeOf(compound->first()), shapeOf(from->getCtxToDimension()));
         EXPECT_EQ(shapeOf(compound->second()), shapeOf(to->getCtxToDimension()->inverse()));
-        EXPECT_EQ(compound->second(), compound->second()) << "one object, however often it is asked";
+        EXPECT_EQ(compound->second(), compound->second())
+            << "one object, however often it is asked";
         EXPECT_NE(from->getConverterTo(to), compound) << "a new one at each call";
         EXPECT_TRUE(from->getConverterTo(to)->equals(compound));
         EXPECT_EQ(from->getConverterTo(to)->hashCode(), compound->hashCode());
@@ -214,8 +229,8 @@ TEST(FlatPlan, TheWayToAUnitHasTheShapeOfTheInverseOfTheWayFromIt) {
 
 TEST(FlatPlan, ThreadsThatAskForTheSecondStepAtOnceGetOneObject) {
     for (int round = 0; round < 50; ++round) {
-        const auto compound = std::dynamic_pointer_cast<CCompound>(
-            NonSI::Hour()->getConverterTo(NonSI::Minute()));
+        const auto compound =
+            std::dynamic_pointer_cast<CCompound>(NonSI::Hour()->getConverterTo(NonSI::Minute()));
         std::vector<CConverterPtr> seconds(4);
         std::vector<std::thread> threads;
         for (CConverterPtr& second : seconds) {
@@ -269,9 +284,8 @@ TEST(ConvertAll, AsksASubclassOfAnyConverterForEachValue) {
     public:
         double convert(double x) const override { return -x; }
     };
-    const std::vector<CConverterPtr> converters{std::make_shared<CNegated>(2),
-                                                std::make_shared<CRaised>(2),
-                                                std::make_shared<CTurned>()};
+    const std::vector<CConverterPtr> converters{
+        std::make_shared<CNegated>(2), std::make_shared<CRaised>(2), std::make_shared<CTurned>()};
     for (const CConverterPtr& converter : converters) {
         EXPECT_EQ(difference(converter, specialValues()), "");
         EXPECT_EQ(difference(pair(converter, multiply(3)), specialValues()), "");
@@ -280,13 +294,19 @@ TEST(ConvertAll, AsksASubclassOfAnyConverterForEachValue) {
 
 TEST(ConvertAll, GivesTheSameBitsAtEveryLengthAndAlignment) {
     const std::vector<CConverterPtr> converters{
-        CConverter::identity(), add(273.15), multiply(1e-3), pair(add(-32), multiply(5.0 / 9)),
-        std::make_shared<CSquare>(), pair(std::make_shared<CSquare>(), add(1)),
+        CConverter::identity(),
+        add(273.15),
+        multiply(1e-3),
+        pair(add(-32), multiply(5.0 / 9)),
+        std::make_shared<CSquare>(),
+        pair(std::make_shared<CSquare>(), add(1)),
         SI::Celsius()->getConverterTo(SI::Kelvin()),
         NonSI::YearCalendar()->getConverterTo(SI::Second()),
         multiply(std::numeric_limits<double>::quiet_NaN()),
         pair(add(std::numeric_limits<double>::quiet_NaN()), multiply(2)),
-        multiply(std::numeric_limits<double>::infinity()), multiply(0.0), multiply(-0.0)};
+        multiply(std::numeric_limits<double>::infinity()),
+        multiply(0.0),
+        multiply(-0.0)};
     std::vector<double> values = specialValues();
     for (int i = 0; values.size() < 2600; ++i) {
         values.push_back(std::ldexp(1.0 + i / 7.0, i % 40 - 20));
@@ -294,9 +314,9 @@ TEST(ConvertAll, GivesTheSameBitsAtEveryLengthAndAlignment) {
     for (const CConverterPtr& converter : converters) {
         for (const int from : {0, 1, 2, 3}) {
             for (const int length : {0, 1, 2, 3, 4, 5, 7, 8, 9, 31, 1023, 1024, 1025, 2500}) {
-                ASSERT_EQ(difference(converter,
-                                     {values.begin() + from, values.begin() + from + length}),
-                          "");
+                ASSERT_EQ(
+                    difference(converter, {values.begin() + from, values.begin() + from + length}),
+                    "");
             }
         }
     }
@@ -315,10 +335,12 @@ TEST(ConvertAll, GivesTheSameBitsForArraysThatNoCacheHolds) {
             converter->convertAll(values.data() + done, expected.data() + done,
                                   std::min(part, count - done));
         }
-        for (const std::size_t from : {std::size_t(1), std::size_t(2)}) {  // one of them is at an address divisible by 16
+        for (const std::size_t from :
+             {std::size_t(1), std::size_t(2)}) {  // one of them is at an address divisible by 16
             std::fill(results.begin(), results.end(), -1.0);
             converter->convertAll(values.data(), results.data() + from, count);
-            EXPECT_EQ(std::memcmp(results.data() + from, expected.data(), count * sizeof(double)), 0);
+            EXPECT_EQ(std::memcmp(results.data() + from, expected.data(), count * sizeof(double)),
+                      0);
             EXPECT_EQ(results[from - 1], -1.0);
             EXPECT_EQ(results[from + count], -1.0);
         }

@@ -79,12 +79,14 @@ TEST(RememberedTexts, AClientThatChangesATableItselfIsHeard) {
 }
 
 TEST(RememberedTexts, ManyMoreTextsThanThereIsRoomForAllReadRight) {
-    const char* const names[] = {"m", "s", "kg", "A", "K", "mol", "cd", "km", "ms", "Pa", "mbar", "h"};
+    const char* const names[] = {"m",  "s",  "kg", "A",  "K",    "mol",
+                                 "cd", "km", "ms", "Pa", "mbar", "h"};
     std::vector<std::pair<std::string, CUnitPtr>> texts;
     for (const char* left : names) {
         for (const char* right : names) {
             for (int power = 1; power <= 9; ++power) {
-                const std::string text = std::string(left) + "/" + right + "^" + std::to_string(power);
+                const std::string text =
+                    std::string(left) + "/" + right + "^" + std::to_string(power);
                 texts.emplace_back(text, CUnit::fromString(text));
             }
         }
@@ -102,7 +104,7 @@ TEST(RememberedTexts, ManyMoreTextsThanThereIsRoomForAllReadRight) {
 
 TEST(RememberedTexts, TextsThatDifferOnlyInZeroBytesOrLengthAreDifferent) {
     EXPECT_EQ(parsedTwice("m"), SI::Meter());
-    EXPECT_EQ(parsedTwice(std::string("m\0", 2)), SI::Meter());       // a zero byte separates
+    EXPECT_EQ(parsedTwice(std::string("m\0", 2)), SI::Meter());  // a zero byte separates
     EXPECT_EQ(parsedTwice(std::string("m\0m", 3)), SI::Meter() ^ 2);
     EXPECT_EQ(parsedTwice(std::string("\0", 1)), CProductUnit::one());
     EXPECT_EQ(parsedTwice(""), CProductUnit::one());
@@ -130,7 +132,8 @@ TEST(RememberedDimensions, FollowABaseUnitThatIsMappedOntoAnother) {
     // Lengths as the time that light takes.
     SI::Meter()->setDimension(SI::Second(), std::make_shared<CMultiplyConverter>(1 / 299792458.0));
     EXPECT_TRUE(km->isCompatible(SI::Second()));
-    EXPECT_EQ(km->convertValueToUnit(299792.458, SI::Second()), 299792.458 * 1000 * (1 / 299792458.0));
+    EXPECT_EQ(km->convertValueToUnit(299792.458, SI::Second()),
+              299792.458 * 1000 * (1 / 299792458.0));
     EXPECT_EQ(SI::Second()->getConverterTo(km)->convert(0), 0);
     EXPECT_FALSE(mbar->isCompatible(CUnit::fromString("m²")));
     EXPECT_EQ(before->convert(2.5), 2500);
@@ -177,7 +180,7 @@ TEST(RememberedDimensions, ARefusedUnitLeavesNoneBehind) {
     };
     const CUnitPtr refused = std::make_shared<CRefused>();
     EXPECT_THROW(CRefused::registerNow(refused), std::logic_error);
-    EXPECT_EQ(refused.use_count(), 1);  // no table holds it
+    EXPECT_EQ(refused.use_count(), 1);                          // no table holds it
     EXPECT_EQ(refused->convertValueToUnit(1, SI::Meter()), 2);  // asked anew
     EXPECT_EQ(refused->convertValueToUnit(1, SI::Meter()), 2);
 }

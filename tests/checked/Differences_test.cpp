@@ -61,11 +61,12 @@ TEST(Differences, OfEverythingElseAreWhatTheLibraryConverts) {
 }
 
 TEST(Differences, RefuseWhatCannotBeConverted) {
-    EXPECT_THAT([] { convertDifference(1, SI::Meter(), SI::Second()); },
-                ThrowsMessage<std::invalid_argument>("m is not compatible with s in current context"));
-    EXPECT_THAT([] { convertDifference(1, nullptr, SI::Second()); },
-                ThrowsMessage<std::invalid_argument>(
-                    "convertDifference: the unit is an empty pointer"));
+    EXPECT_THAT(
+        [] { convertDifference(1, SI::Meter(), SI::Second()); },
+        ThrowsMessage<std::invalid_argument>("m is not compatible with s in current context"));
+    EXPECT_THAT(
+        [] { convertDifference(1, nullptr, SI::Second()); },
+        ThrowsMessage<std::invalid_argument>("convertDifference: the unit is an empty pointer"));
     EXPECT_THROW(convertDifference(1, SI::Second(), nullptr), std::invalid_argument);
     EXPECT_THROW(CDifference(1, nullptr).valueAs(SI::Meter()), std::invalid_argument);
     EXPECT_THROW(difference({1, nullptr}, {1, SI::Meter()}), std::invalid_argument);

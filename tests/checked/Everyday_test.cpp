@@ -118,13 +118,14 @@ void readAll(std::uint32_t seed, std::ostream& out) {
         const Expression& expression = everyday()[i];
         const Quantity does = measured(units[i]);
         if (!areSame(does, expression.Meaning)) {
-            out << "! " << expression.Text << " is " << does << ", not " << expression.Meaning << "\n";
+            out << "! " << expression.Text << " is " << does << ", not " << expression.Meaning
+                << "\n";
         }
         const std::size_t like = dimensions.emplace(expression.Meaning.Exponents, i).first->second;
         const std::size_t alike = known.emplace(units[i]->getDimension(), i).first->second;
         if (alike != like) {
-            out << "! " << expression.Text << " converts to " << everyday()[alike].Text << ", not to "
-                << everyday()[like].Text << "\n";
+            out << "! " << expression.Text << " converts to " << everyday()[alike].Text
+                << ", not to " << everyday()[like].Text << "\n";
         } else if (expression.Meaning.Offset == 0.0 && everyday()[like].Meaning.Offset == 0.0) {
             const double ratio = units[i]->convertValueToUnit(1, units[like]);
             const double expected = expression.Meaning.Factor / everyday()[like].Meaning.Factor;
@@ -189,7 +190,8 @@ std::string pageOf(const std::map<std::size_t, Refused>& refused, std::size_t re
     std::ostringstream page;
     page << "# Collisions among units of everyday\n\n"
             "The library knows a unit by its hash code alone, so two units can be one object. The\n"
-            "companion ([reading.md](reading.md)) refuses the second. How often does that happen?\n\n"
+            "companion ([reading.md](reading.md)) refuses the second. How often does that "
+            "happen?\n\n"
          << everyday().size()
          << " expressions from physics, process industry, electronics and medicine\n"
             "(`tests/data/everyday.tsv`) were read in "
@@ -200,7 +202,8 @@ std::string pageOf(const std::map<std::size_t, Refused>& refused, std::size_t re
          << everyday().size() * Orders / refusals
          << ". Collisions grow with the square of the number of units: a\nprogram with twenty of "
             "them meets hardly any.\n\n"
-            "Written by `tests/checked/Everyday_test.cpp`. The reason is that of the first order.\n\n"
+            "Written by `tests/checked/Everyday_test.cpp`. The reason is that of the first "
+            "order.\n\n"
             "| Expression | Orders | Reason |\n|---|---|---|\n";
     for (const auto& [index, what] : refused) {
         page << "| `" << everyday()[index].Text << "` | " << what.Orders.size() << " | "

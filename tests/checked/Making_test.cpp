@@ -88,8 +88,9 @@ TEST(Making, RefusesABaseUnitThatIsAnotherKind) {
 }
 
 TEST(Making, RefusesASymbolThatStandsForSomethingElse) {
-    EXPECT_EQ(inTheWay([] { checked::alternateUnit("N", SI::Pascal()); }, "\"kg/(m·s²)\" was asked"),
-              SI::Newton());
+    EXPECT_EQ(
+        inTheWay([] { checked::alternateUnit("N", SI::Pascal()); }, "\"kg/(m·s²)\" was asked"),
+        SI::Newton());
     EXPECT_EQ(inTheWay([] { checked::baseUnit("km"); }, "the name \"km\" belongs to \"km\""),
               SI::Kilo(SI::Meter()));
     EXPECT_EQ(inTheWay([] { checked::alternateUnit("min", SI::Second()); }, "the name \"min\""),
@@ -183,7 +184,8 @@ TEST(Making, RefusesAnAliasThatWouldNotBeReadOrHideAnother) {
     const CUnitPtr own = checked::scaled(SI::Meter(), 3);
     CUnitFormat::alias(own, "qq");
     const Tables before;
-    EXPECT_EQ(inTheWay([] { checked::alias(SI::Meter(), "qq"); }, "the name \"qq\" belongs to"), own);
+    EXPECT_EQ(inTheWay([] { checked::alias(SI::Meter(), "qq"); }, "the name \"qq\" belongs to"),
+              own);
     EXPECT_EQ(inTheWay([&] { checked::alias(own, "s"); }, "the name \"s\""), SI::Second());
     EXPECT_EQ(inTheWay([&] { checked::alias(own, "km"); }, "\"km\""), SI::Kilo(SI::Meter()));
     EXPECT_EQ(inTheWay([&] { checked::alias(own, "L"); }, "\"l\""), NonSI::Liter());

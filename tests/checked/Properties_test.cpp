@@ -44,9 +44,9 @@ public:
     std::string noise() {
         std::string text;
         for (std::size_t tokens = 1 + below(8); tokens > 0; --tokens) {
-            text += below(2) == 0 ? name()
-                                  : pick({"/", "·", "*", "**", "^", "(", ")", "²", "⁻¹", "2", "-1",
-                                          ".", " ", ":", "√", "1", "0.5", "[", "]", "+", "\u2212"});
+            text += below(2) == 0 ? name() : pick({"/", "·",  "*",   "**", "^", "(", ")",
+                                                   "²", "⁻¹", "2",   "-1", ".", " ", ":",
+                                                   "√", "1",  "0.5", "[",  "]", "+", "\u2212"});
         }
         return text;
     }
@@ -80,11 +80,11 @@ private:
     }
 
     std::string power() {
-        return below(2) == 0
-                   ? ""
-                   : pick({"²", "³", "⁻¹", "⁻²", "⁴", "^2", "^-1", "**2", "**-3", "^(1/2)", "^(-3/2)",
-                           "^1:2", "^0.5", "^-1.5", " ^ 2", "^(2)", "^( -1 / 3 )", "⁺²", "^+2",
-                           "^\u22122", "^0.25", "^(0.2)"});
+        return below(2) == 0 ? ""
+                             : pick({"²",    "³",        "⁻¹",    "⁻²",     "⁴",           "^2",
+                                     "^-1",  "**2",      "**-3",  "^(1/2)", "^(-3/2)",     "^1:2",
+                                     "^0.5", "^-1.5",    " ^ 2",  "^(2)",   "^( -1 / 3 )", "⁺²",
+                                     "^+2",  "^\u22122", "^0.25", "^(0.2)"});
     }
 
     std::mt19937 m_Random;
@@ -128,10 +128,8 @@ TEST(Properties, WellFormedTextsAreReadAsMathematicsReadsThem) {
             case checked::eRefusal::COLLISION:
             case checked::eRefusal::DIMENSION_COLLISION:
             case checked::eRefusal::FACTOR_RANGE:
-            case checked::eRefusal::EXPONENT_RANGE:
-                break;
-            default:
-                ADD_FAILURE() << text << ": " << reading.Refusal->message();
+            case checked::eRefusal::EXPONENT_RANGE: break;
+            default: ADD_FAILURE() << text << ": " << reading.Refusal->message();
         }
     }
     EXPECT_GT(read, 450);

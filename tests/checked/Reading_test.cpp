@@ -295,7 +295,8 @@ TEST(Reading, KnowsWhatIsAName) {
     for (const char* name : {"km", "°C", "mm_Hg", "%", "′", "[a b]", "ф"}) {
         EXPECT_TRUE(checked::isName(name)) << name;
     }
-    for (const char* text : {"", "m2", "a b", "a/b", "m²", "[a", "a]", "[a]b", "a[b]", "-", "\xFF"}) {
+    for (const char* text :
+         {"", "m2", "a b", "a/b", "m²", "[a", "a]", "[a]b", "a[b]", "-", "\xFF"}) {
         EXPECT_FALSE(checked::isName(text)) << text;
     }
 }
@@ -365,9 +366,8 @@ TEST(Reading, ReadsAScaleWithAnotherSizeInProductsByItsSlopeOnly) {
 }
 
 TEST(Reading, HasNoUnitForDifferencesOnAScaleThatCountsAsNonLinear) {
-    const auto converter =
-        std::make_shared<CCompound>(std::make_shared<CAddConverter>(459.67),
-                                    std::make_shared<CMultiplyConverter>(5.0 / 9.0));
+    const auto converter = std::make_shared<CCompound>(
+        std::make_shared<CAddConverter>(459.67), std::make_shared<CMultiplyConverter>(5.0 / 9.0));
     CUnitFormat::label(CTransformedUnit::getInstance(SI::Kelvin(), converter), "°F");
     EXPECT_EQ(refusalOf("J/°F", differences()), eRefusal::OFFSET_IN_PRODUCT);
     EXPECT_THAT(tryReadUnit("J/°F").Refusal->Sentence, HasSubstr("there is no unit here"));

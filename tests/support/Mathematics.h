@@ -51,8 +51,8 @@ struct Quantity {
                     lowest(exponent.first * power.first, exponent.second * power.second);
             }
         }
-        result.Factor = std::pow(Factor, static_cast<double>(power.first) /
-                                             static_cast<double>(power.second));
+        result.Factor =
+            std::pow(Factor, static_cast<double>(power.first) / static_cast<double>(power.second));
         return result;
     }
 
@@ -132,13 +132,13 @@ inline const std::map<std::string, Quantity>& everyName() {
         alternate("kat", u["mol"].over(u["s"]));
         u["g"] = u["kg"].times(0.001);
         const std::vector<std::pair<const char*, double>> prefixes = {
-            {"Y", 1e24},  {"Z", 1e21},  {"E", 1e18},   {"P", 1e15},   {"T", 1e12},
-            {"G", 1e9},   {"M", 1e6},   {"k", 1e3},    {"h", 1e2},    {"da", 1e1},
-            {"d", 1e-1},  {"c", 1e-2},  {"m", 1e-3},   {"\u00B5", 1e-6}, {"n", 1e-9},
-            {"p", 1e-12}, {"f", 1e-15}, {"a", 1e-18},  {"z", 1e-21},  {"y", 1e-24}};
-        for (const char* name : {"A", "cd", "m", "mol", "s", "rad", "sr", "Hz", "N", "Pa", "J", "W",
-                                 "C", "V", "F", "\u2126", "S", "Wb", "T", "H", "lx", "Bq", "Gy",
-                                 "Sv", "kat", "g"}) {
+            {"Y", 1e24},  {"Z", 1e21},  {"E", 1e18},  {"P", 1e15},      {"T", 1e12},
+            {"G", 1e9},   {"M", 1e6},   {"k", 1e3},   {"h", 1e2},       {"da", 1e1},
+            {"d", 1e-1},  {"c", 1e-2},  {"m", 1e-3},  {"\u00B5", 1e-6}, {"n", 1e-9},
+            {"p", 1e-12}, {"f", 1e-15}, {"a", 1e-18}, {"z", 1e-21},     {"y", 1e-24}};
+        for (const char* name :
+             {"A", "cd", "m",      "mol", "s",  "rad", "sr", "Hz", "N",  "Pa", "J",  "W",   "C",
+              "V", "F",  "\u2126", "S",   "Wb", "T",   "H",  "lx", "Bq", "Gy", "Sv", "kat", "g"}) {
             for (const auto& [symbol, factor] : prefixes) {
                 const std::string prefixed = std::string(symbol) + name;
                 if (prefixed != "kg" && prefixed != "crad" && prefixed != "hPa") {
@@ -169,10 +169,16 @@ inline const std::map<std::string, Quantity>& everyName() {
         u["mm_Hg"] = u["Pa"].times(133.322);
         u["in_Hg"] = u["Pa"].times(3386.388);
         u["grav"] = u["m"].times(pow("s", -2)).times(9.80665);
-        for (const auto& [name, seconds] : std::vector<std::pair<const char*, double>>{
-                 {"min", 60}, {"h", 3600}, {"d", 86400}, {"week", 604800}, {"year", 31556952},
-                 {"month", 2629746}, {"year_calendar", 31536000}, {"day_sidereal", 86164.09},
-                 {"year_sidereal", 31558149.54}}) {
+        for (const auto& [name, seconds] :
+             std::vector<std::pair<const char*, double>>{{"min", 60},
+                                                         {"h", 3600},
+                                                         {"d", 86400},
+                                                         {"week", 604800},
+                                                         {"year", 31556952},
+                                                         {"month", 2629746},
+                                                         {"year_calendar", 31536000},
+                                                         {"day_sidereal", 86164.09},
+                                                         {"year_sidereal", 31558149.54}}) {
             u[name] = u["s"].times(seconds);
         }
         u["°C"] = u["K"];
@@ -231,16 +237,17 @@ private:
     static std::string plain(const std::string& text) {
         static const std::vector<std::pair<std::string, std::string>> Signs = [] {
             std::vector<std::pair<std::string, std::string>> signs = {
-                {"**", "^"}, {"·", "*"}, {"×", "*"}, {"\u2022", "*"}, {"\u2027", "*"},
-                {"\u2217", "*"}, {"\u2219", "*"}, {"\u22C5", "*"}, {"\u30FB", "*"},
-                {"\uFF65", "*"}, {"\uFF0A", "*"}, {"\uFF0E", "."}, {"÷", "/"}, {"\u2044", "/"},
-                {"\u2215", "/"}, {"\uFF0F", "/"}, {"\u02C6", "^"}, {"\uFF3E", "^"},
-                {"\u2236", ":"}, {"\uFF1A", ":"}, {"\uFF0B", "+"}, {"\u2212", "-"},
-                {"\uFE63", "-"}, {"\uFF0D", "-"}, {"\u2010", "-"}, {"\u2011", "-"},
-                {"\u2012", "-"}, {"\u2013", "-"}, {"\uFF08", "("}, {"\uFF09", ")"},
-                {"\u221A", "@"}, {"\t", " "}, {"\u00A0", " "}, {"\u1680", " "}, {"\u202F", " "},
-                {"\u205F", " "}, {"\u3000", " "}, {"\u03BC", "\u00B5"}, {"\u03A9", "\u2126"},
-                {"\u2103", "°C"}, {"\u212A", "K"}};
+                {"**", "^"},     {"·", "*"},           {"×", "*"},           {"\u2022", "*"},
+                {"\u2027", "*"}, {"\u2217", "*"},      {"\u2219", "*"},      {"\u22C5", "*"},
+                {"\u30FB", "*"}, {"\uFF65", "*"},      {"\uFF0A", "*"},      {"\uFF0E", "."},
+                {"÷", "/"},      {"\u2044", "/"},      {"\u2215", "/"},      {"\uFF0F", "/"},
+                {"\u02C6", "^"}, {"\uFF3E", "^"},      {"\u2236", ":"},      {"\uFF1A", ":"},
+                {"\uFF0B", "+"}, {"\u2212", "-"},      {"\uFE63", "-"},      {"\uFF0D", "-"},
+                {"\u2010", "-"}, {"\u2011", "-"},      {"\u2012", "-"},      {"\u2013", "-"},
+                {"\uFF08", "("}, {"\uFF09", ")"},      {"\u221A", "@"},      {"\t", " "},
+                {"\u00A0", " "}, {"\u1680", " "},      {"\u202F", " "},      {"\u205F", " "},
+                {"\u3000", " "}, {"\u03BC", "\u00B5"}, {"\u03A9", "\u2126"}, {"\u2103", "°C"},
+                {"\u212A", "K"}};
             const char* raised[] = {"⁰", "¹", "²", "³", "⁴", "⁵", "⁶", "⁷", "⁸", "⁹"};
             const char* wide[] = {"\uFF10", "\uFF11", "\uFF12", "\uFF13", "\uFF14",
                                   "\uFF15", "\uFF16", "\uFF17", "\uFF18", "\uFF19"};
@@ -399,7 +406,8 @@ private:
             return;
         }
         m_Operands.pop_back();
-        m_Operands.back() = op == '*' ? m_Operands.back().times(right) : m_Operands.back().over(right);
+        m_Operands.back() =
+            op == '*' ? m_Operands.back().times(right) : m_Operands.back().over(right);
     }
 
     std::string m_Text;
