@@ -111,6 +111,16 @@ const std::vector<CReport::Line>& CReport::lines() {
         heading("Request");
         peer("request 2.5 km in m", 0.22);
 
+        heading("The checked companion against the library");
+        for (const char* text : {"m", "km", "m/s", "kg·m²/s²", "mol/(m^3*s)"}) {
+            all.push_back({Line::AT_MOST, std::string("checked, read ") + text,
+                           std::string("read ") + text + ": mensor::checked",
+                           std::string("parse ") + text + ": mensor", 3});
+        }
+        all.push_back({Line::AT_MOST, "checked, read one of 2000 texts",
+                       "read one of 2000 texts: mensor::checked",
+                       "read one of 2000 texts: mensor", 3});
+
         heading("Two threads");
         const std::pair<const char*, double> works[] = {
             {"parse", 0.65}, {"look up", 0}, {"convert", 1.9}, {"request", 0.65}};

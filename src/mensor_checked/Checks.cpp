@@ -60,7 +60,9 @@ std::string describe(const CUnitPtr& unit) {
 }
 
 void multiplyInto(std::vector<CElement>& product, const CUnitPtr& unit, const CRational& exponent) {
-    for (const CUnitRationalPower& element : unit->elements()) {
+    const std::vector<CUnitRationalPower> elements = unit->elements();
+    product.reserve(product.size() + elements.size());
+    for (const CUnitRationalPower& element : elements) {
         const CUnitPtr part = element.getUnit();
         const CRational power = CRational(element.getPow(), element.getRoot()) * exponent;
         const auto known = std::find_if(product.begin(), product.end(),

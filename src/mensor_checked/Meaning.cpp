@@ -108,6 +108,9 @@ CRational::CRational(std::int64_t numerator, std::int64_t denominator)
     if (numerator == Least || denominator == Least) {
         throwOverflow();  // it has no positive counterpart
     }
+    if (denominator == 1) {
+        return;  // as most are
+    }
     const std::int64_t divisor = std::gcd(numerator, denominator) * (denominator < 0 ? -1 : 1);
     m_Numerator /= divisor;
     m_Denominator /= divisor;

@@ -44,10 +44,15 @@ const CMemory::CEntry* CMemory::find(std::string_view text) {
     return namesStand ? &entry : nullptr;
 }
 
+bool CMemory::isWorth(std::string_view text) {
+    const std::size_t hash = std::hash<std::string_view>()(text);
+    std::size_t& seen = m_Seen[hash % m_Seen.size()];
+    const bool isAgain = seen == hash;
+    seen = hash;
+    return isAgain && text.size() <= LongestPassing;
+}
+
 void CMemory::remember(CEntry entry) {
-    if (!entry.IsKept && entry.Text.size() > LongestPassing) {
-        return;
-    }
     const auto former = m_Entries.find(entry.Text);
     if (former != m_Entries.end()) {
         entry.IsKept = entry.IsKept || former->second->IsKept;

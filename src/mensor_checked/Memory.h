@@ -10,6 +10,7 @@
 #ifndef MENSOR_CHECKED_MEMORY_H
 #define MENSOR_CHECKED_MEMORY_H
 
+#include <array>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -43,8 +44,11 @@ public:
     /// The reading of `text`, none if it is not known or no longer stands.
     const CEntry* find(std::string_view text);
 
-    /// Keeps a reading, for good if it says so. Of the others at most 1000, none longer than 100
-    /// bytes: the texts may come from anywhere.
+    /// Whether a reading of `text` is worth remembering: it is not longer than 100 bytes and was
+    /// asked about not long ago. Texts may come from anywhere, and most never again.
+    bool isWorth(std::string_view text);
+
+    /// Keeps a reading, for good if it says so. Of the others at most 1000.
     void remember(CEntry entry);
 
     /// Whether the library is known to convert `unit` by its meaning.
@@ -54,7 +58,8 @@ public:
 private:
     // The keys are the entries' texts.
     std::unordered_map<std::string_view, std::unique_ptr<CEntry>> m_Entries;
-    std::size_t m_Passing = 0;                            // entries that are not kept
+    std::size_t m_Passing = 0;  // entries that are not kept
+    std::array<std::size_t, 1024> m_Seen = {};  // hashes of texts, each in the slot of its last bits
     std::unordered_map<CUnitPtr, CUnitPtr> m_SoundUnits;  // each with the dimension it had
 };
 

@@ -50,6 +50,7 @@ public:
             refuse(eRefusal::TOO_LONG, {0, 0}, "a text of more than 4096 characters is no unit");
         }
         refuseMalformed();
+        m_Factors.reserve(4);
         m_Cursor.skipBlanks();
         if (kind() == eKind::END) {
             if (m_Options.Dimensionless) {

@@ -37,7 +37,9 @@ public:
             checkDimension(unit);
             memory.setSound(unit);
         }
-        remember(unit, isKept);
+        if (isKept || memory.isWorth(m_Text)) {
+            remember(unit, isKept);
+        }
         return {unit, std::nullopt, std::move(m_Notes)};
     }
 
@@ -148,6 +150,7 @@ private:
     // product on the way meets another unit's hash code, "mV/V" becomes mV·s/m: 1/V and s/m are one.
     static CUnitPtr build(const std::vector<CElement>& elements) {
         std::vector<CUnitRationalPower> factors;
+        factors.reserve(elements.size());
         for (const CElement& element : elements) {
             if (element.Exponent != CRational(0)) {
                 factors.emplace_back(element.Unit, static_cast<int>(element.Exponent.numerator()),
