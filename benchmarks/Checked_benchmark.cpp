@@ -49,7 +49,8 @@ const bool added = [] {
         readMany<string_t>(state, [](const string_t& text) { return CUnit::fromString(text); });
     });
     add("read one of 2000 texts", "mensor::checked", [](benchmark::State& state) {
-        readMany<std::string>(state, [](const std::string& text) { return checked::readUnit(text); });
+        readMany<std::string>(state,
+                              [](const std::string& text) { return checked::readUnit(text); });
     });
     return true;
 }();

@@ -118,8 +118,8 @@ const std::vector<CReport::Line>& CReport::lines() {
                            std::string("parse ") + text + ": mensor", 3});
         }
         all.push_back({Line::AT_MOST, "checked, read one of 2000 texts",
-                       "read one of 2000 texts: mensor::checked",
-                       "read one of 2000 texts: mensor", 3});
+                       "read one of 2000 texts: mensor::checked", "read one of 2000 texts: mensor",
+                       3});
 
         heading("Two threads");
         const std::pair<const char*, double> works[] = {

@@ -59,7 +59,8 @@ private:
     // The keys are the entries' texts.
     std::unordered_map<std::string_view, std::unique_ptr<CEntry>> m_Entries;
     std::size_t m_Passing = 0;  // entries that are not kept
-    std::array<std::size_t, 1024> m_Seen = {};  // hashes of texts, each in the slot of its last bits
+    std::array<std::size_t, 1024> m_Seen =
+        {};  // hashes of texts, each in the slot of its last bits
     std::unordered_map<CUnitPtr, CUnitPtr> m_SoundUnits;  // each with the dimension it had
 };
 
