@@ -18,3 +18,9 @@ mkdir -p "$work"
 $compiler -std=c++17 "$here/client/client.cpp" -o "$work/client" \
     $(pkg-config --cflags --libs mensor)
 LD_LIBRARY_PATH=$libdir "$here/prints.sh" "$expected" "$@" "$work/client"
+
+# shellcheck disable=SC2046,SC2086  # several words each
+$compiler -std=c++17 "$here/client/checked_client.cpp" -o "$work/checked_client" \
+    $(pkg-config --cflags --libs mensor-checked)
+LD_LIBRARY_PATH=$libdir "$here/prints.sh" "$here/client/checked_client.expected" "$@" \
+    "$work/checked_client"
