@@ -10,6 +10,7 @@
 #include "mensor_checked/Parser.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <numeric>
 
@@ -28,7 +29,7 @@ struct Fraction {
     int Root;
 };
 
-// The product in lowest terms; none of the four numbers exceeds 99 in size, so nothing overflows.
+// The product in lowest terms; none of the four numbers exceeds 9999 in size, so nothing overflows.
 Fraction multiplied(Fraction a, Fraction b) {
     const int pow = a.Pow * b.Pow;
     const int root = a.Root * b.Root;
@@ -300,22 +301,28 @@ private:
 
     // The fraction that a decimal is, from its point on.
     Fraction decimal(std::size_t begin, int whole) {
-        constexpr int MostPlaces = 6;  // a numerator of 8 digits fits an int
-        m_Cursor.advance();
-        Fraction fraction{whole, 1};
+        constexpr int MostPlaces = 6;  // as 1/64 has; longer ones are no small fractions
+        std::int64_t numerator = whole;
+        std::int64_t denominator = 1;
+        bool isLonger = false;
         int places = 0;
-        for (; kind() == eKind::DIGIT; m_Cursor.advance()) {
+        for (m_Cursor.advance(); kind() == eKind::DIGIT; m_Cursor.advance()) {
             if (++places <= MostPlaces) {
-                fraction = {fraction.Pow * 10 + m_Cursor.digit(), fraction.Root * 10};
+                numerator = numerator * 10 + m_Cursor.digit();
+                denominator *= 10;
+            } else {
+                isLonger = isLonger || m_Cursor.digit() != 0;
             }
         }
-        const int divisor = std::gcd(fraction.Pow, fraction.Root);
-        fraction = {fraction.Pow / divisor, fraction.Root / divisor};
-        if (places > MostPlaces || fraction.Root > LargestExponent) {
+        const std::int64_t divisor = std::gcd(numerator, denominator);
+        if (isLonger || denominator / divisor > LargestExponent) {
             refuse(eRefusal::INEXACT_EXPONENT, {begin, at()},
                    "this decimal is no exact small fraction; write a fraction as ^(1/3)");
         }
-        return fraction;
+        if (numerator / divisor > LargestExponent) {
+            refuse(eRefusal::EXPONENT_RANGE, {begin, at()}, "an exponent beyond 99");
+        }
+        return {static_cast<int>(numerator / divisor), static_cast<int>(denominator / divisor)};
     }
 
     // Tokens.
@@ -329,11 +336,16 @@ private:
         return sign;
     }
 
-    // Numbers that are too large are all the same: a little too large.
+    // A number of an exponent, exactly: cut down to lowest terms it may yet be in range.
     int digits(eKind digitKind = eKind::DIGIT) {
+        constexpr int Largest = 9999;
+        const std::size_t begin = at();
         int n = 0;
         for (; kind() == digitKind; m_Cursor.advance()) {
-            n = std::min(n * 10 + m_Cursor.digit(), LargestExponent + 1);
+            n = std::min(n * 10 + m_Cursor.digit(), Largest + 1);
+        }
+        if (n > Largest) {
+            refuse(eRefusal::EXPONENT_RANGE, {begin, at()}, "an exponent beyond 99");
         }
         return n;
     }

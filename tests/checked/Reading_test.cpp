@@ -246,6 +246,18 @@ TEST(Reading, CollectsExponentsUpTo99) {
     EXPECT_EQ(refusalOf("m^99999999999999999999"), eRefusal::EXPONENT_RANGE);
 }
 
+TEST(Reading, ReducesExponentsOfAnySizeExactly) {
+    EXPECT_EQ(refusalOf("m^(1000/4)"), eRefusal::EXPONENT_RANGE) << "not m^25";
+    EXPECT_EQ(readUnit("m^(1000/500)"), SI::Meter()->pow(2));
+    EXPECT_EQ(readUnit("m^(0002/4)"), SI::Meter()->root(2));
+    EXPECT_EQ(readUnit("m^0.50000000"), SI::Meter()->root(2));
+    EXPECT_EQ(readUnit("s^0.015625"), SI::Second()->root(64));
+    EXPECT_EQ(refusalOf("m^0.50000001"), eRefusal::INEXACT_EXPONENT);
+    EXPECT_EQ(refusalOf("m^100.5"), eRefusal::EXPONENT_RANGE);
+    EXPECT_EQ(refusalOf("m^9999.999999"), eRefusal::INEXACT_EXPONENT);
+    EXPECT_EQ(refusalOf("m^(80001/4)"), eRefusal::EXPONENT_RANGE);
+}
+
 TEST(Reading, DropsWhatCancels) {
     EXPECT_EQ(readUnit("m·s/s"), SI::Meter());
     EXPECT_EQ(readUnit("m/m"), CProductUnit::one());

@@ -1,0 +1,71 @@
+// CheckedRead_fuzz.cpp: whatever the companion accepts has, by direct calculation from the text, the
+// exponents, the factor and the offset by which the library converts the object it gives. What is
+// refused for its form has no unit, a place in the text and a sentence. Nothing else happens.
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "mensor_checked/Reading.h"
+#include "mensor_checked/Values.h"
+#include "support/Mathematics.h"
+
+using namespace mensor;
+
+namespace {
+
+[[noreturn]] void fail(const std::string& text, const char* why) {
+    std::fprintf(stderr, "\"%s\": %s\n", text.c_str(), why);
+    std::abort();
+}
+
+void checkUnit(const std::string& text, const CUnitPtr& unit) {
+    if (!areSame(test::measured(unit), test::calculated(text))) {
+        fail(text, "means another unit");
+    }
+    if (checked::tryReadUnit(text).Unit != unit) {
+        fail(text, "is another unit the second time");
+    }
+    const auto written = checked::textOf(unit);
+    if (written && checked::readUnit(*written) != unit) {
+        fail(text, "is written as another unit");
+    }
+}
+
+void checkDiagnosis(const std::string& text, const checked::CDiagnosis& diagnosis) {
+    if (diagnosis.Text != text || diagnosis.Sentence.empty() || diagnosis.Byte > text.size() ||
+        text.compare(diagnosis.Byte, diagnosis.Token.size(), diagnosis.Token) != 0) {
+        fail(text, "is refused for something that is not there");
+    }
+    diagnosis.message();
+    diagnosis.caret();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    constexpr std::size_t LongestInput =
+        64;  // units are kept for good, and long texts are only more
+    if (size > LongestInput) {
+        return 0;
+    }
+    const std::string text(data, data + size);
+    const checked::CReading unit = checked::tryReadUnit(text);
+    if (unit) {
+        checkUnit(text, unit.Unit);
+    } else {
+        checkDiagnosis(text, *unit.Refusal);
+    }
+    const checked::CValueReading value = checked::tryReadValue(text);
+    if (!value) {
+        checkDiagnosis(text, *value.Refusal);
+    } else if (const auto written = checked::textOf(value.Unit)) {
+        const CValueWithUnit back =
+            checked::readValue(checked::writeValue(value.Value, value.Unit));
+        if (back.value() != value.Value || back.unit() != value.Unit) {
+            fail(text, "is a value that does not read back");
+        }
+    }
+    return 0;
+}

@@ -1,0 +1,46 @@
+// replay_main.cpp: tries the inputs in files, and in all files of folders. For builds without libFuzzer.
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+
+namespace {
+
+std::string contents(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+}  // namespace
+
+int main(int count, char** arguments) try {
+    namespace fs = std::filesystem;
+    std::vector<fs::path> files;
+    for (int i = 1; i < count; ++i) {
+        if (fs::is_directory(arguments[i])) {
+            files.insert(files.end(), fs::directory_iterator(arguments[i]),
+                         fs::directory_iterator());
+        } else {
+            files.emplace_back(arguments[i]);
+        }
+    }
+    for (const fs::path& file : files) {
+        const std::string input = contents(file);
+        const std::vector<std::uint8_t> bytes(input.begin(), input.end());
+        LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
+    }
+    std::printf("%zu inputs\n", files.size());
+    return files.empty() ? 1 : 0;
+} catch (const std::exception& e) {
+    std::fprintf(stderr, "%s\n", e.what());
+    return 1;
+}
