@@ -29,9 +29,8 @@ public:
 
     CReading read(bool isKept) {
         checkScales();
-        const std::vector<CElement> elements = this->elements();
-        const CUnitPtr unit = isAlone() ? m_Factors[0].Unit : build(elements);
-        checkIdentity(unit, elements);
+        // A name stands for its unit as it is, whatever the exponents in it.
+        const CUnitPtr unit = isAlone() ? m_Factors[0].Unit : product();
         CMemory& memory = CMemory::instance(m_Options);
         if (!memory.isSound(unit)) {
             checkDimension(unit);
@@ -127,6 +126,13 @@ private:
             product = product * meaningOf(factor.Unit).power(CRational(factor.Pow, factor.Root));
         }
         return product;
+    }
+
+    CUnitPtr product() {
+        const std::vector<CElement> elements = this->elements();
+        CUnitPtr unit = build(elements);
+        checkIdentity(unit, elements);
+        return unit;
     }
 
     std::vector<CElement> elements() const {

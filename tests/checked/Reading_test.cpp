@@ -407,6 +407,14 @@ TEST(Reading, FollowsAMappedBaseUnit) {
     EXPECT_EQ(readUnit("km/s"), speed);
 }
 
+TEST(Reading, TakesANameForWhatItIsWhateverItsExponents) {
+    const CUnitPtr high = CUnitFormat::label(SI::Meter() ^ 150, "hyp");
+    EXPECT_EQ(readUnit("hyp"), high);
+    EXPECT_EQ(readUnit("hyp")->getDimension(), high);
+    EXPECT_EQ(refusalOf("hyp·s"), eRefusal::EXPONENT_RANGE) << "what is written stays below 100";
+    EXPECT_EQ(refusalOf("hyp²"), eRefusal::EXPONENT_RANGE);
+}
+
 TEST(Reading, ForgetsPassingTextsButStaysRight) {
     for (int round = 0; round < 2; ++round) {
         for (int i = 0; i < 1500; ++i) {
