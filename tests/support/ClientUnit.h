@@ -11,6 +11,7 @@
 
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -18,6 +19,7 @@
 #include "mensor/Converter.h"
 #include "mensor/Unit.h"
 #include "mensor/mensor_global.h"
+#include "support/Inside.h"
 #include "support/Matchers.h"
 
 namespace mensor {
@@ -80,28 +82,6 @@ inline std::shared_ptr<CClientUnit> freshClientUnit() {
     unit->Asked.clear();
     return unit;
 }
-
-/// What CUnit keeps for the kinds of units. Not to be instantiated.
-struct Inside : CUnit {
-    static std::vector<CUnitPtr>& multiplyLookUp(const CUnitPtr& unit) {
-        return (*unit).*(&Inside::m_MultiplyLookUp);
-    }
-    static std::vector<CUnitPtr>& divideLookUp(const CUnitPtr& unit) {
-        return (*unit).*(&Inside::m_DivideLookUp);
-    }
-    static std::vector<CUnitPtr>& rootLookUp(const CUnitPtr& unit) {
-        return (*unit).*(&Inside::m_RootLookUp);
-    }
-    static std::vector<CUnitPtr>& powLookUp(const CUnitPtr& unit) {
-        return (*unit).*(&Inside::m_PowLookUp);
-    }
-    static std::recursive_mutex& lookupMutex(const CUnitPtr& unit) {
-        return (*unit).*(&Inside::m_LookupVectorMutex);
-    }
-    static int id(const CUnitPtr& unit) { return (*unit).*(&Inside::m_Id); }
-    static int& hashCode(const CUnitPtr& unit) { return (*unit).*(&Inside::m_HashCode); }
-    static CUnitPtr canonical(const CUnitPtr& unit) { return getInstance(unit); }
-};
 
 /// Whether another thread could lock `mutex` now.
 inline bool isFree(std::recursive_mutex& mutex) {

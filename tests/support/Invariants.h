@@ -1,0 +1,138 @@
+// Invariants.h: what holds of the tables of the process at all times, whatever was asked, refused or
+// interrupted. Needs no GoogleTest.
+//
+//     EXPECT_EQ(test::brokenInvariant(), "");
+#ifndef MENSOR_TESTS_INVARIANTS_H
+#define MENSOR_TESTS_INVARIANTS_H
+
+#include <cstddef>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "mensor/ProductUnit.h"
+#include "mensor/Unit.h"
+#include "mensor/UnitFormat.h"
+#include "mensor/mensor_global.h"
+#include "support/Inside.h"
+
+namespace mensor {
+namespace test {
+
+/// The first invariant that is broken, in words; empty if none is. Changes no table.
+///
+/// Looking at the tables ends for this process what the library remembers beside them; whoever wants
+/// to go on trying that asks `brokenName` instead. Of units that a client labels or aliases it
+/// expects that they are registered.
+inline std::string brokenInvariant() {
+    const std::lock_guard<std::recursive_mutex> lock(CUnit::mutex());
+    const CUnitPtr one = CProductUnit::one();
+    const auto& instances = CUnit::instances();
+    const auto isCanonical = [&](const CUnitPtr& unit) {
+        const auto found = unit ? instances.find(unit->hashCode()) : instances.end();
+        return found != instances.end() && found->second == unit;
+    };
+    const auto named = [](const string_t& name) {
+        return " \"" + mensor::toStdString(name) + "\"";
+    };
+
+    // The instances: each under its hash, and numbered from 2 on in the order of registration. The
+    // dimensionless unit has the place of the first one, but no number.
+    std::vector<bool> isTaken(instances.size() + 1);
+    for (const auto& [hash, unit] : instances) {
+        const std::string which = " of the unit under the hash " + std::to_string(hash);
+        if (!unit) {
+            return "no unit under the hash " + std::to_string(hash);
+        }
+        if (unit->hashCode() != hash) {
+            return "another hash code" + which;
+        }
+        unit->calculateHashCode();
+        if (unit->hashCode() != hash) {
+            return "another hash code, computed anew," + which;
+        }
+        const int id = Inside::id(unit);
+        if (unit == one ? id != 0 : id < 2 || static_cast<std::size_t>(id) > instances.size()) {
+            return "the number " + std::to_string(id) + which;
+        }
+        if (isTaken[static_cast<std::size_t>(id)]) {
+            return "again the number " + std::to_string(id) + which;
+        }
+        isTaken[static_cast<std::size_t>(id)] = true;
+        for (const auto* cache : {&Inside::multiplyLookUp(unit), &Inside::divideLookUp(unit),
+                                  &Inside::rootLookUp(unit), &Inside::powLookUp(unit)}) {
+            for (const CUnitPtr& result : *cache) {
+                if (result && !isCanonical(result)) {
+                    return "a result that is not canonical in a cache" + which;
+                }
+            }
+        }
+        const string_t& symbol = Inside::symbol(unit);
+        if (unit != one && !symbol.empty() && CUnit::symbols().count(symbol) == 0) {
+            return "not in the table of symbols:" + named(symbol);
+        }
+    }
+    if (!isCanonical(one)) {
+        return "the dimensionless unit is not canonical";
+    }
+
+    for (const auto& [symbol, unit] : CUnit::symbols()) {
+        if (symbol.empty() || !isCanonical(unit) || Inside::symbol(unit) != symbol) {
+            return "no registered unit has the symbol" + named(symbol);
+        }
+    }
+
+    // Labels and units are each other's inverse.
+    const auto& unitLabels = CUnitFormat::unitLabelMap();
+    for (const auto& [label, unit] : CUnitFormat::labelUnitMap()) {
+        if (!isCanonical(unit)) {
+            return "the unit is not registered of the label" + named(label);
+        }
+        const auto back = unitLabels.find(unit);
+        if (back == unitLabels.end() || back->second != label) {
+            return "the unit does not have the label" + named(label);
+        }
+    }
+    if (unitLabels.size() != CUnitFormat::labelUnitMap().size()) {
+        return "a unit has a label that is another unit's or nobody's";
+    }
+    for (const auto& [alias, unit] : CUnitFormat::aliasUnitMap()) {
+        if (!isCanonical(unit)) {
+            return "the unit is not registered of the alias" + named(alias);
+        }
+    }
+
+    // The caches of dimensions. A converter may be missing: its unit could not tell it.
+    for (const auto& [unit, dimension] : CUnit::dimensions()) {
+        if (!isCanonical(unit) || !isCanonical(dimension)) {
+            return "a unit or dimension that is not canonical among the dimensions";
+        }
+    }
+    for (const auto& [unit, converter] : CUnit::toDimensions()) {
+        if (!isCanonical(unit)) {
+            return "a unit that is not canonical among the converters to dimensions";
+        }
+    }
+    return "";
+}
+
+/// The same for what can be seen without looking at the tables: each name stands for a registered
+/// unit, which is found under its hash.
+inline std::string brokenName() {
+    const CUnitPtr one = CProductUnit::one();
+    for (const auto& [name, unit] : CUnitFormat::names()) {
+        const bool isRegistered = unit && (unit == one || Inside::id(unit) >= 2);
+        if (!isRegistered || (unit != one && Inside::canonical(unit) != unit)) {
+            return "no registered unit has the name \"" + mensor::toStdString(name) + "\"";
+        }
+        if (CUnitFormat::unitFor(name) != unit) {
+            return "another unit has the name \"" + mensor::toStdString(name) + "\"";
+        }
+    }
+    return "";
+}
+
+}  // namespace test
+}  // namespace mensor
+
+#endif  // MENSOR_TESTS_INVARIANTS_H
