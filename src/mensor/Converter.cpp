@@ -184,8 +184,10 @@ inline const CConverterPtr& CCompound::secondStep() const {
 }
 
 void CCompound::invertSecond() const {
-    static std::mutex mutex;
-    const std::lock_guard<std::mutex> lock(mutex);
+    // Recursive, since what is inverted may have a second step that waits to be inverted, too. Held over
+    // the library's own converters only, which take no other lock.
+    static std::recursive_mutex mutex;
+    const detail::Lock lock(mutex);
     if (!m_SecondIsReady.load(std::memory_order_relaxed)) {
         m_Second = inverseOf(m_Second, RecursionLevels);
         m_SecondIsReady.store(true, std::memory_order_release);

@@ -23,6 +23,7 @@
 #include "mensor/TransformedUnit.h"
 #include "mensor/Unit.h"
 #include "mensor/UnitFormat.h"
+#include "support/ClientUnit.h"
 #include "support/Matchers.h"
 
 namespace mensor {
@@ -246,6 +247,17 @@ TEST(FlatPlan, ThreadsThatAskForTheSecondStepAtOnceGetOneObject) {
             EXPECT_EQ(second, compound->second());
         }
     }
+}
+
+TEST(FlatPlan, TheWayToAUnitThatIsDefinedByTheWayBetweenTwoOthersIsInvertedToo) {
+    // Both ways put off their inversion, and the one asks for the other's in the midst of its own.
+    const auto own = freshClientUnit();
+    own->CtxDimension = [] { return SI::Second(); };
+    own->CtxToDimension = [] { return NonSI::Hour()->getConverterTo(NonSI::Minute()); };
+    const auto compound = std::dynamic_pointer_cast<CCompound>(NonSI::Week()->getConverterTo(own));
+    ASSERT_TRUE(compound);
+    EXPECT_EQ(shapeOf(compound->second()),
+              shapeOf(NonSI::Hour()->getConverterTo(NonSI::Minute())->inverse()));
 }
 
 TEST(FlatPlan, AConverterOfAClientIsInvertedAtOnce) {
