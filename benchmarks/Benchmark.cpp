@@ -41,17 +41,6 @@ cv_converter* udunitsConverter(const std::string& from, const std::string& to) {
     return converter;
 }
 
-const std::vector<std::string>& typicalTexts() {
-    static const std::vector<std::string> texts = {
-        "m",        "km",    "mm",  "cm",       "µm",         "s",    "ms",    "min",   "h",
-        "d",        "kg",    "g",   "mg",       "K",          "°C",   "A",     "mA",    "V",
-        "mV",       "kV",    "W",   "kW",       "MW",         "kW*h", "J",     "kJ",    "N",
-        "kN",       "Pa",    "MPa", "kPa",      "bar",        "mbar", "Hz",    "kHz",   "MHz",
-        "lx",       "mol",   "m/s", "km/h",     "m/s^2",      "m^2",  "m^3/h", "l/min", "kg/m^3",
-        "kg·m²/s²", "W/m^2", "N*m", "J/(kg*K)", "mol/(m^3*s)"};
-    return texts;
-}
-
 std::vector<std::size_t> randomOrder(std::size_t count) {
     std::mt19937 random(1);
     std::vector<std::size_t> order(8192);

@@ -30,9 +30,6 @@ ut_unit* udunit(const std::string& text);
 /// The converter between two units of UDUNITS-2, which the process keeps.
 cv_converter* udunitsConverter(const std::string& from, const std::string& to);
 
-/// Fifty texts as they come in messages, which mensor and UDUNITS-2 read alike.
-const std::vector<std::string>& typicalTexts();
-
 /// A long random order of `count` things, the same in every run. Short ones are learned by heart
 /// by the processor's branch prediction.
 std::vector<std::size_t> randomOrder(std::size_t count);

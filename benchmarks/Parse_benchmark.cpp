@@ -3,8 +3,10 @@
 // one object that the unit is, UDUNITS-2 a new object.
 #include "Benchmark.h"
 #include "Programs.h"
+#include "TypicalTexts.h"
 #include "mensor/Unit.h"
 
+#include <iterator>
 #include <stdexcept>
 
 using namespace mensor;
@@ -28,7 +30,7 @@ void addText(const std::string& text) {
 }
 
 void mixMensor(benchmark::State& state) {
-    const std::vector<string_t> texts(typicalTexts().begin(), typicalTexts().end());
+    const std::vector<string_t> texts(std::begin(TypicalTexts), std::end(TypicalTexts));
     const std::vector<std::size_t> order = randomOrder(texts.size());
     std::size_t i = 0;
     for (auto _ : state) {
@@ -39,7 +41,7 @@ void mixMensor(benchmark::State& state) {
 
 void mixUdunits(benchmark::State& state) {
     ut_system* const system = udunits();
-    const std::vector<std::string>& texts = typicalTexts();
+    const std::vector<std::string> texts(std::begin(TypicalTexts), std::end(TypicalTexts));
     const std::vector<std::size_t> order = randomOrder(texts.size());
     std::size_t i = 0;
     for (auto _ : state) {

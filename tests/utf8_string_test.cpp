@@ -136,15 +136,8 @@ TEST(Utf8String, ReadsMalformedTextAsTheDecoderDoes) {
 }
 
 TEST(Utf8String, AgreesWithItselfOnEveryShortMixtureOfBytes) {
-    const std::string alphabet =
-        test::bytes({0x00, 'm', 0x7F, 0x80, 0xBF, 0xC2, 0xDF, 0xE2, 0xF0, 0xF8, 0xFC, 0xFE, 0xFF});
-    std::vector<std::string> texts = {""};
-    for (std::size_t from = 0, size = 1; size <= 3; ++size) {
-        const std::size_t to = texts.size();
-        for (; from < to; ++from)
-            for (const char byte : alphabet)
-                texts.push_back(texts[from] + byte);
-    }
+    const std::vector<std::string> texts = test::shortTexts(
+        test::bytes({0x00, 'm', 0x7F, 0x80, 0xBF, 0xC2, 0xDF, 0xE2, 0xF0, 0xF8, 0xFC, 0xFE, 0xFF}));
     ASSERT_EQ(texts.size(), 1u + 13 + 13 * 13 + 13 * 13 * 13);
     for (const std::string& bytes : texts) {
         SCOPED_TRACE(::testing::PrintToString(bytes));

@@ -1,4 +1,4 @@
-// Utf8.h: strict reading of UTF-8. For the companion's own use; not installed.
+// Utf8.h: strict reading of UTF-8. For the companion and the tool; not installed.
 //
 // The library takes any bytes for text; what comes from people, files and wires is refused here
 // where it is not UTF-8, since no two programs agree on what such bytes show.

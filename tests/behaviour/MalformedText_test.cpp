@@ -87,15 +87,8 @@ TEST(MalformedText, AsASymbolOrLabelIsFoundAndPrintedByteForByte) {
 }
 
 TEST(MalformedText, OfFewBytesReadsAsAUnitThatReadsBackOrIsRefused) {
-    const std::string alphabet =
-        test::bytes({0, 'm', '2', '/', '[', '<', 0x80, 0xB2, 0xC2, 0xE2, 0xF0, 0xFC, 0xFE});
-    std::vector<std::string> texts = {""};
-    for (std::size_t from = 0, size = 1; size <= 3; ++size) {
-        const std::size_t to = texts.size();
-        for (; from < to; ++from)
-            for (const char byte : alphabet)
-                texts.push_back(texts[from] + byte);
-    }
+    const std::vector<std::string> texts = test::shortTexts(
+        test::bytes({0, 'm', '2', '/', '[', '<', 0x80, 0xB2, 0xC2, 0xE2, 0xF0, 0xFC, 0xFE}));
     int units = 0, refused = 0;
     for (const std::string& bytes : texts) {
         SCOPED_TRACE(::testing::PrintToString(bytes));

@@ -4,11 +4,13 @@
 // machine. Each part writes its count to a file of its own (CALLGRIND_DUMP_STATS_AT); what the loop
 // around the work costs is the part "nothing", which count.cmake takes off all others.
 #include <cstddef>
+#include <iterator>
 #include <string>
 #include <vector>
 
 #include <valgrind/callgrind.h>
 
+#include "TypicalTexts.h"
 #include "mensor/NonSI.h"
 #include "mensor/SI.h"
 #include "mensor/UnitFormat.h"
@@ -42,15 +44,6 @@ void count(const char* name, const Work& work) {
     CALLGRIND_DUMP_STATS_AT(name);
 }
 
-// Texts as they come in messages.
-const char* const Mix[] = {
-    "m",        "km",    "mm",  "cm",       "µm",         "s",    "ms",    "min",   "h",
-    "d",        "kg",    "g",   "mg",       "K",          "°C",   "A",     "mA",    "V",
-    "mV",       "kV",    "W",   "kW",       "MW",         "kW*h", "J",     "kJ",    "N",
-    "kN",       "Pa",    "MPa", "kPa",      "bar",        "mbar", "Hz",    "kHz",   "MHz",
-    "lx",       "mol",   "m/s", "km/h",     "m/s^2",      "m^2",  "m^3/h", "l/min", "kg/m^3",
-    "kg·m²/s²", "W/m^2", "N*m", "J/(kg*K)", "mol/(m^3*s)"};
-
 }  // namespace
 
 int main() {
@@ -61,8 +54,8 @@ int main() {
     count("parse kg*m^2/s^2", [&](int) { keep(CUnit::fromString(energy)); });
 
     // Repetitions is a multiple of the number of texts, so that each counts the same.
-    const std::vector<string_t> mix(std::begin(Mix), std::end(Mix));
-    static_assert(Repetitions % (sizeof Mix / sizeof *Mix) == 0);
+    const std::vector<string_t> mix(std::begin(TypicalTexts), std::end(TypicalTexts));
+    static_assert(Repetitions % (std::size(TypicalTexts)) == 0);
     count("parse a mix of 50",
           [&](int i) { keep(CUnit::fromString(mix[static_cast<std::size_t>(i) % mix.size()])); });
 

@@ -4,18 +4,12 @@
 #ifndef MENSOR_TESTS_SNIPPET_H
 #define MENSOR_TESTS_SNIPPET_H
 
-#include <cxxabi.h>
-
 #include <charconv>
-#include <cstdlib>
-#include <exception>
 #include <iostream>
 #include <iterator>
-#include <memory>
 #include <sstream>
 #include <string>
 #include <type_traits>
-#include <typeinfo>
 
 // What a snippet takes for granted; others it includes itself, and a whole program includes all.
 #include <mensor/NonSI.h>
@@ -23,6 +17,8 @@
 #include <mensor/UnitFormat.h>
 #include <mensor/ValueWithUnit.h>
 #include <mensor/io.h>
+
+#include "support/Outcome.h"
 
 namespace mensor_docs {
 
@@ -62,16 +58,7 @@ void gives(int line, const std::string& shown, const Result& result) {
 
 template <class Action>
 void throws(int line, const std::string& shown, Action action) {
-    std::string given = "nothing thrown";
-    try {
-        action();
-    } catch (const std::exception& thrown) {
-        int status = 0;
-        const std::unique_ptr<char, decltype(&std::free)> name(
-            abi::__cxa_demangle(typeid(thrown).name(), nullptr, nullptr, &status), &std::free);
-        given = std::string(name.get()) + ": " + thrown.what();
-    }
-    compare(line, shown, given);
+    compare(line, shown, mensor::outcomeOf(action));
 }
 
 }  // namespace mensor_docs

@@ -2,6 +2,7 @@
 #ifndef MENSOR_TESTS_UTF8_TEXTS_H
 #define MENSOR_TESTS_UTF8_TEXTS_H
 
+#include <cstddef>
 #include <initializer_list>
 #include <string>
 #include <vector>
@@ -20,6 +21,18 @@ inline std::string bytes(std::initializer_list<int> values) {
     for (const int value : values)
         result += static_cast<char>(static_cast<unsigned char>(value));
     return result;
+}
+
+/// All texts of at most three bytes of `alphabet`, the empty one first.
+inline std::vector<std::string> shortTexts(const std::string& alphabet) {
+    std::vector<std::string> texts = {""};
+    for (std::size_t from = 0, size = 1; size <= 3; ++size) {
+        const std::size_t to = texts.size();
+        for (; from < to; ++from)
+            for (const char byte : alphabet)
+                texts.push_back(texts[from] + byte);
+    }
+    return texts;
 }
 
 inline std::u32string codePoints(std::initializer_list<char32_t> values) { return {values}; }

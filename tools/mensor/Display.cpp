@@ -4,40 +4,12 @@
 #include <iterator>
 #include <vector>
 
+#include "mensor_checked/Utf8.h"
+
 namespace {
 
-constexpr char32_t NotUtf8 = 0xFFFFFFFF;
-
-// One character of `text`, which is not empty, and its length in bytes; NotUtf8 and 1 for a byte that
-// belongs to none.
-char32_t decode(std::string_view text, std::size_t& length) {
-    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    const char32_t lead = byte(0);
-    length = 1;
-    if (lead < 0x80) {
-        return lead;
-    }
-    const std::size_t need = lead >= 0xC2 && lead < 0xE0   ? 2
-                             : lead >= 0xE0 && lead < 0xF0 ? 3
-                             : lead >= 0xF0 && lead < 0xF5 ? 4
-                                                           : 0;
-    if (need == 0 || text.size() < need) {
-        return NotUtf8;
-    }
-    char32_t c = lead & (0x7FU >> need);
-    for (std::size_t i = 1; i < need; ++i) {
-        if ((byte(i) & 0xC0U) != 0x80U) {
-            return NotUtf8;
-        }
-        c = c << 6 | (byte(i) & 0x3FU);
-    }
-    const bool isShortest = need == 2 || (need == 3 && c >= 0x800) || (need == 4 && c >= 0x10000);
-    if (!isShortest || (c >= 0xD800 && c < 0xE000) || c > 0x10FFFF) {
-        return NotUtf8;
-    }
-    length = need;
-    return c;
-}
+using mensor::checked::decode;
+using mensor::checked::NotUtf8;
 
 struct CRange {
     char32_t First;
