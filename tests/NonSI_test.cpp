@@ -111,6 +111,20 @@ TEST(NonSI, EachAccessorGivesTheSameObjectAtEveryCallAndNoOtherAccessorDoes) {
     EXPECT_EQ(units.size(), 27U);  // 28 accessors, of which the octet is the byte
 }
 
+TEST(NonSI, OnlyPsiAndNoneAreBuiltByTheirFirstCall) {
+    const Tables afterLoad;
+    for (const Row& row : ROWS) {
+        if (row.Get != NonSI::Psi && row.Get != NonSI::None) {
+            row.Get();
+        }
+    }
+    EXPECT_EQ(Tables(), afterLoad);
+    const std::size_t built = CUnit::instances().size();
+    NonSI::Psi();
+    NonSI::None();
+    EXPECT_EQ(CUnit::instances().size(), built + 2);
+}
+
 TEST(NonSI, OctetIsTheByte) {
     EXPECT_EQ(NonSI::Octet(), NonSI::Byte());
     EXPECT_EQ(NonSI::Octet(), NonSI::Octet());

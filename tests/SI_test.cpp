@@ -86,6 +86,14 @@ TEST(SI, EachAccessorGivesTheSameObjectAtEveryCallAndNoOtherAccessorDoes) {
     EXPECT_EQ(units.size(), 31U);
 }
 
+TEST(SI, NoUnitIsBuiltByTheFirstCallOfItsAccessor) {
+    const Tables afterLoad;
+    for (const Accessor& accessor : all()) {
+        accessor.Get();
+    }
+    EXPECT_EQ(Tables(), afterLoad);
+}
+
 TEST(SI, AccessorsShareOwnershipOfTheUnit) {
     const CUnitPtr first = SI::Newton();
     const long before = first.use_count();

@@ -2,11 +2,12 @@
 // above all for the tsan preset; elsewhere it shows that the results agree.
 //
 // Each race keeps to one order of locks, as clients must (see Unit.h): either the algebra or the
-// dimensions of products are asked for the first time, not both at once.
+// dimensions of products are asked for the first time, not both at once. Locks_test.cpp has both.
 #include <cstddef>
 #include <functional>
 #include <memory>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,6 +22,7 @@
 #include "mensor/Unit.h"
 #include "mensor/UnitFormat.h"
 #include "support/ClientUnit.h"
+#include "support/Invariants.h"
 #include "support/Matchers.h"
 #include "support/Threads.h"
 
@@ -28,6 +30,8 @@ namespace mensor {
 namespace {
 
 using ::testing::AllOf;
+using ::testing::AnyOf;
+using ::testing::Contains;
 using ::testing::Each;
 using ::testing::Ne;
 
@@ -44,7 +48,13 @@ auto raceFor(Make make) {
 
 CBaseUnitPtr freshUnit() { return CBaseUnit::getInstance(freshSymbol()); }
 
-TEST(Concurrency, AnAccessorBuildsItsUnitOnce) {
+// Whatever was raced for, the tables are in order in the end.
+class Concurrency : public ::testing::Test {
+protected:
+    void TearDown() override { EXPECT_EQ(test::brokenInvariant(), ""); }
+};
+
+TEST_F(Concurrency, AnAccessorBuildsItsUnitOnce) {
     ASSERT_EQ(CUnitFormat::unitFor("psi"), nullptr) << "built at its first use";
     const std::size_t before = CUnit::instances().size();
     const std::vector<CUnitPtr> psis = raceFor(NonSI::Psi);
@@ -55,7 +65,7 @@ TEST(Concurrency, AnAccessorBuildsItsUnitOnce) {
     EXPECT_THAT(nones, Each(AllOf(Ne(nullptr), NonSI::None())));
 }
 
-TEST(Concurrency, WhatThereIsOneOfIsOneObjectInAllThreads) {
+TEST_F(Concurrency, WhatThereIsOneOfIsOneObjectInAllThreads) {
     EXPECT_THAT(raceFor(CASCIIUnitFormat::instance), Each(CASCIIUnitFormat::instance()));
     EXPECT_THAT(raceFor(CStandardUnitFormat::instance), Each(CStandardUnitFormat::instance()));
     EXPECT_THAT(raceFor(CConverter::identity), Each(CConverter::identity()));
@@ -65,7 +75,7 @@ TEST(Concurrency, WhatThereIsOneOfIsOneObjectInAllThreads) {
                 Each(&CUnitFormat::aliasUnitMap()));
 }
 
-TEST(Concurrency, ABaseUnitIsRegisteredOnce) {
+TEST_F(Concurrency, ABaseUnitIsRegisteredOnce) {
     for (int round = 0; round < Rounds; ++round) {
         const string_t symbol = freshSymbol();
         const std::size_t before = CUnit::instances().size();
@@ -75,7 +85,7 @@ TEST(Concurrency, ABaseUnitIsRegisteredOnce) {
     }
 }
 
-TEST(Concurrency, UnitsRegisteredAtOnceHaveIdsOfTheirOwn) {
+TEST_F(Concurrency, UnitsRegisteredAtOnceHaveIdsOfTheirOwn) {
     constexpr int UnitsOfEach = 100;
     std::vector<string_t> symbols;
     std::set<std::string> chosen;
@@ -99,7 +109,7 @@ TEST(Concurrency, UnitsRegisteredAtOnceHaveIdsOfTheirOwn) {
     EXPECT_EQ(*ids.rbegin(), before + Threads * UnitsOfEach);
 }
 
-TEST(Concurrency, TheSameAlgebraGivesTheSameObjects) {
+TEST_F(Concurrency, TheSameAlgebraGivesTheSameObjects) {
     for (int round = 0; round < Rounds; ++round) {
         const CUnitPtr a = freshUnit(), b = freshUnit();
         const string_t symbol = freshSymbol();
@@ -139,7 +149,7 @@ TEST(Concurrency, TheSameAlgebraGivesTheSameObjects) {
     }
 }
 
-TEST(Concurrency, AProductHasOneSystemUnit) {
+TEST_F(Concurrency, AProductHasOneSystemUnit) {
     for (int round = 0; round < Rounds; ++round) {
         const CUnitPtr a = freshUnit(), b = freshUnit();
         const CUnitPtr product = (a * 1000.0) / ((b * 60.0) ^ 2);
@@ -148,7 +158,7 @@ TEST(Concurrency, AProductHasOneSystemUnit) {
     }
 }
 
-TEST(Concurrency, ABaseUnitHasOneDimension) {
+TEST_F(Concurrency, ABaseUnitHasOneDimension) {
     for (int round = 0; round < Rounds; ++round) {
         const CUnitPtr unit = freshUnit();
         ASSERT_THAT(raceFor([&] { return unit->getCtxDimension(); }), Each(unit));
@@ -159,7 +169,7 @@ TEST(Concurrency, ABaseUnitHasOneDimension) {
     }
 }
 
-TEST(Concurrency, AProductHasOneDimensionAndConvertsAlikeInAllThreads) {
+TEST_F(Concurrency, AProductHasOneDimensionAndConvertsAlikeInAllThreads) {
     for (int round = 0; round < Rounds; ++round) {
         const CUnitPtr a = freshUnit(), b = freshUnit();
         const CUnitPtr fast = (a * 1000.0) / b, slow = a / b;
@@ -173,7 +183,7 @@ TEST(Concurrency, AProductHasOneDimensionAndConvertsAlikeInAllThreads) {
     }
 }
 
-TEST(Concurrency, ReadersAreRightWhileUnitsAreRegistered) {
+TEST_F(Concurrency, ReadersAreRightWhileUnitsAreRegistered) {
     const CUnitPtr metre = SI::Meter(), kilometre = CUnit::fromString("km");
     const CUnitPtr speed = CUnit::fromString("km/h"), reference = SI::Meter() / SI::Second();
     const CConverterPtr shared = speed->getConverterTo(reference);
@@ -212,8 +222,150 @@ TEST(Concurrency, ReadersAreRightWhileUnitsAreRegistered) {
     }
 }
 
+TEST_F(Concurrency, TheSameLabelAndAliasMayBeGivenAtOnce) {
+    for (int round = 0; round < Rounds; ++round) {
+        const CUnitPtr unit = freshUnit();
+        const string_t label = freshSymbol();
+        ASSERT_THAT(raceFor([&] { return CUnitFormat::label(unit, label); }), Each(unit));
+        ASSERT_EQ(unit->toString(), label);
+        const string_t alias = freshSymbol();
+        ASSERT_THAT(raceFor([&] { return CUnitFormat::alias(unit, alias); }), Each(unit));
+        ASSERT_EQ(CUnitFormat::unitFor(alias), unit);
+    }
+}
+
+TEST_F(Concurrency, OfUnitsThatWantOneLabelOneGetsIt) {
+    for (int round = 0; round < Rounds; ++round) {
+        const string_t label = freshSymbol();
+        std::vector<CUnitPtr> units(Threads), winners(Threads);
+        for (CUnitPtr& unit : units) {
+            unit = freshUnit();
+        }
+        race(Threads, [&](int thread) {
+            const auto i = static_cast<std::size_t>(thread);
+            try {
+                winners[i] = CUnitFormat::label(units[i], label);
+            } catch (const std::invalid_argument&) {
+                // Another unit has it.
+            }
+        });
+        const CUnitPtr holder = CUnitFormat::unitFor(label);
+        for (std::size_t i = 0; i < units.size(); ++i) {
+            ASSERT_EQ(winners[i], units[i] == holder ? holder : nullptr);
+            ASSERT_EQ(CUnitFormat::labelFor(units[i]) == label, units[i] == holder);
+        }
+        ASSERT_THAT(units, Contains(holder));
+    }
+}
+
+TEST_F(Concurrency, OfUnitsThatWantOneAliasOneGetsItInTheEyesOfAll) {
+    for (int round = 0; round < Rounds; ++round) {
+        const string_t alias = freshSymbol();
+        const std::vector<CUnitPtr> units = raceFor([&] {
+            CUnitFormat::alias(freshUnit(), alias);
+            return CUnitFormat::unitFor(alias);
+        });
+        ASSERT_THAT(units, Each(AllOf(Ne(nullptr), CUnitFormat::unitFor(alias))));
+    }
+}
+
+TEST_F(Concurrency, AUnitKeepsTheLastOfTheLabelsThatItIsGivenAtOnce) {
+    for (int round = 0; round < Rounds; ++round) {
+        const CUnitPtr unit = freshUnit();
+        const std::vector<string_t> labels = raceFor([&] {
+            string_t label = freshSymbol();
+            CUnitFormat::label(unit, label);
+            return label;
+        });
+        for (const string_t& label : labels) {
+            ASSERT_EQ(CUnitFormat::unitFor(label), unit->toString() == label ? unit : nullptr);
+        }
+        ASSERT_THAT(labels, Contains(unit->toString()));
+    }
+}
+
+// Reading, while the library remembers texts beside its tables and after a client has taken a table in
+// hand, which ends that.
+class ConcurrentReading : public Concurrency, public ::testing::WithParamInterface<bool> {
+protected:
+    void SetUp() override {
+        if (!GetParam()) {
+            CUnit::symbols();
+        }
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(, ConcurrentReading, ::testing::Bool(), [](const auto& row) {
+    return row.param ? "WithRemembering" : "WithoutRemembering";
+});
+
+TEST_P(ConcurrentReading, TheSameNewTextIsTheSameObject) {
+    for (int round = 0; round < Rounds; ++round) {
+        const CUnitPtr a = freshUnit(), b = freshUnit();
+        const string_t text = a->getSymbol() + "²·" + b->getSymbol() + "^1:2/s·" + b->getSymbol();
+        ASSERT_THAT(raceFor([&] { return CUnit::fromString(text); }),
+                    Each((a ^ 2) * b->root(2) / SI::Second() / b));
+    }
+}
+
+TEST_P(ConcurrentReading, OfMoreTextsThanAreRememberedEachGivesItsOwnUnit) {
+    const char* const names[] = {"m",  "s",  "kg", "A",  "K",    "mol",
+                                 "cd", "km", "ms", "Pa", "mbar", "h"};
+    std::vector<std::pair<std::string, CUnitPtr>> texts;
+    for (const char* left : names) {
+        for (const char* right : names) {
+            for (const char* power : {"", "2", "^3", "^1:2", "-1"}) {
+                const std::string text = std::string(left) + "/" + right + power;
+                texts.emplace_back(text, CUnit::fromString(text));
+            }
+        }
+    }
+    ASSERT_GT(texts.size(), 512U);
+    race(Threads, [&](int thread) {
+        for (std::size_t i = 0; i < 2 * texts.size(); ++i) {
+            const auto& [text, unit] =
+                texts[(i * (2 * static_cast<std::size_t>(thread) + 1)) % texts.size()];
+            ASSERT_EQ(CUnit::fromString(text), unit) << text;
+            if (thread == 0 && i % 64 == 0) {
+                CUnitFormat::alias(unit, freshSymbol());  // what was remembered is void
+            }
+        }
+    });
+}
+
+// The names go from unit to unit. Whoever moves one sees that at once, everybody else sooner or later.
+TEST_P(ConcurrentReading, ALabelThatMovesIsReadAsAUnitThatHadIt) {
+    const CUnitPtr first = freshUnit(), second = freshUnit();
+    const string_t wanderer = freshSymbol(), firstAtRest = freshSymbol(),
+                   secondAtRest = freshSymbol();
+    const auto read = [](const string_t& text) {
+        try {
+            return CUnit::fromString(text);
+        } catch (const std::invalid_argument&) {
+            return CUnitPtr();
+        }
+    };
+    race(Threads, 100, [&](int thread, int) {
+        if (thread != 0) {
+            ASSERT_THAT(read(wanderer), AnyOf(first, second, nullptr));
+            ASSERT_THAT(read(firstAtRest), AnyOf(first, nullptr));
+            ASSERT_THAT(first->toString(), AnyOf(first->getSymbol(), wanderer, firstAtRest));
+            return;
+        }
+        CUnitFormat::label(first, wanderer);
+        ASSERT_EQ(read(wanderer), first);
+        CUnitFormat::label(first, firstAtRest);
+        ASSERT_EQ(read(wanderer), nullptr);
+        ASSERT_EQ(read(firstAtRest), first);
+        CUnitFormat::label(second, wanderer);
+        ASSERT_EQ(read(wanderer), second);
+        CUnitFormat::label(second, secondAtRest);
+        ASSERT_EQ(read(wanderer), nullptr);
+    });
+}
+
 // Whoever is last destroys the chain; the others must not have begun.
-TEST(Concurrency, AChainThatManyHoldIsDestroyedOnce) {
+TEST_F(Concurrency, AChainThatManyHoldIsDestroyedOnce) {
     constexpr int Depth = 5000;
     for (int round = 0; round < Rounds; ++round) {
         const CConverterPtr leaf = std::make_shared<CAddConverter>(1);

@@ -8,10 +8,13 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "mensor/NonSI.h"
@@ -19,12 +22,17 @@
 #include "mensor/SI.h"
 #include "mensor/UnitFormat.h"
 #include "mensor_checked/Choosing.h"
+#include "mensor_checked/Definitions.h"
 #include "mensor_checked/Differences.h"
 #include "mensor_checked/Making.h"
 #include "mensor_checked/Meaning.h"
+#include "mensor_checked/Packs.h"
 #include "mensor_checked/Values.h"
 #include "support/ClientUnit.h"
+#include "support/Invariants.h"
 #include "support/Matchers.h"
+#include "support/Outcome.h"
+#include "support/Threads.h"
 
 namespace mensor {
 namespace {
@@ -34,6 +42,7 @@ using checked::readValue;
 using checked::tryReadUnit;
 using checked::warmUp;
 using checked::writeValue;
+using ::testing::Each;
 using ::testing::IsEmpty;
 
 const std::vector<std::string>& texts() {
@@ -42,23 +51,6 @@ const std::vector<std::string>& texts() {
         "l/min", "mg/dl",    "1/min",  "J/mol", "mΩ·m",  "kPa·s/l",  "cm²",         "m³/h",
         "Bq/kg", "mSv/h",    "cd/m²",  "A·h",   "bit/s", "°/s",      "m^(1/2)/s",   "mV/V"};
     return Texts;
-}
-
-void inThreads(int count, const std::function<void(int)>& work) {
-    std::atomic<int> ready{0};
-    std::vector<std::thread> threads;
-    for (int i = 0; i < count; ++i) {
-        threads.emplace_back([&, i] {
-            ++ready;
-            while (ready < count) {  // all at once
-                std::this_thread::yield();
-            }
-            work(i);
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
 }
 
 // Everything that a thread may do with a text, for the first time or again.
@@ -162,7 +154,7 @@ TEST(WarmUp, KeepsWarmReadersOffTheLocksOfUnits) {
 }
 
 TEST(Threads, ReadTheSameForTheFirstTimeAtOnce) {
-    inThreads(4, [](int thread) {
+    race(4, [](int thread) {
         for (const std::string& text : texts()) {
             use(text, thread);
         }
@@ -170,7 +162,7 @@ TEST(Threads, ReadTheSameForTheFirstTimeAtOnce) {
 }
 
 TEST(Threads, ReadInDifferentOrders) {
-    inThreads(4, [](int thread) {
+    race(4, [](int thread) {
         const std::size_t n = texts().size();
         for (std::size_t i = 0; i < n; ++i) {
             const std::size_t step = thread % 2 == 0 ? i : n - 1 - i;
@@ -180,7 +172,7 @@ TEST(Threads, ReadInDifferentOrders) {
 }
 
 TEST(Threads, WarmUpBesideReaders) {
-    inThreads(4, [](int thread) {
+    race(4, [](int thread) {
         if (thread == 0) {
             EXPECT_THAT(warmUp(texts()), IsEmpty());
         } else {
@@ -193,7 +185,7 @@ TEST(Threads, WarmUpBesideReaders) {
 
 TEST(Threads, ReadBesideTheLibrarysOwnAlgebraOnceWarm) {
     warmUp(texts());
-    inThreads(4, [](int thread) {
+    race(4, [](int thread) {
         for (int round = 0; round < 20; ++round) {
             for (const std::string& text : texts()) {
                 const CUnitPtr unit = readUnit(text);
@@ -207,6 +199,139 @@ TEST(Threads, ReadBesideTheLibrarysOwnAlgebraOnceWarm) {
             }
         }
     });
+}
+
+TEST(Threads, GiveTheSameNamesAndPacksAtOnce) {
+    const string_t base = freshSymbol(), label = freshSymbol(), alias = freshSymbol();
+    const std::string defined = text(freshSymbol());
+    std::vector<std::vector<CUnitPtr>> results(4);
+    race(4, [&](int thread) {
+        const CUnitPtr unit = checked::baseUnit(base);
+        checked::registerPack(checked::ePack::CUSTOMARY);
+        checked::defineUnits(defined + " = 9/10 ft");
+        results[static_cast<std::size_t>(thread)] = {
+            unit,
+            checked::label(checked::scaled(unit, 7), label),
+            checked::alias(checked::power(unit, 2), alias),
+            readUnit("lbf/in²"),
+            readUnit(defined + "/" + text(base)),
+        };
+    });
+    EXPECT_THAT(results, Each(results.front()));
+    EXPECT_EQ(test::brokenInvariant(), "");
+}
+
+// Raw algebra in the other threads is first-time algebra beside dimensions: so it holds the mutex.
+TEST(Threads, ReadForTheFirstTimeBesideTheLibrarysOwnAlgebraUnderTheMutex) {
+    race(4, static_cast<int>(texts().size()), [](int thread, int round) {
+        const std::string& text = texts()[static_cast<std::size_t>(round)];
+        if (thread % 2 == 0) {
+            use(text, thread);
+        } else {
+            const std::lock_guard<std::recursive_mutex> lock(CUnit::mutex());
+            const CUnitPtr unit = readUnit(text);
+            EXPECT_EQ((unit ^ 2)->root(2), unit);
+            EXPECT_EQ(unit * SI::Ampere() / SI::Ampere(), unit);
+        }
+    });
+    EXPECT_EQ(test::brokenInvariant(), "");
+}
+
+// Calls `hook` whatever it is asked. A system unit of its own dimension otherwise.
+class CHooked : public CClientUnit {
+public:
+    CHooked(const string_t& symbol, std::function<void()> hook)
+        : CClientUnit(symbol, hashFromString(symbol)), m_Hook(std::move(hook)) {
+        SystemUnit = BaseUnits = CtxDimension = [this] { return m_Hook(), shared_from_this(); };
+        CtxToDimension = [this] { return m_Hook(), CConverter::identity(); };
+        Elements = [this] { return m_Hook(), CUnit::elements(); };
+    }
+
+    string_t getSymbol() override {
+        m_Hook();
+        return CClientUnit::getSymbol();
+    }
+
+private:
+    std::function<void()> m_Hook;
+};
+
+// All that the companion does with a unit, or with its text, and asks it something.
+std::vector<std::pair<const char*, std::function<void()>>> functionsOf(const CUnitPtr& unit,
+                                                                       const std::string& text) {
+    using namespace checked;
+    const CValueWithUnit value(2.5, unit);
+    const CDifference change(1.5, unit);
+    return {
+        {"alternateUnit", [=] { alternateUnit(freshSymbol(), unit); }},
+        {"scaled", [=] { scaled(unit, 3); }},
+        {"shifted", [=] { shifted(unit, 3); }},
+        {"affine", [=] { affine(unit, 3, 4); }},
+        {"product", [=] { product(SI::Meter(), unit); }},
+        {"quotient", [=] { quotient(SI::Meter(), unit); }},
+        {"power", [=] { power(unit, 3); }},
+        {"root", [=] { root(unit, 3); }},
+        {"label", [=] { checked::label(unit, freshSymbol()); }},
+        {"verify", [=] { verify(unit, CMeaning::base(text)); }},
+        {"readUnit", [=] { readUnit(text + "²"); }},
+        {"readValue", [=] { readValue("2.5 " + text + "³"); }},
+        {"textOf", [=] { textOf(unit); }},
+        {"writeValue", [=] { writeValue(2.5, unit); }},
+        {"writeValue of a value", [=] { writeValue(value); }},
+        {"convertDifference", [=] { convertDifference(1, unit, SI::Meter()); }},
+        {"difference", [=] { difference(value, CValueWithUnit(1, SI::Meter())); }},
+        {"valueAs", [=] { change.valueAs(SI::Meter()); }},
+        {"sum with a difference", [=] { CValueWithUnit(1, SI::Meter()) + change; }},
+        {"without a difference", [=] { CValueWithUnit(1, SI::Meter()) - change; }},
+        {"choicesFor", [=] { choicesFor(unit); }},
+        {"readableUnit", [=] { readableUnit(1e-5, unit); }},
+        {"readable", [=] { readable(value); }},
+        {"audit", [=] { audit({text + "^4"}); }},
+        {"warmUp", [=] { warmUp({text + "^5"}); }},
+        {"defineUnits", [=] { defineUnits(mensor::toStdString(freshSymbol()) + " = 3 " + text); }},
+    };
+}
+
+TEST(Companion, HoldsTheMutexWheneverItAsksAUnit) {
+    static int asked, free;  // the units are asked again later
+    for (std::size_t i = 0; i < functionsOf(SI::Meter(), "m").size(); ++i) {
+        const string_t symbol = freshSymbol();
+        const auto unit = std::make_shared<CHooked>(symbol, [&] {
+            ++asked;
+            free += isFree(CUnit::mutex()) ? 1 : 0;
+        });
+        unit->canonical();
+        asked = free = 0;
+        const auto [name, function] = functionsOf(unit, text(symbol))[i];
+        SCOPED_TRACE(name);
+        outcomeOf(function);
+        EXPECT_GT(asked, 0);
+        EXPECT_EQ(free, 0) << "of " << asked;
+    }
+}
+
+TEST(Companion, FreesTheMutexWhenAUnitThrows) {
+    static bool isThrowing;
+    static int thrown;
+    for (std::size_t i = 0; i < functionsOf(SI::Meter(), "m").size(); ++i) {
+        const string_t symbol = freshSymbol();
+        const auto unit = std::make_shared<CHooked>(symbol, [&] {
+            if (isThrowing) {
+                ++thrown;
+                throw std::runtime_error("the client's unit fails");
+            }
+        });
+        unit->canonical();
+        const auto [name, function] = functionsOf(unit, text(symbol))[i];
+        SCOPED_TRACE(name);
+        isThrowing = true;
+        thrown = 0;
+        outcomeOf(function);
+        EXPECT_GT(thrown, 0);
+        EXPECT_TRUE(isFree(CUnit::mutex()));
+        EXPECT_TRUE(isFree(Inside::lookupMutex(unit)));
+        isThrowing = false;
+    }
 }
 
 }  // namespace

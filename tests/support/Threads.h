@@ -13,23 +13,30 @@
 
 namespace mensor {
 
-/// Runs `work(0)` ... `work(count - 1)` at the same time, one thread each, and returns when all are
-/// done. No thread begins before all are there.
-inline void race(int count, const std::function<void(int)>& work) {
-    std::atomic<int> missing{count};
+/// Runs `work(thread, round)` in `count` threads for each of some rounds, and returns when all are done.
+/// No thread begins a round before all have ended the last one.
+inline void race(int count, int rounds, const std::function<void(int, int)>& work) {
+    std::atomic<int> arrivals{0};
     std::vector<std::thread> threads;
-    for (int i = 0; i < count; ++i) {
-        threads.emplace_back([&missing, &work, i] {
-            --missing;
-            while (missing > 0) {
-                std::this_thread::yield();
+    for (int thread = 0; thread < count; ++thread) {
+        threads.emplace_back([&, thread] {
+            for (int round = 0; round < rounds; ++round) {
+                ++arrivals;
+                while (arrivals < count * (round + 1)) {
+                    std::this_thread::yield();
+                }
+                work(thread, round);
             }
-            work(i);
         });
     }
     for (std::thread& thread : threads) {
         thread.join();
     }
+}
+
+/// Runs `work(0)` ... `work(count - 1)` at the same time, one thread each.
+inline void race(int count, const std::function<void(int)>& work) {
+    race(count, 1, [&work](int thread, int) { work(thread); });
 }
 
 /// Runs `work` in a thread that has no more than `bytes` of stack.

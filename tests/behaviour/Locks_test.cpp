@@ -1,0 +1,227 @@
+// Locks_test.cpp: the two orders in which the library takes its locks, the rule by which clients keep
+// them from meeting (docs/threads.md), and that no call keeps a lock.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstddef>
+#include <functional>
+#include <mutex>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "mensor/BaseUnit.h"
+#include "mensor/ProductUnit.h"
+#include "mensor/SI.h"
+#include "mensor/Unit.h"
+#include "mensor/UnitFormat.h"
+#include "mensor/ValueWithUnit.h"
+#include "mensor/io.h"
+#include "support/ClientUnit.h"
+#include "support/Inside.h"
+#include "support/Invariants.h"
+#include "support/Matchers.h"
+#include "support/Outcome.h"
+#include "support/Threads.h"
+
+namespace mensor {
+namespace {
+
+using Lock = std::lock_guard<std::recursive_mutex>;
+
+CUnitPtr freshUnit() { return CBaseUnit::getInstance(freshSymbol()); }
+
+// Waits until `action`, in a thread of its own, holds `held` while this thread holds `wanted`; false if
+// it ends without that. So it goes on holding the one until it gets the other.
+bool holdsOneAndWaitsForTheOther(std::recursive_mutex& held, std::recursive_mutex& wanted,
+                                 const std::function<void()>& action) {
+    std::atomic<bool> isDone{false};
+    bool isHeld = false;
+    std::thread thread;
+    {
+        const Lock lock(wanted);
+        thread = std::thread([&] {
+            action();
+            isDone = true;
+        });
+        while (!isHeld && !isDone) {
+            isHeld = !held.try_lock();
+            if (!isHeld) {
+                held.unlock();
+                std::this_thread::yield();
+            }
+        }
+        isHeld = isHeld && !isDone;
+    }
+    thread.join();
+    return isHeld;
+}
+
+TEST(LockOrder, OfFirstTimeAlgebraIsTheUnitAndThenTheTables) {
+    const CUnitPtr a = freshUnit(), b = freshUnit();
+    const std::pair<const char*, std::function<void()>> operations[] = {
+        {"product", [&] { a * b; }},         {"quotient", [&] { a / b; }},
+        {"power", [&] { a ^ 2; }},          {"root", [&] { a->root(3); }},
+        {"large power", [&] { a ^ 5000; }}, {"negative power", [&] { a ^ -3; }},
+    };
+    for (const auto& [name, operation] : operations) {
+        EXPECT_TRUE(holdsOneAndWaitsForTheOther(Inside::lookupMutex(a), CUnit::mutex(), operation))
+            << name;
+    }
+}
+
+TEST(LockOrder, OfAFirstDimensionIsTheTablesAndThenTheUnits) {
+    const CUnitPtr a = freshUnit(), b = freshUnit(), product = (a * 1000.0) * b;
+    EXPECT_TRUE(holdsOneAndWaitsForTheOther(CUnit::mutex(), Inside::lookupMutex(a),
+                                            [&] { product->getDimension(); }));
+}
+
+// What is known needs one lock at a time, so it may be asked for by anybody who holds the other.
+TEST(LockOrder, IsNoneOnceTheProductsAndDimensionsAreKnown) {
+    const CUnitPtr a = freshUnit(), b = freshUnit();
+    const auto algebra = [&] {
+        return std::vector<CUnitPtr>{a * b, a / b, a ^ 2, a ^ -3, a->root(3)};
+    };
+    const auto known = algebra();
+    const CUnitPtr product = a * b;
+    product->getDimension();
+    {
+        const Lock lock(CUnit::mutex());
+        std::thread([&] { EXPECT_EQ(algebra(), known); }).join();
+    }
+    {
+        const Lock lock(Inside::lookupMutex(a));
+        std::thread([&] { EXPECT_EQ(product->getDimension(), product); }).join();
+    }
+}
+
+// Two products of the same units, one to be made and the dimension of the other to be asked for.
+struct Meeting {
+    CUnitPtr A = freshUnit(), B = freshUnit();
+    CUnitPtr Known = (A * 1000.0) / (B ^ 2);
+    CUnitPtr DimensionOfKnown = A / (B ^ 2);
+};
+
+constexpr int Threads = 4;
+constexpr int Rounds = 200;
+
+void multiplyAndDivide(const Meeting& meeting) {
+    const CUnitPtr product = meeting.A * meeting.B;
+    ASSERT_EQ(product / meeting.B, meeting.A);
+    ASSERT_EQ(meeting.B * meeting.A, product);
+    ASSERT_EQ((product ^ -2)->root(-2), product);
+}
+
+// In each round half of the threads ask for the algebra of the same units whose dimensions the others
+// ask for.
+void hammer(const std::vector<Meeting>& meetings,
+            const std::function<void(const Meeting&)>& algebra) {
+    race(Threads, static_cast<int>(meetings.size()), [&](int thread, int round) {
+        const Meeting& meeting = meetings[static_cast<std::size_t>(round)];
+        if (thread % 2 == 0) {
+            algebra(meeting);
+        } else {
+            ASSERT_EQ(meeting.Known->getDimension(), meeting.DimensionOfKnown);
+            ASSERT_THAT(meeting.Known, ConvertsTo(meeting.DimensionOfKnown, 2.5, 2500.0));
+        }
+    });
+    EXPECT_EQ(test::brokenInvariant(), "");
+}
+
+TEST(LockRule, LetsTheOrdersMeetWhereFirstTimeAlgebraIsDoneUnderTheMutex) {
+    hammer(std::vector<Meeting>(Rounds), [](const Meeting& meeting) {
+        const Lock lock(CUnit::mutex());
+        multiplyAndDivide(meeting);
+    });
+}
+
+TEST(LockRule, LetsTheOrdersMeetWhereFirstTimeAlgebraIsDoneBeforeTheThreads) {
+    const std::vector<Meeting> meetings(Rounds);
+    for (const Meeting& meeting : meetings) {
+        multiplyAndDivide(meeting);
+    }
+    hammer(meetings, multiplyAndDivide);
+}
+
+// Throws whatever it is asked, once it is told to.
+class CThrowing : public CClientUnit {
+public:
+    CThrowing(const string_t& symbol, int hash) : CClientUnit(symbol, hash) {}
+
+    void throwFromNowOn() {
+        IsThrowing = true;
+        SystemUnit = BaseUnits = CtxDimension = []() -> CUnitPtr { fail(); };
+        CtxToDimension = []() -> CConverterPtr { fail(); };
+        Elements = []() -> std::vector<CUnitRationalPower> { fail(); };
+    }
+
+    string_t getSymbol() override {
+        if (IsThrowing) {
+            fail();
+        }
+        return CClientUnit::getSymbol();
+    }
+
+private:
+    [[noreturn]] static void fail() { throw std::runtime_error("the client's unit fails"); }
+
+    bool IsThrowing = false;
+};
+
+TEST(Locks, AreFreeAgainAfterAClientsUnitHasThrown) {
+    const string_t symbol = freshSymbol(), spare = freshSymbol();
+    const auto own = std::make_shared<CThrowing>(symbol, hashFromString(symbol));
+    own->canonical();
+    const CUnitPtr unit = own, a = freshUnit(), product = a * unit;
+    own->throwFromNowOn();
+    std::ostringstream stream;
+    const std::pair<const char*, std::function<void()>> operations[] = {
+        {"product", [&] { a * unit->getSystemUnit(); }},
+        {"product with it", [&] { SI::Meter() * unit; }},
+        {"product of it", [&] { unit* a; }},
+        {"quotient by it", [&] { SI::Meter() / unit; }},
+        {"quotient of it", [&] { unit / a; }},
+        {"power", [&] { unit ^ 3; }},
+        {"large power", [&] { unit ^ 5000; }},
+        {"negative power", [&] { unit ^ -2; }},
+        {"root", [&] { unit->root(2); }},
+        {"negative root", [&] { unit->root(-2); }},
+        {"scaled", [&] { unit * 1000.0; }},
+        {"scaled product", [&] { product * 1000.0; }},
+        {"shifted", [&] { unit + 5.0; }},
+        {"alternate", [&] { unit->alternate(spare); }},
+        {"alternate of a product", [&] { product->alternate(spare); }},
+        {"system unit of a product", [&] { product->getSystemUnit(); }},
+        {"base units of a product", [&] { product->baseUnits(); }},
+        {"dimension", [&] { unit->getDimension(); }},
+        {"dimension of a product", [&] { product->getDimension(); }},
+        {"compatible", [&] { a->isCompatible(unit); }},
+        {"converter", [&] { product->getConverterTo(a); }},
+        {"value", [&] { Convert(1, unit).to(a); }},
+        {"label", [&] { CUnitFormat::labelFor(unit); }},
+        {"prefixed labels", [&] { CUnitFormat::labelPrefixedUnit({KILO}, unit); }},
+        {"text", [&] { unit->toString(); }},
+        {"text of a product", [&] { product->toString(); }},
+        {"ASCII text", [&] { CASCIIUnitFormat::instance()->format(product, ""); }},
+        {"stream", [&] { stream << product; }},
+        {"parsing", [&] { CUnit::fromString(symbol + "^2"); }},
+        {"sum", [&] { CValueWithUnit(1, unit) + CValueWithUnit(1, a); }},
+        {"order", [&] { (void)(CValueWithUnit(1, unit) < CValueWithUnit(1, a)); }},
+    };
+    for (const auto& [name, operation] : operations) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(outcomeOf(operation), "std::runtime_error: the client's unit fails");
+        EXPECT_TRUE(isFree(CUnit::mutex()));
+        for (const CUnitPtr& each :
+             {unit, a, product, CUnitPtr(SI::Meter()), CProductUnit::one()}) {
+            EXPECT_TRUE(isFree(Inside::lookupMutex(each)));
+        }
+    }
+}
+
+}  // namespace
+}  // namespace mensor
