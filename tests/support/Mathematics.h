@@ -371,9 +371,17 @@ private:
             return at < m_Text.size() && isDigit(m_Text[at]);
         };
         if (i < m_Text.size() && m_Text[i] == '.' && isDigitAt(i + 1)) {
+            std::size_t places = 0;  // of zeros: at the end they would only overflow
             for (++i; isDigitAt(i); ++i) {
-                numerator = numerator * 10 + (isNegative ? -1 : 1) * (m_Text[i] - '0');
-                denominator *= 10;
+                ++places;
+                if (m_Text[i] == '0') {
+                    continue;
+                }
+                for (; places > 0; --places) {
+                    numerator *= 10;
+                    denominator *= 10;
+                }
+                numerator += (isNegative ? -1 : 1) * (m_Text[i] - '0');
             }
         } else if (i < m_Text.size() && (m_Text[i] == ':' || (isBracketed && m_Text[i] == '/'))) {
             ++i;
