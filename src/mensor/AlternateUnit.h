@@ -30,7 +30,8 @@ public:
     /// @throws std::logic_error  `parent` is not a system unit, or "The symbol: m is currently
     ///     associated to another unit.".
     /// @throws std::invalid_argument  `parent` is empty.
-    /// @par Threads  Any thread, locks mutex().
+    /// @par Threads  Any thread, locks mutex(); where `parent` is a product, before it what the algebra of
+    ///     CUnit locks.
     static CAlternateUnitPtr getInstance(const string_t& symbol, CUnitPtr parent);
 
     void calculateHashCode() override;    ///< of the symbol alone

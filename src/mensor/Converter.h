@@ -91,6 +91,8 @@ protected:
 };
 
 /// The converter that changes nothing. Use `CConverter::identity()`.
+///
+/// Class contract: any thread.
 class MENSOR_API CIdentity : public CConverter {
 public:
     CIdentity();
@@ -114,6 +116,9 @@ protected:
 ///
 /// Chains may be of any length: converting, inverting, comparing and destroying them needs a bounded
 /// stack.
+///
+/// Class contract: any thread. The steps of a converter to a unit may be inverted when they are first
+/// asked for, under a lock that is held over nothing else.
 class MENSOR_API CCompound : public CConverter {
 public:
     /// The converter that applies `first` and then `second`.
@@ -211,6 +216,7 @@ public:
     ///     Convert(1.5, NonSI::Hour()).to(SI::Second());   // 5400
     /// @throws std::invalid_argument  the units are not compatible (see CUnit::getConverterTo), or
     ///     one of them is empty.
+    /// @par Threads  Any thread, locks what CUnit::getConverterTo locks.
     double to(std::shared_ptr<CUnit> unit) const;
 
 private:

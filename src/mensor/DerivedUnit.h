@@ -9,6 +9,8 @@
 namespace mensor {
 
 /// The abstract base of CAlternateUnit, CTransformedUnit and CProductUnit.
+///
+/// Class contract: any thread.
 class MENSOR_API CDerivedUnit : public CUnit {
 public:
     ~CDerivedUnit() override;

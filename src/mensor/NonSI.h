@@ -5,8 +5,10 @@
 //
 // Each accessor builds and labels its unit once and returns the same object ever after. All but Psi
 // and None are built while the library is loaded. The factors of the pressures are short decimals
-// by choice. Any thread may call them; the first call locks what the algebra of CUnit locks. If
-// building fails, the exception passes and the next call tries again.
+// by choice. If building fails, the exception passes and the next call tries again.
+//
+// Threads: any thread. The first calls of Psi and None lock CUnit::mutex(), and other first callers wait
+// for them: call both before the threads start, or under the mutex.
 #ifndef MENSOR_NONSI_H
 #define MENSOR_NONSI_H
 

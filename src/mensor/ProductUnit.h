@@ -21,7 +21,8 @@ namespace mensor {
 
 /// A product of powers. Clients use the algebra of CUnit.
 ///
-/// Class contract: any thread.
+/// Class contract: any thread. The makers lock mutex(); what folds the factors (`getSystemUnit`,
+/// `baseUnits`, `getCtxDimension`) locks what the algebra of CUnit locks.
 class MENSOR_API CProductUnit : public CDerivedUnit {
 public:
     ~CProductUnit() override;

@@ -4,8 +4,11 @@
 //     SI::Kilo(SI::Meter());   // the kilometre, labelled "km" since the library was loaded
 //
 // Each accessor builds its unit once and returns the same object ever after. Definitions: SI
-// brochure, 9th edition. Any thread may call them; the first call of an accessor locks what the
-// algebra of CUnit locks. If building fails, the exception passes and the next call tries again.
+// brochure, 9th edition. All are built while the library is loaded. If building fails, the exception
+// passes and the next call tries again.
+//
+// Threads: any thread. The accessors take no lock after load; the prefixes lock what
+// CUnit::multiply(double) locks.
 #ifndef MENSOR_SI_H
 #define MENSOR_SI_H
 

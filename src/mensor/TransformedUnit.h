@@ -33,7 +33,8 @@ public:
     /// system unit with the same slope in single precision are one unit, whatever their offsets.
     /// Empty if that identity belongs to a unit of another kind.
     /// @throws std::invalid_argument  one of the two is empty.
-    /// @par Threads  Any thread, locks mutex().
+    /// @par Threads  Any thread, locks mutex(); where `parent` is a product, before it what the algebra of
+    ///     CUnit locks.
     static CUnitPtr getInstance(CUnitPtr parent, CConverterPtr toParent);
 
     /// The converter from this unit to its system unit.
@@ -46,6 +47,7 @@ public:
     bool equals(CUnitPtr that) const override;
     CConverterPtr getCtxToDimension() override;
     /// Empty; but the converter to the system unit is computed, and what that throws is thrown.
+    /// @par Threads  Any thread, locks mutex().
     string_t getSymbol() override;
 
 private:

@@ -41,7 +41,8 @@ struct Tables;
 /// The base of all units. Clients may derive kinds of their own and register them with
 /// `getInstance`.
 ///
-/// Class contract: any thread, unless a member says otherwise.
+/// Class contract: any thread, unless a member says otherwise. Of a product, whatever looks at its parts
+/// (`getSystemUnit`, `isSystemUnit`, `baseUnits`, `getCtxDimension`) locks what `multiply` locks.
 class MENSOR_API CUnit : public std::enable_shared_from_this<CUnit> {
 public:
     virtual ~CUnit();
@@ -51,6 +52,7 @@ public:
     // What each kind of unit defines, in the order of the virtual table.
 
     /// Computes `m_HashCode`, the identity of the unit, from what defines it.
+    /// @par Threads  Caller serialises; `getInstance` calls it before other threads know the unit.
     virtual void calculateHashCode() = 0;
 
     /// The unit's dimension as the base units have it now; `getDimension` is the cached form.
@@ -79,6 +81,7 @@ public:
     // Identity.
 
     /// Stores the number of registration. For kinds of units; `getInstance` calls it.
+    /// @par Threads  Caller serialises; `getInstance` calls it before other threads know the unit.
     void setId(int id);
 
     /// The identity key: units with the same hash code are one unit. 0 until computed.
@@ -90,14 +93,14 @@ public:
     // Conversion.
 
     /// The dimension of this unit; two units can be converted when their dimensions are one object.
-    /// @par Threads  Any thread, locks mutex().
+    /// @par Threads  Any thread, locks mutex(); the first time, the units of a product while it holds that.
     CUnitPtr getDimension();
 
     /// Whether values can be converted between this unit and `that`.
     ///
     ///     SI::Joule()->isCompatible(SI::Newton() * SI::Meter());   // true
     /// @throws std::invalid_argument  `that` is empty.
-    /// @par Threads  Any thread, locks mutex().
+    /// @par Threads  Any thread, locks what `getDimension` locks.
     bool isCompatible(CUnitPtr that);
 
     /// The converter that takes values of this unit to values of `that`.
@@ -110,15 +113,15 @@ public:
     ///     dimensions differ; the symbols are empty for units that have none of their own.
     /// @throws std::logic_error  "Unit element  is non-linear, cannot convert": a factor of a
     ///     product has an offset.
-    /// @par Threads  Any thread, locks mutex().
+    /// @par Threads  Any thread, locks what `getDimension` locks.
     CConverterPtr getConverterTo(CUnitPtr that);
 
     /// The same for the unit written in `text`; throws what `fromString` throws, too.
-    /// @par Threads  Any thread, locks mutex().
+    /// @par Threads  Any thread, locks what `fromString` and then what `getDimension` locks.
     CConverterPtr getConverterTo(const string_t& text);
 
     /// `value`, given in this unit, expressed in `that`. Throws what `getConverterTo` throws.
-    /// @par Threads  Any thread, locks mutex().
+    /// @par Threads  Any thread, locks what `getDimension` locks.
     double convertValueToUnit(double value, CUnitPtr that);
 
     // Algebra. The results are canonical: the same expression gives the same object.
@@ -128,12 +131,12 @@ public:
     ///
     /// Identity looks at the slope alone: once the degree Celsius exists, the kelvin with any other
     /// offset is the degree Celsius. Empty if the identity belongs to a unit of another kind.
-    /// @par Threads  Any thread, locks mutex().
+    /// @par Threads  Any thread, locks mutex(); of a product, before it what `multiply` locks.
     CUnitPtr add(double offset);
 
     /// The unit of the size of `factor` of this one: `SI::Meter()->multiply(1000)` is the kilometre.
     /// Empty if the identity belongs to a unit of another kind.
-    /// @par Threads  Any thread, locks mutex().
+    /// @par Threads  Any thread, locks mutex(); of a product, before it what `multiply` of a unit locks.
     CUnitPtr multiply(double factor);
 
     /// The product of this unit and `that`, factors in this order where the product is new.
@@ -162,7 +165,7 @@ public:
     /// A symbol that is an alternate unit already gives that unit, whatever it stands for.
     /// @throws std::logic_error  this unit is not a system unit, or "The symbol: m is currently
     ///     associated to another unit.".
-    /// @par Threads  Any thread, locks mutex().
+    /// @par Threads  Any thread, locks mutex(); of a product, before it what `multiply` locks.
     CUnitPtr alternate(const string_t& symbol);
 
     // Text.
@@ -170,18 +173,22 @@ public:
     /// The unit in the standard notation, "kg·m²/s²".
     /// @throws std::invalid_argument  "Cannot format given Object as a Unit": a transformed unit
     ///     without a label.
+    /// @par Threads  Any thread, locks mutex().
     string_t toString();
 
     /// `toString()` as UTF-8 bytes.
+    /// @par Threads  Any thread, locks mutex().
     std::string toStdString();
 
     /// `text` followed by the unit in the standard notation.
+    /// @par Threads  Any thread, locks mutex().
     string_t appendTo(string_t text);
 
     /// The unit written in `text`, see CUnitFormat::parseUnit.
     ///
     ///     CUnit::fromString("km/h");
     /// @throws std::invalid_argument  "Label: xyz not recognized".
+    /// @par Threads  Any thread, locks mutex() for each name and then what `multiply` and `pow` lock.
     static CUnitPtr fromString(const string_t& text);
 
     // The tables of the process. They only grow, and hold what they name for ever. Read or change
@@ -191,17 +198,21 @@ public:
     /// @par Threads  Any thread, locks mutex().
     static CUnitPtr searchSymbol(const string_t& symbol);
 
-    /// Every canonical unit that has a symbol. Caller holds mutex().
+    /// Every canonical unit that has a symbol.
+    /// @par Threads  Caller serialises, by holding mutex() for as long as the reference is used.
     static std::map<string_t, CUnitPtr>& symbols();
 
     /// Every canonical unit by its hash code; never seen empty: the dimensionless unit is put in
-    /// first, under the hash code that it has at that moment. Caller holds mutex().
+    /// first, under the hash code that it has at that moment.
+    /// @par Threads  Caller serialises, by holding mutex() for as long as the reference is used.
     static std::map<int, CUnitPtr>& instances();
 
-    /// Cache: each unit that was asked, and its dimension. Caller holds mutex().
+    /// Cache: each unit that was asked, and its dimension.
+    /// @par Threads  Caller serialises, by holding mutex() for as long as the reference is used.
     static std::map<CUnitPtr, CUnitPtr>& dimensions();
 
-    /// Cache: each unit that was asked, and the converter to its dimension. Caller holds mutex().
+    /// Cache: each unit that was asked, and the converter to its dimension.
+    /// @par Threads  Caller serialises, by holding mutex() for as long as the reference is used.
     static std::map<CUnitPtr, CConverterPtr>& toDimensions();
 
     /// The one lock of the tables above and of CUnitFormat's. Recursive, since the kinds of units
@@ -273,6 +284,7 @@ private:
 };
 
 /// `unit->add(offset)`.
+/// @par Threads  Any thread, locks what the member locks; so do all the operators.
 MENSOR_API CUnitPtr operator+(const CUnitPtr& unit, double offset);
 /// `unit->multiply(factor)`.
 MENSOR_API CUnitPtr operator*(const CUnitPtr& unit, double factor);

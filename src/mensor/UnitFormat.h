@@ -42,7 +42,7 @@ public:
     /// `buffer` followed by the text of `unit`, which must not be empty.
     /// @throws std::invalid_argument  "Cannot format given Object as a Unit": it has neither label
     ///     nor symbol and is not a product.
-    /// @par Threads  Any thread, locks CUnit::mutex() briefly.
+    /// @par Threads  Any thread, locks CUnit::mutex().
     virtual string_t format(std::shared_ptr<CUnit> unit, string_t buffer) = 0;
 
     // Labels and aliases.
@@ -75,7 +75,7 @@ public:
     ///
     ///     CUnitFormat::labelPrefixedUnit({KILO, MILLI}, mile);   // "kmi", "mmi"
     /// Throws what `label` throws; the labels given before stay.
-    /// @par Threads  Any thread, locks CUnit::mutex() for each label.
+    /// @par Threads  Any thread, locks CUnit::mutex() for each label, and what CUnit::multiply(double) locks.
     static void labelPrefixedUnit(const std::vector<ePrefix>& prefixes,
                                   std::shared_ptr<CUnit> unit);
 
@@ -91,12 +91,14 @@ public:
     ///
     ///     const unsigned version = CUnitFormat::namesVersion();
     ///     // later: version != 0 && version == CUnitFormat::namesVersion()
-    /// @par Threads  Any thread, takes no lock.
+    /// @par Threads  Any thread; takes no lock.
     static unsigned namesVersion();
 
-    static std::map<string_t, std::shared_ptr<CUnit>>& labelUnitMap();  ///< caller holds the mutex
-    static std::map<std::shared_ptr<CUnit>, string_t>& unitLabelMap();  ///< caller holds the mutex
-    static std::map<string_t, std::shared_ptr<CUnit>>& aliasUnitMap();  ///< caller holds the mutex
+    /// The tables: the units of the labels, the labels of the units, and the units of the aliases.
+    /// @par Threads  Caller serialises, by holding CUnit::mutex() for as long as the reference is used.
+    static std::map<string_t, std::shared_ptr<CUnit>>& labelUnitMap();
+    static std::map<std::shared_ptr<CUnit>, string_t>& unitLabelMap();  ///< as above
+    static std::map<string_t, std::shared_ptr<CUnit>>& aliasUnitMap();  ///< as above
 
     // The parser.
 
@@ -108,7 +110,8 @@ public:
     /// tags and entities are dropped.
     /// @throws std::invalid_argument  "Label: xyz not recognized"; or what the algebra throws.
     /// @throws std::out_of_range  an exponent does not fit an `int`.
-    /// @par Threads  Any thread, locks CUnit::mutex() and the units' own, one after the other.
+    /// @par Threads  Any thread, locks CUnit::mutex() for each name, and then what the algebra of CUnit
+    ///     locks.
     static CUnitPtr parseUnit(const string_t& text);
 
     static bool isUnitIdentifierPart(char_t c);  ///< whether `c` may stand in a name
@@ -124,6 +127,8 @@ protected:
 };
 
 /// The typographic notation: superscripts, middle dot, fraction bar.
+///
+/// Class contract: any thread.
 class MENSOR_API CStandardUnitFormat final : public CUnitFormat {
 public:
     static CUnitFormatPtr instance();  ///< the one object of the process
@@ -138,6 +143,8 @@ private:
 };
 
 /// The plain notation: "kg m^2 s^-2". Names are written as they are and may hold other characters.
+///
+/// Class contract: any thread.
 class MENSOR_API CASCIIUnitFormat final : public CUnitFormat {
 public:
     static CUnitFormatPtr instance();  ///< the one object of the process

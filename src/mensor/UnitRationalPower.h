@@ -16,7 +16,7 @@ using CUnitPtr = std::shared_ptr<CUnit>;
 
 /// A plain value: unit, numerator and denominator of its exponent.
 ///
-/// Class contract: caller serialises changes of one object.
+/// Class contract: caller serialises changes of one object; distinct objects any thread.
 class MENSOR_API CUnitRationalPower {
 public:
     /// No unit, 0/0.

@@ -8,6 +8,8 @@ namespace mensor {
 
 /// Its constructor builds the catalogue and labels it. The library makes the one object there is,
 /// as the last step of loading.
+///
+/// Class contract: any thread, locks what the algebra of CUnit and its labels lock.
 class MENSOR_API CUnitRegistry {
 public:
     /// Registers the SI units, then the others. A failure ends its half of the work, is logged on

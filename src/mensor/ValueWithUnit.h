@@ -19,7 +19,9 @@ namespace mensor {
 /// temperature, never a difference.
 ///
 /// Every operation that converts throws what CUnit::getConverterTo throws.
-/// Class contract: caller serialises one object; distinct objects any thread.
+///
+/// Class contract: caller serialises one object; distinct objects any thread. Converting, reading and
+/// writing lock what they lock in CUnit.
 class MENSOR_API CValueWithUnit {
 public:
     /// `value` in `unit`.
@@ -62,6 +64,7 @@ private:
 
 /// Equal within a relative 1e-12 of the smaller magnitude, `b` converted to the unit of `a`:
 /// zero equals only zero, and NaN equals nothing.
+/// @par Threads  Any thread, locks what CUnit::getConverterTo locks; so do all the comparisons.
 MENSOR_API bool operator==(const CValueWithUnit& a, const CValueWithUnit& b);
 /// The negation of `a == b`.
 MENSOR_API bool operator!=(const CValueWithUnit& a, const CValueWithUnit& b);

@@ -27,6 +27,7 @@ namespace mensor {
 MENSOR_API std::ostream& operator<<(std::ostream& stream, const CUnitPtr& unit);
 
 /// The same for pointers to the kinds of units, for which the standard library would write an address.
+/// @par Threads  Any thread, locks CUnit::mutex(); the caller serialises the stream.
 template <class Kind>
 std::enable_if_t<std::is_convertible_v<Kind*, CUnit*> && !std::is_same_v<Kind, CUnit>,
                  std::ostream&>
@@ -38,7 +39,7 @@ operator<<(std::ostream& stream, const std::shared_ptr<Kind>& unit) {
 /// as above.
 ///
 ///     std::cout << std::fixed << std::setprecision(2) << value;   // 2.50 km
-/// @par Threads  As above.
+/// @par Threads  Any thread, locks CUnit::mutex(); the caller serialises the stream.
 MENSOR_API std::ostream& operator<<(std::ostream& stream, const CValueWithUnit& value);
 
 }  // namespace mensor

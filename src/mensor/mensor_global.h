@@ -54,15 +54,15 @@ struct CPrefix {
 /// All twenty prefixes in the order of `ePrefix`. Source: SI brochure, 9th edition, table 7.
 ///
 /// The vector belongs to the library and never changes.
-/// @par Threads  Any thread.
+/// @par Threads  Any thread; takes no lock.
 MENSOR_API const std::vector<CPrefix>& prefixes();
 
 /// The prefix `p`, a row of `prefixes()`. `p` must be one of the twenty enumerators.
-/// @par Threads  Any thread.
+/// @par Threads  Any thread; takes no lock.
 MENSOR_API const CPrefix& prefix(ePrefix p);
 
 /// The UTF-8 bytes of `s`, unchanged: "m²" gives three bytes.
-/// @par Threads  Any thread.
+/// @par Threads  Any thread; takes no lock.
 MENSOR_API std::string toStdString(const string_t& s);
 
 /// The number that stands for a symbol in the identity of units: the sum of
@@ -73,7 +73,7 @@ MENSOR_API std::string toStdString(const string_t& s);
 ///
 ///     hashFromString("m");    // 109
 ///     hashFromString("kg");   // 107 * 31 + 103
-/// @par Threads  Any thread.
+/// @par Threads  Any thread; takes no lock.
 MENSOR_API int hashFromString(const string_t& s);
 
 }  // namespace mensor

@@ -9,14 +9,14 @@ namespace mensor {
 /// The IEEE 754 bits of `f` as a signed integer; every NaN gives 0x7FC00000.
 ///
 /// The two zeros differ: +0 gives 0, -0 gives the smallest `int`.
-/// @par Threads  Any thread.
+/// @par Threads  Any thread; takes no lock.
 MENSOR_API int floatToIntBits(float f);
 
 /// The greatest common divisor by Euclid's rule with the truncating remainder.
 ///
 /// The sign is that of the last divisor that was not zero: (4, -6) gives -2, (-4, 6) gives 2.
 /// (0, 0) gives 0.
-/// @par Threads  Any thread.
+/// @par Threads  Any thread; takes no lock.
 MENSOR_API int greatestCommonDivisor(int a, int b);
 
 }  // namespace mensor

@@ -20,7 +20,7 @@
 // continuation byte without a lead, 0xFE and 0xFF each stand for themselves as one code point.
 // Counting, indexing, cutting and iterating agree on this, and none reads outside the text.
 //
-// Threads: like std::string. Any number may read one text; who changes it must be alone.
+// Threads: caller serialises changes of one text, as of a std::string; distinct texts any thread.
 // Cost: the bytes are one std::string, so short texts allocate nothing. Whatever takes an index or
 // gives a number of code points walks the text up to there: to visit every code point, iterate.
 #ifndef MENSOR_UTF8_STRING_H

@@ -41,6 +41,7 @@ MENSOR_CHECKED_API std::vector<CChoice> choicesFor(const CUnitPtr& unit);
 MENSOR_CHECKED_API CUnitPtr readableUnit(double value, const CUnitPtr& unit);
 
 /// `value` converted to its readableUnit.
+/// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
 MENSOR_CHECKED_API CValueWithUnit readable(const CValueWithUnit& value);
 
 }  // namespace checked

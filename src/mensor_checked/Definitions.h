@@ -48,6 +48,8 @@ struct CDefinitions {
 };
 
 /// A table of units that is refused; what() tells the first line.
+///
+/// Class contract: caller serialises changes of one object; distinct objects any thread.
 class MENSOR_CHECKED_API CDefinitionError : public std::invalid_argument {
 public:
     explicit CDefinitionError(std::vector<CLineFinding> findings);
@@ -71,6 +73,7 @@ MENSOR_CHECKED_API CDefinitions tryDefineUnits(std::string_view table);
 
 /// The same; gives the names.
 /// @throws CDefinitionError  a line is refused.
+/// @par Threads  Any thread, locks CUnit::mutex() for all its work (see WarmUp.h).
 MENSOR_CHECKED_API std::vector<std::string> defineUnits(std::string_view table);
 
 }  // namespace checked

@@ -38,6 +38,7 @@ public:
     const CUnitPtr& unit() const { return m_Unit; }  ///< of which only the size counts
 
     /// The difference expressed in `unit`. Throws what convertDifference throws.
+    /// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
     double valueAs(const CUnitPtr& unit) const;
 
 private:
@@ -52,6 +53,7 @@ MENSOR_CHECKED_API CDifference difference(const CValueWithUnit& a, const CValueW
 
 /// The quantity that is higher, or lower, by a difference; in the unit of `a`.
 /// Throws what convertDifference throws.
+/// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
 MENSOR_CHECKED_API CValueWithUnit operator+(const CValueWithUnit& a, const CDifference& change);
 MENSOR_CHECKED_API CValueWithUnit operator-(const CValueWithUnit& a, const CDifference& change);
 

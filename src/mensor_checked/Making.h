@@ -12,7 +12,7 @@
 // and pass on what the library throws. An object that was refused may stay registered, as the library
 // knows no way to take one back.
 //
-// Threads: any; every function locks CUnit::mutex() for all its work (see WarmUp.h).
+// Threads: any thread; every function locks CUnit::mutex() for all its work (see WarmUp.h).
 #ifndef MENSOR_CHECKED_MAKING_H
 #define MENSOR_CHECKED_MAKING_H
 

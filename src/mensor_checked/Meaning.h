@@ -12,7 +12,7 @@
 // the number one and so add nothing to a meaning: rad/s, Hz, Bq and 1/s mean the same. They are
 // different units all the same, and readUnit (Reading.h) does not take one for another.
 //
-// Meanings are values: immutable, shared freely between threads.
+// Meanings are values.
 #ifndef MENSOR_CHECKED_MEANING_H
 #define MENSOR_CHECKED_MEANING_H
 
@@ -31,6 +31,8 @@ namespace checked {
 /// An exact fraction in lowest terms, the denominator positive.
 ///
 /// Every operation throws std::overflow_error where a result leaves 64 bits.
+///
+/// Class contract: caller serialises changes of one object; distinct objects any thread.
 class MENSOR_CHECKED_API CRational {
 public:
     CRational(std::int64_t numerator = 0) : m_Numerator(numerator) {}
@@ -65,6 +67,9 @@ struct CExponent {
     }
 };
 
+/// What a unit means.
+///
+/// Class contract: caller serialises changes of one object; distinct objects any thread.
 class MENSOR_CHECKED_API CMeaning {
 public:
     CMeaning() = default;  ///< the number one
@@ -109,10 +114,12 @@ private:
 /// context.
 /// @throws std::invalid_argument  `unit` is empty.
 /// @throws std::overflow_error  an exponent leaves 64 bits.
-/// @par Threads  Any thread.
+/// @par Threads  Any thread; takes no lock, but a client's kind of unit is asked for its converter.
 MENSOR_CHECKED_API CMeaning meaningOf(const CUnitPtr& unit);
 
 /// The library gave another unit than the one asked for, or knows it by a wrong dimension.
+///
+/// Class contract: caller serialises changes of one object; distinct objects any thread.
 class MENSOR_CHECKED_API CIdentityError : public std::logic_error {
 public:
     CIdentityError(const std::string& message, CUnitPtr inTheWay);

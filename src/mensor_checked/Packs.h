@@ -62,22 +62,28 @@ struct CRefusedUnit {
     const char* Why;
 };
 
-/// All units of all packs, in the order in which they are built. Any thread.
+/// All units of all packs, in the order in which they are built.
+/// @par Threads  Any thread; takes no lock.
 MENSOR_CHECKED_API const std::vector<CPackUnit>& packUnits();
 
-/// The units that are left out, each with its reason. Any thread.
+/// The units that are left out, each with its reason.
+/// @par Threads  Any thread; takes no lock.
 MENSOR_CHECKED_API const std::vector<CRefusedUnit>& refusedUnits();
 
-/// All packs. Any thread.
+/// All packs.
+/// @par Threads  Any thread; takes no lock.
 MENSOR_CHECKED_API const std::vector<ePack>& allPacks();
 
-/// "customary": the name for command lines and settings. Any thread.
+/// "customary": the name for command lines and settings.
+/// @par Threads  Any thread; takes no lock.
 MENSOR_CHECKED_API const char* nameOf(ePack pack);
 
-/// What is in it, in a few words. Any thread.
+/// What is in it, in a few words.
+/// @par Threads  Any thread; takes no lock.
 MENSOR_CHECKED_API const char* descriptionOf(ePack pack);
 
-/// The pack with this name, none if there is none. Any thread.
+/// The pack with this name, none if there is none.
+/// @par Threads  Any thread; takes no lock.
 MENSOR_CHECKED_API std::optional<ePack> packNamed(std::string_view name);
 
 /// Registers all units of `pack`. Nothing happens to units that are there already.

@@ -68,9 +68,12 @@ enum class eRefusal : int {
 };
 
 /// The enumerator's own name, for logs and tables: "SECOND_DIVISION".
+/// @par Threads  Any thread; takes no lock.
 MENSOR_CHECKED_API const char* nameOf(eRefusal code);
 
 /// What is wrong with a text, and where.
+///
+/// Class contract: caller serialises changes of one object; distinct objects any thread.
 struct MENSOR_CHECKED_API CDiagnosis {
     eRefusal Code;
     std::string Text;          ///< the whole text, as it was given
@@ -93,6 +96,8 @@ struct MENSOR_CHECKED_API CDiagnosis {
 };
 
 /// The throwing form of a refusal; what() is the diagnosis' message().
+///
+/// Class contract: caller serialises changes of one object; distinct objects any thread.
 class MENSOR_CHECKED_API CReadError : public std::invalid_argument {
 public:
     explicit CReadError(CDiagnosis diagnosis);
@@ -136,7 +141,7 @@ MENSOR_CHECKED_API CReading tryReadUnit(std::string_view text, const CReadOption
 
 /// Whether `text` is one name by the grammar, so that a unit labelled with it can be read:
 /// "km", "[in_i]", but not "m2", "a b" or "".
-/// @par Threads  Any thread.
+/// @par Threads  Any thread; takes no lock.
 MENSOR_CHECKED_API bool isName(std::string_view text);
 
 }  // namespace checked

@@ -46,6 +46,8 @@ MENSOR_CHECKED_API CValueReading tryReadValue(std::string_view text,
                                               const CReadOptions& options = {});
 
 /// A value or unit that cannot be written so that it would read back.
+///
+/// Class contract: caller serialises changes of one object; distinct objects any thread.
 class MENSOR_CHECKED_API CWriteError : public std::invalid_argument {
 public:
     explicit CWriteError(const std::string& message);

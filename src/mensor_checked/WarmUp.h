@@ -15,7 +15,8 @@
 // A program that also calls the library's own algebra or parser from other threads has two ways to
 // stay within the rule: hold CUnit::mutex() around those calls, or let warmUp() do all first-time work
 // before the threads start: what has been read once is then found in the caches of the library
-// without locking any unit while CUnit::mutex() is held.
+// without locking any unit while CUnit::mutex() is held. Algebra that makes what warmUp() has not made
+// needs the mutex all the same, as long as another thread has a first time before it.
 #ifndef MENSOR_CHECKED_WARMUP_H
 #define MENSOR_CHECKED_WARMUP_H
 

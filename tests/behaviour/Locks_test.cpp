@@ -2,6 +2,8 @@
 // them from meeting (docs/threads.md), and that no call keeps a lock.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <cstddef>
@@ -221,6 +223,22 @@ TEST(Locks, AreFreeAgainAfterAClientsUnitHasThrown) {
             EXPECT_TRUE(isFree(Inside::lookupMutex(each)));
         }
     }
+}
+
+TEST(Locks, AreFreeInAChildProcessOfAProgramWithoutThreads) {
+    const CUnitPtr a = freshUnit(), b = freshUnit(), known = a * b;
+    const pid_t child = fork();
+    ASSERT_NE(child, -1);
+    if (child == 0) {
+        const CUnitPtr made = (known ^ 2) / SI::Second();
+        const bool isRight = known / b == a &&
+                             made->toString() == CUnit::fromString(made->toString())->toString() &&
+                             test::brokenInvariant().empty();
+        _exit(isRight ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
 }
 
 }  // namespace

@@ -1,0 +1,27 @@
+#!/bin/sh
+# Checks that the headers say of every exported class and function who may use it in which thread:
+# any thread; any thread, locks something; caller serialises. A class says it in its "Class contract:",
+# a function in its "@par Threads", in that of the group it stands in, or in "// Threads:" of the file.
+#
+# usage: check_threads.sh SOURCE_FOLDER
+awk '
+function complain(what) {
+    print FILENAME ":" FNR ": " what ": " $0
+    status = 1
+}
+FNR == 1 { ofFile = comment = "" }
+/^\/\/ Threads: / { ofFile = $0 }
+/^$/ { comment = "" }
+/^ *\/\/\// { comment = comment $0 }
+/(Class contract:|@par Threads|\/\/ Threads:)/ &&
+    !/(Class contract:|@par Threads |\/\/ Threads:) ([Aa]ny thread[.,;]|[Cc]aller serialises)/ {
+    complain("none of the three phrases")
+}
+/^(class|struct) MENSOR(_CHECKED)?_API/ && !/;$/ && comment !~ /Class contract:/ && ofFile == "" {
+    complain("no class contract")
+}
+/^MENSOR(_CHECKED)?_API/ && comment !~ /@par Threads/ && ofFile == "" {
+    complain("nothing about threads")
+}
+END { exit status }
+' "$1"/src/mensor/*.h "$1"/src/mensor_checked/*.h
