@@ -114,6 +114,16 @@ Factors raised(Factors factors, int pow, int root) {
     return factors;
 }
 
+int hashOf(const Factors& factors) {
+    unsigned sum = 0;
+    for (const CUnitRationalPower& factor : factors) {
+        const unsigned weight = 3U * static_cast<unsigned>(factor.getPow()) -
+                                2U * static_cast<unsigned>(factor.getRoot());
+        sum += static_cast<unsigned>(factor.unit()->hashCode()) * weight;
+    }
+    return static_cast<int>(sum);
+}
+
 }  // namespace detail
 
 CProductUnit::CProductUnit() : CDerivedUnit("One") {}
@@ -171,15 +181,7 @@ CUnitRationalPower CProductUnit::get(int index) const {
 }
 Elements CProductUnit::elements() { return m_Elements; }
 
-void CProductUnit::calculateHashCode() {
-    unsigned sum = 0;
-    for (const CUnitRationalPower& element : m_Elements) {
-        const unsigned weight = 3U * static_cast<unsigned>(element.getPow()) -
-                                2U * static_cast<unsigned>(element.getRoot());
-        sum += static_cast<unsigned>(element.unit()->hashCode()) * weight;
-    }
-    m_HashCode = static_cast<int>(sum);
-}
+void CProductUnit::calculateHashCode() { m_HashCode = detail::hashOf(m_Elements); }
 
 CUnitPtr CProductUnit::getCtxDimension() {
     return fold(m_Elements, [](CUnit& unit) { return unit.getCtxDimension(); });

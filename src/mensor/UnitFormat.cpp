@@ -9,6 +9,7 @@
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <limits>
 #include <memory_resource>
 #include <stdexcept>
@@ -56,6 +57,48 @@ int parseExponentBytes(std::string_view text) {
     return static_cast<int>(negative ? -n : n);
 }
 
+// The algebra on factors alone, which registers nothing. The hash decides here as there: a product is
+// the one that is registered under its hash, or would be by then, though its factors be others.
+class CTrial {
+public:
+    detail::Factors multiplied(const detail::Factors& left, const detail::Factors& right) {
+        return canonical(detail::multiplied(left, right));
+    }
+
+    detail::Factors pow(const detail::Factors& factors, int n) {
+        return n == 0 ? detail::Factors() : raised(factors, n, 1);
+    }
+
+    detail::Factors root(const detail::Factors& factors, int n) { return raised(factors, 1, n); }
+
+private:
+    // One of `pow` and `root` is 1.
+    detail::Factors raised(const detail::Factors& factors, int pow, int root) {
+        if (pow == 1 && root == 1) {
+            return factors;
+        }
+        detail::Factors result = canonical(detail::raised(factors, std::abs(pow), std::abs(root)));
+        return pow > 0 && root > 0 ? result : canonical(detail::raised(std::move(result), -1, 1));
+    }
+
+    detail::Factors canonical(detail::Factors factors) {
+        if (factors.empty()) {
+            return factors;
+        }
+        if (factors.size() == 1 && factors[0].getPow() == factors[0].getRoot()) {
+            return factors[0].unit()->elements();
+        }
+        const int hash = detail::hashOf(factors);
+        const Lock lock(tables().Mutex);
+        const auto found = tables().Instances.find(hash);
+        return found != tables().Instances.end()
+                   ? found->second->elements()
+                   : m_Products.emplace(hash, std::move(factors)).first->second;
+    }
+
+    std::map<int, detail::Factors> m_Products;  // that the algebra would have registered
+};
+
 class CParser {
 public:
     explicit CParser(std::string_view text) : m_Text(text) { m_Factors.reserve(UsualFactors); }
@@ -90,7 +133,7 @@ private:
         int Root;
     };
 
-    // Where exponents may leave the range of int, the arithmetic is tried without building units.
+    // Where exponents may leave the range of int, the algebra is tried without building units.
     void requireSmallExponents() const {
         constexpr std::int64_t Harmless = 4096;
         std::int64_t sum = 0;
@@ -102,10 +145,11 @@ private:
         if (isHarmless) {
             return;
         }
+        CTrial trial;
         detail::Factors product;
         for (const Factor& factor : m_Factors) {
-            product = detail::multiplied(
-                product, detail::raised(factor.Unit->elements(), factor.Pow, factor.Root));
+            product = trial.multiplied(
+                product, trial.root(trial.pow(factor.Unit->elements(), factor.Pow), factor.Root));
         }
     }
 

@@ -19,6 +19,9 @@ Factors multiplied(const Factors& left, const Factors& right);
 // Each factor to the power pow/root, in lowest terms. Throws as above.
 Factors raised(Factors factors, int pow, int root);
 
+// The hash code of a product of these factors, from those of their units.
+int hashOf(const Factors& factors);
+
 }  // namespace detail
 }  // namespace mensor
 
