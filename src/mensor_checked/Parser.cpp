@@ -148,7 +148,8 @@ private:
                     (kind() == eKind::MINUS && m_Cursor.peek() == eKind::DIGIT)) {
                     const std::size_t beginPower = at();
                     const int sign = this->sign();
-                    raise(begin, {sign * digits(), 1}, {beginPower, at()});
+                    const int n = digits();
+                    raise(begin, {sign * n, 1}, {beginPower, at()});
                     refuseSecondExponent(beginText);
                     return;
                 }
@@ -205,10 +206,12 @@ private:
     void exponent(std::size_t begin, std::size_t beginText) {
         const std::size_t beginPower = at();
         if (isRaised(kind())) {
-            raise(begin, raised(), {beginPower, at()});
+            const Fraction power = raised();  // first, since it moves what at() gives
+            raise(begin, power, {beginPower, at()});
         } else if (caret()) {
             const std::size_t beginNumber = at();
-            raise(begin, power(beginPower), {beginPower, at()});
+            const Fraction power = this->power(beginPower);
+            raise(begin, power, {beginPower, at()});
             m_CaretPower = {beginNumber, at()};
         } else {
             return;

@@ -246,6 +246,15 @@ TEST(Reading, CollectsExponentsUpTo99) {
     EXPECT_EQ(refusalOf("m^99999999999999999999"), eRefusal::EXPONENT_RANGE);
 }
 
+TEST(Reading, ShowsTheWholeExponentThatIsOutOfRange) {
+    for (const std::string exponent :
+         {"100", "-100", "^100", "^-100", "^1:210", "^(1/210)", "**100", "¹⁰⁰", "⁻¹⁰⁰"}) {
+        const auto reading = checked::tryReadUnit("m" + exponent + "·s");
+        ASSERT_TRUE(reading.Refusal) << exponent;
+        EXPECT_EQ(reading.Refusal->Token, exponent);
+    }
+}
+
 TEST(Reading, ReducesExponentsOfAnySizeExactly) {
     EXPECT_EQ(refusalOf("m^(1000/4)"), eRefusal::EXPONENT_RANGE) << "not m^25";
     EXPECT_EQ(readUnit("m^(1000/500)"), SI::Meter()->pow(2));
