@@ -99,6 +99,12 @@ private:
     std::map<int, detail::Factors> m_Products;  // that the algebra would have registered
 };
 
+bool isRegistered(const CUnitPtr& unit) {
+    const Lock lock(tables().Mutex);
+    const auto found = tables().Instances.find(unit->hashCode());
+    return found != tables().Instances.end() && found->second == unit;
+}
+
 class CParser {
 public:
     explicit CParser(std::string_view text) : m_Text(text) { m_Factors.reserve(UsualFactors); }
@@ -113,6 +119,17 @@ public:
         step(U' ', end, end);  // flushes the last token
         commit();
         requireSmallExponents();
+        return m_Factors.size() > ManyFactors ? productWithoutSlots() : product();
+    }
+
+private:
+    struct Factor {
+        CUnitPtr Unit;
+        int Pow;
+        int Root;
+    };
+
+    CUnitPtr product() {
         CUnitPtr result = CProductUnit::one();
         for (Factor& factor : m_Factors) {
             if (factor.Pow != 1) {
@@ -126,12 +143,28 @@ public:
         return result;
     }
 
-private:
-    struct Factor {
-        CUnitPtr Unit;
-        int Pow;
-        int Root;
-    };
+    // The same units in the same order, but past the caches: each product on the way would keep a
+    // table of slots for a single entry, and nobody asks for it again.
+    CUnitPtr productWithoutSlots() const {
+        CUnitPtr result = CProductUnit::one();
+        for (const Factor& factor : m_Factors) {
+            CUnitPtr unit = raised(factor.Unit, factor.Pow, CProductUnit::getPowInstance);
+            unit = raised(unit, factor.Root, CProductUnit::getRootInstance);
+            // Units that were never registered share a slot, and what it holds.
+            const bool hasOwnSlot = unit != CProductUnit::one() && isRegistered(unit);
+            result = hasOwnSlot ? CProductUnit::getProductInstance(result, unit)
+                                : result->multiply(unit);
+        }
+        return result;
+    }
+
+    // As CUnit::pow() and CUnit::root().
+    static CUnitPtr raised(const CUnitPtr& unit, int n, CUnitPtr (*getInstance)(CUnitPtr, int)) {
+        if (n < 0) {
+            return CProductUnit::one()->divide(raised(unit, -n, getInstance));
+        }
+        return n == 0 ? CProductUnit::one() : n == 1 ? unit : getInstance(unit, n);
+    }
 
     // Where exponents may leave the range of int, the algebra is tried without building units.
     void requireSmallExponents() const {
@@ -276,16 +309,11 @@ private:
 
     // Most texts are read without fetching memory for their factors.
     static constexpr std::size_t UsualFactors = 4;
+    static constexpr std::size_t ManyFactors = 64;
     alignas(Factor) std::byte m_Room[UsualFactors * sizeof(Factor)];
     std::pmr::monotonic_buffer_resource m_Memory{m_Room, sizeof m_Room};
     std::pmr::vector<Factor> m_Factors{&m_Memory};
 };
-
-bool isRegistered(const CUnitPtr& unit) {
-    const Lock lock(tables().Mutex);
-    const auto found = tables().Instances.find(unit->hashCode());
-    return found != tables().Instances.end() && found->second == unit;
-}
 
 const CUnitPtr* find(const std::map<string_t, CUnitPtr>& units, const string_t& name) {
     const auto found = units.find(name);

@@ -1,0 +1,180 @@
+// HostileText_test.cpp: the longest and strangest texts end as short ones do, and what they leave in the
+// heap is what they registered. Bytes are counted, nothing is timed; tests/budget counts instructions.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "mensor/BaseUnit.h"
+#include "mensor/ProductUnit.h"
+#include "mensor/SI.h"
+#include "mensor/UnitFormat.h"
+#include "mensor/ValueWithUnit.h"
+#include "support/ClientUnit.h"
+#include "support/Matchers.h"
+#include "support/OperatorNew.h"
+#include "support/Outcome.h"
+#include "support/Threads.h"
+#include "support/utf8_texts.h"
+
+namespace mensor {
+namespace {
+
+std::string repeated(const std::string& piece, int times) {
+    std::string text;
+    for (int i = 0; i < times; ++i) {
+        text += piece;
+    }
+    return text;
+}
+
+// The bytes that parsing `text` leaves in the heap.
+long keptBy(const std::string& text, CUnitPtr& unit) {
+    const string_t whole = text;
+    const long before = liveBytes;
+    unit = CUnit::fromString(whole);
+    return liveBytes - before;
+}
+
+TEST(HostileText, OfAMillionFactorsThatCancelLeavesNothingBehind) {
+    CUnitPtr unit;
+    keptBy("m/m", unit);
+    EXPECT_LE(keptBy(repeated("m/", 1000000), unit), 4096);
+    EXPECT_EQ(unit, CProductUnit::one());
+}
+
+// Each factor registers the product up to it; that is what it costs, and it does not cost more the more
+// units there are.
+TEST(HostileText, KeepsTheProductsOfItsFactorsAndNoTablesBesides) {
+    constexpr int Factors = 5000;
+    const struct {
+        const char* What;
+        std::string (*Factor)(int i);
+    } rows[] = {
+        {"one unit", [](int) -> std::string { return "pF·"; }},
+        {"new powers", [](int i) { return "cd^" + std::to_string(i + 2) + '/'; }},
+        {"new roots of one power",
+         [](int i) { return "K^7:" + std::to_string(i % 4000 + 8) + '/'; }},
+        {"large roots of new powers",
+         [](int i) {
+             return "mol^" + std::to_string(i + 4097) + ":4096" + (i % 2 == 0 ? "/" : "·");
+         }},
+    };
+    for (const auto& [what, factor] : rows) {
+        SCOPED_TRACE(what);
+        std::string text;
+        for (int i = 0; i < Factors; ++i) {
+            text += factor(i);
+        }
+        const long before = liveBytes;
+        outcomeOf([&] { CUnit::fromString(text); });  // exponents may leave the range of int
+        EXPECT_LE(liveBytes - before, Factors * 2000L + 1000000);
+    }
+}
+
+TEST(HostileText, OfManyFactorsIsTheProductThatTheAlgebraMakes) {
+    const auto own = CClientUnit::make("", 47110815);
+    CUnitFormat::alias(own, "unregistered");
+    const std::string piece = "m·kg^2/s^3·K^1:2·A^-1·mol^0/cd^2:-3·unregistered/pF^-1:-1/";
+    CUnitPtr unit;
+    keptBy(repeated(piece, 40), unit);
+    const std::size_t registered = CUnit::instances().size();
+    const CUnitPtr picofarad = CUnit::fromString("pF");
+
+    CUnitPtr product = CProductUnit::one();
+    for (int i = 0; i < 40; ++i) {
+        const auto by = [&](const CUnitPtr& base, int pow, int root) {
+            product = product->multiply(base->pow(pow)->root(root));
+        };
+        by(SI::Meter(), 1, 1);
+        by(SI::Kilogram(), 2, 1);
+        by(SI::Second(), -3, 1);
+        by(SI::Kelvin(), -1, 2);
+        by(SI::Ampere(), 1, 1);
+        by(SI::Mole(), 0, 1);
+        by(SI::Candela(), 2, -3);
+        by(own, 1, 1);
+        by(picofarad, 1, -1);
+    }
+    EXPECT_EQ(product, unit);
+    EXPECT_EQ(CUnit::instances().size(), registered) << "the text made each of these products";
+}
+
+TEST(HostileText, LeavesNothingBehindWhereItRegistersNothing) {
+    constexpr int Million = 1000000;
+    const std::string digits(1000, '9');
+    const std::vector<std::string> texts = {
+        repeated("[", Million),
+        repeated("[", Million) + repeated("]", Million - 1),
+        repeated("[", Million) + repeated("]", Million),
+        "m" + repeated("<", Million),
+        repeated("<i>", Million),
+        "m" + repeated("&", Million),
+        repeated("&lt;", Million),
+        "m^" + digits,
+        "m^-" + digits + ":" + digits,
+        "m^1:" + digits,
+        "m^" + std::string(1000, '0') + "1",
+        "m" + std::string(Million, '\0') + "/m",
+        repeated("m^0 ", Million / 10),
+        "m·" + repeated("x", Million),
+    };
+    const long before = liveBytes;
+    runWithStack(256 * 1024, [&] {
+        for (int round = 0; round < 2; ++round) {
+            for (const std::string& text : texts) {
+                const std::string outcome = outcomeOf([&] { CUnit::fromString(text); });
+                const std::string message = outcome.substr(0, 28);
+                EXPECT_TRUE(message == "returned" ||
+                            message.rfind("std::invalid_argument: Label", 0) == 0 ||
+                            message.rfind("std::out_of_range: Exponent", 0) == 0)
+                    << message;
+            }
+        }
+    });
+    EXPECT_LE(liveBytes - before, 4096);
+}
+
+TEST(HostileText, OfEachMalformedFormEndsInAUnitOrQuotesAName) {
+    for (const test::Utf8Text& row : test::utf8Texts()) {
+        SCOPED_TRACE(row.What);
+        const std::string text = repeated(row.Bytes, 5000);
+        CUnitPtr unit;
+        const auto parse = [&] { unit = CUnit::fromString("m·" + text); };
+        const std::string outcome = outcomeOf(parse);
+        const long before = liveBytes;
+        EXPECT_EQ(outcomeOf(parse), outcome);
+        EXPECT_LE(liveBytes - before, 1024);
+        if (!unit) {
+            EXPECT_EQ(outcome.rfind("std::invalid_argument: Label: ", 0), 0U);
+        }
+    }
+}
+
+TEST(HostileText, OfAValueEndsAsItsShortFormsDo) {
+    constexpr int Million = 1000000;
+    const std::string digits = repeated("7", Million);
+    const long before = liveBytes;
+    const struct {
+        std::string Text, Outcome;
+    } rows[] = {
+        {digits + " m", "std::out_of_range: stod"},
+        {"0." + digits + " m", "returned"},
+        {"1e" + digits + " m", "std::out_of_range: stod"},
+        {"1" + repeated(" ", Million), "returned"},
+        {repeated(" ", Million), "std::invalid_argument: stod"},
+        {"1 m " + digits, "returned"},
+        {std::string("1\0 m", 4), "returned"},
+        {std::string("1 \0m\0", 5), "returned"},
+        {"1 m/" + repeated("&", Million), "returned"},
+    };
+    const long held = liveBytes - before;
+    for (const auto& [text, outcome] : rows) {
+        EXPECT_EQ(outcomeOf([text = &text] { CValueWithUnit::fromString(*text); }), outcome)
+            << text.substr(0, 10);
+    }
+    EXPECT_LE(liveBytes - before - held, 4096);
+}
+
+}  // namespace
+}  // namespace mensor
