@@ -1,35 +1,8 @@
 # count.cmake: runs `operations` under callgrind and fails where an operation takes more
 # instructions than budgets.txt allows.
-#
-# usage: cmake -DVALGRIND=<program> -DOPERATIONS=<program> -DFOLDER=<for callgrind's files>
-#              -P count.cmake
 cmake_minimum_required(VERSION 3.25)
 set(repetitions 1000)  # as in operations.cpp
-
-file(REMOVE_RECURSE ${FOLDER})
-file(MAKE_DIRECTORY ${FOLDER})
-execute_process(
-  COMMAND ${VALGRIND} --tool=callgrind --callgrind-out-file=${FOLDER}/counts ${OPERATIONS}
-  RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
-if(NOT result EQUAL 0)
-  message(FATAL_ERROR "valgrind ended with ${result}:\n${output}")
-endif()
-
-# Each file of callgrind is one part: its name in the line "desc: Trigger: Client Request: <name>",
-# its instructions in the line "summary: <number>".
-file(GLOB files ${FOLDER}/counts.*)
-set(names)
-foreach(file IN LISTS files)
-  file(STRINGS ${file} trigger REGEX "^desc: Trigger: Client Request: " ENCODING UTF-8)
-  file(STRINGS ${file} summary REGEX "^(summary|totals): " LIMIT_COUNT 1)
-  if(trigger AND summary)
-    string(REGEX REPLACE "^desc: Trigger: Client Request: " "" name "${trigger}")
-    string(REGEX REPLACE "^[a-z]+: ([0-9]+).*" "\\1" count "${summary}")
-    list(APPEND names "${name}")
-    string(MAKE_C_IDENTIFIER "${name}" id)
-    set(count_${id} ${count})
-  endif()
-endforeach()
+include(${CMAKE_CURRENT_LIST_DIR}/counts.cmake)
 if(NOT DEFINED count_nothing)
   message(FATAL_ERROR "operations did not count \"nothing\":\n${output}")
 endif()
