@@ -39,6 +39,7 @@ private:
     static constexpr std::size_t SlotCount = 512;
     static constexpr std::size_t Reach = 4;  // slots in which a text may stand
     static constexpr std::size_t WordCount = (LongestText + 1) / sizeof(std::uintptr_t);
+    static_assert(WordCount * sizeof(std::uintptr_t) == LongestText + 1, "a byte for the length");
 
     // A text filled with zeros, its length in the last byte: equal keys are equal texts.
     struct Key {
