@@ -570,6 +570,21 @@ TEST(Compound, OfAnyShapeDoesWhatTheNestOfItsStepsDoes) {
     }
 }
 
+// Where each step bends, a slope is right only if every step before it has taken the value.
+TEST(Compound, NestedDeepHasTheSlopeOfTheChainRule) {
+    const auto bent = [](int i) { return std::make_shared<CBent>((i % 7 - 3) / 64.0); };
+    CConverterPtr inFirst = bent(0), inSecond = bent(0), byTurns = bent(0);
+    for (int i = 1; i < 80; ++i) {
+        inFirst = chain(inFirst, bent(i));
+        inSecond = chain(bent(i), inSecond);
+        byTurns = i % 2 == 0 ? chain(byTurns, bent(i)) : chain(bent(i), byTurns);
+    }
+    const CConverterPtr inBoth = chain(inFirst, inSecond);
+    for (const CConverterPtr& c : {inFirst, inSecond, byTurns, inBoth}) {
+        EXPECT_THAT(c->derivative(0.5), HasBitsOf(nest::derivative(c, 0.5)));
+    }
+}
+
 // ---- compounds of great depth
 
 constexpr int Depth = 100000;
