@@ -1,0 +1,461 @@
+"""Makes mutants of src/mensor and runs the tests on them: see scripts/mutate, which calls this."""
+
+import argparse
+import collections
+import hashlib
+import json
+import os
+import random
+import re
+import resource
+import signal
+import subprocess
+import sys
+import time
+from pathlib import Path
+
+JOBS = str(os.cpu_count())
+KEYWORDS = {"if", "for", "while", "switch", "catch", "return", "throw", "sizeof", "alignas", "decltype",
+            "noexcept", "static_assert", "defined", "__attribute__", "target", "operator"}
+NO_STATEMENT = {"return", "using", "class", "struct", "const", "static", "constexpr", "template",
+                "friend", "typedef", "enum", "namespace", "public", "private", "protected", "virtual",
+                "explicit", "inline", "extern", "case", "default", "if", "for", "while", "switch",
+                "do", "else", "try", "catch", "union", "auto", "alignas", "static_assert", "goto",
+                "thread_local", "mutable", "MENSOR_API", "MENSOR_LOCAL"}
+
+# One change of a source: `kind` says what, and [start, end) of the text becomes `new`.
+Mutation = collections.namedtuple("Mutation", "source kind start end new")
+
+
+# Finding what can be changed.
+
+TOKEN = re.compile(
+    r"""(?P<comment>//[^\n]*|/\*.*?\*/)
+      | (?P<string>(?:u8|[uUL])?"(?:\\.|[^"\\\n])*")
+      | (?P<char>(?:u8|[uUL])?'(?:\\.|[^'\\\n])+')
+      | (?P<number>(?<![\w.])(?:0[xX][\da-fA-F']+|\d(?:[\d.]|'\d)*(?:[eE][-+]?\d+)?)[uUlLfF]*)
+      | (?P<directive>(?<=\n)\#[^\n]*)
+      | (?P<word>[A-Za-z_]\w*)""",
+    re.S | re.X)
+
+
+def code_of(text):
+    """The text with comments, directives and the insides of literals blanked, and its constants."""
+    code, constants = list(text), []
+    for token in TOKEN.finditer(text):
+        if token.lastgroup in ("number", "char") and not text[:token.end()].endswith(") = 0") and \
+                not text[:token.end()].endswith(") const = 0"):
+            constants.append(token)
+        if token.lastgroup in ("comment", "directive"):
+            code[token.start():token.end()] = [c if c == "\n" else " " for c in token.group()]
+        elif token.lastgroup in ("string", "char"):
+            code[token.start() + 1:token.end() - 1] = "_" * (token.end() - token.start() - 2)
+    return "".join(code), constants
+
+
+def closing(code, opening):
+    """The position of the bracket that closes the one at `opening`."""
+    depth = 0
+    for i in range(opening, len(code)):
+        if code[i] in "([{":
+            depth += 1
+        elif code[i] in ")]}":
+            depth -= 1
+            if depth == 0:
+                return i
+    return len(code)
+
+
+def split_arguments(code, begin, end):
+    """The spans between the commas of the outermost level in [begin, end)."""
+    spans, depth, start = [], 0, begin
+    for i in range(begin, end):
+        depth += (code[i] in "([{") - (code[i] in ")]}")
+        if code[i] == "," and depth == 0:
+            spans.append((start, i))
+            start = i + 1
+    spans.append((start, end))
+    trimmed = []
+    for start, end in spans:
+        part = code[start:end]
+        trimmed.append((start + len(part) - len(part.lstrip()), start + len(part.rstrip())))
+    return trimmed
+
+
+def statements(code):
+    """The spans of expression statements, and of throw, break, continue and return without a value."""
+    found = []
+    classes = set(re.findall(r"\b(?:class|struct) (?:MENSOR_API )?(?:\w+::)?(\w+)", code))
+    for before in re.finditer(r"(?:[;{}]|\b(?:case\s(?:[^:;{}]|::)+|default):(?!:)|\belse)\s*", code):
+        start = before.end()
+        if code.count("(", 0, start) != code.count(")", 0, start):
+            continue  # the clauses of a for
+        head = re.match(r"(?:\+\+|--|\*|\()*([A-Za-z_]\w*)", code[start:start + 200])
+        if not head:
+            continue
+        depth = 0
+        for end in range(start, len(code)):
+            depth += (code[end] in "([") - (code[end] in ")]")
+            if depth < 0 or (depth == 0 and code[end] in ";{}"):
+                break
+        body = code[start:end]
+        if end == len(code) or code[end] != ";" or body.endswith(("= default", "= delete")):
+            continue
+        isDeclaration = re.match(
+            r"[\w:]+(?:<.*?>)?[&*]*(?: const)?[&*]* [&*]*[\w\[\]]+ ?(?:=[^=]|\(|$|\{|,)", body)
+        isConstructor = re.match(r"(\w+)\(", body) and head.group(1) in classes
+        if body != "return" and head.group(1) != "throw" and (
+                head.group(1) in NO_STATEMENT or isDeclaration or isConstructor
+                or "operator" in body):
+            continue
+        found.append((start, end + 1))
+    return found
+
+
+def moved_by_one(literal):
+    """A number one off in its last place, or a character one further."""
+    if literal.endswith("'"):
+        return f"({literal} + 1)"
+    digits = re.match(r"0[xX][\da-fA-F']+|[\d.']+", literal).group()
+    suffix = literal[len(digits):]
+    if digits[:2] in ("0x", "0X"):
+        return f"{int(digits.replace(chr(39), ''), 16) + 1:#x}{suffix}"
+    if "." not in digits:
+        return str(int(digits.replace("'", "")) + 1) + suffix
+    places = len(digits) - digits.index(".") - 1
+    scaled = str(int(digits.replace(".", "")) + 1).rjust(places + 1, "0")
+    return scaled[:len(scaled) - places] + "." + scaled[len(scaled) - places:] + suffix
+
+
+REPLACEMENTS = [
+    ("comparison turned", r" (==|!=|<=|>=|<|>) ",
+     {"==": ["!="], "!=": ["=="], "<": ["<=", ">="], ">": [">=", "<="], "<=": ["<", ">"], ">=": [">", "<"]}),
+    ("operator turned", r" (\+|-|\*|/|%|\^|\+=|-=|\*=|\|=) ",
+     {"+": ["-"], "-": ["+"], "*": ["/"], "/": ["*"], "%": ["*"], "^": ["|"], "+=": ["-="], "-=": ["+="],
+      "*=": ["/="], "|=": ["="]}),
+    ("operator turned", r"(\+\+|--)(?=[A-Za-z_(*])", {"++": ["--"], "--": ["++"]}),
+    ("connection turned", r" (&&|\|\|) ", {"&&": ["||"], "||": ["&&"]}),
+    ("sign dropped", r"(?<=[\s(])([-!])(?=[A-Za-z_(])", {"-": [""], "!": [""]}),
+    ("branch forced", r" (\?) ", {"?": ["|| true ?", "&& false ?"]}),
+    ("truth turned", r"\b(true|false)\b", {"true": ["false"], "false": ["true"]}),
+]
+
+
+def mutations_of(source, text):
+    """All mutations of a source that this program knows, in the order of their places."""
+    code, constants = code_of(text)
+    found = set()
+
+    def add(kind, start, end, new):
+        if text[start:end] != new:
+            found.add(Mutation(source, kind, start, end, new))
+
+    for kind, pattern, turned in REPLACEMENTS:
+        for match in re.finditer(pattern, code):
+            for new in turned[match.group(1)]:
+                add(kind, match.start(1), match.end(1), new)
+    for token in constants:
+        add("constant moved", token.start(), token.end(), moved_by_one(token.group()))
+    for match in re.finditer(r"\b(if|while) ?\(", code):
+        end = closing(code, match.end() - 1)
+        condition = text[match.end():end]
+        isDeclaration = re.search(r"[^=!<>]=[^=]", code[match.end():end]) and ";" not in condition
+        for truth in ("true", "false") if match.group(1) == "if" else ("false",):
+            add("branch forced", match.end(), end, f"{condition}; {truth}" if isDeclaration else truth)
+    for match in re.finditer(r"\b([A-Za-z_]\w*)(?:<[\w:]+>)?\(", code):
+        if match.group(1) in KEYWORDS:
+            continue
+        spans = split_arguments(code, match.end(), closing(code, match.end() - 1))
+        for (a, b), (c, d) in zip(spans, spans[1:]):
+            isDeclaration = re.match(r"(?:const )?[\w:]+(?:<.*>)?[&*]* [&*]*\w+( =.*)?$", code[c:d], re.S)
+            if a < b and c < d and not isDeclaration and text[a:b] != text[c:d]:
+                add("arguments swapped", a, d, text[c:d] + text[b:c] + text[a:b])
+    spans = statements(code)
+    for start, end in spans:
+        add("statement dropped", start, end, ";" + "\n" * text.count("\n", start, end))
+    for (a, b), (c, d) in zip(spans, spans[1:]):
+        if not code[b:c].strip() and text[a:b] != text[c:d]:
+            add("statements swapped", a, d, text[c:d] + text[b:c] + text[a:b])
+    return sorted(found, key=lambda m: (m.start, m.end, m.new))
+
+
+class Sources:
+    def __init__(self, copy):
+        self.directory = copy / "src" / "mensor"
+        self.texts = {path.name: path.read_text() for path in sorted(self.directory.iterdir())
+                      if path.suffix in (".cpp", ".h")}
+        self.mutations = {name: mutations_of(name, text) for name, text in self.texts.items()}
+
+    def line(self, mutation):
+        return self.texts[mutation.source].count("\n", 0, mutation.start) + 1
+
+    def mutated(self, mutation):
+        text = self.texts[mutation.source]
+        return text[:mutation.start] + mutation.new + text[mutation.end:]
+
+    def difference(self, mutation):
+        """The lines concerned, before and after, each as one line."""
+        text = self.texts[mutation.source]
+        start = text.rfind("\n", 0, mutation.start) + 1
+        end = text.find("\n", mutation.end)
+        after = text[start:mutation.start] + mutation.new + text[mutation.end:end]
+        return tuple(re.sub(r"\s+", " ", part).strip() for part in (text[start:end], after))
+
+    def sample(self, count, seed):
+        """Of each source the name, its mutations in the order of drawing, and how many are wanted."""
+        total = sum(map(len, self.mutations.values()))
+        for name, mutations in self.mutations.items():
+            # A generator for each source, so that a change of one leaves the others' samples alone.
+            chance = random.Random(f"{seed} {name}")
+            kinds = collections.defaultdict(list)
+            for mutation in mutations:
+                kinds[mutation.kind].append(mutation)
+            for same in kinds.values():
+                chance.shuffle(same)
+            drawn = []
+            while any(kinds.values()):  # one of each kind in turn, so that rare kinds have their share
+                drawn += [same.pop() for _, same in sorted(kinds.items()) if same]
+            yield name, drawn, max(3, -(-count * len(mutations) // total))
+
+
+def read_explained(path):
+    """The explained mutants: {(source, before, after)}. The file's first lines say its form."""
+    explained, source, before = set(), None, None
+    for line in path.read_text().splitlines() if path.exists() else []:
+        if line.startswith("- "):
+            before = line[2:]
+        elif line.startswith("+ "):
+            explained.add((source, before, line[2:]))
+        elif line and line[0] not in "# ":
+            source = line
+    return explained
+
+
+# Building and testing.
+
+class Killed(Exception):
+    pass
+
+
+def run(command, directory, seconds, processor_seconds):
+    """The output of a test program; raises Killed if it fails, or goes on without end."""
+    def limit():
+        resource.setrlimit(resource.RLIMIT_CPU, (processor_seconds, processor_seconds + 5))
+        resource.setrlimit(resource.RLIMIT_AS, (4 << 30, 4 << 30))
+        resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+
+    process = subprocess.Popen(command, cwd=directory, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                               stderr=subprocess.STDOUT, start_new_session=True, preexec_fn=limit)
+    try:
+        output = process.communicate(timeout=seconds)[0].decode(errors="replace")
+    except subprocess.TimeoutExpired:
+        raise Killed("no end") from None
+    finally:
+        try:
+            os.killpg(process.pid, signal.SIGKILL)
+        except ProcessLookupError:
+            pass
+        process.wait()
+    if process.returncode != 0:
+        failed = re.findall(r"\[  FAILED  \] (\w[\w/]*\.[\w./]+)|\d+ - (\S+) \(", output)
+        raise Killed("".join(failed[0]) if failed else f"status {process.returncode}")
+    return output
+
+
+class Tests:
+    """The tests in two rounds. First each program runs all its tests in one process, which is quick.
+    What survives that meets ctest with the rest: the tests that need a process with new tables, and
+    those that are no GoogleTests."""
+
+    def __init__(self, build):
+        self.build = build
+        described = subprocess.run(["ctest", "--test-dir", build, "--show-only=json-v1"], check=True,
+                                   capture_output=True).stdout
+        self.programs, numbers, self.rest = {}, collections.defaultdict(dict), []
+        for number, test in enumerate(json.loads(described)["tests"], 1):
+            command = test.get("command", [""])
+            name = Path(command[0]).name
+            filters = [part for part in command if part.startswith("--gtest_filter=")]
+            if filters:
+                directory = {p["name"]: p["value"] for p in test["properties"]}["WORKING_DIRECTORY"]
+                self.programs[name] = (command[0], directory)
+                numbers[name][filters[0].partition("=")[2]] = number
+            else:
+                self.rest.append(number)
+        self.kills = collections.Counter()
+        self.seconds, self.filters = {}, {}
+        for name in self.programs:
+            self.rest += [numbers[name][test] for test in self.prepare(name)]
+        self.run_rest()
+
+    def prepare(self, name):
+        """Measures a program and gives the tests that need a process of their own."""
+        program, directory = self.programs[name]
+        alone = set()
+        while True:
+            self.filters[name] = "--gtest_filter=-" + ":".join(sorted(alone))
+            begin = time.monotonic()
+            result = subprocess.run([program, self.filters[name]], cwd=directory, text=True, errors="replace",
+                                    stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+            self.seconds[name] = time.monotonic() - begin
+            if result.returncode == 0:
+                return alone
+            failed = set(re.findall(r"^\[  FAILED  \] (\w[\w/]*\.[\w./]+)", result.stdout, re.M))
+            failed = failed or set(re.findall(r"^\[ RUN      \] ([\w./]+)", result.stdout, re.M)[-1:])
+            if not failed or failed <= alone:
+                sys.exit(f"mutate: {name} fails without a mutation")
+            alone |= failed
+
+    def own(self, source):
+        """The program of the tests that belong to a source."""
+        name = Path(source).stem + "_test"
+        return name if name in self.programs else None
+
+    def run_all(self, source):
+        """Raises Killed if a test fails. First what is likely to: what belongs to the source, what has
+        killed its mutants before, what is quick."""
+        for name in sorted(self.programs, key=lambda name: (
+                name != self.own(source), -self.kills[source, name], self.seconds[name])):
+            program, directory = self.programs[name]
+            try:
+                run([program, self.filters[name], "--gtest_fail_fast", "--gtest_brief=1"], directory,
+                    60 + 30 * self.seconds[name], 5 + int(10 * self.seconds[name]))
+            except Killed as reason:
+                self.kills[source, name] += 1
+                raise Killed(f"{name}: {reason}") from None
+        try:
+            self.run_rest()
+        except Killed as reason:
+            raise Killed(f"ctest: {reason}") from None
+
+    def run_rest(self):
+        run(["ctest", "--test-dir", self.build, "--parallel", JOBS, "--stop-on-failure", "--no-tests=error",
+             "-I", ",".join(map(str, [0, 0, 0, *self.rest]))], self.build, 3600, 600)
+
+
+def compile_targets(build, targets):
+    return subprocess.run(["cmake", "--build", build, "--parallel", JOBS, "--target", *targets],
+                          stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL).returncode == 0
+
+
+def digest(build, targets):
+    paths = {"mensor": build / "src" / "mensor" / "libmensor.so"}
+    return [hashlib.sha256(paths.get(t, build / "tests" / t).read_bytes()).digest() for t in targets]
+
+
+class Laboratory:
+    def __init__(self, sources, build):
+        self.sources, self.build = sources, build
+        self.tests = Tests(build)
+        self.originals = {}
+
+    def targets(self, source):
+        # The tests' programs hold the code of headers, too: those that belong to the header.
+        own = self.tests.own(source)
+        return ["mensor", own] if source.endswith(".h") and own else ["mensor"]
+
+    def judge(self, mutation):
+        """Why the mutant does not count or who killed it: (verdict, by whom)."""
+        path = self.sources.directory / mutation.source
+        targets = self.targets(mutation.source)
+        if mutation.source not in self.originals:
+            compile_targets(self.build, targets)
+            self.originals[mutation.source] = digest(self.build, targets)
+        path.write_text(self.sources.mutated(mutation))
+        try:
+            if not compile_targets(self.build, targets):
+                return "invalid", "does not compile"
+            if digest(self.build, targets) == self.originals[mutation.source]:
+                return "invalid", "compiles to the same"
+            self.tests.run_all(mutation.source)
+            return "SURVIVED", ""
+        except Killed as reason:
+            return "killed", str(reason)
+        finally:
+            path.write_text(self.sources.texts[mutation.source])
+
+    def restore(self, source):
+        compile_targets(self.build, self.targets(source))
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("copy", type=Path)
+    parser.add_argument("build", type=Path)
+    parser.add_argument("explained", type=Path)
+    parser.add_argument("count", type=int, nargs="?", default=200)
+    parser.add_argument("seed", nargs="?", default="1")
+    parser.add_argument("--only", default="")
+    parser.add_argument("--survivors", action="store_true")
+    parser.add_argument("--list", action="store_true")
+    arguments = parser.parse_intermixed_args()
+
+    sources = Sources(arguments.copy)
+    explained = read_explained(arguments.explained)
+    survivors_file = arguments.build.parent / "survivors.json"
+    every = [m for mutations in sources.mutations.values() for m in mutations]
+
+    def key(mutation):
+        return (mutation.source, *sources.difference(mutation))
+
+    name, _, line = arguments.only.partition(":")
+    if line:
+        wanted = [m for m in every if m.source == Path(name).name and line == str(sources.line(m))]
+        draws = [(wanted, len(wanted))]
+    elif arguments.survivors:
+        last = {tuple(k) for k in json.loads(survivors_file.read_text())}
+        wanted = [m for m in every if key(m) in last]
+        draws = [(wanted, len(wanted))]
+    else:
+        draws = [(mutations, wanted)
+                 for source, mutations, wanted in sources.sample(arguments.count, arguments.seed)
+                 if name in ("", source)]
+
+    def show(verdict, mutation, by=""):
+        before, after = sources.difference(mutation)
+        print(f"{verdict:9} {mutation.source}:{sources.line(mutation)}: {mutation.kind}  {by}", flush=True)
+        if verdict != "killed":
+            print(f"    - {before}\n    + {after}", flush=True)
+
+    if arguments.list:
+        for mutations, wanted in draws:
+            for mutation in mutations[:wanted]:
+                show("mutant", mutation)
+        return 0
+
+    try:
+        laboratory = Laboratory(sources, arguments.build)
+    except Killed as reason:
+        sys.exit(f"mutate: fails without a mutation: {reason}")
+    counts, survivors, begin = collections.Counter(), [], time.monotonic()
+    for mutations, wanted in draws:
+        good = 0
+        for mutation in mutations:
+            if good == wanted:
+                break
+            if key(mutation) in explained:
+                verdict, by = "explained", ""
+            else:
+                verdict, by = laboratory.judge(mutation)
+            if verdict == "invalid":
+                counts[by] += 1
+                continue
+            good += 1
+            counts[verdict] += 1
+            show(verdict, mutation, by)
+            if verdict == "SURVIVED":
+                survivors.append(key(mutation))
+        if mutations:
+            laboratory.restore(mutations[0].source)
+    if not arguments.only:
+        survivors_file.write_text(json.dumps(survivors))
+    total = counts["killed"] + counts["explained"] + counts["SURVIVED"]
+    print(f"{total} mutants in {(time.monotonic() - begin) / 60:.0f} min: {counts['killed']} killed, "
+          f"{counts['explained']} explained, {counts['SURVIVED']} survived "
+          f"(not counted: {counts['does not compile']} that do not compile, "
+          f"{counts['compiles to the same']} that compile to the same)")
+    return 1 if survivors else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
