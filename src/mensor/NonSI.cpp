@@ -14,8 +14,11 @@ CUnitPtr Percent() {
     return Percent;
 }
 
+// This one and Psi are not built while the library is loaded. Built later, their pointers would be
+// destroyed before the statics of clients, which may still ask for them: they never are.
 CUnitPtr None() {
-    static const CUnitPtr None = CUnitFormat::label(CProductUnit::one()->multiply(1.0), "");
+    static const CUnitPtr& None =
+        *new CUnitPtr(CUnitFormat::label(CProductUnit::one()->multiply(1.0), ""));
     return None;
 }
 
@@ -75,7 +78,8 @@ CUnitPtr Bar() {
 }
 
 CUnitPtr Psi() {
-    static const CUnitPtr psi = CUnitFormat::label(SI::Pascal()->multiply(6894.76), "psi");
+    static const CUnitPtr& psi =
+        *new CUnitPtr(CUnitFormat::label(SI::Pascal()->multiply(6894.76), "psi"));
     return psi;
 }
 

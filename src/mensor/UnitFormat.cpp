@@ -509,8 +509,12 @@ int CUnitFormat::parseExponent(const string_t& text) {
     return parseExponentBytes(std::string_view(text.data(), text.size()));
 }
 
+// Both formats are built on first use and never destroyed: the statics of clients, which would outlive
+// them, may still write units.
+
 CUnitFormatPtr CStandardUnitFormat::instance() {
-    static const CUnitFormatPtr Instance = std::make_shared<CStandardUnitFormat>();
+    static const CUnitFormatPtr& Instance =
+        *new CUnitFormatPtr(std::make_shared<CStandardUnitFormat>());
     return Instance;
 }
 
@@ -569,7 +573,8 @@ string_t CStandardUnitFormat::write(const CUnitPtr& unit, string_t buffer) {
 }
 
 CUnitFormatPtr CASCIIUnitFormat::instance() {
-    static const CUnitFormatPtr Instance = std::make_shared<CASCIIUnitFormat>();
+    static const CUnitFormatPtr& Instance =
+        *new CUnitFormatPtr(std::make_shared<CASCIIUnitFormat>());
     return Instance;
 }
 

@@ -14,12 +14,15 @@ constexpr std::size_t MostPassing = 1000;
 constexpr std::size_t LongestPassing = 100;
 constexpr std::size_t MostSound = 4000;
 
+// Made while the companion is loaded, not on first use, to be destroyed after the statics of clients,
+// which may still read units.
+CMemory plain;
+CMemory withDifferences;
+
 }  // namespace
 
 CMemory& CMemory::instance(const CReadOptions& options) {
-    static CMemory Plain;
-    static CMemory WithDifferences;
-    return options.Differences ? WithDifferences : Plain;
+    return options.Differences ? withDifferences : plain;
 }
 
 const CMemory::CEntry* CMemory::find(std::string_view text) {

@@ -117,6 +117,13 @@ CName makeName(std::string_view name) {
     return known;
 }
 
+// Made while the companion is loaded, not on first use, to be destroyed after the statics of clients,
+// which may still read units. Names that the library does not know, or not by this spelling, are not
+// kept: a new symbol may make them known, and does not change the version.
+std::unordered_map<std::string, CName> keptNames;
+unsigned versionOfNames = 0;
+CName passingName;
+
 }  // namespace
 
 CUnitPtr unitNamed(std::string_view name) {
@@ -161,26 +168,22 @@ std::optional<CPrefixedOffset> prefixedOffset(std::string_view name, const CUnit
 }
 
 const CName* knownName(std::string_view name) {
-    // Names that the library does not know, or not by this spelling, are not kept: a new symbol may
-    // make them known, and does not change the version.
-    static std::unordered_map<std::string, CName> Names;
-    static unsigned Version = 0;
-    static CName Passing;
     const unsigned version = CUnitFormat::namesVersion();
-    if (version == 0 || version != Version) {
-        Names.clear();
-        Version = version;
+    if (version == 0 || version != versionOfNames) {
+        keptNames.clear();
+        versionOfNames = version;
     }
     std::string key(name);
-    const auto found = Names.find(key);
-    if (found != Names.end()) {
+    const auto found = keptNames.find(key);
+    if (found != keptNames.end()) {
         return &found->second;
     }
-    Passing = makeName(name);
-    if (!Passing.Unit) {
+    passingName = makeName(name);
+    if (!passingName.Unit) {
         return nullptr;
     }
-    return Passing.IsExact ? &Names.emplace(std::move(key), Passing).first->second : &Passing;
+    return passingName.IsExact ? &keptNames.emplace(std::move(key), passingName).first->second
+                               : &passingName;
 }
 
 std::vector<std::string> nearestNames(std::string_view name) {

@@ -61,8 +61,11 @@ void define(CNaming& naming, const CPackUnit& row) {
 
 }  // namespace
 
+// The tables below are never destroyed: built on first use, they would be destroyed before the statics of
+// clients, which may still register packs.
+
 const std::vector<CPackUnit>& packUnits() {
-    static const std::vector<CPackUnit> Units = {
+    static const std::vector<CPackUnit>& Units = *new std::vector<CPackUnit>{
 #define PACK_UNIT(pack, symbol, factor, unit, offset, name, source) \
     {ePack::pack, symbol, factor, #factor, unit, offset, #offset, false, name, source},
 #define PACK_ALTERNATE(pack, symbol, unit, name, source) \
@@ -74,7 +77,7 @@ const std::vector<CPackUnit>& packUnits() {
 }
 
 const std::vector<CRefusedUnit>& refusedUnits() {
-    static const std::vector<CRefusedUnit> Units = {
+    static const std::vector<CRefusedUnit>& Units = *new std::vector<CRefusedUnit>{
 #define PACK_UNIT(pack, symbol, factor, unit, offset, name, source)
 #define PACK_ALTERNATE(pack, symbol, unit, name, source)
 #define PACK_REFUSED(pack, symbol, factor, unit, offset, inTheWay, why) \
@@ -85,13 +88,13 @@ const std::vector<CRefusedUnit>& refusedUnits() {
 }
 
 const std::vector<ePack>& allPacks() {
-    static const std::vector<ePack> Packs = [] {
+    static const std::vector<ePack>& Packs = *new std::vector<ePack>([] {
         std::vector<ePack> packs;
         for (const CPackRow& row : Rows) {
             packs.push_back(row.Pack);
         }
         return packs;
-    }();
+    }());
     return Packs;
 }
 
