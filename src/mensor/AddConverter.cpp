@@ -4,6 +4,7 @@
 #include "mensor/arrays.h"
 #include "mensor/exact_class.h"
 #include "mensor/mensor_math.h"
+#include "mensor/text_stream.h"
 
 namespace mensor {
 
@@ -30,7 +31,7 @@ CConverterPtr CAddConverter::concatenate(CConverterPtr other) {
 int CAddConverter::hashCode() const { return floatToIntBits(static_cast<float>(m_Offset)); }
 
 string_t CAddConverter::getSymbol(CUnitPtr unit) const {
-    stringstream_t text;
+    detail::CTextStream text;
     text << "[" << unit->getSymbol() << "+" << m_Offset << "]";
     return string_t(text.str());
 }

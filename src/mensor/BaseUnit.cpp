@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "mensor/tables.h"
+#include "mensor/text_stream.h"
 
 namespace mensor {
 
@@ -21,7 +22,7 @@ void CBaseUnit::setDimension(CUnitPtr dimension, CConverterPtr toDimension) {
     // Through the unit's own pointer, since `this` may be a unit of another kind, see getInstance.
     const auto self = std::dynamic_pointer_cast<CBaseUnit>(shared_from_this());
     if (!self) {
-        stringstream_t message;
+        detail::CTextStream message;
         message << "The unit with the symbol " << getSymbol()
                 << " is not a base unit and has no dimension of its own to set";
         throw std::logic_error(message.str());

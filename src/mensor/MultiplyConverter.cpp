@@ -3,6 +3,7 @@
 #include "mensor/Unit.h"
 #include "mensor/arrays.h"
 #include "mensor/exact_class.h"
+#include "mensor/text_stream.h"
 
 namespace mensor {
 
@@ -25,7 +26,7 @@ CConverterPtr CMultiplyConverter::concatenate(CConverterPtr other) {
 }
 
 string_t CMultiplyConverter::getSymbol(CUnitPtr unit) const {
-    stringstream_t text;
+    detail::CTextStream text;
     text << "[" << unit->getSymbol() << "*" << derivative(0.0) << "]";
     return string_t(text.str());
 }

@@ -11,6 +11,7 @@
 #include "mensor/MultiplyConverter.h"
 #include "mensor/factors.h"
 #include "mensor/require.h"
+#include "mensor/text_stream.h"
 
 namespace mensor {
 
@@ -20,7 +21,7 @@ using Elements = detail::Factors;
 
 int checkedExponent(std::int64_t n) {
     if (n > std::numeric_limits<int>::max() || n < std::numeric_limits<int>::min()) {
-        stringstream_t message;
+        detail::CTextStream message;
         message << "Exponent " << n << " is out of range";
         throw std::overflow_error(message.str());
     }
@@ -238,7 +239,7 @@ CConverterPtr CProductUnit::getCtxToDimension() {
     for (const CUnitRationalPower& element : m_Elements) {
         const CConverterPtr converter = element.unit()->getCtxToDimension();
         if (!converter->isLinear()) {
-            stringstream_t message;
+            detail::CTextStream message;
             message << "Unit element " << element.unit()->getSymbol()
                     << " is non-linear, cannot convert";
             throw std::logic_error(message.str());

@@ -12,6 +12,7 @@
 #include "mensor/UnitFormat.h"
 #include "mensor/require.h"
 #include "mensor/tables.h"
+#include "mensor/text_stream.h"
 
 namespace mensor {
 
@@ -27,7 +28,7 @@ constexpr int LargestCachedExponent = 4096;
 // The reciprocal of the smallest int's power has no positive counterpart to be computed from.
 void requireNegatable(int n) {
     if (n == std::numeric_limits<int>::min()) {
-        stringstream_t message;
+        detail::CTextStream message;
         message << "Exponent " << n << " is out of range";
         throw std::overflow_error(message.str());
     }
@@ -95,7 +96,7 @@ std::vector<CUnitRationalPower> CUnit::elements() {
 }
 
 CUnitPtr CUnit::baseUnits() {
-    stringstream_t message;
+    detail::CTextStream message;
     message << "Unit with Id[ " << m_Id << "] and Symbol [" << m_Symbol << "] is not a system unit";
     throw std::logic_error(message.str());
 }
@@ -248,7 +249,7 @@ CUnit::Route CUnit::lookUpRouteTo(const CUnitPtr& that) {
         route.FromThat != nullptr ? that->m_RememberedDimension.load(std::memory_order_relaxed)
                                   : dimensionLocked(that).get();
     if (thisDimension != thatDimension) {
-        stringstream_t message;
+        detail::CTextStream message;
         message << getSymbol() << " is not compatible with " << that->getSymbol()
                 << " in current context";
         throw std::invalid_argument(message.str());

@@ -11,6 +11,7 @@
 #include "mensor/ProductUnit.h"
 #include "mensor/TransformedUnit.h"
 #include "mensor/UnitFormat.h"
+#include "mensor/text_stream.h"
 
 namespace mensor {
 
@@ -58,7 +59,7 @@ void appendSteps(stringstream_t& text, const CConverter& converter) {
 string_t describe(const CUnitPtr& unit);
 
 string_t describeTransformed(const CTransformedUnit& unit, const CUnitPtr& systemUnit) {
-    stringstream_t text;
+    detail::CTextStream text;
     text << '[' << describe(systemUnit);
     appendSteps(text, *unit.toSystem());
     text << ']';

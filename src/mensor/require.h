@@ -6,6 +6,7 @@
 #include <string>
 
 #include "mensor/Unit.h"
+#include "mensor/text_stream.h"
 
 namespace mensor {
 
@@ -17,7 +18,7 @@ inline void requireUnit(const CUnitPtr& unit, const char* function) {
 }
 
 [[noreturn]] inline void throwSymbolIsTaken(const string_t& symbol) {
-    stringstream_t message;
+    detail::CTextStream message;
     message << "The symbol: " << symbol << " is currently associated to another unit.";
     throw std::logic_error(message.str());
 }

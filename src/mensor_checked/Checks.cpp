@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <new>
 #include <stdexcept>
 
 #include "mensor/TransformedUnit.h"
@@ -54,6 +55,8 @@ std::string describe(const CUnitPtr& unit) {
     std::string text;
     try {
         text = unit->toStdString();
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (const std::exception&) {  // a transformed unit without a label
     }
     return quoted(text.empty() ? meaningOf(unit).toString() : text);

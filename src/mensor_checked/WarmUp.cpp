@@ -1,5 +1,7 @@
 #include "mensor_checked/WarmUp.h"
 
+#include <exception>
+#include <new>
 #include <utility>
 
 #include "mensor/UnitFormat.h"
@@ -19,6 +21,8 @@ void warm(const CUnitPtr& unit) {
         const CUnitPtr dimension = unit->getDimension();
         unit->getConverterTo(dimension);
         dimension->getDimension();
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (const std::exception&) {
         // A unit that cannot be converted, as a product with an offset: nothing to be kept.
     }

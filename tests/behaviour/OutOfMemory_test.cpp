@@ -1,12 +1,19 @@
-// OutOfMemory_test.cpp: whichever allocation fails, a unit is registered as a whole or not at all.
+// OutOfMemory_test.cpp: whichever allocation fails, what was asked throws std::bad_alloc and can be asked
+// again, as if nothing had happened.
 //
-// The program replaces operator new, the library's included: an armed one refuses the allocation that a
-// test has chosen. Each operation is tried with its first, second, third ... allocation refused until
-// it succeeds.
-#include <cstddef>
-#include <cstdlib>
+// The program's operator new is the library's, too. Each request is tried with its first, second, third
+// ... allocation failing until it succeeds; each answer must be that of a process in which nothing failed.
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
 #include <functional>
+#include <iostream>
+#include <limits>
 #include <memory>
+#include <mutex>
 #include <new>
 #include <string>
 #include <utility>
@@ -17,50 +24,72 @@
 #include "mensor/SI.h"
 #include "mensor/Unit.h"
 #include "mensor/UnitFormat.h"
+#include "mensor_checked/Definitions.h"
+#include "mensor_checked/WarmUp.h"
 #include "support/ClientUnit.h"
+#include "support/Invariants.h"
 #include "support/Matchers.h"
-
-namespace {
-
-thread_local int allocationsLeft = -1;  // to be granted before one is refused; negative: all
-
-void* allocate(std::size_t size) {
-    if (allocationsLeft == 0) {
-        return nullptr;
-    }
-    if (allocationsLeft > 0) {
-        --allocationsLeft;
-    }
-    return std::malloc(size != 0 ? size : 1);
-}
-
-// Not inlined, lest the compiler see only half of the pair and warn of a mismatch.
-__attribute__((noinline)) void release(void* memory) { std::free(memory); }
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-    void* const memory = allocate(size);
-    return memory != nullptr ? memory : throw std::bad_alloc();
-}
-void* operator new[](std::size_t size) { return operator new(size); }
-void operator delete(void* memory) noexcept { release(memory); }
-void operator delete[](void* memory) noexcept { release(memory); }
-void operator delete(void* memory, std::size_t) noexcept { release(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { release(memory); }
+#include "support/OperatorNew.h"
+#include "support/Session.h"
 
 namespace mensor {
 namespace {
 
-// What `operation` gives with `granted` allocations; none if that is too few.
-CUnitPtr tryWith(int granted, const std::function<CUnitPtr()>& operation) {
-    CUnitPtr result;
-    allocationsLeft = granted;
-    try {
-        result = operation();
-    } catch (const std::bad_alloc&) {
+using test::Request;
+using test::Requests;
+
+// In processes of their own fail so few of the requests' allocations, in so few of the requests; in one
+// process the tables are looked at after so few failures. Under an emulator or a sanitizer that takes
+// long.
+#if defined(__arm__) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr long Stride = 13;
+constexpr long RequestStride = 9;
+constexpr long LookEvery = 16;
+constexpr long WarmUpsTried = 5;
+#else
+constexpr long Stride = 9;
+constexpr long RequestStride = 1;
+constexpr long LookEvery = 1;
+constexpr long WarmUpsTried = 40;
+#endif
+
+constexpr long Never = std::numeric_limits<long>::max();
+
+thread_local long firstFailing = Never;
+thread_local long lastFailing = 0;
+
+// While it lives, these allocations fail.
+class CFailing {
+public:
+    CFailing(long first, long last) {
+        firstFailing = first;
+        lastFailing = last;
+        allocations = 0;
+        beforeAllocation = [](long number) {
+            if (number >= firstFailing && number <= lastFailing) {
+                throw std::bad_alloc();
+            }
+        };
     }
-    allocationsLeft = -1;
+    ~CFailing() { beforeAllocation = nullptr; }
+    CFailing(const CFailing&) = delete;
+    CFailing& operator=(const CFailing&) = delete;
+};
+
+struct Attempt {
+    std::string Outcome;
+    bool HasRunOut;    // std::bad_alloc
+    long Allocations;  // granted and failed ones
+};
+
+Attempt attempt(const Request& request, long first, long last) {
+    Attempt result{"", false, 0};
+    result.Outcome = test::outcomeOf({request.Name, [&]() -> test::Answer {
+                                          const CFailing failing(first, last);
+                                          return request.Ask();
+                                      }});
+    result.HasRunOut = result.Outcome.rfind("std::bad_alloc", 0) == 0;
+    result.Allocations = allocations;
     return result;
 }
 
@@ -91,9 +120,11 @@ TEST(OutOfMemory, LeavesTheTablesOfUnitsAndTextsAsTheyWere) {
         CUnitPtr result;
         int granted = 0;
         for (; granted < 1000; ++granted) {
-            result = tryWith(granted, operation);
-            if (result) {
+            try {
+                const CFailing failing(granted + 1, Never);
+                result = operation();
                 break;
+            } catch (const std::bad_alloc&) {
             }
             ASSERT_EQ(Tables(), before) << "after " << granted << " allocations";
             ASSERT_TRUE(isFree(CUnit::mutex()));
@@ -104,6 +135,237 @@ TEST(OutOfMemory, LeavesTheTablesOfUnitsAndTextsAsTheyWere) {
         EXPECT_FALSE(Tables() == before);
         EXPECT_EQ(operation(), result);
         EXPECT_EQ(CUnit::instances().at(result->hashCode()), result);
+    }
+}
+
+// The session: first what registers, then all the rest, which then is asked again.
+Requests session() {
+    Requests requests = test::registering();
+    for (const Requests& more : {test::asking(), test::refused(), test::asking()}) {
+        requests.insert(requests.end(), more.begin(), more.end());
+    }
+    // Taking back the first line ends what the library remembers, so it comes last.
+    requests.push_back({"table whose second line is refused",
+                        [] { return checked::defineUnits("pack = 6 box\nm = 2 box\n").back(); }});
+    return requests;
+}
+
+// What `work` returns in a process of its own; what it reports is reported there.
+std::string inFreshProcess(const std::function<std::string()>& work) {
+    std::array<int, 2> ends{};
+    if (pipe(ends.data()) != 0) {
+        return "no pipe";
+    }
+    std::fflush(nullptr);
+    const pid_t child = fork();
+    if (child == 0) {
+        const std::string text = work();
+        for (std::size_t done = 0; done < text.size();) {
+            const ssize_t count = write(ends[1], text.data() + done, text.size() - done);
+            if (count <= 0) {
+                _exit(2);
+            }
+            done += static_cast<std::size_t>(count);
+        }
+        std::fflush(nullptr);
+        _exit(::testing::Test::HasFailure() ? 1 : 0);
+    }
+    close(ends[1]);
+    std::string text;
+    std::array<char, 4096> buffer{};
+    for (ssize_t count = 0; (count = read(ends[0], buffer.data(), buffer.size())) > 0;) {
+        text.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+    close(ends[0]);
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    return text;
+}
+
+// Whether nobody holds the mutex of the process or that of a unit. Asked of the C library: under the
+// emulator a forked process cannot start the thread that would try to lock them.
+bool areAllFree() {
+    const auto isHeld = [](std::recursive_mutex& mutex) {
+        return mutex.native_handle()->__data.__owner != 0;
+    };
+    bool areFree = !isHeld(CUnit::mutex());
+    for (const auto& [hash, unit] : CUnit::instances()) {
+        areFree = areFree && !isHeld(Inside::lookupMutex(unit));
+    }
+    return areFree;
+}
+
+TEST(OutOfMemory, AHeldMutexIsSeen) {
+    EXPECT_TRUE(areAllFree());
+    {
+        const std::lock_guard<std::recursive_mutex> lock(CUnit::mutex());
+        EXPECT_FALSE(areAllFree());
+    }
+    const std::lock_guard<std::recursive_mutex> lock(Inside::lookupMutex(SI::Meter()));
+    EXPECT_FALSE(areAllFree());
+}
+
+// All tables and caches of the process. Units stand by their ids.
+std::string everythingKnown() {
+    std::string all;
+    const auto put = [&](long number) { (all += std::to_string(number)) += ' '; };
+    const auto idOf = [](const CUnitPtr& unit) { return unit ? Inside::id(unit) : -1; };
+    for (const auto& [hash, unit] : CUnit::instances()) {
+        put(hash);
+        put(idOf(unit));
+        for (const auto* cache : {&Inside::multiplyLookUp(unit), &Inside::divideLookUp(unit),
+                                  &Inside::rootLookUp(unit), &Inside::powLookUp(unit)}) {
+            put(static_cast<long>(cache->size()));
+            for (std::size_t i = 0; i < cache->size(); ++i) {
+                if ((*cache)[i]) {
+                    put(static_cast<long>(i));
+                    put(idOf((*cache)[i]));
+                }
+            }
+        }
+    }
+    for (const auto* names :
+         {&CUnit::symbols(), &CUnitFormat::labelUnitMap(), &CUnitFormat::aliasUnitMap()}) {
+        for (const auto& [name, unit] : *names) {
+            all += text(name) + ' ';
+            put(idOf(unit));
+        }
+    }
+    std::vector<std::pair<int, int>> dimensions;  // since those tables are sorted by address
+    for (const auto& [unit, dimension] : CUnit::dimensions()) {
+        dimensions.emplace_back(idOf(unit), idOf(dimension));
+    }
+    for (const auto& [unit, converter] : CUnit::toDimensions()) {
+        dimensions.emplace_back(idOf(unit), converter ? converter->hashCode() : -1);
+    }
+    std::sort(dimensions.begin(), dimensions.end());
+    for (const auto& [unit, dimension] : dimensions) {
+        put(unit);
+        put(dimension);
+    }
+    return all;
+}
+
+void expectSound() {
+    ASSERT_EQ(test::brokenInvariant(), "");
+    ASSERT_TRUE(areAllFree());
+}
+
+void report(long failures) {
+    std::cout << failures << " allocations failed\n";
+    ::testing::Test::RecordProperty("failures", static_cast<int>(failures));
+    EXPECT_GT(failures, 50);
+}
+
+// One process in which one allocation after the other fails: what failed before must not add up.
+void expectTheSameAnswers(bool alone) {
+    const std::string separator(1, '\x1E');
+    const std::string undisturbed = inFreshProcess([&] {
+        std::string outcomes;
+        for (const Request& request : session()) {
+            outcomes += test::outcomeOf(request) + separator;
+        }
+        return outcomes;
+    });
+    std::string disturbed;
+    long failures = 0;
+    for (const Request& request : session()) {
+        SCOPED_TRACE(request.Name);
+        std::string outcome;
+        for (long n = 1;; ++n) {
+            SCOPED_TRACE(n);
+            const Attempt now = attempt(request, n, alone ? n : Never);
+            if (n % (alone ? LookEvery : 4 * LookEvery) == 0 || n == 1) {
+                ASSERT_NO_FATAL_FAILURE(expectSound());
+            }
+            failures += now.Allocations >= n ? 1 : 0;
+            if (now.HasRunOut) {
+                continue;
+            }
+            ASSERT_TRUE(outcome.empty() || now.Outcome == outcome) << now.Outcome;
+            outcome = now.Outcome;
+            if (now.Allocations < n) {
+                break;
+            }
+        }
+        disturbed += outcome + separator;
+    }
+    expectSound();
+    EXPECT_EQ(disturbed, undisturbed);
+    report(failures);
+}
+
+TEST(OutOfMemory, ASessionGoesOnAsIfNothingHadFailed) { expectTheSameAnswers(true); }
+
+TEST(OutOfMemory, ASessionGoesOnOnceThereIsMemoryAgain) { expectTheSameAnswers(false); }
+
+// Whether allocation `n` of the request fails without a trace. False once there is no such allocation.
+bool isForgotten(const Request& request, long n, bool alone, bool isWatched,
+                 const std::string& undisturbed) {
+    const std::string end = inFreshProcess([&]() -> std::string {
+        const Attempt disturbed = attempt(request, n, alone ? n : Never);
+        if (isWatched) {
+            expectSound();
+        }
+        const std::string outcome =
+            disturbed.HasRunOut ? test::outcomeOf(request) : disturbed.Outcome;
+        EXPECT_EQ(outcome + everythingKnown(), undisturbed);
+        EXPECT_TRUE(areAllFree());
+        return disturbed.Allocations < n ? "no such allocation" : "forgotten";
+    });
+    return end == "forgotten";
+}
+
+// Each failure in a process of its own in which nothing has failed before. Where nobody looks at the
+// tables in between, the library goes on remembering. The longer a request takes the more alike are
+// its allocations: it copies a table.
+void expectTheSameTables(bool alone, bool isWatched) {
+    long failures = 0;
+    long requests = 0;
+    for (const Request& request : session()) {
+        SCOPED_TRACE(request.Name);
+        if (requests++ % RequestStride != 0) {
+            test::outcomeOf(request);
+            continue;
+        }
+        const std::string undisturbed = inFreshProcess([&] {
+            const std::string outcome = test::outcomeOf(request);
+            return outcome + everythingKnown();
+        });
+        for (long n = 1 + requests % Stride; isForgotten(request, n, alone, isWatched, undisturbed);
+             n += Stride + n / 32) {
+            ++failures;
+        }
+        ASSERT_FALSE(::testing::Test::HasFailure());
+        test::outcomeOf(request);
+    }
+    report(failures);
+}
+
+TEST(OutOfMemory, LeavesAllTablesAsIfNothingHadFailed) { expectTheSameTables(true, true); }
+
+TEST(OutOfMemory, LeavesAllThatIsRememberedAsIfNothingHadFailed) {
+    expectTheSameTables(false, false);
+}
+
+// Thousands of allocations, of which a few are tried.
+TEST(OutOfMemory, AWarmUpThatReturnsHasWarmedUp) {
+    const Request warmUp{
+        "warm-up", [] {
+            return static_cast<double>(checked::warmUp({"km/h", "W/(m²·K)", "xyz"}).size());
+        }};
+    const std::string undisturbed = inFreshProcess([&] {
+        const std::string outcome = test::outcomeOf(warmUp);
+        return outcome + everythingKnown();
+    });
+    const long count = std::stol(
+        inFreshProcess([&] { return std::to_string(attempt(warmUp, Never, Never).Allocations); }));
+    ASSERT_GT(count, WarmUpsTried);
+    for (long n = 1; n <= count; n += count / WarmUpsTried) {
+        SCOPED_TRACE(n);
+        ASSERT_TRUE(isForgotten(warmUp, n, true, false, undisturbed));
+        ASSERT_FALSE(::testing::Test::HasFailure());
     }
 }
 
