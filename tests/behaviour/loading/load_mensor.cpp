@@ -2,19 +2,22 @@
 //
 // WHAT is thrown by operator new while the library is loaded, at the allocations of these NUMBERs,
 // counted from 1: "bad_alloc" or "int"; "+off" behind it disables the logger, "+bare" leaves logging
-// as it is without configuration. Written to standard output, separated by tabs:
+// as it is without configuration. With "+onwards" all allocations from the chosen one on fail, until the
+// library is loaded. With "+each" the NUMBERs are FIRST, LAST and STEP: each of these
+// allocations fails in a process of its own. Written to standard output, separated by tabs:
 //
+//     attempt  NUMBER                                          of each process; its errors follow, too
 //     record  LEVEL  LOGGER  FILE  LINE  FUNCTION  MESSAGE     one per record logged meanwhile
 //     allocations  COUNT                                       while the library was loaded
 //     ...                                                      what the module says of the tables
-//
-// An armed operator new must be that of the program: the library's calls then come here.
 #include <dlfcn.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
-#include <cstdlib>
+#include <algorithm>
 #include <iostream>
+#include <iterator>
 #include <new>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -23,31 +26,24 @@
 #include <log4cplus/logger.h>
 #include <log4cplus/spi/loggingevent.h>
 
+#include "support/OperatorNew.h"
+
 namespace {
 
 constexpr std::size_t MOST_FAILURES = 8;
 
-bool isArmed = false;
 bool throwsInt = false;
-long allocations = 0;
+bool goesOnFailing = false;
 long failing[MOST_FAILURES] = {};  // an array, since a container would allocate
 
-void* allocate(std::size_t size) {
-    if (isArmed) {
-        ++allocations;
-        for (const long number : failing) {
-            if (number == allocations) {
-                if (throwsInt) {
-                    throw 42;
-                }
-                throw std::bad_alloc();
-            }
+void failAtChosen(long number) {
+    if (std::find(std::begin(failing), std::end(failing), number) != std::end(failing) ||
+        (goesOnFailing && number > failing[0])) {
+        if (throwsInt) {
+            throw 42;
         }
+        throw std::bad_alloc();
     }
-    if (void* memory = std::malloc(size != 0 ? size : 1)) {
-        return memory;
-    }
-    throw std::bad_alloc();
 }
 
 // Keeps what was logged, as the application's appender would write it.
@@ -69,25 +65,8 @@ private:
     std::vector<std::string>& m_Records;
 };
 
-}  // namespace
-
-void* operator new(std::size_t size) { return allocate(size); }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-
-int main(int argc, char** argv) {
-    if (argc < 4 || argc > 4 + static_cast<int>(MOST_FAILURES)) {
-        std::cerr << "load_mensor LIBRARY MODULE WHAT [NUMBER...]\n";
-        return 2;
-    }
-    const std::string what = argv[3];
-    throwsInt = what.find("int") != std::string::npos;
-    for (int i = 4; i < argc; ++i) {
-        failing[i - 4] = std::stol(argv[i]);
-    }
-
+int load(const char* libraryFile, const char* moduleFile, const std::string& what) {
     std::vector<std::string> records;
-    const log4cplus::Initializer logging;
     if (what.find("+bare") == std::string::npos) {
         log4cplus::Logger logger = log4cplus::Logger::getInstance("StdCoutLogger");
         logger.addAppender(log4cplus::SharedAppenderPtr(new Recorder(records)));
@@ -96,9 +75,9 @@ int main(int argc, char** argv) {
         }
     }
 
-    isArmed = true;
-    void* const library = dlopen(argv[1], RTLD_NOW);
-    isArmed = false;
+    mensor::beforeAllocation = failAtChosen;
+    void* const library = dlopen(libraryFile, RTLD_NOW);
+    mensor::beforeAllocation = nullptr;
     if (library == nullptr) {
         std::cerr << dlerror() << "\n";
         return 1;
@@ -107,9 +86,9 @@ int main(int argc, char** argv) {
     for (const std::string& record : records) {
         std::cout << "record\t" << record << "\n";
     }
-    std::cout << "allocations\t" << allocations << "\n";
+    std::cout << "allocations\t" << mensor::allocations << "\n";
 
-    void* const module = dlopen(argv[2], RTLD_NOW);
+    void* const module = dlopen(moduleFile, RTLD_NOW);
     if (module == nullptr) {
         std::cerr << dlerror() << "\n";
         return 1;
@@ -117,4 +96,46 @@ int main(int argc, char** argv) {
     using PrintTables = void (*)();
     reinterpret_cast<PrintTables>(dlsym(module, "printTables"))();
     return 0;
+}
+
+int loadForEach(const char* libraryFile, const char* moduleFile, const std::string& what,
+                long first, long last, long step) {
+    for (long number = first; number <= last; number += step) {
+        std::cout << "attempt\t" << number << std::endl;
+        const pid_t child = fork();
+        if (child == 0) {
+            failing[0] = number;
+            dup2(STDOUT_FILENO, STDERR_FILENO);
+            const int status = load(libraryFile, moduleFile, what);
+            std::cout.flush();
+            _exit(status);  // the threads that the logging library would wait for are not here
+        }
+        int status = -1;
+        waitpid(child, &status, 0);
+        if (status != 0) {
+            std::cout << "fault\tstatus " << status << std::endl;
+        }
+    }
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 4 || argc > 4 + static_cast<int>(MOST_FAILURES)) {
+        std::cerr << "load_mensor LIBRARY MODULE WHAT [NUMBER...]\n";
+        return 2;
+    }
+    const log4cplus::Initializer logging;
+    const std::string what = argv[3];
+    throwsInt = what.find("int") != std::string::npos;
+    goesOnFailing = what.find("+onwards") != std::string::npos;
+    if (what.find("+each") != std::string::npos) {
+        return loadForEach(argv[1], argv[2], what, std::stol(argv[4]), std::stol(argv[5]),
+                           std::stol(argv[6]));
+    }
+    for (int i = 4; i < argc; ++i) {
+        failing[i - 4] = std::stol(argv[i]);
+    }
+    return load(argv[1], argv[2], what);
 }
