@@ -24,8 +24,8 @@
 
 namespace mensor {
 namespace {
-using ::testing::ElementsAre, ::testing::HasSubstr, ::testing::IsEmpty, ::testing::Le,
-    ::testing::Not, ::testing::SizeIs, ::testing::StartsWith;
+using ::testing::ElementsAre, ::testing::Gt, ::testing::HasSubstr, ::testing::IsEmpty,
+    ::testing::Le, ::testing::Not, ::testing::SizeIs, ::testing::StartsWith;
 
 using Names = std::set<std::string>;
 
@@ -421,6 +421,19 @@ TEST(Loading, WithoutThePrefixTableThereIsNoProgram) {
     EXPECT_NE(outcome.Status, 0);
     EXPECT_THAT(outcome.Error, HasSubstr("std::bad_alloc"));
     EXPECT_THAT(outcome.Error, Not(HasSubstr("registerSiUnits")));
+}
+
+// Clients keep pointers to units, so the library stays when nobody needs it any more, and so does the
+// companion, by whose code units are converted and destroyed.
+TEST(Loading, UnloadedLibrariesKeepTheirUnits) {
+    int status = -1;
+    const std::string output = outputOf(RELOAD_MENSOR, status);
+    EXPECT_EQ(status, 0);
+    const std::string mark = "unloaded, but there: 2\n";
+    const std::size_t unloading = output.find(mark);
+    ASSERT_NE(unloading, std::string::npos) << output;
+    EXPECT_THAT(split(output.substr(0, unloading), '\n'), SizeIs(Gt(1000U)));
+    EXPECT_EQ(output.substr(unloading + mark.size()), output.substr(0, unloading));
 }
 
 // The order of the static initialisers.
