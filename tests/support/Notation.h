@@ -48,16 +48,16 @@ struct Asked {
         return product;
     }
 
-    /// Whether an exponent might leave the range of int while the factors are multiplied.
+    /// Whether the exponents are such that they may leave the range of int while the factors are
+    /// multiplied; other ones may only where the hash leads to another unit.
     bool isLarge() const {
         std::int64_t sum = 0;
+        bool isRoot = false;
         for (const Factor& factor : Factors) {
-            if (factor.Root != 1) {
-                return true;
-            }
+            isRoot = isRoot || factor.Root != 1;
             sum += std::abs(std::int64_t{factor.Pow});
         }
-        return sum > std::numeric_limits<int>::max();
+        return isRoot || sum > 4096;
     }
 };
 
@@ -153,8 +153,10 @@ private:
 
     // None if no int can hold it.
     static std::optional<int> number(const string_t& text) {
+        bool isNegative = false;
         std::string digits = "0";
         for (const char32_t c : text) {
+            isNegative = isNegative || c == U'-';
             digits += c == U'¹'   ? "1"
                       : c == U'²' ? "2"
                       : c == U'³' ? "3"
@@ -162,8 +164,7 @@ private:
                                   : std::string(1, static_cast<char>(c));
         }
         try {
-            const int n = std::stoi(digits);
-            return mensor::toStdString(text).find('-') == std::string::npos ? n : -n;
+            return isNegative ? -std::stoi(digits) : std::stoi(digits);
         } catch (const std::out_of_range&) {
             return std::nullopt;
         }
@@ -239,7 +240,7 @@ inline std::optional<std::string> written(const CUnitPtr& unit, Notation notatio
 /// Whether the factors, multiplied one after the other, are a product of just those factors at each
 /// step. They need not be: the hash alone decides what is one unit, and the first few may make a unit
 /// that was there before with other factors, which then merge otherwise with what follows.
-inline bool isBuiltFactorByFactor(const Factors& factors) {
+inline bool isBuiltFactorByFactor(const Factors& factors) try {
     CUnitPtr product = CProductUnit::one();
     for (std::size_t count = 1; count <= factors.size(); ++count) {
         const CUnitRationalPower& next = factors[count - 1];
@@ -251,6 +252,8 @@ inline bool isBuiltFactorByFactor(const Factors& factors) {
         }
     }
     return true;
+} catch (const std::overflow_error&) {
+    return false;  // the exponents of another unit, to which the hash led
 }
 
 /// Whether a text with `name` in it has it as one name, whatever follows, and it stands for `unit`.
