@@ -3,22 +3,17 @@
 // refused for its form has no unit, a place in the text and a sentence. Nothing else happens.
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 
+#include "Property.h"
 #include "mensor_checked/Reading.h"
 #include "mensor_checked/Values.h"
 #include "support/Mathematics.h"
 
 using namespace mensor;
+using mensor::fuzz::fail;
 
 namespace {
-
-[[noreturn]] void fail(const std::string& text, const char* why) {
-    std::fprintf(stderr, "\"%s\": %s\n", text.c_str(), why);
-    std::abort();
-}
 
 void checkUnit(const std::string& text, const CUnitPtr& unit) {
     if (!areSame(test::measured(unit), test::calculated(text))) {
@@ -67,5 +62,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             fail(text, "is a value that does not read back");
         }
     }
+    fuzz::checkTables();
     return 0;
 }

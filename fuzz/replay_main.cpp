@@ -1,4 +1,10 @@
 // replay_main.cpp: tries the inputs in files, and in all files of folders. For builds without libFuzzer.
+//
+// usage: <What>_fuzz [--from-tables] FILE_OR_FOLDER...
+//
+// The library remembers what it was asked, until somebody looks into its tables; with --from-tables
+// that has happened before the first input.
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -8,6 +14,10 @@
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include "Property.h"
+#include "mensor/Unit.h"
+#include "support/Invariants.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
@@ -26,17 +36,24 @@ int main(int count, char** arguments) try {
     namespace fs = std::filesystem;
     std::vector<fs::path> files;
     for (int i = 1; i < count; ++i) {
-        if (fs::is_directory(arguments[i])) {
+        if (std::string(arguments[i]) == "--from-tables") {
+            mensor::CUnit::instances();
+        } else if (fs::is_directory(arguments[i])) {
             files.insert(files.end(), fs::directory_iterator(arguments[i]),
                          fs::directory_iterator());
         } else {
             files.emplace_back(arguments[i]);
         }
     }
+    std::sort(files.begin(), files.end());  // the same order everywhere
     for (const fs::path& file : files) {
         const std::string input = contents(file);
         const std::vector<std::uint8_t> bytes(input.begin(), input.end());
         LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
+    }
+    const std::string broken = mensor::test::brokenInvariant();
+    if (!broken.empty()) {
+        mensor::fuzz::fail("all inputs", broken);
     }
     std::printf("%zu inputs\n", files.size());
     return files.empty() ? 1 : 0;

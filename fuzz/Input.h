@@ -1,0 +1,64 @@
+// Input.h: the bytes of an input as choices, one after the other; zeros when they are used up.
+//
+//     fuzz::CInput input(data, size);
+//     while (!input.empty()) {
+//         switch (input.below(3)) {
+//             case 0: label(pool[input.below(pool.size())], input.text(3)); break;
+#ifndef MENSOR_FUZZ_INPUT_H
+#define MENSOR_FUZZ_INPUT_H
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string>
+
+namespace mensor {
+namespace fuzz {
+
+class CInput {
+public:
+    CInput(const std::uint8_t* data, std::size_t size) : m_Position(data), m_End(data + size) {}
+
+    bool empty() const { return m_Position == m_End; }
+
+    std::uint8_t byte() { return empty() ? std::uint8_t{0} : *m_Position++; }
+
+    /// From 0 to `count` - 1, at most 255.
+    std::size_t below(std::size_t count) { return byte() % count; }
+
+    std::uint32_t word() {
+        std::uint32_t result = 0;
+        for (int i = 0; i < 4; ++i) {
+            result = result << 8 | byte();
+        }
+        return result;
+    }
+
+    /// Any double, by its bits.
+    double real() {
+        const std::uint64_t high = word();
+        const std::uint64_t bits = high << 32 | word();
+        double result = 0.0;
+        std::memcpy(&result, &bits, sizeof result);
+        return result;
+    }
+
+    /// At most `longest` bytes, as many as the next one says.
+    std::string text(std::size_t longest) {
+        const auto left = static_cast<std::size_t>(m_End - m_Position);
+        const std::size_t length = std::min(below(longest + 1), left > 0 ? left - 1 : 0);
+        const std::string result(m_Position, m_Position + length);
+        m_Position += length;
+        return result;
+    }
+
+private:
+    const std::uint8_t* m_Position;
+    const std::uint8_t* m_End;
+};
+
+}  // namespace fuzz
+}  // namespace mensor
+
+#endif  // MENSOR_FUZZ_INPUT_H

@@ -1,0 +1,89 @@
+// UnitTexts.h: the properties of reading and writing units, for all fuzzers that do either.
+#ifndef MENSOR_FUZZ_UNITTEXTS_H
+#define MENSOR_FUZZ_UNITTEXTS_H
+
+#include <cstddef>
+#include <string>
+
+#include "Property.h"
+#include "mensor/Unit.h"
+#include "mensor/UnitFormat.h"
+#include "support/Notation.h"
+#include "support/Outcome.h"
+
+namespace mensor {
+namespace fuzz {
+
+/// Whether `outcome` is "std::overflow_error: Exponent -2147483649 is out of range", whatever the
+/// number.
+inline bool isOverflow(const std::string& outcome) {
+    const std::string before = "std::overflow_error: Exponent ", behind = " is out of range";
+    if (outcome.size() <= before.size() + behind.size() ||
+        outcome.compare(0, before.size(), before) != 0 ||
+        outcome.compare(outcome.size() - behind.size(), behind.size(), behind) != 0) {
+        return false;
+    }
+    const std::string number =
+        outcome.substr(before.size(), outcome.size() - before.size() - behind.size());
+    return number.find_first_not_of("0123456789", number[0] == '-' ? 1 : 0) == std::string::npos;
+}
+
+/// Units known so far, where they can be counted without ending what the library remembers.
+inline std::size_t unitCount() { return isWithoutMemory() ? CUnit::instances().size() : 0; }
+
+/// Reads `text` and gives the outcome.
+inline std::string checkReading(const std::string& text) {
+    const test::Asked asked = test::askedBy(text);
+    const std::size_t before = unitCount();
+    CUnitPtr unit;
+    const std::string outcome = outcomeOf([&] { unit = CUnit::fromString(text); });
+    if (outcome != "returned") {
+        // Small numbers are too large only where the hash leads to a unit of large ones; that is not
+        // tried beforehand.
+        require(unitCount() == before || (asked.Refusal.empty() && !asked.isLarge()), text,
+                "is refused and registers units");
+        // A message shows itself up to its first zero byte.
+        const std::string expected =
+            asked.Refusal.empty() ? outcomeOf([&] { asked.unit(); }) : asked.Refusal.c_str();
+        require(outcome == expected, text, ("ends with " + outcome).c_str());
+    } else if (!asked.Refusal.empty()) {
+        fail(text, "is read, and ought to end with " + asked.Refusal);
+    } else {
+        require(unit == asked.unit(), text, "is another unit");
+    }
+    // Texts of more than 31 bytes are never remembered, and blanks in front mean nothing.
+    for (const std::string& same : {text, std::string(32, ' ') + text}) {
+        CUnitPtr again;
+        require(outcomeOf([&] { again = CUnit::fromString(same); }) == outcome && again == unit,
+                same, "is something else the second time");
+    }
+    return outcome;
+}
+
+/// Writes `unit` in both notations and reads it again.
+inline void checkWriting(const CUnitPtr& unit) {
+    for (const auto notation : {test::Notation::STANDARD, test::Notation::ASCII}) {
+        const CUnitFormatPtr format = notation == test::Notation::STANDARD
+                                          ? CStandardUnitFormat::instance()
+                                          : CASCIIUnitFormat::instance();
+        const auto expected = test::written(unit, notation);
+        string_t text;
+        const std::string outcome = outcomeOf([&] { text = format->format(unit, string_t()); });
+        if (!expected) {
+            require(outcome == "std::invalid_argument: Cannot format given Object as a Unit",
+                    "a unit without a text", ("ends with " + outcome).c_str());
+            continue;
+        }
+        require(outcome == "returned", *expected, "is not written");
+        require(toStdString(text) == *expected, *expected, "is written otherwise");
+        require(format->format(unit, "0 ") == "0 " + text, *expected, "is appended otherwise");
+        if (test::readsBack(unit, notation)) {
+            require(CUnit::fromString(text) == unit, *expected, "does not read back");
+        }
+    }
+}
+
+}  // namespace fuzz
+}  // namespace mensor
+
+#endif  // MENSOR_FUZZ_UNITTEXTS_H
