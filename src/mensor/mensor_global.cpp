@@ -15,19 +15,16 @@ const std::vector<CPrefix> Prefixes{
     {"n", 1e-9}, {"p", 1e-12}, {"f", 1e-15}, {"a", 1e-18}, {"z", 1e-21}, {"y", 1e-24},
 };
 
-// Toward zero, cut off at the ends of the range, zero for NaN: written out, since a plain conversion
-// of a double that does not fit means something else on every processor.
+// Toward zero, cut off at the end of the range, zero for NaN: written out, since a plain conversion of
+// a double that does not fit means something else on every processor. A sum of code points is never
+// negative, so there is but one end.
 int saturate(double x) {
     constexpr double Largest = std::numeric_limits<int>::max();
-    constexpr double Smallest = std::numeric_limits<int>::min();
     if (x != x) {
         return 0;
     }
     if (x >= Largest) {
         return std::numeric_limits<int>::max();
-    }
-    if (x <= Smallest) {
-        return std::numeric_limits<int>::min();
     }
     return static_cast<int>(x);
 }
