@@ -142,6 +142,13 @@ TEST(UnitTables, SeedThemselvesWithTheDimensionlessUnitWhereverTheyAreEmpty) {
     loaded.swap(CUnit::instances());
 }
 
+TEST(UnitTables, StayAsAClientHasLeftThemUnlessThatIsEmpty) {
+    std::map<int, CUnitPtr> loaded = CUnit::instances();
+    CUnit::instances().erase(0);
+    EXPECT_EQ(CUnit::instances().size(), loaded.size() - 1);
+    loaded.swap(CUnit::instances());
+}
+
 TEST(UnitTables, TakeTheHashOfTheDimensionlessUnitAsItStands) {
     std::map<int, CUnitPtr> loaded;
     loaded.swap(CUnit::instances());

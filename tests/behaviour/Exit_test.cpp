@@ -72,6 +72,17 @@ TEST(Exit, DestroysAUnitWhoseProductsRememberTheirSystemUnit) {
     EXPECT_THAT(speed * 3.6, ConvertsTo(speed, 1.0, 3.6));
 }
 
+// A client's unit whose system unit, another one of the client, was made of a product of it.
+TEST(Exit, DestroysAUnitWhoseSystemUnitHoldsAProductOfIt) {
+    const CUnitPtr unit = announcedUnit(), product = unit / SI::Second();
+    const auto system = freshClientUnit();
+    system->BaseUnits = [product] { return product; };
+    static_cast<CMortal&>(*unit).SystemUnit = [held = std::weak_ptr<CUnit>(system)] {
+        return held.lock();
+    };
+    EXPECT_EQ(product->getSystemUnit(), system / SI::Second());
+}
+
 // A base unit that a client mapped onto something that rests on it.
 TEST(Exit, DestroysAUnitThatADimensionHolds) {
     const CUnitPtr unit = announcedUnit();

@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <functional>
 #include <memory>
+#include <mutex>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -29,6 +31,12 @@ CUnitPtr parsedTwice(const string_t& text) {
     EXPECT_EQ(CUnit::fromString(text), first) << text;
     EXPECT_EQ(CUnitFormat::parseUnit(text), first) << text;
     return first;
+}
+
+// Does not return if `action` needs the mutex of the tables.
+void doWhileThisThreadHoldsTheMutex(const std::function<void()>& action) {
+    const std::lock_guard<std::recursive_mutex> lock(CUnit::mutex());
+    std::thread(action).join();
 }
 
 TEST(RememberedTexts, ALabelThatMovesTakesItsTextAlong) {
@@ -119,6 +127,27 @@ TEST(RememberedTexts, AUnitThatIsNotRegisteredIsReadThroughItsAliasAlone) {
         SI::Meter(), std::make_shared<CMultiplyConverter>(0.3048));
     CUnitFormat::alias(unregistered, "ft");
     EXPECT_EQ(parsedTwice("ft"), unregistered);
+}
+
+// The epoch moves with each alias; then the text takes the place where it stood before.
+TEST(RememberedTexts, AreReadWithoutTheMutexHoweverOftenTheNamesChange) {
+    for (const std::string& text : {std::string("km/h"), std::string(30, ' ') + "m"}) {
+        for (int i = 0; i < 3; ++i) {
+            CUnitFormat::alias(SI::Meter(), "name " + std::to_string(i) + text);
+            const CUnitPtr unit = CUnit::fromString(text);
+            doWhileThisThreadHoldsTheMutex([&] { EXPECT_EQ(CUnit::fromString(text), unit); });
+        }
+    }
+}
+
+TEST(RememberedDimensions, NeedNoMutex) {
+    const CUnitPtr from = SI::Meter() * 201.168, to = SI::Meter() * 20.1168;
+    const double value = from->convertValueToUnit(2, to);
+    doWhileThisThreadHoldsTheMutex([&] {
+        EXPECT_EQ(from->convertValueToUnit(2, to), value);
+        EXPECT_TRUE(from->isCompatible(to));
+        EXPECT_TRUE(to->isCompatible(from));
+    });
 }
 
 TEST(RememberedDimensions, FollowABaseUnitThatIsMappedOntoAnother) {
