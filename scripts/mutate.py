@@ -385,7 +385,7 @@ def main():
     parser.add_argument("explained", type=Path)
     parser.add_argument("count", type=int, nargs="?", default=200)
     parser.add_argument("seed", nargs="?", default="1")
-    parser.add_argument("--only", default="")
+    parser.add_argument("--only", action="append", default=[])
     parser.add_argument("--survivors", action="store_true")
     parser.add_argument("--list", action="store_true")
     arguments = parser.parse_intermixed_args()
@@ -398,9 +398,8 @@ def main():
     def key(mutation):
         return (mutation.source, *sources.difference(mutation))
 
-    name, _, line = arguments.only.partition(":")
-    if line:
-        wanted = [m for m in every if m.source == Path(name).name and line == str(sources.line(m))]
+    if any(":" in place for place in arguments.only):
+        wanted = [m for m in every if f"{m.source}:{sources.line(m)}" in arguments.only]
         draws = [(wanted, len(wanted))]
     elif arguments.survivors:
         last = {tuple(k) for k in json.loads(survivors_file.read_text())}
@@ -409,7 +408,7 @@ def main():
     else:
         draws = [(mutations, wanted)
                  for source, mutations, wanted in sources.sample(arguments.count, arguments.seed)
-                 if name in ("", source)]
+                 if not arguments.only or source in arguments.only]
 
     def show(verdict, mutation, by=""):
         before, after = sources.difference(mutation)
