@@ -1,0 +1,110 @@
+// CommaLocale_test.cpp: what follows the locale, and what does not. Units do not; the numbers of
+// CValueWithUnit, of streams and of messages do (docs/reliability.md).
+#include <clocale>
+#include <iomanip>
+#include <map>
+#include <sstream>
+#include <string>
+
+#include "mensor/AddConverter.h"
+#include "mensor/MultiplyConverter.h"
+#include "mensor/ProductUnit.h"
+#include "mensor/SI.h"
+#include "mensor/UnitFormat.h"
+#include "mensor/ValueWithUnit.h"
+#include "mensor/io.h"
+#include "support/CommaLocale.h"
+#include "support/Matchers.h"
+#include "support/Outcome.h"
+
+namespace mensor {
+namespace {
+
+using test::CCommaLocale;
+
+// The number of the field, which ends at its first zero byte.
+std::string numberOf(const CValueWithUnit& value) { return text(value.toString()).c_str(); }
+
+TEST(CommaLocale, DoesNotChangeTheTextOfAnyUnit) {
+    std::map<CUnitPtr, std::string> texts;
+    for (const auto& [name, unit] : CUnitFormat::names()) {
+        texts[unit] = unit->toStdString();
+    }
+    const CUnitPtr power = SI::Meter()->pow(12345) / SI::Second()->root(2345);
+    texts[power] = "m^12345/s^1:2345";
+    const CCommaLocale comma;
+    for (const auto& [unit, text] : texts) {
+        EXPECT_EQ(unit->toStdString(), text);
+        EXPECT_EQ(CUnit::fromString(text), unit);
+    }
+    EXPECT_EQ(text(CASCIIUnitFormat::instance()->format(power, "")), "m^12345 s^-1:2345");
+    EXPECT_EQ(CUnit::fromString("m.s"), SI::Meter() * SI::Second());
+    EXPECT_EQ(CUnit::fromString("m,s"), SI::Meter() * SI::Second());
+}
+
+TEST(CommaLocale, EndsTheNumberOfAValueAtItsPoint) {
+    EXPECT_EQ(CValueWithUnit::fromString("2.5 km").value(), 2.5);
+    EXPECT_EQ(CValueWithUnit::fromString("2,5 km").value(), 2);
+    const CCommaLocale comma;
+    EXPECT_EQ(CValueWithUnit::fromString("2.5 km").value(), 2);
+    EXPECT_EQ(CValueWithUnit::fromString("2,5 km").value(), 2.5);
+    EXPECT_EQ(CValueWithUnit::fromString("1.234,5 km").value(), 1) << "no points between thousands";
+}
+
+TEST(CommaLocale, WritesAValueWithAComma) {
+    const CValueWithUnit value(-1234.5, SI::Meter());
+    EXPECT_EQ(numberOf(value), "-1234.500000");
+    const CCommaLocale comma;
+    EXPECT_EQ(numberOf(value), "-1234,500000");
+    EXPECT_EQ(text(value.toString()).substr(63), " m") << "the field keeps its length";
+    EXPECT_EQ(CValueWithUnit::fromString("-1234,500000 m"), value) << "reads its own";
+}
+
+TEST(CommaLocale, OfNewStreamsIsThatOfTheirNumbers) {
+    const CCommaLocale comma;
+    std::ostringstream german, classic;
+    classic.imbue(std::locale::classic());
+    for (std::ostream* const stream : {&german, &classic}) {
+        *stream << std::fixed << std::setprecision(1) << CValueWithUnit(1234.5, SI::Meter());
+    }
+    EXPECT_EQ(german.str(), "1.234,5 m");
+    EXPECT_EQ(classic.str(), "1234.5 m");
+}
+
+TEST(CommaLocale, ShowsInTheSymbolsOfConverters) {
+    const CMultiplyConverter mile(1609.344);
+    const CAddConverter offset(273.15);
+    EXPECT_EQ(text(mile.getSymbol(SI::Meter())), "[m*1609.34]");
+    const CCommaLocale comma;
+    EXPECT_EQ(text(mile.getSymbol(SI::Meter())), "[m*1.609,34]");
+    EXPECT_EQ(text(offset.getSymbol(SI::Kelvin())), "[K+273,15]");
+}
+
+TEST(CommaLocale, ShowsInTheNumbersOfMessages) {
+    const CUnitPtr huge = SI::Meter()->pow(2147483647);
+    const CCommaLocale comma;
+    EXPECT_EQ(outcomeOf([&] { huge->multiply(SI::Meter()); }),
+              "std::overflow_error: Exponent 2.147.483.648 is out of range");
+    EXPECT_EQ(outcomeOf([] { CUnit::fromString("m^2147483648"); }),
+              "std::out_of_range: Exponent 2147483648 is out of range");
+}
+
+// What a program does that otherwise wants the user's locale.
+TEST(CommaLocale, IsHarmlessWhereNumbersStayClassic) {
+    test::provideCommaLocale();
+    const std::locale german(test::CommaLocaleName);
+    std::locale::global(std::locale(german, std::locale::classic(), std::locale::numeric));
+    ASSERT_NE(std::setlocale(LC_ALL, test::CommaLocaleName), nullptr);
+    ASSERT_STREQ(std::localeconv()->decimal_point, ",");
+    ASSERT_NE(std::setlocale(LC_NUMERIC, "C"), nullptr);
+
+    EXPECT_EQ(CValueWithUnit::fromString("2.5 km").value(), 2.5);
+    EXPECT_EQ(numberOf(CValueWithUnit(1234.5, SI::Meter())), "1234.500000");
+    std::ostringstream stream;
+    stream << CValueWithUnit(1234.5, SI::Meter());
+    EXPECT_EQ(stream.str(), "1234.5 m");
+    EXPECT_EQ(text(CMultiplyConverter(1609.344).getSymbol(SI::Meter())), "[m*1609.34]");
+}
+
+}  // namespace
+}  // namespace mensor
