@@ -24,6 +24,7 @@
 #include "mensor/mensor_math.h"
 #include "support/ClientUnit.h"
 #include "support/Matchers.h"
+#include "support/Threads.h"
 
 namespace mensor {
 namespace {
@@ -500,6 +501,33 @@ TEST(TransformedUnit, TheIdentityAsConverterIsHandedOnWithoutACompound) {
     const CUnitPtr unit = CTransformedUnit::getInstance(system, CConverter::identity());
     EXPECT_NE(unit, system);
     EXPECT_EQ(toSystem(unit), CConverter::identity());
+}
+
+TEST(TransformedUnit, OfAHundredThousandScalingsNeedsLittleStack) {
+    runWithStack(256 * 1024, [] {
+        const auto scalings = [](double last) {
+            CConverterPtr steps = factor(last);
+            for (int i = 1; i < 100000; ++i) {
+                steps = factor(i % 2 == 0 ? 2 : 0.5)->concatenate(steps);
+            }
+            return steps;
+        };
+        const CUnitPtr m = SI::Meter();
+        const CUnitPtr unit = CTransformedUnit::getInstance(m, scalings(6));
+        EXPECT_EQ(unit->convertValueToUnit(7, m), 21);
+        EXPECT_EQ(m->convertValueToUnit(21, unit), 7);
+        EXPECT_EQ(unit->convertValueToUnit(7, SI::Centi(m)), 2100);
+        EXPECT_EQ((unit * 5.0)->convertValueToUnit(7, m), 105);
+        EXPECT_EQ((m / unit)->convertValueToUnit(9, CProductUnit::one()), 3);
+        EXPECT_EQ((m * 3.0), unit) << "the same slope";
+
+        // Units that nobody registered are compared step by step, and destroyed.
+        const auto make = [&](double last) {
+            return std::make_shared<CTransformedUnit>(m, scalings(last));
+        };
+        EXPECT_TRUE(make(6)->equals(make(6)));
+        EXPECT_FALSE(make(6)->equals(make(7)));
+    });
 }
 
 }  // namespace

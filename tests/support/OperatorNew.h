@@ -22,6 +22,7 @@ namespace mensor {
 /// The blocks that operator new has given and operator delete has not taken back.
 inline std::atomic<long> liveBlocks{0};
 inline std::atomic<long> liveBytes{0};  ///< in these blocks
+inline std::atomic<long> peakBytes{0};  ///< the most that these have been since it was set
 
 /// Called at each allocation of this thread with its number, counted from 1; may throw. Must not
 /// allocate.
@@ -37,7 +38,10 @@ inline void* allocate(std::size_t size) {
         throw std::bad_alloc();
     }
     ++liveBlocks;
-    liveBytes += static_cast<long>(malloc_usable_size(memory));
+    const long live = liveBytes += static_cast<long>(malloc_usable_size(memory));
+    if (live > peakBytes) {
+        peakBytes = live;
+    }
     return memory;
 }
 
@@ -58,5 +62,17 @@ void operator delete(void* memory) noexcept { mensor::release(memory); }
 void operator delete[](void* memory) noexcept { mensor::release(memory); }
 void operator delete(void* memory, std::size_t) noexcept { mensor::release(memory); }
 void operator delete[](void* memory, std::size_t) noexcept { mensor::release(memory); }
+
+// The memory resources of the standard library come here with the alignment that malloc gives.
+void* operator new(std::size_t size, std::align_val_t alignment) {
+    if (static_cast<std::size_t>(alignment) > alignof(std::max_align_t)) {
+        throw std::bad_alloc();
+    }
+    return mensor::allocate(size);
+}
+void operator delete(void* memory, std::align_val_t) noexcept { mensor::release(memory); }
+void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
+    mensor::release(memory);
+}
 
 #endif  // MENSOR_TESTS_OPERATORNEW_H
