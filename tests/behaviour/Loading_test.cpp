@@ -147,8 +147,8 @@ std::map<long, Outcome> loadForEach(const std::string& what, long first, long la
 
 // Of so many allocations one fails, in the tests that try them all: each time the library is loaded anew.
 // An odd number, lest it keep step with the loops over prefixes. With 1 it takes a minute.
-#ifdef __arm__
-constexpr long STEP = 101;
+#if defined(__arm__) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr long STEP = 51;
 #else
 constexpr long STEP = 7;
 #endif
@@ -400,7 +400,7 @@ TEST(Loading, SurvivesAFailureOfWhicheverAllocationOfTheRegistry) {
 // There is no memory for the report, nor for the other half. Only the line needs none.
 TEST(Loading, SurvivesWithoutAnyMoreMemory) {
     const auto outcomes =
-        loadForEach("bad_alloc+onwards", FIRST_OF_THE_REGISTRY, allocationsOfALoad(), 7 * STEP);
+        loadForEach("bad_alloc+onwards", FIRST_OF_THE_REGISTRY, allocationsOfALoad(), 5 * STEP);
     EXPECT_GT(outcomes.size(), 10U);
     for (const auto& [number, outcome] : outcomes) {
         SCOPED_TRACE(number);

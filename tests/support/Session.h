@@ -125,6 +125,13 @@ inline Requests registering() {
         {"checked affine unit", [=] { return checked::affine(box(), 2.5, 100.0); }},
         {"checked alternate unit",
          [=] { return checked::alternateUnit("heap", box() / SI::Meter()); }},
+    };
+}
+
+/// Requests that register several units or none of them. Taking back the first ends what the library
+/// remembers.
+inline Requests registeringMany() {
+    return {
         {"pack of units",
          [] {
              checked::registerPack(checked::ePack::OFFSETS);
@@ -132,6 +139,8 @@ inline Requests registering() {
          }},
         {"table of units",
          [] { return checked::defineUnits("bag = 25 kg\nbag_flow = 1 bag/h\n").back(); }},
+        {"table whose second line is refused",
+         [] { return checked::defineUnits("pack = 6 box\nm = 2 box\n").back(); }},
     };
 }
 
