@@ -24,6 +24,7 @@
 #include "mensor/ValueWithUnit.h"
 #include "mensor/io.h"
 #include "support/ClientUnit.h"
+#include "support/Fork.h"
 #include "support/Inside.h"
 #include "support/Invariants.h"
 #include "support/Matchers.h"
@@ -227,7 +228,7 @@ TEST(Locks, AreFreeAgainAfterAClientsUnitHasThrown) {
 
 TEST(Locks, AreFreeInAChildProcessOfAProgramWithoutThreads) {
     const CUnitPtr a = freshUnit(), b = freshUnit(), known = a * b;
-    const pid_t child = fork();
+    const pid_t child = forkAtRest();
     ASSERT_NE(child, -1);
     if (child == 0) {
         const CUnitPtr made = (known ^ 2) / SI::Second();

@@ -26,6 +26,7 @@
 #include "mensor/UnitFormat.h"
 #include "mensor_checked/WarmUp.h"
 #include "support/ClientUnit.h"
+#include "support/Fork.h"
 #include "support/Invariants.h"
 #include "support/Matchers.h"
 #include "support/OperatorNew.h"
@@ -166,7 +167,7 @@ std::string inFreshProcess(const std::function<std::string()>& work) {
         return "no pipe";
     }
     std::fflush(nullptr);
-    const pid_t child = fork();
+    const pid_t child = forkAtRest();
     if (child == 0) {
         const std::string text = work();
         for (std::size_t done = 0; done < text.size();) {

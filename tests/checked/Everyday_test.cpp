@@ -25,6 +25,7 @@
 #include "mensor_checked/Reading.h"
 #include "mensor_checked/Values.h"
 #include "support/Documents.h"
+#include "support/Fork.h"
 #include "support/Mathematics.h"
 
 namespace mensor {
@@ -150,7 +151,7 @@ std::string inFreshProcess(std::uint32_t seed) {
     if (pipe(ends.data()) != 0) {
         return "! no pipe\n";
     }
-    const pid_t child = fork();
+    const pid_t child = forkAtRest();
     if (child == 0) {
         std::ostringstream out;
         try {

@@ -37,6 +37,7 @@
 #include "mensor/mensor_math.h"
 #include "mensor_checked/Reading.h"
 #include "mensor_checked/Values.h"
+#include "support/Fork.h"
 #include "support/Inside.h"
 #include "support/Outcome.h"
 #include "support/utf8_texts.h"
@@ -471,7 +472,7 @@ void print(const Section& section, bool sumOnly) {
 // Each section in a process of its own, as fresh as the first: what is registered stays.
 bool printApart(const Section& section, bool sumOnly) {
     std::cout.flush();
-    const pid_t child = fork();
+    const pid_t child = forkAtRest();
     if (child == 0) {
         print(section, sumOnly);
         _exit(std::cout.flush() ? 0 : 1);  // the parent's threads, which exit() ends, are not here

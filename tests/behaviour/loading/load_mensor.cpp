@@ -26,6 +26,7 @@
 #include <log4cplus/logger.h>
 #include <log4cplus/spi/loggingevent.h>
 
+#include "support/Fork.h"
 #include "support/OperatorNew.h"
 
 namespace {
@@ -102,7 +103,7 @@ int loadForEach(const char* libraryFile, const char* moduleFile, const std::stri
                 long first, long last, long step) {
     for (long number = first; number <= last; number += step) {
         std::cout << "attempt\t" << number << std::endl;
-        const pid_t child = fork();
+        const pid_t child = mensor::forkAtRest();
         if (child == 0) {
             failing[0] = number;
             dup2(STDOUT_FILENO, STDERR_FILENO);
