@@ -258,7 +258,8 @@ def run(command, directory, seconds, processor_seconds):
         process.wait()
     if process.returncode != 0:
         failed = re.findall(r"\[  FAILED  \] (\w[\w/]*\.[\w./]+)|\d+ - (\S+) \(", output)
-        raise Killed("".join(failed[0]) if failed else f"status {process.returncode}")
+        by_signal = process.returncode < 0 and signal.Signals(-process.returncode).name
+        raise Killed("".join(failed[0]) if failed else by_signal or f"status {process.returncode}")
     return output
 
 
@@ -426,7 +427,8 @@ def main():
         laboratory = Laboratory(sources, arguments.build)
     except Killed as reason:
         sys.exit(f"mutate: fails without a mutation: {reason}")
-    counts, survivors, begin = collections.Counter(), [], time.monotonic()
+    counts, kinds = collections.Counter(), collections.defaultdict(collections.Counter)
+    survivors, begin = [], time.monotonic()
     for mutations, wanted in draws:
         good = 0
         for mutation in mutations:
@@ -441,6 +443,7 @@ def main():
                 continue
             good += 1
             counts[verdict] += 1
+            kinds[mutation.kind][verdict] += 1
             show(verdict, mutation, by)
             if verdict == "SURVIVED":
                 survivors.append(key(mutation))
@@ -448,6 +451,8 @@ def main():
             laboratory.restore(mutations[0].source)
     if not arguments.only:
         survivors_file.write_text(json.dumps(survivors))
+    for kind, verdicts in sorted(kinds.items()):
+        print(f"{kind:20}", ", ".join(f"{count} {verdict}" for verdict, count in sorted(verdicts.items())))
     total = counts["killed"] + counts["explained"] + counts["SURVIVED"]
     print(f"{total} mutants in {(time.monotonic() - begin) / 60:.0f} min: {counts['killed']} killed, "
           f"{counts['explained']} explained, {counts['SURVIVED']} survived "

@@ -173,6 +173,7 @@ TEST(Utf8String, IsCutByCodePoints) {
     EXPECT_EQ(text.substr(5), "");
     EXPECT_EQ(text.substr(6, 1), "");
     EXPECT_EQ(text.substr(utf8_string::npos), "");
+    EXPECT_EQ(utf8_string::npos, std::string::npos);
     EXPECT_EQ(utf8_string(std::string("a\0b", 3)).substr(1), utf8_string(std::string("\0b", 2)));
 }
 
@@ -287,6 +288,9 @@ TEST(Utf8String, IsIteratedByCodePoints) {
     EXPECT_EQ(*it, U'\0');        // harmless at the end
     EXPECT_EQ(++it, text.end());  // and stays there
     EXPECT_EQ(Iterator(), Iterator());
+    it = text.end();
+    EXPECT_EQ(*it, U'\0');
+    EXPECT_EQ(++it, text.end());
     EXPECT_EQ(std::distance(text.begin(), text.end()), 3);
     EXPECT_EQ(std::count(text.begin(), text.end(), U'µ'), 1);
     std::u32string seen;
