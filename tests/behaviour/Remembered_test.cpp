@@ -35,6 +35,7 @@ CUnitPtr parsedTwice(const string_t& text) {
 
 // Does not return if `action` needs the mutex of the tables.
 void doWhileThisThreadHoldsTheMutex(const std::function<void()>& action) {
+    ASSERT_NE(CUnitFormat::namesVersion(), 0U) << "nothing is remembered in this process any more";
     const std::lock_guard<std::recursive_mutex> lock(CUnit::mutex());
     std::thread(action).join();
 }
