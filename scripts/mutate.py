@@ -391,6 +391,9 @@ def main():
     parser.add_argument("--list", action="store_true")
     arguments = parser.parse_intermixed_args()
 
+    # What a million requests leave behind, a thousand do as well.
+    os.environ["MENSOR_REQUESTS"] = "1000"
+
     sources = Sources(arguments.copy)
     explained = read_explained(arguments.explained)
     survivors_file = arguments.build.parent / "survivors.json"
