@@ -320,6 +320,18 @@ TEST(Compound, AsksItsFirstStepTwiceWhetherItIsLinearAndItsSecondNever) {
     EXPECT_THAT(log, ElementsAre("a.isLinear"));
 }
 
+TEST(Compound, IsNotLinearIfItsFirstStepTakesItsWordBack) {
+    class CWavering : public CScaling {
+    public:
+        using CScaling::CScaling;
+        bool isLinear() const override { return std::exchange(m_Answer, false); }
+
+    private:
+        mutable bool m_Answer = true;
+    };
+    EXPECT_FALSE(chain(std::make_shared<CWavering>(2), scales(2))->isLinear());
+}
+
 TEST(Compound, IsInvertedByItsStepsInverseInReverseOrder) {
     CLogged::Log log;
     const auto a = std::make_shared<CLogged>("a", log), b = std::make_shared<CLogged>("b", log);

@@ -390,6 +390,17 @@ TEST(TransformedUnit, TheSymbolComputesTheConverterToTheSystemUnit) {
     EXPECT_EQ(CUnit::toDimensions().at(system), CConverter::identity());
 }
 
+TEST(TransformedUnit, TheSymbolOfAKindThatIsItsOwnSystemUnitComputesNothing) {
+    class CRoot : public CTransformedUnit {
+    public:
+        using CTransformedUnit::CTransformedUnit;
+        CUnitPtr getSystemUnit() override { return shared_from_this(); }
+    };
+    const CUnitPtr unit = std::make_shared<CRoot>(freshUnit(), CConverter::identity());
+    EXPECT_EQ(text(unit->getSymbol()), "");
+    EXPECT_EQ(CUnit::dimensions().count(unit), 0U);
+}
+
 TEST(TransformedUnit, RegisteringItFillsBothCachesOfDimensions) {
     const CUnitPtr system = freshUnit();
     CUnit::dimensions().clear();

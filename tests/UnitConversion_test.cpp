@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -246,6 +247,16 @@ TEST(UnitConversion, BetweenTwoUnitsThatAreTheirDimensionTheIdentityItselfRemain
     ASSERT_NE(SI::Newton(), product);
     EXPECT_EQ(SI::Newton()->getConverterTo(product), CConverter::identity());
     EXPECT_EQ(product->getConverterTo(SI::Newton()), CConverter::identity());
+}
+
+TEST(UnitConversion, ToAUnitOfFortyScalingsEachIsUndone) {
+    const CUnitPtr system = freshUnit(), from = system * 3.0;
+    CUnitPtr to = system;
+    for (int i = 0; i < 40; ++i) {
+        to = to * 2.0;
+    }
+    EXPECT_THAT(from, ConvertsTo(to, 1.0, std::ldexp(3.0, -40)));
+    EXPECT_THAT(to, ConvertsTo(from, 3.0, std::ldexp(1.0, 40)));
 }
 
 TEST(UnitConversion, ConvertersAreCachedPerUnitAndNotPerPair) {

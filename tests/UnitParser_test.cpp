@@ -162,6 +162,7 @@ TEST(UnitParser, ParsesExponentsDigitByDigitWithoutValidation) {
         {"Ω", 8438},
         {"2147483647", 2147483647},
         {"-2147483647", -2147483647},
+        {"./,),'7*,)", -2147483647},
         {std::string(100000, '0') + "2", 2},
     };
     for (const auto& [digits, value] : rows) {
@@ -171,7 +172,7 @@ TEST(UnitParser, ParsesExponentsDigitByDigitWithoutValidation) {
 
 TEST(UnitParser, RefusesExponentsThatNoIntCanHold) {
     for (const std::string digits : {"2147483648", "-2147483648", "21474836470", "¹2147483647",
-                                     "-99999999999999999999999", "2147483648-"}) {
+                                     "-99999999999999999999999", "2147483648-", "./,),'7*,("}) {
         EXPECT_EQ(outcomeOf([&] { CUnitFormat::parseExponent(digits); }),
                   "std::out_of_range: Exponent " + digits + " is out of range");
     }

@@ -22,6 +22,8 @@
 #include "mensor/Unit.h"
 #include "mensor/UnitFormat.h"
 #include "mensor/ValueWithUnit.h"
+#include "support/ClientUnit.h"
+#include "support/Matchers.h"
 
 namespace mensor {
 namespace {
@@ -128,6 +130,12 @@ TEST(RememberedTexts, AUnitThatIsNotRegisteredIsReadThroughItsAliasAlone) {
         SI::Meter(), std::make_shared<CMultiplyConverter>(0.3048));
     CUnitFormat::alias(unregistered, "ft");
     EXPECT_EQ(parsedTwice("ft"), unregistered);
+}
+
+TEST(RememberedTexts, AUnitOfAHashThatNoneHasIsReadThroughItsAliasAlone) {
+    const CUnitPtr unregistered = CClientUnit::make("", hashFromString(freshSymbol()));
+    CUnitFormat::alias(unregistered, "fathom");
+    EXPECT_EQ(parsedTwice("fathom"), unregistered);
 }
 
 // The epoch moves with each alias; then the text takes the place where it stood before.
