@@ -287,7 +287,9 @@ class Tests:
         self.seconds, self.filters = {}, {}
         for name in self.programs:
             self.rest += [numbers[name][test] for test in self.prepare(name)]
-        self.run_rest()
+        begin = time.monotonic()
+        self.run_rest(3600)
+        self.seconds_of_rest = time.monotonic() - begin
 
     def prepare(self, name):
         """Measures a program and gives the tests that need a process of their own."""
@@ -320,18 +322,18 @@ class Tests:
             program, directory = self.programs[name]
             try:
                 run([program, self.filters[name], "--gtest_fail_fast", "--gtest_brief=1"], directory,
-                    60 + 30 * self.seconds[name], 5 + int(10 * self.seconds[name]))
+                    30 + 30 * self.seconds[name], 5 + int(10 * self.seconds[name]))
             except Killed as reason:
                 self.kills[source, name] += 1
                 raise Killed(f"{name}: {reason}") from None
         try:
-            self.run_rest()
+            self.run_rest(30 + 10 * self.seconds_of_rest)
         except Killed as reason:
             raise Killed(f"ctest: {reason}") from None
 
-    def run_rest(self):
+    def run_rest(self, seconds):
         run(["ctest", "--test-dir", self.build, "--parallel", JOBS, "--stop-on-failure", "--no-tests=error",
-             "-I", ",".join(map(str, [0, 0, 0, *self.rest]))], self.build, 3600, 600)
+             "-I", ",".join(map(str, [0, 0, 0, *self.rest]))], self.build, seconds, 600)
 
 
 def compile_targets(build, targets):
