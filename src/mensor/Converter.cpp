@@ -14,7 +14,6 @@
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <new>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -218,54 +217,34 @@ void CCompound::join(Plan first, Plan second, bool secondIsTemporary) {
 
 namespace {
 
-// Destroying a chain level by level would need a stack as deep as the chain. So beyond a few levels
-// the children that die with their compound are handed to a list, which the destructor at the last of
-// these levels empties in a loop.
-constexpr int DestructorLevels = 32;
-using Pending = std::vector<CConverterPtr>;
-thread_local int destructorLevel = 0;
-thread_local Pending* pendingOfThread = nullptr;
-
-// A hint: whether letting go of this pointer is likely to destroy a compound.
+// Whether letting go of this pointer is likely to destroy a compound.
 bool isLastOwnerOfCompound(const CConverterPtr& converter) {
     return converter.use_count() == 1 && asCompound(*converter) != nullptr;
 }
 
-void release(CConverterPtr& child) {
-    try {
-        pendingOfThread->push_back(std::move(child));
-    } catch (const std::bad_alloc&) {
-        // No memory for the list: the member's own destructor releases the child one level deeper.
-    }
-}
-
 }  // namespace
 
+// To destroy a chain level by level would need a stack as deep as the chain; to keep a list of what is
+// left, memory, of which there may be none. So the compounds that die with this one are turned until
+// none hangs on a first step, ((a b) c) becoming (a (b c)), and taken off one by one.
 CCompound::~CCompound() {
-    if (!isLastOwnerOfCompound(m_First) && !isLastOwnerOfCompound(m_Second)) {
-        return;
+    while (true) {
+        if (isLastOwnerOfCompound(m_First)) {
+            CConverterPtr turned = std::move(m_First);
+            auto& inner = static_cast<CCompound&>(*turned);
+            m_First = std::move(inner.m_First);
+            inner.m_First = std::move(inner.m_Second);
+            inner.m_Second = std::move(m_Second);
+            m_Second = std::move(turned);
+        } else if (isLastOwnerOfCompound(m_Second)) {
+            const CConverterPtr emptied = std::move(m_Second);
+            auto& inner = static_cast<CCompound&>(*emptied);
+            m_First = std::move(inner.m_First);
+            m_Second = std::move(inner.m_Second);
+        } else {
+            return;
+        }
     }
-    if (destructorLevel < DestructorLevels) {
-        ++destructorLevel;
-        m_First.reset();
-        m_Second.reset();
-        --destructorLevel;
-        return;
-    }
-    if (pendingOfThread != nullptr) {
-        release(m_First);
-        release(m_Second);
-        return;
-    }
-    Pending pending;
-    pendingOfThread = &pending;
-    release(m_First);
-    release(m_Second);
-    while (!pending.empty()) {
-        const CConverterPtr next = std::move(pending.back());
-        pending.pop_back();
-    }
-    pendingOfThread = nullptr;
 }
 
 inline double CCompound::run(const Step& step, double x) {

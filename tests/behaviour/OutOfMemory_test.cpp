@@ -19,6 +19,7 @@
 #include <utility>
 #include <vector>
 
+#include "mensor/AddConverter.h"
 #include "mensor/BaseUnit.h"
 #include "mensor/ProductUnit.h"
 #include "mensor/SI.h"
@@ -31,6 +32,7 @@
 #include "support/Matchers.h"
 #include "support/OperatorNew.h"
 #include "support/Session.h"
+#include "support/Threads.h"
 
 namespace mensor {
 namespace {
@@ -368,6 +370,37 @@ TEST(OutOfMemory, LeavesAllTablesAsIfNothingHadFailed) { expectTheSameTables(tru
 
 TEST(OutOfMemory, LeavesAllThatIsRememberedAsIfNothingHadFailed) {
     expectTheSameTables(false, false);
+}
+
+// On whichever side it is deep, whatever hangs on its other side.
+TEST(OutOfMemory, ALongChainIsDestroyedOnASmallStack) {
+    const auto nested = [](int depth, const auto& isFirst, const auto& step) {
+        CConverterPtr chain = step();
+        for (int i = 0; i < depth; ++i) {
+            chain = isFirst(i) ? std::make_shared<CCompound>(chain, step())
+                               : std::make_shared<CCompound>(step(), chain);
+        }
+        return chain;
+    };
+    const auto inFirst = [](int) { return true; };
+    const auto inSecond = [](int) { return false; };
+    const auto byTurns = [](int i) { return i % 2 == 0; };
+    const auto alone = []() -> CConverterPtr { return std::make_shared<CAddConverter>(1.5); };
+    const auto several = [&] { return nested(50, byTurns, alone); };
+    const auto destroy = [](CConverterPtr chain) {
+        const CFailing failing(1, Never);
+        chain.reset();
+    };
+    runWithStack(256 * 1024, [&] {
+        destroy(nested(20'000, inFirst, alone));
+        destroy(nested(20'000, inSecond, alone));
+        destroy(nested(20'000, byTurns, alone));
+        destroy(nested(2'000, inFirst, several));
+        destroy(nested(2'000, inSecond, several));
+        destroy(nested(2'000, byTurns, several));
+        destroy(std::make_shared<CCompound>(nested(20'000, inFirst, alone),
+                                            nested(20'000, inSecond, alone)));
+    });
 }
 
 // Thousands of allocations, of which a few are tried.
