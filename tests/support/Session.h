@@ -210,6 +210,14 @@ inline Requests asking() {
                             }});
     }
     const Requests others = {
+        {"text of many factors",
+         [] {
+             std::string text = "m";
+             for (int i = 0; i < 35; ++i) {
+                 text += "·box/mol";
+             }
+             return CUnit::fromString(text);
+         }},
         {"value", [] { return CValueWithUnit::fromString("2.5 km").valueAs(SI::Meter()); }},
         {"value of a product", [] { return CValueWithUnit::fromString("7 mol/box·m").unit(); }},
         {"value as text", [] { return text(CValueWithUnit(0.1, unit("W/(m²·K)")).toString()); }},
