@@ -151,6 +151,7 @@ TEST(RememberedTexts, AreReadWithoutTheMutexHoweverOftenTheNamesChange) {
 
 TEST(RememberedDimensions, NeedNoMutex) {
     const CUnitPtr from = SI::Meter() * 201.168, to = SI::Meter() * 20.1168;
+    SI::Meter()->setDimension(nullptr, nullptr);  // forgets what registering them has asked
     const double value = from->convertValueToUnit(2, to);
     doWhileThisThreadHoldsTheMutex([&] {
         EXPECT_EQ(from->convertValueToUnit(2, to), value);
