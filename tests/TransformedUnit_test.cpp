@@ -22,6 +22,7 @@
 #include "mensor/SI.h"
 #include "mensor/UnitFormat.h"
 #include "mensor/mensor_math.h"
+#include "support/ClientConverters.h"
 #include "support/ClientUnit.h"
 #include "support/Matchers.h"
 #include "support/Threads.h"
@@ -465,6 +466,23 @@ TEST(TransformedUnit, EqualsATransformedUnitOfTheSameSystemUnitWithAnEqualConver
         make(m, chain(factor(2), factor(3)))->equals(make(m, chain(factor(3), factor(2)))));
     EXPECT_FALSE(make(m, chain(factor(2), factor(3)))->equals(make(m, factor(6))));
     EXPECT_TRUE(make(m, factor(6))->equals(make(m, chain(factor(2), factor(3)))));
+}
+
+TEST(TransformedUnit, EqualsThrowsWhatTheOtherUnitOrItsConverterThrows) {
+    class CSpeechless : public CScaling {
+    public:
+        using CScaling::CScaling;
+        bool equals(CConverterPtr) const override { throw std::runtime_error("no comparison"); }
+    };
+    const CUnitPtr system = freshUnit();
+    const auto other = freshClientUnit();
+    other->SystemUnit = []() -> CUnitPtr { throw std::runtime_error("no system unit"); };
+    EXPECT_THAT([&] { (system * 2.0)->equals(other); },
+                ThrowsMessage<std::runtime_error>(StrEq("no system unit")));
+    const CUnitPtr speechless =
+        std::make_shared<CTransformedUnit>(system, std::make_shared<CSpeechless>(3.0));
+    EXPECT_THAT([&] { speechless->equals(system * 2.0); },
+                ThrowsMessage<std::runtime_error>(StrEq("no comparison")));
 }
 
 TEST(TransformedUnit, EqualsIsFalseForTheSystemUnitAndOtherKinds) {

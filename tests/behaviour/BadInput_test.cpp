@@ -45,6 +45,10 @@ Refusal parsing(const std::string& text, const std::string& outcome) {
     return {"parsing \"" + text + '"', [text] { CUnit::fromString(text); }, outcome};
 }
 
+int wrappedProduct(int left, int right) {
+    return static_cast<int>(static_cast<unsigned>(left) * static_cast<unsigned>(right));
+}
+
 TEST(BadInput, TextThatIsNoUnitIsRefused) {
     expectRefused({
         parsing("xyz", "std::invalid_argument: Label: xyz not recognized"),
@@ -76,6 +80,22 @@ TEST(BadInput, TextIsRefusedBeforeAnyOfItIsBuilt) {
         {"a value with such a unit", [] { CValueWithUnit::fromString("1 kg^17·xyz"); },
          "std::invalid_argument: Label: xyz not recognized"},
     });
+}
+
+TEST(BadInput, TextIsTriedWithAUnitThatIsNotRegisteredAsItself) {
+    const CUnitPtr registered = CBaseUnit::getInstance("bushel");
+    CUnitFormat::alias(CClientUnit::make("", registered->hashCode()), "unregistered");
+    CUnitFormat::unitFor("unregistered")->calculateHashCode();
+    expectRefused({parsing("unregistered·unregistered^2147483647",
+                           "std::overflow_error: Exponent 2147483648 is out of range")});
+}
+
+TEST(BadInput, TextIsTriedWithANegativeRootUnderTheHashThatItWillHave) {
+    const CUnitPtr base = CBaseUnit::getInstance("firkin");
+    const auto client = CClientUnit::make("", wrappedProduct(7, base->hashCode()));
+    client->Elements = [=] { return std::vector{CUnitRationalPower(base, largest, 1)}; };
+    client->canonical();
+    EXPECT_EQ(CUnit::fromString("firkin^1:-2·firkin^5000"), base->root(-2) * (base ^ 5000));
 }
 
 TEST(BadInput, ExponentsThatNoIntCanHoldAreRefused) {

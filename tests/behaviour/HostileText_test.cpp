@@ -101,6 +101,18 @@ TEST(HostileText, OfManyFactorsIsTheProductThatTheAlgebraMakes) {
     EXPECT_EQ(CUnit::instances().size(), registered) << "the text made each of these products";
 }
 
+TEST(HostileText, OfManyFactorsTakesTheFirstUnregisteredUnitForTheOthersAsTheAlgebraDoes) {
+    const CUnitPtr first = CClientUnit::make("", 47110816), other = CClientUnit::make("", 47110817);
+    first->calculateHashCode();
+    other->calculateHashCode();
+    CUnitFormat::alias(first, "first");
+    CUnitFormat::alias(other, "other");
+    const std::string factors = repeated("m·s·", 40);
+    const CUnitPtr product = CUnit::fromString(factors + "first");
+    EXPECT_EQ(CUnit::fromString(factors + "other"), product);
+    EXPECT_EQ(CUnit::fromString(factors)->multiply(other), product);
+}
+
 // How parsing `text` ends: as the unit's text, or as the exception.
 std::string endOf(const string_t& text) {
     std::string unit;

@@ -118,6 +118,8 @@ TEST(OutOfMemory, LeavesTheTablesOfUnitsAndTextsAsTheyWere) {
         {"alternate", [&] { return ratio->alternate(own); }},
         {"label", [&] { return CUnitFormat::label(a, label); }},
         {"alias", [&] { return CUnitFormat::alias(b, alias); }},
+        {"empty label", [&] { return CUnitFormat::label(b, ""); }},
+        {"empty label of another unit", [&] { return CUnitFormat::label(ratio, ""); }},
     };
     for (const auto& [name, operation] : operations) {
         SCOPED_TRACE(name);
@@ -141,6 +143,23 @@ TEST(OutOfMemory, LeavesTheTablesOfUnitsAndTextsAsTheyWere) {
         EXPECT_EQ(operation(), result);
         EXPECT_EQ(CUnit::instances().at(result->hashCode()), result);
     }
+}
+
+TEST(OutOfMemory, BaseUnitsAreComparedAsTheyAreOrNotAtAll) {
+    const string_t symbol = "symbolOfMoreBytesThanAStringHolds";
+    const CUnitPtr unit = CBaseUnit::getInstance(symbol), other = CClientUnit::make(symbol, 0);
+    bool areEqual = false;
+    int granted = 0;
+    for (; granted < 100 && !areEqual; ++granted) {
+        try {
+            const CFailing failing(granted + 1, Never);
+            areEqual = unit->equals(other);
+            break;
+        } catch (const std::bad_alloc&) {
+        }
+    }
+    EXPECT_TRUE(areEqual);
+    EXPECT_GT(granted, 0) << "or nothing was refused";
 }
 
 void append(Requests& requests, const Requests& more) {

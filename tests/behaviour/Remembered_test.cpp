@@ -89,6 +89,25 @@ TEST(RememberedTexts, AClientThatChangesATableItselfIsHeard) {
     EXPECT_EQ(parsedTwice("km"), SI::Mole());
 }
 
+TEST(RememberedTexts, AClientThatHasATableIsHeardThoughItAsksForOthersToo) {
+    auto& units = CUnitFormat::labelUnitMap();
+    const std::function<void()> others[] = {
+        [] { CUnit::symbols(); },
+        [] { CUnit::instances(); },
+        [] { CUnit::dimensions(); },
+        [] { CUnit::toDimensions(); },
+        [] { CUnitFormat::unitLabelMap(); },
+        [] { CUnitFormat::aliasUnitMap(); },
+    };
+    for (const auto& other : others) {
+        other();
+        EXPECT_EQ(parsedTwice("km"), SI::Kilo(SI::Meter()));
+        units["km"] = SI::Second();
+        EXPECT_EQ(parsedTwice("km"), SI::Second());
+        units["km"] = SI::Kilo(SI::Meter());
+    }
+}
+
 TEST(RememberedTexts, ManyMoreTextsThanThereIsRoomForAllReadRight) {
     const char* const names[] = {"m",  "s",  "kg", "A",  "K",    "mol",
                                  "cd", "km", "ms", "Pa", "mbar", "h"};
@@ -134,6 +153,7 @@ TEST(RememberedTexts, AUnitThatIsNotRegisteredIsReadThroughItsAliasAlone) {
 
 TEST(RememberedTexts, AUnitOfAHashThatNoneHasIsReadThroughItsAliasAlone) {
     const CUnitPtr unregistered = CClientUnit::make("", hashFromString(freshSymbol()));
+    unregistered->calculateHashCode();
     CUnitFormat::alias(unregistered, "fathom");
     EXPECT_EQ(parsedTwice("fathom"), unregistered);
 }
