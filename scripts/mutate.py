@@ -404,6 +404,8 @@ def main():
     def key(mutation):
         return (mutation.source, *sources.difference(mutation))
 
+    for source, before, after in sorted(explained - set(map(key, every))):
+        print(f"no mutant of {source} any more, though explained:\n    - {before}\n    + {after}")
     if any(":" in place for place in arguments.only):
         wanted = [m for m in every if f"{m.source}:{sources.line(m)}" in arguments.only]
         draws = [(wanted, len(wanted))]
