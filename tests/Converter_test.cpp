@@ -698,6 +698,22 @@ TEST(DeepCompound, NestedInBothByTurnsNeedsLittleStack) {
     });
 }
 
+TEST(DeepCompound, OfPairsNeedsLittleStack) {
+    runWithStack(SmallStack, [] {
+        const CConverterPtr leaf = adds(0.25);
+        CConverterPtr inFirst = leaf, inSecond = leaf;
+        for (int i = 0; i < Depth; ++i) {
+            inFirst = chain(std::move(inFirst), chain(leaf, leaf));
+            inSecond = chain(chain(leaf, leaf), std::move(inSecond));
+        }
+        EXPECT_EQ(inFirst->convert(0), (2 * Depth + 1) * 0.25);
+        EXPECT_EQ(inSecond->convert(0), (2 * Depth + 1) * 0.25);
+        inFirst.reset();
+        inSecond.reset();
+        EXPECT_EQ(leaf.use_count(), 1);
+    });
+}
+
 // As units are chained: through the base, and around a few leaves only.
 TEST(DeepCompound, ChainedByConcatenateNeedsLittleStack) {
     runWithStack(SmallStack, [] {

@@ -259,6 +259,19 @@ TEST(UnitConversion, ToAUnitOfFortyScalingsEachIsUndone) {
     EXPECT_THAT(to, ConvertsTo(from, 3.0, std::ldexp(1.0, 40)));
 }
 
+TEST(UnitConversion, FromAUnitThatIsItsDimensionByAChainTheInverseIsKept) {
+    const CUnitPtr system = freshUnit();
+    const auto unit = freshClientUnit();
+    unit->CtxDimension = [&] { return system; };
+    unit->CtxToDimension = [] {
+        return std::make_shared<CCompound>(CConverter::identity(), CConverter::identity());
+    };
+    const CConverterPtr quarter = unit->getConverterTo(system * 4.0);
+    const CConverterPtr eighth = unit->getConverterTo(system * 8.0);
+    EXPECT_EQ(quarter->convert(2), 0.5);
+    EXPECT_EQ(eighth->convert(2), 0.25);
+}
+
 TEST(UnitConversion, ConvertersAreCachedPerUnitAndNotPerPair) {
     const CUnitPtr km = SI::Meter() * 1000.0;
     const CUnitPtr mm = SI::Meter() * 0.001;
