@@ -19,6 +19,7 @@
 #include "mensor/SI.h"
 #include "mensor/TransformedUnit.h"
 #include "mensor/Unit.h"
+#include "support/ClientConverters.h"
 #include "support/ClientUnit.h"
 #include "support/Matchers.h"
 
@@ -257,6 +258,14 @@ TEST(UnitConversion, ToAUnitOfFortyScalingsEachIsUndone) {
     }
     EXPECT_THAT(from, ConvertsTo(to, 1.0, std::ldexp(3.0, -40)));
     EXPECT_THAT(to, ConvertsTo(from, 3.0, std::ldexp(1.0, 40)));
+}
+
+TEST(UnitConversion, ToAUnitOfAClientsConverterItsOwnInverseIsTaken) {
+    const CUnitPtr system = freshUnit(), from = system * 3.0;
+    const auto to = freshClientUnit();
+    to->CtxDimension = [&] { return system; };
+    to->CtxToDimension = [] { return std::make_shared<CScaling>(4.0); };
+    EXPECT_THAT(from, ConvertsTo(CUnitPtr(to), 1.0, 0.75));
 }
 
 TEST(UnitConversion, FromAUnitThatIsItsDimensionByAChainTheInverseIsKept) {
