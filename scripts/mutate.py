@@ -327,7 +327,7 @@ class Tests:
                 self.kills[source, name] += 1
                 raise Killed(f"{name}: {reason}") from None
         try:
-            self.run_rest(30 + 10 * self.seconds_of_rest)
+            self.run_rest(30 + 3 * self.seconds_of_rest)
         except Killed as reason:
             raise Killed(f"ctest: {reason}") from None
 
