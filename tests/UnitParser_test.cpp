@@ -266,6 +266,19 @@ TEST(UnitParser, RegistersNothingWhereTheHashLeadsToExponentsOutOfRange) {
     EXPECT_EQ(CUnit::instances().size(), before);
 }
 
+TEST(UnitParser, RegistersNothingWhereSmallExponentsLeadOutOfRange) {
+    CUnitFormat::label(CUnit::fromString("m^2000000000"), "huge");
+    CUnit::fromString("cd^1400000002:2100000001");
+    EXPECT_EQ(parsed("s·huge·huge").second,
+              "std::overflow_error: Exponent 4000000000 is out of range");
+    const std::size_t before = CUnit::instances().size();
+    EXPECT_EQ(parsed("K·huge·huge").second,
+              "std::overflow_error: Exponent 4000000000 is out of range");
+    EXPECT_EQ(parsed("K^7 cd^2 cd^3").second,
+              "std::overflow_error: Exponent 7700000005 is out of range");
+    EXPECT_EQ(CUnit::instances().size(), before);
+}
+
 TEST(UnitParser, ReadsEveryShortTextAsASecondReaderDoes) {
     CUnitFormat::alias(SI::Ampere(), "[m]");
     CUnitFormat::alias(SI::Kelvin(), "m[");

@@ -115,6 +115,8 @@ Factors raised(Factors factors, int pow, int root) {
     return factors;
 }
 
+std::atomic<bool> largeExponentsExist{false};
+
 int hashOf(const Factors& factors) {
     unsigned sum = 0;
     for (const CUnitRationalPower& factor : factors) {
@@ -129,7 +131,16 @@ int hashOf(const Factors& factors) {
 
 CProductUnit::CProductUnit() : CDerivedUnit("One") {}
 CProductUnit::CProductUnit(const Elements& elements)
-    : CDerivedUnit(string_t()), m_Elements(elements) {}
+    : CDerivedUnit(string_t()), m_Elements(elements) {
+    constexpr int LargestPow = 64;
+    constexpr int LargestRoot = 8;
+    for (const CUnitRationalPower& element : m_Elements) {
+        if (element.getPow() > LargestPow || element.getPow() < -LargestPow ||
+            element.getRoot() > LargestRoot) {
+            detail::largeExponentsExist.store(true, std::memory_order_relaxed);
+        }
+    }
+}
 CProductUnit::~CProductUnit() = default;
 
 CUnitPtr CProductUnit::one() {

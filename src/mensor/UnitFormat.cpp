@@ -170,7 +170,7 @@ private:
     void requireSmallExponents() const {
         constexpr std::int64_t Harmless = 4096;
         std::int64_t sum = 0;
-        bool isHarmless = true;
+        bool isHarmless = !detail::largeExponentsExist.load(std::memory_order_relaxed);
         for (const Factor& factor : m_Factors) {
             sum += factor.Pow < 0 ? -std::int64_t{factor.Pow} : factor.Pow;
             isHarmless = isHarmless && factor.Root == 1 && sum <= Harmless;

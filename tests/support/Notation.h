@@ -47,18 +47,6 @@ struct Asked {
         }
         return product;
     }
-
-    /// Whether the exponents are such that they may leave the range of int while the factors are
-    /// multiplied; other ones may only where the hash leads to another unit.
-    bool isLarge() const {
-        std::int64_t sum = 0;
-        bool isRoot = false;
-        for (const Factor& factor : Factors) {
-            isRoot = isRoot || factor.Root != 1;
-            sum += std::abs(std::int64_t{factor.Pow});
-        }
-        return isRoot || sum > 4096;
-    }
 };
 
 // No states, unlike the library: a scanner that takes whole tokens.
