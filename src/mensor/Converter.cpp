@@ -226,18 +226,19 @@ bool isLastOwnerOfCompound(const CConverterPtr& converter) {
 
 // To destroy a chain level by level would need a stack as deep as the chain; to keep a list of what is
 // left, memory, of which there may be none. So the compounds that die with this one are turned until
-// none hangs on a first step, ((a b) c) becoming (a (b c)), and taken off one by one.
+// none hangs on a first step, ((a b) c) becoming (a (b c)), and taken off one by one. Their pointers are
+// copied, not moved: use_count() only looks, while a copy acquires what former owners still did.
 CCompound::~CCompound() {
     while (true) {
         if (isLastOwnerOfCompound(m_First)) {
-            CConverterPtr turned = std::move(m_First);
+            CConverterPtr turned = m_First;
             auto& inner = static_cast<CCompound&>(*turned);
             m_First = std::move(inner.m_First);
             inner.m_First = std::move(inner.m_Second);
             inner.m_Second = std::move(m_Second);
             m_Second = std::move(turned);
         } else if (isLastOwnerOfCompound(m_Second)) {
-            const CConverterPtr emptied = std::move(m_Second);
+            const CConverterPtr emptied = m_Second;
             auto& inner = static_cast<CCompound&>(*emptied);
             m_First = std::move(inner.m_First);
             m_Second = std::move(inner.m_Second);
