@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 
+#include "Input.h"
 #include "Property.h"
 #include "mensor_checked/Reading.h"
 #include "mensor_checked/Values.h"
@@ -40,12 +41,11 @@ void checkDiagnosis(const std::string& text, const checked::CDiagnosis& diagnosi
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    constexpr std::size_t LongestInput =
-        64;  // units are kept for good, and long texts are only more
-    if (size > LongestInput) {
+    const auto input = fuzz::shortText(data, size, 64);
+    if (!input) {
         return 0;
     }
-    const std::string text(data, data + size);
+    const std::string& text = *input;
     const checked::CReading unit = checked::tryReadUnit(text);
     if (unit) {
         checkUnit(text, unit.Unit);

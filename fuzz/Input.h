@@ -1,4 +1,4 @@
-// Input.h: the bytes of an input as choices, one after the other; zeros when they are used up.
+// Input.h: an input as one text, or its bytes as choices, one after the other; zeros when they are used up.
 //
 //     fuzz::CInput input(data, size);
 //     while (!input.empty()) {
@@ -11,10 +11,20 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <optional>
 #include <string>
+#include <utility>
 
 namespace mensor {
 namespace fuzz {
+
+/// The input as one text; none if it is longer than `longest`: units are kept for good, and long texts are
+/// only more of the same.
+inline std::optional<std::string> shortText(const std::uint8_t* data, std::size_t size,
+                                            std::size_t longest) {
+    return size <= longest ? std::optional<std::string>(std::in_place, data, data + size)
+                           : std::nullopt;
+}
 
 class CInput {
 public:

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+#include "Input.h"
 #include "Property.h"
 #include "UnitTexts.h"
 #include "mensor/Unit.h"
@@ -13,12 +14,11 @@
 using namespace mensor;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    constexpr std::size_t LongestInput =
-        64;  // units are kept for good, and long texts are only more
-    if (size > LongestInput) {
+    const auto input = fuzz::shortText(data, size, 64);
+    if (!input) {
         return 0;
     }
-    const std::string text(data, data + size);
+    const std::string& text = *input;
     const std::string outcome = fuzz::checkReading(text);
     if (outcome == "returned") {
         fuzz::checkWriting(CUnit::fromString(text));

@@ -13,6 +13,7 @@
 #include <cstring>
 #include <string>
 
+#include "Input.h"
 #include "Property.h"
 #include "UnitTexts.h"
 #include "mensor/ValueWithUnit.h"
@@ -144,12 +145,11 @@ void checkPair(const CValueWithUnit& a, const CValueWithUnit& b) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    constexpr std::size_t LongestInput =
-        96;  // units are kept for good, and long texts are only more
-    if (size > LongestInput) {
+    const auto input = fuzz::shortText(data, size, 96);
+    if (!input) {
         return 0;
     }
-    const std::string texts(data, data + size);
+    const std::string& texts = *input;
     const std::size_t lineEnd = texts.find('\n');
     CValueWithUnit first(0.0, CProductUnit::one()), second = first;
     const bool isFirst = checkReading(texts.substr(0, lineEnd), first) == "returned";

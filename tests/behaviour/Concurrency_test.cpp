@@ -23,6 +23,7 @@
 #include "mensor/UnitFormat.h"
 #include "support/ClientUnit.h"
 #include "support/Invariants.h"
+#include "support/ManyTexts.h"
 #include "support/Matchers.h"
 #include "support/Threads.h"
 
@@ -309,17 +310,7 @@ TEST_P(ConcurrentReading, TheSameNewTextIsTheSameObject) {
 }
 
 TEST_P(ConcurrentReading, OfMoreTextsThanAreRememberedEachGivesItsOwnUnit) {
-    const char* const names[] = {"m",  "s",  "kg", "A",  "K",    "mol",
-                                 "cd", "km", "ms", "Pa", "mbar", "h"};
-    std::vector<std::pair<std::string, CUnitPtr>> texts;
-    for (const char* left : names) {
-        for (const char* right : names) {
-            for (const char* power : {"", "2", "^3", "^1:2", "-1"}) {
-                const std::string text = std::string(left) + "/" + right + power;
-                texts.emplace_back(text, CUnit::fromString(text));
-            }
-        }
-    }
+    const auto texts = test::manyTexts();
     ASSERT_GT(texts.size(), 512U);
     race(Threads, [&](int thread) {
         for (std::size_t i = 0; i < 2 * texts.size(); ++i) {

@@ -3,8 +3,6 @@
 //
 // The program's operator new is the library's, too. Each request is tried with its first, second, third
 // ... allocation failing until it succeeds; each answer must be that of a process in which nothing failed.
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -183,35 +181,12 @@ Requests session() {
 
 // What `work` returns in a process of its own; what it reports is reported there.
 std::string inFreshProcess(const std::function<std::string()>& work) {
-    std::array<int, 2> ends{};
-    if (pipe(ends.data()) != 0) {
-        return "no pipe";
-    }
-    std::fflush(nullptr);
-    const pid_t child = forkAtRest();
-    if (child == 0) {
-        const std::string text = work();
-        for (std::size_t done = 0; done < text.size();) {
-            const ssize_t count = write(ends[1], text.data() + done, text.size() - done);
-            if (count <= 0) {
-                _exit(2);
-            }
-            done += static_cast<std::size_t>(count);
-        }
-        std::fflush(nullptr);
-        _exit(::testing::Test::HasFailure() ? 1 : 0);
-    }
-    close(ends[1]);
-    std::string text;
-    std::array<char, 4096> buffer{};
-    for (ssize_t count = 0; (count = read(ends[0], buffer.data(), buffer.size())) > 0;) {
-        text.append(buffer.data(), static_cast<std::size_t>(count));
-    }
-    close(ends[0]);
-    int status = -1;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(status, 0);
-    return text;
+    const ChildEnd end = inChild([&](std::string& text) {
+        text = work();
+        return ::testing::Test::HasFailure() ? 1 : 0;
+    });
+    EXPECT_EQ(end.Status, 0);
+    return end.Text;
 }
 
 // Whether nobody holds the mutex of the process or that of a unit. Asked of the C library: under the

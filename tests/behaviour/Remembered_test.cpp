@@ -23,6 +23,7 @@
 #include "mensor/UnitFormat.h"
 #include "mensor/ValueWithUnit.h"
 #include "support/ClientUnit.h"
+#include "support/ManyTexts.h"
 #include "support/Matchers.h"
 
 namespace mensor {
@@ -109,18 +110,7 @@ TEST(RememberedTexts, AClientThatHasATableIsHeardThoughItAsksForOthersToo) {
 }
 
 TEST(RememberedTexts, ManyMoreTextsThanThereIsRoomForAllReadRight) {
-    const char* const names[] = {"m",  "s",  "kg", "A",  "K",    "mol",
-                                 "cd", "km", "ms", "Pa", "mbar", "h"};
-    std::vector<std::pair<std::string, CUnitPtr>> texts;
-    for (const char* left : names) {
-        for (const char* right : names) {
-            for (int power = 1; power <= 9; ++power) {
-                const std::string text =
-                    std::string(left) + "/" + right + "^" + std::to_string(power);
-                texts.emplace_back(text, CUnit::fromString(text));
-            }
-        }
-    }
+    const auto texts = test::manyTexts();
     ASSERT_GT(texts.size(), 1000U);
     for (int round = 0; round < 3; ++round) {
         if (round == 2) {

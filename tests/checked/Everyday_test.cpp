@@ -6,10 +6,7 @@
 // compares.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <array>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -147,38 +144,19 @@ void readAll(std::uint32_t seed, std::ostream& out) {
 
 // What readAll writes, in a process that has read nothing before.
 std::string inFreshProcess(std::uint32_t seed) {
-    std::array<int, 2> ends{};
-    if (pipe(ends.data()) != 0) {
-        return "! no pipe\n";
-    }
-    const pid_t child = forkAtRest();
-    if (child == 0) {
+    const ChildEnd end = inChild([&](std::string& text) {
         std::ostringstream out;
         try {
             readAll(seed, out);
         } catch (const std::exception& e) {
             out << "! " << e.what() << "\n";
         }
-        const std::string text = out.str();
-        for (std::size_t done = 0; done < text.size();) {
-            const ssize_t count = write(ends[1], text.data() + done, text.size() - done);
-            if (count <= 0) {
-                _exit(2);
-            }
-            done += static_cast<std::size_t>(count);
-        }
-        _exit(0);
-    }
-    close(ends[1]);
-    std::string text;
-    std::array<char, 4096> buffer{};
-    for (ssize_t count = 0; (count = read(ends[0], buffer.data(), buffer.size())) > 0;) {
-        text.append(buffer.data(), static_cast<std::size_t>(count));
-    }
-    close(ends[0]);
-    int status = -1;
-    waitpid(child, &status, 0);
-    return status == 0 ? text : text + "! the process ended with status " + std::to_string(status);
+        text = out.str();
+        return 0;
+    });
+    return end.Status == 0
+               ? end.Text
+               : end.Text + "! the process ended with status " + std::to_string(end.Status);
 }
 
 struct Refused {
