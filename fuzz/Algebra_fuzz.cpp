@@ -259,13 +259,17 @@ void checkConversion(const CUnitPtr& from, const CUnitPtr& to, double value) {
             "is converted otherwise at once");
     require(areSame(converter->derivative(value), expected->derivative(value)), "a converter",
             "has another slope");
-    // Where nothing is lost on the way: numbers of usual size, and offsets no larger than they.
+    // Where nothing is lost on the way: numbers of usual size, and offsets no larger than they, not even
+    // two that cancel out.
     const CConverterPtr inverse = converter->inverse();
-    const double slope = converter->derivative(value), offset = converter->convert(0.0);
+    const CConverterPtr there = from->getCtxToDimension(), back = to->getCtxToDimension();
     const auto isUsual = [](double x) { return std::fabs(x) > 1e-90 && std::fabs(x) < 1e90; };
-    if (isUsual(value) && isUsual(slope) && std::fabs(offset) <= std::fabs(value * slope) &&
-        isUsual(from->getCtxToDimension()->derivative(0.0)) &&
-        isUsual(to->getCtxToDimension()->derivative(0.0))) {
+    const auto outweighsOffset = [value](const CConverter& step) {
+        return std::fabs(step.convert(0.0)) <= std::fabs(value * step.derivative(value));
+    };
+    if (isUsual(value) && isUsual(converter->derivative(value)) && outweighsOffset(*converter) &&
+        isUsual(there->derivative(0.0)) && outweighsOffset(*there) &&
+        isUsual(back->derivative(0.0))) {
         require(std::fabs(inverse->convert(converted) - value) <= 1e-9 * std::fabs(value),
                 "a value", "is not undone by the inverse");
     }
