@@ -3,7 +3,7 @@
 # process, and much can only be seen when they are new.
 include(GoogleTest)
 
-# Code of tests alone is not optimised, which halves the time that tests take to build. The library, the
+# Code of tests alone is not optimised, which nearly halves the time of compiling it. The library, the
 # tools, the examples and the transcript are built as a user builds them.
 function(mensor_quickly_built target)
   target_compile_options(${target} PRIVATE -O0)

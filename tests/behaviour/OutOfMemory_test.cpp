@@ -3,9 +3,7 @@
 //
 // The program's operator new is the library's, too. Each request is tried with its first, second, third
 // ... allocation failing until it succeeds; each answer must be that of a process in which nothing failed.
-
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <functional>
 #include <iostream>
