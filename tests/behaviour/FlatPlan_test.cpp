@@ -6,8 +6,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <memory>
+#include <numeric>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -304,7 +306,7 @@ TEST(ConvertAll, AsksASubclassOfAnyConverterForEachValue) {
     }
 }
 
-TEST(ConvertAll, GivesTheSameBitsAtEveryLengthAndAlignment) {
+TEST(ConvertAll, GivesTheSameBitsAtEveryLength) {
     const std::vector<CConverterPtr> converters{
         CConverter::identity(),
         add(273.15),
@@ -324,11 +326,36 @@ TEST(ConvertAll, GivesTheSameBitsAtEveryLengthAndAlignment) {
         values.push_back(std::ldexp(1.0 + i / 7.0, i % 40 - 20));
     }
     for (const CConverterPtr& converter : converters) {
-        for (const int from : {0, 1, 2, 3}) {
-            for (const int length : {0, 1, 2, 3, 4, 5, 7, 8, 9, 31, 1023, 1024, 1025, 2500}) {
-                ASSERT_EQ(
-                    difference(converter, {values.begin() + from, values.begin() + from + length}),
-                    "");
+        for (const int length : {0, 1, 2, 3, 4, 5, 7, 8, 9, 31, 1023, 1024, 1025, 2500}) {
+            ASSERT_EQ(difference(converter, {values.begin(), values.begin() + length}), "");
+        }
+    }
+}
+
+// Each array begins at each of the eight places that a double has in a cache line.
+TEST(ConvertAll, WritesEachResultOnceWhereverTheTwoArraysBegin) {
+    constexpr std::size_t Places = 8, Longest = 40;
+    constexpr double Untouched = -1;
+    for (const CConverterPtr& converter : {add(0.5), multiply(3)}) {
+        for (std::size_t from = 0; from < Places; ++from) {
+            for (std::size_t to = 0; to < Places; ++to) {
+                for (std::size_t length = 0; length <= Longest; ++length) {
+                    alignas(64) double values[Places + Longest + 1];
+                    alignas(64) double results[Places + Longest + 1];
+                    std::iota(std::begin(values), std::end(values), 1.0);
+                    std::fill(std::begin(results), std::end(results), Untouched);
+                    converter->convertAll(values + from, results + to, length);
+                    converter->convertAll(values + from, values + from, length);
+                    for (std::size_t i = 0; i < Places + Longest + 1; ++i) {
+                        const double value = 1.0 + static_cast<double>(i);
+                        const bool isResult = i >= to && i < to + length;
+                        const bool isInPlace = i >= from && i < from + length;
+                        const double moved =
+                            value - static_cast<double>(to) + static_cast<double>(from);
+                        ASSERT_EQ(results[i], isResult ? converter->convert(moved) : Untouched);
+                        ASSERT_EQ(values[i], isInPlace ? converter->convert(value) : value);
+                    }
+                }
             }
         }
     }
