@@ -5,6 +5,7 @@
 #include "mensor/ProductUnit.h"
 #include "mensor/SI.h"
 #include "mensor/UnitFormat.h"
+#include "mensor/tables.h"
 
 namespace mensor {
 namespace NonSI {
@@ -15,8 +16,11 @@ CUnitPtr Percent() {
 }
 
 // This one and Psi are not built while the library is loaded. Built later, their pointers would be
-// destroyed before the statics of clients, which may still ask for them: they never are.
+// destroyed before the statics of clients, which may still ask for them: they never are. Building locks
+// mutex(). It is locked before the static is, so that a thread that holds it and calls one of the two
+// cannot wait for a thread that builds, and that one for it.
 CUnitPtr None() {
+    const detail::Lock lock(CUnit::mutex());
     static const CUnitPtr& None =
         *new CUnitPtr(CUnitFormat::label(CProductUnit::one()->multiply(1.0), ""));
     return None;
@@ -78,6 +82,7 @@ CUnitPtr Bar() {
 }
 
 CUnitPtr Psi() {
+    const detail::Lock lock(CUnit::mutex());
     static const CUnitPtr& psi =
         *new CUnitPtr(CUnitFormat::label(SI::Pascal()->multiply(6894.76), "psi"));
     return psi;

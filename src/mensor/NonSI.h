@@ -7,8 +7,7 @@
 // and None are built while the library is loaded. The factors of the pressures are short decimals
 // by choice. If building fails, the exception passes and the next call tries again.
 //
-// Threads: any thread. The first calls of Psi and None lock CUnit::mutex(), and other first callers wait
-// for them: call both before the threads start, or under the mutex.
+// Threads: any thread. Psi and None lock CUnit::mutex(); the others take no lock.
 #ifndef MENSOR_NONSI_H
 #define MENSOR_NONSI_H
 

@@ -45,10 +45,20 @@ std::map<int, CUnitPtr>& seededInstances() {
     return instances;
 }
 
-// What registering `unit` has put into the tables so far; taken out again unless it succeeds.
+bool isRegistered(const CUnitPtr& unit) {
+    const auto found = tables().Instances.find(unit->hashCode());
+    return found != tables().Instances.end() && found->second == unit;
+}
+
+// What registering `unit` has put into the tables so far; taken out again unless it succeeds. What was
+// there before stays: conversions of the unit that was not registered yet may have put it there.
 class CRegistration {
 public:
-    explicit CRegistration(const CUnitPtr& unit) : m_Unit(unit), m_Symbol(tables().Symbols.end()) {}
+    explicit CRegistration(const CUnitPtr& unit)
+        : m_Unit(unit),
+          m_Symbol(tables().Symbols.end()),
+          m_HadDimension(tables().Dimensions.count(unit) != 0),
+          m_HadToDimension(tables().ToDimensions.count(unit) != 0) {}
 
     ~CRegistration() {
         if (!m_Unit) {
@@ -57,9 +67,13 @@ public:
         if (m_Symbol != tables().Symbols.end()) {
             tables().Symbols.erase(m_Symbol);
         }
-        tables().Dimensions.erase(m_Unit);  // asking for a symbol may have asked for a converter
-        tables().ToDimensions.erase(m_Unit);
-        detail::advance(detail::contextEpoch);
+        // Asking for a symbol may have asked for a converter.
+        if (!m_HadDimension) {
+            tables().Dimensions.erase(m_Unit);
+        }
+        if (!m_HadToDimension) {
+            tables().ToDimensions.erase(m_Unit);
+        }
     }
 
     CRegistration(const CRegistration&) = delete;
@@ -78,6 +92,8 @@ public:
 private:
     CUnitPtr m_Unit;
     std::map<string_t, CUnitPtr>::iterator m_Symbol;
+    bool m_HadDimension;
+    bool m_HadToDimension;
 };
 
 }  // namespace
@@ -169,12 +185,17 @@ const CConverterPtr* CUnit::rememberedToDimension() const {
     return m_RememberedToDimension.load(std::memory_order_relaxed);
 }
 
-// `toDimension` is the entry in toDimensions(), which stays where it is. The caller holds mutex().
-void CUnit::rememberDimension(const CUnit* dimension, const CConverterPtr& toDimension) {
-    m_RememberedDimension.store(dimension, std::memory_order_relaxed);
-    m_RememberedToDimension.store(&toDimension, std::memory_order_relaxed);
-    m_RememberedEpoch.store(detail::contextEpoch.load(std::memory_order_relaxed),
-                            std::memory_order_release);
+// `toDimension` is the entry of `unit` in toDimensions(), which stays where it is if the unit is
+// registered. Of other units nothing is remembered. The caller holds mutex().
+void CUnit::rememberDimension(const CUnitPtr& unit, const CUnitPtr& dimension,
+                              const CConverterPtr& toDimension) {
+    if (!isRegistered(unit)) {
+        return;
+    }
+    unit->m_RememberedDimension.store(dimension.get(), std::memory_order_relaxed);
+    unit->m_RememberedToDimension.store(&toDimension, std::memory_order_relaxed);
+    unit->m_RememberedEpoch.store(detail::contextEpoch.load(std::memory_order_relaxed),
+                                  std::memory_order_release);
 }
 
 CUnitPtr CUnit::getDimension() {
@@ -193,13 +214,16 @@ const CUnitPtr& CUnit::dimensionLocked(const CUnitPtr& unit) {
     return dimensions.emplace(unit, dimension).first->second;
 }
 
-// The entry of `unit` in toDimensions(), which stays empty if the unit cannot say. The caller holds
-// mutex().
-const CConverterPtr& CUnit::toDimensionLocked(const CUnitPtr& unit) {
-    CConverterPtr& toDimension = tables().ToDimensions[unit];
-    if (!toDimension) {
-        toDimension = unit->getCtxToDimension();
+// The converter of `unit` to its dimension, as toDimensions() holds it. The entry is made if there is
+// none and stays empty if the unit cannot say. The caller holds mutex().
+CConverterPtr CUnit::toDimensionLocked(const CUnitPtr& unit, const CUnitPtr& dimension) {
+    auto& toDimensions = tables().ToDimensions;
+    if (!toDimensions[unit]) {
+        CConverterPtr toDimension = unit->getCtxToDimension();
+        toDimensions[unit] = std::move(toDimension);
     }
+    const CConverterPtr& toDimension = toDimensions[unit];
+    rememberDimension(unit, dimension, toDimension);
     return toDimension;
 }
 
@@ -216,61 +240,52 @@ bool CUnit::isCompatible(CUnitPtr that) {
     return dimension == that->getDimension();
 }
 
-// toThat->inverse()->concatenate(fromThis), where most often the first is the identity.
-CConverterPtr CUnit::chain(const Route& route) {
+// fromThat->inverse()->concatenate(fromThis), where most often the first is the identity.
+CConverterPtr CUnit::chain(const CConverterPtr& fromThis, const CConverterPtr& fromThat) {
     const CConverterPtr& identity = detail::theIdentity();
-    if (*route.FromThat != identity) {
-        return CCompound::throughInverse(*route.FromThis, *route.FromThat);
+    if (fromThat != identity) {
+        return CCompound::throughInverse(fromThis, fromThat);
     }
-    return *route.FromThis == identity ? identity
-                                       : std::make_shared<CCompound>(*route.FromThis, identity);
+    return fromThis == identity ? identity : std::make_shared<CCompound>(fromThis, identity);
 }
 
-inline CUnit::Route CUnit::routeTo(const CUnitPtr& that) {
+// What `use` makes of the converters of this unit and of `that` to their dimension.
+template <class Use>
+inline auto CUnit::useRouteTo(const CUnitPtr& that, Use use) {
     const CConverterPtr* const fromThis = rememberedToDimension();
     const CConverterPtr* const fromThat = that->rememberedToDimension();
     if (fromThis != nullptr && fromThat != nullptr &&
         m_RememberedDimension.load(std::memory_order_relaxed) ==
             that->m_RememberedDimension.load(std::memory_order_relaxed)) {
-        return {fromThis, fromThat};
+        return use(*fromThis, *fromThat);
     }
-    return lookUpRouteTo(that);
+    const Route route = lookUpRouteTo(that);
+    return use(route.FromThis, route.FromThat);
 }
 
-// routeTo() by way of the tables, all under one lock.
+// The route by way of the tables, all under one lock. It is a copy: without the lock, the entry of a
+// unit that is not registered may be gone at any time.
 CUnit::Route CUnit::lookUpRouteTo(const CUnitPtr& that) {
     const Lock lock(tables().Mutex);
     const CUnitPtr self = shared_from_this();
-    Route route{rememberedToDimension(), that->rememberedToDimension()};
-    const CUnit* const thisDimension = route.FromThis != nullptr
-                                           ? m_RememberedDimension.load(std::memory_order_relaxed)
-                                           : dimensionLocked(self).get();
-    const CUnit* const thatDimension =
-        route.FromThat != nullptr ? that->m_RememberedDimension.load(std::memory_order_relaxed)
-                                  : dimensionLocked(that).get();
-    if (thisDimension != thatDimension) {
+    const CUnitPtr dimension = dimensionLocked(self);
+    if (dimension != dimensionLocked(that)) {
         detail::CTextStream message;
         message << getSymbol() << " is not compatible with " << that->getSymbol()
                 << " in current context";
         throw std::invalid_argument(message.str());
     }
-    if (route.FromThis == nullptr) {
-        route.FromThis = &toDimensionLocked(self);
-        rememberDimension(thisDimension, *route.FromThis);
-    }
-    if (route.FromThat == nullptr) {
-        route.FromThat = &toDimensionLocked(that);
-        that->rememberDimension(thatDimension, *route.FromThat);
-    }
-    return route;
+    CConverterPtr fromThis = toDimensionLocked(self, dimension);
+    return {std::move(fromThis), toDimensionLocked(that, dimension)};
 }
 
 void CUnit::requireConverterTo(const CUnitPtr& that) {
     if (that.get() != this) {
-        const Route route = routeTo(that);
-        if (*route.FromThat != detail::theIdentity()) {
-            chain(route);
-        }
+        useRouteTo(that, [](const CConverterPtr& fromThis, const CConverterPtr& fromThat) {
+            if (fromThat != detail::theIdentity()) {
+                chain(fromThis, fromThat);
+            }
+        });
     }
 }
 
@@ -279,7 +294,7 @@ CConverterPtr CUnit::getConverterTo(CUnitPtr that) {
     if (that.get() == this) {
         return detail::theIdentity();
     }
-    return chain(routeTo(that));
+    return useRouteTo(that, chain);
 }
 
 CConverterPtr CUnit::getConverterTo(const string_t& text) {
@@ -291,10 +306,11 @@ double CUnit::convertValueToUnit(double value, CUnitPtr that) {
     if (that.get() == this) {
         return value;
     }
-    const Route route = routeTo(that);
-    // To a unit that is its own dimension the chain ends with the identity: no need to build it.
-    return *route.FromThat == detail::theIdentity() ? (*route.FromThis)->convert(value)
-                                                    : chain(route)->convert(value);
+    return useRouteTo(that, [value](const CConverterPtr& fromThis, const CConverterPtr& fromThat) {
+        // To a unit that is its own dimension the chain ends with the identity: no need to build it.
+        return fromThat == detail::theIdentity() ? fromThis->convert(value)
+                                                 : chain(fromThis, fromThat)->convert(value);
+    });
 }
 
 CUnitPtr CUnit::add(double offset) {
@@ -307,7 +323,7 @@ CUnitPtr CUnit::multiply(double factor) {
                                          std::make_shared<CMultiplyConverter>(factor));
 }
 
-// Each caller holds the unit's m_LookupVectorMutex.
+// The caller holds the m_LookupVectorMutex of the unit that the table belongs to.
 CUnitPtr CUnit::getUnitByIndexOrExpandTable(int index, std::vector<CUnitPtr>& table) {
     if (index < 0) {
         throw std::out_of_range("Id " + std::to_string(index) + " of a unit is negative");
@@ -318,12 +334,20 @@ CUnitPtr CUnit::getUnitByIndexOrExpandTable(int index, std::vector<CUnitPtr>& ta
     return table[static_cast<std::size_t>(index)];
 }
 
+// The locks of the algebra. A hit takes the unit's own mutex alone and asks nobody. A miss lets go of
+// it, takes the mutex of the process and then the unit's again, so that wherever two locks are held the
+// process's came first, and no thread can wait for another in a circle. tests/model/locks.pml models
+// the two functions below, and scripts/check compares what it quotes of them.
+
 // The canonical result in the slot, which `make` fills if it is empty.
 template <class Make>
 inline CUnitPtr CUnit::lookUp(int index, std::vector<CUnitPtr>& table, Make make) {
-    const auto slot = static_cast<std::size_t>(index);
-    if (slot < table.size() && table[slot]) {
-        return table[slot];
+    {
+        const Lock lock(m_LookupVectorMutex);
+        const auto slot = static_cast<std::size_t>(index);
+        if (slot < table.size() && table[slot]) {
+            return table[slot];
+        }
     }
     return fill(index, table, make);
 }
@@ -331,24 +355,34 @@ inline CUnitPtr CUnit::lookUp(int index, std::vector<CUnitPtr>& table, Make make
 // Apart from lookUp(), so that what is there already costs no more than the way to it.
 template <class Make>
 [[gnu::noinline]] CUnitPtr CUnit::fill(int index, std::vector<CUnitPtr>& table, const Make& make) {
-    getUnitByIndexOrExpandTable(index, table);
-    CUnitPtr result = make();
-    table[static_cast<std::size_t>(index)] = result;
+    const Lock processLock(tables().Mutex);
+    const Lock lock(m_LookupVectorMutex);
+    CUnitPtr result = getUnitByIndexOrExpandTable(index, table);
+    if (!result) {
+        result = make();
+        table[static_cast<std::size_t>(index)] = result;
+    }
     return result;
+}
+
+// Results without a slot are made as those with one, with both locks held.
+template <class Make>
+CUnitPtr CUnit::makeLocked(const Make& make) {
+    const Lock processLock(tables().Mutex);
+    const Lock lock(m_LookupVectorMutex);
+    return make();
 }
 
 // Units that were never registered have id 0, as the dimensionless unit has, and share its slot: the
 // first result there is the result for all of them.
 CUnitPtr CUnit::multiply(CUnitPtr that) {
     requireUnit(that, "CUnit::multiply");
-    const Lock lock(m_LookupVectorMutex);
     return lookUp(that->m_Id, m_MultiplyLookUp,
                   [&] { return CProductUnit::getProductInstance(shared_from_this(), that); });
 }
 
 CUnitPtr CUnit::divide(CUnitPtr that) {
     requireUnit(that, "CUnit::divide");
-    const Lock lock(m_LookupVectorMutex);
     return lookUp(that->m_Id, m_DivideLookUp,
                   [&] { return CProductUnit::getQuotientInstance(shared_from_this(), that); });
 }
@@ -357,38 +391,30 @@ CUnitPtr CUnit::pow(int n) {
     if (n == 1) {
         return shared_from_this();
     }
-    const Lock lock(m_LookupVectorMutex);
-    if (n > LargestCachedExponent) {
-        return CProductUnit::getPowInstance(shared_from_this(), n);
-    }
-    if (n > 1) {
-        return lookUp(n - 2, m_PowLookUp,
-                      [&] { return CProductUnit::getPowInstance(shared_from_this(), n); });
-    }
     if (n == 0) {
         return CProductUnit::one();
     }
-    requireNegatable(n);
-    return CProductUnit::one()->divide(pow(-n));
+    if (n < 0) {
+        requireNegatable(n);
+        return CProductUnit::one()->divide(pow(-n));
+    }
+    const auto make = [&] { return CProductUnit::getPowInstance(shared_from_this(), n); };
+    return n > LargestCachedExponent ? makeLocked(make) : lookUp(n - 2, m_PowLookUp, make);
 }
 
 CUnitPtr CUnit::root(int n) {
     if (n == 1) {
         return shared_from_this();
     }
-    const Lock lock(m_LookupVectorMutex);
-    if (n > LargestCachedExponent) {
-        return CProductUnit::getRootInstance(shared_from_this(), n);
-    }
-    if (n > 1) {
-        return lookUp(n - 2, m_RootLookUp,
-                      [&] { return CProductUnit::getRootInstance(shared_from_this(), n); });
-    }
     if (n == 0) {
         throw std::invalid_argument("Root's order of zero");
     }
-    requireNegatable(n);
-    return CProductUnit::one()->divide(root(-n));
+    if (n < 0) {
+        requireNegatable(n);
+        return CProductUnit::one()->divide(root(-n));
+    }
+    const auto make = [&] { return CProductUnit::getRootInstance(shared_from_this(), n); };
+    return n > LargestCachedExponent ? makeLocked(make) : lookUp(n - 2, m_RootLookUp, make);
 }
 
 CUnitPtr CUnit::alternate(const string_t& symbol) {

@@ -11,12 +11,9 @@
 // has been registered lives until the process ends.
 //
 // Locks. mutex() guards the tables of this class and those of CUnitFormat. Each unit has a second
-// one, m_LookupVectorMutex, for its four caches of the algebra. Both orders occur: the algebra holds
-// a unit's own mutex when it registers its result (m_LookupVectorMutex of the unit, then that of the
-// dimensionless unit for negative powers, then mutex()), and getDimension() holds mutex() when it
-// folds the dimension of a product, which runs the algebra. Threads that race for first-time algebra
-// and first-time dimensions of the same units must therefore do it under mutex(), or before the
-// threads start.
+// one, m_LookupVectorMutex, for its four caches of the algebra. A thread that holds a unit's mutex takes
+// no other lock, unless it took mutex() before it. So the library cannot hang by itself; docs/threads.md
+// tells what clients' kinds of units must not do.
 #ifndef MENSOR_UNIT_H
 #define MENSOR_UNIT_H
 
@@ -142,22 +139,22 @@ public:
     /// The product of this unit and `that`, factors in this order where the product is new.
     /// @throws std::invalid_argument  `that` is empty.
     /// @throws std::overflow_error  an exponent leaves the range of `int`.
-    /// @par Threads  Any thread, locks m_LookupVectorMutex, then mutex().
+    /// @par Threads  Any thread, locks m_LookupVectorMutex; the first time mutex(), then it.
     CUnitPtr multiply(CUnitPtr that);
 
     /// The quotient of this unit and `that`; otherwise as `multiply`.
-    /// @par Threads  Any thread, locks m_LookupVectorMutex, then mutex().
+    /// @par Threads  Any thread, locks m_LookupVectorMutex; the first time mutex(), then it.
     CUnitPtr divide(CUnitPtr that);
 
     /// The root of order `n` of this unit; a negative order is the root's reciprocal.
     /// @throws std::invalid_argument  "Root's order of zero".
     /// @throws std::overflow_error  an exponent leaves the range of `int`.
-    /// @par Threads  Any thread, locks m_LookupVectorMutex, then mutex().
+    /// @par Threads  Any thread, locks m_LookupVectorMutex; the first time mutex(), then it.
     CUnitPtr root(int n);
 
     /// This unit to the power `n`; power 0 is the dimensionless unit.
     /// @throws std::overflow_error  an exponent leaves the range of `int`.
-    /// @par Threads  Any thread, locks m_LookupVectorMutex, then mutex().
+    /// @par Threads  Any thread, locks m_LookupVectorMutex; the first time mutex(), then it.
     CUnitPtr pow(int n);
 
     /// A system unit with a symbol of its own that stands for this one, as N stands for kg·m/s².
@@ -247,23 +244,29 @@ private:
     MENSOR_LOCAL static CUnitPtr getUnitByIndexOrExpandTable(int index,
                                                              std::vector<CUnitPtr>& table);
     template <class Make>
-    MENSOR_LOCAL static CUnitPtr lookUp(int index, std::vector<CUnitPtr>& table, Make make);
+    MENSOR_LOCAL CUnitPtr lookUp(int index, std::vector<CUnitPtr>& table, Make make);
     template <class Make>
-    MENSOR_LOCAL static CUnitPtr fill(int index, std::vector<CUnitPtr>& table, const Make& make);
+    MENSOR_LOCAL CUnitPtr fill(int index, std::vector<CUnitPtr>& table, const Make& make);
+    template <class Make>
+    MENSOR_LOCAL CUnitPtr makeLocked(const Make& make);
 
     MENSOR_LOCAL const CConverterPtr* rememberedToDimension() const;
-    MENSOR_LOCAL void rememberDimension(const CUnit* dimension, const CConverterPtr& toDimension);
+    MENSOR_LOCAL static void rememberDimension(const CUnitPtr& unit, const CUnitPtr& dimension,
+                                               const CConverterPtr& toDimension);
 
-    // The converters of two compatible units to their dimension: entries of toDimensions().
+    // The converters of two compatible units to their dimension.
     struct Route {
-        const CConverterPtr* FromThis;
-        const CConverterPtr* FromThat;
+        CConverterPtr FromThis;
+        CConverterPtr FromThat;
     };
-    MENSOR_LOCAL Route routeTo(const CUnitPtr& that);
+    template <class Use>
+    MENSOR_LOCAL auto useRouteTo(const CUnitPtr& that, Use use);
     MENSOR_LOCAL Route lookUpRouteTo(const CUnitPtr& that);
-    MENSOR_LOCAL static CConverterPtr chain(const Route& route);
+    MENSOR_LOCAL static CConverterPtr chain(const CConverterPtr& fromThis,
+                                            const CConverterPtr& fromThat);
     MENSOR_LOCAL static const CUnitPtr& dimensionLocked(const CUnitPtr& unit);
-    MENSOR_LOCAL static const CConverterPtr& toDimensionLocked(const CUnitPtr& unit);
+    MENSOR_LOCAL static CConverterPtr toDimensionLocked(const CUnitPtr& unit,
+                                                        const CUnitPtr& dimension);
 
 protected:
     std::recursive_mutex m_LookupVectorMutex;  // guards the four vectors below; order: see the top

@@ -1,14 +1,17 @@
-// Locks_test.cpp: the two orders in which the library takes its locks, the rule by which clients keep
-// them from meeting (docs/threads.md), and that no call keeps a lock.
+// Locks_test.cpp: the one order in which the library takes its locks (docs/threads.md), that threads
+// which use units for the first time at once do not hang, and that no call keeps a lock.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <cstddef>
+#include <fstream>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -17,6 +20,7 @@
 #include <vector>
 
 #include "mensor/BaseUnit.h"
+#include "mensor/NonSI.h"
 #include "mensor/ProductUnit.h"
 #include "mensor/SI.h"
 #include "mensor/Unit.h"
@@ -38,49 +42,131 @@ using Lock = std::lock_guard<std::recursive_mutex>;
 
 CUnitPtr freshUnit() { return CBaseUnit::getInstance(freshSymbol()); }
 
-// Waits until `action`, in a thread of its own, holds `held` while this thread holds `wanted`; false if
-// it ends without that. So it goes on holding the one until it gets the other.
-bool holdsOneAndWaitsForTheOther(std::recursive_mutex& held, std::recursive_mutex& wanted,
-                                 const std::function<void()>& action) {
+// Whether the thread `id` of this process waits for something.
+bool isAsleep(pid_t id) {
+    std::ifstream file("/proc/self/task/" + std::to_string(id) + "/stat");
+    std::string stat;
+    std::getline(file, stat);
+    const std::size_t end = stat.rfind(") ");  // of its name
+    return end != std::string::npos && stat[end + 2] == 'S';
+}
+
+// Runs `action` in a thread of its own while this thread holds `held`, and calls `look` here when that
+// thread waits for something. False if it ends without waiting.
+bool whileItWaits(std::recursive_mutex& held, const std::function<void()>& action,
+                  const std::function<void()>& look) {
+    std::atomic<pid_t> id{0};
     std::atomic<bool> isDone{false};
-    bool isHeld = false;
+    bool isWaiting = false;
     std::thread thread;
     {
-        const Lock lock(wanted);
+        const Lock lock(held);
         thread = std::thread([&] {
+            id = static_cast<pid_t>(syscall(SYS_gettid));
             action();
             isDone = true;
         });
-        while (!isHeld && !isDone) {
-            isHeld = !held.try_lock();
-            if (!isHeld) {
-                held.unlock();
-                std::this_thread::yield();
-            }
+        while (!isDone && (id == 0 || !isAsleep(id))) {
+            std::this_thread::yield();
         }
-        isHeld = isHeld && !isDone;
+        isWaiting = !isDone;
+        if (isWaiting) {
+            look();
+        }
     }
     thread.join();
-    return isHeld;
+    return isWaiting;
 }
 
-TEST(LockOrder, OfFirstTimeAlgebraIsTheUnitAndThenTheTables) {
-    const CUnitPtr a = freshUnit(), b = freshUnit();
-    const std::pair<const char*, std::function<void()>> operations[] = {
-        {"product", [&] { a * b; }},         {"quotient", [&] { a / b; }},
-        {"power", [&] { a ^ 2; }},          {"root", [&] { a->root(3); }},
-        {"large power", [&] { a ^ 5000; }}, {"negative power", [&] { a ^ -3; }},
+// Whether `action` holds `other` while it waits for `held`. No value if it does not wait.
+std::optional<bool> holdsWhileItWaits(std::recursive_mutex& held, std::recursive_mutex& other,
+                                      const std::function<void()>& action) {
+    std::optional<bool> result;
+    whileItWaits(held, action, [&] {
+        result = !other.try_lock();
+        if (!*result) {
+            other.unlock();
+        }
+    });
+    return result;
+}
+
+struct Operation {
+    const char* Name;
+    std::function<void()> Run;
+};
+
+std::vector<Operation> algebraOf(const CUnitPtr& a, const CUnitPtr& b) {
+    return {
+        {"product", [=] { a* b; }},
+        {"quotient", [=] { a / b; }},
+        {"power", [=] { a ^ 2; }},
+        {"root", [=] { a->root(3); }},
+        {"large power", [=] { a ^ 5000; }},
+        {"large root", [=] { a->root(5000); }},
+        {"negative power", [=] { a ^ -4; }},
+        {"negative root", [=] { a->root(-5); }},
+        {"large negative", [=] { a ^ -5000; }},
     };
-    for (const auto& [name, operation] : operations) {
-        EXPECT_TRUE(holdsOneAndWaitsForTheOther(Inside::lookupMutex(a), CUnit::mutex(), operation))
-            << name;
+}
+
+// The unit's mutex is not kept while the thread waits for that of the tables.
+TEST(LockOrder, OfFirstTimeAlgebraIsTheTablesAndThenTheUnit) {
+    const CUnitPtr a = freshUnit(), b = freshUnit();
+    for (const auto& [name, run] : algebraOf(a, b)) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(holdsWhileItWaits(CUnit::mutex(), Inside::lookupMutex(a), run), false);
     }
+}
+
+// A power beyond those that are kept is made anew each time, as the first time.
+TEST(LockOrder, OfLargePowersIsThatOfFirstTimeAlgebraEachTime) {
+    const CUnitPtr a = freshUnit();
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(holdsWhileItWaits(CUnit::mutex(), Inside::lookupMutex(a), [&] { a ^ 5000; }),
+                  false);
+        EXPECT_EQ(holdsWhileItWaits(CUnit::mutex(), Inside::lookupMutex(a), [&] { a->root(5000); }),
+                  false);
+    }
+}
+
+// A known power is looked up, and its unit let go, before the dimensionless unit is asked.
+TEST(LockOrder, OfKnownNegativePowersIsOneUnitAfterTheOther) {
+    const CUnitPtr a = freshUnit(), known = (a ^ -3) * a->root(-3);
+    std::recursive_mutex &ofOne = Inside::lookupMutex(CProductUnit::one()),
+                         &ofUnit = Inside::lookupMutex(a);
+    EXPECT_EQ(holdsWhileItWaits(ofOne, ofUnit, [&] { a ^ -3; }), false);
+    EXPECT_EQ(holdsWhileItWaits(ofOne, ofUnit, [&] { a->root(-3); }), false);
+    EXPECT_EQ(holdsWhileItWaits(ofOne, CUnit::mutex(), [&] { a ^ -3; }), false);
 }
 
 TEST(LockOrder, OfAFirstDimensionIsTheTablesAndThenTheUnits) {
     const CUnitPtr a = freshUnit(), b = freshUnit(), product = (a * 1000.0) * b;
-    EXPECT_TRUE(holdsOneAndWaitsForTheOther(CUnit::mutex(), Inside::lookupMutex(a),
-                                            [&] { product->getDimension(); }));
+    EXPECT_EQ(
+        holdsWhileItWaits(Inside::lookupMutex(a), CUnit::mutex(), [&] { product->getDimension(); }),
+        true);
+}
+
+// The factory asks a client's kind of unit with both locks held.
+TEST(LockOrder, LetsProductsBeMadeWithBothLocksHeld) {
+    const auto v = freshClientUnit();
+    const CUnitPtr u = freshUnit(), unit = v;
+    std::vector<std::pair<bool, bool>> held;
+    CUnitPtr receiver = u;
+    v->Elements = [&]() -> std::vector<CUnitRationalPower> {
+        held.emplace_back(!isFree(CUnit::mutex()), !isFree(Inside::lookupMutex(receiver)));
+        return {CUnitRationalPower(unit, 1, 1)};
+    };
+    u->multiply(v);
+    u->divide(v);
+    receiver = v;
+    for (const int n : {2, 5000, -3, -6000}) {
+        v->pow(n);
+        v->root(n);
+    }
+    EXPECT_THAT(held,
+                ::testing::AllOf(::testing::SizeIs(10), ::testing::Each(std::pair(true, true))));
+    v->Elements = nullptr;
 }
 
 // What is known needs one lock at a time, so it may be asked for by anybody who holds the other.
@@ -135,19 +221,27 @@ void hammer(const std::vector<Meeting>& meetings,
     EXPECT_EQ(test::brokenInvariant(), "");
 }
 
-TEST(LockRule, LetsTheOrdersMeetWhereFirstTimeAlgebraIsDoneUnderTheMutex) {
+TEST(LockOrder, LetsThreadsDoFirstTimeAlgebraAndAskForFirstDimensionsAtOnce) {
+    hammer(std::vector<Meeting>(Rounds), multiplyAndDivide);
+}
+
+TEST(LockOrder, LetsAThreadThatHoldsTheMutexDoTheSameAsOneThatDoesNot) {
     hammer(std::vector<Meeting>(Rounds), [](const Meeting& meeting) {
         const Lock lock(CUnit::mutex());
         multiplyAndDivide(meeting);
     });
 }
 
-TEST(LockRule, LetsTheOrdersMeetWhereFirstTimeAlgebraIsDoneBeforeTheThreads) {
-    const std::vector<Meeting> meetings(Rounds);
-    for (const Meeting& meeting : meetings) {
-        multiplyAndDivide(meeting);
+// Two accessors build their unit at their first call. A thread that builds waits for the mutex; this one
+// has it and asks for the same unit, and does not wait for that thread.
+TEST(LockOrder, OfAccessorsThatBuildIsTheTablesAndThenTheirStatic) {
+    for (CUnitPtr (*const accessor)() : {NonSI::Psi, NonSI::None}) {
+        CUnitPtr here, there;
+        EXPECT_TRUE(whileItWaits(
+            CUnit::mutex(), [&] { there = accessor(); }, [&] { here = accessor(); }));
+        EXPECT_NE(here, nullptr);
+        EXPECT_EQ(here, there);
     }
-    hammer(meetings, multiplyAndDivide);
 }
 
 // Throws whatever it is asked, once it is told to.
