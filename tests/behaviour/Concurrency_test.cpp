@@ -1,8 +1,6 @@
 // Concurrency_test.cpp: threads that race for the first use of a thing end with one object. Meant
 // above all for the tsan preset; elsewhere it shows that the results agree.
-//
-// Each race keeps to one order of locks, as clients must (see Unit.h): either the algebra or the
-// dimensions of products are asked for the first time, not both at once. Locks_test.cpp has both.
+// What could make threads wait for each other is in Locks_test.cpp.
 #include <cstddef>
 #include <functional>
 #include <memory>
