@@ -1,0 +1,428 @@
+// DefinitionTable_test.cpp: every row of definitions.def means what the unit of that name means in the
+// registry, and what its source says; and the library reads each row as another reader does.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "exact/DefinitionTable.h"
+#include "mensor/NonSI.h"
+#include "mensor/UnitFormat.h"
+#include "mensor_checked/Meaning.h"
+#include "mensor_checked/Packs.h"
+#include "support/Catalogue.h"
+#include "support/Matchers.h"
+
+namespace mensor {
+namespace {
+
+using ::testing::ElementsAre;
+
+// The names of libmensor's labels and symbols, without the prefixed degrees Celsius.
+std::set<std::string> namesAfterLoad() {
+    std::set<std::string> names;
+    const std::string celsius = "°C";
+    const auto take = [&](const auto& table) {
+        for (const auto& entry : table) {
+            const std::string name = text(entry.first);
+            const std::size_t at = name.find(celsius);
+            if (at == std::string::npos || at == 0) {
+                names.insert(name);
+            }
+        }
+    };
+    take(CUnit::symbols());
+    take(CUnitFormat::labelUnitMap());
+    return names;
+}
+
+TEST(DefinitionTable, HasARowForEveryLabelAndSymbolOfTheRegistry) {
+    const DefinitionTable table;
+    const std::set<std::string> names = namesAfterLoad();
+    EXPECT_EQ(names.size(), 569U + 29U - 20U);
+    for (const std::string& name : names) {
+        const DefinitionRow* const row = table.find(name);
+        ASSERT_NE(row, nullptr) << name;
+        EXPECT_EQ(row->Set, "CATALOGUE") << name;
+    }
+}
+
+TEST(DefinitionTable, HasNoNameInTheCatalogueThatTheRegistryLacksButPsi) {
+    const std::set<std::string> names = namesAfterLoad();
+    std::vector<std::string> unknown;
+    for (const DefinitionRow& row : definitionRows()) {
+        if (row.Set == "CATALOGUE" && names.count(row.Name) == 0) {
+            unknown.push_back(row.Name);
+        }
+    }
+    EXPECT_THAT(unknown, ElementsAre("psi"));
+}
+
+TEST(DefinitionTable, DoesNotHaveThePrefixedDegreesCelsius) {
+    const DefinitionTable table;
+    for (const CPrefix& prefix : prefixes()) {
+        const std::string name = text(prefix.Symbol) + "°C";
+        EXPECT_NE(CUnitFormat::unitFor(name), nullptr) << name;
+        EXPECT_EQ(table.find(name), nullptr) << name;
+    }
+}
+
+TEST(DefinitionTable, HasEachNameOnceInASet) {
+    std::set<std::string> names;
+    for (const DefinitionRow& row : definitionRows()) {
+        EXPECT_TRUE(names.insert(row.Set + " " + row.Name).second) << row.Set << " " << row.Name;
+    }
+}
+
+TEST(DefinitionTable, HasTwoMeaningsOnlyOfNamesOfTwoCountriesAndUsesThemInNoDefinition) {
+    const DefinitionTable table;
+    std::map<std::string, std::set<std::string>> sets;
+    for (const DefinitionRow& row : table.rows()) {
+        sets[row.Name].insert(row.Set);
+    }
+    for (const DefinitionRow& row : table.rows()) {
+        if (sets[row.Name].size() > 1) {
+            EXPECT_THAT(sets[row.Name], ElementsAre("IMPERIAL", "US")) << row.Name;
+        }
+        for (const std::string& name : DefinitionTable::namesIn(row.Definition)) {
+            EXPECT_EQ(sets[name].size(), 1U) << row.Name << " is defined by " << name;
+        }
+    }
+}
+
+TEST(DefinitionTable, NamesUnitsAndSources) {
+    for (const DefinitionRow& row : definitionRows()) {
+        EXPECT_FALSE(row.English.empty()) << row.Name;
+        EXPECT_FALSE(row.Source.empty()) << row.Name;
+        EXPECT_EQ(row.Kind == eRow::UNIT, !row.Definition.empty()) << row.Name;
+    }
+}
+
+// The registry.
+
+// How many numbers a converter multiplies by or adds.
+int stepsOf(const CConverterPtr& converter) {
+    if (const auto compound = std::dynamic_pointer_cast<CCompound>(converter)) {
+        return stepsOf(compound->first()) + stepsOf(compound->second());
+    }
+    return std::dynamic_pointer_cast<CIdentity>(converter) ? 0 : 1;
+}
+
+// The most by which `roundings` roundings move a result, relative to it: each multiplies it by a
+// number between 1 - 2^-53 and 1 + 2^-53, so that all of them multiply it by at most
+// (1 + 2^-53)^roundings, and by at least 2 less that. Factors with π are compared with a π that is
+// right to more than 2^-190 of its size, for which one unit of 2^-150 is added.
+mpq_class largestError(int roundings) {
+    const mpq_class one(1);
+    mpq_class product(1);
+    for (int i = 0; i < roundings; ++i) {
+        product *= one + one / (mpz_class(1) << 53);
+    }
+    return mpq_class(product - one + one / (mpz_class(1) << 150));
+}
+
+void expectNear(double given, const mpq_class& exact, int roundings) {
+    const mpq_class error = abs(mpq_class(given) - exact);
+    const mpq_class allowed = largestError(roundings) * abs(exact);
+    EXPECT_LE(error, allowed) << exactly(given) << " in place of " << exact.get_d() << " after "
+                              << roundings << " roundings";
+}
+
+// Compares the row with what the registry converts.
+//
+// A value x goes to the system unit, whose factor is 1, through n steps, each of which multiplies by a
+// double or adds one. Each double is the nearest to the number meant: one rounding. Each step is one
+// rounding more, but for 1 that is multiplied by the first double, and 0 to which an offset is added.
+// So the factor of a unit without an offset, which is what 1 converts to, has 2n - 1 roundings. The
+// longest chain has four steps, the second of arc and the week: at most 7·2^-53 off.
+// A unit with an offset here has at most a multiplication before the offset. What 0 converts to is the
+// double of the offset, one rounding; the slope is the double of the factor, one rounding.
+void expectToBeWhatTheRegistryConverts(const DefinitionTable& table, const DefinitionRow& row) {
+    SCOPED_TRACE(row.Name);
+    const CUnitPtr unit = CUnitFormat::unitFor(row.Name);
+    ASSERT_NE(unit, nullptr);
+    const Reference meaning = table.meaningOf(row);
+
+    std::map<std::string, int> exponents;
+    const checked::CMeaning known = checked::meaningOf(unit);
+    for (const checked::CExponent& exponent : known.exponents()) {
+        ASSERT_EQ(exponent.Exponent.denominator(), 1);
+        exponents[exponent.Base] = static_cast<int>(exponent.Exponent.numerator());
+    }
+    EXPECT_EQ(meaning.Dimensions, exponents);
+
+    const CUnitPtr system = unit->getSystemUnit();
+    ASSERT_EQ(checked::meaningOf(system).factor(), 1.0);
+    const CConverterPtr converter = unit->getConverterTo(system);
+    const int steps = stepsOf(converter);
+    const mpq_class factor = meaning.factorWithPi();
+    EXPECT_LE(steps, 4);
+    if (meaning.Offset == 0) {
+        EXPECT_EQ(bitsOf(converter->convert(0.0)), bitsOf(0.0));
+        expectNear(converter->convert(1.0), factor, steps == 0 ? 0 : 2 * steps - 1);
+    } else {
+        EXPECT_LE(steps, 2);
+        expectNear(converter->convert(0.0), meaning.zero(), 1);
+        expectNear(converter->derivative(0.0), factor, steps - 1);
+    }
+}
+
+TEST(DefinitionTable, GivesTheCatalogueAsTheRegistryConvertsIt) {
+    NonSI::Psi();
+    const DefinitionTable table;
+    int count = 0;
+    for (const DefinitionRow& row : table.rows()) {
+        if (row.Set == "CATALOGUE") {
+            expectToBeWhatTheRegistryConverts(table, row);
+            ++count;
+        }
+    }
+    EXPECT_EQ(count, 569 + 29 - 20 + 1);
+}
+
+// The bound is no matter of course: two roundings of the chain of the nanogram are seen.
+TEST(DefinitionTable, DiffersFromTheRegistryByMoreThanOneRounding) {
+    const DefinitionTable table;
+    const CUnitPtr nanogram = CUnitFormat::unitFor("ng");
+    const mpq_class exact = table.meaningOf(*table.find("ng")).Factor;
+    const mpq_class given(nanogram->convertValueToUnit(1, nanogram->getSystemUnit()));
+    const mpq_class error = abs(given - exact);
+    const mpq_class allowed = largestError(1) * exact;
+    EXPECT_GT(error, allowed);
+}
+
+std::string setOf(checked::ePack pack) {
+    static const std::map<checked::ePack, std::string> sets = {
+        {checked::ePack::SI, "SI"},
+        {checked::ePack::CUSTOMARY, "CUSTOMARY"},
+        {checked::ePack::US, "US"},
+        {checked::ePack::IMPERIAL, "IMPERIAL"},
+        {checked::ePack::SCIENCE, "SCIENCE"},
+        {checked::ePack::OFFSETS, "OFFSETS"},
+        {checked::ePack::COUNTING, "COUNTING"}};
+    return sets.at(pack);
+}
+
+void expectPacksToBeWhatTheRegistryConverts(const std::vector<checked::ePack>& packs) {
+    std::set<std::string> sets;
+    for (const checked::ePack pack : packs) {
+        checked::registerPack(pack);
+        sets.insert(setOf(pack));
+    }
+    const DefinitionTable table;
+    for (const DefinitionRow& row : table.rows()) {
+        if (sets.count(row.Set) != 0) {
+            expectToBeWhatTheRegistryConverts(table, row);
+        }
+    }
+}
+
+TEST(DefinitionTable, GivesThePacksAsTheRegistryConvertsThem) {
+    using checked::ePack;
+    expectPacksToBeWhatTheRegistryConverts(
+        {ePack::SI, ePack::CUSTOMARY, ePack::US, ePack::SCIENCE, ePack::OFFSETS, ePack::COUNTING});
+}
+
+TEST(DefinitionTable, GivesThePackOfTheUnitedKingdomAsTheRegistryConvertsIt) {
+    expectPacksToBeWhatTheRegistryConverts({checked::ePack::CUSTOMARY, checked::ePack::IMPERIAL});
+}
+
+// A pack has all rows of its set, and no other unit.
+TEST(DefinitionTable, HasTheUnitsOfThePacksInItsSets) {
+    std::set<std::string> units, rows;
+    for (const checked::CPackUnit& unit : checked::packUnits()) {
+        units.insert(setOf(unit.Pack) + " " + unit.Symbol);
+    }
+    for (const DefinitionRow& row : definitionRows()) {
+        if (row.Set != "CATALOGUE") {
+            rows.insert(row.Set + " " + row.Name);
+        }
+    }
+    EXPECT_EQ(units, rows);
+    EXPECT_EQ(rows.size(), 203U);
+}
+
+// What the sources say, as fractions in lowest terms, written without a look at the table.
+struct Known {
+    const char* Set;
+    const char* Name;
+    std::map<std::string, int> Dimensions;
+    const char* Factor;
+    int Pi = 0;
+    const char* Zero = "0";  // what 0 is in base units
+    std::map<std::string, int> Marks = {};
+};
+
+const std::map<std::string, int> Length{{"m", 1}}, Area{{"m", 2}}, Volume{{"m", 3}},
+    Mass{{"kg", 1}}, Time{{"s", 1}}, Rate{{"s", -1}}, Speed{{"m", 1}, {"s", -1}},
+    Charge{{"A", 1}, {"s", 1}}, Force{{"kg", 1}, {"m", 1}, {"s", -2}},
+    Pressure{{"kg", 1}, {"m", -1}, {"s", -2}}, Energy{{"kg", 1}, {"m", 2}, {"s", -2}},
+    Power{{"kg", 1}, {"m", 2}, {"s", -3}}, Dose{{"m", 2}, {"s", -2}}, Temperature{{"K", 1}},
+    Number{};
+
+const Known knownAnswers[] = {
+    {"CATALOGUE", "Hz", Rate, "1"},
+    {"CATALOGUE", "N", Force, "1"},
+    {"CATALOGUE", "Pa", Pressure, "1"},
+    {"CATALOGUE", "J", Energy, "1"},
+    {"CATALOGUE", "W", Power, "1"},
+    {"CATALOGUE", "C", Charge, "1"},
+    {"CATALOGUE", "V", {{"kg", 1}, {"m", 2}, {"s", -3}, {"A", -1}}, "1"},
+    {"CATALOGUE", "F", {{"kg", -1}, {"m", -2}, {"s", 4}, {"A", 2}}, "1"},
+    {"CATALOGUE", "\u2126", {{"kg", 1}, {"m", 2}, {"s", -3}, {"A", -2}}, "1"},
+    {"CATALOGUE", "S", {{"kg", -1}, {"m", -2}, {"s", 3}, {"A", 2}}, "1"},
+    {"CATALOGUE", "Wb", {{"kg", 1}, {"m", 2}, {"s", -2}, {"A", -1}}, "1"},
+    {"CATALOGUE", "T", {{"kg", 1}, {"s", -2}, {"A", -1}}, "1"},
+    {"CATALOGUE", "H", {{"kg", 1}, {"m", 2}, {"s", -2}, {"A", -2}}, "1"},
+    {"CATALOGUE", "lm", {{"cd", 1}}, "1", 0, "0", {{"sr", 1}}},
+    {"CATALOGUE", "lx", {{"cd", 1}, {"m", -2}}, "1", 0, "0", {{"sr", 1}}},
+    {"CATALOGUE", "Bq", Rate, "1"},
+    {"CATALOGUE", "Gy", Dose, "1"},
+    {"CATALOGUE", "Sv", Dose, "1"},
+    {"CATALOGUE", "kat", {{"mol", 1}, {"s", -1}}, "1"},
+    {"CATALOGUE", "°C", Temperature, "1", 0, "5463/20"},
+    {"CATALOGUE", "g", Mass, "1/1000"},
+    {"CATALOGUE", "Ym", Length, "1000000000000000000000000"},
+    {"CATALOGUE", "EJ", Energy, "1000000000000000000"},
+    {"CATALOGUE", "Mg", Mass, "1000"},
+    {"CATALOGUE", "daN", Force, "10"},
+    {"CATALOGUE", "dm", Length, "1/10"},
+    {"CATALOGUE", "µPa", Pressure, "1/1000000"},
+    {"CATALOGUE", "ymol", {{"mol", 1}}, "1/1000000000000000000000000"},
+    {"CATALOGUE", "%", Number, "1/100"},
+    {"CATALOGUE", "rev", Number, "2", 1, "0", {{"rad", 1}}},
+    {"CATALOGUE", "°", Number, "1/180", 1, "0", {{"rad", 1}}},
+    {"CATALOGUE", "′", Number, "1/10800", 1, "0", {{"rad", 1}}},
+    {"CATALOGUE", "″", Number, "1/648000", 1, "0", {{"rad", 1}}},
+    {"CATALOGUE", "grade", Number, "1/200", 1, "0", {{"rad", 1}}},
+    {"CATALOGUE", "centiradian", Number, "1/100", 0, "0", {{"rad", 1}}},
+    {"CATALOGUE", "byte", Number, "8", 0, "0", {{"bit", 1}}},
+    {"CATALOGUE", "atm", Pressure, "101325"},
+    {"CATALOGUE", "bar", Pressure, "100000"},
+    {"CATALOGUE", "mbar", Pressure, "100"},
+    {"CATALOGUE", "psi", Pressure, "172369/25"},
+    {"CATALOGUE", "mm_Hg", Pressure, "66661/500"},
+    {"CATALOGUE", "in_Hg", Pressure, "846597/250"},
+    {"CATALOGUE", "l", Volume, "1/1000"},
+    {"CATALOGUE", "µl", Volume, "1/1000000000"},
+    {"CATALOGUE", "grav", {{"m", 1}, {"s", -2}}, "196133/20000"},
+    {"CATALOGUE", "min", Time, "60"},
+    {"CATALOGUE", "h", Time, "3600"},
+    {"CATALOGUE", "d", Time, "86400"},
+    {"CATALOGUE", "week", Time, "604800"},
+    {"CATALOGUE", "month", Time, "2629746"},
+    {"CATALOGUE", "year", Time, "31556952"},
+    {"CATALOGUE", "year_calendar", Time, "31536000"},
+    {"CATALOGUE", "day_sidereal", Time, "8616409/100"},
+    {"CATALOGUE", "year_sidereal", Time, "1577907477/50"},
+    {"SI", "hPa", Pressure, "100"},
+    {"SI", "mK", Temperature, "1/1000"},
+    {"SI", "klm", {{"cd", 1}}, "1000", 0, "0", {{"sr", 1}}},
+    {"SI", "Tbit", Number, "1000000000000", 0, "0", {{"bit", 1}}},
+    {"SI", "L", Volume, "1/1000"},
+    {"SI", "hL", Volume, "1/10"},
+    {"SI", "\u03BCL", Volume, "1/1000000000"},
+    {"SI", "k\u03A9", {{"kg", 1}, {"m", 2}, {"s", -3}, {"A", -2}}, "1000"},
+    {"SI", "\u03BCg", Mass, "1/1000000000"},
+    {"CUSTOMARY", "in", Length, "127/5000"},
+    {"CUSTOMARY", "ft", Length, "381/1250"},
+    {"CUSTOMARY", "yd", Length, "1143/1250"},
+    {"CUSTOMARY", "mi", Length, "201168/125"},
+    {"CUSTOMARY", "nmi", Length, "1852"},
+    {"CUSTOMARY", "ac", Area, "316160658/78125"},
+    {"CUSTOMARY", "lb", Mass, "45359237/100000000"},
+    {"CUSTOMARY", "oz", Mass, "45359237/1600000000"},
+    {"CUSTOMARY", "gr", Mass, "6479891/100000000000"},
+    {"CUSTOMARY", "st", Mass, "317514659/50000000"},
+    {"CUSTOMARY", "ton_US", Mass, "45359237/50000"},
+    {"CUSTOMARY", "ton_UK", Mass, "317514659/312500"},
+    {"CUSTOMARY", "gal_US", Volume, "473176473/125000000000"},
+    {"CUSTOMARY", "qt_US", Volume, "473176473/500000000000"},
+    {"CUSTOMARY", "pt_US", Volume, "473176473/1000000000000"},
+    {"CUSTOMARY", "fl_oz_US", Volume, "473176473/16000000000000"},
+    {"CUSTOMARY", "gal_UK", Volume, "454609/100000000"},
+    {"CUSTOMARY", "qt_UK", Volume, "454609/400000000"},
+    {"CUSTOMARY", "pt_UK", Volume, "454609/800000000"},
+    {"CUSTOMARY", "fl_oz_UK", Volume, "454609/16000000000"},
+    {"CUSTOMARY", "bbl", Volume, "9936705933/62500000000"},
+    {"CUSTOMARY", "lbf", Force, "8896443230521/2000000000000"},
+    {"CUSTOMARY", "kgf", Force, "196133/20000"},
+    {"CUSTOMARY", "dyn", Force, "1/100000"},
+    {"CUSTOMARY", "Torr", Pressure, "20265/152"},
+    {"CUSTOMARY", "hp", Power, "37284993579113511/50000000000000"},
+    {"CUSTOMARY", "BTU", Energy, "52752792631/50000000"},
+    {"CUSTOMARY", "cal", Energy, "523/125"},
+    {"CUSTOMARY", "cal_IT", Energy, "10467/2500"},
+    {"CUSTOMARY", "kcal", Energy, "4184"},
+    {"CUSTOMARY", "erg", Energy, "1/10000000"},
+    {"CUSTOMARY", "kn", Speed, "463/900"},
+    {"CUSTOMARY", "mph", Speed, "1397/3125"},
+    {"US", "gal", Volume, "473176473/125000000000"},
+    {"US", "ton", Mass, "45359237/50000"},
+    {"IMPERIAL", "gal", Volume, "454609/100000000"},
+    {"IMPERIAL", "ton", Mass, "317514659/312500"},
+    {"SCIENCE", "eV", Energy, "801088317/5000000000000000000000000000"},
+    {"SCIENCE", "TeV", Energy, "801088317/5000000000000000"},
+    {"SCIENCE", "Wh", Energy, "3600"},
+    {"SCIENCE", "kWh", Energy, "3600000"},
+    {"SCIENCE", "Ah", Charge, "3600"},
+    {"SCIENCE", "mAh", Charge, "18/5"},
+    {"SCIENCE", "Å", Length, "1/10000000000"},
+    {"SCIENCE", "au", Length, "149597870700"},
+    {"SCIENCE", "ly", Length, "9460730472580800"},
+    {"SCIENCE", "pc", Length, "96939420213600000", -1},
+    {"SCIENCE", "ha", Area, "10000"},
+    {"SCIENCE", "t", Mass, "1000"},
+    {"SCIENCE", "Da", Mass, "8302695333/5000000000000000000000000000000000000"},
+    {"SCIENCE", "u", Mass, "8302695333/5000000000000000000000000000000000000"},
+    {"SCIENCE", "Ci", Rate, "37000000000"},
+    {"SCIENCE", "rem", Dose, "1/100"},
+    {"SCIENCE", "rd", Dose, "1/100"},
+    {"SCIENCE", "G", {{"kg", 1}, {"s", -2}, {"A", -1}}, "1/10000"},
+    {"SCIENCE", "P", {{"kg", 1}, {"m", -1}, {"s", -1}}, "1/10"},
+    {"SCIENCE", "cP", {{"kg", 1}, {"m", -1}, {"s", -1}}, "1/1000"},
+    {"SCIENCE", "St", {{"m", 2}, {"s", -1}}, "1/10000"},
+    {"SCIENCE", "cSt", {{"m", 2}, {"s", -1}}, "1/1000000"},
+    {"OFFSETS", "°F", Temperature, "5/9", 0, "45967/180"},
+    {"OFFSETS", "Pa_g", Pressure, "1", 0, "101325"},
+    {"OFFSETS", "kPa_g", Pressure, "1000", 0, "101325"},
+    {"OFFSETS", "mbar_g", Pressure, "100", 0, "101325"},
+    {"OFFSETS", "bar_g", Pressure, "100000", 0, "101325"},
+    {"OFFSETS", "psi_g", Pressure, "8896443230521/1290320000", 0, "101325"},
+    {"COUNTING", "‰", Number, "1/1000"},
+    {"COUNTING", "ppm", Number, "1/1000000"},
+    {"COUNTING", "ppb", Number, "1/1000000000"},
+    {"COUNTING", "rpm", Rate, "1/30", 1, "0", {{"rad", 1}}},
+    {"COUNTING", "KiB", Number, "8192", 0, "0", {{"bit", 1}}},
+    {"COUNTING", "TiB", Number, "8796093022208", 0, "0", {{"bit", 1}}},
+    {"COUNTING", "cps", Rate, "1"},
+    {"COUNTING", "Bd", Rate, "1"},
+};
+
+TEST(DefinitionTable, SaysWhatTheSourcesSay) {
+    const DefinitionTable table;
+    for (const Known& known : knownAnswers) {
+        SCOPED_TRACE(known.Name);
+        bool isThere = false;
+        for (const DefinitionRow& row : table.rows()) {
+            if (row.Set != known.Set || row.Name != known.Name) {
+                continue;
+            }
+            isThere = true;
+            const Reference meaning = table.meaningOf(row);
+            EXPECT_EQ(meaning.Dimensions, known.Dimensions);
+            EXPECT_EQ(meaning.Marks, known.Marks);
+            EXPECT_EQ(meaning.Factor, mpq_class(known.Factor));
+            EXPECT_EQ(meaning.Pi, known.Pi);
+            EXPECT_EQ(mpq_class(meaning.Offset * meaning.Factor), mpq_class(known.Zero));
+        }
+        EXPECT_TRUE(isThere);
+    }
+}
+
+}  // namespace
+}  // namespace mensor
