@@ -1,5 +1,6 @@
 # Where things go, and how others find them: find_package(mensor 1 CONFIG) or pkg-config mensor;
-# the targets are mensor::mensor and mensor::checked (pkg-config mensor-checked).
+# the targets are mensor::mensor, mensor::checked (pkg-config mensor-checked) and mensor::exact
+# (pkg-config mensor-exact).
 include(CMakePackageConfigHelpers)
 set(MENSOR_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/mensor)
 
@@ -9,6 +10,9 @@ install(TARGETS mensor EXPORT mensorTargets
   FILE_SET HEADERS COMPONENT libmensor-dev)
 install(TARGETS mensor_checked EXPORT mensorTargets
   LIBRARY COMPONENT libmensor-checked1 NAMELINK_COMPONENT libmensor-dev
+  FILE_SET HEADERS COMPONENT libmensor-dev)
+install(TARGETS mensor_exact EXPORT mensorTargets
+  LIBRARY COMPONENT libmensor-exact1 NAMELINK_COMPONENT libmensor-dev
   FILE_SET HEADERS COMPONENT libmensor-dev)
 install(EXPORT mensorTargets NAMESPACE mensor:: DESTINATION ${MENSOR_CMAKE_DIR}
   COMPONENT libmensor-dev)
@@ -41,7 +45,11 @@ cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBDIR BASE_DIRECTORY ${CMAKE_INSTAL
   OUTPUT_VARIABLE MENSOR_PC_LIBDIR)
 configure_file(packaging/mensor.pc.in mensor.pc @ONLY)
 configure_file(packaging/mensor-checked.pc.in mensor-checked.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/mensor.pc ${PROJECT_BINARY_DIR}/mensor-checked.pc
+configure_file(packaging/mensor-exact.pc.in mensor-exact.pc @ONLY)
+install(FILES
+    ${PROJECT_BINARY_DIR}/mensor.pc
+    ${PROJECT_BINARY_DIR}/mensor-checked.pc
+    ${PROJECT_BINARY_DIR}/mensor-exact.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT libmensor-dev)
 
 # mensor_install_compressed(<file> <destination>.gz <component>): the same bytes for the same file.

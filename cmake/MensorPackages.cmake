@@ -1,6 +1,6 @@
 # The Debian packages, made by CPack (scripts/package): libmensor1, libmensor-checked1,
-# libmensor-dev and mensor-tools, for the architecture that is built for.
-set(MENSOR_DEBIAN_PACKAGES libmensor1 libmensor-checked1 libmensor-dev mensor-tools)
+# libmensor-exact1, libmensor-dev and mensor-tools, for the architecture that is built for.
+set(MENSOR_DEBIAN_PACKAGES libmensor1 libmensor-checked1 libmensor-exact1 libmensor-dev mensor-tools)
 
 foreach(package IN LISTS MENSOR_DEBIAN_PACKAGES)
   install(FILES packaging/debian/copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package}
@@ -30,7 +30,8 @@ set(CPACK_COMPONENTS_ALL ${MENSOR_DEBIAN_PACKAGES})
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
-  ${PROJECT_BINARY_DIR}/src/mensor ${PROJECT_BINARY_DIR}/src/mensor_checked)
+  ${PROJECT_BINARY_DIR}/src/mensor ${PROJECT_BINARY_DIR}/src/mensor_checked
+  ${PROJECT_BINARY_DIR}/src/mensor_exact)
 if(CMAKE_LIBRARY_ARCHITECTURE)
   execute_process(COMMAND dpkg-architecture -t ${CMAKE_LIBRARY_ARCHITECTURE} -q DEB_HOST_ARCH
     OUTPUT_VARIABLE CPACK_DEBIAN_PACKAGE_ARCHITECTURE OUTPUT_STRIP_TRAILING_WHITESPACE
@@ -65,8 +66,12 @@ mensor_package(libmensor-checked1 libs same "libmensor1 (= ${version})"
   "physical units of measure at run time, with checks" "${what}
 This package holds the companion library, which refuses what could silently
 be another unit.")
+mensor_package(libmensor-exact1 libs same ""
+  "physical units of measure at run time, converted exactly" "${what}
+This package holds the exact library, whose every conversion is rounded
+correctly.")
 mensor_package(libmensor-dev libdevel same
-  "libmensor1 (= ${version}), libmensor-checked1 (= ${version})"
+  "libmensor1 (= ${version}), libmensor-checked1 (= ${version}), libmensor-exact1 (= ${version})"
   "physical units of measure at run time - development files" "${what}
 This package holds the headers and what CMake and pkg-config need.")
 mensor_package(mensor-tools utils foreign
@@ -75,7 +80,7 @@ mensor_package(mensor-tools utils foreign
 This package holds mensor, which converts, explains and lists units, and
 mensor-convert, a small filter for values.")
 
-foreach(key LIBMENSOR1 LIBMENSOR-CHECKED1)
+foreach(key LIBMENSOR1 LIBMENSOR-CHECKED1 LIBMENSOR-EXACT1)
   set(CPACK_DEBIAN_${key}_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/packaging/debian/triggers)
   set(CPACK_DEBIAN_${key}_PACKAGE_GENERATE_SHLIBS ON)
   set(CPACK_DEBIAN_${key}_PACKAGE_GENERATE_SHLIBS_POLICY ">=")

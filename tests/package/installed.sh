@@ -12,7 +12,7 @@ fail() { echo "$*"; exit 1; }
 rm -rf "$root"
 mkdir -p "$root"
 set -- "$@" --
-for package in libmensor1 libmensor-checked1 libmensor-dev mensor-tools; do
+for package in libmensor1 libmensor-checked1 libmensor-exact1 libmensor-dev mensor-tools; do
     deb=$(echo "$debs/${package}"_*_"$architecture.deb")
     [ -f "$deb" ] || fail "no $deb"
     [ "$(dpkg-deb -f "$deb" Architecture)" = "$architecture" ] || fail "$deb: wrong architecture"

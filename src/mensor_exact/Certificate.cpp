@@ -1,0 +1,167 @@
+#include "mensor_exact/Certificate.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+#include "mensor_exact/Conversion.h"
+#include "mensor_exact/DefinitionReader.h"
+#include "mensor_exact/Parts.h"
+
+namespace mensor {
+namespace exact {
+
+namespace {
+
+// The definitions that a text rests on. Not recursive: definitions may be long chains.
+class CCollector {
+public:
+    explicit CCollector(const CCatalogue& catalogue) : m_Catalogue(catalogue) {}
+
+    void add(std::string_view text) { addNames(text, m_Waiting); }
+
+    // Each before those that it uses.
+    std::vector<CCertifiedDefinition> collect() {
+        std::vector<CCertifiedDefinition> result;
+        while (!m_Waiting.empty()) {
+            const std::string_view name = m_Waiting.back();
+            if (m_Done.count(name) != 0) {
+                m_Waiting.pop_back();
+                continue;
+            }
+            // The units are evaluated before: every name is there, and no definition leads to itself.
+            const CDefinition definition = *m_Catalogue.find(name);
+            const std::size_t before = m_Waiting.size();
+            addNames(definition.Text, m_Waiting);
+            if (m_Waiting.size() == before) {
+                m_Done.insert(definition.Name);
+                result.push_back({std::string(definition.Name), std::string(definition.Text),
+                                  std::string(definition.English), std::string(definition.Source)});
+                m_Waiting.pop_back();
+            }
+        }
+        std::reverse(result.begin(), result.end());
+        return result;
+    }
+
+private:
+    void addNames(std::string_view text, std::vector<std::string_view>& names) const {
+        CDefinitionReader reader(text);
+        for (CTerm term = reader.next();
+             term.Kind == eTerm::NUMBER || term.Kind == eTerm::PI || term.Kind == eTerm::NAME;
+             term = reader.next()) {
+            if (term.Kind == eTerm::NAME && m_Done.count(term.Text) == 0) {
+                names.push_back(term.Text);
+            }
+        }
+    }
+
+    const CCatalogue& m_Catalogue;
+    std::vector<std::string_view> m_Waiting;
+    std::set<std::string_view> m_Done;
+};
+
+CCertifiedNumber certified(const CFactor& factor, std::string text) {
+    const CWholes wholes = CParts(factor.radicand()).wholes();
+    return {false,         wholes.Numerator.str(),         wholes.Denominator.str(),
+            factor.root(), factor.piExponent().toString(), std::move(text)};
+}
+
+// ---- JSON ----
+
+std::string jsonText(std::string_view text) {
+    std::string result = "\"";
+    for (const char c : text) {
+        if (c == '"' || c == '\\') {
+            result += '\\';
+            result += c;
+        } else if (static_cast<unsigned char>(c) < 0x20) {
+            constexpr char Hex[] = "0123456789abcdef";
+            result += "\\u00";
+            result += Hex[c >> 4];
+            result += Hex[c & 15];
+        } else {
+            result += c;
+        }
+    }
+    return result + '"';
+}
+
+std::string json(bool value) { return value ? "true" : "false"; }
+
+std::string json(const CCertifiedNumber& number) {
+    return "{\"negative\": " + json(number.IsNegative) +
+           ", \"numerator\": " + jsonText(number.Numerator) +
+           ", \"denominator\": " + jsonText(number.Denominator) +
+           ", \"root\": " + std::to_string(number.Root) + ", \"pi\": " + jsonText(number.Pi) +
+           ", \"text\": " + jsonText(number.Text) + "}";
+}
+
+std::string json(const CCertifiedDefinition& definition) {
+    return "{\"name\": " + jsonText(definition.Name) +
+           ", \"definition\": " + (definition.Text.empty() ? "null" : jsonText(definition.Text)) +
+           ", \"english\": " + jsonText(definition.English) +
+           ", \"source\": " + jsonText(definition.Source) + "}";
+}
+
+}  // namespace
+
+std::string CCertificate::toText() const {
+    std::string text = "x " + From + " = " + (Factor.Text == "1" ? "x" : Factor.Text + "·x");
+    if (Offset.Text != "0") {
+        text += Offset.IsNegative ? " - " + Offset.Text.substr(1) : " + " + Offset.Text;
+    }
+    text += " " + To + "\n";
+    for (const CCertifiedDefinition& definition : Definitions) {
+        text += "  " + definition.Name + " = " +
+                (definition.Text.empty() ? "base unit" : definition.Text);
+        if (!definition.English.empty()) {
+            text += " (" + definition.English + ")";
+        }
+        text += (definition.Source.empty() ? "" : ": " + definition.Source) + "\n";
+    }
+    if (!KeepsMarks) {
+        text += "  The two differ by radian, steradian or bit, which count as 1.\n";
+    }
+    return text + "  " + Rounded + "\n  mensor " + Version + "\n";
+}
+
+std::string CCertificate::toJson() const {
+    std::string text = "{\"from\": " + jsonText(From) + ", \"to\": " + jsonText(To) +
+                       ", \"units\": " + jsonText(Units) + ", \"keepsMarks\": " + json(KeepsMarks) +
+                       ", \"definitions\": [";
+    for (std::size_t i = 0; i < Definitions.size(); ++i) {
+        text += (i == 0 ? "" : ", ") + json(Definitions[i]);
+    }
+    return text + "], \"factor\": " + json(Factor) + ", \"offset\": " + json(Offset) +
+           ", \"rounded\": " + jsonText(Rounded) + ", \"version\": " + jsonText(Version) + "}";
+}
+
+CCertificate certify(std::string_view from, std::string_view to, const CCatalogue& catalogue) {
+    const CConversion conversion = CConversion::between(from, to, catalogue);
+    CCertificate result;
+    result.From = from;
+    result.To = to;
+    result.Units = conversion.to().unitsText();
+    result.KeepsMarks = conversion.keepsMarks();
+    CCollector collector(catalogue);
+    collector.add(to);
+    collector.add(from);
+    result.Definitions = collector.collect();
+    result.Factor = certified(conversion.exactFactor(), conversion.factor());
+    const COffset offset = conversion.exactOffset();
+    result.Offset = certified(offset.Size, conversion.offset());
+    result.Offset.IsNegative = offset.Sign < 0;
+    if (offset.Sign == 0) {
+        result.Offset.Numerator = "0";
+    }
+    result.Rounded =
+        "Only the result is rounded, once, to the nearest double, ties to even: by at most half a "
+        "unit "
+        "in its last place.";
+    result.Version = MENSOR_EXACT_VERSION;
+    return result;
+}
+
+}  // namespace exact
+}  // namespace mensor

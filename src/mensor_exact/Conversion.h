@@ -1,0 +1,106 @@
+// Conversion.h: conversions whose every result is right.
+//
+//     const auto toCelsius = CConversion::between("°F", "°C", catalogue);
+//     toCelsius.convert(98.6);        // 37, the double nearest to the exact result
+//     toCelsius.convertText("98.6");  // "37", from the decimal number itself
+//     toCelsius.factor();             // "5/9"
+//     toCelsius.offset();             // "-160/9"
+//     CConversion::between("bar", "m");  // throws CError: cannot convert bar to m: pressure and length
+//
+// The double 98.6 is not the number 98.6 but a little less. `convert` takes the double for what it is,
+// `convertText` the text.
+#ifndef MENSOR_EXACT_CONVERSION_H
+#define MENSOR_EXACT_CONVERSION_H
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "mensor_exact/Decimal.h"
+#include "mensor_exact/Definitions.h"
+#include "mensor_exact/Factor.h"
+#include "mensor_exact/Fraction.h"
+#include "mensor_exact/Meaning.h"
+#include "mensor_exact/exact_export.h"
+
+namespace mensor {
+namespace exact {
+
+/// An exact number, which may be zero: Sign·Size.
+struct COffset {
+    int Sign = 0;  ///< -1, 0 or 1
+    CFactor Size;  ///< one if the sign is 0
+};
+
+/// The way from values of one unit to values of another: factor·x + offset, exactly.
+///
+/// A value: a copy shares what is behind it, which nobody changes.
+///
+/// Class contract: caller serialises changes of one object; distinct objects any thread. Any number of
+/// threads may share one that nobody changes.
+class MENSOR_EXACT_API CConversion {
+public:
+    /// @throws CError  DIFFERENT_DIMENSIONS, TOO_LARGE; EXPONENT_RANGE: the ratio of the two factors has
+    ///                 a root or a power of π beyond 99.
+    CConversion(const CMeaning& from, const CMeaning& to);
+
+    /// The same for two definitions (Definitions.h), often two names.
+    /// @throws CError  as above, with the texts in the message, and what CCatalogue::evaluate throws.
+    static CConversion between(std::string_view from, std::string_view to,
+                               const CCatalogue& catalogue = CCatalogue::builtIn());
+
+    CConversion(const CConversion&) noexcept;
+    CConversion& operator=(const CConversion&) noexcept;
+    ~CConversion();
+
+    /// The double nearest to factor·x + offset, ties to even, for every double x.
+    ///
+    /// Subnormal results are rounded once, too. Half a place beyond the largest double and more is
+    /// infinity. Infinities stay; NaN stays with its sign and payload, and becomes quiet if it was
+    /// signalling. Without an offset zero keeps its sign; with one, a result that is exactly zero is +0.
+    /// A result that is rounded to zero has the sign of the exact one.
+    ///
+    /// It assumes that the processor rounds to nearest and does not flush subnormal numbers to zero, as
+    /// every program does that has not changed it.
+    /// @throws std::bad_alloc  only where the numbers have more than about 2000 bits.
+    double convert(double x) const;
+
+    /// Whether `convert(x)` is exactly the result, not rounded. True of infinities and NaN.
+    bool isExact(double x) const;
+
+    /// The exact result, if it is a fraction.
+    /// @throws CError  TOO_LARGE.
+    std::optional<CFraction> convert(const CFraction& x) const;
+
+    /// Converts a decimal number (as CFraction::ofText) exactly and writes the result.
+    /// @throws CError  BAD_NUMBER, TOO_LARGE, OPTIONS; NUMBER_RANGE: the result does not end within 17
+    ///                 digits, no number of digits was asked for, and its nearest double is zero or
+    ///                 infinity.
+    std::string convertText(std::string_view number, const CDecimalStyle& style = {}) const;
+
+    std::string factor() const;  ///< exactly: "5/9", "π/180", "1000^(1/2)"
+    std::string offset() const;  ///< exactly, in the target unit: "0", "-160/9", "273.15"
+    const CFactor& exactFactor() const noexcept;  ///< what factor() writes
+    COffset exactOffset() const;                  ///< what offset() writes
+
+    const CMeaning& from() const noexcept;
+    const CMeaning& to() const noexcept;
+
+    /// Whether the two units have the same marks (radian, steradian, bit). A conversion from rad/s to Hz
+    /// is allowed, but may be a mistake.
+    bool keepsMarks() const noexcept;
+
+    CConversion inverse() const;
+
+private:
+    struct CPlan;
+    struct CLinear;
+
+    std::shared_ptr<const CPlan> m_Plan;
+};
+
+}  // namespace exact
+}  // namespace mensor
+
+#endif  // MENSOR_EXACT_CONVERSION_H

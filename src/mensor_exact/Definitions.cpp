@@ -1,0 +1,337 @@
+#include "mensor_exact/Definitions.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "mensor_exact/DefinitionReader.h"
+#include "mensor_exact/Error.h"
+#include "mensor_exact/Table.h"
+
+namespace mensor {
+namespace exact {
+
+/// A program's definitions, sorted by name.
+struct COwnDefinitions {
+    struct CEntry {
+        std::string Name;
+        std::string Text;
+        std::string English;
+        std::string Source;
+        CMeaning Meaning;
+
+        CDefinition definition() const { return {Name, Text, English, Source, ePack::OWN}; }
+    };
+
+    const CEntry* find(std::string_view name) const noexcept {
+        const auto place = std::lower_bound(
+            Entries.begin(), Entries.end(), name,
+            [](const CEntry& entry, std::string_view wanted) { return entry.Name < wanted; });
+        return place != Entries.end() && place->Name == name ? &*place : nullptr;
+    }
+
+    std::vector<CEntry> Entries;
+};
+
+namespace {
+
+constexpr std::uint32_t bitOf(ePack pack) {
+    return std::uint32_t{1} << static_cast<unsigned>(pack);
+}
+
+std::string quoted(std::string_view text) {
+    constexpr std::size_t Shown = 60;
+    std::size_t end = std::min(text.size(), Shown);
+    while (end > 0 && end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {
+        --end;  // not within a character
+    }
+    return "\"" + std::string(text.substr(0, end)) + (end < text.size() ? "...\"" : "\"");
+}
+
+[[noreturn]] void throwSyntax(std::string_view text) {
+    throw CError(eError::SYNTAX, quoted(text) + " is no definition");
+}
+
+[[noreturn]] void throwFault(eTerm fault, std::string_view text) {
+    switch (fault) {
+        case eTerm::RANGE:
+            throw CError(eError::EXPONENT_RANGE, "an exponent beyond 99 in " + quoted(text));
+        case eTerm::ZERO_ROOT:
+            throw CError(eError::DIVISION_BY_ZERO,
+                         "an exponent with the denominator zero in " + quoted(text));
+        default: throwSyntax(text);
+    }
+}
+
+[[noreturn]] void throwTaken(std::string_view name) {
+    throw CError(eError::NAME_TAKEN, "the catalogue has " + quoted(name) + " already");
+}
+
+CFraction offsetOf(std::string_view text) {
+    const std::size_t slash = text.find('/');
+    const CFraction offset = CFraction::ofText(text.substr(0, slash));
+    return slash == std::string_view::npos ? offset
+                                           : offset / CFraction::ofText(text.substr(slash + 1));
+}
+
+// A name as definitions can use it: one word without an exponent.
+bool isName(std::string_view text) {
+    CDefinitionReader reader(text);
+    const CTerm term = reader.next();
+    return term.Kind == eTerm::NAME && term.Text == text && reader.next().Kind == eTerm::END;
+}
+
+// Multiplies the factors of a definition.
+class CProduct {
+public:
+    void multiplyBy(const CTerm& term) {
+        const CFactor factor = term.Kind == eTerm::PI ? CFactor::pi() : number(term.Text);
+        m_Meaning = m_Meaning.scaled(factor.power(CExponent(term.Numerator, term.Denominator)));
+        m_HasNumber = m_HasNumber || !factor.isOne();
+        requireNoOffset();
+    }
+
+    void multiplyBy(const CMeaning& unit, const CTerm& term) {
+        const CExponent exponent(term.Numerator, term.Denominator);
+        if (m_Units == 0 && !m_HasNumber) {
+            m_Meaning = unit.power(exponent);  // which refuses an offset, unless the exponent is 1
+        } else {
+            m_Meaning = m_Meaning * unit.power(exponent);
+        }
+        ++m_Units;
+    }
+
+    CMeaning shiftedBy(const CFraction& offset) const { return m_Meaning.shifted(offset); }
+    const CMeaning& meaning() const { return m_Meaning; }
+
+private:
+    static CFactor number(std::string_view text) {
+        const CFraction value = CFraction::ofText(text);
+        return CFactor(value);
+    }
+
+    void requireNoOffset() const {
+        if (m_HasNumber && !m_Meaning.offset().isZero()) {
+            throw CError(eError::OFFSET_IN_PRODUCT,
+                         "a unit with an offset, " + m_Meaning.toString() + ", in a product");
+        }
+    }
+
+    CMeaning m_Meaning;
+    bool m_HasNumber = false;  // other than one
+    int m_Units = 0;
+};
+
+template <class Resolve>
+CMeaning evaluateBy(std::string_view text, const Resolve& resolve) {
+    CProduct product;
+    CDefinitionReader reader(text);
+    while (true) {
+        const CTerm term = reader.next();
+        switch (term.Kind) {
+            case eTerm::NUMBER:
+                if (term.Numerator < 0 && CFraction::ofText(term.Text).isZero()) {
+                    throw CError(eError::DIVISION_BY_ZERO, "a division by zero in " + quoted(text));
+                }
+                product.multiplyBy(term);
+                break;
+            case eTerm::PI: product.multiplyBy(term); break;
+            case eTerm::NAME: product.multiplyBy(resolve(term.Text), term); break;
+            case eTerm::OFFSET: return product.shiftedBy(offsetOf(term.Text));
+            case eTerm::END: return product.meaning();
+            default: throwFault(term.Kind, text);
+        }
+    }
+}
+
+// Adds definitions to a catalogue, in an order in which each follows those that it needs.
+class CAdder {
+public:
+    CAdder(const CCatalogue& catalogue, const COwnDefinitions* before) : m_Catalogue(catalogue) {
+        if (before != nullptr) {
+            m_Result.Entries = before->Entries;
+        }
+    }
+
+    COwnDefinitions add(const std::vector<CDefinition>& definitions) {
+        for (const CDefinition& definition : definitions) {
+            if (!isName(definition.Name)) {
+                throw CError(eError::SYNTAX, quoted(definition.Name) + " cannot be a name");
+            }
+            if (m_Catalogue.find(definition.Name)) {
+                throwTaken(definition.Name);
+            }
+            m_Rows.push_back({definition, {}, eState::NEW});
+        }
+        std::sort(m_Rows.begin(), m_Rows.end(), [](const CRow& a, const CRow& b) {
+            return a.Definition.Name < b.Definition.Name;
+        });
+        for (std::size_t i = 1; i < m_Rows.size(); ++i) {
+            if (m_Rows[i].Definition.Name == m_Rows[i - 1].Definition.Name) {
+                throwTaken(m_Rows[i].Definition.Name);
+            }
+        }
+        for (CRow& row : m_Rows) {
+            resolve(row);
+        }
+        for (CRow& row : m_Rows) {
+            const CDefinition& own = row.Definition;
+            m_Result.Entries.push_back({std::string(own.Name), std::string(own.Text),
+                                        std::string(own.English), std::string(own.Source),
+                                        std::move(row.Meaning)});
+        }
+        std::sort(m_Result.Entries.begin(), m_Result.Entries.end(),
+                  [](const auto& a, const auto& b) { return a.Name < b.Name; });
+        return std::move(m_Result);
+    }
+
+private:
+    enum class eState { NEW, WAITING, DONE };
+
+    struct CRow {
+        CDefinition Definition;
+        CMeaning Meaning;
+        eState State;
+    };
+
+    CRow* find(std::string_view name) {
+        const auto place = std::lower_bound(
+            m_Rows.begin(), m_Rows.end(), name,
+            [](const CRow& row, std::string_view wanted) { return row.Definition.Name < wanted; });
+        return place != m_Rows.end() && place->Definition.Name == name ? &*place : nullptr;
+    }
+
+    // Computes a row behind all that it needs. Not recursive: definitions may be long chains.
+    void resolve(CRow& first) {
+        std::vector<CRow*> waiting{&first};
+        while (!waiting.empty()) {
+            CRow& row = *waiting.back();
+            if (row.State == eState::DONE) {
+                waiting.pop_back();
+                continue;
+            }
+            const bool isSecondVisit = row.State == eState::WAITING;
+            row.State = eState::WAITING;
+            if (!isSecondVisit && pushNeeded(row, waiting)) {
+                continue;
+            }
+            row.Meaning = meaningOf(row.Definition);
+            row.State = eState::DONE;
+            waiting.pop_back();
+        }
+    }
+
+    // Whether there is any.
+    bool pushNeeded(const CRow& row, std::vector<CRow*>& waiting) {
+        const std::size_t before = waiting.size();
+        CDefinitionReader reader(row.Definition.Text);
+        for (CTerm term = reader.next(); isFactor(term.Kind); term = reader.next()) {
+            CRow* const needed = term.Kind == eTerm::NAME ? find(term.Text) : nullptr;
+            if (needed == nullptr || needed->State == eState::DONE) {
+                continue;
+            }
+            if (needed->State == eState::WAITING) {
+                throw CError(eError::CYCLE, "the definition of " + quoted(needed->Definition.Name) +
+                                                " leads back to itself");
+            }
+            waiting.push_back(needed);
+        }
+        return waiting.size() > before;
+    }
+
+    static bool isFactor(eTerm kind) {
+        return kind == eTerm::NUMBER || kind == eTerm::PI || kind == eTerm::NAME;
+    }
+
+    CMeaning meaningOf(const CDefinition& definition) {
+        if (definition.Text.empty()) {
+            return CMeaning::base(definition.Name);
+        }
+        return evaluateBy(definition.Text, [this](std::string_view name) {
+            if (const CRow* const row = find(name)) {
+                return row->Meaning;
+            }
+            return m_Catalogue.evaluate(name);
+        });
+    }
+
+    const CCatalogue& m_Catalogue;
+    std::vector<CRow> m_Rows;
+    COwnDefinitions m_Result;
+};
+
+}  // namespace
+
+bool CCatalogue::has(ePack pack) const noexcept { return (m_Packs & bitOf(pack)) != 0; }
+
+CCatalogue CCatalogue::with(ePack pack) const {
+    if (pack == ePack::OWN) {
+        throw CError(eError::OPTIONS, "one's own definitions are no pack");
+    }
+    CCatalogue result = *this;
+    if (has(pack)) {
+        return result;
+    }
+    for (std::size_t row = 0; row < CTable::size(); ++row) {
+        const CDefinition definition = CTable::definition(row);
+        if (definition.Pack == pack && find(definition.Name)) {
+            throwTaken(definition.Name);
+        }
+    }
+    result.m_Packs |= bitOf(pack);
+    return result;
+}
+
+CCatalogue CCatalogue::with(const std::vector<CDefinition>& definitions) const {
+    CCatalogue result = *this;
+    result.m_Own =
+        std::make_shared<const COwnDefinitions>(CAdder(*this, m_Own.get()).add(definitions));
+    return result;
+}
+
+std::optional<CDefinition> CCatalogue::find(std::string_view name) const noexcept {
+    const std::size_t row = CTable::find(name, m_Packs);
+    if (row != CTable::None) {
+        return CTable::definition(row);
+    }
+    const COwnDefinitions::CEntry* const own = m_Own != nullptr ? m_Own->find(name) : nullptr;
+    return own != nullptr ? std::optional<CDefinition>(own->definition()) : std::nullopt;
+}
+
+std::optional<CMeaning> CCatalogue::meaning(std::string_view name) const {
+    const std::size_t row = CTable::find(name, m_Packs);
+    if (row != CTable::None) {
+        return CTable::meaning(row);
+    }
+    const COwnDefinitions::CEntry* const own = m_Own != nullptr ? m_Own->find(name) : nullptr;
+    return own != nullptr ? std::optional<CMeaning>(own->Meaning) : std::nullopt;
+}
+
+CMeaning CCatalogue::evaluate(std::string_view definition) const {
+    return evaluateBy(definition, [this](std::string_view name) {
+        std::optional<CMeaning> result = meaning(name);
+        if (!result) {
+            throw CError(eError::UNKNOWN_NAME, "no unit has the name " + quoted(name));
+        }
+        return *std::move(result);
+    });
+}
+
+std::vector<CDefinition> CCatalogue::definitions() const {
+    std::vector<CDefinition> result;
+    for (std::size_t row = 0; row < CTable::size(); ++row) {
+        const CDefinition definition = CTable::definition(row);
+        if (has(definition.Pack)) {
+            result.push_back(definition);
+        }
+    }
+    if (m_Own != nullptr) {
+        for (const COwnDefinitions::CEntry& own : m_Own->Entries) {
+            result.push_back(own.definition());
+        }
+    }
+    return result;
+}
+
+}  // namespace exact
+}  // namespace mensor

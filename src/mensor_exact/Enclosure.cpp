@@ -1,0 +1,140 @@
+#include "mensor_exact/Enclosure.h"
+
+#include "mensor_exact/Parts.h"
+
+namespace mensor {
+namespace exact {
+
+namespace {
+
+Whole shifted(const Whole& number, std::int64_t twos) {
+    return twos >= 0 ? Whole(number << static_cast<unsigned>(twos))
+                     : Whole(number >> static_cast<unsigned>(-twos));
+}
+
+// The same bounds or ones a little further apart, with about `bits` bits.
+CEnclosure shortened(const CEnclosure& x, int bits) {
+    const std::int64_t drop = static_cast<std::int64_t>(bitsOf(x.High)) - bits;
+    if (drop <= 0) {
+        return x;
+    }
+    return {shifted(x.Low, -drop), shifted(x.High, -drop) + 1, x.Twos + drop};
+}
+
+CEnclosure product(const CEnclosure& a, const CEnclosure& b, int bits) {
+    return shortened({a.Low * b.Low, a.High * b.High, a.Twos + b.Twos}, bits);
+}
+
+CEnclosure inverse(const CEnclosure& x, int bits) {
+    const auto twos = static_cast<std::int64_t>(bitsOf(x.High)) + bits;
+    const Whole one = shifted(1, twos);
+    return {one / x.High, one / x.Low + 1, -twos - x.Twos};
+}
+
+CEnclosure power(const CEnclosure& x, int exponent, int bits) {
+    CEnclosure result{1, 1, 0};
+    CEnclosure square = x;
+    for (; exponent > 0; exponent /= 2) {
+        if (exponent % 2 != 0) {
+            result = product(result, square, bits);
+        }
+        if (exponent > 1) {
+            square = product(square, square, bits);
+        }
+    }
+    return result;
+}
+
+CEnclosure root(const CEnclosure& x, int order, int bits) {
+    if (order == 1) {
+        return x;
+    }
+    // Enough bits for a root of `bits`, and a power of two that has a root.
+    std::int64_t twos =
+        static_cast<std::int64_t>(order) * bits - static_cast<std::int64_t>(bitsOf(x.Low));
+    twos = twos < 0 ? 0 : twos;
+    while ((x.Twos - twos) % order != 0) {
+        ++twos;
+    }
+    return {rootOf(shifted(x.Low, twos), order), rootOf(shifted(x.High, twos), order) + 1,
+            (x.Twos - twos) / order};
+}
+
+// arctan(1/n)·2^bits, below it by at most the number of its terms.
+Whole arctanOfInverse(int n, int bits, int& terms) {
+    const int square = n * n;
+    Whole power = shifted(1, bits) / n;
+    Whole sum = 0;
+    terms = 0;
+    for (int k = 1; !power.is_zero(); k += 2) {
+        const Whole term = power / k;
+        sum += k % 4 == 1 ? term : Whole(-term);
+        power /= square;
+        ++terms;
+    }
+    return sum;
+}
+
+// Machin's formula: π = 16·arctan(1/5) − 4·arctan(1/239). Each term is truncated twice, and so off by
+// less than 2; what follows the last term is less than 1.
+CEnclosure pi(int bits) {
+    int terms = 0;
+    int moreTerms = 0;
+    const Whole fives = arctanOfInverse(5, bits, terms);
+    const Whole others = arctanOfInverse(239, bits, moreTerms);
+    const Whole middle = fives * 16 - others * 4;
+    const Whole error = 16 * (2 * terms + 1) + 4 * (2 * moreTerms + 1);
+    return {middle - error, middle + error, -bits};
+}
+
+CEnclosure fraction(const CFraction& value, int bits) {
+    const CParts parts(value);
+    const Whole numerator = parts.numeratorWithFives();
+    const Whole denominator = parts.denominatorWithFives();
+    std::int64_t twos = bits + static_cast<std::int64_t>(bitsOf(denominator)) -
+                        static_cast<std::int64_t>(bitsOf(numerator));
+    twos = twos < 0 ? 0 : twos;
+    Whole quotient;
+    Whole rest;
+    boost::multiprecision::divide_qr(shifted(numerator, twos), denominator, quotient, rest);
+    return {quotient, rest.is_zero() ? quotient : Whole(quotient + 1), parts.Twos - twos};
+}
+
+}  // namespace
+
+Whole rootOf(const Whole& number, int order) {
+    if (order == 1) {
+        return number;
+    }
+    // Newton's method from above, which falls until it is there.
+    const auto bits = static_cast<unsigned>(bitsOf(number));
+    Whole x = Whole(1) << ((bits - 1) / static_cast<unsigned>(order) + 1);
+    while (true) {
+        const Whole next = (x * (order - 1) + number / powerOf(x, order - 1)) / order;
+        if (next >= x) {
+            return x;
+        }
+        x = next;
+    }
+}
+
+CEnclosure enclose(const CFactor& factor, int bits) {
+    // Each of the few steps loses some bits, a power of 99 no more than eight.
+    const int working = bits + 64;
+    CEnclosure result = fraction(factor.radicand(), working);
+    result = root(result, factor.root(), working);
+    const CExponent exponent = factor.piExponent();
+    if (!exponent.isZero()) {
+        const int size = exponent.numerator() < 0 ? -exponent.numerator() : exponent.numerator();
+        CEnclosure powers =
+            root(power(pi(working + 16), size, working), exponent.denominator(), working);
+        if (exponent.numerator() < 0) {
+            powers = inverse(powers, working);
+        }
+        result = product(result, powers, working);
+    }
+    return shortened(result, working);
+}
+
+}  // namespace exact
+}  // namespace mensor

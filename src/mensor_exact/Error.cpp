@@ -1,0 +1,13 @@
+#include "mensor_exact/Error.h"
+
+namespace mensor {
+namespace exact {
+
+CError::CError(eError code, const std::string& message)
+    : std::invalid_argument(message), m_Code(code) {}
+CError::CError(const CError&) = default;
+CError& CError::operator=(const CError&) = default;
+CError::~CError() = default;
+
+}  // namespace exact
+}  // namespace mensor

@@ -1,0 +1,329 @@
+#include "mensor_exact/Fraction.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <string>
+#include <utility>
+
+#include "mensor_exact/Digits.h"
+#include "mensor_exact/Error.h"
+#include "mensor_exact/Parts.h"
+#include "mensor_exact/Rounding.h"
+
+namespace mensor {
+namespace exact {
+
+namespace {
+
+// Numbers of texts, and products on the way to a conversion, end here, before they fill the memory.
+constexpr std::size_t MostBits = 65536;
+constexpr std::int64_t MostPower = 65536;
+
+[[noreturn]] void throwTooLarge() {
+    throw CError(eError::TOO_LARGE, "a number of more than 65536 bits");
+}
+
+[[noreturn]] void throwDivisionByZero() {
+    throw CError(eError::DIVISION_BY_ZERO, "a division by zero");
+}
+
+std::size_t bitsOf(std::uint64_t number) {
+    return number == 0 ? 0 : 64 - static_cast<std::size_t>(__builtin_clzll(number));
+}
+
+// log2(5) = 2.3219...
+std::size_t bitsOfFives(std::int64_t fives) {
+    return static_cast<std::size_t>(fives) * 2322 / 1000 + 1;
+}
+
+// The bits that the parts of a fraction need, or up to three more.
+std::size_t boundOfBits(std::size_t numerator, std::size_t denominator, std::int64_t twos,
+                        std::int64_t fives) {
+    return numerator + denominator + static_cast<std::size_t>(twos < 0 ? -twos : twos) +
+           (fives == 0 ? 0 : bitsOfFives(fives < 0 ? -fives : fives));
+}
+
+// Divides `number` by `prime` as often as that gives a whole number. Returns how often.
+std::int64_t strip(Whole& number, const Whole& prime) {
+    std::int64_t count = 0;
+    if (!(number % prime).is_zero()) {
+        return 0;
+    }
+    // Twice as many at once, then half as many.
+    Whole power = prime;
+    std::int64_t step = 1;
+    while (true) {
+        Whole quotient;
+        Whole rest;
+        boost::multiprecision::divide_qr(number, power, quotient, rest);
+        if (rest.is_zero()) {
+            number = quotient;
+            count += step;
+            power *= power;
+            step *= 2;
+        } else if (step == 1) {
+            return count;
+        } else {
+            power = prime;
+            step = 1;
+        }
+    }
+}
+
+std::int64_t stripTwos(Whole& number) {
+    const auto twos = static_cast<std::int64_t>(boost::multiprecision::lsb(number));
+    number >>= static_cast<unsigned>(twos);
+    return twos;
+}
+
+bool fits(const Whole& number) { return number <= std::numeric_limits<std::uint64_t>::max(); }
+
+std::int32_t narrow(std::int64_t power) {
+    if (power > MostPower || power < -MostPower) {
+        throwTooLarge();
+    }
+    return static_cast<std::int32_t>(power);
+}
+
+}  // namespace
+
+CParts::CParts(const CFraction& fraction)
+    : Twos(fraction.m_Small.Twos),
+      Fives(fraction.m_Small.Fives),
+      Negative(fraction.m_Small.Negative) {
+    if (fraction.m_Big != nullptr) {
+        Numerator = fraction.m_Big->Numerator;
+        Denominator = fraction.m_Big->Denominator;
+    } else {
+        Numerator = fraction.m_Small.Numerator;
+        Denominator = fraction.m_Small.Denominator;
+    }
+}
+
+void CParts::normalize() {
+    if (Numerator.is_zero()) {
+        *this = CParts();
+        return;
+    }
+    Twos += stripTwos(Numerator) - stripTwos(Denominator);
+    Fives += strip(Numerator, 5) - strip(Denominator, 5);
+    const Whole divisor = gcd(Numerator, Denominator);
+    if (divisor != 1) {
+        Numerator /= divisor;
+        Denominator /= divisor;
+    }
+}
+
+CFraction CParts::fraction() const {
+    CFraction result;
+    CSmallFraction& small = result.m_Small;
+    small.Twos = narrow(Twos);
+    small.Fives = narrow(Fives);
+    small.Negative = Negative;
+    if (fits(Numerator) && fits(Denominator)) {
+        small.Numerator = static_cast<std::uint64_t>(Numerator);
+        small.Denominator = static_cast<std::uint64_t>(Denominator);
+    } else {
+        result.m_Big = std::make_shared<const CWholes>(CWholes{Numerator, Denominator});
+    }
+    if (result.needsMoreThan(MostBits)) {
+        throwTooLarge();
+    }
+    return result;
+}
+
+Whole CParts::numeratorWithFives() const {
+    return Fives > 0 ? Numerator * powerOf(5, Fives) : Numerator;
+}
+
+Whole CParts::denominatorWithFives() const {
+    return Fives < 0 ? Denominator * powerOf(5, -Fives) : Denominator;
+}
+
+CWholes CParts::wholes() const {
+    CWholes result{numeratorWithFives(), denominatorWithFives()};
+    (Twos < 0 ? result.Denominator : result.Numerator) <<=
+        static_cast<unsigned>(Twos < 0 ? -Twos : Twos);
+    return result;
+}
+
+std::size_t CParts::bits() const {
+    const std::size_t bound =
+        boundOfBits(exact::bitsOf(Numerator), exact::bitsOf(Denominator), Twos, Fives);
+    if (bound > MostBits + 64) {
+        return bound;  // too many anyway
+    }
+    return exact::bitsOf(numeratorWithFives()) + exact::bitsOf(denominatorWithFives()) +
+           static_cast<std::size_t>(Twos < 0 ? -Twos : Twos);
+}
+
+CFraction::CFraction(std::int64_t whole)
+    : m_Small(whole < 0 ? -static_cast<std::uint64_t>(whole) : static_cast<std::uint64_t>(whole)) {
+    m_Small.Negative = whole < 0;
+}
+
+CFraction::CFraction(std::int64_t numerator, std::int64_t denominator)
+    : CFraction(CFraction(numerator) / CFraction(denominator)) {}
+
+CFraction CFraction::ofDouble(double value) {
+    if (!std::isfinite(value)) {
+        throw CError(eError::BAD_NUMBER, "an infinity or NaN is no fraction");
+    }
+    const CDoubleParts parts(value);
+    CSmallFraction small(parts.Mantissa);
+    if (parts.Mantissa != 0) {
+        small.Twos += parts.Twos;
+        small.Negative = parts.Negative;
+    }
+    return CFraction(small);
+}
+
+CFraction CFraction::ofText(std::string_view text) { return readDecimal(text).fraction(); }
+
+std::size_t CFraction::bits() const {
+    if (isZero()) {
+        return 1;
+    }
+    if (m_Big == nullptr && m_Small.Fives == 0) {
+        return boundOfBits(bitsOf(m_Small.Numerator), bitsOf(m_Small.Denominator), m_Small.Twos, 0);
+    }
+    return CParts(*this).bits();
+}
+
+bool CFraction::needsMoreThan(std::size_t most) const {
+    const std::size_t numerator =
+        m_Big == nullptr ? bitsOf(m_Small.Numerator) : exact::bitsOf(m_Big->Numerator);
+    const std::size_t denominator =
+        m_Big == nullptr ? bitsOf(m_Small.Denominator) : exact::bitsOf(m_Big->Denominator);
+    return boundOfBits(numerator, denominator, m_Small.Twos, m_Small.Fives) > most && bits() > most;
+}
+
+double CFraction::toDouble() const {
+    const CParts parts(*this);
+    return roundQuotient(parts.Negative, parts.numeratorWithFives(), parts.denominatorWithFives(),
+                         parts.Twos)
+        .Value;
+}
+
+std::string CFraction::toString() const {
+    constexpr std::size_t MostDigits = 17;
+    const CParts parts(*this);
+    if (const auto digits = wholeDigits(parts, MostDigits)) {
+        return write(*digits, {});
+    }
+    const CWholes wholes = parts.wholes();
+    std::string text = (parts.Negative ? "-" : "") + wholes.Numerator.str();
+    return wholes.Denominator == 1 ? text : text + "/" + wholes.Denominator.str();
+}
+
+CFraction CFraction::operator-() const {
+    CFraction result = *this;
+    result.m_Small.Negative = !isZero() && !isNegative();
+    return result;
+}
+
+CFraction CFraction::power(int exponent) const {
+    if (exponent < 0) {
+        return CFraction(1) / power(-exponent);
+    }
+    CSmallFraction small = m_Small;
+    if (m_Big == nullptr && small.raise(exponent)) {
+        CFraction result(small);
+        if (result.needsMoreThan(MostBits)) {
+            throwTooLarge();
+        }
+        return result;
+    }
+    if (exponent == 0) {
+        return 1;
+    }
+    const auto times = static_cast<std::size_t>(exponent);
+    if ((bits() - 1) * times > MostBits + 2 * times) {
+        throwTooLarge();  // before it is computed
+    }
+    CParts parts(*this);
+    parts.Numerator = powerOf(parts.Numerator, exponent);
+    parts.Denominator = powerOf(parts.Denominator, exponent);
+    parts.Twos *= exponent;
+    parts.Fives *= exponent;
+    parts.Negative = parts.Negative && exponent % 2 != 0;
+    return parts.fraction();
+}
+
+CFraction operator+(const CFraction& a, const CFraction& b) {
+    CSmallFraction small = a.m_Small;
+    if (a.m_Big == nullptr && b.m_Big == nullptr && small.add(b.m_Small)) {
+        return CFraction(small);  // needs hardly more bits than the two
+    }
+    const CParts x(a);
+    const CParts y(b);
+    CParts sum;
+    sum.Twos = std::min(x.Twos, y.Twos);
+    sum.Fives = std::min(x.Fives, y.Fives);
+    const Whole left = (x.Numerator * powerOf(5, x.Fives - sum.Fives) * y.Denominator)
+                       << static_cast<unsigned>(x.Twos - sum.Twos);
+    const Whole right = (y.Numerator * powerOf(5, y.Fives - sum.Fives) * x.Denominator)
+                        << static_cast<unsigned>(y.Twos - sum.Twos);
+    sum.Numerator = x.Negative == y.Negative ? Whole(left + right) : Whole(left - right);
+    sum.Negative = x.Negative;
+    if (sum.Numerator < 0) {
+        sum.Numerator = -sum.Numerator;
+        sum.Negative = y.Negative;
+    }
+    sum.Denominator = x.Denominator * y.Denominator;
+    sum.normalize();
+    return sum.fraction();
+}
+
+CFraction operator-(const CFraction& a, const CFraction& b) { return a + -b; }
+
+CFraction operator*(const CFraction& a, const CFraction& b) {
+    CSmallFraction small = a.m_Small;
+    if (a.m_Big == nullptr && b.m_Big == nullptr && small.multiply(b.m_Small)) {
+        const CFraction result(small);
+        if (result.needsMoreThan(MostBits)) {
+            throwTooLarge();
+        }
+        return result;
+    }
+    const CParts x(a);
+    const CParts y(b);
+    const Whole g = gcd(x.Numerator, y.Denominator);
+    const Whole h = gcd(y.Numerator, x.Denominator);
+    CParts product;
+    product.Numerator = (x.Numerator / g) * (y.Numerator / h);
+    product.Denominator = (x.Denominator / h) * (y.Denominator / g);
+    product.Twos = x.Twos + y.Twos;
+    product.Fives = x.Fives + y.Fives;
+    product.Negative = x.Negative != y.Negative;
+    if (product.Numerator.is_zero()) {
+        return {};
+    }
+    return product.fraction();
+}
+
+CFraction operator/(const CFraction& a, const CFraction& b) {
+    if (b.isZero()) {
+        throwDivisionByZero();
+    }
+    if (b.m_Big == nullptr) {
+        return a * CFraction(b.m_Small.inverse());
+    }
+    CParts inverse(b);
+    std::swap(inverse.Numerator, inverse.Denominator);
+    inverse.Twos = -inverse.Twos;
+    inverse.Fives = -inverse.Fives;
+    return a * inverse.fraction();
+}
+
+bool operator==(const CFraction& a, const CFraction& b) noexcept {
+    if (!(a.m_Small == b.m_Small) || (a.m_Big == nullptr) != (b.m_Big == nullptr)) {
+        return false;
+    }
+    return a.m_Big == b.m_Big || (a.m_Big->Numerator == b.m_Big->Numerator &&
+                                  a.m_Big->Denominator == b.m_Big->Denominator);
+}
+
+}  // namespace exact
+}  // namespace mensor

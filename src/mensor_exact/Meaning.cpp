@@ -1,0 +1,312 @@
+#include "mensor_exact/Meaning.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+
+#include "mensor_exact/Error.h"
+#include "mensor_exact/Slots.h"
+
+namespace mensor {
+namespace exact {
+
+namespace {
+
+// What is measured in units of these exponents, in the order of the slots.
+struct CKind {
+    std::int8_t A, K, cd, kg, m, mol, s;
+    const char* Name;
+};
+
+constexpr CKind Kinds[] = {
+    {0, 0, 0, 0, 1, 0, 0, "length"},
+    {0, 0, 0, 1, 0, 0, 0, "mass"},
+    {0, 0, 0, 0, 0, 0, 1, "time"},
+    {1, 0, 0, 0, 0, 0, 0, "electric current"},
+    {0, 1, 0, 0, 0, 0, 0, "temperature"},
+    {0, 0, 0, 0, 0, 1, 0, "amount of substance"},
+    {0, 0, 1, 0, 0, 0, 0, "luminous intensity"},
+    {0, 0, 0, 0, 2, 0, 0, "area"},
+    {0, 0, 0, 0, 3, 0, 0, "volume"},
+    {0, 0, 0, 0, 1, 0, -1, "speed"},
+    {0, 0, 0, 0, 1, 0, -2, "acceleration"},
+    {0, 0, 0, 0, 0, 0, -1, "frequency"},
+    {0, 0, 0, 1, 1, 0, -2, "force"},
+    {0, 0, 0, 1, -1, 0, -2, "pressure"},
+    {0, 0, 0, 1, 2, 0, -2, "energy"},
+    {0, 0, 0, 1, 2, 0, -3, "power"},
+    {0, 0, 0, 1, -3, 0, 0, "density"},
+    {0, 0, 0, 1, 0, 0, -1, "mass flow"},
+    {0, 0, 0, 0, 3, 0, -1, "volume flow"},
+    {0, 0, 0, 1, -1, 0, -1, "viscosity"},
+    {0, 0, 0, 0, 2, 0, -1, "kinematic viscosity"},
+    {0, 0, 0, 0, 2, 0, -2, "absorbed dose"},
+    {1, 0, 0, 0, 0, 0, 1, "electric charge"},
+    {-1, 0, 0, 1, 2, 0, -3, "voltage"},
+    {-2, 0, 0, 1, 2, 0, -3, "electric resistance"},
+    {2, 0, 0, -1, -2, 0, 3, "electric conductance"},
+    {2, 0, 0, -1, -2, 0, 4, "capacitance"},
+    {-2, 0, 0, 1, 2, 0, -2, "inductance"},
+    {-1, 0, 0, 1, 2, 0, -2, "magnetic flux"},
+    {-1, 0, 0, 1, 0, 0, -2, "magnetic flux density"},
+    {0, 0, 1, 0, -2, 0, 0, "illuminance"},
+    {0, 0, 0, 0, 0, 1, -1, "catalytic activity"},
+};
+
+void append(std::string& side, std::string_view name, CExponent exponent) {
+    if (!side.empty()) {
+        side += "·";
+    }
+    side += name;
+    if (exponent == CExponent(2)) {
+        side += "²";
+    } else if (exponent == CExponent(3)) {
+        side += "³";
+    } else if (exponent.denominator() != 1) {
+        side += "^(" + exponent.toString() + ")";
+    } else if (exponent != CExponent(1)) {
+        side += "^" + exponent.toString();
+    }
+}
+
+// Writes a product of powers, the negative ones behind a stroke.
+class CUnitsWriter {
+public:
+    void add(std::string_view name, CExponent exponent) {
+        if (exponent.isZero()) {
+            return;
+        }
+        const bool divides = exponent.numerator() < 0;
+        append(divides ? m_Below : m_Above, name, divides ? -exponent : exponent);
+        m_Divisors += divides ? 1 : 0;
+    }
+
+    std::string text() const {
+        std::string text = m_Above.empty() ? "1" : m_Above;
+        if (m_Divisors > 0) {
+            text += m_Divisors > 1 ? "/(" + m_Below + ")" : "/" + m_Below;
+        }
+        return text;
+    }
+
+private:
+    std::string m_Above;
+    std::string m_Below;
+    int m_Divisors = 0;
+};
+
+void requireNoOffset(const CMeaning& meaning) {
+    if (!meaning.offset().isZero()) {
+        throw CError(eError::OFFSET_IN_PRODUCT,
+                     "a unit with an offset, " + meaning.toString() + ", in a product");
+    }
+}
+
+[[noreturn]] void throwNotRational() {
+    throw CError(eError::OFFSET_NOT_RATIONAL, "an offset beside a factor with π or a root");
+}
+
+}  // namespace
+
+CMeaning CMeaning::base(std::string_view name) {
+    static_assert(SlotCount == Slots);
+    if (name.empty()) {
+        throw CError(eError::SYNTAX, "a dimension without a name");
+    }
+    CMeaning result;
+    const std::size_t slot = slotOf(name);
+    if (slot < Slots) {
+        result.m_Exponents[slot] = 1;
+    } else {
+        result.m_Others.push_back({std::string(name), 1});
+    }
+    return result;
+}
+
+std::vector<CPower> CMeaning::dimensions() const {
+    std::vector<CPower> result;
+    for (std::size_t slot = 0; slot < Dimensions; ++slot) {
+        if (!m_Exponents[slot].isZero()) {
+            result.push_back({std::string(SlotNames[slot]), m_Exponents[slot]});
+        }
+    }
+    result.insert(result.end(), m_Others.begin(), m_Others.end());
+    return result;
+}
+
+std::vector<CPower> CMeaning::marks() const {
+    std::vector<CPower> result;
+    for (std::size_t slot = Dimensions; slot < Slots; ++slot) {
+        if (!m_Exponents[slot].isZero()) {
+            result.push_back({std::string(SlotNames[slot]), m_Exponents[slot]});
+        }
+    }
+    return result;
+}
+
+CExponent CMeaning::exponentOf(std::string_view name) const noexcept {
+    const std::size_t slot = slotOf(name);
+    if (slot < Slots) {
+        return m_Exponents[slot];
+    }
+    for (const CPower& power : m_Others) {
+        if (power.Name == name) {
+            return power.Exponent;
+        }
+    }
+    return 0;
+}
+
+bool CMeaning::isCompatibleWith(const CMeaning& other) const noexcept {
+    return std::equal(m_Exponents.begin(), m_Exponents.begin() + Dimensions,
+                      other.m_Exponents.begin()) &&
+           m_Others == other.m_Others;
+}
+
+bool CMeaning::hasMarksOf(const CMeaning& other) const noexcept {
+    return std::equal(m_Exponents.begin() + Dimensions, m_Exponents.end(),
+                      other.m_Exponents.begin() + Dimensions);
+}
+
+CMeaning CMeaning::scaled(const CFactor& factor) const {
+    CMeaning result = *this;
+    result.m_Factor = m_Factor * factor;
+    if (!m_Offset.isZero() && !result.m_Factor.isRational()) {
+        throwNotRational();
+    }
+    return result;
+}
+
+CMeaning CMeaning::shifted(const CFraction& offset) const {
+    if (offset.isZero()) {
+        return *this;
+    }
+    if (!m_Factor.isRational()) {
+        throwNotRational();
+    }
+    CMeaning result = *this;
+    result.m_Offset = m_Offset + m_Factor.radicand() * offset;
+    if (result.m_Offset.needsMoreThan(CFactor::MostBits)) {
+        throw CError(eError::TOO_LARGE, "an offset of more than 16384 bits");
+    }
+    return result;
+}
+
+CMeaning CMeaning::difference() const {
+    CMeaning result = *this;
+    result.m_Offset = {};
+    return result;
+}
+
+// Multiplies the exponents by those of `other` to the power `exponent`.
+void CMeaning::multiply(const CMeaning& other, CExponent exponent) {
+    for (std::size_t slot = 0; slot < Slots; ++slot) {
+        if (!other.m_Exponents[slot].isZero()) {
+            m_Exponents[slot] = m_Exponents[slot] + other.m_Exponents[slot] * exponent;
+        }
+    }
+    for (const CPower& power : other.m_Others) {
+        const auto place =
+            std::lower_bound(m_Others.begin(), m_Others.end(), power,
+                             [](const CPower& a, const CPower& b) { return a.Name < b.Name; });
+        const CExponent added = power.Exponent * exponent;
+        if (place == m_Others.end() || place->Name != power.Name) {
+            m_Others.insert(place, {power.Name, added});
+        } else if ((place->Exponent = place->Exponent + added).isZero()) {
+            m_Others.erase(place);
+        }
+    }
+}
+
+CMeaning CMeaning::power(CExponent exponent) const {
+    if (exponent == CExponent(1)) {
+        return *this;
+    }
+    requireNoOffset(*this);
+    CMeaning result;
+    if (!exponent.isZero()) {
+        result.multiply(*this, exponent);
+        result.m_Factor = m_Factor.power(exponent);
+    }
+    return result;
+}
+
+CMeaning operator*(const CMeaning& a, const CMeaning& b) {
+    requireNoOffset(a);
+    requireNoOffset(b);
+    CMeaning result = a;
+    result.multiply(b, 1);
+    result.m_Factor = a.m_Factor * b.m_Factor;
+    return result;
+}
+
+CMeaning operator/(const CMeaning& a, const CMeaning& b) {
+    requireNoOffset(a);
+    requireNoOffset(b);
+    CMeaning result = a;
+    result.multiply(b, -1);
+    result.m_Factor = a.m_Factor / b.m_Factor;
+    return result;
+}
+
+bool operator==(const CMeaning& a, const CMeaning& b) noexcept {
+    return a.m_Exponents == b.m_Exponents && a.m_Others == b.m_Others && a.m_Factor == b.m_Factor &&
+           a.m_Offset == b.m_Offset;
+}
+
+std::string CMeaning::unitsText() const {
+    CUnitsWriter writer;
+    for (std::size_t slot = 0; slot < Slots; ++slot) {
+        writer.add(SlotNames[slot], m_Exponents[slot]);
+    }
+    for (const CPower& power : m_Others) {
+        writer.add(power.Name, power.Exponent);
+    }
+    return writer.text();
+}
+
+std::string CMeaning::toString() const {
+    const std::string units = unitsText();
+    const std::string factor = m_Factor.toString();
+    std::string text = units;
+    if (units == "1") {
+        text = factor;
+    } else if (!m_Factor.isOne()) {
+        text = factor + " " + units;
+    }
+    if (!m_Offset.isZero()) {
+        text +=
+            m_Offset.isNegative() ? " - " + (-m_Offset).toString() : " + " + m_Offset.toString();
+    }
+    return text;
+}
+
+std::string CMeaning::kind() const {
+    const std::vector<CPower> own = dimensions();
+    if (own.empty()) {
+        const std::vector<CPower> marked = marks();
+        if (marked.size() == 1 && marked[0].Exponent == CExponent(1)) {
+            return marked[0].Name == "rad"  ? "angle"
+                   : marked[0].Name == "sr" ? "solid angle"
+                                            : "information";
+        }
+        return "number";
+    }
+    if (m_Others.empty()) {
+        for (const CKind& kind : Kinds) {
+            const std::array<CExponent, Dimensions> exponents = {kind.A, kind.K,   kind.cd, kind.kg,
+                                                                 kind.m, kind.mol, kind.s};
+            if (std::equal(exponents.begin(), exponents.end(), m_Exponents.begin())) {
+                return kind.Name;
+            }
+        }
+    }
+    CUnitsWriter writer;
+    for (const CPower& power : own) {
+        writer.add(power.Name, power.Exponent);
+    }
+    return writer.text();
+}
+
+}  // namespace exact
+}  // namespace mensor
