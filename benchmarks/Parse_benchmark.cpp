@@ -52,6 +52,17 @@ void mixUdunits(benchmark::State& state) {
     }
 }
 
+// The least that a refusal by exception costs.
+void bareThrow(benchmark::State& state) {
+    for (auto _ : state) {
+        try {
+            throw std::invalid_argument("Label: xyz not recognized");
+        } catch (const std::invalid_argument& error) {
+            benchmark::DoNotOptimize(error.what());
+        }
+    }
+}
+
 // mensor throws and UDUNITS-2 returns no unit.
 void unknownMensor(benchmark::State& state) {
     const string_t text = "xyz";
@@ -81,6 +92,7 @@ const bool added = [] {
     addFirst("parse a text not seen before", "parse");
     add("parse an unknown name", "mensor", unknownMensor);
     add("parse an unknown name", "UDUNITS-2", unknownUdunits);
+    add("parse an unknown name", "bare throw and catch", bareThrow);
     return true;
 }();
 

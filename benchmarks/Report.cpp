@@ -61,6 +61,7 @@ const std::vector<CReport::Line>& CReport::lines() {
         peer("parse a mix of 50", 0.15);
         peer("parse a text not seen before");
         peer("parse an unknown name");
+        against("parse an unknown name", "bare throw and catch", 2.5);
 
         heading("Algebra");
         for (const char* what : {"multiply", "divide", "pow"}) {

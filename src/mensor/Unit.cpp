@@ -10,6 +10,7 @@
 #include "mensor/ProductUnit.h"
 #include "mensor/TransformedUnit.h"
 #include "mensor/UnitFormat.h"
+#include "mensor/parsing.h"
 #include "mensor/require.h"
 #include "mensor/tables.h"
 #include "mensor/text_stream.h"
@@ -428,7 +429,7 @@ string_t CUnit::appendTo(string_t text) {
     return CStandardUnitFormat::write(shared_from_this(), std::move(text));
 }
 
-CUnitPtr CUnit::fromString(const string_t& text) { return CUnitFormat::parseUnit(text); }
+CUnitPtr CUnit::fromString(const string_t& text) { return detail::parse(text); }
 
 CUnitPtr operator+(const CUnitPtr& unit, double offset) {
     requireUnit(unit, "operator+");

@@ -20,6 +20,7 @@
 #include "mensor/ProductUnit.h"
 #include "mensor/RememberedTexts.h"
 #include "mensor/factors.h"
+#include "mensor/parsing.h"
 #include "mensor/require.h"
 #include "mensor/tables.h"
 #include "mensor/utf8.h"
@@ -109,18 +110,27 @@ class CParser {
 public:
     explicit CParser(std::string_view text) : m_Text(text) { m_Factors.reserve(UsualFactors); }
 
+    // The unit of the text; none if a name in it is unknown.
     CUnitPtr parse() {
         const char* const end = m_Text.data() + m_Text.size();
-        for (const char* position = m_Text.data(); position != end;) {
+        for (const char* position = m_Text.data(); position != end && !m_IsRefused;) {
             const char* const at = position;
             const char_t c = detail::decodeUtf8(position, end);
             step(c, at, position);
         }
-        step(U' ', end, end);  // flushes the last token
-        commit();
+        if (!m_IsRefused) {
+            step(U' ', end, end);  // flushes the last token
+            commit();
+        }
+        if (m_IsRefused) {
+            return nullptr;
+        }
         requireSmallExponents();
         return m_Factors.size() > ManyFactors ? productWithoutSlots() : product();
     }
+
+    // The first unknown name, a slice of the text.
+    std::string_view unknownName() const { return m_Name; }
 
 private:
     struct Factor {
@@ -272,9 +282,11 @@ private:
         }
     }
 
+    // Leaves an unknown name where it is.
     void commit() {
-        if (!m_Name.empty()) {
-            addFactor();
+        if (!m_Name.empty() && !addFactor()) {
+            m_IsRefused = true;
+            return;
         }
         if (m_SlashPending) {
             m_Inverse = !m_Inverse;
@@ -283,10 +295,11 @@ private:
         m_SlashPending = false;
     }
 
-    void addFactor() {
+    // Whether the name is known.
+    bool addFactor() {
         CUnitPtr unit = CUnitFormat::unitFor(string_t(std::string(m_Name)));
         if (!unit) {
-            throw std::invalid_argument("Label: " + std::string(m_Name) + " not recognized");
+            return false;
         }
         // No number read is the smallest int, so its negation exists.
         const int pow = parseExponentBytes(m_Power);
@@ -295,6 +308,7 @@ private:
             unit->root(root);  // throws
         }
         m_Factors.push_back({std::move(unit), m_Inverse ? -pow : pow, root});
+        return true;
     }
 
     const std::string_view m_Text;
@@ -306,6 +320,7 @@ private:
     std::string_view m_Root;
     bool m_SlashPending = false;  // a "/" was seen, the next commit consumes it
     bool m_Inverse = false;       // factors are divisors now; each consumed slash toggles it
+    bool m_IsRefused = false;     // m_Name is unknown
 
     // Most texts are read without fetching memory for their factors.
     static constexpr std::size_t UsualFactors = 4;
@@ -480,21 +495,28 @@ void CUnitFormat::labelPrefixedUnit(const std::vector<ePrefix>& prefixes,
     }
 }
 
-CUnitPtr CUnitFormat::parseUnit(const string_t& text) {
+CUnitPtr detail::tryParse(const string_t& text, std::string_view& unknownName) {
     const std::string_view bytes(text.data(), text.size());
-    if (detail::handedOut.load(std::memory_order_acquire)) {
-        return CParser(bytes).parse();
-    }
-    const unsigned epoch = detail::namesEpoch.load(std::memory_order_acquire);
-    if (CUnit* const remembered = detail::rememberedTexts.find(bytes, epoch)) {
-        return remembered->shared_from_this();
-    }
-    CUnitPtr unit = CParser(bytes).parse();
-    if (isRegistered(unit)) {
-        detail::rememberedTexts.keep(bytes, epoch, unit.get());
+    const bool remembers = !handedOut.load(std::memory_order_acquire);
+    const unsigned epoch = namesEpoch.load(std::memory_order_acquire);
+    CParser parser(bytes);
+    CUnitPtr unit = parser.parse();
+    if (!unit) {
+        unknownName = parser.unknownName();
+    } else if (remembers && isRegistered(unit)) {
+        rememberedTexts.keep(bytes, epoch, unit.get());
     }
     return unit;
 }
+
+std::invalid_argument detail::unknownLabel(std::string_view name) {
+    std::string message = "Label: ";
+    message += name;
+    message += " not recognized";
+    return std::invalid_argument(message);
+}
+
+CUnitPtr CUnitFormat::parseUnit(const string_t& text) { return detail::parse(text); }
 
 bool CUnitFormat::isUnitIdentifierPart(char_t c) {
     return c > 0x22 && !(c >= 0x26 && c <= 0x3F) && c != U'^' && c != U'²' && c != U'³' &&

@@ -5,6 +5,7 @@
 // around the work costs is the part "nothing", which count.cmake takes off all others.
 #include <cstddef>
 #include <iterator>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -58,6 +59,22 @@ int main() {
     static_assert(Repetitions % (std::size(TypicalTexts)) == 0);
     count("parse a mix of 50",
           [&](int i) { keep(CUnit::fromString(mix[static_cast<std::size_t>(i) % mix.size()])); });
+
+    count("throw and catch an error", [&](int) {
+        try {
+            throw std::invalid_argument("Label: xyz not recognized");
+        } catch (const std::invalid_argument& error) {
+            keep(error.what());
+        }
+    });
+    const string_t unknown = "xyz";
+    count("refuse an unknown name", [&](int) {
+        try {
+            keep(CUnit::fromString(unknown));
+        } catch (const std::invalid_argument& error) {
+            keep(error.what());
+        }
+    });
 
     const CUnitPtr metre = SI::Meter(), newton = SI::Newton();
     count("multiply, cached", [&](int) { keep(newton->multiply(metre)); });
