@@ -10,16 +10,23 @@ class Mensor(ConanFile):
     description = "Physical units of measure at run time"
     license = "MIT"
     settings = "os", "compiler", "build_type", "arch"
-    requires = "log4cplus/[>=2.0 <3]", "tiny-utf8/[>=4.4]"
+    options = {"string": ["own", "tinyutf8"]}  # the class behind string_t: two ABIs
+    default_options = {"string": "own"}
     generators = "CMakeDeps", "CMakeToolchain"
     exports_sources = "CMakeLists.txt", "LICENSE", "cmake/*", "packaging/*", "src/*", "tools/*"
+
+    def requirements(self):
+        self.requires("log4cplus/[>=2.0 <3]")
+        if self.options.string == "tinyutf8":
+            self.requires("tiny-utf8/[>=4.4]")
 
     def layout(self):
         cmake_layout(self)
 
     def build(self):
         cmake = CMake(self)
-        cmake.configure(variables={"MENSOR_TESTS": "OFF", "MENSOR_EXAMPLES": "OFF"})
+        cmake.configure(variables={"MENSOR_TESTS": "OFF", "MENSOR_EXAMPLES": "OFF",
+                                   "MENSOR_STRING": str(self.options.string)})
         cmake.build()
 
     def package(self):

@@ -28,7 +28,7 @@ install(FILES
 
 # gdb loads the printers with the library, whose whole path their place repeats, as it is when they
 # are installed. They read the library's own string only.
-if(MENSOR_STRING_CHOICE STREQUAL "own")
+if(MENSOR_STRING STREQUAL "own")
   install(FILES tools/gdb/mensor_gdb.py
     DESTINATION "${CMAKE_INSTALL_DATADIR}/gdb/auto-load\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}"
     RENAME libmensor.so.${PROJECT_VERSION}-gdb.py

@@ -61,7 +61,8 @@ every machine.
 ")
 mensor_package(libmensor1 libs same ""
   "physical units of measure at run time" "${what}
-This package holds the shared library and its printers for gdb.")
+This package holds the shared library and its printers for gdb. It
+was built with MENSOR_STRING=${MENSOR_STRING}, which is part of its ABI.")
 mensor_package(libmensor-checked1 libs same "libmensor1 (= ${version})"
   "physical units of measure at run time, with checks" "${what}
 This package holds the companion library, which refuses what could silently

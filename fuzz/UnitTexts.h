@@ -73,7 +73,8 @@ inline void checkWriting(const CUnitPtr& unit) {
         }
         require(outcome == "returned", *expected, "is not written");
         require(toStdString(text) == *expected, *expected, "is written otherwise");
-        require(format->format(unit, "0 ") == "0 " + text, *expected, "is appended otherwise");
+        require(format->format(unit, "0 ") == string_t("0 ") + text, *expected,
+                "is appended otherwise");
         if (test::readsBack(unit, notation)) {
             require(CUnit::fromString(text) == unit, *expected, "does not read back");
         }

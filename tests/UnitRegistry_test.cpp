@@ -155,7 +155,7 @@ TEST(UnitRegistry, PsiAndTheEmptyLabelAreUnknownAfterLoad) {
 
 TEST(UnitRegistry, EveryLabelIsOneWordToTheParser) {
     for (const auto& entry : CUnitFormat::labelUnitMap()) {
-        EXPECT_EQ(CUnit::fromString(entry.first), entry.second) << entry.first;
+        EXPECT_EQ(CUnit::fromString(entry.first), entry.second) << toStdString(entry.first);
     }
 }
 

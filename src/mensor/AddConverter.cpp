@@ -32,7 +32,7 @@ int CAddConverter::hashCode() const { return floatToIntBits(static_cast<float>(m
 
 string_t CAddConverter::getSymbol(CUnitPtr unit) const {
     detail::CTextStream text;
-    text << "[" << unit->getSymbol() << "+" << m_Offset << "]";
+    text << "[" << toStdString(unit->getSymbol()) << "+" << m_Offset << "]";
     return string_t(text.str());
 }
 

@@ -23,7 +23,7 @@ void CBaseUnit::setDimension(CUnitPtr dimension, CConverterPtr toDimension) {
     const auto self = std::dynamic_pointer_cast<CBaseUnit>(shared_from_this());
     if (!self) {
         detail::CTextStream message;
-        message << "The unit with the symbol " << getSymbol()
+        message << "The unit with the symbol " << mensor::toStdString(getSymbol())
                 << " is not a base unit and has no dimension of its own to set";
         throw std::logic_error(message.str());
     }

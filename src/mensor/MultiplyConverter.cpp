@@ -27,7 +27,7 @@ CConverterPtr CMultiplyConverter::concatenate(CConverterPtr other) {
 
 string_t CMultiplyConverter::getSymbol(CUnitPtr unit) const {
     detail::CTextStream text;
-    text << "[" << unit->getSymbol() << "*" << derivative(0.0) << "]";
+    text << "[" << toStdString(unit->getSymbol()) << "*" << derivative(0.0) << "]";
     return string_t(text.str());
 }
 

@@ -251,7 +251,7 @@ CConverterPtr CProductUnit::getCtxToDimension() {
         const CConverterPtr converter = element.unit()->getCtxToDimension();
         if (!converter->isLinear()) {
             detail::CTextStream message;
-            message << "Unit element " << element.unit()->getSymbol()
+            message << "Unit element " << mensor::toStdString(element.unit()->getSymbol())
                     << " is non-linear, cannot convert";
             throw std::logic_error(message.str());
         }

@@ -114,7 +114,8 @@ std::vector<CUnitRationalPower> CUnit::elements() {
 
 CUnitPtr CUnit::baseUnits() {
     detail::CTextStream message;
-    message << "Unit with Id[ " << m_Id << "] and Symbol [" << m_Symbol << "] is not a system unit";
+    message << "Unit with Id[ " << m_Id << "] and Symbol [" << mensor::toStdString(m_Symbol)
+            << "] is not a system unit";
     throw std::logic_error(message.str());
 }
 
@@ -272,8 +273,8 @@ CUnit::Route CUnit::lookUpRouteTo(const CUnitPtr& that) {
     const CUnitPtr dimension = dimensionLocked(self);
     if (dimension != dimensionLocked(that)) {
         detail::CTextStream message;
-        message << getSymbol() << " is not compatible with " << that->getSymbol()
-                << " in current context";
+        message << mensor::toStdString(getSymbol()) << " is not compatible with "
+                << mensor::toStdString(that->getSymbol()) << " in current context";
         throw std::invalid_argument(message.str());
     }
     CConverterPtr fromThis = toDimensionLocked(self, dimension);

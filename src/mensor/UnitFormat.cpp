@@ -358,7 +358,9 @@ void appendNumber(string_t& buffer, char mark, std::int64_t n) {
     char digits[24] = {mark};
     const auto end = std::to_chars(digits + 1, digits + sizeof digits, n).ptr;
     *end = 0;
-    buffer += digits;
+    // As a pointer: tiny-utf8 takes an array for a literal and would append all its characters.
+    const char* const text = digits;
+    buffer += text;
 }
 
 void appendExponent(string_t& buffer, std::int64_t pow, int root) {

@@ -60,7 +60,7 @@ string_t describe(const CUnitPtr& unit);
 
 string_t describeTransformed(const CTransformedUnit& unit, const CUnitPtr& systemUnit) {
     detail::CTextStream text;
-    text << '[' << describe(systemUnit);
+    text << '[' << toStdString(describe(systemUnit));
     appendSteps(text, *unit.toSystem());
     text << ']';
     return string_t(text.str());
@@ -99,7 +99,7 @@ string_t describe(const CUnitPtr& unit) {
 }  // namespace
 
 std::ostream& operator<<(std::ostream& stream, const CUnitPtr& unit) {
-    return stream << (unit ? mensor::toStdString(describe(unit)) : std::string("[no unit]"));
+    return stream << (unit ? toStdString(describe(unit)) : std::string("[no unit]"));
 }
 
 std::ostream& operator<<(std::ostream& stream, const CValueWithUnit& value) {

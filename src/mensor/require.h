@@ -19,7 +19,7 @@ inline void requireUnit(const CUnitPtr& unit, const char* function) {
 
 [[noreturn]] inline void throwSymbolIsTaken(const string_t& symbol) {
     detail::CTextStream message;
-    message << "The symbol: " << symbol << " is currently associated to another unit.";
+    message << "The symbol: " << toStdString(symbol) << " is currently associated to another unit.";
     throw std::logic_error(message.str());
 }
 

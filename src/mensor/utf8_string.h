@@ -11,9 +11,9 @@
 //     for (char32_t c : speed) use(c);
 //     utf8_string(std::string("k\0m", 3))  // 3 code points: a NUL is kept
 //
-// This is mensor's string_t where tiny-utf8 is not installed, with that class's interface for what
-// mensor and its clients use; write string_t, which mensor/mensor_global.h gives, and never this
-// name.
+// This is mensor's string_t unless mensor is built with tiny-utf8 (MENSOR_STRING), whose class has the
+// same interface for what mensor and its clients use. Write string_t, which mensor/mensor_global.h
+// gives, and never this name.
 //
 // Any bytes are accepted and kept as they are. In malformed text a lead byte takes as many bytes as
 // it announces, whatever they hold; a lead byte whose sequence runs past the end of the text, a

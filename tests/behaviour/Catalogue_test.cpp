@@ -67,7 +67,7 @@ TEST(Catalogue, TheTablesOfLabelsAreExactInverses) {
     EXPECT_EQ(CUnitFormat::unitLabelMap().size(), CUnitFormat::labelUnitMap().size());
     for (const auto& [label, unit] : CUnitFormat::labelUnitMap()) {
         const auto back = CUnitFormat::unitLabelMap().find(unit);
-        ASSERT_NE(back, CUnitFormat::unitLabelMap().end()) << label;
+        ASSERT_NE(back, CUnitFormat::unitLabelMap().end()) << toStdString(label);
         EXPECT_EQ(text(back->second), text(label));
     }
 }
@@ -135,7 +135,7 @@ TEST(Catalogue, WhateverPrintsReadsBackAsTheSameObject) {
             const std::string standard = unit->toStdString();
             const string_t ascii = CASCIIUnitFormat::instance()->format(unit, string_t());
             EXPECT_EQ(CUnit::fromString(standard), unit) << standard;
-            EXPECT_EQ(CUnit::fromString(ascii), unit) << ascii;
+            EXPECT_EQ(CUnit::fromString(ascii), unit) << toStdString(ascii);
         } catch (const std::invalid_argument& error) {
             EXPECT_THAT(error.what(), StrEq("Cannot format given Object as a Unit"));
             unprintable.push_back(unit);

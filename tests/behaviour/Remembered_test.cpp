@@ -31,8 +31,8 @@ namespace {
 
 CUnitPtr parsedTwice(const string_t& text) {
     const CUnitPtr first = CUnit::fromString(text);
-    EXPECT_EQ(CUnit::fromString(text), first) << text;
-    EXPECT_EQ(CUnitFormat::parseUnit(text), first) << text;
+    EXPECT_EQ(CUnit::fromString(text), first) << toStdString(text);
+    EXPECT_EQ(CUnitFormat::parseUnit(text), first) << toStdString(text);
     return first;
 }
 

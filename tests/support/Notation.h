@@ -257,7 +257,7 @@ inline bool isReadName(const string_t& name, const CUnitPtr& unit) {
         } else {
             isOfName = isOfName && CUnitFormat::isUnitIdentifierPart(c);
         }
-        shortest += c;
+        shortest.push_back(c);
     }
     return isOfName && depth == 0 && shortest == name && CUnitFormat::unitFor(name) == unit;
 }

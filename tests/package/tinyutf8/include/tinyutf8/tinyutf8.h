@@ -1,9 +1,15 @@
-// tinyutf8.h: a stand-in, made for mensor's tests, for the header of that name of tiny-utf8.
+// tinyutf8.h: a stand-in, made for mensor's tests, for the header of that name of tiny-utf8 4.4.
 //
-// It has the part of the interface that string_t may be used with, and nothing more, so that mensor
-// fails to compile when it uses what mensor::utf8_string alone offers: no comparison or sum with
-// bytes on the left, no += with a code point, no >, <=, >=; an index into a text that is not const
-// gives a proxy; cpp_str() gives a copy.
+// It has the part of the interface that string_t may be used with, and behaves as that class does
+// where the two kinds of string_t differ:
+//
+// - A character array is taken for a literal: all of its N characters are stored, or N - 1 if the
+//   last is zero, with all other zeros. Only a pointer is read up to its first zero.
+// - operator<< to a narrow stream is a template in the global namespace. Code inside a namespace that
+//   has an operator<< of its own does not find it.
+// - An index into a text that is not const, and an iterator, give a proxy that converts to char32_t.
+// - There is no comparison or sum with bytes on the left, no += with a code point, no >, <=, >=, and
+//   cpp_str() gives a copy.
 //
 // Where the real class may read outside its bytes this one ends the program: an index or a position
 // past the end, and counting, indexing, cutting or iterating a text whose last sequence is cut off
@@ -19,6 +25,8 @@
 #include <ostream>
 #include <stdexcept>
 #include <string>
+#include <string_view>
+#include <type_traits>
 #include <utility>
 
 namespace tiny_utf8 {
@@ -32,16 +40,28 @@ public:
     using difference_type = std::ptrdiff_t;
     static constexpr size_type npos = static_cast<size_type>(-1);
 
+    // A code point of a text that may be read later; it stays valid only as long as the text does.
+    class codepoint_reference {
+    public:
+        codepoint_reference(const basic_string* text, size_type byte)
+            : m_Text(text), m_Byte(byte) {}
+        operator value_type() const { return m_Text->decode(m_Byte); }
+
+    private:
+        const basic_string* m_Text;
+        size_type m_Byte;
+    };
+
     class const_iterator {
     public:
         using iterator_category = std::forward_iterator_tag;
         using value_type = ValueType;
         using difference_type = std::ptrdiff_t;
-        using pointer = const ValueType*;
-        using reference = ValueType;
+        using pointer = void;
+        using reference = codepoint_reference;
 
         const_iterator(const basic_string* text, size_type byte) : m_Text(text), m_Byte(byte) {}
-        value_type operator*() const { return m_Text->decode(m_Byte); }
+        reference operator*() const { return codepoint_reference(m_Text, m_Byte); }
         const_iterator& operator++() {
             m_Byte += m_Text->bytesOfCodePoint(m_Byte);
             return *this;
@@ -60,20 +80,23 @@ public:
     };
     using iterator = const_iterator;
 
-    class codepoint_reference {
-    public:
-        codepoint_reference(const basic_string* text, size_type index)
-            : m_Text(text), m_Index(index) {}
-        operator value_type() const { return (*m_Text)[m_Index]; }
-
-    private:
-        const basic_string* m_Text;
-        size_type m_Index;
-    };
-
     basic_string() = default;
-    basic_string(const data_type* bytes) : m_Bytes(bytes) {}
+
+    // The bytes up to the first zero. Only for pointers: an array goes to the next constructor.
+    template <typename Pointer,
+              std::enable_if_t<std::is_pointer_v<std::remove_reference_t<Pointer>> &&
+                                   std::is_convertible_v<Pointer, const data_type*>,
+                               int> = 0>
+    basic_string(Pointer&& bytes) : m_Bytes(static_cast<const data_type*>(bytes)) {}
+
+    // All characters of the array, without the last if that is zero.
+    template <size_type N>
+    basic_string(const data_type (&literal)[N])
+        : m_Bytes(literal, literal[N - 1] != 0 ? N : N - 1) {}
+
     basic_string(std::basic_string<data_type> bytes) : m_Bytes(std::move(bytes)) {}
+    basic_string(std::basic_string_view<data_type> bytes) : m_Bytes(bytes) {}
+    explicit basic_string(data_type byte) : m_Bytes(1, byte) {}
     explicit basic_string(value_type codePoint) { push_back(codePoint); }
     basic_string(size_type count, value_type codePoint) {
         while (count-- > 0)
@@ -95,8 +118,9 @@ public:
         return decode(byte);
     }
     codepoint_reference operator[](size_type index) {
-        require(byteOf(index) < m_Bytes.size(), "operator[] past the end");
-        return codepoint_reference(this, index);
+        const size_type byte = byteOf(index);
+        require(byte < m_Bytes.size(), "operator[] past the end");
+        return codepoint_reference(this, byte);
     }
     value_type at(size_type index) const {
         const size_type byte = byteOf(index);
@@ -148,16 +172,16 @@ public:
     bool operator!=(const basic_string& other) const { return m_Bytes != other.m_Bytes; }
     bool operator<(const basic_string& other) const { return m_Bytes < other.m_Bytes; }
 
+    bool operator==(const std::basic_string<data_type>& other) const { return m_Bytes == other; }
+    bool operator!=(const std::basic_string<data_type>& other) const { return m_Bytes != other; }
+    bool operator<(const std::basic_string<data_type>& other) const { return m_Bytes < other; }
+
     const data_type* c_str() const { return m_Bytes.c_str(); }
     const data_type* data() const { return m_Bytes.data(); }
     std::basic_string<data_type> cpp_str() const { return m_Bytes; }
 
     const_iterator begin() const { return const_iterator(this, 0); }
     const_iterator end() const { return const_iterator(this, m_Bytes.size()); }
-
-    friend std::ostream& operator<<(std::ostream& stream, const basic_string& text) {
-        return stream << text.m_Bytes;
-    }
 
 private:
     static void require(bool condition, const char* what) {
@@ -205,6 +229,12 @@ private:
 using utf8_string = basic_string<char32_t, char>;
 
 }  // namespace tiny_utf8
+
+template <typename ValueType, typename DataType>
+std::basic_ostream<DataType>& operator<<(std::basic_ostream<DataType>& stream,
+                                         const tiny_utf8::basic_string<ValueType, DataType>& text) {
+    return stream << text.cpp_str();
+}
 
 template <>
 struct std::hash<tiny_utf8::utf8_string> {
