@@ -1,19 +1,40 @@
-# Where things go, and how others find them: find_package(mensor 1 CONFIG) or pkg-config mensor;
-# the targets are mensor::mensor, mensor::checked (pkg-config mensor-checked) and mensor::exact
-# (pkg-config mensor-exact).
+# Where things go, and how others find them: find_package(mensor 1 CONFIG) gives the targets
+# mensor::<name>, pkg-config mensor or mensor-<name>. All libraries that mensor_library() made.
 include(CMakePackageConfigHelpers)
 set(MENSOR_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/mensor)
+get_property(MENSOR_LIBRARIES GLOBAL PROPERTY MENSOR_LIBRARIES)
+
+# The way from the folder of a .pc file up to the prefix, so that the installed tree may be moved.
+file(RELATIVE_PATH MENSOR_PC_PREFIX
+  ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" MENSOR_PC_PREFIX "${MENSOR_PC_PREFIX}")
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_INCLUDEDIR BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX}
+  OUTPUT_VARIABLE MENSOR_PC_INCLUDEDIR)
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBDIR BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX}
+  OUTPUT_VARIABLE MENSOR_PC_LIBDIR)
+set(MENSOR_PC_RUN_PATH "")
+if(NOT MENSOR_DEBIAN AND NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+  # Outside the system's own folders a program must be told where its libraries are.
+  set(MENSOR_PC_RUN_PATH "-Wl,-rpath,\${libdir} ")
+endif()
 
 # One component per package of Debian, and there one package per soname.
-install(TARGETS mensor EXPORT mensorTargets
-  LIBRARY COMPONENT libmensor1 NAMELINK_COMPONENT libmensor-dev
-  FILE_SET HEADERS COMPONENT libmensor-dev)
-install(TARGETS mensor_checked EXPORT mensorTargets
-  LIBRARY COMPONENT libmensor-checked1 NAMELINK_COMPONENT libmensor-dev
-  FILE_SET HEADERS COMPONENT libmensor-dev)
-install(TARGETS mensor_exact EXPORT mensorTargets
-  LIBRARY COMPONENT libmensor-exact1 NAMELINK_COMPONENT libmensor-dev
-  FILE_SET HEADERS COMPONENT libmensor-dev)
+foreach(library IN LISTS MENSOR_LIBRARIES)
+  get_target_property(package ${library} MENSOR_DEBIAN_PACKAGE)
+  install(TARGETS ${library} EXPORT mensorTargets
+    LIBRARY COMPONENT ${package} NAMELINK_COMPONENT libmensor-dev
+    FILE_SET HEADERS COMPONENT libmensor-dev)
+
+  get_target_property(pkg_config ${library} MENSOR_PKG_CONFIG)
+  get_target_property(summary ${library} MENSOR_SUMMARY)
+  get_target_property(requires ${library} MENSOR_LINKS)
+  list(TRANSFORM requires REPLACE "^mensor::" "mensor-")
+  list(TRANSFORM requires REPLACE "^mensor-mensor$" "mensor")
+  list(JOIN requires " " requires)
+  configure_file(packaging/library.pc.in ${pkg_config}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${pkg_config}.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT libmensor-dev)
+endforeach()
 install(EXPORT mensorTargets NAMESPACE mensor:: DESTINATION ${MENSOR_CMAKE_DIR}
   COMPONENT libmensor-dev)
 
@@ -35,23 +56,6 @@ if(MENSOR_STRING STREQUAL "own")
     COMPONENT libmensor1)
 endif()
 
-# The way from the folder of mensor.pc up to the prefix, so that the installed tree may be moved.
-file(RELATIVE_PATH MENSOR_PC_PREFIX
-  ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
-string(REGEX REPLACE "/$" "" MENSOR_PC_PREFIX "${MENSOR_PC_PREFIX}")
-cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_INCLUDEDIR BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX}
-  OUTPUT_VARIABLE MENSOR_PC_INCLUDEDIR)
-cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBDIR BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX}
-  OUTPUT_VARIABLE MENSOR_PC_LIBDIR)
-configure_file(packaging/mensor.pc.in mensor.pc @ONLY)
-configure_file(packaging/mensor-checked.pc.in mensor-checked.pc @ONLY)
-configure_file(packaging/mensor-exact.pc.in mensor-exact.pc @ONLY)
-install(FILES
-    ${PROJECT_BINARY_DIR}/mensor.pc
-    ${PROJECT_BINARY_DIR}/mensor-checked.pc
-    ${PROJECT_BINARY_DIR}/mensor-exact.pc
-  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT libmensor-dev)
-
 # mensor_install_compressed(<file> <destination>.gz <component>): the same bytes for the same file.
 find_program(MENSOR_GZIP gzip)
 mark_as_advanced(MENSOR_GZIP)
@@ -69,4 +73,6 @@ function(mensor_install_compressed file destination component)
 endfunction()
 file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/compressed)
 
-include(MensorPackages)
+if(PROJECT_IS_TOP_LEVEL)
+  include(MensorPackages)
+endif()

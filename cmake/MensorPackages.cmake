@@ -1,16 +1,23 @@
-# The Debian packages, made by CPack (scripts/package): libmensor1, libmensor-checked1,
-# libmensor-exact1, libmensor-dev and mensor-tools, for the architecture that is built for.
-set(MENSOR_DEBIAN_PACKAGES libmensor1 libmensor-checked1 libmensor-exact1 libmensor-dev mensor-tools)
+# The Debian packages, made by CPack (scripts/package) for the architecture that is built for: one per
+# library, libmensor-dev and mensor-tools.
+set(MENSOR_MAINTAINER "mensor developers <mensor@packages.debian.org>")
+set(MENSOR_LIBRARY_PACKAGES "")
+foreach(library IN LISTS MENSOR_LIBRARIES)
+  get_target_property(package ${library} MENSOR_DEBIAN_PACKAGE)
+  list(APPEND MENSOR_LIBRARY_PACKAGES ${package})
+endforeach()
+set(MENSOR_DEBIAN_PACKAGES ${MENSOR_LIBRARY_PACKAGES} libmensor-dev mensor-tools)
 
+configure_file(packaging/debian/changelog.in changelog @ONLY)
 foreach(package IN LISTS MENSOR_DEBIAN_PACKAGES)
   install(FILES packaging/debian/copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package}
     COMPONENT ${package})
-  mensor_install_compressed(${PROJECT_SOURCE_DIR}/packaging/debian/changelog
+  mensor_install_compressed(${PROJECT_BINARY_DIR}/changelog
     ${CMAKE_INSTALL_DATADIR}/doc/${package}/changelog.Debian.gz ${package})
 endforeach()
 
 set(CPACK_GENERATOR DEB)
-set(CPACK_PACKAGE_CONTACT "mensor developers <mensor@example.org>")
+set(CPACK_PACKAGE_CONTACT "${MENSOR_MAINTAINER}")
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
@@ -29,9 +36,10 @@ set(CPACK_COMPONENTS_GROUPING ONE_PER_GROUP)
 set(CPACK_COMPONENTS_ALL ${MENSOR_DEBIAN_PACKAGES})
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
-  ${PROJECT_BINARY_DIR}/src/mensor ${PROJECT_BINARY_DIR}/src/mensor_checked
-  ${PROJECT_BINARY_DIR}/src/mensor_exact)
+foreach(library IN LISTS MENSOR_LIBRARIES)
+  get_target_property(folder ${library} BINARY_DIR)
+  list(APPEND CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${folder})
+endforeach()
 if(CMAKE_LIBRARY_ARCHITECTURE)
   execute_process(COMMAND dpkg-architecture -t ${CMAKE_LIBRARY_ARCHITECTURE} -q DEB_HOST_ARCH
     OUTPUT_VARIABLE CPACK_DEBIAN_PACKAGE_ARCHITECTURE OUTPUT_STRIP_TRAILING_WHITESPACE
@@ -59,33 +67,38 @@ set(what
 text, tells which are compatible, and converts values with the same bits on
 every machine.
 ")
-mensor_package(libmensor1 libs same ""
-  "physical units of measure at run time" "${what}
-This package holds the shared library and its printers for gdb. It
-was built with MENSOR_STRING=${MENSOR_STRING}, which is part of its ABI.")
-mensor_package(libmensor-checked1 libs same "libmensor1 (= ${version})"
-  "physical units of measure at run time, with checks" "${what}
-This package holds the companion library, which refuses what could silently
-be another unit.")
-mensor_package(libmensor-exact1 libs same ""
-  "physical units of measure at run time, converted exactly" "${what}
-This package holds the exact library, whose every conversion is rounded
-correctly.")
-mensor_package(libmensor-dev libdevel same
-  "libmensor1 (= ${version}), libmensor-checked1 (= ${version}), libmensor-exact1 (= ${version})"
+
+set(depends "")  # on every library, in this very version
+foreach(library IN LISTS MENSOR_LIBRARIES)
+  get_target_property(package ${library} MENSOR_DEBIAN_PACKAGE)
+  get_target_property(summary ${library} MENSOR_SUMMARY)
+  get_target_property(description ${library} MENSOR_DESCRIPTION)
+  get_target_property(links ${library} MENSOR_LINKS)
+  set(of_links "")
+  foreach(link IN LISTS links)
+    get_target_property(linked ${link} MENSOR_DEBIAN_PACKAGE)
+    list(APPEND of_links "${linked} (= ${version})")
+  endforeach()
+  list(JOIN of_links ", " of_links)
+  mensor_package(${package} libs same "${of_links}" "${summary}" "${what}\n${description}")
+  list(APPEND depends "${package} (= ${version})")
+
+  string(TOUPPER ${package} key)
+  set(CPACK_DEBIAN_${key}_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/packaging/debian/triggers)
+  set(CPACK_DEBIAN_${key}_PACKAGE_GENERATE_SHLIBS ON)
+  set(CPACK_DEBIAN_${key}_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+endforeach()
+list(JOIN depends ", " depends)
+mensor_package(libmensor-dev libdevel same "${depends}"
   "physical units of measure at run time - development files" "${what}
-This package holds the headers and what CMake and pkg-config need.")
+This package holds the headers and what CMake and pkg-config need. The
+library was built with MENSOR_STRING=${MENSOR_STRING}.")
 mensor_package(mensor-tools utils foreign
   "libmensor1 (>= ${PROJECT_VERSION}), libmensor-checked1 (>= ${PROJECT_VERSION})"
   "convert between units of measure on the command line" "${what}
 This package holds mensor, which converts, explains and lists units, and
 mensor-convert, a small filter for values.")
 
-foreach(key LIBMENSOR1 LIBMENSOR-CHECKED1 LIBMENSOR-EXACT1)
-  set(CPACK_DEBIAN_${key}_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/packaging/debian/triggers)
-  set(CPACK_DEBIAN_${key}_PACKAGE_GENERATE_SHLIBS ON)
-  set(CPACK_DEBIAN_${key}_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
-endforeach()
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 

@@ -1,0 +1,86 @@
+# mensor_library(<target>
+#   SUMMARY <line>               what it is, for pkg-config and Debian's package
+#   DESCRIPTION <lines>          the rest of what Debian's package says
+#   SOURCES <file>...
+#   HEADERS <file>...            what clients include
+#   [LINKS mensor::<name>...])   libraries of the house whose headers its own headers include
+#
+# A shared library of the house. Everything that all of them have is here, and all their names follow
+# from <target>. For mensor_checked:
+#
+#   mensor::checked                       the target in CMake, also where mensor is installed
+#   libmensor_checked.so.1, .map          the file, and the names that it exports
+#   mensor-checked                        pkg-config
+#   libmensor-checked1                    Debian's package
+#
+# MensorInstall.cmake installs and MensorPackages.cmake packs all libraries that were made so.
+include_guard(DIRECTORY)
+include(MensorHardening)
+
+define_property(GLOBAL PROPERTY MENSOR_LIBRARIES BRIEF_DOCS "The libraries of the house, in order")
+
+function(mensor_library target)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "SUMMARY;DESCRIPTION" "SOURCES;HEADERS;LINKS")
+  string(REGEX REPLACE "^mensor_" "" name ${target})
+  string(REPLACE "_" "-" dashed ${target})
+  set(map ${CMAKE_CURRENT_SOURCE_DIR}/lib${target}.map)
+
+  add_library(${target} SHARED ${arg_SOURCES})
+  add_library(mensor::${name} ALIAS ${target})
+  target_sources(${target} PUBLIC
+    FILE_SET HEADERS
+    BASE_DIRS ${PROJECT_SOURCE_DIR}/src ${PROJECT_BINARY_DIR}/include
+    FILES ${arg_HEADERS})
+  target_link_libraries(${target} PUBLIC ${arg_LINKS})
+  target_compile_features(${target} PUBLIC cxx_std_17)
+  set_target_properties(${target} PROPERTIES
+    EXPORT_NAME ${name}
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR}
+    CXX_EXTENSIONS OFF
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON
+    VERIFY_INTERFACE_HEADER_SETS ON
+    LINK_DEPENDS ${map}
+    MENSOR_SUMMARY "${arg_SUMMARY}"
+    MENSOR_DESCRIPTION "${arg_DESCRIPTION}"
+    MENSOR_LINKS "${arg_LINKS}"
+    MENSOR_PKG_CONFIG ${dashed}
+    MENSOR_DEBIAN_PACKAGE lib${dashed}${PROJECT_VERSION_MAJOR})
+  set_property(GLOBAL APPEND PROPERTY MENSOR_LIBRARIES ${target})
+  mensor_warnings(${target})
+  mensor_hardened(${target})
+  mensor_run_path(${target} ${CMAKE_INSTALL_FULL_LIBDIR})
+
+  # A compiler cache may hand the compiler this instead of the absolute path.
+  file(RELATIVE_PATH relative_source_dir ${CMAKE_BINARY_DIR} ${PROJECT_SOURCE_DIR})
+  target_compile_options(${target} PRIVATE
+    # Nobody replaces single functions of a library at load time, so it may call and inline its own.
+    -fno-semantic-interposition
+    # A fused multiply-add rounds once where two operations round twice: the same bits on every board.
+    -ffp-contract=off
+    # __FILE__ is src/..., wherever the library was built.
+    -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=
+    -fmacro-prefix-map=${relative_source_dir}/=)
+  target_link_options(${target} PRIVATE
+    -Wl,-Bsymbolic-functions
+    -Wl,--version-script=${map}
+    # Clients keep pointers to units, and units hold code of the library that made them, for good: a
+    # dlclose() must not take either from under them.
+    -Wl,-z,nodelete)
+  if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize=")
+    # The sanitizers' own functions come with the program, not with the library.
+    target_link_options(${target} PRIVATE -Wl,--no-undefined)
+  endif()
+endfunction()
+
+# mensor_run_path(<target> <folder>): the installed <target>, which lies in <folder>, finds the libraries
+# of the house wherever the tree was installed or is moved to. Debian's packages need and want no such
+# path: the system looks into their folder anyway.
+function(mensor_run_path target folder)
+  if(NOT MENSOR_DEBIAN)
+    file(RELATIVE_PATH way ${folder} ${CMAKE_INSTALL_FULL_LIBDIR})
+    string(REGEX REPLACE "/$" "" path "\$ORIGIN/${way}")
+    set_target_properties(${target} PROPERTIES INSTALL_RPATH "${path}")
+  endif()
+endfunction()
