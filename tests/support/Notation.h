@@ -24,9 +24,20 @@
 #include "mensor/Unit.h"
 #include "mensor/UnitFormat.h"
 #include "mensor/mensor_global.h"
+#include "mensor/utf8.h"
 
 namespace mensor {
 namespace test {
+
+/// The code points of any bytes. A string_t of tiny-utf8 cannot be asked for those of malformed text.
+inline std::u32string codePointsOf(const std::string& text) {
+    std::u32string points;
+    const char* const end = text.data() + text.size();
+    for (const char* at = text.data(); at != end;) {
+        points += detail::decodeUtf8(at, end);
+    }
+    return points;
+}
 
 // ---- what is read
 
@@ -52,10 +63,7 @@ struct Asked {
 // No states, unlike the library: a scanner that takes whole tokens.
 class CAsking {
 public:
-    explicit CAsking(const std::string& text) : m_Text(text) {
-        const string_t points(text);
-        m_Points.assign(points.begin(), points.end());
-    }
+    explicit CAsking(const std::string& text) : m_Text(text), m_Points(codePointsOf(text)) {}
 
     Asked asked() {
         std::size_t i = 0;
@@ -246,20 +254,23 @@ inline bool isBuiltFactorByFactor(const Factors& factors) try {
 
 /// Whether a text with `name` in it has it as one name, whatever follows, and it stands for `unit`.
 inline bool isReadName(const string_t& name, const CUnitPtr& unit) {
-    string_t shortest;
-    bool isOfName = !name.empty();
+    const std::string bytes = toStdString(name);
+    const std::u32string points = codePointsOf(bytes);
+    std::string shortest;
+    bool isOfName = !bytes.empty();
     std::size_t depth = 0;
-    for (const char32_t c : name) {
-        if (name[0] == U'[') {
+    for (const char32_t c : points) {
+        if (points[0] == U'[') {
             isOfName = isOfName && (shortest.empty() || depth > 0);
             depth += c == U'[' ? 1 : 0;
             depth -= c == U']' && depth > 0 ? 1 : 0;
         } else {
             isOfName = isOfName && CUnitFormat::isUnitIdentifierPart(c);
         }
-        shortest.push_back(c);
+        char encoded[6];
+        shortest.append(encoded, detail::encodeUtf8(c, encoded));
     }
-    return isOfName && depth == 0 && shortest == name && CUnitFormat::unitFor(name) == unit;
+    return isOfName && depth == 0 && shortest == bytes && CUnitFormat::unitFor(name) == unit;
 }
 
 /// Whether what a notation writes for `unit` must read as this very object.
