@@ -29,15 +29,20 @@
 namespace mensor {
 namespace test {
 
-/// The code points of any bytes. A string_t of tiny-utf8 cannot be asked for those of malformed text.
-inline std::u32string codePointsOf(const std::string& text) {
-    std::u32string points;
-    const char* const end = text.data() + text.size();
-    for (const char* at = text.data(); at != end;) {
-        points += detail::decodeUtf8(at, end);
+/// The code points of any bytes, each with the byte behind it. A string_t of tiny-utf8 cannot be asked
+/// for those of malformed text.
+struct CodePoints {
+    explicit CodePoints(const std::string& text) {
+        const char* const end = text.data() + text.size();
+        for (const char* at = text.data(); at != end;) {
+            Points += detail::decodeUtf8(at, end);
+            Ends.push_back(static_cast<std::size_t>(at - text.data()));
+        }
     }
-    return points;
-}
+
+    std::u32string Points;
+    std::vector<std::size_t> Ends;
+};
 
 // ---- what is read
 
@@ -63,7 +68,8 @@ struct Asked {
 // No states, unlike the library: a scanner that takes whole tokens.
 class CAsking {
 public:
-    explicit CAsking(const std::string& text) : m_Text(text), m_Points(codePointsOf(text)) {}
+    explicit CAsking(const std::string& text)
+        : m_Text(text), m_CodePoints(text), m_Points(m_CodePoints.Points) {}
 
     Asked asked() {
         std::size_t i = 0;
@@ -98,7 +104,11 @@ public:
     }
 
 private:
-    string_t cut(std::size_t from, std::size_t to) const { return m_Text.substr(from, to - from); }
+    // The code points [from, to), of which there is one at least.
+    string_t cut(std::size_t from, std::size_t to) const {
+        const std::size_t begin = from == 0 ? 0 : m_CodePoints.Ends[from - 1];
+        return string_t(m_Text.substr(begin, m_CodePoints.Ends[to - 1] - begin));
+    }
 
     std::size_t behindAll(bool (*isPart)(char_t), std::size_t i) const {
         while (i < m_Points.size() && isPart(m_Points[i])) {
@@ -166,8 +176,9 @@ private:
         }
     }
 
-    const string_t m_Text;
-    std::u32string m_Points;
+    const std::string m_Text;
+    const CodePoints m_CodePoints;
+    const std::u32string& m_Points;
     string_t m_Name;
     std::vector<string_t> m_Numbers;  // behind the name: power, root, and what replaces it
     bool m_Slash = false;
@@ -255,7 +266,7 @@ inline bool isBuiltFactorByFactor(const Factors& factors) try {
 /// Whether a text with `name` in it has it as one name, whatever follows, and it stands for `unit`.
 inline bool isReadName(const string_t& name, const CUnitPtr& unit) {
     const std::string bytes = toStdString(name);
-    const std::u32string points = codePointsOf(bytes);
+    const std::u32string points = CodePoints(bytes).Points;
     std::string shortest;
     bool isOfName = !bytes.empty();
     std::size_t depth = 0;
