@@ -96,8 +96,7 @@ library was built with MENSOR_STRING=${MENSOR_STRING}.")
 mensor_package(mensor-tools utils foreign
   "libmensor1 (>= ${PROJECT_VERSION}), libmensor-checked1 (>= ${PROJECT_VERSION})"
   "convert between units of measure on the command line" "${what}
-This package holds mensor, which converts, explains and lists units, and
-mensor-convert, a small filter for values.")
+This package holds mensor, which converts, explains and lists units.")
 
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
