@@ -25,6 +25,7 @@
 #include "support/ClientUnit.h"
 #include "support/ManyTexts.h"
 #include "support/Matchers.h"
+#include "support/Threads.h"
 
 namespace mensor {
 namespace {
@@ -232,6 +233,52 @@ TEST(RememberedDimensions, ARefusedUnitLeavesNoneBehind) {
     EXPECT_EQ(refused.use_count(), 1);                          // no table holds it
     EXPECT_EQ(refused->convertValueToUnit(1, SI::Meter()), 2);  // asked anew
     EXPECT_EQ(refused->convertValueToUnit(1, SI::Meter()), 2);
+}
+
+// A unit whose registration is refused: the metre has its symbol.
+std::shared_ptr<CClientUnit> refusedUnit() {
+    auto unit = CClientUnit::make("m", 123454321);
+    unit->CtxDimension = [] { return SI::Meter(); };
+    unit->CtxToDimension = [] { return std::make_shared<CMultiplyConverter>(3); };
+    return unit;
+}
+
+TEST(RememberedDimensions, ARefusalTakesAwayOnlyWhatItBrought) {
+    const auto unit = refusedUnit();
+    EXPECT_EQ(unit->convertValueToUnit(2, SI::Meter()), 6);
+    EXPECT_THROW(unit->canonical(), std::logic_error);
+    EXPECT_EQ(CUnit::dimensions().count(unit), 1U);
+    EXPECT_EQ(CUnit::toDimensions().count(unit), 1U);
+    EXPECT_EQ(unit->convertValueToUnit(2, SI::Meter()), 6);
+    EXPECT_THAT(unit->Asked, ::testing::ElementsAre("getCtxDimension", "getCtxToDimension",
+                                                    "calculateHashCode", "getSymbol"));
+}
+
+// Shows a use after free to AddressSanitizer and ThreadSanitizer, where there is one.
+TEST(RememberedDimensions, AUnitIsConvertedWhileAnotherThreadIsRefusedItsRegistration) {
+    race(2, 500, [](int thread, int round) {
+        static std::shared_ptr<CClientUnit> unit;
+        static std::atomic<int> ready{-1};
+        if (thread == 0) {
+            unit = refusedUnit();
+            // What the refusal asks may be asked for the first time then, and is taken away with it.
+            unit->Symbol = [of = unit.get()] {
+                of->convertValueToUnit(1, SI::Meter());
+                return string_t("m");
+            };
+            ready = round;
+            ASSERT_THROW(unit->canonical(), std::logic_error);
+        } else {
+            while (ready < round) {
+                std::this_thread::yield();
+            }
+            for (int i = 0; i < 10; ++i) {
+                ASSERT_EQ(unit->convertValueToUnit(2, SI::Meter()), 6);
+                ASSERT_EQ(unit->getConverterTo(SI::Meter())->convert(2), 6);
+                ASSERT_TRUE(unit->isCompatible(SI::Meter()));
+            }
+        }
+    });
 }
 
 TEST(RememberedTexts, ThreadsThatReadWhileLabelsMoveSeeOneOfTheTwoUnits) {

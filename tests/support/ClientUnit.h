@@ -41,6 +41,7 @@ public:
     std::function<CUnitPtr()> CtxDimension, SystemUnit, BaseUnits;
     std::function<CConverterPtr()> CtxToDimension;
     std::function<std::vector<CUnitRationalPower>()> Elements;
+    std::function<string_t()> Symbol;
     std::vector<std::string> Asked;  ///< the virtual members called, in order
 
     void calculateHashCode() override {
@@ -70,7 +71,7 @@ public:
     }
     string_t getSymbol() override {
         Asked.push_back("getSymbol");
-        return CUnit::getSymbol();
+        return Symbol ? Symbol() : CUnit::getSymbol();
     }
 };
 
