@@ -18,3 +18,17 @@ function(mensor_test file)
   mensor_quickly_built(${name})
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
 endfunction()
+
+# mensor_starts_test(<name> <program> [<argument>...]): starts the program 1000 times; 200 times under a
+# sanitizer and 100 times in an emulator, which are slow. Each start must end with status 0 and print nothing.
+function(mensor_starts_test name)
+  set(starts 1000)
+  if(CMAKE_CROSSCOMPILING)
+    set(starts 100)
+  elseif(CMAKE_CXX_FLAGS MATCHES "-fsanitize=")
+    set(starts 200)
+  endif()
+  add_test(NAME ${name}
+    COMMAND ${PROJECT_SOURCE_DIR}/tests/support/starts.sh ${starts} ${CMAKE_CROSSCOMPILING_EMULATOR} ${ARGN})
+  set_tests_properties(${name} PROPERTIES TIMEOUT 900)
+endfunction()

@@ -54,8 +54,6 @@ protected:
     explicit CBaseUnit(const string_t& symbol);
 
 private:
-    friend struct detail::Tables;
-
     CUnitPtr m_Dimension;         // the unit this one is mapped onto; empty means this unit
     CConverterPtr m_ToDimension;  // from this unit to m_Dimension; empty means the identity
 };

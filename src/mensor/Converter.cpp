@@ -23,12 +23,14 @@
 #include "mensor/Unit.h"
 #include "mensor/arrays.h"
 #include "mensor/exact_class.h"
+#include "mensor/kept.h"
 #include "mensor/mensor_math.h"
 #include "mensor/require.h"
 #include "mensor/tables.h"
 
 namespace mensor {
 
+using detail::CKept;
 using detail::isExactly;
 
 namespace {
@@ -86,9 +88,9 @@ string_t CConverter::getSymbol(CUnitPtr) const { return string_t(); }
 std::atomic<const CConverterPtr*> detail::createdIdentity{nullptr};
 
 const CConverterPtr& detail::createIdentity() {
-    static const CConverterPtr Identity = std::make_shared<CIdentity>();
-    createdIdentity.store(&Identity, std::memory_order_release);
-    return Identity;
+    static const CKept<CConverterPtr> Identity(std::make_shared<CIdentity>());
+    createdIdentity.store(&*Identity, std::memory_order_release);
+    return *Identity;
 }
 
 CConverterPtr CConverter::identity() { return detail::theIdentity(); }

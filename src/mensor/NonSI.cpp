@@ -5,168 +5,173 @@
 #include "mensor/ProductUnit.h"
 #include "mensor/SI.h"
 #include "mensor/UnitFormat.h"
+#include "mensor/kept.h"
 #include "mensor/tables.h"
 
 namespace mensor {
+
+using detail::CKept;
+
 namespace NonSI {
 
 CUnitPtr Percent() {
-    static const CUnitPtr Percent = CUnitFormat::label(CProductUnit::one()->multiply(0.01), "%");
-    return Percent;
+    static const CKept<CUnitPtr> Percent(
+        CUnitFormat::label(CProductUnit::one()->multiply(0.01), "%"));
+    return *Percent;
 }
 
-// This one and Psi are not built while the library is loaded. Built later, their pointers would be
-// destroyed before the statics of clients, which may still ask for them: they never are. Building locks
-// mutex(). It is locked before the static is, so that a thread that holds it and calls one of the two
-// cannot wait for a thread that builds, and that one for it.
+// This one and Psi are not built while the library is loaded. Building locks mutex(). It is locked before
+// the static is, so that a thread that holds it and calls one of the two cannot wait for a thread that
+// builds, and that one for it.
 CUnitPtr None() {
     const detail::Lock lock(CUnit::mutex());
-    static const CUnitPtr& None =
-        *new CUnitPtr(CUnitFormat::label(CProductUnit::one()->multiply(1.0), ""));
-    return None;
+    static const CKept<CUnitPtr> None(CUnitFormat::label(CProductUnit::one()->multiply(1.0), ""));
+    return *None;
 }
 
 CUnitPtr Revolution() {
-    static const CUnitPtr Revolution =
-        CUnitFormat::label(SI::Radian()->multiply(2.0 * 3.14159265358979323846), "rev");
-    return Revolution;
+    static const CKept<CUnitPtr> Revolution(
+        CUnitFormat::label(SI::Radian()->multiply(2.0 * 3.14159265358979323846), "rev"));
+    return *Revolution;
 }
 
 CUnitPtr DegreeAngle() {
-    static const CUnitPtr Degree_Angle =
-        CUnitFormat::label(Revolution()->multiply(1.0 / 360.0), "°");
-    return Degree_Angle;
+    static const CKept<CUnitPtr> Degree_Angle(
+        CUnitFormat::label(Revolution()->multiply(1.0 / 360.0), "°"));
+    return *Degree_Angle;
 }
 
 CUnitPtr MinuteAngle() {
-    static const CUnitPtr Minute_Angle =
-        CUnitFormat::label(DegreeAngle()->multiply(1.0 / 60.0), "′");
-    return Minute_Angle;
+    static const CKept<CUnitPtr> Minute_Angle(
+        CUnitFormat::label(DegreeAngle()->multiply(1.0 / 60.0), "′"));
+    return *Minute_Angle;
 }
 
 CUnitPtr SecondAngle() {
-    static const CUnitPtr Second_Angle =
-        CUnitFormat::label(MinuteAngle()->multiply(1.0 / 60.0), "″");
-    return Second_Angle;
+    static const CKept<CUnitPtr> Second_Angle(
+        CUnitFormat::label(MinuteAngle()->multiply(1.0 / 60.0), "″"));
+    return *Second_Angle;
 }
 
 CUnitPtr CentiRadian() {
-    static const CUnitPtr CentriRadian =
-        CUnitFormat::label(SI::Radian()->multiply(0.01), "centiradian");
-    return CentriRadian;
+    static const CKept<CUnitPtr> CentriRadian(
+        CUnitFormat::label(SI::Radian()->multiply(0.01), "centiradian"));
+    return *CentriRadian;
 }
 
 CUnitPtr Grade() {
-    static const CUnitPtr Grade = CUnitFormat::label(Revolution()->multiply(0.0025), "grade");
-    return Grade;
+    static const CKept<CUnitPtr> Grade(CUnitFormat::label(Revolution()->multiply(0.0025), "grade"));
+    return *Grade;
 }
 
 CUnitPtr Byte() {
-    static const CUnitPtr Byte = CUnitFormat::label(SI::Bit()->multiply(8.0), "byte");
-    return Byte;
+    static const CKept<CUnitPtr> Byte(CUnitFormat::label(SI::Bit()->multiply(8.0), "byte"));
+    return *Byte;
 }
 
 CUnitPtr Octet() {
-    static const CUnitPtr Octet = Byte();
-    return Octet;
+    static const CKept<CUnitPtr> Octet(Byte());
+    return *Octet;
 }
 
 CUnitPtr Atmosphere() {
-    static const CUnitPtr Atmosphere = CUnitFormat::label(SI::Pascal()->multiply(101325.0), "atm");
-    return Atmosphere;
+    static const CKept<CUnitPtr> Atmosphere(
+        CUnitFormat::label(SI::Pascal()->multiply(101325.0), "atm"));
+    return *Atmosphere;
 }
 
 CUnitPtr Bar() {
-    static const CUnitPtr Bar = CUnitFormat::label(SI::Pascal()->multiply(100000.0), "bar");
-    return Bar;
+    static const CKept<CUnitPtr> Bar(CUnitFormat::label(SI::Pascal()->multiply(100000.0), "bar"));
+    return *Bar;
 }
 
 CUnitPtr Psi() {
     const detail::Lock lock(CUnit::mutex());
-    static const CUnitPtr& psi =
-        *new CUnitPtr(CUnitFormat::label(SI::Pascal()->multiply(6894.76), "psi"));
-    return psi;
+    static const CKept<CUnitPtr> psi(CUnitFormat::label(SI::Pascal()->multiply(6894.76), "psi"));
+    return *psi;
 }
 
 CUnitPtr MilliBar() {
-    static const CUnitPtr Millibar = CUnitFormat::label(Bar()->multiply(0.001), "mbar");
-    return Millibar;
+    static const CKept<CUnitPtr> Millibar(CUnitFormat::label(Bar()->multiply(0.001), "mbar"));
+    return *Millibar;
 }
 
 CUnitPtr MillimeterOfMercury() {
-    static const CUnitPtr MilliMeter_Of_Mercury =
-        CUnitFormat::label(SI::Pascal()->multiply(133.322), "mm_Hg");
-    return MilliMeter_Of_Mercury;
+    static const CKept<CUnitPtr> MilliMeter_Of_Mercury(
+        CUnitFormat::label(SI::Pascal()->multiply(133.322), "mm_Hg"));
+    return *MilliMeter_Of_Mercury;
 }
 
 CUnitPtr InchOfMercury() {
-    static const CUnitPtr Inch_Of_Mercury =
-        CUnitFormat::label(SI::Pascal()->multiply(3386.388), "in_Hg");
-    return Inch_Of_Mercury;
+    static const CKept<CUnitPtr> Inch_Of_Mercury(
+        CUnitFormat::label(SI::Pascal()->multiply(3386.388), "in_Hg"));
+    return *Inch_Of_Mercury;
 }
 
 CUnitPtr Liter() {
-    static const CUnitPtr Liter = CUnitFormat::label(SI::Meter()->pow(3)->multiply(0.001), "l");
-    return Liter;
+    static const CKept<CUnitPtr> Liter(
+        CUnitFormat::label(SI::Meter()->pow(3)->multiply(0.001), "l"));
+    return *Liter;
 }
 
 CUnitPtr G() {
-    static const CUnitPtr G = CUnitFormat::label(
-        SI::Meter()->divide(SI::Second()->pow(2))->multiply(STANDARD_GRAVITY), "grav");
-    return G;
+    static const CKept<CUnitPtr> G(CUnitFormat::label(
+        SI::Meter()->divide(SI::Second()->pow(2))->multiply(STANDARD_GRAVITY), "grav"));
+    return *G;
 }
 
 CUnitPtr Minute() {
-    static const CUnitPtr Minute = CUnitFormat::label(SI::Second()->multiply(60.0), "min");
-    return Minute;
+    static const CKept<CUnitPtr> Minute(CUnitFormat::label(SI::Second()->multiply(60.0), "min"));
+    return *Minute;
 }
 
 CUnitPtr Hour() {
-    static const CUnitPtr Hour = CUnitFormat::label(Minute()->multiply(60.0), "h");
-    return Hour;
+    static const CKept<CUnitPtr> Hour(CUnitFormat::label(Minute()->multiply(60.0), "h"));
+    return *Hour;
 }
 
 CUnitPtr Day() {
-    static const CUnitPtr Day = CUnitFormat::label(Hour()->multiply(24.0), "d");
-    return Day;
+    static const CKept<CUnitPtr> Day(CUnitFormat::label(Hour()->multiply(24.0), "d"));
+    return *Day;
 }
 
 CUnitPtr Week() {
-    static const CUnitPtr Week = CUnitFormat::label(Day()->multiply(7.0), "week");
-    return Week;
+    static const CKept<CUnitPtr> Week(CUnitFormat::label(Day()->multiply(7.0), "week"));
+    return *Week;
 }
 
 CUnitPtr YearCalendar() {
-    static const CUnitPtr Year_Calendar =
-        CUnitFormat::label(Day()->multiply(365.0), "year_calendar");
-    return Year_Calendar;
+    static const CKept<CUnitPtr> Year_Calendar(
+        CUnitFormat::label(Day()->multiply(365.0), "year_calendar"));
+    return *Year_Calendar;
 }
 
 CUnitPtr Year() {
-    static const CUnitPtr Year = CUnitFormat::label(SI::Second()->multiply(31556952.0), "year");
-    return Year;
+    static const CKept<CUnitPtr> Year(
+        CUnitFormat::label(SI::Second()->multiply(31556952.0), "year"));
+    return *Year;
 }
 
 CUnitPtr Month() {
-    static const CUnitPtr Month = CUnitFormat::label(Year()->multiply(1.0 / 12.0), "month");
-    return Month;
+    static const CKept<CUnitPtr> Month(CUnitFormat::label(Year()->multiply(1.0 / 12.0), "month"));
+    return *Month;
 }
 
 CUnitPtr Aeon() {
-    static const CUnitPtr Aeon = Year()->multiply(1e9);
-    return Aeon;
+    static const CKept<CUnitPtr> Aeon(Year()->multiply(1e9));
+    return *Aeon;
 }
 
 CUnitPtr DaySidereal() {
-    static const CUnitPtr Day_Sidereal =
-        CUnitFormat::label(SI::Second()->multiply(86164.09), "day_sidereal");
-    return Day_Sidereal;
+    static const CKept<CUnitPtr> Day_Sidereal(
+        CUnitFormat::label(SI::Second()->multiply(86164.09), "day_sidereal"));
+    return *Day_Sidereal;
 }
 
 CUnitPtr YearSidereal() {
-    static const CUnitPtr Year_Sidereal =
-        CUnitFormat::label(SI::Second()->multiply(31558149.54), "year_sidereal");
-    return Year_Sidereal;
+    static const CKept<CUnitPtr> Year_Sidereal(
+        CUnitFormat::label(SI::Second()->multiply(31558149.54), "year_sidereal"));
+    return *Year_Sidereal;
 }
 
 }  // namespace NonSI

@@ -10,6 +10,7 @@
 
 #include "mensor/MultiplyConverter.h"
 #include "mensor/factors.h"
+#include "mensor/kept.h"
 #include "mensor/require.h"
 #include "mensor/text_stream.h"
 
@@ -144,8 +145,8 @@ CProductUnit::CProductUnit(const Elements& elements)
 CProductUnit::~CProductUnit() = default;
 
 CUnitPtr CProductUnit::one() {
-    static const CUnitPtr One(new CProductUnit);
-    return One;
+    static const detail::CKept<CUnitPtr> One(new CProductUnit);
+    return *One;
 }
 
 CUnitPtr CProductUnit::getInstance(const Elements& LeftElements, const Elements& RightElements) {

@@ -70,8 +70,6 @@ protected:
 private:
     friend struct detail::DebugLayout;
 
-    friend struct detail::Tables;
-
     MENSOR_LOCAL explicit CProductUnit(const std::vector<CUnitRationalPower>& elements);
 
     MENSOR_LOCAL bool elementsContainsOtherSingle(const CUnitRationalPower& element) const;

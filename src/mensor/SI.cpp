@@ -4,165 +4,169 @@
 
 #include "mensor/ProductUnit.h"
 #include "mensor/UnitFormat.h"
+#include "mensor/kept.h"
 
 namespace mensor {
+
+using detail::CKept;
+
 namespace SI {
 
 CBaseUnitPtr Ampere() {
-    static const CBaseUnitPtr Ampere = CBaseUnit::getInstance("A");
-    return Ampere;
+    static const CKept<CBaseUnitPtr> Ampere(CBaseUnit::getInstance("A"));
+    return *Ampere;
 }
 
 CBaseUnitPtr Candela() {
-    static const CBaseUnitPtr Candela = CBaseUnit::getInstance("cd");
-    return Candela;
+    static const CKept<CBaseUnitPtr> Candela(CBaseUnit::getInstance("cd"));
+    return *Candela;
 }
 
 CBaseUnitPtr Kelvin() {
-    static const CBaseUnitPtr Kelvin = CBaseUnit::getInstance("K");
-    return Kelvin;
+    static const CKept<CBaseUnitPtr> Kelvin(CBaseUnit::getInstance("K"));
+    return *Kelvin;
 }
 
 CBaseUnitPtr Kilogram() {
-    static const CBaseUnitPtr Kilogram = CBaseUnit::getInstance("kg");
-    return Kilogram;
+    static const CKept<CBaseUnitPtr> Kilogram(CBaseUnit::getInstance("kg"));
+    return *Kilogram;
 }
 
 CBaseUnitPtr Meter() {
-    static const CBaseUnitPtr Meter = CBaseUnit::getInstance("m");
-    return Meter;
+    static const CKept<CBaseUnitPtr> Meter(CBaseUnit::getInstance("m"));
+    return *Meter;
 }
 
 CBaseUnitPtr Mole() {
-    static const CBaseUnitPtr Mole = CBaseUnit::getInstance("mol");
-    return Mole;
+    static const CKept<CBaseUnitPtr> Mole(CBaseUnit::getInstance("mol"));
+    return *Mole;
 }
 
 CBaseUnitPtr Second() {
-    static const CBaseUnitPtr Second = CBaseUnit::getInstance("s");
-    return Second;
+    static const CKept<CBaseUnitPtr> Second(CBaseUnit::getInstance("s"));
+    return *Second;
 }
 
 CUnitPtr Radian() {
-    static const CUnitPtr Rad = CProductUnit::one()->alternate("rad");
-    return Rad;
+    static const CKept<CUnitPtr> Rad(CProductUnit::one()->alternate("rad"));
+    return *Rad;
 }
 
 CUnitPtr Steradian() {
-    static const CUnitPtr Steradian = CProductUnit::one()->alternate("sr");
-    return Steradian;
+    static const CKept<CUnitPtr> Steradian(CProductUnit::one()->alternate("sr"));
+    return *Steradian;
 }
 
 CUnitPtr Bit() {
-    static const CUnitPtr Bit = CProductUnit::one()->alternate("bit");
-    return Bit;
+    static const CKept<CUnitPtr> Bit(CProductUnit::one()->alternate("bit"));
+    return *Bit;
 }
 
 CUnitPtr Hertz() {
-    static const CUnitPtr Hertz = CProductUnit::one()->divide(Second())->alternate("Hz");
-    return Hertz;
+    static const CKept<CUnitPtr> Hertz(CProductUnit::one()->divide(Second())->alternate("Hz"));
+    return *Hertz;
 }
 
 CUnitPtr Becquerel() {
-    static const CUnitPtr Becquerel = CProductUnit::one()->divide(Second())->alternate("Bq");
-    return Becquerel;
+    static const CKept<CUnitPtr> Becquerel(CProductUnit::one()->divide(Second())->alternate("Bq"));
+    return *Becquerel;
 }
 
 CUnitPtr Gram() {
-    static const CUnitPtr Gram = CUnitFormat::label(Kilogram()->multiply(0.001), "g");
-    return Gram;
+    static const CKept<CUnitPtr> Gram(CUnitFormat::label(Kilogram()->multiply(0.001), "g"));
+    return *Gram;
 }
 
 CUnitPtr Newton() {
-    static const CUnitPtr Newton =
-        Meter()->multiply(Kilogram())->divide(Second()->pow(2))->alternate("N");
-    return Newton;
+    static const CKept<CUnitPtr> Newton(
+        Meter()->multiply(Kilogram())->divide(Second()->pow(2))->alternate("N"));
+    return *Newton;
 }
 
 CUnitPtr Joule() {
-    static const CUnitPtr Joule = Newton()->multiply(Meter())->alternate("J");
-    return Joule;
+    static const CKept<CUnitPtr> Joule(Newton()->multiply(Meter())->alternate("J"));
+    return *Joule;
 }
 
 CUnitPtr Watt() {
-    static const CUnitPtr Watt = Joule()->divide(Second())->alternate("W");
-    return Watt;
+    static const CKept<CUnitPtr> Watt(Joule()->divide(Second())->alternate("W"));
+    return *Watt;
 }
 
 CUnitPtr Volt() {
-    static const CUnitPtr Volt = Watt()->divide(Ampere())->alternate("V");
-    return Volt;
+    static const CKept<CUnitPtr> Volt(Watt()->divide(Ampere())->alternate("V"));
+    return *Volt;
 }
 
 CUnitPtr Ohm() {
     // U+2126, the ohm sign, not the Greek letter.
-    static const CUnitPtr Ohm = Volt()->divide(Ampere())->alternate("Ω");
-    return Ohm;
+    static const CKept<CUnitPtr> Ohm(Volt()->divide(Ampere())->alternate("Ω"));
+    return *Ohm;
 }
 
 CUnitPtr Weber() {
-    static const CUnitPtr Weber = Volt()->multiply(Second())->alternate("Wb");
-    return Weber;
+    static const CKept<CUnitPtr> Weber(Volt()->multiply(Second())->alternate("Wb"));
+    return *Weber;
 }
 
 CUnitPtr Henry() {
-    static const CUnitPtr Henry = Weber()->divide(Ampere())->alternate("H");
-    return Henry;
+    static const CKept<CUnitPtr> Henry(Weber()->divide(Ampere())->alternate("H"));
+    return *Henry;
 }
 
 CUnitPtr Gray() {
-    static const CUnitPtr Gray = Joule()->divide(Kilogram())->alternate("Gy");
-    return Gray;
+    static const CKept<CUnitPtr> Gray(Joule()->divide(Kilogram())->alternate("Gy"));
+    return *Gray;
 }
 
 CUnitPtr Sievert() {
-    static const CUnitPtr Sievert = Joule()->divide(Kilogram())->alternate("Sv");
-    return Sievert;
+    static const CKept<CUnitPtr> Sievert(Joule()->divide(Kilogram())->alternate("Sv"));
+    return *Sievert;
 }
 
 CUnitPtr Pascal() {
-    static const CUnitPtr Pascal = Newton()->divide(Meter()->pow(2))->alternate("Pa");
-    return Pascal;
+    static const CKept<CUnitPtr> Pascal(Newton()->divide(Meter()->pow(2))->alternate("Pa"));
+    return *Pascal;
 }
 
 CUnitPtr Coulomb() {
-    static const CUnitPtr Coulomb = Second()->multiply(Ampere())->alternate("C");
-    return Coulomb;
+    static const CKept<CUnitPtr> Coulomb(Second()->multiply(Ampere())->alternate("C"));
+    return *Coulomb;
 }
 
 CUnitPtr Farad() {
-    static const CUnitPtr Farad = Coulomb()->divide(Volt())->alternate("F");
-    return Farad;
+    static const CKept<CUnitPtr> Farad(Coulomb()->divide(Volt())->alternate("F"));
+    return *Farad;
 }
 
 CUnitPtr Siemens() {
-    static const CUnitPtr Siemens = Ampere()->divide(Volt())->alternate("S");
-    return Siemens;
+    static const CKept<CUnitPtr> Siemens(Ampere()->divide(Volt())->alternate("S"));
+    return *Siemens;
 }
 
 CUnitPtr Tesla() {
-    static const CUnitPtr Tesla = Weber()->divide(Meter()->pow(2))->alternate("T");
-    return Tesla;
+    static const CKept<CUnitPtr> Tesla(Weber()->divide(Meter()->pow(2))->alternate("T"));
+    return *Tesla;
 }
 
 CUnitPtr Celsius() {
-    static const CUnitPtr Celsius = CUnitFormat::label(Kelvin()->add(273.15), "°C");
-    return Celsius;
+    static const CKept<CUnitPtr> Celsius(CUnitFormat::label(Kelvin()->add(273.15), "°C"));
+    return *Celsius;
 }
 
 CUnitPtr Lumen() {
-    static const CUnitPtr Lumen = Candela()->multiply(Steradian())->alternate("lm");
-    return Lumen;
+    static const CKept<CUnitPtr> Lumen(Candela()->multiply(Steradian())->alternate("lm"));
+    return *Lumen;
 }
 
 CUnitPtr Lux() {
-    static const CUnitPtr Lux = Lumen()->divide(Meter()->pow(2))->alternate("lx");
-    return Lux;
+    static const CKept<CUnitPtr> Lux(Lumen()->divide(Meter()->pow(2))->alternate("lx"));
+    return *Lux;
 }
 
 CUnitPtr Katal() {
-    static const CUnitPtr Katal = Mole()->divide(Second())->alternate("kat");
-    return Katal;
+    static const CKept<CUnitPtr> Katal(Mole()->divide(Second())->alternate("kat"));
+    return *Katal;
 }
 
 CUnitPtr Yotta(CUnitPtr unit) { return unit->multiply(1e24); }

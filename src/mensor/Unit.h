@@ -32,7 +32,7 @@
 namespace mensor {
 
 namespace detail {
-struct Tables;
+struct DebugLayout;
 }
 
 /// The base of all units. Clients may derive kinds of their own and register them with
@@ -238,7 +238,6 @@ protected:
 
 private:
     friend class CUnitFormat;
-    friend struct detail::Tables;
     friend struct detail::DebugLayout;
 
     MENSOR_LOCAL static CUnitPtr getUnitByIndexOrExpandTable(int index,

@@ -20,6 +20,7 @@
 #include "mensor/ProductUnit.h"
 #include "mensor/RememberedTexts.h"
 #include "mensor/factors.h"
+#include "mensor/kept.h"
 #include "mensor/parsing.h"
 #include "mensor/require.h"
 #include "mensor/tables.h"
@@ -533,13 +534,9 @@ int CUnitFormat::parseExponent(const string_t& text) {
     return parseExponentBytes(std::string_view(text.data(), text.size()));
 }
 
-// Both formats are built on first use and never destroyed: the statics of clients, which would outlive
-// them, may still write units.
-
 CUnitFormatPtr CStandardUnitFormat::instance() {
-    static const CUnitFormatPtr& Instance =
-        *new CUnitFormatPtr(std::make_shared<CStandardUnitFormat>());
-    return Instance;
+    static const detail::CKept<CUnitFormatPtr> Instance(std::make_shared<CStandardUnitFormat>());
+    return *Instance;
 }
 
 void CStandardUnitFormat::append(string_t& buffer, const string_t& symbol, int pow, int root) {
@@ -597,9 +594,8 @@ string_t CStandardUnitFormat::write(const CUnitPtr& unit, string_t buffer) {
 }
 
 CUnitFormatPtr CASCIIUnitFormat::instance() {
-    static const CUnitFormatPtr& Instance =
-        *new CUnitFormatPtr(std::make_shared<CASCIIUnitFormat>());
-    return Instance;
+    static const detail::CKept<CUnitFormatPtr> Instance(std::make_shared<CASCIIUnitFormat>());
+    return *Instance;
 }
 
 string_t CASCIIUnitFormat::format(std::shared_ptr<CUnit> unit, string_t buffer) {

@@ -21,8 +21,8 @@ namespace {
 
 const int NumberOfPrefixes = 20;
 
-const string_t PREFIXES[NumberOfPrefixes] = {"Y", "Z", "E", "P", "T", "G", "M", "k", "h", "da",
-                                             "d", "c", "m", "µ", "n", "p", "f", "a", "z", "y"};
+const char* const PREFIXES[NumberOfPrefixes] = {"Y", "Z", "E", "P", "T", "G", "M", "k", "h", "da",
+                                                "d", "c", "m", "µ", "n", "p", "f", "a", "z", "y"};
 
 const double FACTORS[NumberOfPrefixes] = {1e24, 1e21,  1e18,  1e15,  1e12,  1e9,   1e6,
                                           1000, 100,   10,    0.1,   0.01,  0.001, 1e-6,
@@ -38,7 +38,7 @@ log4cplus::Logger logger() {
 // Gives `unit` a label with each prefix before its symbol.
 static void labelPrefixedUnit(CUnitPtr unit) {
     for (int i = 0; i < NumberOfPrefixes; ++i) {
-        CUnitFormat::label(unit->multiply(FACTORS[i]), PREFIXES[i] + unit->getSymbol());
+        CUnitFormat::label(unit->multiply(FACTORS[i]), string_t(PREFIXES[i]) + unit->getSymbol());
     }
 }
 
@@ -49,7 +49,7 @@ static void labelPrefixedGRAM() {
         if (FACTORS[i] == 1000.0) {
             continue;
         }
-        CUnitFormat::label(SI::Gram()->multiply(FACTORS[i]), PREFIXES[i] + label);
+        CUnitFormat::label(SI::Gram()->multiply(FACTORS[i]), string_t(PREFIXES[i]) + label);
     }
 }
 
@@ -58,7 +58,7 @@ static void labelPrefixedGRAM() {
 static void labelPrefixedCelsius() {
     const string_t label = CUnitFormat::labelFor(SI::Celsius());
     for (int i = 0; i < NumberOfPrefixes; ++i) {
-        CUnitFormat::label(SI::Celsius()->multiply(FACTORS[i]), PREFIXES[i] + label);
+        CUnitFormat::label(SI::Celsius()->multiply(FACTORS[i]), string_t(PREFIXES[i]) + label);
     }
 }
 

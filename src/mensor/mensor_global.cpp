@@ -3,17 +3,18 @@
 #include <cmath>
 #include <limits>
 
+#include "mensor/kept.h"
 #include "mensor/utf8.h"
 
 namespace mensor {
 
 namespace {
 
-const std::vector<CPrefix> Prefixes{
+const detail::CKept<std::vector<CPrefix>> Prefixes(std::vector<CPrefix>{
     {"Y", 1e24}, {"Z", 1e21},  {"E", 1e18},  {"P", 1e15},  {"T", 1e12},  {"G", 1e9},   {"M", 1e6},
     {"k", 1000}, {"h", 100},   {"da", 10},   {"d", 0.1},   {"c", 0.01},  {"m", 0.001}, {"µ", 1e-6},
     {"n", 1e-9}, {"p", 1e-12}, {"f", 1e-15}, {"a", 1e-18}, {"z", 1e-21}, {"y", 1e-24},
-};
+});
 
 // Toward zero, cut off at the end of the range, zero for NaN: written out, since a plain conversion of
 // a double that does not fit means something else on every processor. A sum of code points is never
@@ -31,9 +32,9 @@ int saturate(double x) {
 
 }  // namespace
 
-const std::vector<CPrefix>& prefixes() { return Prefixes; }
+const std::vector<CPrefix>& prefixes() { return *Prefixes; }
 
-const CPrefix& prefix(ePrefix p) { return Prefixes[static_cast<std::size_t>(p)]; }
+const CPrefix& prefix(ePrefix p) { return (*Prefixes)[static_cast<std::size_t>(p)]; }
 
 std::string toStdString(const string_t& s) { return std::string(s.data(), s.size()); }
 

@@ -30,11 +30,6 @@ namespace detail {
 using Lock = std::lock_guard<std::recursive_mutex>;
 
 struct Tables {
-    Tables() = default;
-    ~Tables();
-    Tables(const Tables&) = delete;
-    Tables& operator=(const Tables&) = delete;
-
     std::recursive_mutex Mutex;  // guards all maps
     std::map<string_t, CUnitPtr> Symbols;
     std::map<int, CUnitPtr> Instances;
@@ -45,7 +40,7 @@ struct Tables {
     std::map<string_t, CUnitPtr> AliasUnit;
 };
 
-// Created on first use, destroyed at exit.
+// Created on first use, never destroyed.
 extern std::atomic<Tables*> createdTables;
 Tables& createTables();
 inline Tables& tables() {

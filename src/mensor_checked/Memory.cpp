@@ -14,10 +14,9 @@ constexpr std::size_t MostPassing = 1000;
 constexpr std::size_t LongestPassing = 100;
 constexpr std::size_t MostSound = 4000;
 
-// Made while the companion is loaded, not on first use, to be destroyed after the statics of clients,
-// which may still read units.
-CMemory plain;
-CMemory withDifferences;
+// Never destroyed: threads and the statics of clients may still read units while the process ends.
+CMemory& plain = *new CMemory;
+CMemory& withDifferences = *new CMemory;
 
 }  // namespace
 

@@ -117,12 +117,11 @@ CName makeName(std::string_view name) {
     return known;
 }
 
-// Made while the companion is loaded, not on first use, to be destroyed after the statics of clients,
-// which may still read units. Names that the library does not know, or not by this spelling, are not
+// Never destroyed: threads and the statics of clients may still read units while the process ends. Names that the library does not know, or not by this spelling, are not
 // kept: a new symbol may make them known, and does not change the version.
-std::unordered_map<std::string, CName> keptNames;
+std::unordered_map<std::string, CName>& keptNames = *new std::unordered_map<std::string, CName>;
 unsigned versionOfNames = 0;
-CName passingName;
+CName& passingName = *new CName;
 
 }  // namespace
 
