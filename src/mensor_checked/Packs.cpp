@@ -1,12 +1,18 @@
 #include "mensor_checked/Packs.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "mensor_checked/Checks.h"
 #include "mensor_checked/Define.h"
 #include "mensor_checked/Reading.h"
+#include "mensor_exact/Conversion.h"
+#include "mensor_exact/Definitions.h"
 
 namespace mensor {
 namespace checked {
@@ -15,19 +21,24 @@ namespace {
 
 struct CPackRow {
     ePack Pack;
+    exact::ePack Definitions;
     const char* Name;
     const char* Description;
 };
 
 constexpr CPackRow Rows[] = {
-    {ePack::SI, "si",
+    {ePack::SI, exact::ePack::SI, "si",
      "spellings of the SI that the library lacks: hPa, mK, klm, mL, Greek letters"},
-    {ePack::CUSTOMARY, "customary", "US customary, imperial and older technical units"},
-    {ePack::US, "us", "customary; gal, qt, pt, fl_oz and ton as in the United States"},
-    {ePack::IMPERIAL, "imperial", "customary; gal, qt, pt, fl_oz and ton as in the United Kingdom"},
-    {ePack::SCIENCE, "science", "energy, physics, astronomy, chemistry"},
-    {ePack::OFFSETS, "offsets", "the degree Fahrenheit and gauge pressures"},
-    {ePack::COUNTING, "counting", "parts, revolutions, counts, binary multiples of the byte"},
+    {ePack::CUSTOMARY, exact::ePack::CUSTOMARY, "customary",
+     "US customary, imperial and older technical units"},
+    {ePack::US, exact::ePack::US, "us",
+     "customary; gal, qt, pt, fl_oz and ton as in the United States"},
+    {ePack::IMPERIAL, exact::ePack::IMPERIAL, "imperial",
+     "customary; gal, qt, pt, fl_oz and ton as in the United Kingdom"},
+    {ePack::SCIENCE, exact::ePack::SCIENCE, "science", "energy, physics, astronomy, chemistry"},
+    {ePack::OFFSETS, exact::ePack::OFFSETS, "offsets", "the degree Fahrenheit and gauge pressures"},
+    {ePack::COUNTING, exact::ePack::COUNTING, "counting",
+     "parts, revolutions, counts, binary multiples of the byte"},
 };
 
 const CPackRow& rowOf(ePack pack) {
@@ -40,16 +51,90 @@ const CPackRow& rowOf(ePack pack) {
                                 std::to_string(static_cast<int>(pack)));
 }
 
+// The units that are not built on the unit that their definition names.
+//
+// The unit that a unit is built on is a part of its identity in the registry. A factor that goes
+// straight to a system unit is rounded once. A gauge pressure is built on kg/(m·s²), not on the pascal:
+// identity counts the system unit and the slope but no offset, so on the pascal the bar_g would be the
+// bar. The centipoise is the product mPa·s: 0.001 Pa·s has the same identity.
+struct CBuiltOn {
+    std::string_view Unit;
+    std::string_view Symbols[11];  // the rest is empty
+};
+
+constexpr CBuiltOn BuiltOn[] = {
+    {"m", {"in", "mi", "Å", "pc"}},
+    {"m²", {"ac"}},
+    {"m³", {"gal_US", "qt_US", "pt_US", "fl_oz_US", "gal_UK", "qt_UK", "pt_UK", "fl_oz_UK", "bbl"}},
+    {"kg", {"oz", "gr", "st", "ton_US", "ton_UK", "u"}},
+    {"N", {"lbf"}},
+    {"Pa", {"Torr"}},
+    {"W", {"hp"}},
+    {"J", {"kcal", "meV", "keV", "MeV", "GeV", "TeV", "Wh", "kWh", "MWh", "GWh", "TWh"}},
+    {"C", {"Ah", "mAh"}},
+    {"m/s", {"kn", "mph"}},
+    {"rad/s", {"rpm"}},
+    {"1/s", {"cps", "Bd"}},
+    {"mPa·s", {"cP"}},
+    {"kg/(m·s²)", {"Pa_g", "kPa_g", "mbar_g", "bar_g", "psi_g"}},
+};
+
+// Units of their own, as the hertz is, not names of what they are built on.
+constexpr std::string_view Alternates[] = {"cps", "Bd"};
+
+template <std::size_t N>
+bool isIn(const std::string_view (&symbols)[N], std::string_view symbol) {
+    return std::find(std::begin(symbols), std::end(symbols), symbol) != std::end(symbols);
+}
+
+// What the unit is built on: "K" for "5/9 K, offset 459.67", "One" for a number alone.
+std::string_view unitUnder(const exact::CDefinition& definition) {
+    for (const CBuiltOn& row : BuiltOn) {
+        if (isIn(row.Symbols, definition.Name)) {
+            return row.Unit;
+        }
+    }
+    const std::string_view text = definition.Text.substr(0, definition.Text.find(','));
+    const bool hasNumber = text[0] >= '0' && text[0] <= '9';
+    const std::size_t space = text.find(' ');
+    return !hasNumber ? text : space == std::string_view::npos ? "One" : text.substr(space + 1);
+}
+
+CPackUnit unitOf(const CPackRow& pack, const exact::CDefinition& definition,
+                 const exact::CCatalogue& catalogue) {
+    CPackUnit unit{};
+    unit.Pack = pack.Pack;
+    unit.Symbol = definition.Name;
+    unit.Definition = definition.Text;
+    unit.Name = definition.English;
+    unit.Source = definition.Source;
+    unit.Unit = unitUnder(definition);
+    unit.IsAlternate = isIn(Alternates, definition.Name);
+    const exact::CConversion conversion(
+        *catalogue.meaning(definition.Name),
+        unit.Unit == "One" ? exact::CMeaning() : catalogue.evaluate(unit.Unit));
+    unit.Factor = conversion.exactFactor().toDouble();
+    const exact::COffset offset = conversion.exactOffset();
+    unit.Offset = offset.Sign * offset.Size.toDouble();
+    return unit;
+}
+
+// US and IMPERIAL have the same names, so that each pack has a catalogue of its own.
+exact::CCatalogue catalogueOf(const CPackRow& pack) {
+    return exact::CCatalogue::builtIn().with(exact::ePack::CUSTOMARY).with(pack.Definitions);
+}
+
 [[noreturn]] void refuse(const CPackUnit& row, const std::exception& reason,
                          const CUnitPtr& inTheWay) {
     throw CIdentityError("the pack " + quoted(nameOf(row.Pack)) + " is refused for its unit " +
-                             quoted(row.Symbol) + ": " + reason.what(),
+                             quoted(std::string(row.Symbol)) + ": " + reason.what(),
                          inTheWay);
 }
 
 void define(CNaming& naming, const CPackUnit& row) {
     try {
-        naming.define({row.Symbol, row.Factor, readUnit(row.Unit), row.Offset, row.IsAlternate});
+        naming.define(
+            {std::string(row.Symbol), row.Factor, readUnit(row.Unit), row.Offset, row.IsAlternate});
     } catch (const CIdentityError& e) {
         refuse(row, e, e.inTheWay());
     } catch (const std::bad_alloc&) {
@@ -65,24 +150,35 @@ void define(CNaming& naming, const CPackUnit& row) {
 // clients, which may still register packs.
 
 const std::vector<CPackUnit>& packUnits() {
-    static const std::vector<CPackUnit>& Units = *new std::vector<CPackUnit>{
-#define PACK_UNIT(pack, symbol, factor, unit, offset, name, source) \
-    {ePack::pack, symbol, factor, #factor, unit, offset, #offset, false, name, source},
-#define PACK_ALTERNATE(pack, symbol, unit, name, source) \
-    {ePack::pack, symbol, 1.0, "1.0", unit, 0.0, "0", true, name, source},
-#define PACK_REFUSED(pack, symbol, factor, unit, offset, inTheWay, why)
-#include "mensor_checked/packs.def"
-    };
+    static const std::vector<CPackUnit>& Units = *new std::vector<CPackUnit>([] {
+        std::vector<CPackUnit> units;
+        for (const CPackRow& pack : Rows) {
+            const exact::CCatalogue catalogue = catalogueOf(pack);
+            for (const exact::CDefinition& definition : catalogue.definitions()) {
+                if (definition.Pack == pack.Definitions) {
+                    units.push_back(unitOf(pack, definition, catalogue));
+                }
+            }
+        }
+        return units;
+    }());
     return Units;
 }
 
 const std::vector<CRefusedUnit>& refusedUnits() {
     static const std::vector<CRefusedUnit>& Units = *new std::vector<CRefusedUnit>{
-#define PACK_UNIT(pack, symbol, factor, unit, offset, name, source)
-#define PACK_ALTERNATE(pack, symbol, unit, name, source)
-#define PACK_REFUSED(pack, symbol, factor, unit, offset, inTheWay, why) \
-    {ePack::pack, symbol, factor, unit, offset, inTheWay, why},
-#include "mensor_checked/packs.def"
+        {ePack::SCIENCE, "Da_2022", 1.66053906892e-27, "kg", 0, "Da",
+         "the dalton of CODATA 2022 differs from that of the SI brochure in the tenth digit, and "
+         "identity keeps seven"},
+        {ePack::OFFSETS, "°R", 5.0 / 9.0, "K", 0, "°F",
+         "the degree Rankine has the size of the degree Fahrenheit and its zero at 0 K; identity "
+         "ignores the zero"},
+        {ePack::OFFSETS, "K_w", 1.0, "K", 273.16, "°C",
+         "a second scale in kelvins, from another zero, is the degree Celsius"},
+        {ePack::OFFSETS, "bar_p", 1e5, "Pa", 101325.0, "bar",
+         "on the pascal, the bar from another zero is the bar"},
+        {ePack::OFFSETS, "bar_b", 1e5, "kg/(m·s²)", 100000.0, "bar_g",
+         "a bar above 1 bar instead of 1 atm is the bar_g"},
     };
     return Units;
 }

@@ -6,12 +6,13 @@
 //     checked::readValue("98.6 °F").valueAs(SI::Celsius());               // 37, to the last digits
 //     for (const auto& row : checked::packUnits()) list.add(row.Symbol);  // the whole table
 //
-// Every unit is checked after it is built: 0 and 1 convert as its row says, its dimension is that of
+// What a unit means is its row in the table of definitions, <mensor_exact/Definitions.h>. Every unit is
+// checked after it is built: 0 and 1 convert as its row says, its dimension is that of
 // the unit it rests on, and its text reads back as the same object. If one is not what its row says,
 // since the program or another pack has a unit of that name or identity, the pack is refused and the
 // unit in the way is named.
 //
-// docs/packs.md lists all units with their factors and sources.
+// docs/packs.md lists all units with their definitions and sources.
 #ifndef MENSOR_CHECKED_PACKS_H
 #define MENSOR_CHECKED_PACKS_H
 
@@ -37,18 +38,17 @@ enum class ePack : int {
     COUNTING    ///< ppm, rpm, KiB and their like
 };
 
-/// One row of the table. Texts are UTF-8 and belong to the library.
+/// One unit of a pack. Texts are UTF-8 and belong to the library.
 struct CPackUnit {
     ePack Pack;
-    const char* Symbol;      ///< the name by which it is read, and written if the unit has no other
-    double Factor;           ///< a value x is Factor·x + Offset in `Unit`
-    const char* FactorText;  ///< the factor as the table has it: "5.0 / 9.0"
-    const char* Unit;        ///< what it is measured in, as readUnit reads it
-    double Offset;
-    const char* OffsetText;
-    bool IsAlternate;    ///< a unit of its own that stands for `Unit`, as the hertz does for 1/s
-    const char* Name;    ///< in English
-    const char* Source;  ///< where the factor is published
+    std::string_view Symbol;      ///< the name by which it is read, and written if it has no other
+    std::string_view Definition;  ///< as its source has it: "25.4 mm", "5/9 K, offset 459.67"
+    std::string_view Name;        ///< in English
+    std::string_view Source;      ///< where the definition is published
+    std::string_view Unit;        ///< what the registry builds it on, as readUnit reads it
+    double Factor;  ///< a value x is Factor·x + Offset in `Unit`; the double nearest to the exact
+    double Offset;  ///< likewise
+    bool IsAlternate;  ///< a unit of its own that stands for `Unit`, as the hertz does for 1/s
 };
 
 /// A unit that no pack has, since the library would take it for another one.

@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <fstream>
+#include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -49,7 +51,7 @@ std::vector<CPackUnit> unitsOf(std::initializer_list<ePack> packs) {
 void expectToBeAsTheTableSays(const CPackUnit& row) {
     SCOPED_TRACE(row.Symbol);
     const CUnitPtr unit = CUnit::fromString(std::string(row.Symbol));
-    const CUnitPtr parent = CUnit::fromString(std::string(row.Unit) == "One" ? "" : row.Unit);
+    const CUnitPtr parent = CUnit::fromString(row.Unit == "One" ? "" : std::string(row.Unit));
     EXPECT_TRUE(unit->isCompatible(parent));
     EXPECT_EQ(unit->getDimension(), parent->getDimension());
     EXPECT_EQ(bitsOf(unit->convertValueToUnit(0, parent)), bitsOf(row.Offset));
@@ -79,6 +81,52 @@ TEST(Packs, HoldUnitsThatConvertByTheirFactorsAndOffsets) {
             expectToBeAsTheTableSays(row);
         }
     }
+}
+
+// data/packs.tsv was written down when the factors still were numbers in the sources: what a definition
+// becomes must stay the same object with the same bits.
+void expectToBeAsWrittenDown(const std::set<std::string>& packs) {
+    std::ifstream file(MENSOR_TEST_DATA "/packs.tsv");
+    int count = 0;
+    for (std::string line; std::getline(file, line);) {
+        std::istringstream fields(line);
+        std::vector<std::string> row;
+        for (std::string field; std::getline(fields, field, '\t');) {
+            row.push_back(field);
+        }
+        if (line[0] == '#' || packs.count(row.at(0)) == 0) {
+            continue;
+        }
+        SCOPED_TRACE(line);
+        ++count;
+        const CUnitPtr unit = CUnit::fromString(row.at(1));
+        const CUnitPtr system = unit->getSystemUnit();
+        const auto bits = [](const std::string& hex) { return std::stoull(hex, nullptr, 16); };
+        EXPECT_EQ(unit->hashCode(), std::stoi(row.at(2)));
+        EXPECT_EQ(text(CUnitFormat::labelFor(unit)), row.at(3));
+        EXPECT_THAT(system, PrintsAs(row.at(4)));
+        EXPECT_EQ(bitsOf(unit->convertValueToUnit(0.0, system)), bits(row.at(5)));
+        EXPECT_EQ(bitsOf(unit->convertValueToUnit(1.0, system)), bits(row.at(6)));
+        EXPECT_EQ(bitsOf(unit->convertValueToUnit(0.1, system)), bits(row.at(7)));
+        EXPECT_EQ(bitsOf(unit->convertValueToUnit(1e22, system)), bits(row.at(8)));
+        EXPECT_EQ(bitsOf(system->convertValueToUnit(1.0, unit)), bits(row.at(9)));
+        EXPECT_EQ(bitsOf(system->convertValueToUnit(0.1, unit)), bits(row.at(10)));
+    }
+    std::size_t expected = 0;
+    for (const CPackUnit& row : packUnits()) {
+        expected += packs.count(nameOf(row.Pack));
+    }
+    EXPECT_EQ(count, static_cast<int>(expected));
+}
+
+TEST(Packs, BuildTheSameObjectsWithTheSameBitsAsEver) {
+    registerMost();
+    expectToBeAsWrittenDown({"si", "customary", "us", "science", "offsets", "counting"});
+}
+
+TEST(Packs, BuildTheSameObjectsForTheUnitedKingdomAsEver) {
+    registerPack(ePack::IMPERIAL);
+    expectToBeAsWrittenDown({"customary", "imperial"});
 }
 
 TEST(Packs, HoldTheNamesOfTheUnitedKingdom) {
@@ -347,28 +395,16 @@ TEST(Packs, HaveNames) {
 
 // docs/packs.md.
 
-// "5.0 / 9.0" as people write it.
-std::string plain(std::string number) {
-    for (const char* const noise : {".0", " "}) {
-        const std::string piece = noise;
-        for (auto at = number.find(piece); at != std::string::npos; at = number.find(piece, at)) {
-            const bool isInside = piece == ".0" && at + 2 < number.size() && number[at + 2] != ' ';
-            isInside ? ++at : (number.erase(at, piece.size()), at);
-        }
-    }
-    return number;
-}
-
 std::string rowOfDocs(const CPackUnit& row) {
-    std::string value = plain(row.FactorText) + " " + row.Unit;
-    if (row.Offset != 0) {
-        value += " + " + plain(row.OffsetText);
-    }
+    std::ostringstream line;
+    line << "| `" << row.Symbol << "` | ";
     if (row.IsAlternate) {
-        value = std::string("stands for ") + row.Unit;
+        line << "stands for " << row.Unit;
+    } else {
+        line << row.Definition;
     }
-    return std::string("| `") + row.Symbol + "` | " + value + " | " + row.Name + " | " +
-           row.Source + " |";
+    line << " | " << row.Name << " | " << row.Source << " |";
+    return line.str();
 }
 
 std::string rowOfDocs(const CRefusedUnit& row) {

@@ -14,6 +14,8 @@
 #include "mensor/UnitFormat.h"
 #include "mensor_checked/Meaning.h"
 #include "mensor_checked/Packs.h"
+#include "mensor_exact/Certificate.h"
+#include "mensor_exact/Definitions.h"
 #include "support/Catalogue.h"
 #include "support/Matchers.h"
 
@@ -235,7 +237,7 @@ TEST(DefinitionTable, GivesThePackOfTheUnitedKingdomAsTheRegistryConvertsIt) {
 TEST(DefinitionTable, HasTheUnitsOfThePacksInItsSets) {
     std::set<std::string> units, rows;
     for (const checked::CPackUnit& unit : checked::packUnits()) {
-        units.insert(setOf(unit.Pack) + " " + unit.Symbol);
+        units.insert(setOf(unit.Pack) + " " + std::string(unit.Symbol));
     }
     for (const DefinitionRow& row : definitionRows()) {
         if (row.Set != "CATALOGUE") {
@@ -244,6 +246,88 @@ TEST(DefinitionTable, HasTheUnitsOfThePacksInItsSets) {
     }
     EXPECT_EQ(units, rows);
     EXPECT_EQ(rows.size(), 203U);
+}
+
+// The library's reading of each definition is that of another reader with another arithmetic.
+
+// "127/5000" of a number without root.
+mpq_class quotientOf(const exact::CCertifiedNumber& number) {
+    mpq_class result(mpz_class(number.Numerator), mpz_class(number.Denominator));
+    return number.IsNegative ? mpq_class(-result) : result;
+}
+
+exact::CCatalogue catalogueOf(const std::string& set) {
+    static const std::map<std::string, exact::ePack> packs = {
+        {"CATALOGUE", exact::ePack::CATALOGUE}, {"SI", exact::ePack::SI},
+        {"CUSTOMARY", exact::ePack::CUSTOMARY}, {"US", exact::ePack::US},
+        {"IMPERIAL", exact::ePack::IMPERIAL},   {"SCIENCE", exact::ePack::SCIENCE},
+        {"OFFSETS", exact::ePack::OFFSETS},     {"COUNTING", exact::ePack::COUNTING}};
+    return exact::CCatalogue::builtIn().with(exact::ePack::CUSTOMARY).with(packs.at(set));
+}
+
+std::map<std::string, int> exponentsOf(const std::vector<exact::CPower>& powers) {
+    std::map<std::string, int> exponents;
+    for (const exact::CPower& power : powers) {
+        EXPECT_EQ(power.Exponent.denominator(), 1) << power.Name;
+        exponents[power.Name] = power.Exponent.numerator();
+    }
+    return exponents;
+}
+
+// The name of the unit of factor 1 for the same dimensions, as a definition.
+std::string coherentUnit(const std::map<std::string, int>& dimensions) {
+    std::string text = "1";
+    for (const auto& [name, exponent] : dimensions) {
+        text += " " + name + "^" + std::to_string(exponent);
+    }
+    return text;
+}
+
+TEST(DefinitionTable, MeansToTheLibraryWhatItMeansToAnotherReader) {
+    const DefinitionTable table;
+    for (const DefinitionRow& row : table.rows()) {
+        SCOPED_TRACE(row.Set + " " + row.Name);
+        const exact::CCatalogue catalogue = catalogueOf(row.Set);
+        const auto definition = catalogue.find(row.Name);
+        ASSERT_TRUE(definition);
+        EXPECT_EQ(definition->Name, row.Name);
+        EXPECT_EQ(definition->Text, row.Definition);
+        EXPECT_EQ(definition->English, row.English);
+        EXPECT_EQ(definition->Source, row.Source);
+
+        const Reference expected = table.meaningOf(row);
+        const auto meaning = catalogue.meaning(row.Name);
+        ASSERT_TRUE(meaning);
+        EXPECT_EQ(exponentsOf(meaning->dimensions()), expected.Dimensions);
+        EXPECT_EQ(exponentsOf(meaning->marks()), expected.Marks);
+        if (row.Kind == eRow::UNIT) {
+            EXPECT_EQ(*meaning, catalogue.evaluate(row.Definition));
+        }
+        const exact::CCertificate certificate =
+            exact::certify(row.Name, coherentUnit(expected.Dimensions), catalogue);
+        EXPECT_EQ(quotientOf(certificate.Factor), expected.Factor);
+        EXPECT_EQ(certificate.Factor.Root, 1);
+        EXPECT_EQ(certificate.Factor.Pi, std::to_string(expected.Pi));
+        EXPECT_EQ(quotientOf(certificate.Offset), mpq_class(expected.Offset * expected.Factor));
+    }
+}
+
+TEST(DefinitionTable, IsAllThatTheLibraryKnows) {
+    std::map<std::string, std::set<std::string>> rows;
+    for (const DefinitionRow& row : definitionRows()) {
+        rows[row.Set].insert(row.Name);
+    }
+    for (const auto& [set, names] : rows) {
+        const exact::CCatalogue catalogue = catalogueOf(set);
+        const exact::ePack pack = catalogue.find(*names.begin())->Pack;
+        std::set<std::string> known;
+        for (const exact::CDefinition& definition : catalogue.definitions()) {
+            if (definition.Pack == pack) {
+                known.insert(std::string(definition.Name));
+            }
+        }
+        EXPECT_EQ(known, names) << set;
+    }
 }
 
 // What the sources say, as fractions in lowest terms, written without a look at the table.

@@ -29,7 +29,7 @@ says libmensor1 Multi-Arch '^same$'
 says libmensor-dev Multi-Arch '^same$'
 says libmensor1 Depends 'liblog4cplus-2.*libstdc++6'
 says libmensor1 Depends 'libc6'
-says libmensor-checked1 Depends 'libmensor1 (='
+says libmensor-checked1 Depends 'libmensor1 (=.*libmensor-exact1 (='
 says libmensor-dev Depends 'libmensor1 (=.*libmensor-checked1 (='
 says mensor-tools Depends 'libmensor1 (>='
 
