@@ -1,0 +1,65 @@
+// print.cpp: the certificates of the whole catalogue and all packs, one JSON object a line, for
+// check.py: each unit to the base units, and to its neighbours among the units of its dimensions.
+//
+//     print_certificates            all of them
+//     print_certificates FROM TO    one
+#include <cstdio>
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "mensor_exact/Certificate.h"
+#include "mensor_exact/Definitions.h"
+
+using mensor::exact::CCatalogue, mensor::exact::CDefinition, mensor::exact::ePack;
+
+namespace {
+
+CCatalogue catalogueOf(ePack country) {
+    return CCatalogue::builtIn()
+        .with(ePack::CUSTOMARY)
+        .with(country)
+        .with(ePack::SCIENCE)
+        .with(ePack::OFFSETS)
+        .with(ePack::COUNTING);
+}
+
+void print(std::string_view from, std::string_view to, const CCatalogue& catalogue) {
+    std::printf("%s\n", mensor::exact::certify(from, to, catalogue).toJson().c_str());
+}
+
+void printAll(const CCatalogue& catalogue) {
+    std::map<std::string, std::string_view> lastOfUnits;
+    for (const CDefinition& definition : catalogue.definitions()) {
+        const std::string units = catalogue.meaning(definition.Name)->unitsText();
+        print(definition.Name, units, catalogue);
+        std::string_view& last = lastOfUnits[units];
+        if (!last.empty()) {
+            print(last, definition.Name, catalogue);
+            print(definition.Name, last, catalogue);
+        }
+        last = definition.Name;
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const CCatalogue catalogue = catalogueOf(ePack::US);
+    if (argc == 3) {
+        print(argv[1], argv[2], catalogue);
+        return 0;
+    }
+    printAll(catalogue);
+    printAll(catalogueOf(ePack::IMPERIAL));
+    // Roots, π in both units, groups, and marks that vanish.
+    for (const auto& [from, to] : {std::pair("V/kHz^(1/2)", "µV/Hz^(1/2)"),
+                                   {"ft^(1/2)", "km^(1/2)"},
+                                   {"rpm", "°/s"},
+                                   {"W/(m²·K)", "BTU/(h·ft²·K)"},
+                                   {"rev/min", "Hz"},
+                                   {"kg·m/s²", "lbf"},
+                                   {"%", "ppm"}}) {
+        print(from, to, catalogue);
+    }
+}
