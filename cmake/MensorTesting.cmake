@@ -1,7 +1,11 @@
-# mensor_test(<file>_test.cpp): a test program of that name. Each of its tests becomes a test of
-# its own for ctest and so runs in a fresh process: the tables of the library live as long as the
-# process, and much can only be seen when they are new.
-include(GoogleTest)
+# What the folders of tests share.
+#
+# Labels say what kind a test is: scripts/test chooses by them what a preset runs, and the target
+# mensor_tests_<label> builds what these tests need.
+#   unit         the test programs below
+#   sweep        those of them that take long, since they try the same in very many ways
+#   abi, docs, fuzz, statics, tool, transcript   the tests of a folder
+# Tests without a label run where all tests do.
 
 # Code of tests alone is not optimised, which nearly halves the time of compiling it. The library, the
 # tools, the examples and the transcript are built as a user builds them.
@@ -9,14 +13,48 @@ function(mensor_quickly_built target)
   target_compile_options(${target} PRIVATE -O0)
 endfunction()
 
+function(mensor_built_for_tests label)
+  if(NOT TARGET mensor_tests_${label})
+    add_custom_target(mensor_tests_${label})
+  endif()
+  add_dependencies(mensor_tests_${label} ${ARGN})
+endfunction()
+
+# mensor_test(<file>_test.cpp [LABEL <label>]): a test program of that name, which is one test for ctest. Each
+# of its tests runs in a process of its own all the same: tests/support/main.cpp.
 function(mensor_test file)
+  cmake_parse_arguments(PARSE_ARGV 1 test "" LABEL "")
+  if(NOT test_LABEL)
+    set(test_LABEL unit)
+  endif()
   cmake_path(GET file STEM name)
   add_executable(${name} ${file})
   target_link_libraries(${name} PRIVATE mensor::mensor mensor_test_support)
   target_precompile_headers(${name} REUSE_FROM mensor_test_support)
   mensor_warnings(${name})
   mensor_quickly_built(${name})
-  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES LABELS ${test_LABEL} TIMEOUT 3600)
+  mensor_built_for_tests(${test_LABEL} ${name})
+endfunction()
+
+# mensor_tests_are(<label>): labels all tests of this folder, also those that are added below.
+macro(mensor_tests_are label)
+  cmake_language(DEFER CALL _mensor_tests_are ${label})
+endmacro()
+
+function(_mensor_tests_are label)
+  get_property(tests DIRECTORY PROPERTY TESTS)
+  if(tests)
+    set_tests_properties(${tests} PROPERTIES LABELS ${label})
+  endif()
+  get_property(targets DIRECTORY PROPERTY BUILDSYSTEM_TARGETS)
+  foreach(target IN LISTS targets)
+    get_target_property(type ${target} TYPE)
+    if(type STREQUAL "EXECUTABLE")
+      mensor_built_for_tests(${label} ${target})
+    endif()
+  endforeach()
 endfunction()
 
 # mensor_starts_test(<name> <program> [<argument>...]): starts the program 1000 times; 200 times under a

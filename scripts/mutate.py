@@ -1,4 +1,5 @@
-"""Makes mutants of src/mensor and runs the tests on them: see scripts/mutate, which calls this."""
+"""Makes mutants of the libraries and the tool and runs the tests on them: see scripts/mutate, which calls
+this."""
 
 import argparse
 import collections
@@ -180,9 +181,12 @@ def mutations_of(source, text):
 
 
 class Sources:
+    """The sources of the libraries and of the tool, by their paths from the root of the tree."""
+
     def __init__(self, copy):
-        self.directory = copy / "src" / "mensor"
-        self.texts = {path.name: path.read_text() for path in sorted(self.directory.iterdir())
+        self.directory = copy
+        paths = [*copy.glob("src/*/*"), *copy.glob("tools/mensor/*")]
+        self.texts = {str(path.relative_to(copy)): path.read_text() for path in sorted(paths)
                       if path.suffix in (".cpp", ".h")}
         self.mutations = {name: mutations_of(name, text) for name, text in self.texts.items()}
 
@@ -264,50 +268,29 @@ def run(command, directory, seconds, processor_seconds):
 
 
 class Tests:
-    """The tests in two rounds. First each program runs all its tests in one process, which is quick.
-    What survives that meets ctest with the rest: the tests that need a process with new tables, and
-    those that are no GoogleTests."""
+    """The tests. First the test programs, each of which runs each of its tests in a process of its own; what
+    survives these meets the other tests of ctest."""
 
     def __init__(self, build):
         self.build = build
         described = subprocess.run(["ctest", "--test-dir", build, "--show-only=json-v1"], check=True,
                                    capture_output=True).stdout
-        self.programs, numbers, self.rest = {}, collections.defaultdict(dict), []
+        self.programs, self.rest = {}, []
         for number, test in enumerate(json.loads(described)["tests"], 1):
-            command = test.get("command", [""])
-            name = Path(command[0]).name
-            filters = [part for part in command if part.startswith("--gtest_filter=")]
-            if filters:
-                directory = {p["name"]: p["value"] for p in test["properties"]}["WORKING_DIRECTORY"]
-                self.programs[name] = (command[0], directory)
-                numbers[name][filters[0].partition("=")[2]] = number
+            properties = {p["name"]: p["value"] for p in test["properties"]}
+            if set(properties.get("LABELS", [])) & {"unit", "sweep"}:
+                self.programs[test["name"]] = (test["command"], properties["WORKING_DIRECTORY"])
             else:
                 self.rest.append(number)
         self.kills = collections.Counter()
-        self.seconds, self.filters = {}, {}
-        for name in self.programs:
-            self.rest += [numbers[name][test] for test in self.prepare(name)]
+        self.seconds = {}
+        for name, (command, directory) in self.programs.items():
+            begin = time.monotonic()
+            run(command, directory, 3600, 3600)
+            self.seconds[name] = time.monotonic() - begin
         begin = time.monotonic()
         self.run_rest(3600)
         self.seconds_of_rest = time.monotonic() - begin
-
-    def prepare(self, name):
-        """Measures a program and gives the tests that need a process of their own."""
-        program, directory = self.programs[name]
-        alone = set()
-        while True:
-            self.filters[name] = "--gtest_filter=-" + ":".join(sorted(alone))
-            begin = time.monotonic()
-            result = subprocess.run([program, self.filters[name]], cwd=directory, text=True, errors="replace",
-                                    stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
-            self.seconds[name] = time.monotonic() - begin
-            if result.returncode == 0:
-                return alone
-            failed = set(re.findall(r"^\[  FAILED  \] (\w[\w/]*\.[\w./]+)", result.stdout, re.M))
-            failed = failed or set(re.findall(r"^\[ RUN      \] ([\w./]+)", result.stdout, re.M)[-1:])
-            if not failed or failed <= alone:
-                sys.exit(f"mutate: {name} fails without a mutation")
-            alone |= failed
 
     def own(self, source):
         """The program of the tests that belong to a source."""
@@ -319,9 +302,9 @@ class Tests:
         killed its mutants before, what is quick."""
         for name in sorted(self.programs, key=lambda name: (
                 name != self.own(source), -self.kills[source, name], self.seconds[name])):
-            program, directory = self.programs[name]
+            command, directory = self.programs[name]
             try:
-                run([program, self.filters[name], "--gtest_fail_fast", "--gtest_brief=1"], directory,
+                run([*command, "--gtest_fail_fast", "--gtest_brief=1"], directory,
                     30 + 30 * self.seconds[name], 5 + int(10 * self.seconds[name]))
             except Killed as reason:
                 self.kills[source, name] += 1
@@ -332,8 +315,9 @@ class Tests:
             raise Killed(f"ctest: {reason}") from None
 
     def run_rest(self, seconds):
-        run(["ctest", "--test-dir", self.build, "--parallel", JOBS, "--stop-on-failure", "--no-tests=error",
-             "-I", ",".join(map(str, [0, 0, 0, *self.rest]))], self.build, seconds, 600)
+        if self.rest:  # with none named, ctest would run all
+            run(["ctest", "--test-dir", self.build, "--parallel", JOBS, "--stop-on-failure", "--no-tests=error",
+                 "-I", ",".join(map(str, [0, 0, 0, *self.rest]))], self.build, seconds, 600)
 
 
 def compile_targets(build, targets):
@@ -341,21 +325,23 @@ def compile_targets(build, targets):
                           stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL).returncode == 0
 
 
-def digest(build, targets):
-    paths = {"mensor": build / "src" / "mensor" / "libmensor.so"}
-    return [hashlib.sha256(paths.get(t, build / "tests" / t).read_bytes()).digest() for t in targets]
-
-
 class Laboratory:
     def __init__(self, sources, build):
         self.sources, self.build = sources, build
         self.tests = Tests(build)
+        self.products = {library.name: build / "src" / library.name / f"lib{library.name}.so"
+                         for library in (sources.directory / "src").iterdir()}
+        self.products["mensor_tool"] = build / "tools" / "mensor" / "mensor"
         self.originals = {}
 
     def targets(self, source):
         # The tests' programs hold the code of headers, too: those that belong to the header.
         own = self.tests.own(source)
-        return ["mensor", own] if source.endswith(".h") and own else ["mensor"]
+        return [*self.products, own] if source.endswith(".h") and own else [*self.products]
+
+    def digest(self, targets):
+        return [hashlib.sha256(self.products.get(target, self.build / "tests" / target).read_bytes()).digest()
+                for target in targets]
 
     def judge(self, mutation):
         """Why the mutant does not count or who killed it: (verdict, by whom)."""
@@ -363,12 +349,12 @@ class Laboratory:
         targets = self.targets(mutation.source)
         if mutation.source not in self.originals:
             compile_targets(self.build, targets)
-            self.originals[mutation.source] = digest(self.build, targets)
+            self.originals[mutation.source] = self.digest(targets)
         path.write_text(self.sources.mutated(mutation))
         try:
             if not compile_targets(self.build, targets):
                 return "invalid", "does not compile"
-            if digest(self.build, targets) == self.originals[mutation.source]:
+            if self.digest(targets) == self.originals[mutation.source]:
                 return "invalid", "compiles to the same"
             self.tests.run_all(mutation.source)
             return "SURVIVED", ""
@@ -416,7 +402,8 @@ def main():
     else:
         draws = [(mutations, wanted)
                  for source, mutations, wanted in sources.sample(arguments.count, arguments.seed)
-                 if not arguments.only or source in arguments.only]
+                 if not arguments.only or any(source == place or source.startswith(place.rstrip("/") + "/")
+                                              for place in arguments.only)]
 
     def show(verdict, mutation, by=""):
         before, after = sources.difference(mutation)
