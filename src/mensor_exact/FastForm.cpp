@@ -1,0 +1,377 @@
+#include "mensor_exact/FastForm.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <type_traits>
+
+#include "mensor_exact/NearMiddle.h"
+#include "mensor_exact/TwoWords.h"
+
+namespace mensor {
+namespace exact {
+
+namespace {
+
+constexpr std::int64_t Magnitude = 0x7FFFFFFFFFFFFFFF;
+
+std::int64_t bitsOfDouble(double x) {
+    std::int64_t bits = 0;
+    std::memcpy(&bits, &x, sizeof bits);
+    return bits;
+}
+
+double doubleOfBits(std::uint64_t bits) {
+    double x = 0;
+    std::memcpy(&x, &bits, sizeof x);
+    return x;
+}
+
+float floatOfBits(std::uint64_t bits) {
+    const auto word = static_cast<std::uint32_t>(bits);
+    float x = 0;
+    std::memcpy(&x, &word, sizeof x);
+    return x;
+}
+
+// 2^exponent, for a normal number.
+double power(std::int64_t exponent) {
+    return doubleOfBits(static_cast<std::uint64_t>(exponent + 1023) << 52);
+}
+
+/// The exponent of the highest bit.
+std::int64_t exponentOf(const CLeading& number) { return number.Twos + 191; }
+
+/// What the highest 53 bits of a number leave.
+struct CRemainder {
+    std::uint64_t Word[3];
+    std::int64_t Twos;
+    bool IsWhole;
+
+    explicit CRemainder(const CLeading& number)
+        : Word{number.Word[0] & 0x7FF, number.Word[1], number.Word[2]},
+          Twos(number.Twos),
+          IsWhole(number.IsWhole) {}
+
+    bool isZero() const { return Word[0] == 0 && Word[1] == 0 && Word[2] == 0 && IsWhole; }
+
+    // 2^-100 of the highest bit of the number.
+    static constexpr std::uint64_t Slack = std::uint64_t{1} << 27;
+
+    CRemainder more() const {
+        CRemainder result = *this;
+        result.Word[1] += Slack;
+        result.Word[0] += result.Word[1] < Slack ? 1 : 0;
+        return result;
+    }
+
+    // Zero if it would be less.
+    CRemainder less() const {
+        CRemainder result = *this;
+        if (Word[0] == 0 && Word[1] < Slack) {
+            result.Word[1] = result.Word[2] = 0;
+        } else {
+            result.Word[1] -= Slack;
+            result.Word[0] -= Word[1] < Slack ? 1 : 0;
+        }
+        return result;
+    }
+
+    // Its highest 53 bits, rounded down or up.
+    double rounded(bool isUp) const {
+        std::uint64_t word[3] = {Word[0], Word[1], Word[2]};
+        std::int64_t twos = Twos + 128;
+        for (int i = 0; i < 2 && word[0] == 0; ++i) {
+            word[0] = word[1];
+            word[1] = word[2];
+            word[2] = 0;
+            twos -= 64;
+        }
+        if (word[0] == 0) {
+            return 0;
+        }
+        const int up = 64 - bitsOf(word[0]);
+        const CTwoWords high = shiftedLeft({word[0], word[1]}, up);
+        const bool isExact = (high.High & 0x7FF) == 0 && high.Low == 0 && word[2] == 0 && IsWhole;
+        const std::uint64_t mantissa = (high.High >> 11) + (isUp && !isExact ? 1 : 0);
+        return static_cast<double>(mantissa) * power(twos - up + 11);
+    }
+};
+
+// The highest 53 bits.
+double headOf(const CLeading& number) {
+    return static_cast<double>(number.Word[0] >> 11) * power(exponentOf(number) - 52);
+}
+
+std::uint64_t oddPartOf(std::uint64_t number) { return number >> __builtin_ctzll(number); }
+
+// Whether one sum is right for every number, found out from the numbers nearest to ties.
+bool isProved(const CLeading& factor, const CFastForm& form) {
+    const double scale = power(exponentOf(factor));
+    return form.Tail > 0 && isNeverNearMiddle(53, factor.Word, [&](std::uint64_t n) {
+        const double y = form.Loops->One[PROVED](form, static_cast<double>(n)) / scale;
+        return static_cast<std::uint64_t>(y);
+    });
+}
+
+}  // namespace
+
+CLeading CLeading::ofQuotient(std::uint64_t numerator, std::uint64_t denominator,
+                              std::int64_t twos) {
+    const int upN = 64 - bitsOf(numerator);
+    const int upD = 64 - bitsOf(denominator);
+    const std::uint64_t n = numerator << upN;
+    const std::uint64_t d = denominator << upD;
+    const bool isHalved = n >= d;
+    CTwoWords dividend = isHalved ? CTwoWords{n >> 1, n << 63} : CTwoWords{n, 0};
+    CLeading result = {};
+    for (std::uint64_t& word : result.Word) {
+        std::uint64_t rest = 0;
+        word = quotient(dividend, d, rest);
+        dividend = {rest, 0};
+    }
+    result.Twos = twos - upN + upD - 192 + (isHalved ? 1 : 0);
+    result.IsWhole = isZero(dividend);
+    return result;
+}
+
+CFastForm::CFastForm(const CLeading& factor, const CShortLine* line, const CSlowWay* slowWay,
+                     const CLoops& loops)
+    : HasLine(line != nullptr), SlowWay(slowWay), Loops(&loops) {
+    if (line != nullptr) {
+        Line = *line;
+    }
+    const std::int64_t exponent = exponentOf(factor);
+    const CRemainder remainder(factor);
+    if (remainder.isZero() && exponent >= -1022 + 52 && exponent <= 1023) {
+        Way = MULTIPLY;
+        Head = headOf(factor);
+    } else if (exponent >= -900 && exponent <= 900) {
+        Way = TESTED;
+        Head = headOf(factor);
+        Tail = remainder.rounded(false);
+        TailLow = remainder.less().rounded(false);
+        TailHigh = remainder.more().rounded(true);
+        // The result is at least 2^-960 from here, and x can be split.
+        Least = bitsOfDouble(power(std::max<std::int64_t>(-960 - exponent, -1000))) - 1;
+        // Neither splitting x nor the product overflows up to here.
+        Most = bitsOfDouble(power(std::min<std::int64_t>(1000 - exponent, 990)));
+        const std::uint64_t a = HasLine ? oddPartOf(Line.A) : 0;
+        const std::uint64_t d = HasLine ? oddPartOf(Line.D) : 0;
+        if (HasLine && a <= mostOddPart(53) && d <= mostOddPart(53)) {
+            Way = hasTies(53, a, d) ? TIES : PROVED;
+        }
+    }
+    const double c = Head * 134217729.0;
+    HeadHigh = std::fabs(Head) < 0x1p990 ? c - (c - Head) : 0;
+    HeadLow = Head - HeadHigh;
+    if (Way == TESTED && isProved(factor, *this)) {
+        Way = PROVED;
+    }
+    One = loops.One[Way];
+    Many = loops.Many[Way];
+}
+
+CFastForm::CFastForm(const CLeading& factor, const CLeading& center, bool isNegative,
+                     const CShortLine* line, const CSlowWay* slowWay, const CLoops& loops)
+    : HasOffset(true), HasLine(line != nullptr), SlowWay(slowWay), Loops(&loops) {
+    if (line != nullptr) {
+        Line = *line;
+    }
+    if (std::abs(exponentOf(factor)) <= 200 && std::abs(exponentOf(center)) <= 200) {
+        Way = OFFSET;
+        const double sign = isNegative ? -1 : 1;
+        Head = headOf(factor);
+        Tail = CRemainder(factor).rounded(false);
+        Center = sign * headOf(center);
+        CenterTail = sign * CRemainder(center).rounded(false);
+        Slack = Head * 0x1p-99;
+        SlackCenter = Slack * std::fabs(Center);
+        const double c = Head * 134217729.0;
+        HeadHigh = c - (c - Head);
+        HeadLow = Head - HeadHigh;
+        Least = Magnitude;
+        const std::uint64_t mostShort = std::uint64_t{1} << 40;
+        if (HasLine && Line.A <= mostShort && Line.B <= mostShort && Line.D <= mostShort) {
+            const auto a = static_cast<double>(Line.A);
+            const auto b = static_cast<double>(Line.B);
+            const auto d = static_cast<double>(Line.D);
+            Least = bitsOfDouble(b * 0x1p-41);
+            Most = bitsOfDouble(0x1p95 / a);
+            LeastDistance = bitsOfDouble(b / a * d * 0x1p-41);
+            if (std::abs(Line.Twos) <= 900) {
+                Scale = a * power(Line.Twos);
+                Offset = (Line.IsMinusB ? -b : b) * power(Line.Twos);
+                Divisor = d;
+                MostWhole = (0x1p53 - 1 - b) / a;
+            }
+        }
+    }
+    One = loops.One[Way];
+    Many = loops.Many[Way];
+}
+
+CNearest CFastForm::exactly(const CNumber& x, const CFormat& format) const {
+    if (HasLine) {
+        if (const auto result = Line.convert(x, format)) {
+            return *result;
+        }
+    }
+    return SlowWay->convert(x, format);
+}
+
+double CFastForm::convertSlowly(double x) const {
+    if (std::isnan(x)) {
+        return doubleOfBits(static_cast<std::uint64_t>(bitsOfDouble(x)) | std::uint64_t{1} << 51);
+    }
+    if (std::isinf(x) || (x == 0 && !HasOffset)) {
+        return x;
+    }
+    return doubleOfBits(exactly(CNumber::ofDouble(x), CFormat::ofDouble()).Bits);
+}
+
+float CFastForm::convertSlowlyToFloat(double x) const {
+    if (!std::isfinite(x) || (x == 0 && !HasOffset)) {
+        return static_cast<float>(x);
+    }
+    return floatOfBits(exactly(CNumber::ofDouble(x), CFormat::ofFloat()).Bits);
+}
+
+namespace {
+
+// As many values as are computed before anybody looks whether all of them are right. Small enough for the
+// nearest cache.
+constexpr std::size_t BlockSize = 256;
+
+// Whole numbers up to here are doubles.
+constexpr std::int64_t MostWholeDouble = std::int64_t{1} << 53;
+
+bool isDouble(std::int64_t value) {
+    return value >= -MostWholeDouble && value <= MostWholeDouble;
+}
+
+template <class Number>
+constexpr double largestOf() {
+    return std::is_same_v<Number, std::int16_t>   ? 0x1p15
+           : std::is_same_v<Number, std::int32_t> ? 0x1p31
+                                                  : HUGE_VAL;
+}
+
+void widen(const CLoops& loops, const float* values, double* results, std::size_t count) {
+    loops.WidenFloat(values, results, count);
+}
+void widen(const CLoops& loops, const std::int16_t* values, double* results, std::size_t count) {
+    loops.Widen16(values, results, count);
+}
+void widen(const CLoops& loops, const std::int32_t* values, double* results, std::size_t count) {
+    loops.Widen32(values, results, count);
+}
+void widen(const CLoops& loops, const std::int64_t* values, double* results, std::size_t count) {
+    loops.Widen64(values, results, count);
+}
+void widen(const CLoops&, const double* values, double* results, std::size_t count) {
+    std::memcpy(results, values, count * sizeof *values);
+}
+
+void toDoubles(const CFastForm& form, bool isDivided, const double* values, double* results,
+               std::size_t count) {
+    if (isDivided) {
+        form.Loops->Divide(form.Scale, form.Offset, form.Divisor, values, results, count);
+    } else if (!form.Many(form, values, results, count)) {
+        for (std::size_t i = 0; i < count; ++i) {
+            results[i] = form.One(form, values[i]);
+        }
+    }
+}
+
+// Whether rounding a double to a float could round it for the second time, as CLoops::Narrow.
+bool mayRoundTwice(const CFastForm& form, double x) {
+    float rounded = 0;
+    return !form.Loops->Narrow(&x, &rounded, 1);
+}
+
+template <class In, class Out>
+void convertBlocks(const CFastForm& form, const In* values, Out* results, std::size_t count) {
+    const bool isDivided = form.MostWhole >= largestOf<In>();
+    double wide[BlockSize];
+    double narrow[BlockSize];
+    [[maybe_unused]] In kept[BlockSize];
+    for (std::size_t begin = 0; begin < count; begin += BlockSize) {
+        const std::size_t n = std::min(BlockSize, count - begin);
+        const In* const from = values + begin;
+        Out* const to = results + begin;
+        // What is converted in place is copied before it is overwritten.
+        const double* x = wide;
+        if constexpr (std::is_same_v<In, double>) {
+            x = static_cast<const void*>(from) == to ? wide : from;
+        }
+        if (x == wide) {
+            widen(*form.Loops, from, wide, n);
+        }
+        if constexpr (std::is_same_v<In, std::int64_t>) {
+            std::memcpy(kept, from, sizeof kept[0] * n);
+        }
+
+        if constexpr (std::is_same_v<Out, double>) {
+            toDoubles(form, isDivided, x, to, n);
+        } else {
+            toDoubles(form, isDivided, x, narrow, n);
+            if (!form.Loops->Narrow(narrow, to, n)) {
+                for (std::size_t i = 0; i < n; ++i) {
+                    if (mayRoundTwice(form, narrow[i])) {
+                        to[i] = form.convertSlowlyToFloat(x[i]);
+                    }
+                }
+            }
+        }
+        if constexpr (std::is_same_v<In, std::int64_t>) {
+            for (std::size_t i = 0; i < n; ++i) {
+                if (isDouble(kept[i])) {
+                    continue;
+                }
+                const CNumber number = CNumber::ofWhole(kept[i]);
+                if constexpr (std::is_same_v<Out, double>) {
+                    to[i] = doubleOfBits(form.exactly(number, CFormat::ofDouble()).Bits);
+                } else {
+                    to[i] = floatOfBits(form.exactly(number, CFormat::ofFloat()).Bits);
+                }
+            }
+        }
+    }
+}
+
+}  // namespace
+
+void CFastForm::convertAll(const double* values, double* results, std::size_t count) const {
+    convertBlocks(*this, values, results, count);
+}
+void CFastForm::convertAll(const double* values, float* results, std::size_t count) const {
+    convertBlocks(*this, values, results, count);
+}
+void CFastForm::convertAll(const float* values, double* results, std::size_t count) const {
+    convertBlocks(*this, values, results, count);
+}
+void CFastForm::convertAll(const float* values, float* results, std::size_t count) const {
+    convertBlocks(*this, values, results, count);
+}
+void CFastForm::convertAll(const std::int16_t* values, double* results, std::size_t count) const {
+    convertBlocks(*this, values, results, count);
+}
+void CFastForm::convertAll(const std::int16_t* values, float* results, std::size_t count) const {
+    convertBlocks(*this, values, results, count);
+}
+void CFastForm::convertAll(const std::int32_t* values, double* results, std::size_t count) const {
+    convertBlocks(*this, values, results, count);
+}
+void CFastForm::convertAll(const std::int32_t* values, float* results, std::size_t count) const {
+    convertBlocks(*this, values, results, count);
+}
+void CFastForm::convertAll(const std::int64_t* values, double* results, std::size_t count) const {
+    convertBlocks(*this, values, results, count);
+}
+void CFastForm::convertAll(const std::int64_t* values, float* results, std::size_t count) const {
+    convertBlocks(*this, values, results, count);
+}
+
+}  // namespace exact
+}  // namespace mensor

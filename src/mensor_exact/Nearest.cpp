@@ -1,0 +1,44 @@
+#include "mensor_exact/Nearest.h"
+
+#include "mensor_exact/TwoWords.h"
+
+namespace mensor {
+namespace exact {
+
+CNearest nearest(const CFormat& format, bool isNegative, std::uint64_t mantissa, bool isWhole,
+                 std::int64_t twos) {
+    const int stored = format.MantissaBits - 1;
+    const std::uint64_t infinity = ((std::uint64_t{1} << format.ExponentBits) - 1) << stored;
+    const std::uint64_t sign = std::uint64_t{isNegative} << (stored + format.ExponentBits);
+
+    std::int64_t drop = bitsOf(mantissa) - format.MantissaBits;
+    if (twos + drop < format.LeastTwos) {
+        drop = format.LeastTwos - twos;
+    }
+    // With 64 bits or more to drop, at most half of the smallest number remains: 64 tells which.
+    if (drop > 64) {
+        return {sign, false};
+    }
+    const std::uint64_t half = std::uint64_t{1} << (drop - 1);
+    const std::uint64_t dropped = mantissa & (half | (half - 1));
+    std::uint64_t kept = drop == 64 ? 0 : mantissa >> drop;
+    if (dropped > half || (dropped == half && (!isWhole || kept % 2 != 0))) {
+        ++kept;
+    }
+
+    // A mantissa that has become a power of two carries into the exponent, the largest one into infinity.
+    std::uint64_t bits = kept;
+    if (kept >> stored != 0) {
+        const std::int64_t exponent = twos + drop - format.LeastTwos;
+        bits = exponent > std::int64_t{1} << format.ExponentBits
+                   ? infinity
+                   : kept + (static_cast<std::uint64_t>(exponent) << stored);
+    }
+    if (bits >= infinity) {
+        return {sign | infinity, false};
+    }
+    return {sign | bits, dropped == 0 && isWhole};
+}
+
+}  // namespace exact
+}  // namespace mensor

@@ -1,0 +1,96 @@
+#include "mensor_exact/ShortLine.h"
+
+#include <cstring>
+
+#include "mensor_exact/TwoWords.h"
+
+namespace mensor {
+namespace exact {
+
+namespace {
+
+/// ±(High·2^64 + Low)·2^Twos
+struct CScaled {
+    bool IsNegative;
+    CTwoWords Magnitude;
+    int Twos;
+};
+
+// Moves the binary point to the place `twos`, not above the present one, if 127 bits are enough then.
+bool lower(CScaled& number, int twos) {
+    const int count = number.Twos - twos;
+    if (count > 127 - bitsOf(number.Magnitude)) {
+        return false;
+    }
+    number.Magnitude = shiftedLeft(number.Magnitude, count);
+    number.Twos = twos;
+    return true;
+}
+
+CScaled sumOf(const CScaled& a, const CScaled& b) {
+    if (a.IsNegative == b.IsNegative) {
+        return {a.IsNegative, a.Magnitude + b.Magnitude, a.Twos};
+    }
+    return a.Magnitude < b.Magnitude ? CScaled{b.IsNegative, b.Magnitude - a.Magnitude, a.Twos}
+                                     : CScaled{a.IsNegative, a.Magnitude - b.Magnitude, a.Twos};
+}
+
+}  // namespace
+
+CNumber CNumber::ofDouble(double value) {
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    const std::uint64_t stored = bits & ((std::uint64_t{1} << 52) - 1);
+    const auto exponent = static_cast<int>(bits >> 52 & 0x7FF);
+    if (exponent == 0) {
+        return {bits >> 63 != 0, stored, -1074};
+    }
+    return {bits >> 63 != 0, stored | std::uint64_t{1} << 52, exponent - 1075};
+}
+
+CNumber CNumber::ofWhole(std::int64_t value) {
+    const auto bits = static_cast<std::uint64_t>(value);
+    return {value < 0, value < 0 ? 0 - bits : bits, 0};
+}
+
+std::optional<CNearest> CShortLine::convert(const CNumber& x, const CFormat& format) const {
+    CScaled sum = {x.IsNegative, product(A, x.Mantissa), x.Twos};
+    if (B != 0) {
+        CScaled offset = {IsMinusB, {0, B}, 0};
+        if (isZero(sum.Magnitude)) {
+            sum = offset;
+        } else {
+            if (!(sum.Twos < 0 ? lower(offset, sum.Twos) : lower(sum, 0))) {
+                return std::nullopt;
+            }
+            sum = sumOf(sum, offset);
+            if (isZero(sum.Magnitude)) {
+                sum.IsNegative = false;
+            }
+        }
+    }
+    if (isZero(sum.Magnitude)) {
+        return CNearest{std::uint64_t{sum.IsNegative} << (format.MantissaBits - 1 + format.ExponentBits),
+                        true};
+    }
+
+    // The highest bit of the divisor is set, and that of the dividend is not, so the quotient fits one word
+    // and has at least 63 bits. A dividend of 128 bits loses its last one first.
+    const int up = 64 - bitsOf(D);
+    const int left = 127 - bitsOf(sum.Magnitude);
+    bool isWhole = true;
+    CTwoWords dividend;
+    if (left >= 0) {
+        dividend = shiftedLeft(sum.Magnitude, left);
+    } else {
+        isWhole = sum.Magnitude.Low % 2 == 0;
+        dividend = {sum.Magnitude.High >> 1, sum.Magnitude.High << 63 | sum.Magnitude.Low >> 1};
+    }
+    std::uint64_t rest = 0;
+    const std::uint64_t mantissa = quotient(dividend, D << up, rest);
+    return nearest(format, sum.IsNegative, mantissa, isWhole && rest == 0,
+                   std::int64_t{sum.Twos} - left + up + Twos);
+}
+
+}  // namespace exact
+}  // namespace mensor
