@@ -2,11 +2,15 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <functional>
+#include <type_traits>
 #include <utility>
 
 #include "mensor_exact/Digits.h"
 #include "mensor_exact/Enclosure.h"
 #include "mensor_exact/Error.h"
+#include "mensor_exact/FastForm.h"
 #include "mensor_exact/Parts.h"
 #include "mensor_exact/Rounding.h"
 
@@ -15,15 +19,9 @@ namespace exact {
 
 namespace {
 
-constexpr std::uint64_t ExponentBits = std::uint64_t{0x7FF} << 52;
-constexpr std::uint64_t QuietBit = std::uint64_t{1} << 51;
-
 // The precision that the bounds of an irrational factor begin with. A random double and 53 bits of its
 // result need about 110; the worst of all doubles about 60 more.
 constexpr int FirstBits = 256;
-
-bool isFinite(std::uint64_t bits) { return (bits & ExponentBits) != ExponentBits; }
-bool isNaN(std::uint64_t bits) { return (bits << 1) > (ExponentBits << 1); }
 
 Whole shifted(const Whole& number, std::int64_t twos) {
     return number << static_cast<unsigned>(twos);
@@ -51,10 +49,14 @@ CSigned signedParts(const CFraction& fraction) {
             parts.Twos};
 }
 
-CRounded rounded(const CSigned& number) {
+CNearest nearest(const CSigned& number, const CFormat& format) {
     return number.Numerator < 0
-               ? roundQuotient(true, -number.Numerator, number.Denominator, number.Twos)
-               : roundQuotient(false, number.Numerator, number.Denominator, number.Twos);
+               ? nearestQuotient(format, true, -number.Numerator, number.Denominator, number.Twos)
+               : nearestQuotient(format, false, number.Numerator, number.Denominator, number.Twos);
+}
+
+double rounded(const CSigned& number) {
+    return doubleOfBits(nearest(number, CFormat::ofDouble()).Bits);
 }
 
 CDigits roundedTo(const CSigned& number, int count) {
@@ -66,9 +68,8 @@ CDigits roundedTo(const CSigned& number, int count) {
     return roundedDigits(parts, count);
 }
 
-bool isSame(const CRounded& a, const CRounded& b) {
-    return bitsOfDouble(a.Value) == bitsOfDouble(b.Value);
-}
+bool isSame(const CNearest& a, const CNearest& b) { return a.Bits == b.Bits; }
+bool isSame(double a, double b) { return bitsOfDouble(a) == bitsOfDouble(b); }
 bool isSame(const CDigits& a, const CDigits& b) { return a == b; }
 
 // Rounds factor·u + offset, which is irrational, by bounds that come nearer until both are rounded to the
@@ -89,6 +90,30 @@ auto roundIrrational(const CFactor& factor, CEnclosure bounds, const CFraction& 
         bits *= 2;
         bounds = enclose(factor, bits);
     }
+}
+
+// The leading bits of numerator/denominator·2^twos; both are positive.
+CLeading leadingOf(const Whole& numerator, const Whole& denominator, std::int64_t twos) {
+    if (bitsOf(numerator) <= 64 && bitsOf(denominator) <= 64) {
+        return CLeading::ofQuotient(static_cast<std::uint64_t>(numerator),
+                                    static_cast<std::uint64_t>(denominator), twos);
+    }
+    // A quotient of 193 or 194 bits.
+    const std::int64_t up = 193 - static_cast<std::int64_t>(bitsOf(numerator)) +
+                            static_cast<std::int64_t>(bitsOf(denominator));
+    Whole quotient;
+    Whole rest;
+    boost::multiprecision::divide_qr(up > 0 ? shifted(numerator, up) : numerator,
+                                     up < 0 ? shifted(denominator, -up) : denominator, quotient,
+                                     rest);
+    const auto extra = static_cast<unsigned>(bitsOf(quotient) - 192);
+    const Whole kept = quotient >> extra;
+    const auto word = [&kept](unsigned twosOfWord) {
+        return static_cast<std::uint64_t>((kept >> twosOfWord) & Whole(~std::uint64_t{0}));
+    };
+    return {{word(128), word(64), word(0)},
+            twos - up + static_cast<std::int64_t>(extra),
+            rest.is_zero() && (kept << extra) == quotient};
 }
 
 [[noreturn]] void throwDifferent(const std::string& from, const std::string& to, const CMeaning& a,
@@ -113,6 +138,24 @@ struct CConversion::CLinear {
         TwosOfB = d.Twos;
     }
 
+    /// The same in one word each, if they are short enough.
+    std::optional<CShortLine> shortLine() const {
+        const std::int64_t twos = B.is_zero() ? TwosOfA : std::min(TwosOfA, TwosOfB);
+        constexpr std::int64_t Most = 64;
+        constexpr std::int64_t MostTwos = 10000;
+        if (TwosOfA - twos > Most || (!B.is_zero() && TwosOfB - twos > Most) || bitsOf(D) > Most ||
+            std::abs(twos) > MostTwos) {
+            return std::nullopt;
+        }
+        const Whole a = shifted(A, TwosOfA - twos);
+        const Whole b = B.is_zero() ? B : shifted(abs(B), TwosOfB - twos);
+        if (bitsOf(a) > Most || bitsOf(b) > Most) {
+            return std::nullopt;
+        }
+        return CShortLine{static_cast<std::uint64_t>(a), static_cast<std::uint64_t>(b),
+                          static_cast<std::uint64_t>(D), static_cast<int>(twos), B < 0};
+    }
+
     Whole A = 0;
     Whole B = 0;
     Whole D = 1;
@@ -121,7 +164,7 @@ struct CConversion::CLinear {
 };
 
 // factor·(x + Shift) + Offset. Where the factor is a fraction, the shift is zero; else one of the two is.
-struct CConversion::CPlan {
+struct CConversion::CPlan : CSlowWay {
     CPlan(const CMeaning& from, const CMeaning& to)
         : From(from), To(to), Factor(CFactor::ratio(from.factor(), to.factor())) {
         if (to.factor().isRational()) {
@@ -136,36 +179,67 @@ struct CConversion::CPlan {
         } else {
             Bounds = enclose(Factor, FirstBits);
         }
+        Fast = fastForm();
+    }
+    CPlan(const CPlan&) = delete;
+    CPlan& operator=(const CPlan&) = delete;
+
+    CFastForm fastForm() const {
+        if (Factor.isRational()) {
+            const auto line = Linear.shortLine();
+            const CLeading factor = leadingOf(Linear.A, Linear.D, Linear.TwosOfA);
+            if (Linear.B.is_zero()) {
+                return CFastForm(factor, line ? &*line : nullptr, this);
+            }
+            const CLeading center =
+                leadingOf(abs(Linear.B), Linear.A, Linear.TwosOfB - Linear.TwosOfA);
+            return CFastForm(factor, center, Linear.B > 0, line ? &*line : nullptr, this);
+        }
+        if (!hasOffset()) {
+            // Bounds whose leading bits are the same enclose nothing but numbers with these.
+            CLeading low = leadingOf(Bounds.Low, 1, Bounds.Twos);
+            const CLeading high = leadingOf(Bounds.High, 1, Bounds.Twos);
+            if (std::equal(low.Word, low.Word + 3, high.Word) && low.Twos == high.Twos) {
+                low.IsWhole = false;
+                return CFastForm(low, nullptr, this);
+            }
+        }
+        return CFastForm(hasOffset(), this);
     }
 
     bool hasOffset() const { return !Shift.isZero() || !Offset.isZero(); }
 
-    // x is finite, and not zero where there is no offset.
-    CRounded convert(double x) const {
-        const CDoubleParts parts(x);
+    CNearest convert(const CNumber& x, const CFormat& format) const override {
         if (Factor.isRational()) {
-            Whole product = Linear.A * parts.Mantissa;
-            if (parts.Negative) {
+            Whole product = Linear.A * x.Mantissa;
+            if (x.IsNegative) {
                 product = -product;
             }
-            const std::int64_t twos = Linear.TwosOfA + parts.Twos;
+            const std::int64_t twos = Linear.TwosOfA + x.Twos;
             if (Linear.B.is_zero()) {
-                return rounded({product, Linear.D, twos});
+                return nearest({product, Linear.D, twos}, format);
             }
             if (product.is_zero()) {
-                return rounded({Linear.B, Linear.D, Linear.TwosOfB});
+                return nearest({Linear.B, Linear.D, Linear.TwosOfB}, format);
             }
             const std::int64_t least = std::min(twos, Linear.TwosOfB);
-            return rounded(
+            return nearest(
                 {shifted(product, twos - least) + shifted(Linear.B, Linear.TwosOfB - least),
-                 Linear.D, least});
+                 Linear.D, least},
+                format);
         }
-        const CFraction u = CFraction::ofDouble(x) + Shift;
+        CSmallFraction small(x.Mantissa);
+        if (x.Mantissa != 0) {
+            small.Twos += x.Twos;
+            small.Negative = x.IsNegative;
+        }
+        const CFraction u = CFraction(small) + Shift;
         if (u.isZero()) {
-            return rounded(signedParts(Offset));
+            return nearest(signedParts(Offset), format);
         }
-        return roundIrrational(Factor, Bounds, u, Offset,
-                               [](const CSigned& number) { return rounded(number); });
+        return roundIrrational(Factor, Bounds, u, Offset, [&format](const CSigned& number) {
+            return nearest(number, format);
+        });
     }
 
     CMeaning From;
@@ -175,6 +249,7 @@ struct CConversion::CPlan {
     CFraction Offset;
     CLinear Linear;
     CEnclosure Bounds;
+    CFastForm Fast{false, this};
 };
 
 CConversion::CConversion(const CMeaning& from, const CMeaning& to) {
@@ -198,21 +273,64 @@ CConversion CConversion::between(std::string_view from, std::string_view to,
     return {a, b};
 }
 
-double CConversion::convert(double x) const {
-    const std::uint64_t bits = bitsOfDouble(x);
-    if (!isFinite(bits)) {
-        return isNaN(bits) ? doubleOfBits(bits | QuietBit) : x;
+double CConversion::convert(double x) const { return m_Plan->Fast.convert(x); }
+
+template <class In, class Out>
+void CConversion::convertArray(const In* values, Out* results, std::size_t count) const {
+    if (count == 0) {
+        return;
     }
-    if (bits << 1 == 0 && !m_Plan->hasOffset()) {
-        return x;  // zero keeps its sign
+    if (values == nullptr || results == nullptr) {
+        throw CError(eError::ARRAYS, "an array is null");
     }
-    return m_Plan->convert(x).Value;
+    const void* const from = values;
+    const void* const to = results;
+    const std::less<const void*> before;
+    if (!(std::is_same_v<In, Out> && from == to) && before(from, results + count) &&
+        before(to, values + count)) {
+        throw CError(eError::ARRAYS, "the arrays overlap");
+    }
+    m_Plan->Fast.convertAll(values, results, count);
+}
+
+void CConversion::convertAll(const double* values, double* results, std::size_t count) const {
+    convertArray(values, results, count);
+}
+void CConversion::convertAll(const double* values, float* results, std::size_t count) const {
+    convertArray(values, results, count);
+}
+void CConversion::convertAll(const float* values, double* results, std::size_t count) const {
+    convertArray(values, results, count);
+}
+void CConversion::convertAll(const float* values, float* results, std::size_t count) const {
+    convertArray(values, results, count);
+}
+void CConversion::convertAll(const std::int16_t* values, double* results, std::size_t count) const {
+    convertArray(values, results, count);
+}
+void CConversion::convertAll(const std::int16_t* values, float* results, std::size_t count) const {
+    convertArray(values, results, count);
+}
+void CConversion::convertAll(const std::int32_t* values, double* results, std::size_t count) const {
+    convertArray(values, results, count);
+}
+void CConversion::convertAll(const std::int32_t* values, float* results, std::size_t count) const {
+    convertArray(values, results, count);
+}
+void CConversion::convertAll(const std::int64_t* values, double* results, std::size_t count) const {
+    convertArray(values, results, count);
+}
+void CConversion::convertAll(const std::int64_t* values, float* results, std::size_t count) const {
+    convertArray(values, results, count);
+}
+
+CConversion CConversion::ofCounts(const CFraction& scale, const CFraction& offset) const {
+    return {from().shifted(offset).scaled(CFactor(scale)), to()};
 }
 
 bool CConversion::isExact(double x) const {
-    const std::uint64_t bits = bitsOfDouble(x);
-    return !isFinite(bits) || (bits << 1 == 0 && !m_Plan->hasOffset()) ||
-           m_Plan->convert(x).IsExact;
+    return !std::isfinite(x) || (x == 0.0 && !m_Plan->hasOffset()) ||
+           m_Plan->Fast.exactly(CNumber::ofDouble(x), CFormat::ofDouble()).IsExact;
 }
 
 std::optional<CFraction> CConversion::convert(const CFraction& x) const {
@@ -249,8 +367,7 @@ std::string CConversion::convertText(std::string_view number, const CDecimalStyl
     const double nearest =
         exact ? exact->toDouble()
               : roundIrrational(m_Plan->Factor, m_Plan->Bounds, x + m_Plan->Shift, m_Plan->Offset,
-                                [](const CSigned& y) { return rounded(y); })
-                    .Value;
+                                [](const CSigned& y) { return rounded(y); });
     if (nearest == 0.0 || !std::isfinite(nearest)) {
         throw CError(eError::NUMBER_RANGE,
                      "the result is beyond the doubles; ask for a number of digits");

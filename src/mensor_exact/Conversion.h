@@ -12,6 +12,8 @@
 #ifndef MENSOR_EXACT_CONVERSION_H
 #define MENSOR_EXACT_CONVERSION_H
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -66,6 +68,34 @@ public:
     /// @throws std::bad_alloc  only where the numbers have more than about 2000 bits.
     double convert(double x) const;
 
+    /// Converts `count` values at once. Each result is rounded once, to the nearest number of its type, ties
+    /// to even. Results that are doubles have the bits that `convert` gives.
+    ///
+    /// `values` and `results` are arrays of the caller that do not overlap. Arrays of one type may be the
+    /// same one.
+    ///
+    ///     const std::int16_t counts[] = {-4000, 0, 21500};
+    ///     double temperatures[3];
+    ///     // Thousandths of °C, in °F: 24.8, 32, 70.7
+    ///     CConversion::between("°C", "°F").ofCounts(CFraction(1, 1000)).convertAll(counts, temperatures, 3);
+    /// @throws CError  ARRAYS: the arrays overlap otherwise, or one is null though `count` is not 0;
+    ///     nothing has been written then.
+    void convertAll(const double* values, double* results, std::size_t count) const;
+    void convertAll(const double* values, float* results, std::size_t count) const;
+    void convertAll(const float* values, double* results, std::size_t count) const;
+    void convertAll(const float* values, float* results, std::size_t count) const;
+    void convertAll(const std::int16_t* values, double* results, std::size_t count) const;
+    void convertAll(const std::int16_t* values, float* results, std::size_t count) const;
+    void convertAll(const std::int32_t* values, double* results, std::size_t count) const;
+    void convertAll(const std::int32_t* values, float* results, std::size_t count) const;
+    void convertAll(const std::int64_t* values, double* results, std::size_t count) const;
+    void convertAll(const std::int64_t* values, float* results, std::size_t count) const;
+
+    /// The conversion of raw counts. A count n means scale·n + offset in the source unit of this one.
+    /// @throws CError  NOT_POSITIVE: the scale; TOO_LARGE; OFFSET_NOT_RATIONAL: the source unit has π or a
+    ///     root, and the offset is not zero.
+    CConversion ofCounts(const CFraction& scale, const CFraction& offset = 0) const;
+
     /// Whether `convert(x)` is exactly the result, not rounded. True of infinities and NaN.
     bool isExact(double x) const;
 
@@ -96,6 +126,9 @@ public:
 private:
     struct CPlan;
     struct CLinear;
+
+    template <class In, class Out>
+    void convertArray(const In* values, Out* results, std::size_t count) const;
 
     std::shared_ptr<const CPlan> m_Plan;
 };

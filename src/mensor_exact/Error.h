@@ -35,6 +35,7 @@ enum class eError {
     DIFFERENT_DIMENSIONS,  ///< a conversion between different kinds of quantities
     NUMBER_RANGE,          ///< a result that must be rounded, and is beyond the doubles
     OPTIONS,               ///< options that contradict each other or are out of range
+    ARRAYS,                ///< arrays that overlap in part, or a null one
 };
 
 /// A refusal.

@@ -15,24 +15,7 @@ namespace {
 
 constexpr std::int64_t Magnitude = 0x7FFFFFFFFFFFFFFF;
 
-std::int64_t bitsOfDouble(double x) {
-    std::int64_t bits = 0;
-    std::memcpy(&bits, &x, sizeof bits);
-    return bits;
-}
-
-double doubleOfBits(std::uint64_t bits) {
-    double x = 0;
-    std::memcpy(&x, &bits, sizeof x);
-    return x;
-}
-
-float floatOfBits(std::uint64_t bits) {
-    const auto word = static_cast<std::uint32_t>(bits);
-    float x = 0;
-    std::memcpy(&x, &word, sizeof x);
-    return x;
-}
+std::int64_t orderedBits(double x) { return static_cast<std::int64_t>(bitsOfDouble(x)); }
 
 // 2^exponent, for a normal number.
 double power(std::int64_t exponent) {
@@ -109,9 +92,9 @@ std::uint64_t oddPartOf(std::uint64_t number) { return number >> __builtin_ctzll
 bool isProved(const CLeading& factor, const CFastForm& form) {
     const double scale = power(exponentOf(factor));
     return form.Tail > 0 && isNeverNearMiddle(53, factor.Word, [&](std::uint64_t n) {
-        const double y = form.Loops->One[PROVED](form, static_cast<double>(n)) / scale;
-        return static_cast<std::uint64_t>(y);
-    });
+               const double y = form.Loops->One[PROVED](form, static_cast<double>(n)) / scale;
+               return static_cast<std::uint64_t>(y);
+           });
 }
 
 }  // namespace
@@ -135,6 +118,13 @@ CLeading CLeading::ofQuotient(std::uint64_t numerator, std::uint64_t denominator
     return result;
 }
 
+CFastForm::CFastForm(bool hasOffset, const CSlowWay* slowWay, const CLoops& loops)
+    : One(loops.One[SLOWLY]),
+      Many(loops.Many[SLOWLY]),
+      HasOffset(hasOffset),
+      SlowWay(slowWay),
+      Loops(&loops) {}
+
 CFastForm::CFastForm(const CLeading& factor, const CShortLine* line, const CSlowWay* slowWay,
                      const CLoops& loops)
     : HasLine(line != nullptr), SlowWay(slowWay), Loops(&loops) {
@@ -153,9 +143,9 @@ CFastForm::CFastForm(const CLeading& factor, const CShortLine* line, const CSlow
         TailLow = remainder.less().rounded(false);
         TailHigh = remainder.more().rounded(true);
         // The result is at least 2^-960 from here, and x can be split.
-        Least = bitsOfDouble(power(std::max<std::int64_t>(-960 - exponent, -1000))) - 1;
+        Least = orderedBits(power(std::max<std::int64_t>(-960 - exponent, -1000))) - 1;
         // Neither splitting x nor the product overflows up to here.
-        Most = bitsOfDouble(power(std::min<std::int64_t>(1000 - exponent, 990)));
+        Most = orderedBits(power(std::min<std::int64_t>(1000 - exponent, 990)));
         const std::uint64_t a = HasLine ? oddPartOf(Line.A) : 0;
         const std::uint64_t d = HasLine ? oddPartOf(Line.D) : 0;
         if (HasLine && a <= mostOddPart(53) && d <= mostOddPart(53)) {
@@ -196,9 +186,9 @@ CFastForm::CFastForm(const CLeading& factor, const CLeading& center, bool isNega
             const auto a = static_cast<double>(Line.A);
             const auto b = static_cast<double>(Line.B);
             const auto d = static_cast<double>(Line.D);
-            Least = bitsOfDouble(b * 0x1p-41);
-            Most = bitsOfDouble(0x1p95 / a);
-            LeastDistance = bitsOfDouble(b / a * d * 0x1p-41);
+            Least = orderedBits(b * 0x1p-41);
+            Most = orderedBits(0x1p95 / a);
+            LeastDistance = orderedBits(b / a * d * 0x1p-41);
             if (std::abs(Line.Twos) <= 900) {
                 Scale = a * power(Line.Twos);
                 Offset = (Line.IsMinusB ? -b : b) * power(Line.Twos);
@@ -222,7 +212,7 @@ CNearest CFastForm::exactly(const CNumber& x, const CFormat& format) const {
 
 double CFastForm::convertSlowly(double x) const {
     if (std::isnan(x)) {
-        return doubleOfBits(static_cast<std::uint64_t>(bitsOfDouble(x)) | std::uint64_t{1} << 51);
+        return doubleOfBits(bitsOfDouble(x) | std::uint64_t{1} << 51);
     }
     if (std::isinf(x) || (x == 0 && !HasOffset)) {
         return x;
@@ -246,9 +236,7 @@ constexpr std::size_t BlockSize = 256;
 // Whole numbers up to here are doubles.
 constexpr std::int64_t MostWholeDouble = std::int64_t{1} << 53;
 
-bool isDouble(std::int64_t value) {
-    return value >= -MostWholeDouble && value <= MostWholeDouble;
-}
+bool isDouble(std::int64_t value) { return value >= -MostWholeDouble && value <= MostWholeDouble; }
 
 template <class Number>
 constexpr double largestOf() {

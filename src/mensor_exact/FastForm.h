@@ -39,7 +39,7 @@ struct CLeading {
 /// The slow way, right for every number.
 class CSlowWay {
 public:
-    /// The result for `x`, rounded once. `x` is not zero.
+    /// The result for `x`, rounded once. `x` is zero only where there is an offset.
     virtual CNearest convert(const CNumber& x, const CFormat& format) const = 0;
 
 protected:
@@ -48,6 +48,9 @@ protected:
 
 /// Made once for a conversion and never changed. Any thread may use it.
 struct CFastForm {
+    /// A conversion of which nothing is known but the slow way.
+    CFastForm(bool hasOffset, const CSlowWay* slowWay, const CLoops& loops = bestLoops());
+
     /// A conversion with the factor `factor` and no offset. `line` is the same conversion if its numbers
     /// are short enough, else null.
     CFastForm(const CLeading& factor, const CShortLine* line, const CSlowWay* slowWay,
@@ -83,10 +86,10 @@ struct CFastForm {
 
     double (*One)(const CFastForm& form, double x) = nullptr;
     double Head = 0;
-    double Tail = 0;       // f − Head, rounded
-    double TailLow = 0;    // not negative
+    double Tail = 0;     // f − Head, rounded
+    double TailLow = 0;  // not negative
     double TailHigh = 0;
-    double HeadHigh = 0;   // Head = HeadHigh + HeadLow, in 26 bits each
+    double HeadHigh = 0;  // Head = HeadHigh + HeadLow, in 26 bits each
     double HeadLow = 0;
     double Center = 0;
     double CenterTail = 0;

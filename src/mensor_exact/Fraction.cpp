@@ -170,11 +170,11 @@ CFraction CFraction::ofDouble(double value) {
     if (!std::isfinite(value)) {
         throw CError(eError::BAD_NUMBER, "an infinity or NaN is no fraction");
     }
-    const CDoubleParts parts(value);
-    CSmallFraction small(parts.Mantissa);
-    if (parts.Mantissa != 0) {
-        small.Twos += parts.Twos;
-        small.Negative = parts.Negative;
+    const CNumber number = CNumber::ofDouble(value);
+    CSmallFraction small(number.Mantissa);
+    if (number.Mantissa != 0) {
+        small.Twos += number.Twos;
+        small.Negative = number.IsNegative;
     }
     return CFraction(small);
 }

@@ -95,8 +95,8 @@ struct COffsetSum {
 #else
         const double slack = form.Slack * __builtin_fabs(difference) + form.SlackCenter;
         const double product = form.Head * difference;
-        const double small = (form.Head * rest + form.Tail * difference) -
-                             addedTo(product, form, difference);
+        const double small =
+            (form.Head * rest + form.Tail * difference) - addedTo(product, form, difference);
         Low = product + (small - slack);
         High = product + (small + slack);
 #endif
@@ -112,9 +112,7 @@ inline std::int64_t rangeOfTies(const CFastForm& form, double x, double distance
 }
 
 // Of two neighbours or equals the one whose last bit is 0.
-inline double evenOf(double low, double high) {
-    return (bitsOfDouble(low) & 1) == 0 ? low : high;
-}
+inline double evenOf(double low, double high) { return (bitsOfDouble(low) & 1) == 0 ? low : high; }
 
 double slowly(const CFastForm& form, double x) { return form.convertSlowly(x); }
 

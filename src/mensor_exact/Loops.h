@@ -35,8 +35,8 @@ struct CLoops {
                        std::size_t count);
 
     /// (scale·n + offset)/divisor for whole numbers n.
-    void (*Divide)(double scale, double offset, double divisor, const double* values, double* results,
-                   std::size_t count);
+    void (*Divide)(double scale, double offset, double divisor, const double* values,
+                   double* results, std::size_t count);
 
     /// Other numbers as doubles; the large ones of 64 bits are rounded.
     void (*WidenFloat)(const float* values, double* results, std::size_t count);

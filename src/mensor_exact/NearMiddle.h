@@ -31,7 +31,8 @@ constexpr bool hasTies(int bits, std::uint64_t numerator, std::uint64_t denomina
 /// to a whole number. `alpha` and `reach` are fractions of 2^128. Gives false as soon as `visit` does, and
 /// if that would take too long.
 template <class Visit>
-bool visitNearWholes(const CTwoWords& alpha, const CTwoWords& reach, std::uint64_t end, Visit visit) {
+bool visitNearWholes(const CTwoWords& alpha, const CTwoWords& reach, std::uint64_t end,
+                     Visit visit) {
     const CTwoWords width = reach + reach;
     // The first numbers whose multiples of alpha are above and below a whole number by less than the width.
     // On the way each sum of two such numbers is the next that comes nearer than all before.
@@ -92,7 +93,8 @@ bool isNeverNearMiddle(int bits, const std::uint64_t (&twice)[3], Compute comput
     const CTwoWords fraction = {twice[0] << 2 | twice[1] >> 62, twice[1] << 2 | twice[2] >> 62};
     const std::uint64_t first = std::uint64_t{1} << (bits - 1);
     // Two places of the larger products, twice, and a little for the bits that are not in `fraction`.
-    const CTwoWords reach = shiftedLeft({0, 1}, 128 - (bits - 5)) + CTwoWords{std::uint64_t{1} << 4, 0};
+    const CTwoWords reach =
+        shiftedLeft({0, 1}, 128 - (bits - 5)) + CTwoWords{std::uint64_t{1} << 4, 0};
     return visitNearWholes(fraction, reach, 2 * first, [&](std::uint64_t n) {
         if (n < first) {
             return true;

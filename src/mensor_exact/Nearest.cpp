@@ -1,9 +1,45 @@
 #include "mensor_exact/Nearest.h"
 
+#include <cstring>
+
 #include "mensor_exact/TwoWords.h"
 
 namespace mensor {
 namespace exact {
+
+std::uint64_t bitsOfDouble(double value) {
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    return bits;
+}
+
+double doubleOfBits(std::uint64_t bits) {
+    double value = 0;
+    std::memcpy(&value, &bits, sizeof value);
+    return value;
+}
+
+float floatOfBits(std::uint64_t bits) {
+    const auto word = static_cast<std::uint32_t>(bits);
+    float value = 0;
+    std::memcpy(&value, &word, sizeof value);
+    return value;
+}
+
+CNumber CNumber::ofDouble(double value) {
+    const std::uint64_t bits = bitsOfDouble(value);
+    const std::uint64_t stored = bits & ((std::uint64_t{1} << 52) - 1);
+    const auto exponent = static_cast<int>(bits >> 52 & 0x7FF);
+    if (exponent == 0) {
+        return {bits >> 63 != 0, stored, -1074};
+    }
+    return {bits >> 63 != 0, stored | std::uint64_t{1} << 52, exponent - 1075};
+}
+
+CNumber CNumber::ofWhole(std::int64_t value) {
+    const auto bits = static_cast<std::uint64_t>(value);
+    return {value < 0, value < 0 ? 0 - bits : bits, 0};
+}
 
 CNearest nearest(const CFormat& format, bool isNegative, std::uint64_t mantissa, bool isWhole,
                  std::int64_t twos) {

@@ -1,5 +1,5 @@
-// Nearest.h: the double or float nearest to a number of which 64 bits are known. For the library's own
-// use; not installed.
+// Nearest.h: doubles as whole numbers, and the double or float nearest to a number of which 64 bits are
+// known. For the library's own use; not installed.
 #ifndef MENSOR_EXACT_NEAREST_H
 #define MENSOR_EXACT_NEAREST_H
 
@@ -8,10 +8,26 @@
 namespace mensor {
 namespace exact {
 
+std::uint64_t bitsOfDouble(double value);
+double doubleOfBits(std::uint64_t bits);
+float floatOfBits(std::uint64_t bits);
+
+/// ±Mantissa·2^Twos
+struct CNumber {
+    bool IsNegative = false;
+    std::uint64_t Mantissa = 0;
+    int Twos = 0;
+
+    /// A finite double, exactly.
+    static CNumber ofDouble(double value);
+
+    static CNumber ofWhole(std::int64_t value);
+};
+
 /// A binary format of IEEE 754.
 struct CFormat {
-    int MantissaBits;   ///< with the one that is not stored
-    int LeastTwos;      ///< exponent of the last place of subnormal numbers
+    int MantissaBits;  ///< with the one that is not stored
+    int LeastTwos;     ///< exponent of the last place of subnormal numbers
     int ExponentBits;
 
     static constexpr CFormat ofDouble() { return {53, -1074, 11}; }

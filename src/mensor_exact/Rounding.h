@@ -5,10 +5,19 @@
 
 #include <cstdint>
 
+#include "mensor_exact/Nearest.h"
 #include "mensor_exact/Whole.h"
 
 namespace mensor {
 namespace exact {
+
+/// ±numerator/denominator·2^twos, rounded once to the nearest number of a format, ties to even. Subnormal
+/// numbers are rounded at their last place, too; beyond the largest number by half a place or more is
+/// infinity. `numerator` is not negative, `denominator` is positive. Zero has the sign that is given.
+///
+/// Computed with whole numbers only: no state of the processor plays a part.
+CNearest nearestQuotient(const CFormat& format, bool negative, const Whole& numerator,
+                         const Whole& denominator, std::int64_t twos);
 
 /// A double, and whether it is exactly the number that was rounded.
 struct CRounded {
@@ -16,25 +25,9 @@ struct CRounded {
     bool IsExact;
 };
 
-/// ±numerator/denominator·2^twos, rounded once to the nearest double, ties to even. Subnormal numbers
-/// are rounded at their last place, too; beyond the largest double by half a place or more is infinity.
-/// `numerator` is not negative, `denominator` is positive. Zero has the sign that is given.
-///
-/// Computed with whole numbers only: no state of the processor plays a part.
+/// The same for doubles.
 CRounded roundQuotient(bool negative, const Whole& numerator, const Whole& denominator,
                        std::int64_t twos);
-
-/// The parts of a finite double: (-1)^Negative·Mantissa·2^Twos.
-struct CDoubleParts {
-    explicit CDoubleParts(double value);
-
-    bool Negative;
-    std::uint64_t Mantissa;
-    int Twos;
-};
-
-std::uint64_t bitsOfDouble(double value);
-double doubleOfBits(std::uint64_t bits);
 
 }  // namespace exact
 }  // namespace mensor

@@ -1,7 +1,5 @@
 #include "mensor_exact/ShortLine.h"
 
-#include <cstring>
-
 #include "mensor_exact/TwoWords.h"
 
 namespace mensor {
@@ -37,22 +35,6 @@ CScaled sumOf(const CScaled& a, const CScaled& b) {
 
 }  // namespace
 
-CNumber CNumber::ofDouble(double value) {
-    std::uint64_t bits = 0;
-    std::memcpy(&bits, &value, sizeof bits);
-    const std::uint64_t stored = bits & ((std::uint64_t{1} << 52) - 1);
-    const auto exponent = static_cast<int>(bits >> 52 & 0x7FF);
-    if (exponent == 0) {
-        return {bits >> 63 != 0, stored, -1074};
-    }
-    return {bits >> 63 != 0, stored | std::uint64_t{1} << 52, exponent - 1075};
-}
-
-CNumber CNumber::ofWhole(std::int64_t value) {
-    const auto bits = static_cast<std::uint64_t>(value);
-    return {value < 0, value < 0 ? 0 - bits : bits, 0};
-}
-
 std::optional<CNearest> CShortLine::convert(const CNumber& x, const CFormat& format) const {
     CScaled sum = {x.IsNegative, product(A, x.Mantissa), x.Twos};
     if (B != 0) {
@@ -70,8 +52,8 @@ std::optional<CNearest> CShortLine::convert(const CNumber& x, const CFormat& for
         }
     }
     if (isZero(sum.Magnitude)) {
-        return CNearest{std::uint64_t{sum.IsNegative} << (format.MantissaBits - 1 + format.ExponentBits),
-                        true};
+        return CNearest{
+            std::uint64_t{sum.IsNegative} << (format.MantissaBits - 1 + format.ExponentBits), true};
     }
 
     // The highest bit of the divisor is set, and that of the dividend is not, so the quotient fits one word

@@ -11,18 +11,6 @@
 namespace mensor {
 namespace exact {
 
-/// A number to convert: ±Mantissa·2^Twos.
-struct CNumber {
-    bool IsNegative = false;
-    std::uint64_t Mantissa = 0;
-    int Twos = 0;
-
-    /// A finite double, exactly.
-    static CNumber ofDouble(double value);
-
-    static CNumber ofWhole(std::int64_t value);
-};
-
 /// y = (A·x ± B)·2^Twos/D with whole numbers that fit into one word each. A and D are not zero.
 ///
 /// Nearly every conversion between units is of this kind. The others have longer numbers or a power of π.

@@ -18,13 +18,9 @@ struct CTwoWords {
 };
 
 /// The bits of `number`; 0 of zero.
-inline int bitsOf(std::uint64_t number) {
-    return number == 0 ? 0 : 64 - __builtin_clzll(number);
-}
+inline int bitsOf(std::uint64_t number) { return number == 0 ? 0 : 64 - __builtin_clzll(number); }
 
-inline int bitsOf(const CTwoWords& a) {
-    return a.High == 0 ? bitsOf(a.Low) : 64 + bitsOf(a.High);
-}
+inline int bitsOf(const CTwoWords& a) { return a.High == 0 ? bitsOf(a.Low) : 64 + bitsOf(a.High); }
 
 inline bool isZero(const CTwoWords& a) { return a.High == 0 && a.Low == 0; }
 

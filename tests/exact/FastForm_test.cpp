@@ -1,0 +1,634 @@
+// FastForm_test.cpp: the fast ways give the bits of the slow way, on every kind of processor, and need it
+// only where they must. The judge is GMP.
+//
+// The environment variable MENSOR_EXACT_CASES is the number of values that are tried, about; without it
+// there is a sample.
+#include "mensor_exact/FastForm.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "exact/WholeLine.h"
+#include "mensor_exact/TwoWords.h"
+
+namespace mensor {
+namespace exact {
+namespace {
+
+long cases() {
+    const char* const wanted = std::getenv("MENSOR_EXACT_CASES");
+    return wanted != nullptr ? std::atol(wanted) : 400000;
+}
+
+// Everyday factors, factors of many bits, and factors at the ends of the doubles.
+const CShortLine Factors[] = {
+    {1, 0, 1, 0, false},
+    {9, 0, 5, 0, false},
+    {9, 0, 5, 1, false},
+    {5, 0, 9, 0, false},
+    {1000, 0, 1, 0, false},
+    {1, 0, 1000, 0, false},
+    {127, 0, 5000, 0, false},
+    {5000, 0, 127, 0, false},
+    {45359237, 0, 100000000, 0, false},
+    {100000000, 0, 45359237, 0, false},
+    {133322387415, 0, 1000000000, 0, false},
+    {1, 0, 3, 0, false},
+    {3, 0, 1, 0, false},
+    {7, 0, 3, -901, false},
+    {7, 0, 3, -700, false},
+    {7, 0, 3, 700, false},
+    {7, 0, 3, 899, false},
+    {7, 0, 3, 1000, false},
+    {7, 0, 3, -1000, false},
+    {1, 0, 1, -1074, false},
+    {1, 0, 1, 1000, false},
+    {(std::uint64_t{1} << 53) + 1, 0, 1, 0, false},
+    {1, 0, (std::uint64_t{1} << 53) + 1, 0, false},
+    {12345678901234567, 0, 98765432109876543, 0, false},
+    {~std::uint64_t{0}, 0, ~std::uint64_t{0} - 2, 0, false},
+};
+
+const CShortLine Lines[] = {
+    {9, 160, 5, 0, false},
+    {5, 160, 9, 0, true},
+    {20, 5463, 20, 0, false},
+    {20, 5463, 20, 0, true},
+    {9, 2297, 5, -1, false},
+    {5, 2298, 9, 1, true},
+    {1, 32, 1, 0, true},
+    {180, 45967, 25, 3, true},
+    {9, 160, 5, 150, false},
+    {9, 160, 5, 300, false},
+    {1, 1, 1, 0, false},
+    {1, 1, 3, 0, true},
+    {1, 1 << 30, 7, 0, true},
+    {1 << 30, 1, 7, 0, false},
+    {1234567890123, 9876543210987, 7777777777, 0, true},
+};
+
+CFastForm formOf(const CShortLine& line, bool isKnown, const CSlowWay& slowWay,
+                 const CLoops& loops) {
+    const CLeading factor = CLeading::ofQuotient(line.A, line.D, line.Twos);
+    const CShortLine* const known = isKnown ? &line : nullptr;
+    return line.B == 0 ? CFastForm(factor, known, &slowWay, loops)
+                       : CFastForm(factor, CLeading::ofQuotient(line.B, line.A, 0), !line.IsMinusB,
+                                   known, &slowWay, loops);
+}
+
+std::string describe(const CShortLine& line, const CFastForm& form) {
+    return std::string(form.Loops->Name) + ", way " + std::to_string(form.Way) + ": (" +
+           std::to_string(line.A) + "x" + (line.IsMinusB ? "-" : "+") + std::to_string(line.B) +
+           ")*2^" + std::to_string(line.Twos) + "/" + std::to_string(line.D);
+}
+
+template <class Work>
+void forAllLoops(const Work& work) {
+    for (const CLoops* const* loops = availableLoops(); *loops != nullptr; ++loops) {
+        work(**loops);
+    }
+}
+
+template <class Work>
+void forAllForms(const Work& work) {
+    forAllLoops([&](const CLoops& loops) {
+        for (const bool isKnown : {true, false}) {
+            for (const CShortLine& line : Factors) {
+                work(line, isKnown, loops);
+            }
+            for (const CShortLine& line : Lines) {
+                work(line, isKnown, loops);
+            }
+        }
+    });
+}
+
+// What a conversion must give: GMP where the number is finite, else what IEEE 754 says.
+double expected(const WholeLine& judge, const CShortLine& line, double x) {
+    if (std::isnan(x)) {
+        return doubleOfBits(bitsOfDouble(x) | std::uint64_t{1} << 51);
+    }
+    if (std::isinf(x) || (x == 0 && line.B == 0)) {
+        return x;
+    }
+    return doubleOfBits(judge.convert(CNumber::ofDouble(x), CFormat::ofDouble()).Bits);
+}
+
+float expectedFloat(const WholeLine& judge, const CShortLine& line, const CNumber& x) {
+    if (x.Mantissa == 0 && line.B == 0) {
+        return x.IsNegative ? -0.0F : 0.0F;
+    }
+    return floatOfBits(judge.convert(x, CFormat::ofFloat()).Bits);
+}
+
+const double Special[] = {0.0,
+                          -0.0,
+                          1.0,
+                          -1.0,
+                          std::numeric_limits<double>::infinity(),
+                          -std::numeric_limits<double>::infinity(),
+                          std::numeric_limits<double>::denorm_min(),
+                          -std::numeric_limits<double>::denorm_min(),
+                          std::numeric_limits<double>::min(),
+                          std::numeric_limits<double>::max(),
+                          -std::numeric_limits<double>::max()};
+
+// A double of one of several kinds.
+class Doubles {
+public:
+    explicit Doubles(const CShortLine& line, const CFastForm& form) : m_Line(line), m_Form(form) {}
+
+    double next(std::mt19937_64& random) const {
+        const double sign = random() % 2 == 0 ? 1 : -1;
+        const auto mantissa = static_cast<double>(random() >> 11);
+        switch (random() % 9) {
+            case 0: return doubleOfBits(random());  // any, also NaN with any payload
+            case 1: return sign * static_cast<double>(random() % 20001);
+            case 2: return sign * static_cast<double>(random() % 20001) / 10;
+            case 3: {  // a multiple of the divisor, which may be a tie
+                const std::uint64_t multiple = (random() >> (11 + random() % 40)) / m_Line.D;
+                return sign *
+                       std::ldexp(static_cast<double>(multiple * m_Line.D), anyPower(random, 100));
+            }
+            case 4: {  // next to where the result is zero
+                const double zero = (m_Line.IsMinusB ? 1 : -1) * static_cast<double>(m_Line.B) /
+                                    static_cast<double>(m_Line.A);
+                const std::uint64_t shift = random() % 64;
+                return doubleOfBits(bitsOfDouble(zero) + (random() >> shift) - (random() >> shift));
+            }
+            case 5: {  // a subnormal result, or one next to infinity
+                const int target = random() % 2 == 0 ? -1076 + static_cast<int>(random() % 120)
+                                                     : 1023 - static_cast<int>(random() % 60);
+                int size = 0;
+                std::frexp(static_cast<double>(m_Line.A) / static_cast<double>(m_Line.D), &size);
+                return sign * std::ldexp(mantissa, target - m_Line.Twos - size - 52);
+            }
+            case 6: return Special[random() % std::size(Special)];
+            case 7: {  // next to the limits of the fast way
+                const std::int64_t limits[] = {m_Form.Least, m_Form.Most};
+                const double limit = doubleOfBits(static_cast<std::uint64_t>(limits[random() % 2]) +
+                                                  random() % 5 - 2);
+                return sign * (random() % 2 == 0 ? limit : limit + mantissa * 0x1p-53 * limit);
+            }
+            default: return sign * std::ldexp(mantissa, anyPower(random, 140) - 53);
+        }
+    }
+
+private:
+    static int anyPower(std::mt19937_64& random, int range) {
+        return static_cast<int>(random() % static_cast<unsigned>(2 * range)) - range;
+    }
+
+    CShortLine m_Line;
+    const CFastForm& m_Form;
+};
+
+TEST(FastForm, GivesTheNearestDoubleOneByOneAndInArrays) {
+    std::mt19937_64 random(1);
+    constexpr std::size_t Count = 300;  // more than a block
+    const long rounds =
+        cases() / 3 / 2 / static_cast<long>(Count * (std::size(Factors) + std::size(Lines))) + 1;
+    forAllForms([&](const CShortLine& line, bool isKnown, const CLoops& loops) {
+        const WholeLine judge(line);
+        const CFastForm form = formOf(line, isKnown, judge, loops);
+        const Doubles doubles(line, form);
+        for (long round = 0; round < rounds; ++round) {
+            std::vector<double> values(Count), results(Count);
+            for (double& value : values) {
+                value = doubles.next(random);
+            }
+            form.convertAll(values.data(), results.data(), Count);
+            for (std::size_t i = 0; i < Count; ++i) {
+                const std::uint64_t right = bitsOfDouble(expected(judge, line, values[i]));
+                ASSERT_EQ(bitsOfDouble(form.convert(values[i])), right)
+                    << describe(line, form) << " of " << std::hexfloat << values[i];
+                ASSERT_EQ(bitsOfDouble(results[i]), right)
+                    << describe(line, form) << " of " << std::hexfloat << values[i]
+                    << " in an array";
+            }
+        }
+    });
+}
+
+// A mistake in one place of a vector must not hide behind others.
+TEST(FastForm, GivesTheNearestDoubleWhereOnlyOneOfManyNeedsTheSlowWay) {
+    forAllForms([&](const CShortLine& line, bool isKnown, const CLoops& loops) {
+        const WholeLine judge(line);
+        const CFastForm form = formOf(line, isKnown, judge, loops);
+        std::mt19937_64 random(2);
+        const Doubles doubles(line, form);
+        for (std::size_t place = 0; place < 20; ++place) {
+            std::vector<double> values(20, 98.6), results(20);
+            values[place] = doubles.next(random);
+            form.convertAll(values.data(), results.data(), values.size());
+            for (std::size_t i = 0; i < values.size(); ++i) {
+                ASSERT_EQ(bitsOfDouble(results[i]), bitsOfDouble(expected(judge, line, values[i])))
+                    << describe(line, form) << " of " << std::hexfloat << values[i];
+            }
+        }
+    });
+}
+
+TEST(FastForm, ConvertsArraysInPlace) {
+    forAllForms([&](const CShortLine& line, bool isKnown, const CLoops& loops) {
+        const WholeLine judge(line);
+        const CFastForm form = formOf(line, isKnown, judge, loops);
+        std::mt19937_64 random(3);
+        const Doubles doubles(line, form);
+        std::vector<double> values(600);
+        for (double& value : values) {
+            value = doubles.next(random);
+        }
+        std::vector<double> apart(values.size());
+        form.convertAll(values.data(), apart.data(), values.size());
+        form.convertAll(values.data(), values.data(), values.size());
+        EXPECT_EQ(std::memcmp(values.data(), apart.data(), sizeof(double) * values.size()), 0)
+            << describe(line, form);
+    });
+}
+
+TEST(FastForm, RoundsToFloatsOnce) {
+    std::mt19937_64 random(4);
+    forAllForms([&](const CShortLine& line, bool isKnown, const CLoops& loops) {
+        const WholeLine judge(line);
+        const CFastForm form = formOf(line, isKnown, judge, loops);
+        const Doubles doubles(line, form);
+        std::vector<double> values;
+        while (values.size() < 300) {
+            double x = doubles.next(random);
+            if (random() % 2 == 0) {
+                // A result next to the middle between two floats, some of them subnormal.
+                const double slope = std::ldexp(
+                    static_cast<double>(line.A) / static_cast<double>(line.D), line.Twos);
+                const double zero = (line.IsMinusB ? 1 : -1) * static_cast<double>(line.B) /
+                                    static_cast<double>(line.A);
+                const double y = std::ldexp(static_cast<double>(random() % (1 << 25) | 1),
+                                            static_cast<int>(random() % 200) - 160);
+                x = y / slope + zero;
+            }
+            if (std::isfinite(x)) {
+                values.push_back(x);
+            }
+        }
+        std::vector<float> results(values.size());
+        form.convertAll(values.data(), results.data(), values.size());
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            const float right = expectedFloat(judge, line, CNumber::ofDouble(values[i]));
+            ASSERT_EQ(WholeLine::bitsOfFloat(results[i]), WholeLine::bitsOfFloat(right))
+                << describe(line, form) << " of " << std::hexfloat << values[i];
+        }
+    });
+}
+
+// Whether all of `values` are converted right, to doubles and to floats.
+template <class Number>
+void expectRight(const CShortLine& line, bool isKnown, const CLoops& loops,
+                 const std::vector<Number>& values) {
+    const WholeLine judge(line);
+    const CFastForm form = formOf(line, isKnown, judge, loops);
+    std::vector<double> results(values.size());
+    std::vector<float> floats(values.size());
+    form.convertAll(values.data(), results.data(), values.size());
+    form.convertAll(values.data(), floats.data(), values.size());
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        CNumber number;
+        if constexpr (std::is_same_v<Number, float>) {
+            number = CNumber::ofDouble(static_cast<double>(values[i]));
+        } else {
+            number = CNumber::ofWhole(values[i]);
+        }
+        double right = number.IsNegative ? -0.0 : 0.0;
+        if (number.Mantissa != 0 || line.B != 0) {
+            right = doubleOfBits(judge.convert(number, CFormat::ofDouble()).Bits);
+        }
+        ASSERT_EQ(bitsOfDouble(results[i]), bitsOfDouble(right))
+            << describe(line, form) << " of " << values[i];
+        ASSERT_EQ(WholeLine::bitsOfFloat(floats[i]),
+                  WholeLine::bitsOfFloat(expectedFloat(judge, line, number)))
+            << describe(line, form) << " of " << values[i] << " to float";
+    }
+}
+
+template <class Number>
+std::vector<Number> wholeNumbers() {
+    std::mt19937_64 random(5);
+    std::vector<Number> values = {0, 1, -1, std::numeric_limits<Number>::max(),
+                                  std::numeric_limits<Number>::min()};
+    while (values.size() < 300) {
+        values.push_back(
+            static_cast<Number>(static_cast<std::int64_t>(random()) >>
+                                (64 - sizeof(Number) * 8 + random() % (sizeof(Number) * 8))));
+    }
+    return values;
+}
+
+TEST(FastForm, ConvertsWholeNumbersOf16Bits) {
+    forAllForms([](const CShortLine& line, bool isKnown, const CLoops& loops) {
+        expectRight(line, isKnown, loops, wholeNumbers<std::int16_t>());
+    });
+}
+
+TEST(FastForm, ConvertsWholeNumbersOf32Bits) {
+    forAllForms([](const CShortLine& line, bool isKnown, const CLoops& loops) {
+        expectRight(line, isKnown, loops, wholeNumbers<std::int32_t>());
+    });
+}
+
+TEST(FastForm, ConvertsWholeNumbersOf64BitsThatAreNoDoubles) {
+    std::vector<std::int64_t> values = wholeNumbers<std::int64_t>();
+    const std::int64_t most = std::int64_t{1} << 53;
+    for (const std::int64_t value : {most - 1, most, most + 1, most + 2, most + 3}) {
+        values.push_back(value);
+        values.push_back(-value);
+    }
+    forAllForms([&](const CShortLine& line, bool isKnown, const CLoops& loops) {
+        expectRight(line, isKnown, loops, values);
+    });
+}
+
+TEST(FastForm, ConvertsFloats) {
+    std::mt19937_64 random(6);
+    std::vector<float> values = {0.0F, -0.0F, 1.0F, std::numeric_limits<float>::denorm_min(),
+                                 std::numeric_limits<float>::max()};
+    while (values.size() < 300) {
+        const float value = floatOfBits(random() & 0xFFFFFFFF);
+        if (std::isfinite(value)) {
+            values.push_back(value);
+        }
+    }
+    forAllForms([&](const CShortLine& line, bool isKnown, const CLoops& loops) {
+        expectRight(line, isKnown, loops, values);
+    });
+}
+
+TEST(FastForm, KeepsNaNAndInfinityInFloats) {
+    const double infinity = std::numeric_limits<double>::infinity();
+    forAllForms([&](const CShortLine& line, bool isKnown, const CLoops& loops) {
+        const WholeLine judge(line);
+        const CFastForm form = formOf(line, isKnown, judge, loops);
+        const double values[] = {std::nan(""), infinity, -infinity};
+        float results[3] = {};
+        form.convertAll(values, results, 3);
+        EXPECT_TRUE(std::isnan(results[0]));
+        EXPECT_EQ(results[1], std::numeric_limits<float>::infinity());
+        EXPECT_EQ(results[2], -std::numeric_limits<float>::infinity());
+    });
+}
+
+eWay wayOf(const CShortLine& line) { return formOf(line, true, WholeLine(line), bestLoops()).Way; }
+
+TEST(FastForm, MultipliesOnceIfTheFactorIsADouble) {
+    EXPECT_EQ(wayOf({1000, 0, 1, 0, false}), MULTIPLY);
+    EXPECT_EQ(wayOf({1, 0, 1, 0, false}), MULTIPLY);
+    EXPECT_EQ(wayOf({1, 0, 1, -970, false}), MULTIPLY);
+    EXPECT_EQ(wayOf({1, 0, 1, -971, false}), SLOWLY);
+    EXPECT_EQ(wayOf({1, 0, 1, 1023, false}), MULTIPLY);
+    EXPECT_EQ(wayOf({1, 0, 1, 1024, false}), SLOWLY);
+}
+
+TEST(FastForm, NeedsNoTestIfOddPartsAreSmall) {
+    EXPECT_EQ(wayOf({5, 0, 9, 0, false}), PROVED);
+    EXPECT_EQ(wayOf({1, 0, 1000, 0, false}), PROVED);
+    EXPECT_EQ(wayOf({127, 0, 5000, 0, false}), PROVED);
+    EXPECT_EQ(wayOf({45359237, 0, 100000000, 0, false}), TIES);
+    EXPECT_EQ(wayOf({9, 0, 5, 0, false}), TIES);
+    EXPECT_EQ(wayOf({18, 0, 5, 0, false}), TIES);
+    const std::uint64_t most = std::uint64_t{1} << 45;
+    EXPECT_EQ(wayOf({3, 0, most - 1, 0, false}), PROVED);
+    EXPECT_EQ(wayOf({most - 1, 0, 3, 0, false}), TIES);
+    EXPECT_EQ(wayOf({most + 1, 0, 7, 0, false}), TESTED);
+}
+
+TEST(FastForm, NeedsNoTestIfNoProductIsNearTheMiddle) {
+    const WholeLine unused({1, 0, 1, 0, false});
+    // π has no number of 53 bits whose product is too near.
+    const CLeading pi = {{0xC90FDAA22168C234, 0xC4C6628B80DC1CD1, 0x29024E088A67CC74}, -190, false};
+    EXPECT_EQ(CFastForm(pi, nullptr, &unused).Way, PROVED);
+    // 1 + 2^-100 makes a tie of nothing, and leaves all odd products next to one.
+    CLeading next = CLeading::ofQuotient(1, 1, 0);
+    next.Word[1] = std::uint64_t{1} << 27;
+    EXPECT_EQ(CFastForm(next, nullptr, &unused).Way, TESTED);
+    // Of factors without a pattern most need none.
+    std::mt19937_64 random(7);
+    int proved = 0;
+    for (int i = 0; i < 200; ++i) {
+        const CLeading factor = {
+            {random() | std::uint64_t{1} << 63, random(), random()}, -190, false};
+        proved += CFastForm(factor, nullptr, &unused).Way == PROVED ? 1 : 0;
+    }
+    EXPECT_GT(proved, 120);
+    EXPECT_LT(proved, 180);
+}
+
+TEST(FastForm, IsSlowWhereTheFactorIsBeyondTheFastWays) {
+    EXPECT_EQ(wayOf({7, 0, 3, 898, false}), TIES);
+    EXPECT_EQ(wayOf({7, 0, 3, 900, false}), SLOWLY);
+    EXPECT_EQ(wayOf({7, 0, 3, -901, false}), TIES);
+    EXPECT_EQ(wayOf({7, 0, 3, -902, false}), SLOWLY);
+    EXPECT_EQ(wayOf({7, 1, 3, 199, false}), OFFSET);
+    EXPECT_EQ(wayOf({7, 1, 3, 200, false}), SLOWLY);
+    EXPECT_EQ(wayOf({7, 1, 3, -201, false}), OFFSET);
+    EXPECT_EQ(wayOf({7, 1, 3, -202, false}), SLOWLY);
+    const WholeLine unused({1, 0, 1, 0, false});
+    const CLeading one = CLeading::ofQuotient(1, 1, 0);
+    for (const int sign : {-1, 1}) {
+        EXPECT_EQ(
+            CFastForm(one, CLeading::ofQuotient(1, 1, sign * 200), false, nullptr, &unused).Way,
+            OFFSET);
+        EXPECT_EQ(
+            CFastForm(one, CLeading::ofQuotient(1, 1, sign * 201), false, nullptr, &unused).Way,
+            SLOWLY);
+    }
+}
+
+mpq_class fractionOf(double x) { return mpq_class(x); }
+
+// The numbers of a form are those that the proofs (tests/proofs) and docs/exact-fast.md speak of.
+TEST(FastForm, EnclosesWhatIsMissingOfTheFactor) {
+    const mpq_class unit = mpq_class(1) / (mpz_class(1) << 100);
+    for (const CShortLine& line : Factors) {
+        const WholeLine judge(line);
+        const CFastForm form = formOf(line, false, judge, bestLoops());
+        if ((form.Way != TESTED && form.Way != PROVED && form.Way != TIES) || line.Twos != 0) {
+            continue;
+        }
+        const mpq_class factor = mpq_class(wholeOf(line.A)) / wholeOf(line.D);
+        const mpq_class rest = factor - fractionOf(form.Head);
+        int exponent = 0;
+        std::frexp(form.Head, &exponent);
+        mpq_class slack = unit;
+        if (exponent > 0) {
+            slack *= mpz_class(1) << static_cast<unsigned>(exponent - 1);
+        } else {
+            slack /= mpz_class(1) << static_cast<unsigned>(1 - exponent);
+        }
+        const auto isBelow = [&](double down, const mpq_class& number, double up) {
+            return fractionOf(down) <= number && number < fractionOf(std::nextafter(up, 1e300));
+        };
+        EXPECT_GE(rest, 0);
+        EXPECT_LT(fractionOf(form.Head) + rest, fractionOf(std::nextafter(form.Head, 1e300)));
+        EXPECT_TRUE(isBelow(form.Tail, rest, form.Tail)) << describe(line, form);
+        const mpq_class low = rest > slack ? mpq_class(rest - slack) : mpq_class(0);
+        EXPECT_TRUE(isBelow(form.TailLow, low, form.TailLow)) << describe(line, form);
+        const mpq_class high = rest + slack;
+        EXPECT_GE(fractionOf(form.TailHigh), high) << describe(line, form);
+        EXPECT_LT(fractionOf(std::nextafter(form.TailHigh, 0)), high) << describe(line, form);
+    }
+}
+
+std::int64_t orderedBits(double x) { return static_cast<std::int64_t>(bitsOfDouble(x)); }
+
+TEST(FastForm, HasTheLimitsOfItsArgument) {
+    const auto limits = [](const CShortLine& line) {
+        return formOf(line, true, WholeLine(line), bestLoops());
+    };
+    const CFastForm usual = limits({9, 0, 5, 0, false});
+    EXPECT_EQ(usual.Least, orderedBits(0x1p-960) - 1);
+    EXPECT_EQ(usual.Most, orderedBits(0x1p990));
+    const CFastForm large = limits({9, 0, 5, 500, false});
+    EXPECT_EQ(large.Least, orderedBits(0x1p-1000) - 1);
+    EXPECT_EQ(large.Most, orderedBits(0x1p500));
+    const CFastForm small = limits({9, 0, 5, -500, false});
+    EXPECT_EQ(small.Least, orderedBits(0x1p-460) - 1);
+    EXPECT_EQ(small.Most, orderedBits(0x1p990));
+
+    const CFastForm line = limits({9, 160, 5, 0, false});
+    EXPECT_EQ(line.Least, orderedBits(160 * 0x1p-41));
+    EXPECT_EQ(line.Most, orderedBits(0x1p95 / 9));
+    EXPECT_EQ(line.LeastDistance, orderedBits(160.0 / 9 * 5 * 0x1p-41));
+    EXPECT_EQ(line.Slack, line.Head * 0x1p-99);
+    EXPECT_EQ(line.SlackCenter, line.Slack * -line.Center);
+    // Both are cut off: 1.8 would be rounded up, and 160/9, too.
+    EXPECT_EQ(line.Head, std::nextafter(1.8, 0));
+    EXPECT_EQ(line.Center, std::nextafter(-160.0 / 9, 0));
+    const mpq_class center = mpq_class(160, 9) + fractionOf(line.Center);
+    EXPECT_GE(center, -fractionOf(line.CenterTail));
+    EXPECT_LT(center, -fractionOf(std::nextafter(line.CenterTail, -1)));
+    EXPECT_EQ(limits({9, 160, 5, 0, true}).Center, -line.Center);
+    EXPECT_EQ(limits({9, 160, 5, 0, true}).CenterTail, -line.CenterTail);
+    EXPECT_EQ(line.MostWhole, (0x1p53 - 1 - 160) / 9);
+
+    // Longer numbers: every disagreement is decided by the slow way.
+    const std::uint64_t most = std::uint64_t{1} << 40;
+    for (const CShortLine& known :
+         {CShortLine{most, 1, 1, 0, false}, CShortLine{1, most, 1, 0, false},
+          CShortLine{1, 1, most, 0, false}}) {
+        EXPECT_NE(limits(known).Most, 0);
+    }
+    for (const CShortLine& longer :
+         {CShortLine{most + 1, 1, 1, 0, false}, CShortLine{1, most + 1, 1, 0, false},
+          CShortLine{1, 1, most + 1, 0, false}}) {
+        EXPECT_EQ(limits(longer).Most, 0);
+        EXPECT_EQ(limits(longer).Least, std::numeric_limits<std::int64_t>::max());
+        EXPECT_EQ(limits(longer).MostWhole, 0);
+    }
+}
+
+TEST(FastForm, SplitsTheFactorIntoHalvesOf26Bits) {
+    for (const CShortLine& line : Factors) {
+        const WholeLine judge(line);
+        const CFastForm form = formOf(line, true, judge, bestLoops());
+        EXPECT_EQ(form.HeadHigh + form.HeadLow, form.Head);
+        if (form.HeadHigh == 0) {
+            continue;
+        }
+        for (const double half : {form.HeadHigh, form.HeadLow}) {
+            int exponent = 0;
+            const double scaled = std::ldexp(std::frexp(half, &exponent), 26);
+            EXPECT_EQ(scaled, std::floor(scaled)) << describe(line, form);
+        }
+    }
+}
+
+// The fast ways decide by themselves, or they would not be fast.
+TEST(FastForm, DecidesUsualValuesZerosAndTiesWithoutTheSlowWay) {
+    forAllLoops([](const CLoops& loops) {
+        for (const CShortLine& line :
+             {CShortLine{9, 0, 5, 0, false}, CShortLine{5, 0, 9, 0, false},
+              CShortLine{18, 0, 5, 0, false}, CShortLine{9, 160, 5, 0, false},
+              CShortLine{5, 160, 9, 0, true}, CShortLine{20, 5463, 20, 0, false},
+              CShortLine{45359237, 0, 100000000, 0, false}}) {
+            // Long numbers would be decided without the slow way, too, so it is told nothing of them.
+            CShortLine hidden = line;
+            const WholeLine judge(line);
+            CFastForm form = formOf(hidden, true, judge, loops);
+            form.HasLine = false;
+            std::vector<double> values;
+            std::mt19937_64 random(8);
+            for (int i = 0; i < 5000; ++i) {
+                values.push_back(std::round((static_cast<double>(random() % 20000) - 10000) * 1.1) /
+                                 10);
+                values.push_back(std::ldexp(static_cast<double>((random() >> 14) * line.D), -44));
+                values.push_back(line.B == 0 ? 0.0 : 1.0);
+            }
+            for (double& value : values) {
+                value =
+                    value == 32 ? 33 : value;  // 32 °F is exactly zero, which the slow way finds
+            }
+            std::vector<double> results(values.size());
+            const long before = WholeLine::Calls;
+            form.convertAll(values.data(), results.data(), values.size());
+            for (const double value : values) {
+                form.convert(value);
+            }
+            EXPECT_EQ(WholeLine::Calls, before) << describe(line, form);
+        }
+    });
+}
+
+TEST(FastForm, AsksTheSlowWayIfShortNumbersAreNotEnough) {
+    const CShortLine line = {9, 160, 5, 0, false};
+    const WholeLine judge(line);
+    const CFastForm form = formOf(line, true, judge, bestLoops());
+    const long before = WholeLine::Calls;
+    form.exactly(CNumber::ofDouble(1.5), CFormat::ofDouble());
+    EXPECT_EQ(WholeLine::Calls, before);
+    form.exactly(CNumber::ofDouble(1e-100), CFormat::ofDouble());
+    EXPECT_EQ(WholeLine::Calls, before + 1);
+}
+
+TEST(FastForm, DividesCountsOnce) {
+    // Thousandths of °C in °F.
+    const CShortLine line = {9, 160000, 5000, 0, false};
+    const WholeLine judge(line);
+    forAllLoops([&](const CLoops& loops) {
+        const CFastForm form = formOf(line, true, judge, loops);
+        EXPECT_GT(form.MostWhole, 0x1p31);
+        const std::int16_t counts[] = {-4000, 0, 21500};
+        double results[3] = {};
+        form.convertAll(counts, results, 3);
+        EXPECT_EQ(results[0], 24.8);
+        EXPECT_EQ(results[1], 32);
+        EXPECT_EQ(results[2], 70.7);
+    });
+}
+
+TEST(FastForm, HasTheWaysOfThisProcessorInTheOrderOfTheirSpeed) {
+    std::string names;
+    for (const CLoops* const* loops = availableLoops(); *loops != nullptr; ++loops) {
+        names += std::string(names.empty() ? "" : ", ") + (*loops)->Name;
+    }
+    const char* const wanted = std::getenv("MENSOR_EXPECTED_LOOPS");
+#if defined(__x86_64__)
+    if (wanted == nullptr) {
+        EXPECT_TRUE(names == "AVX-512, AVX2, plain" || names == "AVX2, plain" || names == "plain")
+            << names;
+    } else {
+        EXPECT_EQ(names, wanted);
+    }
+#else
+    EXPECT_EQ(names, "plain");
+    EXPECT_EQ(wanted, nullptr);
+#endif
+}
+
+}  // namespace
+}  // namespace exact
+}  // namespace mensor

@@ -1,0 +1,217 @@
+// NearMiddle_test.cpp: what is said to need no test needs none. All factors of some bits times all numbers
+// of 8 bits, and small fractions times all numbers of 12 bits, in arithmetic of so many bits.
+#include "mensor_exact/NearMiddle.h"
+
+#include <gtest/gtest.h>
+
+#include <numeric>
+#include <random>
+#include <vector>
+
+#include "mensor_exact/FastForm.h"
+
+namespace mensor {
+namespace exact {
+namespace {
+
+int bitsOfWhole(std::uint64_t number) { return bitsOf(number); }
+
+// The number of `bits` bits nearest to a whole number, ties to even.
+std::uint64_t nearestOf(std::uint64_t number, int bits) {
+    const int drop = bitsOfWhole(number) - bits;
+    if (drop <= 0) {
+        return number;
+    }
+    const std::uint64_t half = std::uint64_t{1} << (drop - 1);
+    const std::uint64_t kept = number >> drop;
+    const std::uint64_t dropped = number - (kept << drop);
+    return (kept + (dropped > half || (dropped == half && kept % 2 != 0) ? 1 : 0)) << drop;
+}
+
+// The highest `bits` bits of a whole number.
+std::uint64_t highest(std::uint64_t number, int bits) {
+    const int drop = bitsOfWhole(number) - bits;
+    return drop <= 0 ? number : number >> drop << drop;
+}
+
+// Head·x + tail·x as the fast way computes it.
+std::uint64_t sumOfProducts(std::uint64_t head, std::uint64_t tail, std::uint64_t x, int bits) {
+    return nearestOf(head * x + nearestOf(tail * x, bits), bits);
+}
+
+TEST(NearMiddle, NeedsNoTestForFactorsOf20BitsOnlyIfAllProductsOf8BitsAreRight) {
+    constexpr int Bits = 8;
+    constexpr int Places = 19;  // of the factor, behind the point
+    int proved = 0, tested = 0, wrong = 0;
+    for (std::uint64_t factor = std::uint64_t{1} << Places; factor < std::uint64_t{2} << Places;
+         ++factor) {
+        const std::uint64_t head = highest(factor, Bits);
+        const std::uint64_t tail = highest(factor - head, Bits);
+        const auto compute = [&](std::uint64_t x) {
+            return sumOfProducts(head, tail, x, Bits) >> Places;
+        };
+        bool isRight = true;
+        for (std::uint64_t x = std::uint64_t{1} << (Bits - 1); x < std::uint64_t{1} << Bits; ++x) {
+            isRight &= compute(x) << Places == nearestOf(factor * x, Bits);
+        }
+        const std::uint64_t words[3] = {factor << (63 - Places), 0, 0};
+        const bool isProved = isNeverNearMiddle(Bits, words, compute);
+        ASSERT_TRUE(isRight || !isProved) << factor;
+        proved += isProved ? 1 : 0;
+        tested += !isProved && isRight ? 1 : 0;
+        wrong += isRight ? 0 : 1;
+    }
+    // Some factors have a wrong product, and few others are not recognised: those with ties.
+    EXPECT_GT(wrong, 0);
+    EXPECT_GT(proved, 10 * tested);
+}
+
+// The same for sums that are deliberately wrong by as much as is allowed: no near product is overlooked.
+TEST(NearMiddle, FindsEveryProductThatTheErrorCouldMove) {
+    constexpr int Bits = 8;
+    constexpr int Places = 19;
+    for (std::uint64_t factor = std::uint64_t{1} << Places; factor < std::uint64_t{2} << Places;
+         factor += 3) {
+        bool isRight = true;
+        const auto compute = [&](std::uint64_t x) {
+            // 2^(3 - Bits) of a place, which is 2 for products of Bits + 1 bits.
+            const std::uint64_t product = factor * x;
+            const int place = bitsOfWhole(product) - Bits;
+            const std::uint64_t error = (std::uint64_t{1} << place >> (Bits - 3)) - 1;
+            const std::uint64_t moved = x % 2 == 0 ? product + error : product - error;
+            return nearestOf(moved, Bits) >> Places;
+        };
+        for (std::uint64_t x = std::uint64_t{1} << (Bits - 1); x < std::uint64_t{1} << Bits; ++x) {
+            isRight &= compute(x) << Places == nearestOf(factor * x, Bits);
+        }
+        const std::uint64_t words[3] = {factor << (63 - Places), 0, 0};
+        ASSERT_TRUE(isRight || !isNeverNearMiddle(Bits, words, compute)) << factor;
+    }
+}
+
+TEST(NearMiddle, VisitsAllNumbersWhoseMultiplesAreNearWholeOnes) {
+    std::mt19937_64 random(1);
+    for (int i = 0; i < 3000; ++i) {
+        CTwoWords alpha = {random(), random()};
+        if (i % 3 == 0) {
+            // A fraction, whose multiples come back to the same places.
+            std::uint64_t rest = 0;
+            const std::uint64_t divisor = random() % 300 + 2;
+            alpha = {quotient({random() % divisor, 0}, divisor, rest), 0};
+        }
+        const CTwoWords reach = {random() >> (random() % 20 + 4), random()};
+        const std::uint64_t end = random() % 200 + 2;
+        std::vector<std::uint64_t> wanted, found;
+        CTwoWords place = reach;
+        for (std::uint64_t n = 1; n < end; ++n) {
+            place = place + alpha;
+            if (place < reach + reach) {
+                wanted.push_back(n);
+            }
+        }
+        const bool isDone = visitNearWholes(alpha, reach, end, [&](std::uint64_t n) {
+            found.push_back(n);
+            return true;
+        });
+        ASSERT_TRUE(isDone);
+        ASSERT_EQ(found, wanted) << alpha.High << " " << reach.High << " " << end;
+    }
+}
+
+TEST(NearMiddle, StopsWhereThereAreTooManyNumbers) {
+    int visited = 0;
+    const auto visit = [&](std::uint64_t) {
+        ++visited;
+        return true;
+    };
+    const CTwoWords half = {std::uint64_t{1} << 63, 0};
+    const CTwoWords small = {1, 0};
+    EXPECT_FALSE(visitNearWholes(half, small, 602, visit));  // 300 even numbers
+    EXPECT_EQ(visited, 300);
+    EXPECT_TRUE(visitNearWholes(half, small, 600, visit));
+    // A step of 2^-64 takes too many sums until it comes near.
+    EXPECT_FALSE(visitNearWholes({1 << 20, 0}, {1, 0}, std::uint64_t{1} << 53, visit));
+    visited = 0;
+    EXPECT_FALSE(visitNearWholes(half, small, 100, [&](std::uint64_t) { return ++visited < 3; }));
+    EXPECT_EQ(visited, 3);
+}
+
+std::uint64_t oddPartOf(std::uint64_t number) { return number >> __builtin_ctzll(number); }
+
+// All fractions of small odd parts: they have ties if hasTies says so; without ties one sum is right, and
+// with ties the even one of the two.
+TEST(NearMiddle, IsRightForAllSmallFractionsTimesAllNumbersOf12Bits) {
+    constexpr int Bits = 12;
+    ASSERT_EQ(mostOddPart(Bits), 16U);
+    int withTies = 0, without = 0;
+    for (std::uint64_t p = 1; p <= 15; p += 2) {
+        for (std::uint64_t q = 1; q <= 15; q += 2) {
+            if (std::gcd(p, q) != 1) {
+                continue;
+            }
+            // The factor from 1 to 2 with these odd parts, and its leading bits.
+            std::uint64_t numerator = p, denominator = q;
+            while (numerator < denominator) {
+                numerator *= 2;
+            }
+            while (numerator >= 2 * denominator) {
+                denominator *= 2;
+            }
+            constexpr int Places = 40;
+            const std::uint64_t factor = (numerator << Places) / denominator;
+            const bool isWhole = factor * denominator == numerator << Places;
+            const std::uint64_t head = highest(factor, Bits);
+            const std::uint64_t rest = factor - head;
+            const std::uint64_t slack = std::uint64_t{1} << (Places - (2 * Bits - 6));
+            const std::uint64_t low = highest(rest > slack ? rest - slack : 0, Bits);
+            const std::uint64_t high =
+                highest(rest + slack, Bits) == rest + slack && isWhole
+                    ? rest + slack
+                    : highest(rest + slack, Bits) +
+                          (std::uint64_t{1} << (bitsOfWhole(rest + slack) - Bits));
+            bool ties = false;
+            for (std::uint64_t x = std::uint64_t{1} << (Bits - 1); x < std::uint64_t{1} << Bits;
+                 ++x) {
+                // The nearest number to x·numerator/denominator, and whether that is in the middle.
+                const std::uint64_t product = x * numerator;
+                const int place = product >= denominator << Bits ? 1 : 0;
+                const std::uint64_t unit = denominator << place;
+                std::uint64_t right = product / unit;
+                const std::uint64_t twice = product % unit * 2;
+                ties = ties || twice == unit;
+                right += twice > unit || (twice == unit && right % 2 != 0) ? 1 : 0;
+                right <<= place;
+
+                const auto sum = [&](std::uint64_t tail) {
+                    return sumOfProducts(head, tail, x, Bits) >> Places;
+                };
+                const std::uint64_t one = sum(low);
+                const std::uint64_t two = sum(high);
+                ASSERT_EQ((one >> place) % 2 == 0 ? one : two, right)
+                    << p << "/" << q << " of " << x;
+                if (!hasTies(Bits, p, q)) {
+                    ASSERT_EQ(sum(highest(rest, Bits)), right) << p << "/" << q << " of " << x;
+                }
+            }
+            ASSERT_EQ(ties, hasTies(Bits, p, q)) << p << "/" << q;
+            ASSERT_EQ(oddPartOf(numerator), p);
+            (ties ? withTies : without) += 1;
+        }
+    }
+    EXPECT_GT(withTies, 10);
+    EXPECT_GT(without, 10);
+}
+
+TEST(NearMiddle, KnowsWhichEverydayFactorsHaveTies) {
+    EXPECT_TRUE(hasTies(53, 9, 5));
+    EXPECT_TRUE(hasTies(53, 3, 1));
+    EXPECT_FALSE(hasTies(53, 5, 9));
+    EXPECT_FALSE(hasTies(53, 1, 3));
+    EXPECT_FALSE(hasTies(53, 1, 1));
+    EXPECT_FALSE(hasTies(53, 127, 625));
+    EXPECT_EQ(mostOddPart(53), std::uint64_t{1} << 45);
+}
+
+}  // namespace
+}  // namespace exact
+}  // namespace mensor
