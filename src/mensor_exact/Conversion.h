@@ -77,7 +77,8 @@ public:
     ///     const std::int16_t counts[] = {-4000, 0, 21500};
     ///     double temperatures[3];
     ///     // Thousandths of °C, in °F: 24.8, 32, 70.7
-    ///     CConversion::between("°C", "°F").ofCounts(CFraction(1, 1000)).convertAll(counts, temperatures, 3);
+    ///     const auto milli = CConversion::between("°C", "°F", catalogue).ofCounts(CFraction(1, 1000));
+    ///     milli.convertAll(counts, temperatures, 3);
     /// @throws CError  ARRAYS: the arrays overlap otherwise, or one is null though `count` is not 0;
     ///     nothing has been written then.
     void convertAll(const double* values, double* results, std::size_t count) const;
