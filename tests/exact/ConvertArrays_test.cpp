@@ -14,7 +14,8 @@ namespace exact {
 namespace {
 
 CConversion between(const char* from, const char* to) {
-    return CConversion::between(from, to, CCatalogue::builtIn().with(ePack::CUSTOMARY));
+    return CConversion::between(from, to,
+                                CCatalogue::builtIn().with(ePack::CUSTOMARY).with(ePack::OFFSETS));
 }
 
 eError codeOf(const CConversion& conversion, const double* values, double* results,

@@ -74,6 +74,8 @@ const CShortLine Lines[] = {
     {1234567890123, 9876543210987, 7777777777, 0, true},
 };
 
+std::int64_t orderedBits(double x) { return static_cast<std::int64_t>(bitsOfDouble(x)); }
+
 CFastForm formOf(const CShortLine& line, bool isKnown, const CSlowWay& slowWay,
                  const CLoops& loops) {
     const CLeading factor = CLeading::ofQuotient(line.A, line.D, line.Twos);
@@ -483,8 +485,6 @@ TEST(FastForm, EnclosesWhatIsMissingOfTheFactor) {
     }
 }
 
-std::int64_t orderedBits(double x) { return static_cast<std::int64_t>(bitsOfDouble(x)); }
-
 TEST(FastForm, HasTheLimitsOfItsArgument) {
     const auto limits = [](const CShortLine& line) {
         return formOf(line, true, WholeLine(line), bestLoops());
@@ -580,6 +580,116 @@ TEST(FastForm, DecidesUsualValuesZerosAndTiesWithoutTheSlowWay) {
             }
             EXPECT_EQ(WholeLine::Calls, before) << describe(line, form);
         }
+    });
+}
+
+// From the least to the greatest value for which the way is proved, all are decided, one by one and in a loop.
+TEST(FastForm, DecidesAtItsLimitsWithoutTheSlowWay) {
+    // The ways with a factor: proved, with ties, and tested.
+    const std::pair<CShortLine, bool> lines[] = {
+        {{5, 0, 9, 0, false}, true}, {{9, 0, 5, 0, false}, true}, {{9, 0, 5, 0, false}, false}};
+    forAllLoops([&](const CLoops& loops) {
+        for (const auto& [line, isKnown] : lines) {
+            const WholeLine judge(line);
+            CFastForm form = formOf(line, isKnown, judge, loops);
+            form.HasLine = false;
+            const double least = doubleOfBits(static_cast<std::uint64_t>(form.Least) + 1);
+            const double most = doubleOfBits(static_cast<std::uint64_t>(form.Most));
+            for (const double x : {least, -least, most, -most}) {
+                double result = 0;
+                const long before = WholeLine::Calls;
+                EXPECT_TRUE(form.Many(form, &x, &result, 1)) << describe(line, form) << " of " << x;
+                EXPECT_EQ(form.convert(x), result);
+                EXPECT_EQ(WholeLine::Calls, before) << describe(line, form) << " of " << x;
+            }
+            for (const double x : {std::nextafter(least, 0), -std::nextafter(least, 0)}) {
+                double result = 0;
+                const long before = WholeLine::Calls;
+                EXPECT_FALSE(form.Many(form, &x, &result, 1))
+                    << describe(line, form) << " of " << x;
+                form.convert(x);
+                EXPECT_EQ(WholeLine::Calls, before + 1) << describe(line, form) << " of " << x;
+            }
+        }
+    });
+}
+
+// With an offset a disagreement is a tie between the limits, and unknown beyond them.
+TEST(FastForm, TakesADisagreementForATieBetweenItsLimitsAlone) {
+    const CShortLine line = {9, 160, 5, 0, false};
+    const WholeLine judge(line);
+    forAllLoops([&](const CLoops& loops) {
+        CFastForm form = formOf(line, true, judge, loops);
+        form.HasLine = false;
+        form.Slack *= 0x1p60;  // so that the limits of every result are different
+        form.SlackCenter *= 0x1p60;
+        const auto isDecided = [&](double x) {
+            double result = 0;
+            const long before = WholeLine::Calls;
+            const bool isRight = form.Many(form, &x, &result, 1);
+            form.convert(x);
+            EXPECT_EQ(isRight, WholeLine::Calls == before) << describe(line, form) << " of " << x;
+            return isRight;
+        };
+        const double least = doubleOfBits(static_cast<std::uint64_t>(form.Least));
+        const double most = doubleOfBits(static_cast<std::uint64_t>(form.Most));
+        for (const double sign : {1, -1}) {
+            EXPECT_TRUE(isDecided(sign * least));
+            EXPECT_FALSE(isDecided(sign * std::nextafter(least, 0)));
+            EXPECT_TRUE(isDecided(sign * most));
+            EXPECT_FALSE(isDecided(sign * std::nextafter(most, 1e300)));
+        }
+        // Distances from the center, as they come from the doubles beside it.
+        form.LeastDistance = orderedBits(0x1p-30);
+        EXPECT_TRUE(isDecided(form.Center + 0x1p-30));
+        EXPECT_TRUE(isDecided(form.Center - 0x1p-30));
+        EXPECT_FALSE(isDecided(form.Center + 0x1p-31));
+        EXPECT_FALSE(isDecided(form.Center - 0x1p-31));
+    });
+}
+
+TEST(FastForm, LeavesNoUsualArrayToTheSingleValues) {
+    forAllLoops([](const CLoops& loops) {
+        for (const CShortLine& line :
+             {CShortLine{9, 0, 5, 0, false}, CShortLine{5, 0, 9, 0, false},
+              CShortLine{1000, 0, 1, 0, false}, CShortLine{9, 160, 5, 0, false}}) {
+            const WholeLine judge(line);
+            const CFastForm form = formOf(line, true, judge, loops);
+            const double values[] = {0.0, -0.0, 98.6, -40.0, 37.5, 5.0, 1e-30, 1e30, -17.5};
+            double results[std::size(values)] = {};
+            EXPECT_TRUE(form.Many(form, values, results, std::size(values)))
+                << describe(line, form);
+            float narrow[std::size(values)] = {};
+            EXPECT_TRUE(loops.Narrow(values, narrow, std::size(values)));
+        }
+        // Tested, where the two sums agree.
+        const CShortLine line = {5, 0, 9, 0, false};
+        const WholeLine judge(line);
+        const CFastForm form = formOf(line, false, judge, loops);
+        ASSERT_EQ(form.Way, TESTED);
+        const double values[] = {0.0, -0.0, 98.6, -40.5, 37.5};
+        double results[5] = {};
+        EXPECT_TRUE(form.Many(form, values, results, 5));
+    });
+}
+
+TEST(FastForm, AsksForAnotherRoundingToFloatOnlyInTheMiddleAndBelowTheNormalOnes) {
+    forAllLoops([](const CLoops& loops) {
+        const auto isSure = [&](double x) {
+            float result = 0;
+            return loops.Narrow(&x, &result, 1);
+        };
+        EXPECT_FALSE(isSure(1 + 0x1p-24));
+        EXPECT_FALSE(isSure(-1 - 0x1p-24));
+        EXPECT_TRUE(isSure(1 + 0x1p-24 + 0x1p-52));
+        EXPECT_TRUE(isSure(1 + 0x1p-24 - 0x1p-52));
+        EXPECT_TRUE(isSure(1 + 0x1p-23));
+        EXPECT_TRUE(isSure(1 + 0x1p-25));
+        EXPECT_TRUE(isSure(0x1p-126));
+        EXPECT_FALSE(isSure(std::nextafter(0x1p-126, 0)));
+        EXPECT_FALSE(isSure(std::numeric_limits<double>::denorm_min()));
+        EXPECT_TRUE(isSure(0.0));
+        EXPECT_TRUE(isSure(-0.0));
     });
 }
 
