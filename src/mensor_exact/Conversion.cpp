@@ -164,7 +164,7 @@ struct CConversion::CLinear {
 };
 
 // factor·(x + Shift) + Offset. Where the factor is a fraction, the shift is zero; else one of the two is.
-struct CConversion::CPlan : CSlowWay {
+struct CConversion::CPlan final : CSlowWay {
     CPlan(const CMeaning& from, const CMeaning& to)
         : From(from), To(to), Factor(CFactor::ratio(from.factor(), to.factor())) {
         if (to.factor().isRational()) {
