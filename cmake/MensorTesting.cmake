@@ -4,7 +4,7 @@
 # mensor_tests_<label> builds what these tests need.
 #   unit         the test programs below
 #   sweep        those of them that take long, since they try the same in very many ways
-#   abi, docs, fuzz, statics, tool, transcript   the tests of a folder
+#   abi, certificates, docs, fuzz, statics, tool, transcript   the tests of a folder
 # Tests without a label run where all tests do.
 
 # Code of tests alone is not optimised, which nearly halves the time of compiling it. The library, the
