@@ -23,6 +23,7 @@
 #include "mensor/UnitFormat.h"
 #include "mensor/ValueWithUnit.h"
 #include "support/ClientUnit.h"
+#include "support/Fork.h"
 #include "support/ManyTexts.h"
 #include "support/Matchers.h"
 #include "support/Threads.h"
@@ -107,6 +108,29 @@ TEST(RememberedTexts, AClientThatHasATableIsHeardThoughItAsksForOthersToo) {
         units["km"] = SI::Second();
         EXPECT_EQ(parsedTwice("km"), SI::Second());
         units["km"] = SI::Kilo(SI::Meter());
+    }
+}
+
+// Asked in processes of their own, since the first that ends remembering ends it for good.
+TEST(RememberedTexts, EachAccessorThatHandsOutATableEndsRemembering) {
+    const std::function<void()> accessors[] = {
+        [] { CUnit::symbols(); },
+        [] { CUnit::instances(); },
+        [] { CUnit::dimensions(); },
+        [] { CUnit::toDimensions(); },
+        [] { CUnitFormat::unitLabelMap(); },
+        [] { CUnitFormat::labelUnitMap(); },
+        [] { CUnitFormat::aliasUnitMap(); },
+    };
+    for (const auto& accessor : accessors) {
+        const ChildEnd end = inChild([&](std::string& text) {
+            text = CUnitFormat::namesVersion() != 0 ? "remembers, then " : "";
+            accessor();
+            text += CUnitFormat::namesVersion() != 0 ? "remembers" : "no more";
+            return 0;
+        });
+        EXPECT_EQ(end.Status, 0);
+        EXPECT_EQ(end.Text, "remembers, then no more") << &accessor - accessors;
     }
 }
 
@@ -203,6 +227,16 @@ TEST(RememberedDimensions, AClientThatChangesTheTablesItselfIsHeard) {
     EXPECT_FALSE(km->isCompatible(SI::Meter()));
     CUnit::dimensions().clear();
     CUnit::toDimensions().clear();
+    EXPECT_EQ(km->convertValueToUnit(1, SI::Meter()), 1000);
+}
+
+TEST(RememberedDimensions, AClientThatTakesAConverterOutOfItsTableIsHeard) {
+    const CUnitPtr km = CUnit::fromString("km");
+    EXPECT_EQ(km->convertValueToUnit(1, SI::Meter()), 1000);
+    ASSERT_NE(CUnitFormat::namesVersion(), 0U) << "nothing is remembered in this process any more";
+    auto entry = CUnit::toDimensions().extract(km);
+    ASSERT_FALSE(entry.empty());
+    entry.mapped() = std::make_shared<CMultiplyConverter>(7);
     EXPECT_EQ(km->convertValueToUnit(1, SI::Meter()), 1000);
 }
 
