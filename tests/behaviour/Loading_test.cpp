@@ -22,6 +22,7 @@
 #include "mensor/mensor_global.h"
 #include "support/Catalogue.h"
 #include "support/Matchers.h"
+#include "support/Thorough.h"
 
 namespace mensor {
 namespace {
@@ -150,13 +151,10 @@ std::map<long, Outcome> loadForEach(const std::string& what, long first, long la
 // An odd number, lest it keep step with the loops over prefixes. MENSOR_STEP in the environment is another
 // one: with 1 it takes a minute.
 long step() {
-#if defined(__arm__) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    constexpr long Usual = 51;
-#else
-    constexpr long Usual = 7;
-#endif
     const char* const requested = std::getenv("MENSOR_STEP");
-    return requested != nullptr ? std::atol(requested) : Usual;
+    return requested != nullptr                  ? std::atol(requested)
+           : test::isThorough() && !test::IsSlow ? 7
+                                                 : 51;
 }
 
 // How many allocations loading takes. The first is the prefix table's; the registry's begin with

@@ -1,5 +1,5 @@
 // LongRunning_test.cpp: what is asked again costs nothing, however often: a million requests leave as many
-// blocks of memory as there were, and register nothing.
+// blocks of memory as there were, and register nothing (support/Thorough.h; else it is ten thousand).
 //
 // The program's operator new counts the blocks, the library's included. Where a million takes too long it
 // is fewer; MENSOR_REQUESTS in the environment says how many.
@@ -19,6 +19,7 @@
 #include "support/Matchers.h"
 #include "support/OperatorNew.h"
 #include "support/Session.h"
+#include "support/Thorough.h"
 
 namespace mensor {
 namespace {
@@ -26,17 +27,19 @@ namespace {
 using test::Request;
 using test::Requests;
 
-#if defined(__arm__)
-constexpr long USUALLY = 20'000;  // under an emulator
-#elif defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr long USUALLY = 50'000;
-#else
-constexpr long USUALLY = 1'000'000;
-#endif
-
 long requestedRequests() {
     const char* const requested = std::getenv("MENSOR_REQUESTS");
-    return requested != nullptr ? std::atol(requested) : USUALLY;
+    if (requested != nullptr) {
+        return std::atol(requested);
+    }
+#if defined(__arm__)
+    constexpr long Most = 20'000;  // under an emulator
+#elif defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    constexpr long Most = 50'000;
+#else
+    constexpr long Most = 1'000'000;
+#endif
+    return test::isThorough() ? Most : 10'000;
 }
 
 // The number of the unit registered last, after one more.

@@ -28,6 +28,7 @@
 #include "support/Matchers.h"
 #include "support/OperatorNew.h"
 #include "support/Session.h"
+#include "support/Thorough.h"
 #include "support/Threads.h"
 
 namespace mensor {
@@ -38,21 +39,14 @@ using test::Requests;
 
 // In processes of their own fail so few of the requests' allocations, in so few of the requests. In one
 // process fail all, or from so many of a request on ever fewer, since it copies a table or searches the
-// names; and the tables are looked at after so few failures. Under an emulator or a sanitizer that takes
-// long.
-#if defined(__arm__) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr long Stride = 13;
-constexpr long RequestStride = 3;
-constexpr long ManyOfARequest = 32;
-constexpr long LookEvery = 32;
-constexpr long WarmUpsTried = 5;
-#else
-constexpr long Stride = 9;
-constexpr long RequestStride = 1;
-constexpr long ManyOfARequest = 1'000'000;
-constexpr long LookEvery = 1;
-constexpr long WarmUpsTried = 40;
-#endif
+// names; and the tables are looked at after so few failures.
+struct Effort {
+    long Stride, RequestStride, ManyOfARequest, LookEvery, WarmUpsTried;
+};
+constexpr Effort All{9, 1, 1'000'000, 1, 40}, Many{13, 3, 32, 32, 5}, Some{29, 9, 8, 128, 5};
+const Effort& effort() {
+    return test::isThorough() ? (test::IsSlow ? Many : All) : (test::IsSlow ? Some : Many);
+}
 
 constexpr long Never = std::numeric_limits<long>::max();
 
@@ -280,10 +274,11 @@ void expectTheSameAnswers(bool alone, bool isWatched) {
         SCOPED_TRACE(request.Name);
         ASSERT_TRUE(isWatched || CUnitFormat::namesVersion() != 0);
         std::string outcome;
-        for (long n = 1;; n += 1 + n / ManyOfARequest) {
+        for (long n = 1;; n += 1 + n / effort().ManyOfARequest) {
             SCOPED_TRACE(n);
             const Attempt now = attempt(request, n, alone ? n : Never);
-            if (isWatched && failures % (alone ? LookEvery : 4 * LookEvery) == 0) {
+            if (isWatched &&
+                failures % (alone ? effort().LookEvery : 4 * effort().LookEvery) == 0) {
                 ASSERT_NO_FATAL_FAILURE(expectSound());
             }
             failures += now.Allocations >= n ? 1 : 0;
@@ -340,7 +335,7 @@ void expectTheSameTables(bool alone, bool isWatched) {
     long requests = 0;
     for (const Request& request : session()) {
         SCOPED_TRACE(request.Name);
-        if (requests++ % RequestStride != 0) {
+        if (requests++ % effort().RequestStride != 0) {
             test::outcomeOf(request);
             continue;
         }
@@ -348,8 +343,9 @@ void expectTheSameTables(bool alone, bool isWatched) {
             const std::string outcome = test::outcomeOf(request);
             return outcome + everythingKnown();
         });
-        for (long n = 1 + requests % Stride; isForgotten(request, n, alone, isWatched, undisturbed);
-             n += Stride + n / 32) {
+        for (long n = 1 + requests % effort().Stride;
+             isForgotten(request, n, alone, isWatched, undisturbed);
+             n += effort().Stride + n / 32) {
             ++failures;
         }
         ASSERT_FALSE(::testing::Test::HasFailure());
@@ -407,8 +403,8 @@ TEST(OutOfMemory, AWarmUpThatReturnsHasWarmedUp) {
     });
     const long count = std::stol(
         inFreshProcess([&] { return std::to_string(attempt(warmUp, Never, Never).Allocations); }));
-    ASSERT_GT(count, WarmUpsTried);
-    for (long n = 1; n <= count; n += count / WarmUpsTried) {
+    ASSERT_GT(count, effort().WarmUpsTried);
+    for (long n = 1; n <= count; n += count / effort().WarmUpsTried) {
         SCOPED_TRACE(n);
         ASSERT_TRUE(isForgotten(warmUp, n, true, false, undisturbed));
         ASSERT_FALSE(::testing::Test::HasFailure());
