@@ -261,8 +261,9 @@ inline double CCompound::run(const Step& step, double x) {
 }
 
 double CCompound::convert(double x) const {
-    // Nearly all chains are one factor or one offset.
-    if (m_StepCount == 1 && m_Steps->Kind != Step::CALL) {
+    // Nearly all chains are one factor or one offset. A chain that has no plan does not count one step.
+    if (m_StepCount == 1 &&
+        m_Steps->Kind != Step::CALL) {  // NOLINT(clang-analyzer-core.NullDereference)
         return run(*m_Steps, x);
     }
     return m_Steps == nullptr ? walk(x) : runPlan(x);
