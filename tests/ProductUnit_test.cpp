@@ -130,6 +130,12 @@ TEST(ProductUnit, OneIsKnownByItsHashButNotByItsSymbol) {
     EXPECT_EQ(CUnit::symbols().count("One"), 0U);
 }
 
+TEST(ProductUnit, OfNothingIsTheDimensionlessUnitThoughAClientHasTakenThatOutOfTheTable) {
+    CUnit::instances().erase(0);
+    EXPECT_EQ(CProductUnit::getQuotientInstance(SI::Meter(), SI::Meter()), CProductUnit::one());
+    EXPECT_EQ(SI::Kelvin() ^ 0, CProductUnit::one());
+}
+
 TEST(ProductUnit, OneIsItsOwnSystemUnitExpansionAndDimension) {
     const CUnitPtr one = CProductUnit::one();
     EXPECT_EQ(one->getSystemUnit(), one);
