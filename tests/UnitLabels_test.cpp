@@ -26,7 +26,8 @@ void expectMirroredLabels() {
     EXPECT_EQ(unitOf.size(), labelOf.size());
     for (const auto& [label, unit] : unitOf) {
         const auto mirrored = labelOf.find(unit);
-        ASSERT_NE(mirrored, labelOf.end()) << "the unit labelled " << toStdString(label) << " has no label";
+        ASSERT_NE(mirrored, labelOf.end())
+            << "the unit labelled " << toStdString(label) << " has no label";
         EXPECT_EQ(text(mirrored->second), text(label));
     }
 }

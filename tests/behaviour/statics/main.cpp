@@ -34,8 +34,10 @@ void require(bool isRight, const char* what) {
 void useEverything() {
     const CUnitPtr speed = CUnit::fromString("km/h");
     require(speed->convertValueToUnit(90, SI::Meter() / SI::Second()) == 25, "conversion");
-    require(CStandardUnitFormat::instance()->format(speed, "") == string_t("km/h"), "standard notation");
-    require(CASCIIUnitFormat::instance()->format(speed, "") == string_t("km h^-1"), "ASCII notation");
+    require(CStandardUnitFormat::instance()->format(speed, "") == string_t("km/h"),
+            "standard notation");
+    require(CASCIIUnitFormat::instance()->format(speed, "") == string_t("km h^-1"),
+            "ASCII notation");
     const CUnitPtr psi = NonSI::Psi();
     require(CUnit::fromString("psi") == psi, "psi");
     require(NonSI::None() != nullptr, "none");
