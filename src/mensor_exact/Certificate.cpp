@@ -4,6 +4,7 @@
 #include <set>
 #include <utility>
 
+#include "mensor_exact/Concatenate.h"
 #include "mensor_exact/Conversion.h"
 #include "mensor_exact/DefinitionReader.h"
 #include "mensor_exact/Parts.h"
@@ -62,8 +63,8 @@ private:
 };
 
 CCertifiedNumber certified(const CFactor& factor, std::string text) {
-    const CWholes wholes = CParts(factor.radicand()).wholes();
-    return {false,         wholes.Numerator.str(),         wholes.Denominator.str(),
+    const CQuotient wholes = CParts(factor.radicand()).wholes();
+    return {false,         wholes.Numerator.toString(),    wholes.Denominator.toString(),
             factor.root(), factor.piExponent().toString(), std::move(text)};
 }
 
@@ -87,54 +88,59 @@ std::string jsonText(std::string_view text) {
     return result + '"';
 }
 
-std::string json(bool value) { return value ? "true" : "false"; }
+std::string_view json(bool value) { return value ? "true" : "false"; }
 
 std::string json(const CCertifiedNumber& number) {
-    return "{\"negative\": " + json(number.IsNegative) +
-           ", \"numerator\": " + jsonText(number.Numerator) +
-           ", \"denominator\": " + jsonText(number.Denominator) +
-           ", \"root\": " + std::to_string(number.Root) + ", \"pi\": " + jsonText(number.Pi) +
-           ", \"text\": " + jsonText(number.Text) + "}";
+    return concatenate({"{\"negative\": ", json(number.IsNegative), ", \"numerator\": \"",
+                        number.Numerator, "\", \"denominator\": \"", number.Denominator,
+                        "\", \"root\": ", std::to_string(number.Root), ", \"pi\": \"", number.Pi,
+                        "\", \"text\": ", jsonText(number.Text), "}"});
 }
 
 std::string json(const CCertifiedDefinition& definition) {
-    return "{\"name\": " + jsonText(definition.Name) +
-           ", \"definition\": " + (definition.Text.empty() ? "null" : jsonText(definition.Text)) +
-           ", \"english\": " + jsonText(definition.English) +
-           ", \"source\": " + jsonText(definition.Source) + "}";
+    return concatenate({"{\"name\": ", jsonText(definition.Name), ", \"definition\": ",
+                        definition.Text.empty() ? "null" : jsonText(definition.Text),
+                        ", \"english\": ", jsonText(definition.English),
+                        ", \"source\": ", jsonText(definition.Source), "}"});
 }
 
 }  // namespace
 
 std::string CCertificate::toText() const {
-    std::string text = "x " + From + " = " + (Factor.Text == "1" ? "x" : Factor.Text + "·x");
+    const bool isScaled = Factor.Text != "1";
+    std::string text =
+        concatenate({"x ", From, " = ", isScaled ? Factor.Text : "", isScaled ? "·x" : "x"});
     if (Offset.Text != "0") {
-        text += Offset.IsNegative ? " - " + Offset.Text.substr(1) : " + " + Offset.Text;
+        const std::string_view offset = Offset.Text;
+        text += concatenate(
+            {Offset.IsNegative ? " - " : " + ", offset.substr(Offset.IsNegative ? 1 : 0)});
     }
-    text += " " + To + "\n";
+    text += concatenate({" ", To, "\n"});
     for (const CCertifiedDefinition& definition : Definitions) {
-        text += "  " + definition.Name + " = " +
-                (definition.Text.empty() ? "base unit" : definition.Text);
-        if (!definition.English.empty()) {
-            text += " (" + definition.English + ")";
-        }
-        text += (definition.Source.empty() ? "" : ": " + definition.Source) + "\n";
+        const bool isNamed = !definition.English.empty();
+        text +=
+            concatenate({"  ", definition.Name, " = ",
+                         definition.Text.empty() ? "base unit" : std::string_view(definition.Text),
+                         isNamed ? " (" : "", definition.English, isNamed ? ")" : "",
+                         definition.Source.empty() ? "" : ": ", definition.Source, "\n"});
     }
     if (!KeepsMarks) {
         text += "  The two differ by radian, steradian or bit, which count as 1.\n";
     }
-    return text + "  " + Rounded + "\n  mensor " + Version + "\n";
+    return concatenate({text, "  ", Rounded, "\n  mensor ", Version, "\n"});
 }
 
 std::string CCertificate::toJson() const {
-    std::string text = "{\"from\": " + jsonText(From) + ", \"to\": " + jsonText(To) +
-                       ", \"units\": " + jsonText(Units) + ", \"keepsMarks\": " + json(KeepsMarks) +
-                       ", \"definitions\": [";
-    for (std::size_t i = 0; i < Definitions.size(); ++i) {
-        text += (i == 0 ? "" : ", ") + json(Definitions[i]);
+    std::string definitions;
+    for (const CCertifiedDefinition& definition : Definitions) {
+        definitions += definitions.empty() ? "" : ", ";
+        definitions += json(definition);
     }
-    return text + "], \"factor\": " + json(Factor) + ", \"offset\": " + json(Offset) +
-           ", \"rounded\": " + jsonText(Rounded) + ", \"version\": " + jsonText(Version) + "}";
+    return concatenate({"{\"from\": ", jsonText(From), ", \"to\": ", jsonText(To),
+                        ", \"units\": ", jsonText(Units), ", \"keepsMarks\": ", json(KeepsMarks),
+                        ", \"definitions\": [", definitions, "], \"factor\": ", json(Factor),
+                        ", \"offset\": ", json(Offset), ", \"rounded\": ", jsonText(Rounded),
+                        ", \"version\": ", jsonText(Version), "}"});
 }
 
 CCertificate certify(std::string_view from, std::string_view to, const CCatalogue& catalogue) {

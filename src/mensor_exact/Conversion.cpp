@@ -7,6 +7,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "mensor_exact/Concatenate.h"
 #include "mensor_exact/Digits.h"
 #include "mensor_exact/Enclosure.h"
 #include "mensor_exact/Error.h"
@@ -23,34 +24,29 @@ namespace {
 // result need about 110; the worst of all doubles about 60 more.
 constexpr int FirstBits = 256;
 
-Whole shifted(const Whole& number, std::int64_t twos) {
-    return number << static_cast<unsigned>(twos);
-}
-
 // numerator/denominator·2^twos, the numerator with its sign.
 struct CSigned {
-    Whole Numerator;
-    Whole Denominator;
+    CWhole Numerator;
+    CWhole Denominator;
     std::int64_t Twos;
 };
 
 // Both fractions over one denominator, added.
 CSigned sum(const CSigned& a, const CSigned& b) {
     const std::int64_t twos = std::min(a.Twos, b.Twos);
-    return {shifted(a.Numerator, a.Twos - twos) * b.Denominator +
-                shifted(b.Numerator, b.Twos - twos) * a.Denominator,
+    return {a.Numerator.shifted(a.Twos - twos) * b.Denominator +
+                b.Numerator.shifted(b.Twos - twos) * a.Denominator,
             a.Denominator * b.Denominator, twos};
 }
 
 CSigned signedParts(const CFraction& fraction) {
     const CParts parts(fraction);
-    const Whole numerator = parts.numeratorWithFives();
-    return {parts.Negative ? Whole(-numerator) : numerator, parts.denominatorWithFives(),
-            parts.Twos};
+    const CWhole numerator = parts.numeratorWithFives();
+    return {parts.Negative ? -numerator : numerator, parts.denominatorWithFives(), parts.Twos};
 }
 
 CNearest nearest(const CSigned& number, const CFormat& format) {
-    return number.Numerator < 0
+    return number.Numerator.isNegative()
                ? nearestQuotient(format, true, -number.Numerator, number.Denominator, number.Twos)
                : nearestQuotient(format, false, number.Numerator, number.Denominator, number.Twos);
 }
@@ -61,8 +57,8 @@ double rounded(const CSigned& number) {
 
 CDigits roundedTo(const CSigned& number, int count) {
     CParts parts;
-    parts.Negative = number.Numerator < 0;
-    parts.Numerator = abs(number.Numerator);
+    parts.Negative = number.Numerator.isNegative();
+    parts.Numerator = number.Numerator.size();
     parts.Denominator = number.Denominator;
     parts.Twos = number.Twos;
     return roundedDigits(parts, count);
@@ -80,7 +76,7 @@ auto roundIrrational(const CFactor& factor, CEnclosure bounds, const CFraction& 
     const CSigned x = signedParts(u);
     const CSigned d = signedParts(offset);
     for (int bits = FirstBits;;) {
-        const auto at = [&](const Whole& bound) {
+        const auto at = [&](const CWhole& bound) {
             return round(sum({bound * x.Numerator, x.Denominator, x.Twos + bounds.Twos}, d));
         };
         const auto one = at(bounds.Low);
@@ -93,33 +89,27 @@ auto roundIrrational(const CFactor& factor, CEnclosure bounds, const CFraction& 
 }
 
 // The leading bits of numerator/denominator·2^twos; both are positive.
-CLeading leadingOf(const Whole& numerator, const Whole& denominator, std::int64_t twos) {
-    if (bitsOf(numerator) <= 64 && bitsOf(denominator) <= 64) {
-        return CLeading::ofQuotient(static_cast<std::uint64_t>(numerator),
-                                    static_cast<std::uint64_t>(denominator), twos);
+CLeading leadingOf(const CWhole& numerator, const CWhole& denominator, std::int64_t twos) {
+    if (numerator.bits() <= 64 && denominator.bits() <= 64) {
+        return CLeading::ofQuotient(numerator.low(), denominator.low(), twos);
     }
     // A quotient of 193 or 194 bits.
-    const std::int64_t up = 193 - static_cast<std::int64_t>(bitsOf(numerator)) +
-                            static_cast<std::int64_t>(bitsOf(denominator));
-    Whole quotient;
-    Whole rest;
-    boost::multiprecision::divide_qr(up > 0 ? shifted(numerator, up) : numerator,
-                                     up < 0 ? shifted(denominator, -up) : denominator, quotient,
-                                     rest);
-    const auto extra = static_cast<unsigned>(bitsOf(quotient) - 192);
-    const Whole kept = quotient >> extra;
-    const auto word = [&kept](unsigned twosOfWord) {
-        return static_cast<std::uint64_t>((kept >> twosOfWord) & Whole(~std::uint64_t{0}));
-    };
-    return {{word(128), word(64), word(0)},
-            twos - up + static_cast<std::int64_t>(extra),
-            rest.is_zero() && (kept << extra) == quotient};
+    const std::int64_t up = 193 - static_cast<std::int64_t>(numerator.bits()) +
+                            static_cast<std::int64_t>(denominator.bits());
+    const CDivision division(up > 0 ? numerator.shifted(up) : numerator,
+                             up < 0 ? denominator.shifted(-up) : denominator);
+    const CWhole& quotient = division.Quotient;
+    const auto extra = static_cast<std::int64_t>(quotient.bits()) - 192;
+    const CWhole kept = quotient.shifted(-extra);
+    return {{kept.shifted(-128).low(), kept.shifted(-64).low(), kept.low()},
+            twos - up + extra,
+            division.Rest.isZero() && kept.shifted(extra) == quotient};
 }
 
-[[noreturn]] void throwDifferent(const std::string& from, const std::string& to, const CMeaning& a,
+[[noreturn]] void throwDifferent(std::string_view from, std::string_view to, const CMeaning& a,
                                  const CMeaning& b) {
-    throw CError(eError::DIFFERENT_DIMENSIONS,
-                 "cannot convert " + from + " to " + to + ": " + a.kind() + " and " + b.kind());
+    throw CError(eError::DIFFERENT_DIMENSIONS, concatenate({"cannot convert ", from, " to ", to,
+                                                            ": ", a.kind(), " and ", b.kind()}));
 }
 
 }  // namespace
@@ -130,7 +120,7 @@ struct CConversion::CLinear {
     CLinear(const CFraction& factor, const CFraction& offset) {
         const CSigned f = signedParts(factor);
         const CSigned d = signedParts(offset);
-        const Whole divisor = gcd(f.Denominator, d.Denominator);
+        const CWhole divisor = gcd(f.Denominator, d.Denominator);
         A = f.Numerator * (d.Denominator / divisor);
         B = d.Numerator * (f.Denominator / divisor);
         D = f.Denominator * (d.Denominator / divisor);
@@ -140,25 +130,24 @@ struct CConversion::CLinear {
 
     /// The same in one word each, if they are short enough.
     std::optional<CShortLine> shortLine() const {
-        const std::int64_t twos = B.is_zero() ? TwosOfA : std::min(TwosOfA, TwosOfB);
+        const std::int64_t twos = B.isZero() ? TwosOfA : std::min(TwosOfA, TwosOfB);
         constexpr std::int64_t Most = 64;
         constexpr std::int64_t MostTwos = 10000;
-        if (TwosOfA - twos > Most || (!B.is_zero() && TwosOfB - twos > Most) || bitsOf(D) > Most ||
+        if (TwosOfA - twos > Most || (!B.isZero() && TwosOfB - twos > Most) || D.bits() > Most ||
             std::abs(twos) > MostTwos) {
             return std::nullopt;
         }
-        const Whole a = shifted(A, TwosOfA - twos);
-        const Whole b = B.is_zero() ? B : shifted(abs(B), TwosOfB - twos);
-        if (bitsOf(a) > Most || bitsOf(b) > Most) {
+        const CWhole a = A.shifted(TwosOfA - twos);
+        const CWhole b = B.isZero() ? B : B.size().shifted(TwosOfB - twos);
+        if (a.bits() > Most || b.bits() > Most) {
             return std::nullopt;
         }
-        return CShortLine{static_cast<std::uint64_t>(a), static_cast<std::uint64_t>(b),
-                          static_cast<std::uint64_t>(D), static_cast<int>(twos), B < 0};
+        return CShortLine{a.low(), b.low(), D.low(), static_cast<int>(twos), B.isNegative()};
     }
 
-    Whole A = 0;
-    Whole B = 0;
-    Whole D = 1;
+    CWhole A = 0;
+    CWhole B = 0;
+    CWhole D = 1;
     std::int64_t TwosOfA = 0;
     std::int64_t TwosOfB = 0;
 };
@@ -188,12 +177,12 @@ struct CConversion::CPlan final : CSlowWay {
         if (Factor.isRational()) {
             const auto line = Linear.shortLine();
             const CLeading factor = leadingOf(Linear.A, Linear.D, Linear.TwosOfA);
-            if (Linear.B.is_zero()) {
+            if (Linear.B.isZero()) {
                 return CFastForm(factor, line ? &*line : nullptr, this);
             }
             const CLeading center =
-                leadingOf(abs(Linear.B), Linear.A, Linear.TwosOfB - Linear.TwosOfA);
-            return CFastForm(factor, center, Linear.B > 0, line ? &*line : nullptr, this);
+                leadingOf(Linear.B.size(), Linear.A, Linear.TwosOfB - Linear.TwosOfA);
+            return CFastForm(factor, center, !Linear.B.isNegative(), line ? &*line : nullptr, this);
         }
         if (!hasOffset()) {
             // Bounds whose leading bits are the same enclose nothing but numbers with these.
@@ -211,21 +200,21 @@ struct CConversion::CPlan final : CSlowWay {
 
     CNearest convert(const CNumber& x, const CFormat& format) const override {
         if (Factor.isRational()) {
-            Whole product = Linear.A * x.Mantissa;
+            CWhole product = Linear.A * x.Mantissa;
             if (x.IsNegative) {
                 product = -product;
             }
             const std::int64_t twos = Linear.TwosOfA + x.Twos;
-            if (Linear.B.is_zero()) {
+            if (Linear.B.isZero()) {
                 return nearest({product, Linear.D, twos}, format);
             }
-            if (product.is_zero()) {
+            if (product.isZero()) {
                 return nearest({Linear.B, Linear.D, Linear.TwosOfB}, format);
             }
             const std::int64_t least = std::min(twos, Linear.TwosOfB);
             return nearest(
-                {shifted(product, twos - least) + shifted(Linear.B, Linear.TwosOfB - least),
-                 Linear.D, least},
+                {product.shifted(twos - least) + Linear.B.shifted(Linear.TwosOfB - least), Linear.D,
+                 least},
                 format);
         }
         CSmallFraction small(x.Mantissa);
@@ -268,7 +257,7 @@ CConversion CConversion::between(std::string_view from, std::string_view to,
     const CMeaning a = catalogue.evaluate(from);
     const CMeaning b = catalogue.evaluate(to);
     if (!a.isCompatibleWith(b)) {
-        throwDifferent(std::string(from), std::string(to), a, b);
+        throwDifferent(from, to, a, b);
     }
     return {a, b};
 }

@@ -1,9 +1,11 @@
 #include "mensor_exact/Definitions.h"
 
-#include <algorithm>
+#include <functional>
+#include <map>
 #include <string>
 #include <utility>
 
+#include "mensor_exact/Concatenate.h"
 #include "mensor_exact/DefinitionReader.h"
 #include "mensor_exact/Error.h"
 #include "mensor_exact/Table.h"
@@ -11,26 +13,21 @@
 namespace mensor {
 namespace exact {
 
-/// A program's definitions, sorted by name.
+/// A program's definitions.
 struct COwnDefinitions {
     struct CEntry {
-        std::string Name;
         std::string Text;
         std::string English;
         std::string Source;
         CMeaning Meaning;
-
-        CDefinition definition() const { return {Name, Text, English, Source, ePack::OWN}; }
     };
 
-    const CEntry* find(std::string_view name) const noexcept {
-        const auto place = std::lower_bound(
-            Entries.begin(), Entries.end(), name,
-            [](const CEntry& entry, std::string_view wanted) { return entry.Name < wanted; });
-        return place != Entries.end() && place->Name == name ? &*place : nullptr;
+    static CDefinition definition(const std::pair<const std::string, CEntry>& named) {
+        const CEntry& entry = named.second;
+        return {named.first, entry.Text, entry.English, entry.Source, ePack::OWN};
     }
 
-    std::vector<CEntry> Entries;
+    std::map<std::string, CEntry, std::less<>> Entries;
 };
 
 namespace {
@@ -39,32 +36,24 @@ constexpr std::uint32_t bitOf(ePack pack) {
     return std::uint32_t{1} << static_cast<unsigned>(pack);
 }
 
-std::string quoted(std::string_view text) {
-    constexpr std::size_t Shown = 60;
-    std::size_t end = std::min(text.size(), Shown);
-    while (end > 0 && end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {
-        --end;  // not within a character
-    }
-    return "\"" + std::string(text.substr(0, end)) + (end < text.size() ? "...\"" : "\"");
-}
-
 [[noreturn]] void throwSyntax(std::string_view text) {
-    throw CError(eError::SYNTAX, quoted(text) + " is no definition");
+    throw CError(eError::SYNTAX, concatenate({quoted(text), " is no definition"}));
 }
 
 [[noreturn]] void throwFault(eTerm fault, std::string_view text) {
     switch (fault) {
         case eTerm::RANGE:
-            throw CError(eError::EXPONENT_RANGE, "an exponent beyond 99 in " + quoted(text));
+            throw CError(eError::EXPONENT_RANGE,
+                         concatenate({"an exponent beyond 99 in ", quoted(text)}));
         case eTerm::ZERO_ROOT:
             throw CError(eError::DIVISION_BY_ZERO,
-                         "an exponent with the denominator zero in " + quoted(text));
+                         concatenate({"an exponent with the denominator zero in ", quoted(text)}));
         default: throwSyntax(text);
     }
 }
 
 [[noreturn]] void throwTaken(std::string_view name) {
-    throw CError(eError::NAME_TAKEN, "the catalogue has " + quoted(name) + " already");
+    throw CError(eError::NAME_TAKEN, concatenate({"the catalogue has ", quoted(name), " already"}));
 }
 
 CFraction offsetOf(std::string_view text) {
@@ -112,8 +101,9 @@ private:
 
     void requireNoOffset() const {
         if (m_HasNumber && !m_Meaning.offset().isZero()) {
-            throw CError(eError::OFFSET_IN_PRODUCT,
-                         "a unit with an offset, " + m_Meaning.toString() + ", in a product");
+            throw CError(
+                eError::OFFSET_IN_PRODUCT,
+                concatenate({"a unit with an offset, ", m_Meaning.toString(), ", in a product"}));
         }
     }
 
@@ -131,7 +121,8 @@ CMeaning evaluateBy(std::string_view text, const Resolve& resolve) {
         switch (term.Kind) {
             case eTerm::NUMBER:
                 if (term.Numerator < 0 && CFraction::ofText(term.Text).isZero()) {
-                    throw CError(eError::DIVISION_BY_ZERO, "a division by zero in " + quoted(text));
+                    throw CError(eError::DIVISION_BY_ZERO,
+                                 concatenate({"a division by zero in ", quoted(text)}));
                 }
                 product.multiplyBy(term);
                 break;
@@ -156,32 +147,23 @@ public:
     COwnDefinitions add(const std::vector<CDefinition>& definitions) {
         for (const CDefinition& definition : definitions) {
             if (!isName(definition.Name)) {
-                throw CError(eError::SYNTAX, quoted(definition.Name) + " cannot be a name");
+                throw CError(eError::SYNTAX,
+                             concatenate({quoted(definition.Name), " cannot be a name"}));
             }
-            if (m_Catalogue.find(definition.Name)) {
+            if (m_Catalogue.find(definition.Name) ||
+                !m_Rows.emplace(definition.Name, CRow{definition, {}, eState::NEW}).second) {
                 throwTaken(definition.Name);
             }
-            m_Rows.push_back({definition, {}, eState::NEW});
         }
-        std::sort(m_Rows.begin(), m_Rows.end(), [](const CRow& a, const CRow& b) {
-            return a.Definition.Name < b.Definition.Name;
-        });
-        for (std::size_t i = 1; i < m_Rows.size(); ++i) {
-            if (m_Rows[i].Definition.Name == m_Rows[i - 1].Definition.Name) {
-                throwTaken(m_Rows[i].Definition.Name);
-            }
-        }
-        for (CRow& row : m_Rows) {
+        for (auto& [name, row] : m_Rows) {
             resolve(row);
         }
-        for (CRow& row : m_Rows) {
+        for (auto& [name, row] : m_Rows) {
             const CDefinition& own = row.Definition;
-            m_Result.Entries.push_back({std::string(own.Name), std::string(own.Text),
-                                        std::string(own.English), std::string(own.Source),
-                                        std::move(row.Meaning)});
+            m_Result.Entries.emplace(
+                name, COwnDefinitions::CEntry{std::string(own.Text), std::string(own.English),
+                                              std::string(own.Source), std::move(row.Meaning)});
         }
-        std::sort(m_Result.Entries.begin(), m_Result.Entries.end(),
-                  [](const auto& a, const auto& b) { return a.Name < b.Name; });
         return std::move(m_Result);
     }
 
@@ -195,10 +177,8 @@ private:
     };
 
     CRow* find(std::string_view name) {
-        const auto place = std::lower_bound(
-            m_Rows.begin(), m_Rows.end(), name,
-            [](const CRow& row, std::string_view wanted) { return row.Definition.Name < wanted; });
-        return place != m_Rows.end() && place->Definition.Name == name ? &*place : nullptr;
+        const auto place = m_Rows.find(name);
+        return place != m_Rows.end() ? &place->second : nullptr;
     }
 
     // Computes a row behind all that it needs. Not recursive: definitions may be long chains.
@@ -231,8 +211,9 @@ private:
                 continue;
             }
             if (needed->State == eState::WAITING) {
-                throw CError(eError::CYCLE, "the definition of " + quoted(needed->Definition.Name) +
-                                                " leads back to itself");
+                throw CError(eError::CYCLE,
+                             concatenate({"the definition of ", quoted(needed->Definition.Name),
+                                          " leads back to itself"}));
             }
             waiting.push_back(needed);
         }
@@ -256,7 +237,7 @@ private:
     }
 
     const CCatalogue& m_Catalogue;
-    std::vector<CRow> m_Rows;
+    std::map<std::string_view, CRow> m_Rows;
     COwnDefinitions m_Result;
 };
 
@@ -294,8 +275,13 @@ std::optional<CDefinition> CCatalogue::find(std::string_view name) const noexcep
     if (row != CTable::None) {
         return CTable::definition(row);
     }
-    const COwnDefinitions::CEntry* const own = m_Own != nullptr ? m_Own->find(name) : nullptr;
-    return own != nullptr ? std::optional<CDefinition>(own->definition()) : std::nullopt;
+    if (m_Own != nullptr) {
+        const auto own = m_Own->Entries.find(name);
+        if (own != m_Own->Entries.end()) {
+            return COwnDefinitions::definition(*own);
+        }
+    }
+    return std::nullopt;
 }
 
 std::optional<CMeaning> CCatalogue::meaning(std::string_view name) const {
@@ -303,15 +289,21 @@ std::optional<CMeaning> CCatalogue::meaning(std::string_view name) const {
     if (row != CTable::None) {
         return CTable::meaning(row);
     }
-    const COwnDefinitions::CEntry* const own = m_Own != nullptr ? m_Own->find(name) : nullptr;
-    return own != nullptr ? std::optional<CMeaning>(own->Meaning) : std::nullopt;
+    if (m_Own != nullptr) {
+        const auto own = m_Own->Entries.find(name);
+        if (own != m_Own->Entries.end()) {
+            return own->second.Meaning;
+        }
+    }
+    return std::nullopt;
 }
 
 CMeaning CCatalogue::evaluate(std::string_view definition) const {
     return evaluateBy(definition, [this](std::string_view name) {
         std::optional<CMeaning> result = meaning(name);
         if (!result) {
-            throw CError(eError::UNKNOWN_NAME, "no unit has the name " + quoted(name));
+            throw CError(eError::UNKNOWN_NAME,
+                         concatenate({"no unit has the name ", quoted(name)}));
         }
         return *std::move(result);
     });
@@ -326,8 +318,8 @@ std::vector<CDefinition> CCatalogue::definitions() const {
         }
     }
     if (m_Own != nullptr) {
-        for (const COwnDefinitions::CEntry& own : m_Own->Entries) {
-            result.push_back(own.definition());
+        for (const auto& own : m_Own->Entries) {
+            result.push_back(COwnDefinitions::definition(own));
         }
     }
     return result;

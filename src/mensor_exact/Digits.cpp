@@ -50,14 +50,14 @@ std::int64_t readTens(std::string_view text, std::size_t at) {
 }
 
 // The powers of ten at or below the number.
-std::int64_t pointOf(const Whole& numerator, const Whole& denominator) {
+std::int64_t pointOf(const CWhole& numerator, const CWhole& denominator) {
     // From bits, which gives it or one less: log10(2) = 0.30102999...
-    const std::int64_t bits = static_cast<std::int64_t>(bitsOf(numerator)) -
-                              static_cast<std::int64_t>(bitsOf(denominator)) - 1;
+    const std::int64_t bits = static_cast<std::int64_t>(numerator.bits()) -
+                              static_cast<std::int64_t>(denominator.bits()) - 1;
     const std::int64_t scaled = bits * 30103;
     std::int64_t tens = scaled / 100000 - (scaled % 100000 < 0 ? 1 : 0) - 1;
-    while (tens + 1 >= 0 ? numerator >= denominator * powerOf(10, tens + 1)
-                         : numerator * powerOf(10, -(tens + 1)) >= denominator) {
+    while (tens + 1 >= 0 ? numerator >= denominator * CWhole(10).power(tens + 1)
+                         : numerator * CWhole(10).power(-(tens + 1)) >= denominator) {
         ++tens;
     }
     return tens;
@@ -67,10 +67,10 @@ std::int64_t pointOf(const Whole& numerator, const Whole& denominator) {
 
 std::optional<CDigits> wholeDigits(const CParts& parts, std::size_t most) {
     CDigits result;
-    if (parts.Numerator.is_zero()) {
+    if (parts.Numerator.isZero()) {
         return result;
     }
-    if (parts.Denominator != 1) {
+    if (!parts.Denominator.isOne()) {
         return std::nullopt;
     }
     // n·2^a·5^b is n·2^(a-b)·10^b or n·5^(b-a)·10^a.
@@ -80,14 +80,13 @@ std::optional<CDigits> wholeDigits(const CParts& parts, std::size_t most) {
     if (difference > mostBits || -difference > mostBits) {
         return std::nullopt;
     }
-    const Whole number = difference >= 0
-                             ? Whole(parts.Numerator << static_cast<unsigned>(difference))
-                             : Whole(parts.Numerator * powerOf(5, -difference));
-    if (static_cast<std::int64_t>(bitsOf(number)) > mostBits) {
+    const CWhole number = difference >= 0 ? parts.Numerator.shifted(difference)
+                                          : parts.Numerator * CWhole(5).power(-difference);
+    if (static_cast<std::int64_t>(number.bits()) > mostBits) {
         return std::nullopt;
     }
     result.Negative = parts.Negative;
-    result.Digits = number.str();
+    result.Digits = number.toString();
     if (result.Digits.size() > most) {
         return std::nullopt;
     }
@@ -120,22 +119,21 @@ CDigits shortestDigits(double value) {
 
 CDigits roundedDigits(const CParts& parts, int count) {
     CDigits result;
-    if (parts.Numerator.is_zero()) {
+    if (parts.Numerator.isZero()) {
         return result;
     }
     auto [numerator, denominator] = parts.wholes();
     const std::int64_t point = pointOf(numerator, denominator) + 1;
     const std::int64_t tens = count - point;
-    (tens < 0 ? denominator : numerator) *= powerOf(10, tens < 0 ? -tens : tens);
-    Whole quotient;
-    Whole rest;
-    boost::multiprecision::divide_qr(numerator, denominator, quotient, rest);
-    const Whole twice = rest * 2;
-    if (twice > denominator || (twice == denominator && bit_test(quotient, 0))) {
-        ++quotient;
+    (tens < 0 ? denominator : numerator) *= CWhole(10).power(tens < 0 ? -tens : tens);
+    CDivision division(numerator, denominator);
+    CWhole& quotient = division.Quotient;
+    const CWhole twice = division.Rest * 2;
+    if (twice > denominator || (twice == denominator && quotient.isOdd())) {
+        quotient += 1;
     }
     result.Negative = parts.Negative;
-    result.Digits = quotient.str();
+    result.Digits = quotient.toString();
     result.Point = point + (static_cast<std::int64_t>(result.Digits.size()) - count);
     trim(result.Digits);
     return result;
@@ -235,7 +233,7 @@ CParts readDecimal(std::string_view text) {
         parts.Fives = small.Fives + tens;
         return parts;
     }
-    parts.Numerator = Whole(digits);
+    parts.Numerator = CWhole::ofDigits(digits);
     parts.Twos = parts.Fives = tens;
     parts.normalize();
     return parts;

@@ -7,18 +7,13 @@ namespace exact {
 
 namespace {
 
-Whole shifted(const Whole& number, std::int64_t twos) {
-    return twos >= 0 ? Whole(number << static_cast<unsigned>(twos))
-                     : Whole(number >> static_cast<unsigned>(-twos));
-}
-
 // The same bounds or ones a little further apart, with about `bits` bits.
 CEnclosure shortened(const CEnclosure& x, int bits) {
-    const std::int64_t drop = static_cast<std::int64_t>(bitsOf(x.High)) - bits;
+    const std::int64_t drop = static_cast<std::int64_t>(x.High.bits()) - bits;
     if (drop <= 0) {
         return x;
     }
-    return {shifted(x.Low, -drop), shifted(x.High, -drop) + 1, x.Twos + drop};
+    return {x.Low.shifted(-drop), x.High.shifted(-drop) + 1, x.Twos + drop};
 }
 
 CEnclosure product(const CEnclosure& a, const CEnclosure& b, int bits) {
@@ -26,8 +21,8 @@ CEnclosure product(const CEnclosure& a, const CEnclosure& b, int bits) {
 }
 
 CEnclosure inverse(const CEnclosure& x, int bits) {
-    const auto twos = static_cast<std::int64_t>(bitsOf(x.High)) + bits;
-    const Whole one = shifted(1, twos);
+    const auto twos = static_cast<std::int64_t>(x.High.bits()) + bits;
+    const CWhole one = CWhole(1).shifted(twos);
     return {one / x.High, one / x.Low + 1, -twos - x.Twos};
 }
 
@@ -51,24 +46,24 @@ CEnclosure root(const CEnclosure& x, int order, int bits) {
     }
     // Enough bits for a root of `bits`, and a power of two that has a root.
     std::int64_t twos =
-        static_cast<std::int64_t>(order) * bits - static_cast<std::int64_t>(bitsOf(x.Low));
+        static_cast<std::int64_t>(order) * bits - static_cast<std::int64_t>(x.Low.bits());
     twos = twos < 0 ? 0 : twos;
     while ((x.Twos - twos) % order != 0) {
         ++twos;
     }
-    return {rootOf(shifted(x.Low, twos), order), rootOf(shifted(x.High, twos), order) + 1,
+    return {rootOf(x.Low.shifted(twos), order), rootOf(x.High.shifted(twos), order) + 1,
             (x.Twos - twos) / order};
 }
 
 // arctan(1/n)·2^bits, below it by at most the number of its terms.
-Whole arctanOfInverse(int n, int bits, int& terms) {
+CWhole arctanOfInverse(int n, int bits, int& terms) {
     const int square = n * n;
-    Whole power = shifted(1, bits) / n;
-    Whole sum = 0;
+    CWhole power = CWhole(1).shifted(bits) / n;
+    CWhole sum = 0;
     terms = 0;
-    for (int k = 1; !power.is_zero(); k += 2) {
-        const Whole term = power / k;
-        sum += k % 4 == 1 ? term : Whole(-term);
+    for (int k = 1; !power.isZero(); k += 2) {
+        const CWhole term = power / k;
+        k % 4 == 1 ? sum += term : sum -= term;
         power /= square;
         ++terms;
     }
@@ -80,37 +75,36 @@ Whole arctanOfInverse(int n, int bits, int& terms) {
 CEnclosure pi(int bits) {
     int terms = 0;
     int moreTerms = 0;
-    const Whole fives = arctanOfInverse(5, bits, terms);
-    const Whole others = arctanOfInverse(239, bits, moreTerms);
-    const Whole middle = fives * 16 - others * 4;
-    const Whole error = 16 * (2 * terms + 1) + 4 * (2 * moreTerms + 1);
+    const CWhole fives = arctanOfInverse(5, bits, terms);
+    const CWhole others = arctanOfInverse(239, bits, moreTerms);
+    const CWhole middle = fives * 16 - others * 4;
+    const CWhole error = 16 * (2 * terms + 1) + 4 * (2 * moreTerms + 1);
     return {middle - error, middle + error, -bits};
 }
 
 CEnclosure fraction(const CFraction& value, int bits) {
     const CParts parts(value);
-    const Whole numerator = parts.numeratorWithFives();
-    const Whole denominator = parts.denominatorWithFives();
-    std::int64_t twos = bits + static_cast<std::int64_t>(bitsOf(denominator)) -
-                        static_cast<std::int64_t>(bitsOf(numerator));
+    const CWhole numerator = parts.numeratorWithFives();
+    const CWhole denominator = parts.denominatorWithFives();
+    std::int64_t twos = bits + static_cast<std::int64_t>(denominator.bits()) -
+                        static_cast<std::int64_t>(numerator.bits());
     twos = twos < 0 ? 0 : twos;
-    Whole quotient;
-    Whole rest;
-    boost::multiprecision::divide_qr(shifted(numerator, twos), denominator, quotient, rest);
-    return {quotient, rest.is_zero() ? quotient : Whole(quotient + 1), parts.Twos - twos};
+    const CDivision division(numerator.shifted(twos), denominator);
+    const CWhole& quotient = division.Quotient;
+    return {quotient, division.Rest.isZero() ? quotient : quotient + 1, parts.Twos - twos};
 }
 
 }  // namespace
 
-Whole rootOf(const Whole& number, int order) {
+CWhole rootOf(const CWhole& number, int order) {
     if (order == 1) {
         return number;
     }
     // Newton's method from above, which falls until it is there.
-    const auto bits = static_cast<unsigned>(bitsOf(number));
-    Whole x = Whole(1) << ((bits - 1) / static_cast<unsigned>(order) + 1);
+    const auto bits = static_cast<std::int64_t>(number.bits());
+    CWhole x = CWhole(1).shifted((bits - 1) / order + 1);
     while (true) {
-        const Whole next = (x * (order - 1) + number / powerOf(x, order - 1)) / order;
+        const CWhole next = (x * (order - 1) + number / x.power(order - 1)) / order;
         if (next >= x) {
             return x;
         }

@@ -11,12 +11,12 @@ namespace mensor {
 namespace exact {
 
 /// The greatest whole number whose power `order` is not above `number`. Both are positive.
-Whole rootOf(const Whole& number, int order);
+CWhole rootOf(const CWhole& number, int order);
 
 /// A positive number between Low·2^Twos and High·2^Twos, both included.
 struct CEnclosure {
-    Whole Low;
-    Whole High;
+    CWhole Low;
+    CWhole High;
     std::int64_t Twos = 0;
 };
 

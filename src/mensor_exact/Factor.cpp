@@ -1,8 +1,10 @@
 #include "mensor_exact/Factor.h"
 
 #include <numeric>
+#include <string_view>
 #include <utility>
 
+#include "mensor_exact/Concatenate.h"
 #include "mensor_exact/Enclosure.h"
 #include "mensor_exact/Error.h"
 #include "mensor_exact/Parts.h"
@@ -20,36 +22,36 @@ constexpr int LargestRoot = CExponent::Largest;
 }
 
 // Takes the root of `order` of `number` if it is whole.
-bool takeRoot(Whole& number, int order) {
-    if (number == 1) {
+bool takeRoot(CWhole& number, int order) {
+    if (number.isOne()) {
         return true;
     }
-    const Whole root = rootOf(number, order);
-    if (powerOf(root, order) != number) {
+    const CWhole root = rootOf(number, order);
+    if (root.power(order) != number) {
         return false;
     }
     number = root;
     return true;
 }
 
-std::string powerText(const std::string& base, CExponent exponent) {
+std::string powerText(std::string_view base, CExponent exponent) {
     if (exponent == CExponent(1)) {
-        return base;
+        return std::string(base);
     }
-    const std::string text = exponent.toString();
-    return base + "^" + (exponent.denominator() == 1 ? text : "(" + text + ")");
+    const bool isWhole = exponent.denominator() == 1;
+    return concatenate({base, isWhole ? "^" : "^(", exponent.toString(), isWhole ? "" : ")"});
 }
 
-bool isWhole(const std::string& text) {
-    return text.find_first_not_of("0123456789") == std::string::npos;
+bool isWhole(std::string_view text) {
+    return text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
 }  // namespace
 
 CFactor::CFactor(CFraction fraction) : m_Radicand(std::move(fraction)) {
     if (m_Radicand.isZero() || m_Radicand.isNegative()) {
-        throw CError(eError::NOT_POSITIVE,
-                     "a factor is above zero, and " + m_Radicand.toString() + " is not");
+        throw CError(eError::NOT_POSITIVE, concatenate({"a factor is above zero, and ",
+                                                        m_Radicand.toString(), " is not"}));
     }
     requireSize();
 }
@@ -172,21 +174,24 @@ std::string CFactor::toString() const {
         return number;
     }
     if (m_Root != 1) {
-        const std::string base = isWhole(number) ? number : "(" + number + ")";
+        const bool isBare = isWhole(number);
+        const std::string base = concatenate({isBare ? "" : "(", number, isBare ? "" : ")"});
         const std::string text = powerText(base, CExponent(1, m_Root));
-        return m_Pi.isZero() ? text : text + "·" + powerText("π", m_Pi);
+        return m_Pi.isZero() ? text : concatenate({text, "·", powerText("π", m_Pi)});
     }
     const bool divides = m_Pi.numerator() < 0;
     const std::string pi = powerText("π", divides ? -m_Pi : m_Pi);
-    const std::size_t slash = number.find('/');
-    std::string above = number.substr(0, slash);
-    std::string below = slash == std::string::npos ? "" : number.substr(slash + 1);
-    if (divides) {
-        below = below.empty() ? pi : "(" + below + "·" + pi + ")";
-    } else {
-        above = above == "1" ? pi : above + (isWhole(above) ? "" : "·") + pi;
+    const std::string_view all = number;
+    const std::size_t slash = all.find('/');
+    const std::string_view above = all.substr(0, slash);
+    const std::string_view below = slash == std::string_view::npos ? "" : all.substr(slash + 1);
+    if (!divides) {
+        const bool isOne = above == "1";
+        return concatenate({isOne ? "" : above, isOne || isWhole(above) ? "" : "·", pi,
+                            below.empty() ? "" : "/", below});
     }
-    return below.empty() ? above : above + "/" + below;
+    return below.empty() ? concatenate({above, "/", pi})
+                         : concatenate({above, "/(", below, "·", pi, ")"});
 }
 
 }  // namespace exact

@@ -45,20 +45,15 @@ std::size_t boundOfBits(std::size_t numerator, std::size_t denominator, std::int
 }
 
 // Divides `number` by `prime` as often as that gives a whole number. Returns how often.
-std::int64_t strip(Whole& number, const Whole& prime) {
+std::int64_t strip(CWhole& number, const CWhole& prime) {
     std::int64_t count = 0;
-    if (!(number % prime).is_zero()) {
-        return 0;
-    }
     // Twice as many at once, then half as many.
-    Whole power = prime;
+    CWhole power = prime;
     std::int64_t step = 1;
     while (true) {
-        Whole quotient;
-        Whole rest;
-        boost::multiprecision::divide_qr(number, power, quotient, rest);
-        if (rest.is_zero()) {
-            number = quotient;
+        const CDivision division(number, power);
+        if (division.Rest.isZero()) {
+            number = division.Quotient;
             count += step;
             power *= power;
             step *= 2;
@@ -71,13 +66,13 @@ std::int64_t strip(Whole& number, const Whole& prime) {
     }
 }
 
-std::int64_t stripTwos(Whole& number) {
-    const auto twos = static_cast<std::int64_t>(boost::multiprecision::lsb(number));
-    number >>= static_cast<unsigned>(twos);
+std::int64_t stripTwos(CWhole& number) {
+    const auto twos = static_cast<std::int64_t>(number.twos());
+    number = number.shifted(-twos);
     return twos;
 }
 
-bool fits(const Whole& number) { return number <= std::numeric_limits<std::uint64_t>::max(); }
+bool fits(const CWhole& number) { return number.bits() <= 64; }
 
 std::int32_t narrow(std::int64_t power) {
     if (power > MostPower || power < -MostPower) {
@@ -102,14 +97,14 @@ CParts::CParts(const CFraction& fraction)
 }
 
 void CParts::normalize() {
-    if (Numerator.is_zero()) {
+    if (Numerator.isZero()) {
         *this = CParts();
         return;
     }
     Twos += stripTwos(Numerator) - stripTwos(Denominator);
     Fives += strip(Numerator, 5) - strip(Denominator, 5);
-    const Whole divisor = gcd(Numerator, Denominator);
-    if (divisor != 1) {
+    const CWhole divisor = gcd(Numerator, Denominator);
+    if (!divisor.isOne()) {
         Numerator /= divisor;
         Denominator /= divisor;
     }
@@ -122,10 +117,10 @@ CFraction CParts::fraction() const {
     small.Fives = narrow(Fives);
     small.Negative = Negative;
     if (fits(Numerator) && fits(Denominator)) {
-        small.Numerator = static_cast<std::uint64_t>(Numerator);
-        small.Denominator = static_cast<std::uint64_t>(Denominator);
+        small.Numerator = Numerator.low();
+        small.Denominator = Denominator.low();
     } else {
-        result.m_Big = std::make_shared<const CWholes>(CWholes{Numerator, Denominator});
+        result.m_Big = std::make_shared<const CQuotient>(CQuotient{Numerator, Denominator});
     }
     if (result.needsMoreThan(MostBits)) {
         throwTooLarge();
@@ -133,28 +128,27 @@ CFraction CParts::fraction() const {
     return result;
 }
 
-Whole CParts::numeratorWithFives() const {
-    return Fives > 0 ? Numerator * powerOf(5, Fives) : Numerator;
+CWhole CParts::numeratorWithFives() const {
+    return Fives > 0 ? Numerator * CWhole(5).power(Fives) : Numerator;
 }
 
-Whole CParts::denominatorWithFives() const {
-    return Fives < 0 ? Denominator * powerOf(5, -Fives) : Denominator;
+CWhole CParts::denominatorWithFives() const {
+    return Fives < 0 ? Denominator * CWhole(5).power(-Fives) : Denominator;
 }
 
-CWholes CParts::wholes() const {
-    CWholes result{numeratorWithFives(), denominatorWithFives()};
-    (Twos < 0 ? result.Denominator : result.Numerator) <<=
-        static_cast<unsigned>(Twos < 0 ? -Twos : Twos);
+CQuotient CParts::wholes() const {
+    CQuotient result{numeratorWithFives(), denominatorWithFives()};
+    CWhole& shifted = Twos < 0 ? result.Denominator : result.Numerator;
+    shifted = shifted.shifted(Twos < 0 ? -Twos : Twos);
     return result;
 }
 
 std::size_t CParts::bits() const {
-    const std::size_t bound =
-        boundOfBits(exact::bitsOf(Numerator), exact::bitsOf(Denominator), Twos, Fives);
+    const std::size_t bound = boundOfBits(Numerator.bits(), Denominator.bits(), Twos, Fives);
     if (bound > MostBits + 64) {
         return bound;  // too many anyway
     }
-    return exact::bitsOf(numeratorWithFives()) + exact::bitsOf(denominatorWithFives()) +
+    return numeratorWithFives().bits() + denominatorWithFives().bits() +
            static_cast<std::size_t>(Twos < 0 ? -Twos : Twos);
 }
 
@@ -193,9 +187,9 @@ std::size_t CFraction::bits() const {
 
 bool CFraction::needsMoreThan(std::size_t most) const {
     const std::size_t numerator =
-        m_Big == nullptr ? bitsOf(m_Small.Numerator) : exact::bitsOf(m_Big->Numerator);
+        m_Big == nullptr ? bitsOf(m_Small.Numerator) : m_Big->Numerator.bits();
     const std::size_t denominator =
-        m_Big == nullptr ? bitsOf(m_Small.Denominator) : exact::bitsOf(m_Big->Denominator);
+        m_Big == nullptr ? bitsOf(m_Small.Denominator) : m_Big->Denominator.bits();
     return boundOfBits(numerator, denominator, m_Small.Twos, m_Small.Fives) > most && bits() > most;
 }
 
@@ -212,9 +206,9 @@ std::string CFraction::toString() const {
     if (const auto digits = wholeDigits(parts, MostDigits)) {
         return write(*digits, {});
     }
-    const CWholes wholes = parts.wholes();
-    std::string text = (parts.Negative ? "-" : "") + wholes.Numerator.str();
-    return wholes.Denominator == 1 ? text : text + "/" + wholes.Denominator.str();
+    const CQuotient wholes = parts.wholes();
+    std::string text = (parts.Negative ? "-" : "") + wholes.Numerator.toString();
+    return wholes.Denominator.isOne() ? text : text + "/" + wholes.Denominator.toString();
 }
 
 CFraction CFraction::operator-() const {
@@ -243,8 +237,8 @@ CFraction CFraction::power(int exponent) const {
         throwTooLarge();  // before it is computed
     }
     CParts parts(*this);
-    parts.Numerator = powerOf(parts.Numerator, exponent);
-    parts.Denominator = powerOf(parts.Denominator, exponent);
+    parts.Numerator = parts.Numerator.power(exponent);
+    parts.Denominator = parts.Denominator.power(exponent);
     parts.Twos *= exponent;
     parts.Fives *= exponent;
     parts.Negative = parts.Negative && exponent % 2 != 0;
@@ -261,13 +255,13 @@ CFraction operator+(const CFraction& a, const CFraction& b) {
     CParts sum;
     sum.Twos = std::min(x.Twos, y.Twos);
     sum.Fives = std::min(x.Fives, y.Fives);
-    const Whole left = (x.Numerator * powerOf(5, x.Fives - sum.Fives) * y.Denominator)
-                       << static_cast<unsigned>(x.Twos - sum.Twos);
-    const Whole right = (y.Numerator * powerOf(5, y.Fives - sum.Fives) * x.Denominator)
-                        << static_cast<unsigned>(y.Twos - sum.Twos);
-    sum.Numerator = x.Negative == y.Negative ? Whole(left + right) : Whole(left - right);
+    const CWhole left = (x.Numerator * CWhole(5).power(x.Fives - sum.Fives) * y.Denominator)
+                            .shifted(x.Twos - sum.Twos);
+    const CWhole right = (y.Numerator * CWhole(5).power(y.Fives - sum.Fives) * x.Denominator)
+                             .shifted(y.Twos - sum.Twos);
+    sum.Numerator = x.Negative == y.Negative ? left + right : left - right;
     sum.Negative = x.Negative;
-    if (sum.Numerator < 0) {
+    if (sum.Numerator.isNegative()) {
         sum.Numerator = -sum.Numerator;
         sum.Negative = y.Negative;
     }
@@ -289,15 +283,15 @@ CFraction operator*(const CFraction& a, const CFraction& b) {
     }
     const CParts x(a);
     const CParts y(b);
-    const Whole g = gcd(x.Numerator, y.Denominator);
-    const Whole h = gcd(y.Numerator, x.Denominator);
+    const CWhole g = gcd(x.Numerator, y.Denominator);
+    const CWhole h = gcd(y.Numerator, x.Denominator);
     CParts product;
     product.Numerator = (x.Numerator / g) * (y.Numerator / h);
     product.Denominator = (x.Denominator / h) * (y.Denominator / g);
     product.Twos = x.Twos + y.Twos;
     product.Fives = x.Fives + y.Fives;
     product.Negative = x.Negative != y.Negative;
-    if (product.Numerator.is_zero()) {
+    if (product.Numerator.isZero()) {
         return {};
     }
     return product.fraction();

@@ -22,8 +22,8 @@
 namespace mensor {
 namespace exact {
 
-struct CParts;   // inside the library
-struct CWholes;  // inside the library
+struct CParts;     // inside the library
+struct CQuotient;  // inside the library
 
 /// An exact fraction.
 ///
@@ -79,7 +79,7 @@ private:
     friend struct CParts;
 
     CSmallFraction m_Small;  // with m_Big, sign and powers only; the numerator is then 0
-    std::shared_ptr<const CWholes> m_Big;
+    std::shared_ptr<const CQuotient> m_Big;
 };
 
 }  // namespace exact

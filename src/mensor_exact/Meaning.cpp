@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <utility>
 
+#include "mensor_exact/Concatenate.h"
 #include "mensor_exact/Error.h"
 #include "mensor_exact/Slots.h"
 
@@ -97,8 +98,9 @@ private:
 
 void requireNoOffset(const CMeaning& meaning) {
     if (!meaning.offset().isZero()) {
-        throw CError(eError::OFFSET_IN_PRODUCT,
-                     "a unit with an offset, " + meaning.toString() + ", in a product");
+        throw CError(
+            eError::OFFSET_IN_PRODUCT,
+            concatenate({"a unit with an offset, ", meaning.toString(), ", in a product"}));
     }
 }
 
@@ -107,6 +109,16 @@ void requireNoOffset(const CMeaning& meaning) {
 }
 
 }  // namespace
+
+CMeaning::CMeaning() noexcept = default;
+CMeaning::CMeaning(const CMeaning& other) = default;
+CMeaning::CMeaning(CMeaning&& other) noexcept = default;
+CMeaning& CMeaning::operator=(const CMeaning& other) {
+    CMeaning copy = other;  // which may run out of memory, with nothing changed
+    return *this = std::move(copy);
+}
+CMeaning& CMeaning::operator=(CMeaning&& other) noexcept = default;
+CMeaning::~CMeaning() = default;
 
 CMeaning CMeaning::base(std::string_view name) {
     static_assert(SlotCount == Slots);

@@ -50,7 +50,12 @@ struct CPower {
 /// Class contract: caller serialises changes of one object; distinct objects any thread.
 class MENSOR_EXACT_API CMeaning {
 public:
-    CMeaning() = default;  ///< the number one
+    CMeaning() noexcept;  ///< the number one
+    CMeaning(const CMeaning& other);
+    CMeaning(CMeaning&& other) noexcept;
+    CMeaning& operator=(const CMeaning& other);
+    CMeaning& operator=(CMeaning&& other) noexcept;
+    ~CMeaning();
 
     /// A base unit of the SI ("A", "K", "cd", "kg", "m", "mol", "s"), a mark ("rad", "sr", "bit"), or
     /// with any other name a dimension of its own.

@@ -12,9 +12,9 @@ namespace mensor {
 namespace exact {
 
 /// What CFraction keeps beside the object.
-struct CWholes {
-    Whole Numerator;    // coprime to 10 and to Denominator
-    Whole Denominator;  // coprime to 10
+struct CQuotient {
+    CWhole Numerator;    // coprime to 10 and to Denominator
+    CWhole Denominator;  // coprime to 10
 };
 
 /// ±Numerator/Denominator·2^Twos·5^Fives, in lowest terms after normalize().
@@ -30,16 +30,16 @@ struct CParts {
     CFraction fraction() const;
 
     /// The numerator and the denominator with their powers of five, without those of two.
-    Whole numeratorWithFives() const;
-    Whole denominatorWithFives() const;
+    CWhole numeratorWithFives() const;
+    CWhole denominatorWithFives() const;
 
     /// The same with all powers: the whole fraction.
-    CWholes wholes() const;
+    CQuotient wholes() const;
 
     std::size_t bits() const;  ///< as CFraction::bits
 
-    Whole Numerator = 0;
-    Whole Denominator = 1;
+    CWhole Numerator = 0;
+    CWhole Denominator = 1;
     std::int64_t Twos = 0;
     std::int64_t Fives = 0;
     bool Negative = false;

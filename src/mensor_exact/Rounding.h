@@ -16,8 +16,8 @@ namespace exact {
 /// infinity. `numerator` is not negative, `denominator` is positive. Zero has the sign that is given.
 ///
 /// Computed with whole numbers only: no state of the processor plays a part.
-CNearest nearestQuotient(const CFormat& format, bool negative, const Whole& numerator,
-                         const Whole& denominator, std::int64_t twos);
+CNearest nearestQuotient(const CFormat& format, bool negative, const CWhole& numerator,
+                         const CWhole& denominator, std::int64_t twos);
 
 /// A double, and whether it is exactly the number that was rounded.
 struct CRounded {
@@ -26,7 +26,7 @@ struct CRounded {
 };
 
 /// The same for doubles.
-CRounded roundQuotient(bool negative, const Whole& numerator, const Whole& denominator,
+CRounded roundQuotient(bool negative, const CWhole& numerator, const CWhole& denominator,
                        std::int64_t twos);
 
 }  // namespace exact

@@ -1,31 +1,84 @@
 // Whole.h: whole numbers of any size. For the library's own use; not installed.
+//
+// They are those of Boost.Multiprecision, behind functions that are compiled once: in the headers of
+// Boost they are templates, which would make the library several times as large.
 #ifndef MENSOR_EXACT_WHOLE_H
 #define MENSOR_EXACT_WHOLE_H
 
-#include <boost/multiprecision/cpp_int.hpp>
 #include <cstddef>
 #include <cstdint>
+#include <string>
+#include <string_view>
 
 namespace mensor {
 namespace exact {
 
-/// Whole numbers. Those of everyday conversions, also of the smallest doubles, need no memory beside
+/// A whole number. Those of everyday conversions, also of the smallest doubles, need no memory beside
 /// the object.
-using Whole = boost::multiprecision::number<
-    boost::multiprecision::cpp_int_backend<2304, 0, boost::multiprecision::signed_magnitude,
-                                           boost::multiprecision::unchecked,
-                                           std::allocator<boost::multiprecision::limb_type>>,
-    boost::multiprecision::et_off>;
+class CWhole {
+public:
+    CWhole() : CWhole(0) {}
+    CWhole(int value);
+    CWhole(std::int64_t value);
+    CWhole(std::uint64_t value);
+    CWhole(const CWhole& other);
+    CWhole(CWhole&& other) noexcept;
+    CWhole& operator=(const CWhole& other);
+    CWhole& operator=(CWhole&& other) noexcept;
+    ~CWhole();
 
-/// The bits of `number`, which is not negative; 0 of zero.
-inline std::size_t bitsOf(const Whole& number) {
-    return number.is_zero() ? 0 : boost::multiprecision::msb(number) + 1;
-}
+    static CWhole ofDigits(std::string_view digits);  ///< decimal, without sign
 
-/// `base` to the power `exponent`.
-inline Whole powerOf(const Whole& base, std::int64_t exponent) {
-    return boost::multiprecision::pow(base, static_cast<unsigned>(exponent));
-}
+    bool isZero() const;
+    bool isNegative() const;
+    bool isOdd() const;
+    bool isOne() const;
+    std::size_t bits() const;   ///< of the size; 0 of zero
+    std::size_t twos() const;   ///< how often 2 divides the number, which is not zero
+    std::uint64_t low() const;  ///< the lowest 64 bits of a number that is not negative
+    std::string toString() const;
+
+    CWhole operator-() const;
+    CWhole size() const;  ///< without the sign
+    friend CWhole operator+(const CWhole& a, const CWhole& b);
+    friend CWhole operator-(const CWhole& a, const CWhole& b);
+    friend CWhole operator*(const CWhole& a, const CWhole& b);
+    friend CWhole operator/(const CWhole& a, const CWhole& b);  ///< towards zero
+    CWhole& operator+=(const CWhole& other);
+    CWhole& operator-=(const CWhole& other);
+    CWhole& operator*=(const CWhole& other);
+    CWhole& operator/=(const CWhole& other);
+
+    /// Multiplied by 2^twos; where that is below zero, divided, of a number that is not negative.
+    CWhole shifted(std::int64_t twos) const;
+    CWhole power(std::int64_t exponent) const;  ///< 0 or more
+
+    friend bool operator==(const CWhole& a, const CWhole& b) { return a.compare(b) == 0; }
+    friend bool operator!=(const CWhole& a, const CWhole& b) { return a.compare(b) != 0; }
+    friend bool operator<(const CWhole& a, const CWhole& b) { return a.compare(b) < 0; }
+    friend bool operator>(const CWhole& a, const CWhole& b) { return a.compare(b) > 0; }
+    friend bool operator<=(const CWhole& a, const CWhole& b) { return a.compare(b) <= 0; }
+    friend bool operator>=(const CWhole& a, const CWhole& b) { return a.compare(b) >= 0; }
+
+private:
+    friend struct CNumberOf;
+
+    int compare(const CWhole& other) const;
+
+    static constexpr std::size_t Bytes = 320;
+    alignas(std::max_align_t) unsigned char m_Storage[Bytes];
+};
+
+/// The greatest common divisor of two positive numbers.
+CWhole gcd(const CWhole& a, const CWhole& b);
+
+/// A quotient, towards zero, and its rest.
+struct CDivision {
+    CDivision(const CWhole& dividend, const CWhole& divisor);
+
+    CWhole Quotient;
+    CWhole Rest;
+};
 
 }  // namespace exact
 }  // namespace mensor
