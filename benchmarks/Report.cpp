@@ -39,7 +39,6 @@ const std::vector<CReport::Line>& CReport::lines() {
 
         heading("Load");
         against("start a process", "nothing");
-        against("start a process", "log4cplus");
         against("start a process", "UDUNITS-2");
         peer("own part of the start", 0.25);
         for (const char* what : {"heap", "resident"}) {

@@ -35,6 +35,10 @@ foreach(library IN LISTS MENSOR_LIBRARIES)
   install(FILES ${PROJECT_BINARY_DIR}/${pkg_config}.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT libmensor-dev)
 endforeach()
+if(TARGET mensor_log4cplus)
+  install(TARGETS mensor_log4cplus LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/mensor
+    COMPONENT libmensor1-log4cplus)
+endif()
 install(EXPORT mensorTargets NAMESPACE mensor:: DESTINATION ${MENSOR_CMAKE_DIR}
   COMPONENT libmensor-dev)
 

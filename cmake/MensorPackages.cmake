@@ -1,12 +1,12 @@
 # The Debian packages, made by CPack (scripts/package) for the architecture that is built for: one per
-# library, libmensor-dev and mensor-tools.
+# library, libmensor1-log4cplus, libmensor-dev and mensor-tools.
 set(MENSOR_MAINTAINER "mensor developers <mensor@packages.debian.org>")
 set(MENSOR_LIBRARY_PACKAGES "")
 foreach(library IN LISTS MENSOR_LIBRARIES)
   get_target_property(package ${library} MENSOR_DEBIAN_PACKAGE)
   list(APPEND MENSOR_LIBRARY_PACKAGES ${package})
 endforeach()
-set(MENSOR_DEBIAN_PACKAGES ${MENSOR_LIBRARY_PACKAGES} libmensor-dev mensor-tools)
+set(MENSOR_DEBIAN_PACKAGES ${MENSOR_LIBRARY_PACKAGES} libmensor1-log4cplus libmensor-dev mensor-tools)
 
 configure_file(packaging/debian/changelog.in changelog @ONLY)
 foreach(package IN LISTS MENSOR_DEBIAN_PACKAGES)
@@ -89,6 +89,11 @@ foreach(library IN LISTS MENSOR_LIBRARIES)
   set(CPACK_DEBIAN_${key}_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 endforeach()
 list(JOIN depends ", " depends)
+mensor_package(libmensor1-log4cplus libs same "libmensor1 (= ${version})"
+  "physical units of measure at run time - log records" "${what}
+This package holds the module through which libmensor1 logs what fails while
+it is loaded, in programs that use log4cplus. Others do not need it.")
+set(CPACK_DEBIAN_LIBMENSOR1_PACKAGE_SUGGESTS "libmensor1-log4cplus (= ${version})")
 mensor_package(libmensor-dev libdevel same "${depends}"
   "physical units of measure at run time - development files" "${what}
 This package holds the headers and what CMake and pkg-config need. The

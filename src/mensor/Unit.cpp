@@ -191,7 +191,7 @@ const CConverterPtr* CUnit::rememberedToDimension() const {
 // registered. Of other units nothing is remembered. The caller holds mutex().
 void CUnit::rememberDimension(const CUnitPtr& unit, const CUnitPtr& dimension,
                               const CConverterPtr& toDimension) {
-    if (!isRegistered(unit)) {
+    if (detail::handedOut.load(std::memory_order_relaxed) || !isRegistered(unit)) {
         return;
     }
     unit->m_RememberedDimension.store(dimension.get(), std::memory_order_relaxed);

@@ -8,12 +8,10 @@
 #include <exception>
 #include <iostream>
 
-#include <log4cplus/logger.h>
-#include <log4cplus/loggingmacros.h>
-
 #include "mensor/NonSI.h"
 #include "mensor/SI.h"
 #include "mensor/UnitFormat.h"
+#include "mensor/failure_report.h"
 
 namespace mensor {
 
@@ -27,11 +25,6 @@ const char* const PREFIXES[NumberOfPrefixes] = {"Y", "Z", "E", "P", "T", "G", "M
 const double FACTORS[NumberOfPrefixes] = {1e24, 1e21,  1e18,  1e15,  1e12,  1e9,   1e6,
                                           1000, 100,   10,    0.1,   0.01,  0.001, 1e-6,
                                           1e-9, 1e-12, 1e-15, 1e-18, 1e-21, 1e-24};
-
-// Looked up at each report: the application may configure it at any time.
-log4cplus::Logger logger() {
-    return log4cplus::Logger::getInstance(LOG4CPLUS_TEXT("StdCoutLogger"));
-}
 
 }  // namespace
 
@@ -107,16 +100,10 @@ static void registerSiUnits() {
         labelPrefixedCelsius();
     } catch (const std::exception& e) {
         std::cerr << "registerSiUnits() exception" << std::endl;
-        try {
-            LOG4CPLUS_ERROR(logger(), "Exception: " << e.what());
-        } catch (...) {  // nobody is left to tell, and loading goes on
-        }
+        detail::reportFailure({"Exception: ", e.what(), __FILE__, __LINE__, __PRETTY_FUNCTION__});
     } catch (...) {
         std::cerr << "registerSiUnits() exception" << std::endl;
-        try {
-            LOG4CPLUS_ERROR(logger(), "Unknown Exception: ");
-        } catch (...) {
-        }
+        detail::reportFailure({"Unknown Exception: ", "", __FILE__, __LINE__, __PRETTY_FUNCTION__});
     }
 }
 
@@ -150,15 +137,9 @@ static void registerNonSiUnits() {
         NonSI::SecondAngle();
         NonSI::CentiRadian();
     } catch (const std::exception& e) {
-        try {
-            LOG4CPLUS_ERROR(logger(), "Exception: " << e.what());
-        } catch (...) {
-        }
+        detail::reportFailure({"Exception: ", e.what(), __FILE__, __LINE__, __PRETTY_FUNCTION__});
     } catch (...) {
-        try {
-            LOG4CPLUS_ERROR(logger(), "Unknown Exception: ");
-        } catch (...) {
-        }
+        detail::reportFailure({"Unknown Exception: ", "", __FILE__, __LINE__, __PRETTY_FUNCTION__});
     }
 }
 

@@ -13,7 +13,7 @@ namespace mensor {
 class MENSOR_API CUnitRegistry {
 public:
     /// Registers the SI units, then the others. A failure ends its half of the work, is logged on
-    /// the log4cplus logger "StdCoutLogger", and never leaves the constructor.
+    /// the log4cplus logger "StdCoutLogger" where the program uses log4cplus, and never leaves the constructor.
     CUnitRegistry();
 };
 

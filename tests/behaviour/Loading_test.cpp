@@ -64,7 +64,8 @@ struct Outcome {
     std::vector<Record> Records;
     long Allocations = 0;
     Names Labels;
-    std::vector<std::string> Faults, Works;
+    std::vector<std::string> Faults, Works, Mapped;
+    long ThreadsStarted = -1;
     std::size_t Units = 0;
 };
 
@@ -91,6 +92,10 @@ Outcome outcomeFrom(const std::string& output) {
                                        parts.at(6), std::stoi(parts.at(4))});
         } else if (parts[0] == "allocations") {
             outcome.Allocations = std::stol(parts.at(1));
+        } else if (parts[0] == "started") {
+            outcome.ThreadsStarted = std::stol(parts.at(1));
+        } else if (parts[0] == "mapped") {
+            outcome.Mapped.push_back(parts.at(1));
         } else if (parts[0] == "labels") {
             const auto labels = split(line.substr(line.find('\t') + 1), ' ');
             outcome.Labels.insert(labels.begin(), labels.end());
@@ -109,11 +114,24 @@ Outcome outcomeFrom(const std::string& output) {
     return outcome;
 }
 
+/// Who loads the library, and which file.
+struct Host {
+    const char* Program = WITH_LOG4CPLUS;
+    const char* Library = MENSOR_LIBRARY;
+
+    std::string command(const std::string& what) const {
+        return std::string(Program) + " '" + Library + "' '" MENSOR_TABLES "' " + what;
+    }
+};
+
+const Host Without{WITHOUT_LOG4CPLUS, MENSOR_LIBRARY};
+
 /// Loads the library while `what` is thrown at these allocations.
-Outcome load(const std::string& what, const std::vector<long>& failing = {}) {
+Outcome load(const std::string& what, const std::vector<long>& failing = {},
+             const Host& host = {}) {
     const std::string errors =
         ::testing::TempDir() + "mensor_loading_" + std::to_string(getpid()) + ".txt";
-    std::string command = LOAD_MENSOR " " + what;
+    std::string command = host.command(what);
     for (const long number : failing) {
         command += " " + std::to_string(number);
     }
@@ -126,9 +144,10 @@ Outcome load(const std::string& what, const std::vector<long>& failing = {}) {
 }
 
 /// Loads the library once for each of these allocations, which fails.
-std::map<long, Outcome> loadForEach(const std::string& what, long first, long last, long step) {
+std::map<long, Outcome> loadForEach(const std::string& what, long first, long last, long step,
+                                    const Host& host = {}) {
     int status = -1;
-    const std::string output = outputOf(LOAD_MENSOR " " + what + "+each " + std::to_string(first) +
+    const std::string output = outputOf(host.command(what + "+each") + " " + std::to_string(first) +
                                             " " + std::to_string(last) + " " + std::to_string(step),
                                         status);
     EXPECT_EQ(status, 0);
@@ -178,7 +197,7 @@ MATCHER_P2(Reports, function, message, "") {
     *result_listener << "logged at: " << lineOfSource(arg.File, arg.Line);
     return arg.Level == "ERROR" && arg.Logger == "StdCoutLogger" &&
            arg.File.rfind("src/mensor/UnitRegistry", 0) == 0 &&
-           lineOfSource(arg.File, arg.Line).find("LOG4CPLUS_ERROR(") != std::string::npos &&
+           lineOfSource(arg.File, arg.Line).find("reportFailure(") != std::string::npos &&
            arg.Function == function && arg.Message == message;
 }
 
@@ -337,6 +356,57 @@ TEST(Loading, BothHalvesCanFailAndAreReportedInTurn) {
     EXPECT_THAT(outcome.Records,
                 ElementsAre(Reports(SI_FUNCTION, "Exception: std::bad_alloc"),
                             Reports(NON_SI_FUNCTION, "Exception: std::bad_alloc")));
+    expectSound(outcome);
+}
+
+// Where nobody uses log4cplus, a failure does not bring it in.
+TEST(Loading, WithoutLog4cplusInTheProcessAFailureIsTheLineAlone) {
+    const long count = load("bad_alloc", {}, Without).Allocations;
+    const Outcome si = load("bad_alloc", {count / 2}, Without);
+    EXPECT_EQ(si.Error, LINE_OF_THE_SI_UNITS);
+    EXPECT_THAT(si.Mapped, IsEmpty());
+    EXPECT_THAT(si.Labels, AreThoseOfAnInterruptedSIRegistration());
+    expectSound(si);
+
+    const Outcome others = load("bad_alloc", {count - 20}, Without);
+    EXPECT_EQ(others.Error, "");
+    EXPECT_THAT(others.Mapped, IsEmpty());
+    EXPECT_THAT(others.Labels, AreThoseOfAnInterruptedNonSIRegistration());
+    expectSound(others);
+}
+
+TEST(Loading, WithoutLog4cplusSurvivesAFailureOfWhicheverAllocationOfTheRegistry) {
+    const long count = load("bad_alloc", {}, Without).Allocations;
+    for (const char* const what : {"bad_alloc", "bad_alloc+onwards"}) {
+        for (const auto& [number, outcome] :
+             loadForEach(what, FIRST_OF_THE_REGISTRY, count, 3 * step(), Without)) {
+            SCOPED_TRACE(std::string(what) + " " + std::to_string(number));
+            expectSound(outcome);
+            EXPECT_THAT(outcome.Mapped, IsEmpty());
+        }
+    }
+}
+
+TEST(Loading, StartsNoThreadAndBringsNoLog4cplus) {
+    const Outcome outcome = load("bad_alloc", {}, Without);
+    EXPECT_EQ(outcome.ThreadsStarted, 0);
+    EXPECT_THAT(outcome.Mapped, IsEmpty());
+    EXPECT_THAT(load("bad_alloc").Mapped, ElementsAre("liblog4cplus"));  // the program's own
+}
+
+// The module is not installed: the line is all there is.
+TEST(Loading, WithoutTheModuleAFailureIsTheLineAlone) {
+    const Outcome outcome =
+        load("bad_alloc", {allocationsOfALoad() / 2}, {WITH_LOG4CPLUS, MENSOR_ALONE});
+    EXPECT_EQ(outcome.Error, LINE_OF_THE_SI_UNITS);
+    EXPECT_THAT(outcome.Records, IsEmpty());
+    expectSound(outcome);
+}
+
+TEST(Loading, FindsTheModuleBesideTheFileThatALinkLeadsTo) {
+    const Outcome outcome =
+        load("bad_alloc", {allocationsOfALoad() / 2}, {WITH_LOG4CPLUS, MENSOR_LINKED});
+    EXPECT_THAT(outcome.Records, ElementsAre(Reports(SI_FUNCTION, "Exception: std::bad_alloc")));
     expectSound(outcome);
 }
 

@@ -12,7 +12,7 @@ fail() { echo "$*"; exit 1; }
 rm -rf "$root"
 mkdir -p "$root"
 set -- "$@" --
-for package in libmensor1 libmensor-checked1 libmensor-exact1 libmensor-dev mensor-tools; do
+for package in libmensor1 libmensor1-log4cplus libmensor-checked1 libmensor-exact1 libmensor-dev mensor-tools; do
     deb=$(echo "$debs/${package}"_*_"$architecture.deb")
     [ -f "$deb" ] || fail "no $deb"
     [ "$(dpkg-deb -f "$deb" Architecture)" = "$architecture" ] || fail "$deb: wrong architecture"
@@ -27,7 +27,11 @@ says() { # PACKAGE FIELD PATTERN
 }
 says libmensor1 Multi-Arch '^same$'
 says libmensor-dev Multi-Arch '^same$'
-says libmensor1 Depends 'liblog4cplus-2.*libstdc++6'
+says libmensor1 Depends 'libstdc++6'
+(says libmensor1 Depends log4cplus) >/dev/null && fail "libmensor1 depends on log4cplus"
+says libmensor1-log4cplus Depends 'libmensor1 (=.*liblog4cplus-2'
+says libmensor1-log4cplus Multi-Arch '^same$'
+says libmensor1 Suggests 'libmensor1-log4cplus (='
 says libmensor1 Depends 'libc6'
 says libmensor-checked1 Depends 'libmensor1 (=.*libmensor-exact1 (='
 says libmensor-dev Depends 'libmensor1 (=.*libmensor-checked1 (='
@@ -35,6 +39,7 @@ says mensor-tools Depends 'libmensor1 (>='
 
 libdir=$root/usr/lib/$triplet
 [ -f "$libdir/libmensor.so.1" ] || fail "the library is not in $libdir"
+[ -f "$libdir/mensor/log4cplus.so" ] || fail "the module is not beside the library"
 while [ "$1" != -- ]; do
     emulator="${emulator-} $1"
     shift

@@ -9,23 +9,23 @@
 //     attempt  NUMBER                                          of each process; its errors follow, too
 //     record  LEVEL  LOGGER  FILE  LINE  FUNCTION  MESSAGE     one per record logged meanwhile
 //     allocations  COUNT                                       while the library was loaded
+//     started  COUNT                                           threads that loading it started
+//     mapped  FILE                                             of log4cplus and our module, then
 //     ...                                                      what the module says of the tables
 #include <dlfcn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <iterator>
 #include <new>
 #include <string>
 #include <vector>
 
-#include <log4cplus/appender.h>
-#include <log4cplus/initializer.h>
-#include <log4cplus/logger.h>
-#include <log4cplus/spi/loggingevent.h>
-
+#include "logging.h"
 #include "support/Fork.h"
 #include "support/OperatorNew.h"
 
@@ -47,34 +47,24 @@ void failAtChosen(long number) {
     }
 }
 
-// Keeps what was logged, as the application's appender would write it.
-class Recorder : public log4cplus::Appender {
-public:
-    explicit Recorder(std::vector<std::string>& records) : m_Records(records) {}
-    ~Recorder() override { destructorImpl(); }
-    void close() override {}
-
-protected:
-    void append(const log4cplus::spi::InternalLoggingEvent& event) override {
-        m_Records.push_back(log4cplus::getLogLevelManager().toString(event.getLogLevel()) + "\t" +
-                            event.getLoggerName() + "\t" + event.getFile() + "\t" +
-                            std::to_string(event.getLine()) + "\t" + event.getFunction() + "\t" +
-                            event.getMessage());
-    }
-
-private:
-    std::vector<std::string>& m_Records;
-};
-
-int load(const char* libraryFile, const char* moduleFile, const std::string& what) {
-    std::vector<std::string> records;
-    if (what.find("+bare") == std::string::npos) {
-        log4cplus::Logger logger = log4cplus::Logger::getInstance("StdCoutLogger");
-        logger.addAppender(log4cplus::SharedAppenderPtr(new Recorder(records)));
-        if (what.find("+off") != std::string::npos) {
-            logger.setLogLevel(log4cplus::OFF_LOG_LEVEL);
+bool isMapped(const std::string& name) {
+    std::ifstream maps("/proc/self/maps");
+    for (std::string line; std::getline(maps, line);) {
+        if (line.find(name) != std::string::npos) {
+            return true;
         }
     }
+    return false;
+}
+
+long threads() {
+    const std::filesystem::directory_iterator begin("/proc/self/task"), end;
+    return static_cast<long>(std::distance(begin, end));
+}
+
+int load(const char* libraryFile, const char* moduleFile, const std::string& what) {
+    startLogging(what);
+    const long threadsBefore = threads();
 
     mensor::beforeAllocation = failAtChosen;
     void* const library = dlopen(libraryFile, RTLD_NOW);
@@ -84,10 +74,14 @@ int load(const char* libraryFile, const char* moduleFile, const std::string& wha
         return 1;
     }
 
-    for (const std::string& record : records) {
-        std::cout << "record\t" << record << "\n";
+    printRecords();
+    std::cout << "allocations\t" << mensor::allocations << "\n"
+              << "started\t" << threads() - threadsBefore << "\n";
+    for (const char* const name : {"liblog4cplus", "mensor/log4cplus.so"}) {
+        if (isMapped(name)) {
+            std::cout << "mapped\t" << name << "\n";
+        }
     }
-    std::cout << "allocations\t" << mensor::allocations << "\n";
 
     void* const module = dlopen(moduleFile, RTLD_NOW);
     if (module == nullptr) {
@@ -127,7 +121,6 @@ int main(int argc, char** argv) {
         std::cerr << "load_mensor LIBRARY MODULE WHAT [NUMBER...]\n";
         return 2;
     }
-    const log4cplus::Initializer logging;
     const std::string what = argv[3];
     throwsInt = what.find("int") != std::string::npos;
     goesOnFailing = what.find("+onwards") != std::string::npos;
