@@ -18,7 +18,6 @@
 #include <iostream>
 #include <iterator>
 #include <map>
-#include <mutex>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -116,13 +115,8 @@ bool convertLines(const std::vector<CUnitPtr>& targets) {
 // and what takes a value of the unit to the dimension.
 void list() {
     std::map<std::string, CUnitPtr> catalogue;
-    {
-        const std::lock_guard<std::recursive_mutex> lock(CUnit::mutex());
-        for (const auto& [symbol, unit] : CUnit::symbols())
-            catalogue.emplace(mensor::toStdString(symbol), unit);
-        for (const auto& [label, unit] : CUnitFormat::labelUnitMap())
-            catalogue.emplace(mensor::toStdString(label), unit);
-    }
+    for (const auto& [name, unit] : mensor::CUnitFormat::names())
+        catalogue.emplace(mensor::toStdString(name), unit);
     const auto ascii = mensor::CASCIIUnitFormat::instance();
     std::cout << "unit\tASCII\tdimension\tfactor\n";
     for (const auto& [name, unit] : catalogue) {

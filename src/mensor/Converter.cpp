@@ -172,7 +172,7 @@ CConverterPtr CCompound::throughInverse(const CConverterPtr& first, const CConve
                            std::none_of(plan.Steps, plan.Steps + plan.Count,
                                         [](const Step& step) { return step.Kind == Step::CALL; });
     if (!isOwnKind || first == detail::theIdentity() || toInvert == detail::theIdentity()) {
-        return toInvert->inverse()->concatenate(first);
+        return requireGiven(toInvert->inverse(), "inverse")->concatenate(first);
     }
     return std::make_shared<CCompound>(first, InverseOf{toInvert});
 }

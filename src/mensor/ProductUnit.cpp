@@ -76,7 +76,7 @@ template <class OfFactor>
 CUnitPtr fold(const Elements& elements, OfFactor ofFactor) {
     CUnitPtr product = CProductUnit::one();
     for (const CUnitRationalPower& element : elements) {
-        const CUnitPtr factor = ofFactor(*element.unit());
+        const CUnitPtr factor = requireGiven(ofFactor(*element.unit()), "unit of a factor");
         product = product->multiply(factor->pow(element.getPow())->root(element.getRoot()));
     }
     return product;
@@ -249,7 +249,8 @@ bool CProductUnit::elementsContains(const Elements& elements) const {
 CConverterPtr CProductUnit::getCtxToDimension() {
     double factor = 1.0;
     for (const CUnitRationalPower& element : m_Elements) {
-        const CConverterPtr converter = element.unit()->getCtxToDimension();
+        const CConverterPtr converter =
+            requireGiven(element.unit()->getCtxToDimension(), "getCtxToDimension");
         if (!converter->isLinear()) {
             detail::CTextStream message;
             message << "Unit element " << mensor::toStdString(element.unit()->getSymbol())

@@ -56,7 +56,8 @@ bool CTransformedUnit::equals(CUnitPtr that) const {
 }
 
 CConverterPtr CTransformedUnit::getCtxToDimension() {
-    return _systemUnit->getCtxToDimension()->concatenate(_toSystem);
+    return requireGiven(_systemUnit->getCtxToDimension(), "getCtxToDimension")
+        ->concatenate(_toSystem);
 }
 
 string_t CTransformedUnit::getSymbol() {

@@ -136,6 +136,10 @@ CUnitPtr CUnit::getInstance(CUnitPtr unit) {
     }
     CRegistration registration(unit);
     const string_t symbol = unit->getSymbol();
+    const auto twin = known.find(unit->m_HashCode);
+    if (twin != known.end()) {
+        return twin->second;  // a client's kind has registered it while it was asked
+    }
     if (!symbol.empty()) {
         registration.insertSymbol(symbol);
     }
@@ -151,6 +155,13 @@ CUnitPtr CUnit::searchSymbol(const string_t& symbol) {
     const Lock lock(tables().Mutex);
     const auto found = tables().Symbols.find(symbol);
     return found == tables().Symbols.end() ? nullptr : found->second;
+}
+
+CUnitPtr CUnit::searchHashCode(int hashCode) {
+    const Lock lock(tables().Mutex);
+    const auto& instances = seededInstances();
+    const auto found = instances.find(hashCode);
+    return found == instances.end() ? nullptr : found->second;
 }
 
 // From here on the client can change the table unseen.
@@ -212,7 +223,7 @@ const CUnitPtr& CUnit::dimensionLocked(const CUnitPtr& unit) {
     if (found != dimensions.end()) {
         return found->second;
     }
-    const CUnitPtr dimension = unit->getCtxDimension();
+    const CUnitPtr dimension = requireGiven(unit->getCtxDimension(), "getCtxDimension");
     return dimensions.emplace(unit, dimension).first->second;
 }
 
@@ -221,7 +232,7 @@ const CUnitPtr& CUnit::dimensionLocked(const CUnitPtr& unit) {
 CConverterPtr CUnit::toDimensionLocked(const CUnitPtr& unit, const CUnitPtr& dimension) {
     auto& toDimensions = tables().ToDimensions;
     if (!toDimensions[unit]) {
-        CConverterPtr toDimension = unit->getCtxToDimension();
+        CConverterPtr toDimension = requireGiven(unit->getCtxToDimension(), "getCtxToDimension");
         toDimensions[unit] = std::move(toDimension);
     }
     const CConverterPtr& toDimension = toDimensions[unit];

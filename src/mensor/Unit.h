@@ -195,6 +195,10 @@ public:
     /// @par Threads  Any thread, locks mutex().
     static CUnitPtr searchSymbol(const string_t& symbol);
 
+    /// The canonical unit with this hash code, or none.
+    /// @par Threads  Any thread, locks mutex().
+    static CUnitPtr searchHashCode(int hashCode);
+
     /// Every canonical unit that has a symbol.
     /// @par Threads  Caller serialises, by holding mutex() for as long as the reference is used.
     static std::map<string_t, CUnitPtr>& symbols();

@@ -470,6 +470,20 @@ CUnitPtr CUnitFormat::alias(CUnitPtr unit, string_t alias) {
     return unit;
 }
 
+void CUnitFormat::detach(const CUnitPtr& unit, const string_t& name) {
+    const Lock lock(tables().Mutex);
+    const auto labelled = tables().LabelUnit.find(name);
+    const auto aliased = tables().AliasUnit.find(name);
+    if (labelled != tables().LabelUnit.end() && labelled->second == unit) {
+        tables().UnitLabel.erase(unit);
+        tables().LabelUnit.erase(labelled);
+    }
+    if (aliased != tables().AliasUnit.end() && aliased->second == unit) {
+        tables().AliasUnit.erase(aliased);
+    }
+    detail::advance(detail::namesEpoch);
+}
+
 string_t CUnitFormat::labelFor(CUnitPtr unit) {
     const Lock lock(tables().Mutex);
     const auto found = tables().UnitLabel.find(unit);

@@ -62,6 +62,11 @@ public:
     /// @par Threads  Any thread, locks CUnit::mutex().
     static CUnitPtr alias(CUnitPtr unit, string_t alias);
 
+    /// Takes the label or alias `name` from `unit`, whichever of them it is; where `unit` has neither,
+    /// nothing changes. Symbols stay.
+    /// @par Threads  Any thread, locks CUnit::mutex().
+    static void detach(const CUnitPtr& unit, const string_t& name);
+
     /// The label of `unit`, else its symbol, which may be empty. `unit` must not be empty.
     /// @par Threads  Any thread, locks CUnit::mutex().
     static string_t labelFor(CUnitPtr unit);

@@ -17,6 +17,15 @@ inline void requireUnit(const CUnitPtr& unit, const char* function) {
     }
 }
 
+// What a virtual function of a unit or converter gives. Those of the library never give an empty pointer.
+template <class Pointer>
+Pointer requireGiven(Pointer given, const char* function) {
+    if (!given) {
+        throw std::logic_error(std::string("A client's ") + function + " gives an empty pointer");
+    }
+    return given;
+}
+
 [[noreturn]] inline void throwSymbolIsTaken(const string_t& symbol) {
     detail::CTextStream message;
     message << "The symbol: " << toStdString(symbol) << " is currently associated to another unit.";

@@ -89,21 +89,8 @@ void CNaming::name(const CUnitPtr& unit, const string_t& symbol, bool isAnother)
 }
 
 CNaming::~CNaming() {
-    if (m_Given.empty()) {
-        return;  // handing out a table would end the library's short ways
-    }
-    auto& labels = CUnitFormat::labelUnitMap();
-    auto& aliases = CUnitFormat::aliasUnitMap();
     for (const auto& [symbol, unit] : m_Given) {
-        const auto labelled = labels.find(symbol);
-        if (labelled != labels.end() && labelled->second == unit) {
-            CUnitFormat::unitLabelMap().erase(unit);
-            labels.erase(labelled);
-        }
-        const auto aliased = aliases.find(symbol);
-        if (aliased != aliases.end() && aliased->second == unit) {
-            aliases.erase(aliased);
-        }
+        CUnitFormat::detach(unit, symbol);
     }
 }
 

@@ -75,9 +75,8 @@ CUnitPtr requireMeaning(const CUnitPtr& unit, const CUnitPtr& parent, double slo
         const double toSystem = parent->getConverterTo(system)->derivative(0.0) * slope;
         const unsigned hash = static_cast<unsigned>(system->hashCode()) +
                               static_cast<unsigned>(floatToIntBits(static_cast<float>(toSystem)));
-        const auto found = CUnit::instances().find(static_cast<int>(hash));
-        if (found != CUnit::instances().end()) {
-            throwInTheWay(quoted(meaning.toString()), found->second);
+        if (const CUnitPtr inTheWay = CUnit::searchHashCode(static_cast<int>(hash))) {
+            throwInTheWay(quoted(meaning.toString()), inTheWay);
         }
         throw CIdentityError(
             quoted(meaning.toString()) + " is the same object as another unit here", nullptr);

@@ -39,6 +39,10 @@ const CMemory::CEntry* CMemory::find(std::string_view text) {
     if (version != 0 && version == entry.Version && entry.AreExact) {
         return &entry;
     }
+    // Notes tell how units are written, which a label changes.
+    if (!entry.Notes.empty() && (version == 0 || version != entry.Version)) {
+        return nullptr;
+    }
     const bool namesStand =
         std::all_of(entry.Names.begin(), entry.Names.end(),
                     [](const auto& name) { return unitNamed(name.first) == name.second; });

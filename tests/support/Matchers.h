@@ -130,6 +130,12 @@ public:
                left.m_AliasUnits == right.m_AliasUnits;
     }
 
+    /// Whether symbols, labels and aliases are the same.
+    bool namesAreThoseOf(const Tables& other) const {
+        return m_Symbols == other.m_Symbols && m_LabelUnits == other.m_LabelUnits &&
+               m_UnitLabels == other.m_UnitLabels && m_AliasUnits == other.m_AliasUnits;
+    }
+
     friend void PrintTo(const Tables& tables, std::ostream* out) {
         *out << tables.m_Symbols.size() << " symbols, " << tables.m_Instances.size()
              << " instances, " << tables.m_LabelUnits.size() << " labels of "

@@ -5,7 +5,6 @@
 #include <fstream>
 #include <iostream>
 #include <map>
-#include <mutex>
 #include <optional>
 #include <stdexcept>
 #include <utility>
@@ -289,21 +288,9 @@ struct CListed {
 
 // Every unit that can be written, by its text, with its other names.
 std::map<std::string, CListed> namedUnits() {
-    std::map<std::string, CUnitPtr> names;
-    {
-        const std::lock_guard<std::recursive_mutex> lock(CUnit::mutex());
-        for (const auto& [alias, unit] : CUnitFormat::aliasUnitMap()) {
-            names[mensor::toStdString(alias)] = unit;
-        }
-        for (const auto& [label, unit] : CUnitFormat::labelUnitMap()) {
-            names[mensor::toStdString(label)] = unit;
-        }
-        for (const auto& [symbol, unit] : CUnit::symbols()) {
-            names[mensor::toStdString(symbol)] = unit;
-        }
-    }
     std::map<std::string, CListed> listed;
-    for (const auto& [name, unit] : names) {
+    for (const auto& [spelling, unit] : CUnitFormat::names()) {
+        const std::string name = mensor::toStdString(spelling);
         const auto text = textOf(unit);
         if (!text) {
             continue;
