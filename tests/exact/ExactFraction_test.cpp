@@ -150,7 +150,7 @@ TEST(ExactFraction, ComputesAsGmpDoes) {
     std::mt19937_64 random(1);
     const auto any = [&random] {
         std::string digits = "7";
-        for (std::size_t i = random() % 45; i > 0; --i) {
+        for (auto i = random() % 45; i > 0; --i) {
             digits += static_cast<char>('0' + random() % (random() % 3 == 0 ? 1 : 10));
         }
         return whole((random() % 2 == 0 ? "-" : "") + digits);
