@@ -57,12 +57,14 @@ public:
         if (a.m_Denominator == 1 && b.m_Denominator == 1) {  // as most are
             return {a.m_Numerator + b.m_Numerator};
         }
-        return {a.m_Numerator * b.m_Denominator + b.m_Numerator * a.m_Denominator,
-                a.m_Denominator * b.m_Denominator};
+        return {std::int64_t{a.m_Numerator} * b.m_Denominator +
+                    std::int64_t{b.m_Numerator} * a.m_Denominator,
+                std::int64_t{a.m_Denominator} * b.m_Denominator};
     }
     friend constexpr CExponent operator-(CExponent a, CExponent b) { return a + -b; }
     friend constexpr CExponent operator*(CExponent a, CExponent b) {
-        return {a.m_Numerator * b.m_Numerator, a.m_Denominator * b.m_Denominator};
+        return {std::int64_t{a.m_Numerator} * b.m_Numerator,
+                std::int64_t{a.m_Denominator} * b.m_Denominator};
     }
     friend constexpr bool operator==(CExponent a, CExponent b) {
         return a.m_Numerator == b.m_Numerator && a.m_Denominator == b.m_Denominator;

@@ -25,6 +25,7 @@ struct CLengths {
 };
 
 // A text of more than 255 bytes does not compile: the braces allow no narrowing.
+// NOLINTBEGIN(bugprone-macro-parentheses): the arguments are literals, and the array's initialiser a list.
 constexpr CLengths Lengths[] = {
 #define MENSOR_BASE(set, name, english, source) \
     {ePack::set, sizeof name - 1, 0, sizeof english - 1, sizeof source - 1},
@@ -34,6 +35,7 @@ constexpr CLengths Lengths[] = {
     {ePack::set, sizeof name - 1, sizeof definition - 1, sizeof english - 1, sizeof source - 1},
 #include "mensor_exact/definitions.def"
 };
+// NOLINTEND(bugprone-macro-parentheses)
 
 constexpr std::size_t Rows = sizeof Lengths / sizeof Lengths[0];
 

@@ -4,7 +4,7 @@
 
 namespace {
 
-using mensor::checked::allPacks, mensor::checked::ePack, mensor::checked::packNamed;
+using mensor::checked::ePack, mensor::checked::packNamed;
 
 std::string quoted(const std::string& word) { return "\"" + word + "\""; }
 
