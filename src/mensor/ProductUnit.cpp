@@ -1,138 +1,44 @@
 // ProductUnit.cpp: products of rational powers, normalised by merging factors of the same unit
-// object. Exponents are computed in 64 bits and must fit an int when they are stored.
+// object. A product that is known already is found by its hash code, before anything is built.
 #include "mensor/ProductUnit.h"
 
 #include <cmath>
-#include <cstdint>
-#include <limits>
 #include <memory>
 #include <stdexcept>
+#include <utility>
 
 #include "mensor/MultiplyConverter.h"
 #include "mensor/factors.h"
 #include "mensor/kept.h"
 #include "mensor/require.h"
+#include "mensor/tables.h"
 #include "mensor/text_stream.h"
+#include "mensor/uncached.h"
 
 namespace mensor {
 
 namespace {
 
-using Elements = detail::Factors;
-
-int checkedExponent(std::int64_t n) {
-    if (n > std::numeric_limits<int>::max() || n < std::numeric_limits<int>::min()) {
-        detail::CTextStream message;
-        message << "Exponent " << n << " is out of range";
-        throw std::overflow_error(message.str());
-    }
-    return static_cast<int>(n);
-}
-
-// Of two products of ints; only those of the smallest int with itself can overflow.
-std::int64_t sum(std::int64_t a, std::int64_t b) {
-    std::int64_t result = 0;
-    if (__builtin_add_overflow(a, b, &result)) {
-        throw std::overflow_error("Exponent 9223372036854775808 is out of range");
-    }
-    return result;
-}
-
-// `unit` to the power pow/root in lowest terms.
-CUnitRationalPower reduced(CUnitPtr unit, std::int64_t pow, std::int64_t root) {
-    // Euclid's rule with the truncating remainder, as greatestCommonDivisor: the sign is that of the
-    // last divisor that was not zero.
-    std::int64_t divisor = pow < 0 ? -pow : pow;
-    for (std::int64_t next = root; next != 0;) {
-        const std::int64_t rest = divisor % next;
-        divisor = next;
-        next = rest;
-    }
-    if (divisor == 0) {
-        throw std::invalid_argument("Exponent 0/0 of a factor");
-    }
-    const int reducedPow = checkedExponent(pow / divisor);
-    const int reducedRoot = checkedExponent(root / divisor);
-    return CUnitRationalPower(std::move(unit), reducedPow, reducedRoot);
-}
-
-const CUnitRationalPower* findUnit(const Elements& elements, const CUnitPtr& unit) {
-    for (const CUnitRationalPower& element : elements) {
-        if (element.unit() == unit) {
-            return &element;
-        }
-    }
-    return nullptr;
-}
-
-void requireUnits(const Elements& elements) {
-    for (const CUnitRationalPower& element : elements) {
-        requireUnit(element.unit(), "CProductUnit::getInstance");
-    }
-}
+using Elements = std::vector<CUnitRationalPower>;
 
 // The product of what `ofFactor` makes of each factor's unit, raised as the factor is.
 template <class OfFactor>
 CUnitPtr fold(const Elements& elements, OfFactor ofFactor) {
+    const detail::Lock lock(detail::tables().Mutex);
     CUnitPtr product = CProductUnit::one();
     for (const CUnitRationalPower& element : elements) {
         const CUnitPtr factor = requireGiven(ofFactor(*element.unit()), "unit of a factor");
-        product = product->multiply(factor->pow(element.getPow())->root(element.getRoot()));
+        product = detail::Uncached::multiply(
+            product, detail::Uncached::raise(factor, element.getPow(), element.getRoot()));
     }
     return product;
 }
 
 }  // namespace
 
-namespace detail {
-
-Factors multiplied(const Factors& left, const Factors& right) {
-    Factors result;
-    result.reserve(left.size() + right.size());
-    for (const CUnitRationalPower& mine : left) {
-        std::int64_t pow = mine.getPow();
-        std::int64_t root = mine.getRoot();
-        if (const CUnitRationalPower* other = findUnit(right, mine.unit())) {
-            pow = sum(pow * other->getRoot(), other->getPow() * root);
-            root = root * other->getRoot();
-        }
-        if (pow != 0) {
-            result.push_back(reduced(mine.unit(), pow, root));
-        }
-    }
-    for (const CUnitRationalPower& other : right) {
-        if (findUnit(left, other.unit()) == nullptr) {
-            result.push_back(other);
-        }
-    }
-    return result;
-}
-
-Factors raised(Factors factors, int pow, int root) {
-    for (CUnitRationalPower& factor : factors) {
-        factor = reduced(factor.unit(), std::int64_t{factor.getPow()} * pow,
-                         std::int64_t{factor.getRoot()} * root);
-    }
-    return factors;
-}
-
-std::atomic<bool> largeExponentsExist{false};
-
-int hashOf(const Factors& factors) {
-    unsigned sum = 0;
-    for (const CUnitRationalPower& factor : factors) {
-        const unsigned weight = 3U * static_cast<unsigned>(factor.getPow()) -
-                                2U * static_cast<unsigned>(factor.getRoot());
-        sum += static_cast<unsigned>(factor.unit()->hashCode()) * weight;
-    }
-    return static_cast<int>(sum);
-}
-
-}  // namespace detail
-
 CProductUnit::CProductUnit() : CDerivedUnit("One") {}
-CProductUnit::CProductUnit(const Elements& elements)
-    : CDerivedUnit(string_t()), m_Elements(elements) {
+CProductUnit::CProductUnit(Elements elements)
+    : CDerivedUnit(string_t()), m_Elements(std::move(elements)) {
     constexpr int LargestPow = 64;
     constexpr int LargestRoot = 8;
     for (const CUnitRationalPower& element : m_Elements) {
@@ -149,43 +55,76 @@ CUnitPtr CProductUnit::one() {
     return *One;
 }
 
+struct detail::Products {
+    // The canonical product of factors that are normalised.
+    static CUnitPtr canonical(const Factors& factors) {
+        if (factors.size() == 0) {
+            return CProductUnit::one();
+        }
+        const Factor& first = *factors.begin();
+        if (factors.size() == 1 && first.Pow == first.Root) {
+            return *first.Unit;
+        }
+        CUnitPtr known = find(hashOf(factors));
+        return known ? known : CUnit::getInstance(CUnitPtr(new CProductUnit(elements(factors))));
+    }
+
+    static CUnitPtr raised(const CUnitPtr& unit, int pow, int root) {
+        GivenFactors given;
+        Factors factors = factorsOf(unit, given);
+        raise(factors, pow, root);
+        return canonical(multiplied(factors, Factors()));
+    }
+
+private:
+    static CUnitPtr find(int hash) {
+        const Lock lock(tables().Mutex);
+        const auto found = tables().Instances.find(hash);
+        return found != tables().Instances.end() ? found->second : nullptr;
+    }
+
+    static Elements elements(const Factors& factors) {
+        Elements elements;
+        elements.reserve(factors.size());
+        for (const Factor& factor : factors) {
+            elements.emplace_back(*factor.Unit, factor.Pow, factor.Root);
+        }
+        return elements;
+    }
+};
+
 CUnitPtr CProductUnit::getInstance(const Elements& LeftElements, const Elements& RightElements) {
-    requireUnits(LeftElements);
-    requireUnits(RightElements);
-    const Elements result = detail::multiplied(LeftElements, RightElements);
-    if (result.empty()) {
-        return one();
-    }
-    if (result.size() == 1 && result[0].getPow() == result[0].getRoot()) {
-        return result[0].getUnit();
-    }
-    return CUnit::getInstance(CUnitPtr(new CProductUnit(result)));
+    const detail::Factors left = detail::factorsOf(LeftElements);
+    return detail::Products::canonical(detail::multiplied(left, detail::factorsOf(RightElements)));
 }
 
 CUnitPtr CProductUnit::getProductInstance(CUnitPtr left, CUnitPtr right) {
     requireUnit(left, "CProductUnit::getProductInstance");
     requireUnit(right, "CProductUnit::getProductInstance");
-    return getInstance(left->elements(), right->elements());
+    detail::GivenFactors given;
+    const detail::Factors factors = detail::factorsOf(left, given);
+    return detail::Products::canonical(
+        detail::multiplied(factors, detail::factorsOf(right, given)));
 }
 
 CUnitPtr CProductUnit::getQuotientInstance(CUnitPtr left, CUnitPtr right) {
     requireUnit(left, "CProductUnit::getQuotientInstance");
     requireUnit(right, "CProductUnit::getQuotientInstance");
-    Elements divisors = right->elements();
-    for (CUnitRationalPower& divisor : divisors) {
-        divisor.setPow(checkedExponent(-std::int64_t{divisor.getPow()}));
-    }
-    return getInstance(left->elements(), divisors);
+    detail::GivenFactors given;
+    detail::Factors divisors = detail::factorsOf(right, given);
+    detail::invert(divisors);
+    return detail::Products::canonical(
+        detail::multiplied(detail::factorsOf(left, given), divisors));
 }
 
 CUnitPtr CProductUnit::getRootInstance(CUnitPtr unit, int n) {
     requireUnit(unit, "CProductUnit::getRootInstance");
-    return getInstance(detail::raised(unit->elements(), 1, n), Elements());
+    return detail::Products::raised(unit, 1, n);
 }
 
 CUnitPtr CProductUnit::getPowInstance(CUnitPtr unit, int n) {
     requireUnit(unit, "CProductUnit::getPowInstance");
-    return getInstance(detail::raised(unit->elements(), n, 1), Elements());
+    return detail::Products::raised(unit, n, 1);
 }
 
 int CProductUnit::size() const { return static_cast<int>(m_Elements.size()); }

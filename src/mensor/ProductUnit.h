@@ -19,6 +19,10 @@
 
 namespace mensor {
 
+namespace detail {
+struct Products;
+}
+
 /// A product of powers. Clients use the algebra of CUnit.
 ///
 /// Class contract: any thread. The makers lock mutex(); what folds the factors (`getSystemUnit`,
@@ -69,8 +73,9 @@ protected:
 
 private:
     friend struct detail::DebugLayout;
+    friend struct detail::Products;
 
-    MENSOR_LOCAL explicit CProductUnit(const std::vector<CUnitRationalPower>& elements);
+    MENSOR_LOCAL explicit CProductUnit(std::vector<CUnitRationalPower> elements);
 
     MENSOR_LOCAL bool elementsContainsOtherSingle(const CUnitRationalPower& element) const;
     MENSOR_LOCAL bool elementsContains(const std::vector<CUnitRationalPower>& elements) const;

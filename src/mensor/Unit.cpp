@@ -122,7 +122,6 @@ CUnitPtr CUnit::baseUnits() {
 string_t CUnit::getSymbol() { return m_Symbol; }
 
 void CUnit::setId(int id) { m_Id = id; }
-int CUnit::hashCode() const { return m_HashCode; }
 bool CUnit::isSystemUnit() { return getSystemUnit().get() == this; }
 
 CUnitPtr CUnit::getInstance(CUnitPtr unit) {

@@ -33,7 +33,8 @@ namespace mensor {
 
 namespace detail {
 struct DebugLayout;
-}
+struct Uncached;
+}  // namespace detail
 
 /// The base of all units. Clients may derive kinds of their own and register them with
 /// `getInstance`.
@@ -82,7 +83,7 @@ public:
     void setId(int id);
 
     /// The identity key: units with the same hash code are one unit. 0 until computed.
-    int hashCode() const;
+    int hashCode() const { return m_HashCode; }
 
     /// Whether this unit is its own system unit.
     bool isSystemUnit();
@@ -243,6 +244,7 @@ protected:
 private:
     friend class CUnitFormat;
     friend struct detail::DebugLayout;
+    friend struct detail::Uncached;
 
     MENSOR_LOCAL static CUnitPtr getUnitByIndexOrExpandTable(int index,
                                                              std::vector<CUnitPtr>& table);

@@ -24,12 +24,14 @@
 #include "mensor/parsing.h"
 #include "mensor/require.h"
 #include "mensor/tables.h"
+#include "mensor/uncached.h"
 #include "mensor/utf8.h"
 
 namespace mensor {
 
 using detail::Lock;
 using detail::tables;
+using detail::Uncached;
 
 namespace {
 
@@ -63,42 +65,52 @@ int parseExponentBytes(std::string_view text) {
 // the one that is registered under its hash, or would be by then, though its factors be others.
 class CTrial {
 public:
-    detail::Factors multiplied(const detail::Factors& left, const detail::Factors& right) {
-        return canonical(detail::multiplied(left, right));
+    // Multiplies what was multiplied before by unit->pow(pow)->root(root).
+    void multiply(const CUnitPtr& unit, int pow, int root) {
+        Factors factors = detail::factorsOf(unit, m_Given);
+        factors = raised(raised(factors, pow, 1), 1, root);
+        m_Product = canonical(detail::multiplied(m_Product, factors));
     }
-
-    detail::Factors pow(const detail::Factors& factors, int n) {
-        return n == 0 ? detail::Factors() : raised(factors, n, 1);
-    }
-
-    detail::Factors root(const detail::Factors& factors, int n) { return raised(factors, 1, n); }
 
 private:
+    using Factors = detail::Factors;
+
     // One of `pow` and `root` is 1.
-    detail::Factors raised(const detail::Factors& factors, int pow, int root) {
+    Factors raised(const Factors& factors, int pow, int root) {
         if (pow == 1 && root == 1) {
             return factors;
         }
-        detail::Factors result = canonical(detail::raised(factors, std::abs(pow), std::abs(root)));
-        return pow > 0 && root > 0 ? result : canonical(detail::raised(std::move(result), -1, 1));
+        if (pow == 0) {
+            return Factors();
+        }
+        Factors result = factors;
+        detail::raise(result, std::abs(pow), std::abs(root));
+        result = canonical(result);
+        if (pow > 0 && root > 0) {
+            return result;
+        }
+        detail::raise(result, -1, 1);
+        return canonical(result);
     }
 
-    detail::Factors canonical(detail::Factors factors) {
-        if (factors.empty()) {
+    Factors canonical(const Factors& factors) {
+        if (factors.size() == 0) {
             return factors;
         }
-        if (factors.size() == 1 && factors[0].getPow() == factors[0].getRoot()) {
-            return factors[0].unit()->elements();
+        const detail::Factor& first = *factors.begin();
+        if (factors.size() == 1 && first.Pow == first.Root) {
+            return detail::factorsOf(*first.Unit, m_Given);
         }
         const int hash = detail::hashOf(factors);
         const Lock lock(tables().Mutex);
         const auto found = tables().Instances.find(hash);
-        return found != tables().Instances.end()
-                   ? found->second->elements()
-                   : m_Products.emplace(hash, std::move(factors)).first->second;
+        return found != tables().Instances.end() ? detail::factorsOf(found->second, m_Given)
+                                                 : m_Products.emplace(hash, factors).first->second;
     }
 
-    std::map<int, detail::Factors> m_Products;  // that the algebra would have registered
+    Factors m_Product;
+    std::map<int, Factors> m_Products;  // that the algebra would have registered
+    detail::GivenFactors m_Given;       // which both point into
 };
 
 bool isRegistered(const CUnitPtr& unit) {
@@ -127,7 +139,7 @@ public:
             return nullptr;
         }
         requireSmallExponents();
-        return m_Factors.size() > ManyFactors ? productWithoutSlots() : product();
+        return product();
     }
 
     // The first unknown name, a slice of the text.
@@ -140,41 +152,14 @@ private:
         int Root;
     };
 
-    CUnitPtr product() {
-        CUnitPtr result = CProductUnit::one();
-        for (Factor& factor : m_Factors) {
-            if (factor.Pow != 1) {
-                factor.Unit = factor.Unit->pow(factor.Pow);
-            }
-            if (factor.Root != 1) {
-                factor.Unit = factor.Unit->root(factor.Root);
-            }
-            result = result->multiply(std::move(factor.Unit));
-        }
-        return result;
-    }
-
-    // The same units in the same order, but past the caches: each product on the way would keep a
-    // table of slots for a single entry, and nobody asks for it again.
-    CUnitPtr productWithoutSlots() const {
+    CUnitPtr product() const {
         CUnitPtr result = CProductUnit::one();
         for (const Factor& factor : m_Factors) {
-            CUnitPtr unit = raised(factor.Unit, factor.Pow, CProductUnit::getPowInstance);
-            unit = raised(unit, factor.Root, CProductUnit::getRootInstance);
-            // Units that were never registered share a slot, and what it holds.
-            const bool hasOwnSlot = unit != CProductUnit::one() && isRegistered(unit);
-            result = hasOwnSlot ? CProductUnit::getProductInstance(result, unit)
-                                : result->multiply(unit);
+            const Lock lock(tables().Mutex);
+            result =
+                Uncached::multiply(result, Uncached::raise(factor.Unit, factor.Pow, factor.Root));
         }
         return result;
-    }
-
-    // As CUnit::pow() and CUnit::root().
-    static CUnitPtr raised(const CUnitPtr& unit, int n, CUnitPtr (*getInstance)(CUnitPtr, int)) {
-        if (n < 0) {
-            return CProductUnit::one()->divide(raised(unit, -n, getInstance));
-        }
-        return n == 0 ? CProductUnit::one() : n == 1 ? unit : getInstance(unit, n);
     }
 
     // Where exponents may leave the range of int, the algebra is tried without building units.
@@ -190,10 +175,8 @@ private:
             return;
         }
         CTrial trial;
-        detail::Factors product;
         for (const Factor& factor : m_Factors) {
-            product = trial.multiplied(
-                product, trial.root(trial.pow(factor.Unit->elements(), factor.Pow), factor.Root));
+            trial.multiply(factor.Unit, factor.Pow, factor.Root);
         }
     }
 
@@ -325,7 +308,6 @@ private:
 
     // Most texts are read without fetching memory for their factors.
     static constexpr std::size_t UsualFactors = 4;
-    static constexpr std::size_t ManyFactors = 64;
     alignas(Factor) std::byte m_Room[UsualFactors * sizeof(Factor)];
     std::pmr::monotonic_buffer_resource m_Memory{m_Room, sizeof m_Room};
     std::pmr::vector<Factor> m_Factors{&m_Memory};

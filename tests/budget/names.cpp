@@ -1,0 +1,61 @@
+// names.cpp: parses products of different names under callgrind, each beside a text as long that repeats
+// one name, "<KIND> <NUMBER OF NAMES>". The products of different names have a factor more for each name;
+// those of the same name have one factor.
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include <valgrind/callgrind.h>
+
+#include "mensor/UnitFormat.h"
+
+using namespace mensor;
+
+namespace {
+
+// All names that are read as they are, in the order of the table.
+std::vector<std::string> names() {
+    std::vector<std::string> names;
+    for (const auto& [name, unit] : CUnitFormat::names()) {
+        bool isRead = !name.empty();
+        for (const char_t c : name) {
+            isRead = isRead && CUnitFormat::isUnitIdentifierPart(c);
+        }
+        if (isRead) {
+            names.push_back(mensor::toStdString(name));
+        }
+    }
+    return names;
+}
+
+void count(const std::string& kind, std::size_t number, const std::string& text) {
+    const std::string name = kind + ' ' + std::to_string(number);
+    const string_t read(text);
+    CALLGRIND_ZERO_STATS;
+    CUnit::fromString(read);
+    CALLGRIND_DUMP_STATS_AT(name.c_str());
+}
+
+// `number` names from all over the table. `first` chooses others than another call does.
+void countBoth(std::size_t first, std::size_t number, const std::string& repeated) {
+    static const std::vector<std::string> all = names();
+    std::string different, same;
+    for (std::size_t i = 0; i < number; ++i) {
+        different += all[(first + i * all.size() / number) % all.size()] + '*';
+    }
+    while (same.size() < different.size()) {
+        same += repeated + '*';
+    }
+    count("different", number, different);
+    count("same", number, same);
+}
+
+}  // namespace
+
+int main() {
+    countBoth(0, 10, "cd");
+    countBoth(1, 30, "mol");
+    countBoth(2, 100, "lx");
+    countBoth(3, names().size(), "kat");
+    return 0;
+}
