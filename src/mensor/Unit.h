@@ -274,7 +274,9 @@ private:
                                                         const CUnitPtr& dimension);
 
 protected:
-    std::recursive_mutex m_LookupVectorMutex;  // guards the four vectors below; order: see the top
+    // Guards the four vectors below; order: see the top. Whoever fills a slot holds mutex(), too, so a
+    // reader needs one of the two.
+    std::recursive_mutex m_LookupVectorMutex;
     std::vector<CUnitPtr> m_MultiplyLookUp;    // multiply(unit), slot = the other unit's id
     std::vector<CUnitPtr> m_DivideLookUp;      // divide(unit), slot = the other unit's id
     std::vector<CUnitPtr> m_RootLookUp;        // root(n), slot = n - 2

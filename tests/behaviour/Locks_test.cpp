@@ -140,11 +140,16 @@ TEST(LockOrder, OfKnownNegativePowersIsOneUnitAfterTheOther) {
     EXPECT_EQ(holdsWhileItWaits(ofOne, CUnit::mutex(), [&] { a ^ -3; }), false);
 }
 
-TEST(LockOrder, OfAFirstDimensionIsTheTablesAndThenTheUnits) {
+// Folding a product and reading a text look into the caches of units under the mutex of the tables alone.
+TEST(LockOrder, OfAFirstDimensionAndOfAFirstTextIsTheTablesAlone) {
     const CUnitPtr a = freshUnit(), b = freshUnit(), product = (a * 1000.0) * b;
-    EXPECT_EQ(
-        holdsWhileItWaits(Inside::lookupMutex(a), CUnit::mutex(), [&] { product->getDimension(); }),
-        true);
+    std::recursive_mutex& ofUnit = Inside::lookupMutex(a);
+    const string_t text = a->getSymbol() + "^5·" + b->getSymbol();
+    EXPECT_EQ(holdsWhileItWaits(ofUnit, CUnit::mutex(), [&] { product->getDimension(); }),
+              std::nullopt);
+    EXPECT_EQ(holdsWhileItWaits(ofUnit, CUnit::mutex(), [&] { CUnit::fromString(text); }),
+              std::nullopt);
+    EXPECT_EQ(holdsWhileItWaits(CUnit::mutex(), ofUnit, [&] { (a ^ 7)->getDimension(); }), false);
 }
 
 // The factory asks a client's kind of unit with both locks held.
