@@ -277,13 +277,13 @@ protected:
     // Guards the four vectors below; order: see the top. Whoever fills a slot holds mutex(), too, so a
     // reader needs one of the two.
     std::recursive_mutex m_LookupVectorMutex;
-    std::vector<CUnitPtr> m_MultiplyLookUp;    // multiply(unit), slot = the other unit's id
-    std::vector<CUnitPtr> m_DivideLookUp;      // divide(unit), slot = the other unit's id
-    std::vector<CUnitPtr> m_RootLookUp;        // root(n), slot = n - 2
-    std::vector<CUnitPtr> m_PowLookUp;         // pow(n), slot = n - 2
-    string_t m_Symbol;                         // as given; empty for units that have none
-    int m_HashCode;                            // written by calculateHashCode(), 0 until then
-    int m_Id;                                  // written by getInstance(), 0 until then
+    std::vector<CUnitPtr> m_MultiplyLookUp;  // multiply(unit), slot = the other unit's id
+    std::vector<CUnitPtr> m_DivideLookUp;    // divide(unit), slot = the other unit's id
+    std::vector<CUnitPtr> m_RootLookUp;      // root(n), slot = n - 2
+    std::vector<CUnitPtr> m_PowLookUp;       // pow(n), slot = n - 2
+    string_t m_Symbol;                       // as given; empty for units that have none
+    int m_HashCode;                          // written by calculateHashCode(), 0 until then
+    int m_Id;                                // written by getInstance(), 0 until then
 
 private:
     // What dimensions() and toDimensions() say of this unit, void under another epoch (tables.h).
