@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <fstream>
 #include <iostream>
+#include <tuple>
 
 // One line of the table: two benchmarks and the ratio that is aimed at.
 struct CReport::Line {
@@ -110,6 +111,52 @@ const std::vector<CReport::Line>& CReport::lines() {
 
         heading("Request");
         peer("request 2.5 km in m", 0.22);
+
+        heading("Exactly, one value");
+        const auto exactly = [&](const std::string& work, const std::string& other, const char* who,
+                                 double target) {
+            all.push_back(
+                {Line::AT_MOST, work, work + ": mensor::exact", other + ": " + who, target});
+        };
+        const std::tuple<const char*, double, double> exactPairs[] = {{"ft to m", 2.2, 1.5},
+                                                                      {"m/s to km/h", 2.2, 1.5},
+                                                                      {"° to rad", 2.2, 1.5},
+                                                                      {"°F to °C", 5.5, 2.5},
+                                                                      {"°C to °F", 5.5, 2.5}};
+        for (const auto& [pair, dependent, independent] : exactPairs) {
+            const bool isLinear = dependent < 5;
+            for (const auto& [how, target] :
+                 {std::pair{", dependent", dependent}, {", independent", independent}}) {
+                const std::string work = std::string("exact, ") + pair + how;
+                exactly(work, std::string("exact, one value") + how, "a virtual call", target);
+                exactly(work, work, "UDUNITS-2", isLinear ? 1 : 0);
+            }
+        }
+        exactly("exact, without FMA, ft to m, dependent", "exact, one value, dependent",
+                "a virtual call", 6.5);
+        for (const auto& pair : exactPairs) {
+            const std::string work = std::string("exact, build ") + std::get<0>(pair);
+            exactly(work, work, "UDUNITS-2", 0);
+        }
+        exactly("exact, 98.6 °F as text", "exact, 98.6 °F as text", "from_chars, to_chars", 3);
+
+        heading("Exactly, arrays");
+        const std::tuple<const char*, double, double> exactSizes[] = {
+            {"exact, 10^3 values", 1.75, 8},
+            {"exact, 10^6 values", 1.15, 2.5},
+            {"exact, 1.6·10^7 values", 1.1, 1.25}};
+        for (const auto& [size, linear, offset] : exactSizes) {
+            for (const auto& pair : exactPairs) {
+                const bool isLinear = std::get<1>(pair) < 5;
+                const std::string work = std::string(size) + " " + std::get<0>(pair);
+                exactly(work, size, "a plain loop", isLinear ? linear : offset);
+                exactly(work, work, "UDUNITS-2", 1);
+            }
+        }
+        exactly("exact, without FMA, 10^3 values ft to m", "exact, without FMA, 10^3 values",
+                "a scalar loop", 6);
+        exactly("exact, 10^3 counts of m°C to °F", "exact, 10^3 counts", "a plain loop", 5);
+        exactly("exact, 10^6 counts of m°C to °F", "exact, 10^6 counts", "a plain loop", 2);
 
         heading("The checked companion against the library");
         for (const char* text : {"m", "km", "m/s", "kg·m²/s²", "mol/(m^3*s)"}) {
