@@ -73,7 +73,7 @@ struct CRemainder {
         if (word[0] == 0) {
             return 0;
         }
-        const int up = 64 - bitsOf(word[0]);
+        const int up = __builtin_clzll(word[0]);
         const CTwoWords high = shiftedLeft({word[0], word[1]}, up);
         const bool isExact = (high.High & 0x7FF) == 0 && high.Low == 0 && word[2] == 0 && IsWhole;
         const std::uint64_t mantissa = (high.High >> 11) + (isUp && !isExact ? 1 : 0);
@@ -101,8 +101,8 @@ bool isProved(const CLeading& factor, const CFastForm& form) {
 
 CLeading CLeading::ofQuotient(std::uint64_t numerator, std::uint64_t denominator,
                               std::int64_t twos) {
-    const int upN = 64 - bitsOf(numerator);
-    const int upD = 64 - bitsOf(denominator);
+    const int upN = __builtin_clzll(numerator);
+    const int upD = __builtin_clzll(denominator);
     const std::uint64_t n = numerator << upN;
     const std::uint64_t d = denominator << upD;
     const bool isHalved = n >= d;

@@ -58,7 +58,7 @@ std::optional<CNearest> CShortLine::convert(const CNumber& x, const CFormat& for
 
     // The highest bit of the divisor is set, and that of the dividend is not, so the quotient fits one word
     // and has at least 63 bits. A dividend of 128 bits loses its last one first.
-    const int up = 64 - bitsOf(D);
+    const int up = __builtin_clzll(D);
     const int left = 127 - bitsOf(sum.Magnitude);
     bool isWhole = true;
     CTwoWords dividend;

@@ -64,7 +64,7 @@ inline CTwoWords product(std::uint64_t a, std::uint64_t b) {
 // by at most 2.
 inline std::uint64_t quotient(const CTwoWords& a, std::uint64_t divisor, std::uint64_t& rest) {
     const std::uint64_t mask = 0xFFFFFFFF;
-    const int shift = 64 - bitsOf(divisor);
+    const int shift = __builtin_clzll(divisor);
     const std::uint64_t d = divisor << shift;
     const CTwoWords n = shiftedLeft(a, shift);
     std::uint64_t result = 0;
