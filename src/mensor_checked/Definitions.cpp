@@ -9,15 +9,19 @@
 
 #include "mensor_checked/Checks.h"
 #include "mensor_checked/Define.h"
+#include "mensor_checked/Factors.h"
 #include "mensor_checked/Names.h"
-#include "mensor_checked/Parser.h"
 #include "mensor_checked/Reader.h"
-#include "mensor_checked/Text.h"
+#include "mensor_exact/Parser.h"
+#include "mensor_exact/Utf8.h"
 
 namespace mensor {
 namespace checked {
 
 namespace {
+
+using exact::countCodePoints;
+using exact::LongestText;
 
 bool isBlank(char c) { return c == ' ' || c == '\t'; }
 bool isDigit(char c) { return c >= '0' && c <= '9'; }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "mensor/Unit.h"
+#include "mensor_exact/NearestNames.h"
 
 namespace mensor {
 namespace checked {
@@ -45,9 +46,8 @@ struct CName {
 /// Good until the next call.
 const CName* knownName(std::string_view name);
 
-/// The known names nearest to `name`, best first, at most five: the same letters in other case, then
-/// by edit distance.
-std::vector<std::string> nearestNames(std::string_view name);
+/// Adds all known names but those of scales that have lost their offset.
+void addNamesTo(exact::CNearestNames& nearest);
 
 /// All names under which `unit` can be read: its label, its aliases and its symbol.
 std::vector<std::string> namesOf(const CUnitPtr& unit);

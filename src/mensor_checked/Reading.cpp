@@ -12,10 +12,11 @@
 #include "mensor/ProductUnit.h"
 #include "mensor/TransformedUnit.h"
 #include "mensor_checked/Checks.h"
+#include "mensor_checked/Factors.h"
 #include "mensor_checked/Memory.h"
 #include "mensor_checked/Names.h"
-#include "mensor_checked/Parser.h"
 #include "mensor_checked/Reader.h"
+#include "mensor_exact/Parser.h"
 
 namespace mensor {
 namespace checked {
@@ -25,7 +26,7 @@ namespace {
 class CReader {
 public:
     CReader(std::string_view text, const CReadOptions& options)
-        : m_Text(text), m_Options(options), m_Factors(parse(text, options)) {}
+        : m_Text(text), m_Options(options), m_Factors(factorsOf(text, options)) {}
 
     CReading read(bool isKept) {
         checkScales();
@@ -141,8 +142,8 @@ private:
             multiplyInto(product, factor.Unit, CRational(factor.Pow, factor.Root));
             for (const CElement& element : product) {
                 const std::int64_t pow = element.Exponent.numerator();
-                if (pow > LargestExponent || pow < -LargestExponent ||
-                    element.Exponent.denominator() > LargestExponent) {
+                if (pow > exact::LargestExponent || pow < -exact::LargestExponent ||
+                    element.Exponent.denominator() > exact::LargestExponent) {
                     refuse(eRefusal::EXPONENT_RANGE, factor.Name,
                            "here the exponents of " + describe(element.Unit) +
                                " come together to one beyond 99");

@@ -18,106 +18,25 @@
 #ifndef MENSOR_CHECKED_READING_H
 #define MENSOR_CHECKED_READING_H
 
-#include <cstddef>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "mensor/Unit.h"
 #include "mensor_checked/checked_export.h"
+#include "mensor_exact/Diagnosis.h"
+#include "mensor_exact/Reading.h"
 
 namespace mensor {
 namespace checked {
 
-/// Why a text was refused. The numbers are part of the interface; new ones are added at the end.
-enum class eRefusal : int {
-    // The text.
-    EMPTY = 1,             ///< nothing is written, and CReadOptions::Dimensionless is not set
-    TOO_LONG,              ///< more than 4096 code points
-    TOO_DEEP,              ///< more than 64 parentheses or roots inside each other
-    MALFORMED_TEXT,        ///< not UTF-8, or a NUL
-    UNEXPECTED_CHARACTER,  ///< a character that belongs to no unit
-    // The grammar.
-    UNKNOWN_NAME,            ///< no label, alias or symbol
-    STRAY_NUMBER,            ///< a number that is neither an exponent nor the 1 of "1/s"
-    MISSING_UNIT,            ///< an operator without a unit on one of its sides, or "()"
-    MISSING_OPERATOR,        ///< two units without anything between them, "m²s" or "kg(m)"
-    SECOND_DIVISION,         ///< "W/m²/K"
-    PRODUCT_AFTER_DIVISION,  ///< "W/m·K"
-    OPEN_BRACKET,            ///< a "(" or "[" that nothing closes
-    STRAY_BRACKET,           ///< a ")" or "]" that nothing opens
-    MALFORMED_EXPONENT,      ///< "m^", "m^(1", "m^x"
-    INEXACT_EXPONENT,        ///< a decimal that is no small fraction, "m^0.333"
-    EXPONENT_RANGE,          ///< numerator or denominator beyond 99, also of powers that meet
-    SECOND_EXPONENT,         ///< "m^2^3"
-    // The meaning.
-    OFFSET_IN_PRODUCT,    ///< "J/°C", unless CReadOptions::Differences is set
-    PREFIXED_OFFSET,      ///< "m°C", which the library knows without its offset; unless as above
-    COLLISION,            ///< the library gives another unit, which has the same hash code
-    DIMENSION_COLLISION,  ///< the right unit, but its dimension has the hash code of another one
-    FACTOR_RANGE,         ///< the factor of the unit is no normal double
-    REFUSED_BY_LIBRARY,   ///< the library threw; the sentence quotes it
-    // Values (Values.h).
-    NO_NUMBER,      ///< the text does not begin with a number
-    DECIMAL_COMMA,  ///< "2,5 km"
-    HEXADECIMAL,    ///< "0x10 m"
-    NOT_FINITE,     ///< "nan" or "inf", unless CReadOptions::NotFinite is set
-    NUMBER_RANGE    ///< beyond the range of double
-};
-
-/// The enumerator's own name, for logs and tables: "SECOND_DIVISION".
-/// @par Threads  Any thread; takes no lock.
-MENSOR_CHECKED_API const char* nameOf(eRefusal code);
-
-/// What is wrong with a text, and where.
-///
-/// Class contract: caller serialises changes of one object; distinct objects any thread.
-struct MENSOR_CHECKED_API CDiagnosis {
-    eRefusal Code;
-    std::string Text;          ///< the whole text, as it was given
-    std::size_t Position = 0;  ///< where `Token` begins, in code points from 0
-    std::size_t Byte = 0;      ///< the same in bytes
-    std::string Token;         ///< what is refused, as it was written; empty at the end of the text
-    std::string Sentence;      ///< a plain sentence in UTF-8, without a full stop
-    /// What the text may have meant, each to be written instead; for a collision the two meanings:
-    /// the text's and the one the library gives.
-    std::vector<std::string> Readings;
-    std::vector<std::string>
-        Suggestions;  ///< the known names nearest to an unknown one, best first
-
-    /// All of it on one line: the sentence, then "(did you mean ...?)" or "(write ... or ...)".
-    std::string message() const;
-
-    /// Two lines: the text, and carets under the token, each line ended. Characters that would break
-    /// the line are shown as "?".
-    std::string caret() const;
-};
-
-/// The throwing form of a refusal; what() is the diagnosis' message().
-///
-/// Class contract: caller serialises changes of one object; distinct objects any thread.
-class MENSOR_CHECKED_API CReadError : public std::invalid_argument {
-public:
-    explicit CReadError(CDiagnosis diagnosis);
-    ~CReadError() override;
-    CReadError(const CReadError&);
-    CReadError& operator=(const CReadError&);
-
-    const CDiagnosis& diagnosis() const noexcept;
-
-private:
-    CDiagnosis m_Diagnosis;
-};
-
-/// What a reader allows beyond the plain grammar.
-struct CReadOptions {
-    bool Dimensionless = false;  ///< the empty text is the dimensionless unit
-    bool Differences = false;    ///< an offset unit in a product is its difference: "J/°C" is J/K
-                                 ///< (but "W/m°C" stays refused: W/(m·K)?)
-    bool NotFinite = false;      ///< values may be "nan", "inf", "infinity", with a sign
-};
+using exact::CDiagnosis;
+using exact::CReadError;
+using exact::CReadOptions;
+using exact::eRefusal;
+using exact::isName;
+using exact::nameOf;
 
 /// The outcome of a reading that does not throw: a unit or a refusal, never both.
 struct CReading {
@@ -138,11 +57,6 @@ MENSOR_CHECKED_API CUnitPtr readUnit(std::string_view text, const CReadOptions& 
 /// The same without exceptions for refused texts. Only std::bad_alloc may pass.
 /// @par Threads  Any thread, locks CUnit::mutex() for the whole reading (see WarmUp.h).
 MENSOR_CHECKED_API CReading tryReadUnit(std::string_view text, const CReadOptions& options = {});
-
-/// Whether `text` is one name by the grammar, so that a unit labelled with it can be read:
-/// "km", "[in_i]", but not "m2", "a b" or "".
-/// @par Threads  Any thread; takes no lock.
-MENSOR_CHECKED_API bool isName(std::string_view text);
 
 }  // namespace checked
 }  // namespace mensor

@@ -10,15 +10,21 @@
 #include "mensor/ProductUnit.h"
 #include "mensor/UnitFormat.h"
 #include "mensor_checked/Checks.h"
+#include "mensor_checked/Factors.h"
 #include "mensor_checked/Names.h"
-#include "mensor_checked/Parser.h"
 #include "mensor_checked/Reader.h"
-#include "mensor_checked/Text.h"
+#include "mensor_exact/Characters.h"
+#include "mensor_exact/Parser.h"
 
 namespace mensor {
 namespace checked {
 
 namespace {
+
+using exact::CCursor;
+using exact::countCodePoints;
+using exact::eKind;
+using exact::LongestText;
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 

@@ -4,12 +4,12 @@
 #include <iterator>
 #include <vector>
 
-#include "mensor_checked/Utf8.h"
+#include "mensor_exact/Utf8.h"
 
 namespace {
 
-using mensor::checked::decode;
-using mensor::checked::NotUtf8;
+using mensor::exact::decode;
+using mensor::exact::NotUtf8;
 
 struct CRange {
     char32_t First;

@@ -1,14 +1,12 @@
-// Utf8.h: strict reading of UTF-8. For the companion and the tool; not installed.
-//
-// The library takes any bytes for text; what comes from people, files and wires is refused here
-// where it is not UTF-8, since no two programs agree on what such bytes show.
-#ifndef MENSOR_CHECKED_UTF8_H
-#define MENSOR_CHECKED_UTF8_H
+// Utf8.h: strict reading of UTF-8. For mensor's own libraries and the tool; not installed.
+#ifndef MENSOR_EXACT_UTF8_H
+#define MENSOR_EXACT_UTF8_H
 
+#include <cstddef>
 #include <string_view>
 
 namespace mensor {
-namespace checked {
+namespace exact {
 
 constexpr char32_t NotUtf8 = 0xFFFFFFFF;
 
@@ -43,7 +41,18 @@ inline char32_t decode(std::string_view text, std::size_t& length) {
     return c;
 }
 
-}  // namespace checked
+/// The number of code points in `text`. A byte that is not UTF-8 counts as one.
+inline std::size_t countCodePoints(std::string_view text) {
+    std::size_t count = 0;
+    std::size_t length = 0;
+    for (std::size_t at = 0; at < text.size(); at += length) {
+        decode(text.substr(at), length);
+        ++count;
+    }
+    return count;
+}
+
+}  // namespace exact
 }  // namespace mensor
 
-#endif  // MENSOR_CHECKED_UTF8_H
+#endif  // MENSOR_EXACT_UTF8_H

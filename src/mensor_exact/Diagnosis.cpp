@@ -1,11 +1,12 @@
-// Diagnosis.cpp: how a refusal is told.
+#include "mensor_exact/Diagnosis.h"
+
+#include <string_view>
 #include <utility>
 
-#include "mensor_checked/Reading.h"
-#include "mensor_checked/Utf8.h"
+#include "mensor_exact/Utf8.h"
 
 namespace mensor {
-namespace checked {
+namespace exact {
 
 namespace {
 
@@ -96,5 +97,5 @@ CReadError::~CReadError() = default;
 
 const CDiagnosis& CReadError::diagnosis() const noexcept { return m_Diagnosis; }
 
-}  // namespace checked
+}  // namespace exact
 }  // namespace mensor

@@ -1,55 +1,9 @@
-#include "mensor_checked/Text.h"
-
-#include <array>
-
-#include "mensor_checked/Utf8.h"
+#include "mensor_exact/Characters.h"
 
 namespace mensor {
-namespace checked {
+namespace exact {
 
-namespace {
-
-constexpr std::array<eKind, 128> asciiKinds() {
-    std::array<eKind, 128> kinds{};
-    for (auto& kind : kinds) {
-        kind = eKind::NAME;
-    }
-    for (std::size_t c = 0; c < 0x20; ++c) {
-        kinds[c] = eKind::FOREIGN;
-    }
-    for (const char c : {'!', '"', '&', '\'', ',', ';', '<', '=', '>', '?', '\x7F'}) {
-        kinds[static_cast<unsigned char>(c)] = eKind::FOREIGN;
-    }
-    for (std::size_t c = '0'; c <= '9'; ++c) {
-        kinds[c] = eKind::DIGIT;
-    }
-    kinds[' '] = kinds['\t'] = eKind::BLANK;
-    kinds['*'] = eKind::STAR;
-    kinds['.'] = eKind::POINT;
-    kinds['/'] = eKind::SLASH;
-    kinds['^'] = eKind::CARET;
-    kinds[':'] = eKind::COLON;
-    kinds['+'] = eKind::PLUS;
-    kinds['-'] = eKind::MINUS;
-    kinds['('] = eKind::OPEN;
-    kinds[')'] = eKind::CLOSE;
-    kinds['['] = eKind::OPEN_NAME;
-    kinds[']'] = eKind::CLOSE_NAME;
-    return kinds;
-}
-
-constexpr std::array<eKind, 128> AsciiKinds = asciiKinds();
-
-}  // namespace
-
-eKind kindOf(char32_t c, int& digit) {
-    if (c < 0x80) {
-        const eKind kind = AsciiKinds[c];
-        if (kind == eKind::DIGIT) {
-            digit = static_cast<int>(c - U'0');
-        }
-        return kind;
-    }
+eKind kindBeyondAscii(char32_t c, int& digit) {
     switch (c) {
         case U'\u00A0':  // no-break space
         case U'\u1680':
@@ -128,25 +82,5 @@ eKind kindOf(char32_t c, int& digit) {
     return eKind::NAME;
 }
 
-void CCursor::read() {
-    if (m_At == m_Text.size()) {
-        m_Kind = eKind::END;
-        m_Length = 0;
-        return;
-    }
-    m_Character = decode(m_Text.substr(m_At), m_Length);
-    m_Kind = kindOf(m_Character, m_Digit);
-}
-
-std::size_t countCodePoints(std::string_view text) {
-    std::size_t count = 0;
-    std::size_t length = 0;
-    for (std::size_t at = 0; at < text.size(); at += length) {
-        decode(text.substr(at), length);
-        ++count;
-    }
-    return count;
-}
-
-}  // namespace checked
+}  // namespace exact
 }  // namespace mensor

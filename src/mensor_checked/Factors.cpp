@@ -1,0 +1,57 @@
+#include "mensor_checked/Factors.h"
+
+#include <cstdint>
+
+#include "mensor/UnitFormat.h"
+#include "mensor_checked/Names.h"
+#include "mensor_exact/Parser.h"
+
+namespace mensor {
+namespace checked {
+
+namespace {
+
+// Finds names in the registry, and numbers what it has found from 1.
+class CRegistryNames final : public exact::CResolver {
+public:
+    std::uint32_t find(std::string_view name) override {
+        const CName* const known = knownName(name);
+        if (known == nullptr) {
+            return None;
+        }
+        m_Found.push_back({known->Unit, known->Unit, {}, known->IsExact, known->HasOffset,
+                           known->Prefixed.has_value()});
+        return static_cast<std::uint32_t>(m_Found.size());
+    }
+
+    void addNamesTo(exact::CNearestNames& nearest) override { checked::addNamesTo(nearest); }
+
+    // What is found is in the order of the factors.
+    std::vector<CFactor> take(const exact::CNamedFactors& factors) {
+        for (const exact::CNamedFactor& factor : factors) {
+            CFactor& found = m_Found[factor.Unit - 1];
+            found.Name = factor.Name;
+            found.Pow = factor.Pow;
+            found.Root = factor.Root;
+        }
+        return std::move(m_Found);
+    }
+
+private:
+    std::vector<CFactor> m_Found;
+};
+
+}  // namespace
+
+std::vector<CFactor> factorsOf(std::string_view text, const CReadOptions& options) {
+    CRegistryNames names;
+    exact::CNamedFactors factors;
+    exact::CRefusal refusal;
+    if (!exact::parse(text, 0, options.Dimensionless, names, factors, refusal)) {
+        throw Refused{exact::diagnose(refusal, names)};
+    }
+    return names.take(factors);
+}
+
+}  // namespace checked
+}  // namespace mensor

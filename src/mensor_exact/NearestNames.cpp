@@ -1,0 +1,118 @@
+#include "mensor_exact/NearestNames.h"
+
+#include <algorithm>
+#include <bitset>
+#include <tuple>
+
+#include "mensor_exact/Utf8.h"
+
+namespace mensor {
+namespace exact {
+
+namespace {
+
+// The edit distance of two names of `aSize` and `bSize` letters.
+template <class Letters>
+std::size_t editDistance(const Letters& a, std::size_t aSize, const Letters& b, std::size_t bSize) {
+    std::array<std::uint8_t, std::tuple_size_v<Letters> + 1> rows[3];
+    auto* before = &rows[0];
+    auto* last = &rows[1];
+    auto* row = &rows[2];
+    for (std::size_t j = 0; j <= bSize; ++j) {
+        (*last)[j] = static_cast<std::uint8_t>(j);
+    }
+    for (std::size_t i = 1; i <= aSize; ++i) {
+        (*row)[0] = static_cast<std::uint8_t>(i);
+        for (std::size_t j = 1; j <= bSize; ++j) {
+            int least = (*last)[j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1);
+            least = std::min({least, (*last)[j] + 1, (*row)[j - 1] + 1});
+            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
+                least = std::min(least, (*before)[j - 2] + 1);
+            }
+            (*row)[j] = static_cast<std::uint8_t>(least);
+        }
+        std::swap(before, last);
+        std::swap(last, row);
+    }
+    return (*last)[bSize];
+}
+
+std::size_t countBits(std::uint64_t bits) { return std::bitset<64>(bits).count(); }
+
+}  // namespace
+
+CNearestNames::CNearestNames(std::string_view unknown) {
+    m_HasNone = !read(unknown, m_Unknown) || m_Unknown.Size > Longest;
+    // A name of one letter is one edit away from every other: only its case tells anything.
+    m_Farthest = m_Unknown.Size < 2 ? 0 : m_Unknown.Size < 5 ? 1 : MostEdits;
+}
+
+// Returns false where the text is too long to be near.
+bool CNearestNames::read(std::string_view text, CLetters& letters) {
+    std::size_t length = 0;
+    for (std::size_t at = 0; at < text.size(); at += length) {
+        if (letters.Size == letters.Exact.size()) {
+            return false;
+        }
+        const char32_t c = decode(text.substr(at), length);
+        const char32_t small = c >= U'A' && c <= U'Z' ? c + (U'a' - U'A') : c;
+        letters.Exact[letters.Size] = c;
+        letters.Small[letters.Size] = small;
+        letters.Set |= std::uint64_t{1} << (small % 64);
+        ++letters.Size;
+    }
+    return true;
+}
+
+// Finds out how far a name is, whatever the case. Returns false where it is not near.
+bool CNearestNames::measure(std::string_view known, CLetters& letters,
+                            std::size_t& distance) const {
+    if (m_HasNone || known.empty() || !read(known, letters) ||
+        letters.Size > m_Unknown.Size + m_Farthest || m_Unknown.Size > letters.Size + m_Farthest) {
+        return false;
+    }
+    // One edit adds at most one letter and takes at most one away.
+    if (countBits(letters.Set & ~m_Unknown.Set) > m_Farthest ||
+        countBits(m_Unknown.Set & ~letters.Set) > m_Farthest) {
+        return false;
+    }
+    distance = editDistance(m_Unknown.Small, m_Unknown.Size, letters.Small, letters.Size);
+    return distance <= m_Farthest;
+}
+
+bool CNearestNames::isNear(std::string_view known) const {
+    CLetters letters;
+    std::size_t distance = 0;
+    return measure(known, letters, distance);
+}
+
+void CNearestNames::add(std::string_view known) {
+    CLetters letters;
+    std::size_t distance = 0;
+    if (measure(known, letters, distance)) {
+        m_Found.push_back(
+            {distance, editDistance(m_Unknown.Exact, m_Unknown.Size, letters.Exact, letters.Size),
+             std::string(known)});
+    }
+}
+
+std::vector<std::string> CNearestNames::best() const {
+    constexpr std::size_t Most = 5;
+    std::vector<const CCandidate*> order;
+    order.reserve(m_Found.size());
+    for (const CCandidate& candidate : m_Found) {
+        order.push_back(&candidate);
+    }
+    std::sort(order.begin(), order.end(), [](const CCandidate* a, const CCandidate* b) {
+        return std::tie(a->Distance, a->ExactDistance, a->Name) <
+               std::tie(b->Distance, b->ExactDistance, b->Name);
+    });
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < order.size() && i < Most; ++i) {
+        names.push_back(order[i]->Name);
+    }
+    return names;
+}
+
+}  // namespace exact
+}  // namespace mensor

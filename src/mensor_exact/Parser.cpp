@@ -1,0 +1,669 @@
+// Parser.cpp: recursive descent, one function for each rule of the grammar in docs/reading.md:
+//
+//     unit       = [ blanks ] ( "1" | expression ) [ blanks ]
+//     expression = ( "1" | product ) [ slash factor ]
+//     product    = factor { times factor }
+//     factor     = "√" factor | name [ power | digits ] | "(" ( "1" | expression ) ")" [ power ]
+//
+// The result is flat: each name with its exponent, which parentheses, roots and divisions around it
+// multiply when they close. So the mathematics of the text is done when its last character is read.
+//
+// The function of a rule returns false where the text is refused; m_Refusal then says why.
+#include "mensor_exact/Parser.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <numeric>
+
+#include "mensor_exact/Characters.h"
+#include "mensor_exact/NearestNames.h"
+#include "mensor_exact/Reading.h"
+#include "mensor_exact/Utf8.h"
+
+namespace mensor {
+namespace exact {
+
+namespace {
+
+struct Fraction {
+    int Pow;
+    int Root;
+};
+
+// The product in lowest terms; none of the four numbers exceeds 9999 in size, so nothing overflows.
+Fraction multiplied(Fraction a, Fraction b) {
+    const int pow = a.Pow * b.Pow;
+    const int root = a.Root * b.Root;
+    if (root == 1) {
+        return {pow, 1};
+    }
+    const int divisor = std::gcd(pow, root);
+    return {pow / divisor, root / divisor};
+}
+
+bool isInRange(Fraction fraction) {
+    return std::abs(fraction.Pow) <= LargestExponent && fraction.Root <= LargestExponent;
+}
+
+bool isSign(eKind kind) { return kind == eKind::PLUS || kind == eKind::MINUS; }
+
+bool isRaised(eKind kind) {
+    return kind == eKind::RAISED_DIGIT || kind == eKind::RAISED_MINUS || kind == eKind::RAISED_PLUS;
+}
+
+const char* sentenceOnForeign(char32_t c) {
+    switch (c) {
+        case U'\'': return "no apostrophe stands in a unit; the minute of arc is \"′\"";
+        case U'"': return "no quotation mark stands in a unit; the second of arc is \"″\"";
+        case U',': return "no comma stands in a unit";
+        case U'<':
+        case U'>':
+        case U'&':
+        case U';': return "no markup stands in a unit";
+        case U'\n':
+        case U'\r': return "a unit stands on one line";
+        default:
+            return c < 0x80 && c > 0x20 ? "no unit is written with this character"
+                                        : "an invisible character stands here";
+    }
+}
+
+class CParser {
+public:
+    CParser(std::string_view text, std::size_t begin, CResolver& resolver, CNamedFactors& factors,
+            CRefusal& refusal)
+        : m_Text(text),
+          m_Begin(begin),
+          m_Resolver(resolver),
+          m_Factors(factors),
+          m_Refusal(refusal),
+          m_Cursor(text, begin) {}
+
+    bool parse(bool mayBeEmpty) {
+        const std::string_view unit = m_Text.substr(m_Begin);
+        if (unit.size() > LongestText && countCodePoints(unit) > LongestText) {
+            return refuse(eRefusal::TOO_LONG, {m_Begin, m_Begin},
+                          "a text of more than 4096 characters is no unit");
+        }
+        if (!requireWellFormed()) {
+            return false;
+        }
+        m_Cursor.skipBlanks();
+        if (kind() == eKind::END) {
+            return mayBeEmpty || refuse(eRefusal::EMPTY, {at(), at()}, "no unit is written");
+        }
+        if (!expression(0)) {
+            return false;
+        }
+        return kind() == eKind::END ||
+               refuse(eRefusal::STRAY_BRACKET, here(), "no bracket is open here");
+    }
+
+private:
+    // Rules.
+
+    // Reads up to the end of the text or a ")", and leaves the cursor there.
+    bool expression(int depth) {
+        const std::size_t begin = at();
+        if ((kind() != eKind::DIGIT || !one()) && !product(depth)) {
+            return false;
+        }
+        if (kind() == eKind::END) {
+            return true;
+        }
+        const CSpan left = trimmed(begin);
+        m_Cursor.skipBlanks();
+        return (kind() != eKind::SLASH || divisor(depth, left)) && requireEnd();
+    }
+
+    // The rest of an expression, from its stroke on.
+    bool divisor(int depth, CSpan left) {
+        m_Cursor.advance();
+        m_Cursor.skipBlanks();
+        if (kind() == eKind::DIGIT && m_CaretPower.End == left.End) {
+            return refuseBareFraction();
+        }
+        const std::size_t divisors = m_Factors.size();
+        const std::size_t begin = at();
+        if (!factor(depth) || !raise(divisors, {-1, 1}, left)) {
+            return false;
+        }
+        const CSpan right = trimmed(begin);
+        m_Cursor.skipBlanks();
+        const bool goesOn = kind() == eKind::SLASH || isOperator() || beginsFactor();
+        return !goesOn || refuseChain(depth, left, right);
+    }
+
+    // The "1" of "1/s", or the whole of a text or parentheses.
+    bool one() {
+        const CCursor before = m_Cursor;
+        const std::string_view digits = number().of(m_Text);
+        m_Cursor.skipBlanks();
+        const bool standsAlone =
+            kind() == eKind::END || kind() == eKind::SLASH || kind() == eKind::CLOSE;
+        if (digits == "1" && standsAlone) {
+            return true;
+        }
+        m_Cursor = before;
+        return false;
+    }
+
+    bool product(int depth) {
+        if (!factor(depth)) {
+            return false;
+        }
+        for (;;) {
+            const bool hadBlank = kind() == eKind::BLANK;
+            m_Cursor.skipBlanks();
+            if (isOperator()) {
+                m_Cursor.advance();
+                m_Cursor.skipBlanks();
+            } else if (!beginsFactor() || !hadBlank) {
+                return true;
+            }
+            if (!factor(depth)) {
+                return false;
+            }
+        }
+    }
+
+    bool factor(int depth) {
+        if (depth > DeepestNesting) {
+            return refuse(eRefusal::TOO_DEEP, here(),
+                          "more than 64 brackets or roots stand inside each other");
+        }
+        const std::size_t begin = m_Factors.size();
+        const std::size_t beginText = at();
+        switch (kind()) {
+            case eKind::ROOT:
+                m_Cursor.advance();
+                m_Cursor.skipBlanks();
+                return factor(depth + 1) && raise(begin, {1, 2}, {beginText, at()});
+            case eKind::NAME:
+                if (!name()) {
+                    return false;
+                }
+                if (kind() == eKind::DIGIT ||
+                    (kind() == eKind::MINUS && m_Cursor.peek() == eKind::DIGIT)) {
+                    return bareExponent(begin) && requireOneExponent(beginText);
+                }
+                break;
+            case eKind::OPEN_NAME:
+                if (!bracketedName()) {
+                    return false;
+                }
+                break;
+            case eKind::OPEN:
+                if (!parentheses(depth)) {
+                    return false;
+                }
+                break;
+            default: return refuseFactor();
+        }
+        return exponent(begin, beginText);
+    }
+
+    bool name() {
+        const std::size_t begin = at();
+        while (kind() == eKind::NAME) {
+            m_Cursor.advance();
+        }
+        return push({begin, at()});
+    }
+
+    bool bracketedName() {
+        const CSpan opening = here();
+        const std::size_t begin = at();
+        int depth = 0;
+        do {
+            depth += kind() == eKind::OPEN_NAME ? 1 : kind() == eKind::CLOSE_NAME ? -1 : 0;
+            if (kind() == eKind::END) {
+                return refuseOpen(opening);
+            }
+            if (kind() == eKind::FOREIGN) {
+                return refuseForeign();
+            }
+            m_Cursor.advance();
+        } while (depth > 0);
+        return push({begin, at()});
+    }
+
+    bool parentheses(int depth) {
+        const CSpan opening = here();
+        m_Cursor.advance();
+        m_Cursor.skipBlanks();
+        if (kind() == eKind::CLOSE) {
+            return refuse(eRefusal::MISSING_UNIT, {opening.Begin, here().End},
+                          "nothing stands between these brackets");
+        }
+        if (kind() == eKind::END) {
+            return refuseOpen(opening);
+        }
+        if (!expression(depth + 1)) {
+            return false;
+        }
+        if (kind() == eKind::END) {
+            return refuseOpen(opening);
+        }
+        m_Cursor.advance();
+        return true;
+    }
+
+    // The digits of "m2" and "s-1".
+    bool bareExponent(std::size_t begin) {
+        const std::size_t beginPower = at();
+        const int sign = this->sign();
+        int n = 0;
+        return digits(eKind::DIGIT, n) && raise(begin, {sign * n, 1}, {beginPower, at()});
+    }
+
+    // A power behind a name or parentheses, if there is one; raises the factors from `begin` on.
+    bool exponent(std::size_t begin, std::size_t beginText) {
+        const std::size_t beginPower = at();
+        Fraction power{};
+        if (isRaised(kind())) {
+            if (!raised(power) || !raise(begin, power, {beginPower, at()})) {
+                return false;
+            }
+        } else if (caret()) {
+            const std::size_t beginNumber = at();
+            if (!this->power(beginPower, power) || !raise(begin, power, {beginPower, at()})) {
+                return false;
+            }
+            m_CaretPower = {beginNumber, at()};
+        } else {
+            return true;
+        }
+        return requireOneExponent(beginText);
+    }
+
+    bool raised(Fraction& power) {
+        const std::size_t begin = at();
+        const bool isNegative = kind() == eKind::RAISED_MINUS;
+        if (kind() != eKind::RAISED_DIGIT) {
+            m_Cursor.advance();
+        }
+        if (kind() != eKind::RAISED_DIGIT) {
+            return refuse(eRefusal::MALFORMED_EXPONENT, {begin, at()},
+                          "a raised sign without a digit");
+        }
+        int n = 0;
+        if (!digits(eKind::RAISED_DIGIT, n)) {
+            return false;
+        }
+        power = {isNegative ? -n : n, 1};
+        return true;
+    }
+
+    // Steps over "^" or "**" and the blanks around, if they come next.
+    bool caret() {
+        CCursor ahead = m_Cursor;
+        ahead.skipBlanks();
+        if (ahead.kind() == eKind::STAR && ahead.peek() == eKind::STAR) {
+            ahead.advance();
+        } else if (ahead.kind() != eKind::CARET) {
+            return false;
+        }
+        ahead.advance();
+        ahead.skipBlanks();
+        m_Cursor = ahead;
+        return true;
+    }
+
+    // What stands behind the "^" at `begin`: an integer, a decimal or a fraction.
+    bool power(std::size_t begin, Fraction& power) {
+        const bool isBracketed = kind() == eKind::OPEN;
+        const CSpan opening = here();
+        if (isBracketed) {
+            m_Cursor.advance();
+            m_Cursor.skipBlanks();
+        }
+        const int sign = this->sign();
+        if (kind() != eKind::DIGIT) {
+            return refuse(eRefusal::MALFORMED_EXPONENT, {begin, at()}, "no number follows");
+        }
+        Fraction fraction{0, 1};
+        if (!digits(eKind::DIGIT, fraction.Pow)) {
+            return false;
+        }
+        if (kind() == eKind::POINT && m_Cursor.peek() == eKind::DIGIT) {
+            if (!decimal(begin, fraction)) {
+                return false;
+            }
+        } else if (separatesFraction(isBracketed)) {
+            if (!digits(eKind::DIGIT, fraction.Root)) {
+                return false;
+            }
+            if (fraction.Root == 0) {
+                return refuse(eRefusal::MALFORMED_EXPONENT, {begin, at()}, "a fraction of nothing");
+            }
+        }
+        power = multiplied({sign, 1}, fraction);
+        return !isBracketed || closeExponent(begin, opening);
+    }
+
+    bool closeExponent(std::size_t begin, CSpan opening) {
+        m_Cursor.skipBlanks();
+        if (kind() == eKind::END) {
+            return refuseOpen(opening);
+        }
+        if (kind() != eKind::CLOSE) {
+            return refuse(eRefusal::MALFORMED_EXPONENT, {begin, at()},
+                          "more than a number stands in the brackets of this exponent");
+        }
+        m_Cursor.advance();
+        return true;
+    }
+
+    // Steps over the sign of a fraction and to its denominator, if they come next.
+    bool separatesFraction(bool isBracketed) {
+        CCursor ahead = m_Cursor;
+        if (isBracketed) {
+            ahead.skipBlanks();
+        }
+        if (ahead.kind() != eKind::COLON && !(isBracketed && ahead.kind() == eKind::SLASH)) {
+            return false;
+        }
+        ahead.advance();
+        if (isBracketed) {
+            ahead.skipBlanks();
+        }
+        if (ahead.kind() != eKind::DIGIT) {
+            return false;
+        }
+        m_Cursor = ahead;
+        return true;
+    }
+
+    // Makes the fraction that a decimal is of its whole part, from the point on.
+    bool decimal(std::size_t begin, Fraction& fraction) {
+        constexpr int MostPlaces = 6;  // as 1/64 has; longer ones are no small fractions
+        std::int64_t numerator = fraction.Pow;
+        std::int64_t denominator = 1;
+        bool isLonger = false;
+        int places = 0;
+        for (m_Cursor.advance(); kind() == eKind::DIGIT; m_Cursor.advance()) {
+            if (++places <= MostPlaces) {
+                numerator = numerator * 10 + m_Cursor.digit();
+                denominator *= 10;
+            } else {
+                isLonger = isLonger || m_Cursor.digit() != 0;
+            }
+        }
+        const std::int64_t divisor = std::gcd(numerator, denominator);
+        if (isLonger || denominator / divisor > LargestExponent) {
+            return refuse(eRefusal::INEXACT_EXPONENT, {begin, at()},
+                          "this decimal is no exact small fraction; write a fraction as ^(1/3)");
+        }
+        if (numerator / divisor > LargestExponent) {
+            return refuseRange({begin, at()});
+        }
+        fraction = {static_cast<int>(numerator / divisor), static_cast<int>(denominator / divisor)};
+        return true;
+    }
+
+    // Tokens.
+
+    int sign() {
+        if (!isSign(kind())) {
+            return 1;
+        }
+        const int sign = kind() == eKind::MINUS ? -1 : 1;
+        m_Cursor.advance();
+        return sign;
+    }
+
+    // A number of an exponent, exactly: cut down to lowest terms it may yet be in range.
+    bool digits(eKind digitKind, int& n) {
+        constexpr int Largest = 9999;
+        const std::size_t begin = at();
+        n = 0;
+        for (; kind() == digitKind; m_Cursor.advance()) {
+            n = std::min(n * 10 + m_Cursor.digit(), Largest + 1);
+        }
+        return n <= Largest || refuseRange({begin, at()});
+    }
+
+    // A number where none belongs, with its decimals.
+    CSpan number() {
+        const std::size_t begin = at();
+        while (kind() == eKind::DIGIT ||
+               (kind() == eKind::POINT && m_Cursor.peek() == eKind::DIGIT)) {
+            m_Cursor.advance();
+        }
+        return {begin, at()};
+    }
+
+    bool isOperator() const {
+        return kind() == eKind::TIMES || kind() == eKind::STAR || kind() == eKind::POINT;
+    }
+
+    bool beginsFactor() const {
+        return kind() == eKind::NAME || kind() == eKind::OPEN_NAME || kind() == eKind::OPEN ||
+               kind() == eKind::ROOT;
+    }
+
+    eKind kind() const { return m_Cursor.kind(); }
+    std::size_t at() const { return m_Cursor.position(); }
+
+    CSpan here() const {
+        CCursor next = m_Cursor;
+        next.advance();
+        return {at(), next.position()};
+    }
+
+    // From `begin` to here, without the blanks before the cursor.
+    CSpan trimmed(std::size_t begin) const {
+        CCursor walk(m_Text.substr(0, at()), begin);
+        std::size_t end = begin;
+        while (walk.kind() != eKind::END) {
+            const bool isBlank = walk.kind() == eKind::BLANK;
+            walk.advance();
+            end = isBlank ? end : walk.position();
+        }
+        return {begin, end};
+    }
+
+    // Factors.
+
+    bool push(CSpan span) {
+        const std::uint32_t unit = m_Resolver.find(span.of(m_Text));
+        if (unit == CResolver::None) {
+            return refuse(eRefusal::UNKNOWN_NAME, span, "no unit has the name \"{}\"");
+        }
+        m_Factors.push_back({span, unit, 1, 1});
+        return true;
+    }
+
+    bool raise(std::size_t begin, Fraction exponent, CSpan span) {
+        bool isAllInRange = isInRange(exponent);
+        for (std::size_t i = begin; i < m_Factors.size() && isAllInRange; ++i) {
+            CNamedFactor& factor = m_Factors[i];
+            const Fraction product = multiplied({factor.Pow, factor.Root}, exponent);
+            factor.Pow = product.Pow;
+            factor.Root = product.Root;
+            isAllInRange = isInRange(product);
+        }
+        return isAllInRange || refuseRange(span);
+    }
+
+    // Refusals. All return false.
+
+    bool refuse(eRefusal code, CSpan span, const char* sentence,
+                eReadings readings = eReadings::NONE, CSpan a = {}, CSpan b = {}, CSpan c = {}) {
+        m_Refusal = {code, m_Text, span, sentence, readings, {a, b, c}, m_Begin};
+        return false;
+    }
+
+    // First of all: who reads a part of such a text may read another text than was written.
+    bool requireWellFormed() {
+        std::size_t length = 1;
+        for (std::size_t at = m_Begin; at < m_Text.size(); at += length) {
+            const auto byte = static_cast<unsigned char>(m_Text[at]);
+            length = 1;
+            if (byte != 0 && byte < 0x80) {
+                continue;
+            }
+            if (byte == 0) {
+                return refuse(eRefusal::MALFORMED_TEXT, {at, at + 1}, "a NUL stands in the text");
+            }
+            if (decode(m_Text.substr(at), length) == NotUtf8) {
+                return refuse(eRefusal::MALFORMED_TEXT, {at, at + length},
+                              "the text is not UTF-8 here");
+            }
+        }
+        return true;
+    }
+
+    bool refuseForeign() {
+        return refuse(eRefusal::UNEXPECTED_CHARACTER, here(),
+                      sentenceOnForeign(m_Cursor.character()));
+    }
+
+    bool refuseOpen(CSpan opening) {
+        return refuse(eRefusal::OPEN_BRACKET, opening, "nothing closes this bracket");
+    }
+
+    bool refuseRange(CSpan span) {
+        return refuse(eRefusal::EXPONENT_RANGE, span, "an exponent beyond 99");
+    }
+
+    // "m^1/2", which mathematics reads as m/2.
+    bool refuseBareFraction() {
+        return refuse(eRefusal::STRAY_NUMBER, number(),
+                      "an exponent that is a fraction needs brackets", eReadings::FRACTION,
+                      m_CaretPower);
+    }
+
+    // What stands where a factor should begin.
+    bool refuseFactor() {
+        switch (kind()) {
+            case eKind::FOREIGN: return refuseForeign();
+            case eKind::DIGIT:
+                return refuse(eRefusal::STRAY_NUMBER, number(),
+                              "the number {} stands for nothing in a unit");
+            case eKind::CLOSE_NAME:
+                return refuse(eRefusal::STRAY_BRACKET, here(), "no bracket is open here");
+            case eKind::CLOSE:
+                return m_Factors.empty()
+                           ? refuse(eRefusal::STRAY_BRACKET, here(), "no bracket is open here")
+                           : refuse(eRefusal::MISSING_UNIT, here(), "a unit is missing here");
+            case eKind::PLUS:
+            case eKind::MINUS:
+            case eKind::COLON:
+                return refuse(eRefusal::UNEXPECTED_CHARACTER, here(),
+                              "this sign belongs behind a unit, in an exponent");
+            default: break;
+        }
+        const bool isFirstSlash = kind() == eKind::SLASH && m_Factors.empty() && at() == m_Begin;
+        return refuse(eRefusal::MISSING_UNIT, kind() == eKind::END ? CSpan{at(), at()} : here(),
+                      "a unit is missing here", isFirstSlash ? eReadings::ONE : eReadings::NONE);
+    }
+
+    // What stands where an expression should end.
+    bool requireEnd() {
+        switch (kind()) {
+            case eKind::END:
+            case eKind::CLOSE: return true;
+            case eKind::NAME:
+            case eKind::OPEN_NAME:
+            case eKind::OPEN:
+            case eKind::ROOT:
+                return refuse(eRefusal::MISSING_OPERATOR, here(),
+                              "no operator stands between these units", eReadings::TIMES);
+            case eKind::RAISED_DIGIT:
+            case eKind::RAISED_MINUS:
+            case eKind::RAISED_PLUS:
+            case eKind::CARET:
+                return refuse(eRefusal::MALFORMED_EXPONENT, here(),
+                              "an exponent stands directly behind its unit");
+            default: return refuseFactor();
+        }
+    }
+
+    // Behind the power that begins at `begin`.
+    bool requireOneExponent(std::size_t begin) {
+        CCursor ahead = m_Cursor;
+        ahead.skipBlanks();
+        const bool isStarred = ahead.kind() == eKind::STAR && ahead.peek() == eKind::STAR;
+        if (!isRaised(kind()) && kind() != eKind::DIGIT && ahead.kind() != eKind::CARET &&
+            !isStarred) {
+            return true;
+        }
+        CCursor afterwards = ahead;
+        afterwards.advance();
+        return refuse(eRefusal::SECOND_EXPONENT, {ahead.position(), afterwards.position()},
+                      "a second exponent follows the first", eReadings::POWER, {begin, at()});
+    }
+
+    // Behind left/right the cursor is at another operator: mathematics and habit read on differently.
+    bool refuseChain(int depth, CSpan left, CSpan right) {
+        const bool isDivision = kind() == eKind::SLASH;
+        const CSpan token = here();
+        if (!beginsFactor()) {
+            m_Cursor.advance();
+            m_Cursor.skipBlanks();
+        }
+        const std::size_t begin = at();
+        // If the rest is no unit either, there are no readings.
+        const eReadings readings = factor(depth) ? eReadings::DIVISION : eReadings::NONE;
+        const CSpan third{begin, at()};
+        return isDivision
+                   ? refuse(eRefusal::SECOND_DIVISION, token, "a second division needs brackets",
+                            readings, left, right, third)
+                   : refuse(eRefusal::PRODUCT_AFTER_DIVISION, token,
+                            "a product behind a division needs brackets", readings, left, right,
+                            third);
+    }
+
+    const std::string_view m_Text;
+    const std::size_t m_Begin;  // of the unit
+    CResolver& m_Resolver;
+    CNamedFactors& m_Factors;
+    CRefusal& m_Refusal;
+    CCursor m_Cursor;
+    CSpan m_CaretPower;  // what stands behind the latest "^"
+};
+
+}  // namespace
+
+bool parse(std::string_view text, std::size_t begin, bool mayBeEmpty, CResolver& resolver,
+           CNamedFactors& factors, CRefusal& refusal) {
+    return CParser(text, begin, resolver, factors, refusal).parse(mayBeEmpty);
+}
+
+CDiagnosis diagnose(const CRefusal& refusal, CResolver& resolver) {
+    CDiagnosis diagnosis = refusal.diagnosis();
+    if (refusal.Code == eRefusal::UNKNOWN_NAME) {
+        CNearestNames nearest(refusal.token());
+        resolver.addNamesTo(nearest);
+        diagnosis.Suggestions = nearest.best();
+    }
+    return diagnosis;
+}
+
+bool isName(std::string_view text) {
+    CCursor cursor(text);
+    int depth = 0;
+    if (cursor.kind() == eKind::OPEN_NAME) {
+        do {
+            depth += cursor.kind() == eKind::OPEN_NAME    ? 1
+                     : cursor.kind() == eKind::CLOSE_NAME ? -1
+                                                          : 0;
+            if (cursor.kind() == eKind::END || cursor.kind() == eKind::FOREIGN) {
+                return false;
+            }
+            cursor.advance();
+        } while (depth > 0);
+    } else if (cursor.kind() != eKind::NAME) {
+        return false;
+    }
+    while (depth == 0 && text[0] != '[' && cursor.kind() == eKind::NAME) {
+        cursor.advance();
+    }
+    return cursor.kind() == eKind::END;
+}
+
+}  // namespace exact
+}  // namespace mensor

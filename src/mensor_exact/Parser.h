@@ -1,0 +1,97 @@
+// Parser.h: from text to named units with exponents. For mensor's own libraries; not installed.
+#ifndef MENSOR_EXACT_PARSER_H
+#define MENSOR_EXACT_PARSER_H
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "mensor_exact/Refusal.h"
+#include "mensor_exact/exact_export.h"
+
+namespace mensor {
+namespace exact {
+
+constexpr std::size_t LongestText = 4096;  // code points
+constexpr int DeepestNesting = 64;
+constexpr int LargestExponent = 99;
+
+class CNearestNames;
+
+/// Where the parser asks for names.
+class CResolver {
+public:
+    static constexpr std::uint32_t None = 0;
+
+    /// A number of the resolver's choice for the unit with this name, in any spelling, or None.
+    virtual std::uint32_t find(std::string_view name) = 0;
+
+    /// Adds all names that may be suggested.
+    virtual void addNamesTo(CNearestNames& nearest) = 0;
+
+protected:
+    CResolver() = default;
+    CResolver(const CResolver&) = default;
+    CResolver& operator=(const CResolver&) = default;
+    ~CResolver() = default;
+};
+
+/// One named unit of a text and the exponent that it comes to have.
+struct CNamedFactor {
+    CSpan Name;
+    std::uint32_t Unit;  ///< what the resolver found
+    int Pow;
+    int Root;  ///< positive; the fraction is in lowest terms
+};
+
+/// The factors of a text in their order. The first few need no memory beside the object.
+class CNamedFactors {
+public:
+    std::size_t size() const { return m_Size; }
+    bool empty() const { return m_Size == 0; }
+    const CNamedFactor* begin() const { return m_Many.empty() ? m_Few.data() : m_Many.data(); }
+    const CNamedFactor* end() const { return begin() + m_Size; }
+    CNamedFactor& operator[](std::size_t i) { return m_Many.empty() ? m_Few[i] : m_Many[i]; }
+    const CNamedFactor& operator[](std::size_t i) const { return begin()[i]; }
+
+    void push_back(const CNamedFactor& factor) {
+        if (m_Size < m_Few.size()) {
+            m_Few[m_Size] = factor;
+        } else {
+            if (m_Many.empty()) {
+                m_Many.assign(m_Few.begin(), m_Few.end());
+            }
+            m_Many.push_back(factor);
+        }
+        ++m_Size;
+    }
+
+    /// Whether the text is one name without an exponent.
+    bool isOneName() const {
+        return m_Size == 1 && (*this)[0].Pow == 1 && (*this)[0].Root == 1;
+    }
+
+private:
+    std::array<CNamedFactor, 6> m_Few;  // valid up to m_Size, while m_Many is empty
+    std::vector<CNamedFactor> m_Many;
+    std::size_t m_Size = 0;
+};
+
+/// Reads the unit that begins at the byte `begin` of `text`. The dimensionless unit has no factors. An
+/// empty unit is refused unless `mayBeEmpty`.
+///
+/// Returns false where the text is refused; `factors` then has no meaning, and `refusal` tells why.
+/// Needs memory only for more than six factors. Passes on what the resolver throws.
+MENSOR_EXACT_API bool parse(std::string_view text, std::size_t begin, bool mayBeEmpty,
+                            CResolver& resolver, CNamedFactors& factors, CRefusal& refusal);
+
+/// All words of a refusal of parse(), with the names of the resolver that are nearest to an unknown
+/// one.
+MENSOR_EXACT_API CDiagnosis diagnose(const CRefusal& refusal, CResolver& resolver);
+
+}  // namespace exact
+}  // namespace mensor
+
+#endif  // MENSOR_EXACT_PARSER_H

@@ -1,0 +1,61 @@
+// Refusal.h: why a text is refused, in fixed room. The words are made when they are asked for.
+#ifndef MENSOR_EXACT_REFUSAL_H
+#define MENSOR_EXACT_REFUSAL_H
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "mensor_exact/Diagnosis.h"
+#include "mensor_exact/exact_export.h"
+
+namespace mensor {
+namespace exact {
+
+/// A piece of a text, in bytes.
+struct CSpan {
+    std::size_t Begin = 0;
+    std::size_t End = 0;
+
+    std::string_view of(std::string_view text) const { return text.substr(Begin, End - Begin); }
+};
+
+/// How the readings of a refused text are made from its pieces.
+enum class eReadings : std::uint8_t {
+    NONE,
+    TIMES,     ///< "·" before the token: "m²s" is "m²·s"
+    ONE,       ///< "1" before the unit: "/s" is "1/s"
+    FRACTION,  ///< brackets around the exponent Pieces[0] and the token: "m^1/2" is "m^(1/2)"
+    POWER,     ///< brackets around the power Pieces[0]: "m^2^3" is "(m^2)^3"
+    DIVISION   ///< Pieces are a, b and c of "a/b/c": "a/(b·c)" or "a·c/b"
+};
+
+/// A refusal. It refers to the text, which must outlive it, and needs no memory.
+///
+/// Class contract: caller serialises changes of one object; distinct objects any thread.
+struct MENSOR_EXACT_API CRefusal {
+    eRefusal Code = eRefusal::EMPTY;
+    std::string_view Text;      ///< the whole text, as it was given
+    CSpan Token;                ///< what is refused; empty at the end of the text
+    const char* Sentence = "";  ///< constant; "{}" in it stands for the token
+    eReadings Readings = eReadings::NONE;
+    std::array<CSpan, 3> Pieces;
+    std::size_t UnitBegin = 0;  ///< where the unit begins, behind a number
+
+    std::string_view token() const noexcept { return Token.of(Text); }
+    std::size_t position() const noexcept;  ///< where the token begins, in code points from 0
+
+    /// All words but suggestions.
+    CDiagnosis diagnosis() const;
+};
+
+/// The diagnosis of `token` in `text`.
+MENSOR_EXACT_API CDiagnosis diagnose(eRefusal code, std::string_view text, CSpan token,
+                                     std::string sentence);
+
+}  // namespace exact
+}  // namespace mensor
+
+#endif  // MENSOR_EXACT_REFUSAL_H

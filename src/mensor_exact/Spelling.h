@@ -1,0 +1,49 @@
+// Spelling.h: other spellings of the same name. For mensor's own libraries; not installed.
+#ifndef MENSOR_EXACT_SPELLING_H
+#define MENSOR_EXACT_SPELLING_H
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+#include "mensor_exact/exact_export.h"
+
+namespace mensor {
+namespace exact {
+
+/// `name` with characters that Unicode has twice as the catalogue spells them: Greek mu as the micro
+/// sign, Greek omega as the ohm sign, "℃" as "°C" and their like. These pairs look alike in every
+/// font, and Unicode calls them equivalent. Letters that merely resemble each other are left alone.
+MENSOR_EXACT_API std::string respelled(std::string_view name);
+
+/// Whether `name` is the litre's "L", alone or behind a prefix of the SI. The catalogue writes "l".
+MENSOR_EXACT_API bool isCapitalLitre(std::string_view name);
+
+/// What `lookUp` finds for `name`: as it is written, else respelled, else with the litre's small "l".
+/// A result that converts to false counts as nothing.
+template <class LookUp>
+auto lookUpSpellings(std::string_view name, const LookUp& lookUp) {
+    auto found = lookUp(name);
+    if (found) {
+        return found;
+    }
+    const bool isAscii =
+        std::all_of(name.begin(), name.end(), [](char c) { return (c & 0x80) == 0; });
+    if (isAscii && !isCapitalLitre(name)) {
+        return found;
+    }
+    std::string other = isAscii ? std::string(name) : respelled(name);
+    if (other != name && (found = lookUp(other))) {
+        return found;
+    }
+    if (isCapitalLitre(other)) {
+        other.back() = 'l';
+        found = lookUp(other);
+    }
+    return found;
+}
+
+}  // namespace exact
+}  // namespace mensor
+
+#endif  // MENSOR_EXACT_SPELLING_H
