@@ -168,6 +168,15 @@ const std::vector<CReport::Line>& CReport::lines() {
                        "read one of 2000 texts: mensor::checked", "read one of 2000 texts: mensor",
                        3});
 
+        heading("Exact reading against UDUNITS-2");
+        const std::pair<const char*, double> texts[] = {
+            {"m", 0}, {"km", 0.15}, {"m/s", 0}, {"kg·m²/s²", 0.2}, {"mol/(m^3*s)", 0}};
+        for (const auto& [text, target] : texts) {
+            all.push_back({Line::AT_MOST, std::string("read exactly ") + text,
+                           std::string("read exactly ") + text + ": mensor::exact",
+                           std::string("parse ") + text + ": UDUNITS-2", target});
+        }
+
         heading("Two threads");
         const std::pair<const char*, double> works[] = {
             {"parse", 0.65}, {"look up", 0}, {"convert", 1.9}, {"request", 0.65}};

@@ -19,7 +19,11 @@ public:
         if (known == nullptr) {
             return None;
         }
-        m_Found.push_back({known->Unit, known->Unit, {}, known->IsExact, known->HasOffset,
+        m_Found.push_back({known->Unit,
+                           known->Unit,
+                           {},
+                           known->IsExact,
+                           known->HasOffset,
                            known->Prefixed.has_value()});
         return static_cast<std::uint32_t>(m_Found.size());
     }

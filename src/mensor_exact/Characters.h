@@ -47,7 +47,7 @@ constexpr std::array<eKind, 128> asciiKinds() {
         kinds[c] = eKind::FOREIGN;
     }
     for (const char c : {'!', '"', '&', '\'', ',', ';', '<', '=', '>', '?', '\x7F'}) {
-        kinds[static_cast<std::size_t>(c)] = eKind::FOREIGN;
+        kinds[static_cast<unsigned char>(c)] = eKind::FOREIGN;
     }
     for (std::size_t c = '0'; c <= '9'; ++c) {
         kinds[c] = eKind::DIGIT;

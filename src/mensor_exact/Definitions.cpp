@@ -311,18 +311,28 @@ CMeaning CCatalogue::evaluate(std::string_view definition) const {
 
 std::vector<CDefinition> CCatalogue::definitions() const {
     std::vector<CDefinition> result;
+    forEach([&](const CDefinition& definition) {
+        result.push_back(definition);
+        return true;
+    });
+    return result;
+}
+
+void CCatalogue::forEach(const std::function<bool(const CDefinition&)>& visit) const {
     for (std::size_t row = 0; row < CTable::size(); ++row) {
         const CDefinition definition = CTable::definition(row);
-        if (has(definition.Pack)) {
-            result.push_back(definition);
+        if (has(definition.Pack) && !visit(definition)) {
+            return;
         }
     }
-    if (m_Own != nullptr) {
-        for (const auto& own : m_Own->Entries) {
-            result.push_back(COwnDefinitions::definition(own));
+    if (m_Own == nullptr) {
+        return;
+    }
+    for (const auto& own : m_Own->Entries) {
+        if (!visit(COwnDefinitions::definition(own))) {
+            return;
         }
     }
-    return result;
 }
 
 }  // namespace exact

@@ -22,6 +22,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -90,6 +91,9 @@ public:
 
     /// All of them: the built-in ones in the order of the table, then one's own, sorted.
     std::vector<CDefinition> definitions() const;
+
+    /// Calls `visit` for each of them, in the same order, until it returns false.
+    void forEach(const std::function<bool(const CDefinition&)>& visit) const;
 
 private:
     CCatalogue() noexcept = default;

@@ -609,12 +609,11 @@ private:
         // If the rest is no unit either, there are no readings.
         const eReadings readings = factor(depth) ? eReadings::DIVISION : eReadings::NONE;
         const CSpan third{begin, at()};
-        return isDivision
-                   ? refuse(eRefusal::SECOND_DIVISION, token, "a second division needs brackets",
-                            readings, left, right, third)
-                   : refuse(eRefusal::PRODUCT_AFTER_DIVISION, token,
-                            "a product behind a division needs brackets", readings, left, right,
-                            third);
+        return isDivision ? refuse(eRefusal::SECOND_DIVISION, token,
+                                   "a second division needs brackets", readings, left, right, third)
+                          : refuse(eRefusal::PRODUCT_AFTER_DIVISION, token,
+                                   "a product behind a division needs brackets", readings, left,
+                                   right, third);
     }
 
     const std::string_view m_Text;

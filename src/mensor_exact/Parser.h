@@ -69,9 +69,7 @@ public:
     }
 
     /// Whether the text is one name without an exponent.
-    bool isOneName() const {
-        return m_Size == 1 && (*this)[0].Pow == 1 && (*this)[0].Root == 1;
-    }
+    bool isOneName() const { return m_Size == 1 && (*this)[0].Pow == 1 && (*this)[0].Root == 1; }
 
 private:
     std::array<CNamedFactor, 6> m_Few;  // valid up to m_Size, while m_Many is empty

@@ -36,8 +36,14 @@ public:
             case eReadings::POWER:
                 return {before(first.Begin) + "(" + slice(first) + ")" + from(token.Begin)};
             case eReadings::DIVISION: return division();
+            case eReadings::COMMA: return comma();
         }
         return {};
+    }
+
+    std::string replaced(std::string_view words) const {
+        const CSpan token = m_Refusal.Token;
+        return before(token.Begin).append(words) + from(token.End);
     }
 
 private:
@@ -45,10 +51,29 @@ private:
         const auto [a, b, c] = m_Refusal.Pieces;
         const std::string begin = before(a.Begin);
         const std::string end = from(c.End);
-        const std::string times =
-            a.of(m_Text) == "1" ? slice(c) : slice(a) + "·" + slice(c);
+        const std::string times = a.of(m_Text) == "1" ? slice(c) : slice(a) + "·" + slice(c);
         return {begin + slice(a) + "/(" + slice(b) + "·" + slice(c) + ")" + end,
                 begin + times + "/" + slice(b) + end};
+    }
+
+    std::vector<std::string> comma() const {
+        const CSpan token = m_Refusal.Token;
+        const std::string number(m_Text.substr(0, token.Begin));
+        const std::string rest = from(token.End);
+        std::size_t digits = 0;
+        while (digits < rest.size() && rest[digits] >= '0' && rest[digits] <= '9') {
+            ++digits;
+        }
+        const bool isOnlyMark = number.find('.') == std::string::npos &&
+                                rest.substr(digits, 1).find_first_of(",.") == std::string::npos;
+        if (digits == 0 || !isOnlyMark) {
+            return {};
+        }
+        std::vector<std::string> readings{number + "." + rest};
+        if (digits == 3) {  // perhaps thousands
+            readings.push_back(number + rest);
+        }
+        return readings;
     }
 
     // What stands before `end`, with a blank between the number and the unit.
@@ -72,6 +97,10 @@ private:
 
 std::size_t CRefusal::position() const noexcept {
     return countCodePoints(Text.substr(0, Token.Begin));
+}
+
+std::string CRefusal::replaced(std::string_view words) const {
+    return CReadingWriter(*this).replaced(words);
 }
 
 CDiagnosis CRefusal::diagnosis() const {

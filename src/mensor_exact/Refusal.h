@@ -29,7 +29,8 @@ enum class eReadings : std::uint8_t {
     ONE,       ///< "1" before the unit: "/s" is "1/s"
     FRACTION,  ///< brackets around the exponent Pieces[0] and the token: "m^1/2" is "m^(1/2)"
     POWER,     ///< brackets around the power Pieces[0]: "m^2^3" is "(m^2)^3"
-    DIVISION   ///< Pieces are a, b and c of "a/b/c": "a/(b·c)" or "a·c/b"
+    DIVISION,  ///< Pieces are a, b and c of "a/b/c": "a/(b·c)" or "a·c/b"
+    COMMA      ///< the token is a comma in a number: "2,5" is "2.5", "2,500" perhaps "2500"
 };
 
 /// A refusal. It refers to the text, which must outlive it, and needs no memory.
@@ -47,7 +48,10 @@ struct MENSOR_EXACT_API CRefusal {
     std::string_view token() const noexcept { return Token.of(Text); }
     std::size_t position() const noexcept;  ///< where the token begins, in code points from 0
 
-    /// All words but suggestions.
+    /// The text with other words for the token.
+    std::string replaced(std::string_view words) const;
+
+    /// What can be said without a catalogue: no suggestions.
     CDiagnosis diagnosis() const;
 };
 

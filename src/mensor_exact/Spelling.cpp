@@ -42,13 +42,12 @@ std::string respelled(std::string_view name) {
 }
 
 bool isCapitalLitre(std::string_view name) {
-    constexpr std::string_view Prefixes[] = {"",  "Y", "Z", "E", "P",  "T", "G", "M", "k", "h", "da",
-                                             "d", "c", "m", "µ", "n",  "p", "f", "a", "z", "y"};
     if (name.empty() || name.back() != 'L') {
         return false;
     }
     name.remove_suffix(1);
-    return std::find(std::begin(Prefixes), std::end(Prefixes), name) != std::end(Prefixes);
+    return name.empty() || std::any_of(std::begin(Prefixes), std::end(Prefixes),
+                                       [&](const CPrefix& p) { return p.Symbol == name; });
 }
 
 }  // namespace exact

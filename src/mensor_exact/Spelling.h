@@ -16,6 +16,18 @@ namespace exact {
 /// font, and Unicode calls them equivalent. Letters that merely resemble each other are left alone.
 MENSOR_EXACT_API std::string respelled(std::string_view name);
 
+/// A prefix of the SI.
+struct CPrefix {
+    std::string_view Symbol;
+    int Power;  ///< of ten
+};
+
+inline constexpr CPrefix Prefixes[] = {
+    {"Y", 24}, {"Z", 21},  {"E", 18},  {"P", 15},  {"T", 12},  {"G", 9},   {"M", 6},
+    {"k", 3},  {"h", 2},   {"da", 1},  {"d", -1},  {"c", -2},  {"m", -3},  {"\u00B5", -6},
+    {"n", -9}, {"p", -12}, {"f", -15}, {"a", -18}, {"z", -21}, {"y", -24},
+};
+
 /// Whether `name` is the litre's "L", alone or behind a prefix of the SI. The catalogue writes "l".
 MENSOR_EXACT_API bool isCapitalLitre(std::string_view name);
 

@@ -1,0 +1,112 @@
+#include "mensor_exact/Choosing.h"
+
+#include <algorithm>
+#include <iterator>
+#include <optional>
+#include <utility>
+
+#include "mensor_exact/Spelling.h"
+
+namespace mensor {
+namespace exact {
+
+namespace {
+
+CFactor powerOfTen(int power) { return CFactor(CFraction(10)).power(power); }
+
+// Whether there is a unit named `prefix` and `root` that is that prefix, of a power of 1000, times `root`.
+bool isPrefixedForm(const CPrefix& prefix, std::string_view root, const CMeaning& rootMeaning,
+                    const CCatalogue& catalogue) {
+    if (prefix.Power % 3 != 0) {
+        return false;
+    }
+    const std::optional<CMeaning> meaning =
+        catalogue.meaning(std::string(prefix.Symbol).append(root));
+    return meaning && *meaning == rootMeaning.scaled(powerOfTen(prefix.Power));
+}
+
+// A name taken apart.
+struct CPrefixedName {
+    std::string_view Root;
+    int Power = 0;  // of ten, of the prefix
+};
+
+CPrefixedName takeApart(std::string_view name, const CMeaning& meaning,
+                        const CCatalogue& catalogue) {
+    for (const CPrefix& prefix : Prefixes) {
+        const std::size_t length = prefix.Symbol.size();
+        if (name.size() <= length || name.substr(0, length) != prefix.Symbol) {
+            continue;
+        }
+        const std::optional<CMeaning> root = catalogue.meaning(name.substr(length));
+        if (root && meaning == root->scaled(powerOfTen(prefix.Power))) {
+            return {name.substr(length), prefix.Power};
+        }
+    }
+    return {name, 0};
+}
+
+bool isAtLeastOne(const CFraction& size) { return !(size - CFraction(1)).isNegative(); }
+
+}  // namespace
+
+std::vector<CChoice> choicesFor(const CMeaning& meaning, const CCatalogue& catalogue) {
+    std::vector<std::pair<double, CChoice>> found;
+    catalogue.forEach([&](const CDefinition& definition) {
+        CMeaning other = *catalogue.meaning(definition.Name);
+        const bool isOtherSpelling =
+            definition.Pack == ePack::SI &&
+            (respelled(definition.Name) != definition.Name || isCapitalLitre(definition.Name));
+        if (!isOtherSpelling && other.isCompatibleWith(meaning)) {
+            found.push_back({other.factor().toDouble(), {definition.Name, std::move(other)}});
+        }
+        return true;
+    });
+    std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) {
+        return a.first != b.first ? a.first < b.first : a.second.Name < b.second.Name;
+    });
+    std::vector<CChoice> choices;
+    choices.reserve(found.size());
+    for (auto& [size, choice] : found) {
+        choices.push_back(std::move(choice));
+    }
+    return choices;
+}
+
+std::string readableUnit(const CFraction& value, std::string_view unit,
+                         const CCatalogue& catalogue) {
+    const std::optional<CMeaning> meaning = catalogue.meaning(unit);
+    if (!meaning || value.isZero() || !meaning->offset().isZero()) {
+        return std::string(unit);
+    }
+    const CPrefixedName name = takeApart(unit, *meaning, catalogue);
+    const CMeaning root = *catalogue.meaning(name.Root);
+    const CFraction size = (value.isNegative() ? -value : value) * CFraction(10).power(name.Power);
+    const auto isForm = [&](const CPrefix& prefix) {
+        return isPrefixedForm(prefix, name.Root, root, catalogue);
+    };
+    if (std::none_of(std::begin(Prefixes), std::end(Prefixes), isForm)) {
+        return std::string(unit);
+    }
+    std::string smallest;
+    const auto suits = [&](std::string_view prefix, int power) {
+        smallest = std::string(prefix).append(name.Root);
+        return isAtLeastOne(size / CFraction(10).power(power));
+    };
+    bool isRootTried = false;
+    for (const CPrefix& prefix : Prefixes) {  // largest first
+        if (!isRootTried && prefix.Power < 0) {
+            isRootTried = true;
+            if (suits("", 0)) {
+                return smallest;
+            }
+        }
+        if (isForm(prefix) && suits(prefix.Symbol, prefix.Power)) {
+            return smallest;
+        }
+    }
+    return smallest;
+}
+
+}  // namespace exact
+}  // namespace mensor
