@@ -9,8 +9,12 @@ include(CheckCXXCompilerFlag)
 option(MENSOR_HARDENING "Harden the libraries and the tool against faults" ON)
 mark_as_advanced(MENSOR_HARDENING)
 
-check_cxx_compiler_flag(-fcf-protection=full MENSOR_HAS_CF_PROTECTION)                  # x86
-check_cxx_compiler_flag(-mbranch-protection=standard MENSOR_HAS_BRANCH_PROTECTION)  # 64-bit ARM
+# clang only warns of a flag that its target ignores, so here a warning is a refusal.
+block(SCOPE_FOR VARIABLES)
+  set(CMAKE_REQUIRED_FLAGS -Werror)
+  check_cxx_compiler_flag(-fcf-protection=full MENSOR_HAS_CF_PROTECTION)                  # x86
+  check_cxx_compiler_flag(-mbranch-protection=standard MENSOR_HAS_BRANCH_PROTECTION)  # 64-bit ARM
+endblock()
 
 function(mensor_hardened target)
   if(NOT MENSOR_HARDENING)

@@ -55,6 +55,10 @@ CUnitPtr CProductUnit::one() {
     return *One;
 }
 
+CUnitPtr CProductUnit::registered(Elements elements) {
+    return CUnit::getInstance(CUnitPtr(new CProductUnit(std::move(elements))));
+}
+
 struct detail::Products {
     // The canonical product of factors that are normalised.
     static CUnitPtr canonical(const Factors& factors) {
@@ -66,7 +70,7 @@ struct detail::Products {
             return *first.Unit;
         }
         CUnitPtr known = find(hashOf(factors));
-        return known ? known : CUnit::getInstance(CUnitPtr(new CProductUnit(elements(factors))));
+        return known ? known : CProductUnit::registered(elements(factors));
     }
 
     static CUnitPtr raised(const CUnitPtr& unit, int pow, int root) {

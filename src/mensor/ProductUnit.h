@@ -77,6 +77,9 @@ private:
 
     MENSOR_LOCAL explicit CProductUnit(std::vector<CUnitRationalPower> elements);
 
+    /// CUnit::getInstance of the product of `elements`. A friend of this class may not call that.
+    MENSOR_LOCAL static CUnitPtr registered(std::vector<CUnitRationalPower> elements);
+
     MENSOR_LOCAL bool elementsContainsOtherSingle(const CUnitRationalPower& element) const;
     MENSOR_LOCAL bool elementsContains(const std::vector<CUnitRationalPower>& elements) const;
 

@@ -51,7 +51,9 @@ CWhole::CWhole(CWhole&& other) noexcept {
     new (CNumberOf::place(*this)) Number(std::move(number(other)));
 }
 CWhole& CWhole::operator=(const CWhole& other) {
-    number(*this) = number(other);
+    if (this != &other) {
+        number(*this) = number(other);
+    }
     return *this;
 }
 CWhole& CWhole::operator=(CWhole&& other) noexcept {
