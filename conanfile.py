@@ -1,21 +1,29 @@
 # For those who take their dependencies from Conan: conan install . --build=missing, then configure
 # with the toolchain file that it writes.
+import re
+
 from conan import ConanFile
 from conan.tools.cmake import CMake, cmake_layout
+from conan.tools.files import load
 
 
 class Mensor(ConanFile):
     name = "mensor"
-    version = "1.0.0"
     description = "Physical units of measure at run time"
     license = "MIT"
     settings = "os", "compiler", "build_type", "arch"
     options = {"string": ["own", "tinyutf8"]}  # the class behind string_t: two ABIs
     default_options = {"string": "own"}
     generators = "CMakeDeps", "CMakeToolchain"
-    exports_sources = "CMakeLists.txt", "LICENSE", "cmake/*", "packaging/*", "src/*", "tools/*"
+    exports = "CMakeLists.txt"  # which has the version
+    exports_sources = ("CMakeLists.txt", "LICENSE", "cmake/*", "docs/man/*", "packaging/*", "src/*",
+                       "tools/*")
+
+    def set_version(self):
+        self.version = re.search(r"VERSION ([0-9.]+)\n", load(self, "CMakeLists.txt")).group(1)
 
     def requirements(self):
+        self.requires("boost/[>=1.74 <2]", options={"header_only": True})
         self.requires("log4cplus/[>=2.0 <3]")
         if self.options.string == "tinyutf8":
             self.requires("tiny-utf8/[>=4.4]")

@@ -75,12 +75,10 @@ function(mensor_library target)
 endfunction()
 
 # mensor_run_path(<target> <folder>): the installed <target>, which lies in <folder>, finds the libraries
-# of the house wherever the tree was installed or is moved to. Debian's packages need and want no such
-# path: the system looks into their folder anyway.
+# of the house wherever the tree was installed or is moved to. Debian's packages lose that path again
+# (packaging/debian/no_run_paths.cmake).
 function(mensor_run_path target folder)
-  if(NOT MENSOR_DEBIAN)
-    file(RELATIVE_PATH way ${folder} ${CMAKE_INSTALL_FULL_LIBDIR})
-    string(REGEX REPLACE "/$" "" path "\$ORIGIN/${way}")
-    set_target_properties(${target} PROPERTIES INSTALL_RPATH "${path}")
-  endif()
+  file(RELATIVE_PATH way ${folder} ${CMAKE_INSTALL_FULL_LIBDIR})
+  string(REGEX REPLACE "/$" "" path "\$ORIGIN/${way}")
+  set_target_properties(${target} PROPERTIES INSTALL_RPATH "${path}")
 endfunction()

@@ -24,6 +24,7 @@ set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(version ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
 set(CPACK_STRIP_FILES ON)
+set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/debian/no_run_paths.cmake)
 # Installed as into the system, below DESTDIR: the debugger's scripts lie under a path that repeats
 # the prefix.
 set(CPACK_SET_DESTDIR ON)

@@ -2,6 +2,7 @@
 
 #include <limits>
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 #include "mensor/AddConverter.h"
@@ -29,9 +30,7 @@ constexpr int LargestCachedExponent = 4096;
 // The reciprocal of the smallest int's power has no positive counterpart to be computed from.
 void requireNegatable(int n) {
     if (n == std::numeric_limits<int>::min()) {
-        detail::CTextStream message;
-        message << "Exponent " << n << " is out of range";
-        throw std::overflow_error(message.str());
+        throw std::overflow_error("Exponent " + std::to_string(n) + " is out of range");
     }
 }
 
@@ -114,8 +113,8 @@ std::vector<CUnitRationalPower> CUnit::elements() {
 
 CUnitPtr CUnit::baseUnits() {
     detail::CTextStream message;
-    message << "Unit with Id[ " << m_Id << "] and Symbol [" << mensor::toStdString(m_Symbol)
-            << "] is not a system unit";
+    message << "Unit with Id[ " << std::to_string(m_Id) << "] and Symbol ["
+            << mensor::toStdString(m_Symbol) << "] is not a system unit";
     throw std::logic_error(message.str());
 }
 

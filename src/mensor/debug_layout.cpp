@@ -18,7 +18,8 @@
 namespace mensor {
 
 constexpr detail::DebugLayout detail::DebugLayout::make() {
-    return {&createdTables,
+    return {CurrentVersion,
+            &createdTables,
             offsetof(detail::Tables, UnitLabel),
             offsetof(CUnit, m_Symbol),
             offsetof(CTransformedUnit, _systemUnit),

@@ -15,8 +15,12 @@
 namespace mensor {
 namespace detail {
 
-// All fields are words of the machine; the printers know their order. Offsets are in bytes.
+// All fields are words of the machine; the printers know their order. Offsets are in bytes. A change
+// of the fields, or of what they mean, needs another number of the version here and in the printers.
 struct DebugLayout {
+    static constexpr std::uintptr_t CurrentVersion = 1;
+
+    std::uintptr_t Version;
     const void*
         Tables;  // address of the pointer to the tables, which is null before their creation
     std::uintptr_t TablesUnitLabel;

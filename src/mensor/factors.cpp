@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <limits>
 #include <stdexcept>
+#include <string>
 
 #include "mensor/AlternateUnit.h"
 #include "mensor/BaseUnit.h"
@@ -11,7 +12,6 @@
 #include "mensor/TransformedUnit.h"
 #include "mensor/exact_class.h"
 #include "mensor/require.h"
-#include "mensor/text_stream.h"
 
 namespace mensor {
 namespace detail {
@@ -20,9 +20,7 @@ namespace {
 
 int checkedExponent(std::int64_t n) {
     if (n > std::numeric_limits<int>::max() || n < std::numeric_limits<int>::min()) {
-        CTextStream message;
-        message << "Exponent " << n << " is out of range";
-        throw std::overflow_error(message.str());
+        throw std::overflow_error("Exponent " + std::to_string(n) + " is out of range");
     }
     return static_cast<int>(n);
 }

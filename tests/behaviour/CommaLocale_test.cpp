@@ -1,5 +1,5 @@
-// CommaLocale_test.cpp: what follows the locale, and what does not. Units do not; the numbers of
-// CValueWithUnit, of streams and of messages do (docs/reliability.md).
+// CommaLocale_test.cpp: what follows the locale, and what does not. Units and messages do not; the
+// numbers of CValueWithUnit, of streams and of the symbols of converters do (docs/reliability.md).
 #include <clocale>
 #include <iomanip>
 #include <map>
@@ -14,6 +14,7 @@
 #include "mensor/ValueWithUnit.h"
 #include "mensor/io.h"
 #include "support/CommaLocale.h"
+#include "support/Inside.h"
 #include "support/Matchers.h"
 #include "support/Outcome.h"
 
@@ -80,13 +81,25 @@ TEST(CommaLocale, ShowsInTheSymbolsOfConverters) {
     EXPECT_EQ(text(offset.getSymbol(SI::Kelvin())), "[K+273,15]");
 }
 
-TEST(CommaLocale, ShowsInTheNumbersOfMessages) {
+TEST(CommaLocale, DoesNotChangeAnyMessage) {
     const CUnitPtr huge = SI::Meter()->pow(2147483647);
+    CUnitPtr late = SI::Meter();  // with an id of four digits, which a locale may group
+    for (double factor = 2; Inside::id(late) < 1000; ++factor) {
+        late = SI::Meter() * factor;
+    }
+    const std::string classic = "std::logic_error: Unit with Id[ " +
+                                std::to_string(Inside::id(late)) +
+                                "] and Symbol [] is not a system unit";
+    EXPECT_EQ(outcomeOf([&] { late->baseUnits(); }), classic);
+
     const CCommaLocale comma;
     EXPECT_EQ(outcomeOf([&] { huge->multiply(SI::Meter()); }),
-              "std::overflow_error: Exponent 2.147.483.648 is out of range");
+              "std::overflow_error: Exponent 2147483648 is out of range");
+    EXPECT_EQ(outcomeOf([] { SI::Meter()->pow(-2147483647 - 1); }),
+              "std::overflow_error: Exponent -2147483648 is out of range");
     EXPECT_EQ(outcomeOf([] { CUnit::fromString("m^2147483648"); }),
               "std::out_of_range: Exponent 2147483648 is out of range");
+    EXPECT_EQ(outcomeOf([&] { late->baseUnits(); }), classic);
 }
 
 // What a program does that otherwise wants the user's locale.

@@ -1,6 +1,6 @@
-// snippet.h: runs one of the snippets that snippets.awk took from a page, the one whose line is named
-// on the command line. What it prints is compared by check_page.sh; the results that the page shows
-// in comments are compared here.
+// snippet.h: compares the results that a page shows in comments with those that its snippets give.
+// snippets.awk includes it behind each snippet, so that a snippet sees what it includes itself and
+// nothing else. What snippets print is compared by check_page.sh.
 #ifndef MENSOR_TESTS_SNIPPET_H
 #define MENSOR_TESTS_SNIPPET_H
 
@@ -11,11 +11,6 @@
 #include <string>
 #include <type_traits>
 
-// What a snippet takes for granted; others it includes itself, and a whole program includes all.
-#include <mensor/NonSI.h>
-#include <mensor/SI.h>
-#include <mensor/UnitFormat.h>
-#include <mensor/ValueWithUnit.h>
 #include <mensor/io.h>
 
 #include "support/Outcome.h"
@@ -52,27 +47,15 @@ std::string text(const Result& result) {
 }
 
 template <class Result>
-void gives(int line, const std::string& shown, const Result& result) {
+void gives(int line, const char* shown, const Result& result) {
     compare(line, shown, text(result));
 }
 
 template <class Action>
-void throws(int line, const std::string& shown, Action action) {
+void throws(int line, const char* shown, Action action) {
     compare(line, shown, mensor::outcomeOf(action));
 }
 
 }  // namespace mensor_docs
-
-int main(int argc, char** argv) {
-    const int line = argc == 2 ? std::atoi(argv[1]) : -1;
-    for (const mensor_docs::Snippet* snippet = mensor_docs::SNIPPETS; snippet->Run; ++snippet) {
-        if (snippet->Line == line) {
-            snippet->Run();
-            return mensor_docs::failures == 0 ? 0 : 1;
-        }
-    }
-    std::cerr << "no snippet begins at line " << line << '\n';
-    return 2;
-}
 
 #endif  // MENSOR_TESTS_SNIPPET_H

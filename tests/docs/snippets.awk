@@ -3,8 +3,9 @@
 #     awk -v page=tutorial.md -v out=FOLDER/tutorial -f snippets.awk tutorial.md
 #
 # A ```cpp block with a main() becomes a program of its own, FOLDER/tutorial-LINE.cpp, word for word.
-# All others become functions of FOLDER/tutorial.cpp (see snippet.h). FOLDER/tutorial.list names the
-# blocks in order. A ```text block is what the C++ block before it prints; FOLDER/tutorial.expected
+# Each other block becomes a function in a source of its own, FOLDER/tutorial_LINE.cpp, which includes
+# what the block includes and nothing else before it (see snippet.h); FOLDER/tutorial.cpp lists them.
+# FOLDER/tutorial.list names the blocks in order. A ```text block is what the C++ block before it prints; FOLDER/tutorial.expected
 # holds what all of them print.
 #
 # In a function, a line "EXPRESSION;  // RESULT" is checked, too: the result is a number, a text in
@@ -47,15 +48,25 @@ function write_program(   i, file) {
     close(file)
 }
 
-function add_function(   i) {
-    functions = functions "\nstatic void line" start "() {\n"
+function write_function(   i, file, includes, body) {
     for (i = start; i < NR; ++i) {
         if (block[i] ~ /^#include/) includes = includes block[i] "\n"
         else if (i + 1 < NR && block[i + 1] ~ /^ *\/\/ throws /)
-            functions = functions throwing(block[i], i, block[i + 1]) "\n"
-        else functions = functions checked(block[i], i) "\n"
+            body = body throwing(block[i], i, block[i + 1]) "\n"
+        else body = body checked(block[i], i) "\n"
     }
-    functions = functions "}\n"
+    file = out "_" start ".cpp"
+    print "// Made of " page "." > file
+    print includes > file
+    print "namespace mensor_docs {" > file
+    print "template <class Result> void gives(int line, const char* shown, const Result& result);" > file
+    print "template <class Action> void throws(int line, const char* shown, Action action);" > file
+    print "}\n" > file
+    print "void line" start "();" > file
+    print "void line" start "() {\n" body "}\n" > file
+    print "#include \"snippet.h\"" > file
+    close(file)
+    functions = functions "void line" start "();\n"
     calls = calls "    {" start ", line" start "},\n"
 }
 
@@ -76,7 +87,7 @@ BEGIN {
 /^```/ {
     if (inside == "cpp") {
         if (hasMain) write_program()
-        else add_function()
+        else write_function()
         print start, hasMain ? "program" : "function" > list
         print "--- line " start > expected
     }
@@ -103,7 +114,6 @@ END {
     file = out ".cpp"
     print "// Made of " page "." > file
     print "#include \"snippet.h\"\n" > file
-    print includes "\nusing namespace mensor;" > file
     print functions > file
     print "const mensor_docs::Snippet mensor_docs::SNIPPETS[] = {\n" calls "    {0, nullptr}};" > file
 }

@@ -3,7 +3,8 @@
 #
 # Compiles debuggee.cpp against the packages unpacked in ROOT, whose library is stripped, looks at its
 # variables with gdb, and compares what gdb shows: once in the stopped process, once in its core file.
-# Nothing tells gdb of the printers but where they are installed.
+# Nothing tells gdb of the printers but where they are installed. Then the same with printers that are
+# loaded by hand, before the program runs and while it is stopped.
 set -eu
 root=$1 triplet=$2 work=$3 compiler=$4
 here=$(dirname "$0")
@@ -35,6 +36,22 @@ session -ex 'break stop' -ex run -ex 'echo FRAME\n' -ex 'info args' \
     -ex 'up' -ex 'echo BEGIN\n' -x "$work/look" -ex 'echo END\n' \
     -ex "generate-core-file $work/core" -ex kill "$work/debuggee" > "$work/process.log" ||
     { cat "$work/process.log"; exit 1; }
+# By hand: no folder of printers is known to gdb.
+script=$(echo "$root"/usr/share/gdb/auto-load/usr/lib/"$triplet"/libmensor.so.*-gdb.py)
+by_hand() {
+    LC_ALL=C.UTF-8 gdb -nx -batch -iex 'set auto-load python-scripts off' \
+        -iex 'set debuginfod enabled off' "$@" -ex 'up' -ex 'echo BEGIN\n' -x "$work/look" \
+        -ex 'echo END\n' "$work/debuggee" 2>&1
+}
+by_hand -ex "source $script" -ex 'break stop' -ex run > "$work/before.log"
+by_hand -ex 'break stop' -ex run -ex "source $script" > "$work/after.log"
+
+# A library of another version is not read as if it were of this one.
+session -ex 'break stop' -ex run -ex up -ex "set {unsigned long} &'mensor::debugLayout' = 99" \
+    -ex 'output metre' "$work/debuggee" > "$work/version.log"
+grep -q "debug layout is version 99, the printers know version 1" "$work/version.log" ||
+    { tail -n 5 "$work/version.log"; exit 1; }
+
 session -ex 'frame function main' -ex 'echo BEGIN\n' -x "$work/look" -ex 'echo END\n' \
     "$work/debuggee" "$work/core" > "$work/core.log" || { cat "$work/core.log"; exit 1; }
 
@@ -45,3 +62,5 @@ shown() { sed -n '/^BEGIN$/,/^END$/p' "$1" | sed '1d;$d'; }
 } | diff -u "$here/session.expected" - || { tail -n 20 "$work/process.log"; exit 1; }
 shown "$work/process.log" > "$work/process.shown"
 shown "$work/core.log" | diff -u "$work/process.shown" -
+shown "$work/before.log" | diff -u "$work/process.shown" -
+shown "$work/after.log" | diff -u "$work/process.shown" -

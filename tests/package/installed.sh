@@ -40,6 +40,9 @@ says mensor-tools Depends 'libmensor1 (>='
 libdir=$root/usr/lib/$triplet
 [ -f "$libdir/libmensor.so.1" ] || fail "the library is not in $libdir"
 [ -f "$libdir/mensor/log4cplus.so" ] || fail "the module is not beside the library"
+for file in "$libdir"/libmensor*.so.?.* "$root/usr/bin/mensor"; do
+    readelf -dW "$file" | grep -E 'RPATH|RUNPATH' && fail "$file has a run path"
+done
 while [ "$1" != -- ]; do
     emulator="${emulator-} $1"
     shift

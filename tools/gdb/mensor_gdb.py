@@ -7,8 +7,9 @@
 #     (gdb) print converter
 #     $3 = *1000 -> +273.15
 #
-# gdb loads it by itself when it loads the installed library (see "info auto-load"); by hand:
-# source mensor_gdb.py. "print/r" shows what is behind.
+# gdb loads it by itself when it loads the installed library (see "info auto-load"). "source
+# mensor_gdb.py" loads it by hand, before or after the program is started. "print/r" shows what is
+# behind.
 #
 # Everything is read from memory, nothing is called, so a core file is as good as a process, wherever
 # it stopped. The library tells by the table mensor::debugLayout where the members are; it needs no
@@ -74,9 +75,15 @@ class Layout:
               "power_unit", "power_pow", "power_root", "compound_first", "compound_second",
               "add_offset", "multiply_factor", "value_number", "value_unit")
 
+    VERSION = 1  # of the table, its first word
+
     def __init__(self, memory):
         address = int(gdb.parse_and_eval("(unsigned long)&'mensor::debugLayout'"))
-        for index, field in enumerate(self.FIELDS):
+        version = memory.word(address)
+        if version != self.VERSION:
+            raise gdb.error("the library's debug layout is version %d, the printers know version %d"
+                            % (version, self.VERSION))
+        for index, field in enumerate(self.FIELDS, start=1):
             setattr(self, field, memory.word(address + index * memory.word_size))
 
 
@@ -285,5 +292,17 @@ def mensor_printers(value):
     return None
 
 
-# Those of the object file that is being loaded, ahead of those for std::shared_ptr.
-(gdb.current_objfile() or gdb).pretty_printers.insert(0, mensor_printers)
+def register(objfile):
+    """Puts the printers ahead of all others of an object file."""
+    if mensor_printers not in objfile.pretty_printers:
+        objfile.pretty_printers.insert(0, mensor_printers)
+
+
+if gdb.current_objfile() is not None:
+    register(gdb.current_objfile())  # loaded with the library
+else:
+    # Loaded by hand. gdb asks the object files one after the other, and that of the C++ library has a
+    # printer for std::shared_ptr, so every one gets these, also those that come later.
+    for present in gdb.objfiles():
+        register(present)
+    gdb.events.new_objfile.connect(lambda event: register(event.new_objfile))

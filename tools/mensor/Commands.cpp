@@ -373,7 +373,7 @@ void convert(const CArguments& arguments, CReport& report) {
         converter.convert(arguments.Operands[0], 0);
         return;
     }
-    CLines lines(std::cin);
+    CLines lines(std::cin, "the standard input");
     for (std::string line; std::cout && lines.next(line);) {
         if (!isBlank(line)) {
             converter.convert(line, lines.number());
@@ -418,7 +418,7 @@ void audit(const CArguments& arguments, CReport& report) {
             }
         }
     }
-    CLines lines(name == "-" ? std::cin : file);
+    CLines lines(name == "-" ? std::cin : file, name == "-" ? "the standard input" : quoted(name));
     std::size_t texts = 0;
     for (std::string line; lines.next(line);) {
         report.progress(lines.number(), name == "-" ? lines.bytes() : 0);

@@ -1,0 +1,22 @@
+// arrays.cpp: converts a whole block of samples at once, in place. Each result has the very bits that a
+// conversion of the single value has.
+#include <iostream>
+#include <vector>
+
+#include <mensor/mensor.h>
+
+using namespace mensor;
+
+int main() {
+    std::vector<double> samples;  // °C, as a logger has stored them
+    for (int i = 0; i < 1000; ++i) {
+        samples.push_back(20 + 0.001 * i);
+    }
+    const double first = samples.front();
+
+    const CConverterPtr toKelvin = SI::Celsius()->getConverterTo(SI::Kelvin());
+    toKelvin->convertAll(samples.data(), samples.data(), samples.size());
+
+    std::cout << samples.front() << " K to " << samples.back() << " K\n";
+    std::cout << (samples.front() == toKelvin->convert(first) ? "the same bits\n" : "other bits\n");
+}

@@ -1,0 +1,21 @@
+// compatible_units.cpp: what a drop-down offers beside a value: the units of the same kind, each with
+// the value in it, and first the one in which the value reads best.
+#include <iostream>
+
+#include <mensor/mensor.h>
+#include <mensor_checked/Choosing.h>
+#include <mensor_checked/Values.h>
+
+using namespace mensor;
+
+int main() {
+    const CValueWithUnit given = CValueWithUnit::fromString("0.0042 bar");
+    std::cout << checked::writeValue(checked::readable(given)) << '\n';
+
+    for (const checked::CChoice& choice : checked::choicesFor(given.unit())) {
+        const double value = given.valueAs(choice.Unit);
+        if (value >= 0.001 && value < 10000) {  // nobody wants 4.2e+26 yPa
+            std::cout << "    " << value << ' ' << choice.Text << '\n';
+        }
+    }
+}

@@ -1,0 +1,27 @@
+// own_units.cpp: units that a program brings itself, from a table such as a file may hold, and by calls.
+#include <iostream>
+
+#include <mensor/mensor.h>
+#include <mensor_checked/Definitions.h>
+#include <mensor_checked/Making.h>
+#include <mensor_checked/Reading.h>
+#include <mensor_checked/Values.h>
+
+using namespace mensor;
+
+int main() {
+    checked::defineUnits(
+        "ft = 0.3048 m\n"
+        "mi = 5280 ft\n");
+    std::cout << checked::readValue("26.2 mi").valueAs(checked::readUnit("km")) << " km\n";
+
+    // By calls: a scale with an offset, and something the SI does not know.
+    const CUnitPtr fahrenheit =
+        checked::label(checked::affine(SI::Kelvin(), 5.0 / 9, 459.67 * 5 / 9), "°F");
+    std::cout << CValueWithUnit(98.6, fahrenheit).convertTo(SI::Celsius()) << '\n';
+
+    const CUnitPtr crate = checked::baseUnit("crate");
+    const CUnitPtr rate = checked::quotient(crate, NonSI::Hour());
+    std::cout << CValueWithUnit(120, rate) << " is "
+              << CValueWithUnit(120, rate).valueAs(checked::readUnit("crate/min")) << " a minute\n";
+}

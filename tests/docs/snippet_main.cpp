@@ -1,0 +1,16 @@
+// snippet_main.cpp: runs one of the snippets of a page, the one whose line is named on the command line.
+#include <cstdlib>
+
+#include "snippet.h"
+
+int main(int argc, char** argv) {
+    const int line = argc == 2 ? std::atoi(argv[1]) : -1;
+    for (const mensor_docs::Snippet* snippet = mensor_docs::SNIPPETS; snippet->Run; ++snippet) {
+        if (snippet->Line == line) {
+            snippet->Run();
+            return mensor_docs::failures == 0 ? 0 : 1;
+        }
+    }
+    std::cerr << "no snippet begins at line " << line << '\n';
+    return 2;
+}

@@ -1,0 +1,83 @@
+# cmake -DSOURCE=<mensor> -DWORK=<folder> -DGENERATOR=<name> -DCOMPILER=<c++> -P projects_test.cmake:
+# how mensor is configured as a part of another project, by itself, and from what Conan takes along.
+# Nothing is built.
+set(failures 0)
+file(REMOVE_RECURSE ${WORK})
+unset(ENV{CMAKE_BUILD_TYPE})
+
+# configures(<name> <source> <text> <option>...): configuring prints <text>, as one line.
+function(configures name source text)
+  execute_process(
+    COMMAND ${CMAKE_COMMAND} -G ${GENERATOR} -S ${source} -B ${WORK}/${name}
+      -DCMAKE_CXX_COMPILER=${COMPILER} ${ARGN}
+    OUTPUT_VARIABLE output ERROR_VARIABLE output)
+  string(REGEX REPLACE "[ \n]+" " " output "${output}")
+  string(FIND "${output}" "${text}" found)
+  if(found EQUAL -1)
+    message("${name}: expected \"${text}\" in: ${output}")
+    math(EXPR count "${failures} + 1")
+    set(failures ${count} PARENT_SCOPE)
+  endif()
+endfunction()
+
+# caches(<name> <variable> <value>): what the configured folder holds.
+function(caches name variable value)
+  load_cache(${WORK}/${name} READ_WITH_PREFIX cached_ ${variable})
+  if(NOT "${cached_${variable}}" STREQUAL "${value}")
+    message("${name}: ${variable} is \"${cached_${variable}}\", not \"${value}\"")
+    math(EXPR count "${failures} + 1")
+    set(failures ${count} PARENT_SCOPE)
+  endif()
+endfunction()
+
+# As a part, with everything on that a part may have.
+set(parent ${CMAKE_CURRENT_LIST_DIR}/parent)
+set(part -DMENSOR_SOURCE=${SOURCE} -DMENSOR_EXAMPLES=ON -DMENSOR_TOOLS=ON)
+foreach(has nothing alias imported)
+  configures(part_${has} ${parent} "all is well" ${part} -DHAS=${has})
+endforeach()
+configures(part_tests ${parent} "all is well" ${part} -DMENSOR_TESTS=ON -DMENSOR_BENCHMARKS=ON)
+configures(part_static ${parent} "mensor is a shared library only" ${part} -DBUILD_SHARED_LIBS=OFF)
+
+# By itself, as "cmake -B build" does it: optimised, and with nothing that only developers have.
+configures(alone ${SOURCE} "Configuring done")
+caches(alone CMAKE_BUILD_TYPE Release)
+caches(alone MENSOR_TESTS OFF)
+caches(alone MENSOR_WERROR OFF)
+configures(alone_debug ${SOURCE} "Configuring done" -DCMAKE_BUILD_TYPE=Debug)
+caches(alone_debug CMAKE_BUILD_TYPE Debug)
+configures(alone_static ${SOURCE} "mensor is a shared library only" -DBUILD_SHARED_LIBS=OFF)
+
+# From the files that Conan takes along, and with the options that it gives.
+file(READ ${SOURCE}/conanfile.py recipe)
+string(REGEX MATCH "exports_sources = \\(?([^)\n]*\n?[^)\n]*)" found "${recipe}")
+string(REGEX MATCHALL "\"[^\"]+\"" patterns "${CMAKE_MATCH_1}")
+if(NOT patterns)
+  message(FATAL_ERROR "conanfile.py names no exports_sources")
+endif()
+foreach(pattern IN LISTS patterns)
+  string(REPLACE "\"" "" pattern ${pattern})
+  if(pattern MATCHES "^([^*]*)/\\*$")
+    file(GLOB_RECURSE files RELATIVE ${SOURCE} ${SOURCE}/${CMAKE_MATCH_1}/*)
+  else()
+    set(files ${pattern})
+  endif()
+  foreach(file IN LISTS files)
+    cmake_path(GET file PARENT_PATH folder)
+    file(COPY ${SOURCE}/${file} DESTINATION ${WORK}/taken/${folder})
+  endforeach()
+endforeach()
+string(REGEX MATCHALL "\"MENSOR_[A-Z]+\": \"[A-Z]+\"" options "${recipe}")
+list(TRANSFORM options REPLACE "\"(.*)\": \"(.*)\"" "-D\\1=\\2")
+configures(conan ${WORK}/taken "Configuring done" ${options} -DCMAKE_BUILD_TYPE=Release)
+
+# It takes its version from where the build has it.
+file(STRINGS ${SOURCE}/conanfile.py versions REGEX "[0-9]+\\.[0-9]+\\.[0-9]+")
+if(versions)
+  message("conanfile.py has a version of its own: ${versions}")
+  math(EXPR failures "${failures} + 1")
+endif()
+
+if(failures)
+  message(FATAL_ERROR "${failures} expectations failed")
+endif()
