@@ -177,6 +177,12 @@ const std::vector<CReport::Line>& CReport::lines() {
                            std::string("parse ") + text + ": UDUNITS-2", target});
         }
 
+        heading("Hardening");
+        for (const char* what :
+             {"start a process", "parse", "look up", "convert", "format", "request"}) {
+            against(std::string("hardened, ") + what, "not hardened");
+        }
+
         heading("Two threads");
         const std::pair<const char*, double> works[] = {
             {"parse", 0.65}, {"look up", 0}, {"convert", 1.9}, {"request", 0.65}};

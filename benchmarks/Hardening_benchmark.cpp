@@ -1,0 +1,50 @@
+// Hardening_benchmark.cpp: what hardening costs: the same programs with the library as it is and with one
+// that was built with MENSOR_HARDENING=OFF, which scripts/bench puts into the folder named by the
+// environment variable MENSOR_UNHARDENED.
+#include <cstdlib>
+#include <string>
+
+#include "Benchmark.h"
+#include "Programs.h"
+
+namespace {
+
+const char* const Folder = std::getenv("MENSOR_UNHARDENED");
+
+// While it lives, programs that are started load the library without hardening.
+class CWithoutHardening {
+public:
+    CWithoutHardening() { setenv("LD_LIBRARY_PATH", Folder, 1); }
+    ~CWithoutHardening() { unsetenv("LD_LIBRARY_PATH"); }
+    CWithoutHardening(const CWithoutHardening&) = delete;
+    CWithoutHardening& operator=(const CWithoutHardening&) = delete;
+};
+
+const bool added = [] {
+    if (Folder == nullptr) {
+        return false;
+    }
+    const auto addBoth = [](const std::string& work, auto seconds) {
+        const auto measure = [seconds](benchmark::State& state) {
+            for (auto _ : state) {
+                state.SetIterationTime(seconds());
+            }
+        };
+        add(work, "mensor", measure)->UseManualTime()->Iterations(3);
+        add(work, "not hardened",
+            [measure](benchmark::State& state) {
+                const CWithoutHardening without;
+                measure(state);
+            })
+            ->UseManualTime()
+            ->Iterations(3);
+    };
+    addBoth("hardened, start a process", [] { return timeOf("load_mensor"); });
+    for (const char* what : {"parse", "look up", "convert", "format", "request"}) {
+        addBoth(std::string("hardened, ") + what,
+                [what] { return 1e-9 * std::stod(outputOf("work", {what})); });
+    }
+    return true;
+}();
+
+}  // namespace
