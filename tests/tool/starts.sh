@@ -1,0 +1,28 @@
+#!/bin/sh
+# usage: starts.sh CMAKE BUILD STAGE [EMULATOR...]
+#
+# Installed in STAGE, and moved elsewhere, everything works without further steps: the tool starts, and
+# the libraries find each other.
+set -eu
+cmake=$1 build=$2 stage=$3
+shift 3
+unset LD_LIBRARY_PATH
+
+works() {
+    prefix=$1
+    shift
+    [ "$("$@" "$prefix/bin/mensor" convert "2.5 km" m)" = "2.5 km = 2500 m" ] ||
+        { echo "the tool does not work in $prefix"; exit 1; }
+    for library in "$prefix"/lib/libmensor*.so; do
+        found=$(ldd "$library")
+        case $found in *"not found"*) echo "$library: $found"; exit 1 ;; esac
+    done
+    # Not those of the build, which are still there.
+    ldd "$prefix/bin/mensor" | grep libmensor | grep -vF "$prefix" && exit 1
+    true
+}
+rm -rf "$stage" "$stage-moved"
+"$cmake" --install "$build" --prefix "$stage" > /dev/null
+works "$stage" "$@"
+mv "$stage" "$stage-moved"
+works "$stage-moved" "$@"
