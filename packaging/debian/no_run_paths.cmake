@@ -1,7 +1,9 @@
 # CPack runs this on the files that it is about to pack. Debian wants no run paths in its packages: the
 # system looks into their folder anyway.
-file(GLOB_RECURSE files LIST_DIRECTORIES false
-  ${CPACK_TEMPORARY_DIRECTORY}/*/lib/*/libmensor*.so.*.* ${CPACK_TEMPORARY_DIRECTORY}/*/bin/mensor)
-foreach(file IN LISTS files)
+file(GLOB_RECURSE libraries LIST_DIRECTORIES false ${CPACK_TEMPORARY_DIRECTORY}/libmensor*.so.*.*)
+file(GLOB_RECURSE tools LIST_DIRECTORIES false ${CPACK_TEMPORARY_DIRECTORY}/mensor)
+list(FILTER libraries EXCLUDE REGEX "\\.py$")  # the printers for gdb
+list(FILTER tools INCLUDE REGEX "/bin/mensor$")
+foreach(file IN LISTS libraries tools)
   file(RPATH_REMOVE FILE ${file})
 endforeach()

@@ -1,11 +1,11 @@
 #!/bin/sh
-# usage: starts.sh CMAKE BUILD STAGE [EMULATOR...]
+# usage: starts.sh CMAKE BUILD STAGE LIBDIR [EMULATOR...]
 #
 # Installed in STAGE, and moved elsewhere, everything works without further steps: the tool starts, and
 # the libraries find each other.
 set -eu
-cmake=$1 build=$2 stage=$3
-shift 3
+cmake=$1 build=$2 stage=$3 libdir=$4
+shift 4
 unset LD_LIBRARY_PATH
 
 works() {
@@ -13,7 +13,7 @@ works() {
     shift
     [ "$("$@" "$prefix/bin/mensor" convert "2.5 km" m)" = "2.5 km = 2500 m" ] ||
         { echo "the tool does not work in $prefix"; exit 1; }
-    for library in "$prefix"/lib/libmensor*.so; do
+    for library in "$prefix/$libdir"/libmensor*.so; do
         found=$(ldd "$library")
         case $found in *"not found"*) echo "$library: $found"; exit 1 ;; esac
     done
