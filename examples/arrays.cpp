@@ -9,6 +9,7 @@ using namespace mensor;
 
 int main() {
     std::vector<double> samples;  // °C, as a logger has stored them
+    samples.reserve(1000);
     for (int i = 0; i < 1000; ++i) {
         samples.push_back(20 + 0.001 * i);
     }

@@ -14,6 +14,7 @@ int main() {
     constexpr int THREADS = 4;
     std::vector<double> sums(THREADS);
     std::vector<std::thread> threads;
+    threads.reserve(THREADS);
     for (int t = 0; t < THREADS; ++t) {
         threads.emplace_back([&, t] {
             double sum = 0;
