@@ -5,8 +5,8 @@
 # A ```cpp block with a main() becomes a program of its own, FOLDER/tutorial-LINE.cpp, word for word.
 # Each other block becomes a function in a source of its own, FOLDER/tutorial_LINE.cpp, which includes
 # what the block includes and nothing else before it (see snippet.h); FOLDER/tutorial.cpp lists them.
-# FOLDER/tutorial.list names the blocks in order. A ```text block is what the C++ block before it prints; FOLDER/tutorial.expected
-# holds what all of them print.
+# FOLDER/tutorial.list names the blocks in order. A ```text block is what the C++ block before it prints;
+# FOLDER/tutorial.expected holds what all of them print.
 #
 # In a function, a line "EXPRESSION;  // RESULT" is checked, too: the result is a number, a text in
 # quotes, true or false, behind which a comma or colon may begin a remark. A line "EXPRESSION;" before
@@ -50,7 +50,7 @@ function write_program(   i, file) {
 
 function write_function(   i, file, includes, body) {
     for (i = start; i < NR; ++i) {
-        if (block[i] ~ /^#include/) includes = includes block[i] "\n"
+        if (block[i] ~ /^ *#include/) includes = includes block[i] "\n"
         else if (i + 1 < NR && block[i + 1] ~ /^ *\/\/ throws /)
             body = body throwing(block[i], i, block[i + 1]) "\n"
         else body = body checked(block[i], i) "\n"
@@ -76,6 +76,8 @@ BEGIN {
     printf "" > list
     printf "" > expected
 }
+
+/^ +```(cpp)?$/ { sub(/^ +/, "") }  # a block in a list
 
 /^```/ && inside == "" {
     inside = substr($0, 4) == "" ? "plain" : substr($0, 4)
