@@ -401,7 +401,7 @@ CConverterPtr CCompound::inverseOf(const CConverterPtr& converter, int levels) {
     }
     const CCompound* compound = asCompound(*converter);
     if (compound == nullptr) {
-        return converter->inverse();
+        return requireGiven(converter->inverse(), "inverse");
     }
     if (levels == 0) {
         return inverseOfChain(*converter);
@@ -436,7 +436,7 @@ CConverterPtr CCompound::inverseOfChain(CConverter& chain) {
             ahead.push_back({compound->m_First.get(), false});
             ahead.push_back({compound->secondStep().get(), false});  // on top: inverted first
         } else {
-            inverses.push_back(visit.Converter->inverse());
+            inverses.push_back(requireGiven(visit.Converter->inverse(), "inverse"));
         }
     }
     return std::move(inverses.back());
