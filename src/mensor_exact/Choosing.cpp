@@ -58,7 +58,8 @@ std::vector<CChoice> choicesFor(const CMeaning& meaning, const CCatalogue& catal
             definition.Pack == ePack::SI &&
             (respelled(definition.Name) != definition.Name || isCapitalLitre(definition.Name));
         if (!isOtherSpelling && other.isCompatibleWith(meaning)) {
-            found.push_back({other.factor().toDouble(), {definition.Name, std::move(other)}});
+            const double size = other.factor().toDouble();
+            found.push_back({size, {definition.Name, std::move(other)}});
         }
         return true;
     });
