@@ -179,7 +179,7 @@ TEST(NearMiddle, IsRightForAllSmallFractionsTimesAllNumbersOf12Bits) {
                 std::uint64_t right = product / unit;
                 const std::uint64_t twice = product % unit * 2;
                 ties = ties || twice == unit;
-                right += twice > unit || (twice == unit && right % 2 != 0) ? 1 : 0;
+                right += twice > unit || (twice == unit && right % 2 != 0) ? 1U : 0U;
                 right <<= place;
 
                 const auto sum = [&](std::uint64_t tail) {
