@@ -35,6 +35,13 @@ inline double doubleOfBits(std::int64_t bits) {
     return x;
 }
 
+// The bits of the size of x, less one: of a zero they are the largest there are. Without a sign, since the
+// bits of -0.0 are the smallest number with one.
+inline std::int64_t sizeLessOne(double x) {
+    const std::uint64_t bits = static_cast<std::uint64_t>(bitsOfDouble(x));
+    return static_cast<std::int64_t>(bits - 1U) & Magnitude;
+}
+
 #if MENSOR_FUSED
 
 // Head·x + tail·x; the whole sum is rounded once.
@@ -44,9 +51,7 @@ inline double scaled(const CFastForm& form, double x, double tail) {
 
 // Negative if x is too small, but not zero. The result could be subnormal then, and the small product not
 // exact enough.
-inline std::int64_t range(const CFastForm& form, double x) {
-    return ((bitsOfDouble(x) - 1) & Magnitude) - form.Least;
-}
+inline std::int64_t range(const CFastForm& form, double x) { return sizeLessOne(x) - form.Least; }
 
 #else
 
@@ -68,8 +73,7 @@ inline double scaled(const CFastForm& form, double x, double tail) {
 
 // Negative if x is too small, but not zero, or too large to be split, or no number.
 inline std::int64_t range(const CFastForm& form, double x) {
-    const std::int64_t bits = bitsOfDouble(x);
-    return (((bits - 1) & Magnitude) - form.Least) | (form.Most - (bits & Magnitude));
+    return (sizeLessOne(x) - form.Least) | (form.Most - (bitsOfDouble(x) & Magnitude));
 }
 
 #endif

@@ -48,6 +48,12 @@ CUnitPtr product() { return CUnit::fromString("cd²·mg"); }
 CUnitPtr offset() { return CUnit::fromString("°C·m"); }
 CUnitPtr none() { return {}; }
 
+// The object is of another class than the pointer says. The library refuses that; a sanitizer that checks
+// the class at each call would stop the test before.
+__attribute__((no_sanitize("vptr"))) void setNoDimension(const CBaseUnitPtr& cast) {
+    cast->setDimension(none(), {});
+}
+
 const std::vector<FailingCall>& calls() {
     static const auto& Calls = *new std::vector<FailingCall>{
         // Empty pointers.
@@ -85,8 +91,8 @@ const std::vector<FailingCall>& calls() {
         {"refused_symbol", STAY, [] { CClientUnit::make("m", 123454321)->canonical(); }},
         {"dimension_of_a_unit_that_is_none", STAY,
          [] {
-             std::dynamic_pointer_cast<CBaseUnit>(CUnitPtr(SI::Meter()))->setDimension(none(), {}),
-                 CBaseUnit::getInstance("rad")->setDimension(none(), {});
+             SI::Meter()->setDimension(none(), {});
+             setNoDimension(CBaseUnit::getInstance("rad"));
          }},
         // Conversion.
         {"converter_of_incompatible_units", MAY_GROW,
