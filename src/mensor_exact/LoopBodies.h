@@ -243,9 +243,8 @@ bool narrowAll(const double* __restrict values, float* __restrict results, std::
     for (std::size_t i = 0; i < count; ++i) {
         const double x = values[i];
         results[i] = static_cast<float>(x);
-        const std::int64_t bits = bitsOfDouble(x);
-        worst |= ((bits & 0x1FFFFFFF) ^ 0x10000000) - 1;
-        worst |= ((bits - 1) & Magnitude) - 0x380FFFFFFFFFFFFF;  // 2^-126, less 1
+        worst |= ((bitsOfDouble(x) & 0x1FFFFFFF) ^ 0x10000000) - 1;
+        worst |= sizeLessOne(x) - 0x380FFFFFFFFFFFFF;  // 2^-126, less 1
     }
     return worst >= 0;
 }
