@@ -5,6 +5,7 @@
 #include <climits>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 namespace mensor {
 namespace detail {
@@ -29,9 +30,21 @@ bool findModule(char* path) {
     return true;
 }
 
+// Whether log4cplus waits for its initialisers. In a program that links both libraries this one may be
+// initialised first; then nobody can have configured log4cplus, and even dlopen() with RTLD_NOLOAD would
+// initialise it. A constant std::string of log4cplus tells: until then, its bytes are zero. Where the
+// constant is not found, log4cplus was loaded apart from this library, and so is initialised.
+bool isNotInitialised() {
+    const void* const empty = dlsym(RTLD_DEFAULT, "_ZN9log4cplus8internal9empty_strB5cxx11E");
+    return empty != nullptr && static_cast<const std::string*>(empty)->data() == nullptr;
+}
+
 }  // namespace
 
 void reportFailure(const FailureReport& report) noexcept {
+    if (isNotInitialised()) {
+        return;
+    }
     void* const log4cplus = dlopen(MENSOR_LOG4CPLUS_SONAME, RTLD_LAZY | RTLD_NOLOAD);
     if (log4cplus == nullptr) {
         return;

@@ -3,9 +3,9 @@
 //
 // The library does not link log4cplus: that would start threads in every program. A program that has
 // configured log4cplus has it in the process already. If so, a module of ours that links it is loaded, and
-// hands the record over (src/mensor_log4cplus). If not, nobody can have configured where records go, and
-// none is written. log4cplus is never brought into a process, since to initialise it while memory fails
-// would end the program.
+// hands the record over (src/mensor_log4cplus). If not, or if log4cplus is not initialised yet, nobody can
+// have configured where records go, and none is written. log4cplus is never brought into a process nor
+// initialised, since to initialise it while memory fails would end the program.
 #ifndef MENSOR_FAILURE_REPORT_H
 #define MENSOR_FAILURE_REPORT_H
 

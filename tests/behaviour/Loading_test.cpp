@@ -410,6 +410,54 @@ TEST(Loading, FindsTheModuleBesideTheFileThatALinkLeadsTo) {
     expectSound(outcome);
 }
 
+// Two programs that link both libraries and run out of memory while mensor registers its units. They
+// differ in which library is initialised first.
+
+struct LinkedOutcome {
+    int Status = -1;
+    std::string Output, Error;
+    long Allocations = 0;
+};
+
+LinkedOutcome startLinked(const std::string& program, const std::string& arguments = "") {
+    const std::string errors =
+        ::testing::TempDir() + "mensor_linked_" + std::to_string(getpid()) + ".txt";
+    LinkedOutcome outcome;
+    outcome.Output = outputOf(program + " " + arguments + " 2>" + errors, outcome.Status);
+    outcome.Error = contentsOf(errors);
+    std::remove(errors.c_str());
+    std::istringstream(outcome.Output).ignore(100, '\t') >> outcome.Allocations;
+    return outcome;
+}
+
+LinkedOutcome failInTheRegistry(const std::string& program, long firstOfTheRegistry,
+                                long failures) {
+    const long first = firstOfTheRegistry + allocationsOfALoad() / 2;
+    return startLinked(program, std::to_string(first) + " " + std::to_string(first + failures - 1));
+}
+
+// A second failure would meet log4cplus, if it were initialised then, and end the program.
+TEST(Loading, AFailureBeforeLog4cplusIsInitialisedDoesNotInitialiseIt) {
+    for (const long failures : {1L, 2L}) {
+        SCOPED_TRACE(failures);
+        const LinkedOutcome outcome =
+            failInTheRegistry(MENSOR_FIRST, FIRST_OF_THE_REGISTRY, failures);
+        EXPECT_EQ(outcome.Status, 0);
+        EXPECT_THAT(outcome.Output, HasSubstr("log4cplus\tnot ready"));
+        EXPECT_EQ(outcome.Error, LINE_OF_THE_SI_UNITS);
+    }
+}
+
+TEST(Loading, AFailureAfterLog4cplusIsInitialisedIsHandedOver) {
+    const long ofBoth = startLinked(LOG4CPLUS_FIRST).Allocations;
+    const LinkedOutcome outcome =
+        failInTheRegistry(LOG4CPLUS_FIRST, ofBoth - allocationsOfALoad(), 1);
+    EXPECT_EQ(outcome.Status, 0);
+    EXPECT_THAT(outcome.Output, HasSubstr("log4cplus\tready"));
+    EXPECT_THAT(outcome.Error, StartsWith(LINE_OF_THE_SI_UNITS));
+    EXPECT_THAT(outcome.Error, HasSubstr("StdCoutLogger"));  // it has no appender yet
+}
+
 // The report needs memory, too. Where it gets none it is cut short or missing, and loading goes on.
 TEST(Loading, SurvivesAFailureOfTheReportItself) {
     const long first = allocationsOfALoad() / 2;
