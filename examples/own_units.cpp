@@ -2,7 +2,7 @@
 #include <iostream>
 
 #include <mensor/mensor.h>
-#include <mensor_checked/Definitions.h>
+#include <mensor_checked/OwnUnits.h>
 #include <mensor_checked/Making.h>
 #include <mensor_checked/Reading.h>
 #include <mensor_checked/Values.h>

@@ -8,10 +8,12 @@
 #include <tuple>
 
 #include "mensor/UnitFormat.h"
-#include "mensor_checked/Checks.h"
 #include "mensor_checked/Differences.h"
+#include "mensor_checked/Lock.h"
+#include "mensor_checked/Meaning.h"
 #include "mensor_checked/Names.h"
 #include "mensor_checked/Values.h"
+#include "mensor_checked/Words.h"
 
 namespace mensor {
 namespace checked {

@@ -4,7 +4,8 @@
 #include <stdexcept>
 #include <utility>
 
-#include "mensor_checked/Checks.h"
+#include "mensor_checked/Lock.h"
+#include "mensor_checked/Words.h"
 
 namespace mensor {
 namespace checked {

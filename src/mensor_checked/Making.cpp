@@ -10,9 +10,13 @@
 #include "mensor/TransformedUnit.h"
 #include "mensor/UnitFormat.h"
 #include "mensor/mensor_math.h"
-#include "mensor_checked/Checks.h"
+#include "mensor_checked/Elements.h"
+#include "mensor_checked/Lock.h"
+#include "mensor_checked/Meaning.h"
 #include "mensor_checked/Names.h"
 #include "mensor_checked/Reading.h"
+#include "mensor_checked/Verify.h"
+#include "mensor_checked/Words.h"
 
 namespace mensor {
 namespace checked {

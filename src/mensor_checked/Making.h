@@ -18,7 +18,7 @@
 
 #include "mensor/Unit.h"
 #include "mensor/mensor_global.h"
-#include "mensor_checked/Meaning.h"
+#include "mensor_checked/Verify.h"
 #include "mensor_checked/checked_export.h"
 
 namespace mensor {

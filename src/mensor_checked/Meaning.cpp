@@ -9,7 +9,7 @@
 
 #include "mensor/ProductUnit.h"
 #include "mensor/TransformedUnit.h"
-#include "mensor_checked/Checks.h"
+#include "mensor_checked/Words.h"
 
 namespace mensor {
 namespace checked {
@@ -236,31 +236,6 @@ std::string CMeaning::toString() const {
 CMeaning meaningOf(const CUnitPtr& unit) {
     requireUnit(unit, "meaningOf");
     return meaning(*unit, 0);
-}
-
-CIdentityError::CIdentityError(const std::string& message, CUnitPtr inTheWay)
-    : std::logic_error(message), m_InTheWay(std::move(inTheWay)) {}
-CIdentityError::CIdentityError(const CIdentityError&) = default;
-CIdentityError& CIdentityError::operator=(const CIdentityError&) = default;
-CIdentityError::~CIdentityError() = default;
-
-CUnitPtr CIdentityError::inTheWay() const noexcept { return m_InTheWay; }
-
-void verify(const CUnitPtr& unit, const CMeaning& meaning) {
-    requireUnit(unit, "verify");
-    const Lock lock;
-    const CMeaning own = meaningOf(unit);
-    if (own != meaning) {
-        throw CIdentityError(quoted(meaning.toString()) + " was asked for, but the object is " +
-                                 describe(unit) + ", which means " + quoted(own.toString()),
-                             unit);
-    }
-    if (const auto fault = dimensionFault(unit, meaning)) {
-        throw CIdentityError(describe(unit) + " would count as " + quoted(fault->Known.toString()) +
-                                 ", since its dimension is the " + "same object as " +
-                                 describe(fault->Dimension) + " here",
-                             fault->Dimension);
-    }
 }
 
 }  // namespace checked

@@ -5,7 +5,6 @@
 //     checked::meaningOf(SI::Newton()) == newton;              // true
 //     checked::meaningOf(SI::Newton()).toString();             // "kg·m/s²"
 //     checked::meaningOf(NonSI::Hour()).toString();            // "3600 s"
-//     checked::verify(SI::Newton() * SI::Meter(), newton);     // throws CIdentityError
 //
 // A meaning is the exact exponents of the base units and the affine map to them: a value x of the
 // unit is factor·x + offset in base units. The radian, the steradian and the bit are alternates of
@@ -17,7 +16,6 @@
 #define MENSOR_CHECKED_MEANING_H
 
 #include <cstdint>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -116,31 +114,6 @@ private:
 /// @throws std::overflow_error  an exponent leaves 64 bits.
 /// @par Threads  Any thread; takes no lock, but a client's kind of unit is asked for its converter.
 MENSOR_CHECKED_API CMeaning meaningOf(const CUnitPtr& unit);
-
-/// The library gave another unit than the one asked for, or knows it by a wrong dimension.
-///
-/// Class contract: caller serialises changes of one object; distinct objects any thread.
-class MENSOR_CHECKED_API CIdentityError : public std::logic_error {
-public:
-    CIdentityError(const std::string& message, CUnitPtr inTheWay);
-    ~CIdentityError() override;
-    CIdentityError(const CIdentityError&);
-    CIdentityError& operator=(const CIdentityError&);
-
-    CUnitPtr inTheWay() const noexcept;  ///< the unit that bears the identity
-
-private:
-    CUnitPtr m_InTheWay;
-};
-
-/// Makes sure that `unit` means `meaning`, and that the library will convert it so: its dimension
-/// and its converter to it are those of the meaning in the current context.
-///
-///     verify(CUnit::fromString("kg/(s·K)"), CMeaning::base("kg") / CMeaning::base("s") / ...);
-/// @throws CIdentityError  names the object, what it means and what was asked for.
-/// @throws std::invalid_argument  `unit` is empty.
-/// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
-MENSOR_CHECKED_API void verify(const CUnitPtr& unit, const CMeaning& meaning);
 
 }  // namespace checked
 }  // namespace mensor

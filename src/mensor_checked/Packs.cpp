@@ -8,9 +8,11 @@
 #include <string>
 #include <string_view>
 
-#include "mensor_checked/Checks.h"
-#include "mensor_checked/Define.h"
+#include "mensor_checked/Lock.h"
+#include "mensor_checked/NewUnit.h"
 #include "mensor_checked/Reading.h"
+#include "mensor_checked/Verify.h"
+#include "mensor_checked/Words.h"
 #include "mensor_exact/Conversion.h"
 #include "mensor_exact/Definitions.h"
 

@@ -21,7 +21,7 @@
 #include <vector>
 
 #include "mensor/Unit.h"
-#include "mensor_checked/Meaning.h"
+#include "mensor_checked/Verify.h"
 #include "mensor_checked/checked_export.h"
 
 namespace mensor {

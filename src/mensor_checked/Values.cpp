@@ -8,10 +8,11 @@
 
 #include "mensor/ProductUnit.h"
 #include "mensor/UnitFormat.h"
-#include "mensor_checked/Checks.h"
-#include "mensor_checked/Factors.h"
+#include "mensor_checked/Lock.h"
 #include "mensor_checked/Names.h"
-#include "mensor_checked/Reader.h"
+#include "mensor_checked/Parsing.h"
+#include "mensor_checked/UnitReader.h"
+#include "mensor_checked/Words.h"
 #include "mensor_exact/NumberText.h"
 #include "mensor_exact/Utf8.h"
 

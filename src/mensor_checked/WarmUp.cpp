@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "mensor/UnitFormat.h"
-#include "mensor_checked/Checks.h"
-#include "mensor_checked/Reader.h"
+#include "mensor_checked/Lock.h"
+#include "mensor_checked/UnitReader.h"
 #include "mensor_checked/Values.h"
 
 namespace mensor {

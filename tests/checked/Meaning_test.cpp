@@ -1,5 +1,6 @@
 // Meaning_test.cpp: exact exponents, factors and offsets, and the check of a unit against them.
 #include "mensor_checked/Meaning.h"
+#include "mensor_checked/Verify.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

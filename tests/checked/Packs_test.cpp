@@ -16,9 +16,9 @@
 #include "mensor/SI.h"
 #include "mensor/UnitFormat.h"
 #include "mensor_checked/Audit.h"
-#include "mensor_checked/Definitions.h"
 #include "mensor_checked/Differences.h"
 #include "mensor_checked/Making.h"
+#include "mensor_checked/OwnUnits.h"
 #include "mensor_checked/Values.h"
 #include "support/Matchers.h"
 

@@ -29,7 +29,7 @@
 #include "mensor/io.h"
 #include "mensor_checked/Audit.h"
 #include "mensor_checked/Choosing.h"
-#include "mensor_checked/Definitions.h"
+#include "mensor_checked/OwnUnits.h"
 #include "mensor_checked/Differences.h"
 #include "mensor_checked/Making.h"
 #include "mensor_checked/Packs.h"

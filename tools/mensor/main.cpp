@@ -15,7 +15,7 @@
 #include <vector>
 
 #include <mensor/NonSI.h>
-#include <mensor_checked/Definitions.h>
+#include <mensor_checked/OwnUnits.h>
 
 #include "Arguments.h"
 #include "Commands.h"

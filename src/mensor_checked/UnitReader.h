@@ -1,6 +1,6 @@
-// Reader.h: reading one unit, for all that read. For the companion's own use; not installed.
-#ifndef MENSOR_CHECKED_READER_H
-#define MENSOR_CHECKED_READER_H
+// UnitReader.h: reading one unit, for all that read. For the companion's own use; not installed.
+#ifndef MENSOR_CHECKED_UNITREADER_H
+#define MENSOR_CHECKED_UNITREADER_H
 
 #include <string_view>
 
@@ -15,4 +15,4 @@ CReading read(std::string_view text, const CReadOptions& options, bool isKept);
 }  // namespace checked
 }  // namespace mensor
 
-#endif  // MENSOR_CHECKED_READER_H
+#endif  // MENSOR_CHECKED_UNITREADER_H

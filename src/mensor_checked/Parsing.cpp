@@ -1,4 +1,4 @@
-#include "mensor_checked/Factors.h"
+#include "mensor_checked/Parsing.h"
 
 #include <cstdint>
 

@@ -1,4 +1,4 @@
-#include "mensor_checked/Definitions.h"
+#include "mensor_checked/OwnUnits.h"
 
 #include <charconv>
 #include <cmath>
@@ -7,11 +7,13 @@
 #include <system_error>
 #include <utility>
 
-#include "mensor_checked/Checks.h"
-#include "mensor_checked/Define.h"
-#include "mensor_checked/Factors.h"
+#include "mensor_checked/Lock.h"
 #include "mensor_checked/Names.h"
-#include "mensor_checked/Reader.h"
+#include "mensor_checked/NewUnit.h"
+#include "mensor_checked/Parsing.h"
+#include "mensor_checked/UnitReader.h"
+#include "mensor_checked/Verify.h"
+#include "mensor_checked/Words.h"
 #include "mensor_exact/Parser.h"
 #include "mensor_exact/Utf8.h"
 
@@ -135,7 +137,7 @@ private:
             refuse(eRefusal::DECIMAL_COMMA, {rest.Begin, rest.Begin + 1},
                    "a comma stands in this number; the decimal sign is a point");
         }
-        if (!isNormal(*factor)) {
+        if (!std::isnormal(*factor)) {
             refuse(eRefusal::FACTOR_RANGE, {begin, rest.Begin}, "no unit has such a size");
         }
         rest = trimmed(m_Line, rest);

@@ -1,4 +1,4 @@
-// Definitions.h: a program's own units, from a text that people edit.
+// OwnUnits.h: a program's own units, from a text that people edit.
 //
 //     # units.txt
 //     smoot  = 1.7018 m            # symbol = factor unit
@@ -16,8 +16,8 @@
 // A value x of the new unit is factor·x + offset in `unit`; symbols and units are those of
 // docs/reading.md. Every unit is checked as those of the packs are (Packs.h). If one line is refused,
 // no line counts.
-#ifndef MENSOR_CHECKED_DEFINITIONS_H
-#define MENSOR_CHECKED_DEFINITIONS_H
+#ifndef MENSOR_CHECKED_OWNUNITS_H
+#define MENSOR_CHECKED_OWNUNITS_H
 
 #include <cstddef>
 #include <stdexcept>
@@ -79,4 +79,4 @@ MENSOR_CHECKED_API std::vector<std::string> defineUnits(std::string_view table);
 }  // namespace checked
 }  // namespace mensor
 
-#endif  // MENSOR_CHECKED_DEFINITIONS_H
+#endif  // MENSOR_CHECKED_OWNUNITS_H

@@ -1,14 +1,16 @@
-#include "mensor_checked/Define.h"
+#include "mensor_checked/NewUnit.h"
 
 #include <algorithm>
 #include <cmath>
 
 #include "mensor/UnitFormat.h"
-#include "mensor_checked/Checks.h"
 #include "mensor_checked/Making.h"
+#include "mensor_checked/Meaning.h"
 #include "mensor_checked/Names.h"
 #include "mensor_checked/Reading.h"
 #include "mensor_checked/Values.h"
+#include "mensor_checked/Verify.h"
+#include "mensor_checked/Words.h"
 
 namespace mensor {
 namespace checked {

@@ -1,6 +1,6 @@
-// Factors.h: the units of the registry that a text names. For the companion's own use; not installed.
-#ifndef MENSOR_CHECKED_FACTORS_H
-#define MENSOR_CHECKED_FACTORS_H
+// Parsing.h: the units of the registry that a text names. For the companion's own use; not installed.
+#ifndef MENSOR_CHECKED_PARSING_H
+#define MENSOR_CHECKED_PARSING_H
 
 #include <string_view>
 #include <vector>
@@ -41,4 +41,4 @@ std::vector<CFactor> factorsOf(std::string_view text, const CReadOptions& option
 }  // namespace checked
 }  // namespace mensor
 
-#endif  // MENSOR_CHECKED_FACTORS_H
+#endif  // MENSOR_CHECKED_PARSING_H

@@ -1,7 +1,7 @@
-// Define.h: one unit by name, factor, unit and offset, for packs and tables. For the companion's own
+// NewUnit.h: one unit by name, factor, unit and offset, for packs and tables. For the companion's own
 // use; not installed.
-#ifndef MENSOR_CHECKED_DEFINE_H
-#define MENSOR_CHECKED_DEFINE_H
+#ifndef MENSOR_CHECKED_NEWUNIT_H
+#define MENSOR_CHECKED_NEWUNIT_H
 
 #include <string>
 #include <utility>
@@ -48,4 +48,4 @@ private:
 }  // namespace checked
 }  // namespace mensor
 
-#endif  // MENSOR_CHECKED_DEFINE_H
+#endif  // MENSOR_CHECKED_NEWUNIT_H

@@ -1,5 +1,5 @@
-// Definitions_test.cpp: a table of units is read line by line and registered as a whole or not at all.
-#include "mensor_checked/Definitions.h"
+// OwnUnits_test.cpp: a table of units is read line by line and registered as a whole or not at all.
+#include "mensor_checked/OwnUnits.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

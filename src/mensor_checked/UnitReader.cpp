@@ -1,0 +1,283 @@
+// UnitReader.cpp: parse, check, and only then ask the library.
+//
+// What comes back is the library's canonical object for the product of the text's factors. It is
+// compared: if it is made of the very elements of the text, it means what the text means. If not, its
+// hash code belonged to another unit. And if it is, its dimension may still have met another one's
+// hash code; so that is computed from the meaning and compared, too, before anybody converts by it.
+#include "mensor_checked/UnitReader.h"
+
+#include <cmath>
+#include <new>
+#include <utility>
+
+#include "mensor/ProductUnit.h"
+#include "mensor/TransformedUnit.h"
+#include "mensor_checked/Elements.h"
+#include "mensor_checked/Faults.h"
+#include "mensor_checked/Meaning.h"
+#include "mensor_checked/Memory.h"
+#include "mensor_checked/Names.h"
+#include "mensor_checked/Parsing.h"
+#include "mensor_checked/Words.h"
+#include "mensor_exact/Parser.h"
+
+namespace mensor {
+namespace checked {
+
+namespace {
+
+class CReader {
+public:
+    CReader(std::string_view text, const CReadOptions& options)
+        : m_Text(text), m_Options(options), m_Factors(factorsOf(text, options)) {}
+
+    CReading read(bool isKept) {
+        checkScales();
+        // A name stands for its unit as it is, whatever the exponents in it.
+        const CUnitPtr unit = isAlone() ? m_Factors[0].Unit : product();
+        CMemory& memory = CMemory::instance(m_Options);
+        if (!memory.isSound(unit)) {
+            checkDimension(unit);
+            memory.setSound(unit);
+        }
+        if (isKept || memory.isWorth(m_Text)) {
+            remember(unit, isKept);
+        }
+        return {unit, std::nullopt, std::move(m_Notes)};
+    }
+
+private:
+    bool isAlone() const {
+        return m_Factors.size() == 1 && m_Factors[0].Pow == 1 && m_Factors[0].Root == 1;
+    }
+
+    // A scale with a zero of its own is a unit only alone; in a product only its size can count.
+    void checkScales() {
+        const bool isAlone = this->isAlone();
+        for (CFactor& factor : m_Factors) {
+            if (factor.HasOffset && !isAlone) {
+                takeDifference(factor, nameOf(factor));
+            } else if (factor.IsPrefixed) {
+                const std::string name = nameOf(factor);
+                checkPrefixedOffset(factor, name, *prefixedOffset(name, factor.Unit));
+            }
+        }
+    }
+
+    void takeDifference(CFactor& factor, const std::string& name) {
+        const CUnitPtr difference = differenceOf(factor.Unit);
+        if (!m_Options.Differences || !difference) {
+            CDiagnosis diagnosis =
+                diagnose(eRefusal::OFFSET_IN_PRODUCT, m_Text, factor.Name,
+                         quoted(name) +
+                             " counts from a zero of its own and has no place in a "
+                             "product; of its differences " +
+                             (difference ? "the unit is " + describe(difference)
+                                         : std::string("there is no unit here")));
+            if (difference && difference != factor.Unit) {
+                diagnosis.Readings = {replaced(factor.Name, difference->toStdString())};
+            }
+            throw Refused{std::move(diagnosis)};
+        }
+        factor.Unit = difference;
+        m_Notes.push_back(quoted(name) + " is read as a difference, " +
+                          quoted(meaningOf(difference).power(1).toString()));
+    }
+
+    // The unit of differences on the scale of `unit`, none if the library has none. Identity ignores
+    // offsets, so where the scale has another size than its system unit it has taken the place of
+    // the unit of its differences; it can stand in for it if its converter counts as a scaling, which
+    // products convert by its slope.
+    static CUnitPtr differenceOf(const CUnitPtr& unit) {
+        const auto& scale = dynamic_cast<CTransformedUnit&>(*unit);
+        if (scale.toSystem()->derivative(0.0) == 1.0) {
+            return unit->getSystemUnit();
+        }
+        return unit->getCtxToDimension()->isLinear() ? unit : nullptr;
+    }
+
+    void checkPrefixedOffset(const CFactor& factor, const std::string& name,
+                             const CPrefixedOffset& prefixed) {
+        const std::string size = quoted(meaningOf(factor.Unit).toString());
+        const bool isAmbiguous = !isAlone() && unitNamed(prefixed.Prefix);  // "W/m°C"
+        if (m_Options.Differences && !isAmbiguous) {
+            m_Notes.push_back(quoted(name) + " is read as a difference, " + size);
+            return;
+        }
+        CDiagnosis diagnosis = diagnose(eRefusal::PREFIXED_OFFSET, m_Text, factor.Name,
+                                        quoted(name) + " has lost the zero of " +
+                                            quoted(prefixed.Name) + " here: it is just " + size);
+        const CUnitPtr difference = differenceOf(unitNamed(prefixed.Name));
+        if (isAmbiguous && difference) {
+            diagnosis.Readings = {replaced(
+                factor.Name, "(" + prefixed.Prefix + "·" + difference->toStdString() + ")")};
+        }
+        for (const std::string& other : namesOf(factor.Unit)) {
+            if (!prefixedOffset(other, factor.Unit)) {
+                diagnosis.Readings.push_back(replaced(factor.Name, other));
+            }
+        }
+        throw Refused{std::move(diagnosis)};
+    }
+
+    // What the text means, from its factors alone.
+    CMeaning meaning() const {
+        if (isAlone()) {
+            return meaningOf(m_Factors[0].Unit);
+        }
+        CMeaning product;
+        for (const CFactor& factor : m_Factors) {
+            product = product * meaningOf(factor.Unit).power(CRational(factor.Pow, factor.Root));
+        }
+        return product;
+    }
+
+    CUnitPtr product() {
+        const std::vector<CElement> elements = this->elements();
+        CUnitPtr unit = build(elements);
+        checkIdentity(unit, elements);
+        return unit;
+    }
+
+    std::vector<CElement> elements() const {
+        std::vector<CElement> product;
+        for (const CFactor& factor : m_Factors) {
+            multiplyInto(product, factor.Unit, CRational(factor.Pow, factor.Root));
+            for (const CElement& element : product) {
+                const std::int64_t pow = element.Exponent.numerator();
+                if (pow > exact::LargestExponent || pow < -exact::LargestExponent ||
+                    element.Exponent.denominator() > exact::LargestExponent) {
+                    refuse(eRefusal::EXPONENT_RANGE, factor.Name,
+                           "here the exponents of " + describe(element.Unit) +
+                               " come together to one beyond 99");
+                }
+            }
+        }
+        return product;
+    }
+
+    // Made of all elements at once. The library's parser multiplies one after the other, and where a
+    // product on the way meets another unit's hash code, "mV/V" becomes mV·s/m: 1/V and s/m are one.
+    static CUnitPtr build(const std::vector<CElement>& elements) {
+        std::vector<CUnitRationalPower> factors;
+        factors.reserve(elements.size());
+        for (const CElement& element : elements) {
+            if (element.Exponent != CRational(0)) {
+                factors.emplace_back(element.Unit, static_cast<int>(element.Exponent.numerator()),
+                                     static_cast<int>(element.Exponent.denominator()));
+            }
+        }
+        return CProductUnit::getInstance(factors, {});
+    }
+
+    void remember(const CUnitPtr& unit, bool isKept) const {
+        if (m_Factors.empty()) {
+            return;  // whether the empty text is a unit is not a question of units
+        }
+        CMemory::CEntry entry{std::string(m_Text),  {},      true,  unit,
+                              unit->getDimension(), m_Notes, isKept};
+        for (const CFactor& factor : m_Factors) {
+            entry.Names.emplace_back(nameOf(factor), factor.Named);
+            entry.AreExact = entry.AreExact && factor.IsExact;
+        }
+        CMemory::instance(m_Options).remember(std::move(entry));
+    }
+
+    // A product is one object wherever in it the prefixes stand, so N·mm may come as mN·m: the same
+    // units to the same powers, of the same size. That is said, but not refused.
+    void checkIdentity(const CUnitPtr& unit, const std::vector<CElement>& elements) {
+        std::vector<CElement> given;
+        multiplyInto(given, unit, 1);
+        if (haveSameElements(given, elements)) {
+            return;
+        }
+        const CMeaning meaning = this->meaning();
+        const CMeaning other = meaningOf(unit);
+        if (other != meaning ||
+            !haveSameElements(systemElements(given), systemElements(elements))) {
+            refuseCollision(unit, meaning, other);
+        }
+        m_Notes.push_back(quoted(slice(whole())) + " is the same object as " + describe(unit) +
+                          " here, and is written so");
+    }
+
+    [[noreturn]] void refuseCollision(const CUnitPtr& unit, const CMeaning& meaning,
+                                      const CMeaning& other) const {
+        std::string sentence =
+            quoted(slice(whole())) + " is the same object as " + describe(unit) + " here";
+        sentence += other == meaning ? ", which means the same but is another unit"
+                                     : ": it would mean " + quoted(other.toString()) +
+                                           " in place of " + quoted(meaning.toString());
+        CDiagnosis diagnosis = diagnose(eRefusal::COLLISION, m_Text, whole(), std::move(sentence));
+        diagnosis.Readings = {meaning.toString(), other.toString()};
+        throw Refused{std::move(diagnosis)};
+    }
+
+    void checkDimension(const CUnitPtr& unit) const {
+        const CMeaning meaning = this->meaning();
+        if (!std::isnormal(meaning.factor())) {
+            refuse(eRefusal::FACTOR_RANGE, whole(),
+                   "a unit of this size is beyond the range of numbers");
+        }
+        if (const auto fault = dimensionFault(unit, meaning)) {
+            refuseDimension(*fault, meaning);
+        }
+    }
+
+    [[noreturn]] void refuseDimension(const CDimensionFault& fault, const CMeaning& meaning) const {
+        CDiagnosis diagnosis = diagnose(
+            eRefusal::DIMENSION_COLLISION, m_Text, whole(),
+            "the dimension of " + quoted(slice(whole())) + " is the same object as " +
+                describe(fault.Dimension) + " here: it would count as " +
+                quoted(fault.Known.toString()) + " in place of " + quoted(meaning.toString()));
+        diagnosis.Readings = {meaning.toString(), fault.Known.toString()};
+        throw Refused{std::move(diagnosis)};
+    }
+
+    [[noreturn]] void refuse(eRefusal code, CSpan span, const std::string& sentence) const {
+        throw Refused{diagnose(code, m_Text, span, sentence)};
+    }
+
+    CSpan whole() const { return {0, m_Text.size()}; }
+
+    std::string slice(CSpan span) const {
+        return std::string(m_Text.substr(span.Begin, span.End - span.Begin));
+    }
+
+    std::string nameOf(const CFactor& factor) const { return slice(factor.Name); }
+
+    // The text with other words at `span`.
+    std::string replaced(CSpan span, const std::string& words) const {
+        return slice({0, span.Begin}) + words + slice({span.End, m_Text.size()});
+    }
+
+    const std::string_view m_Text;
+    const CReadOptions& m_Options;
+    std::vector<CFactor> m_Factors;
+    std::vector<std::string> m_Notes;
+};
+
+}  // namespace
+
+CReading read(std::string_view text, const CReadOptions& options, bool isKept) {
+    if (!isKept) {
+        if (const CMemory::CEntry* known = CMemory::instance(options).find(text)) {
+            return {known->Unit, std::nullopt, known->Notes};
+        }
+    }
+    try {
+        return CReader(text, options).read(isKept);
+    } catch (Refused& refused) {
+        return {nullptr, std::move(refused.Diagnosis), {}};
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& e) {
+        return {nullptr,
+                diagnose(eRefusal::REFUSED_BY_LIBRARY, text, {0, text.size()},
+                         std::string("the library refuses this unit: ") + e.what()),
+                {}};
+    }
+}
+
+}  // namespace checked
+}  // namespace mensor

@@ -1,0 +1,38 @@
+#include "mensor_checked/Verify.h"
+
+#include <utility>
+
+#include "mensor_checked/Faults.h"
+#include "mensor_checked/Lock.h"
+#include "mensor_checked/Words.h"
+
+namespace mensor {
+namespace checked {
+
+CIdentityError::CIdentityError(const std::string& message, CUnitPtr inTheWay)
+    : std::logic_error(message), m_InTheWay(std::move(inTheWay)) {}
+CIdentityError::CIdentityError(const CIdentityError&) = default;
+CIdentityError& CIdentityError::operator=(const CIdentityError&) = default;
+CIdentityError::~CIdentityError() = default;
+
+CUnitPtr CIdentityError::inTheWay() const noexcept { return m_InTheWay; }
+
+void verify(const CUnitPtr& unit, const CMeaning& meaning) {
+    requireUnit(unit, "verify");
+    const Lock lock;
+    const CMeaning own = meaningOf(unit);
+    if (own != meaning) {
+        throw CIdentityError(quoted(meaning.toString()) + " was asked for, but the object is " +
+                                 describe(unit) + ", which means " + quoted(own.toString()),
+                             unit);
+    }
+    if (const auto fault = dimensionFault(unit, meaning)) {
+        throw CIdentityError(describe(unit) + " would count as " + quoted(fault->Known.toString()) +
+                                 ", since its dimension is the " + "same object as " +
+                                 describe(fault->Dimension) + " here",
+                             fault->Dimension);
+    }
+}
+
+}  // namespace checked
+}  // namespace mensor
