@@ -53,6 +53,8 @@ const char* nameOf(eRefusal code) {
         case eRefusal::HEXADECIMAL: return "HEXADECIMAL";
         case eRefusal::NOT_FINITE: return "NOT_FINITE";
         case eRefusal::NUMBER_RANGE: return "NUMBER_RANGE";
+        case eRefusal::UNKNOWN_CODE: return "UNKNOWN_CODE";
+        case eRefusal::NO_MEANING: return "NO_MEANING";
     }
     return "?";
 }

@@ -53,7 +53,10 @@ enum class eRefusal : int {
     DECIMAL_COMMA,  ///< "2,5 km"
     HEXADECIMAL,    ///< "0x10 m"
     NOT_FINITE,     ///< "nan" or "inf", unless CReadOptions::NotFinite is set
-    NUMBER_RANGE    ///< beyond the range of double
+    NUMBER_RANGE,   ///< beyond the range of double
+    // Codes (mensor_codes/Codes.h).
+    UNKNOWN_CODE,   ///< no code of this system
+    NO_MEANING      ///< a code of this system that has no exact meaning
 };
 
 /// The enumerator's own name, for logs and tables: "SECOND_DIVISION".

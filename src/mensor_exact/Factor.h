@@ -57,6 +57,7 @@ public:
 
 private:
     friend class CConversion;
+    friend class CMeaning;
     friend class CTable;
 
     // Where the size is known to be right, or more bits are allowed.

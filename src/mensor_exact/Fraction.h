@@ -41,6 +41,12 @@ public:
 
     explicit CFraction(const CSmallFraction& small) noexcept : m_Small(small) {}
 
+    /// This fraction in fixed room. Returns false, and changes nothing, where 64 bits are too few.
+    bool toSmall(CSmallFraction& small) const noexcept {
+        small = m_Big == nullptr ? m_Small : small;
+        return m_Big == nullptr;
+    }
+
     /// What the double is, exactly.
     /// @throws CError  BAD_NUMBER: infinity or NaN.
     static CFraction ofDouble(double value);

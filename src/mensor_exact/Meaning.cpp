@@ -120,6 +120,45 @@ CMeaning& CMeaning::operator=(const CMeaning& other) {
 CMeaning& CMeaning::operator=(CMeaning&& other) noexcept = default;
 CMeaning::~CMeaning() = default;
 
+CMeaning::CMeaning(const CSmallMeaning& small)
+    : m_Factor(CFactor::ofPositive(CFraction(small.Factor), static_cast<int>(small.Pi))),
+      m_Offset(small.Offset) {
+    static_assert(CSmallMeaning::Slots == Slots);
+    for (std::size_t slot = 0; slot < Slots; ++slot) {
+        const int halves = small.Halves[slot];
+        m_Exponents[slot] = halves % 2 == 0 ? CExponent(halves / 2) : CExponent(halves, 2);
+    }
+    if (small.OwnHalves != 0) {
+        m_Others.push_back({std::string(small.Own), CExponent(small.OwnHalves, 2)});
+    }
+}
+
+bool CMeaning::toSmall(CSmallMeaning& small) const noexcept {
+    small = CSmallMeaning();
+    const auto toHalves = [](CExponent exponent, std::int8_t& halves) {
+        const int value = exponent.numerator() * 2 / exponent.denominator();
+        halves = static_cast<std::int8_t>(value);
+        return exponent.denominator() <= 2 && value >= -CSmallMeaning::LargestHalf &&
+               value <= CSmallMeaning::LargestHalf;
+    };
+    if (m_Factor.root() != 1 || m_Others.size() > 1 || !toHalves(m_Factor.piExponent(), small.Pi) ||
+        small.Pi % 2 != 0 || !m_Factor.radicand().toSmall(small.Factor) ||
+        !m_Offset.toSmall(small.Offset)) {
+        return false;
+    }
+    small.Pi = static_cast<std::int8_t>(small.Pi / 2);
+    for (std::size_t slot = 0; slot < Slots; ++slot) {
+        if (!toHalves(m_Exponents[slot], small.Halves[slot])) {
+            return false;
+        }
+    }
+    if (!m_Others.empty()) {
+        small.Own = m_Others[0].Name;
+        return toHalves(m_Others[0].Exponent, small.OwnHalves);
+    }
+    return true;
+}
+
 CMeaning CMeaning::base(std::string_view name) {
     static_assert(SlotCount == Slots);
     if (name.empty()) {

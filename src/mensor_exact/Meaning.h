@@ -27,6 +27,7 @@
 #include "mensor_exact/Exponent.h"
 #include "mensor_exact/Factor.h"
 #include "mensor_exact/Fraction.h"
+#include "mensor_exact/SmallMeaning.h"
 #include "mensor_exact/exact_export.h"
 
 namespace mensor {
@@ -56,6 +57,14 @@ public:
     CMeaning& operator=(const CMeaning& other);
     CMeaning& operator=(CMeaning&& other) noexcept;
     ~CMeaning();
+
+    /// What a table of constants holds. Needs memory only for a dimension with a name of its own.
+    explicit CMeaning(const CSmallMeaning& small);
+
+    /// This meaning in fixed room. Returns false where it does not fit: it has roots, large numbers or
+    /// several dimensions with names of their own. The result then refers to nothing; else its `Own`
+    /// refers to this object.
+    bool toSmall(CSmallMeaning& small) const noexcept;
 
     /// A base unit of the SI ("A", "K", "cd", "kg", "m", "mol", "s"), a mark ("rad", "sr", "bit"), or
     /// with any other name a dimension of its own.

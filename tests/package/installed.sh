@@ -12,7 +12,7 @@ fail() { echo "$*"; exit 1; }
 rm -rf "$root"
 mkdir -p "$root"
 set -- "$@" --
-for package in libmensor1 libmensor1-log4cplus libmensor-checked1 libmensor-exact1 libmensor-dev mensor-tools; do
+for package in libmensor1 libmensor1-log4cplus libmensor-checked1 libmensor-exact1 libmensor-codes1 libmensor-dev mensor-tools; do
     deb=$(echo "$debs/${package}"_*_"$architecture.deb")
     [ -f "$deb" ] || fail "no $deb"
     [ "$(dpkg-deb -f "$deb" Architecture)" = "$architecture" ] || fail "$deb: wrong architecture"
@@ -34,6 +34,7 @@ says libmensor1-log4cplus Multi-Arch '^same$'
 says libmensor1 Suggests 'libmensor1-log4cplus (='
 says libmensor1 Depends 'libc6'
 says libmensor-checked1 Depends 'libmensor1 (=.*libmensor-exact1 (='
+says libmensor-codes1 Depends 'libmensor-exact1 (='
 says libmensor-dev Depends 'libmensor1 (=.*libmensor-checked1 (='
 says mensor-tools Depends 'libmensor1 (>='
 

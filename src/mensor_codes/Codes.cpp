@@ -1,0 +1,185 @@
+#include "mensor_codes/Codes.h"
+
+#include <cmath>
+#include <cstdio>
+#include <utility>
+
+#include "mensor_codes/Sources.h"
+#include "mensor_codes/System.h"
+
+namespace mensor {
+namespace codes {
+
+namespace {
+
+std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
+
+// "UCUM", "UCUM and SenML", "UCUM, SenML and OpenTelemetry".
+std::string listed(const std::vector<const char*>& names) {
+    std::string list;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (i > 0) {
+            list += i + 1 < names.size() ? ", " : " and ";
+        }
+        list += names[i];
+    }
+    return list;
+}
+
+// Which other systems have the code, by their names.
+std::vector<const char*> othersWith(const CRefusal& refusal) {
+    std::vector<const char*> names;
+    for (const eSystem system : AllSystems) {
+        if (system == refusal.System) {
+            continue;
+        }
+        const CReading reading = tryRead(system, refusal.Text);
+        if (reading || reading.Refusal.Code == exact::eRefusal::NO_MEANING) {
+            names.push_back(nameOf(system));
+        }
+    }
+    return names;
+}
+
+bool differInCaseOnly(std::string_view a, std::string_view b) {
+    const auto lower = [](char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    };
+    if (a.size() != b.size() || a == b) {
+        return false;
+    }
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (lower(a[i]) != lower(b[i])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Codes that differ from the token in capital letters alone.
+std::vector<std::string> writtenNearly(eSystem system, std::string_view token) {
+    std::vector<std::string> codes;
+    systemOf(system).forEach([&](const CCode& code) {
+        if (differInCaseOnly(code.Code, token)) {
+            codes.push_back(code.Code);
+        }
+        return true;
+    });
+    return codes;
+}
+
+// "DZP" (dozen pack) has no exact meaning: the number in a pack must be agreed
+std::string meaningless(const std::optional<CCode>& code, std::string_view token,
+                        const std::string& reason) {
+    std::string sentence = quoted(token);
+    if (code && !code->Name.empty()) {
+        sentence += " (" + std::string(code->Name) + ")";
+    }
+    sentence += " has no exact meaning: " + reason;
+    if (code && !code->Note.empty()) {
+        sentence += "; " + std::string(code->Note);
+    }
+    return sentence;
+}
+
+}  // namespace
+
+#define MENSOR_SOURCE(id, text) \
+    case eSource::id:           \
+        return text;
+#define MENSOR_REASON(id, text) MENSOR_SOURCE(id, text)
+std::string_view textOf(eSource source) {
+    switch (source) {
+#include "mensor_codes/sources.def"
+    }
+    return {};
+}
+#undef MENSOR_SOURCE
+#undef MENSOR_REASON
+
+const CSystem& systemOf(eSystem system) {
+    switch (system) {
+        case eSystem::UNECE: return unece();
+        case eSystem::OPCUA: return opcUa();
+        case eSystem::UCUM: return ucum();
+        case eSystem::SENML: return senml();
+        case eSystem::OPENTELEMETRY: return openTelemetry();
+    }
+    return unece();
+}
+
+CReading refused(eSystem system, std::string_view code, exact::eRefusal refusal,
+                 std::string_view sentence) {
+    CReading reading;
+    reading.Refusal = {refusal, system, code, {0, code.size()}, sentence};
+    return reading;
+}
+
+const char* nameOf(eSystem system) { return systemOf(system).name(); }
+
+exact::CMeaning read(eSystem system, std::string_view code) {
+    CReading reading = tryRead(system, code);
+    if (!reading) {
+        throw exact::CReadError(diagnose(reading.Refusal));
+    }
+    return *std::move(reading.Meaning);
+}
+
+CReading tryRead(eSystem system, std::string_view code) { return systemOf(system).tryRead(code); }
+
+exact::CDiagnosis diagnose(const CRefusal& refusal) {
+    const std::string_view token = refusal.Token.of(refusal.Text);
+    std::string sentence(refusal.Sentence);
+    std::vector<std::string> suggestions;
+    if (refusal.Code == exact::eRefusal::NO_MEANING) {
+        sentence = meaningless(find(refusal.System, token), token, sentence);
+    } else {
+        const std::size_t place = sentence.find("{}");
+        if (place != std::string::npos) {
+            sentence.replace(place, 2, quoted(token));
+        }
+        const std::vector<const char*> others = othersWith(refusal);
+        if (!others.empty()) {
+            sentence += "; it is a valid code of " + listed(others);
+        }
+        suggestions = writtenNearly(refusal.System, token);
+    }
+    exact::CDiagnosis diagnosis =
+        exact::diagnose(refusal.Code, refusal.Text, refusal.Token, std::move(sentence));
+    diagnosis.Suggestions = std::move(suggestions);
+    return diagnosis;
+}
+
+std::optional<CCode> find(eSystem system, std::string_view code) {
+    return systemOf(system).find(code);
+}
+
+std::vector<CCode> all(eSystem system) {
+    std::vector<CCode> codes;
+    systemOf(system).forEach([&codes](const CCode& code) {
+        codes.push_back(code);
+        return true;
+    });
+    return codes;
+}
+
+std::string CMatch::toString(eSystem system) const {
+    if (!Code.empty()) {
+        return Code;
+    }
+    std::string text = std::string("no code of ") + codes::nameOf(system) + " means exactly this";
+    if (!Nearest.empty()) {
+        char size[32];
+        std::snprintf(size, sizeof size, "%.2g", std::fabs(Deviation));
+        text += "; the nearest is " + Nearest + ", " + (Deviation < 0 ? "smaller" : "larger") +
+                " by " + size + " of it";
+    }
+    return text;
+}
+
+CMatch codeFor(eSystem system, const exact::CMeaning& meaning) {
+    return systemOf(system).codeFor(meaning);
+}
+
+}  // namespace codes
+}  // namespace mensor

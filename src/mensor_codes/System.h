@@ -1,0 +1,51 @@
+// System.h: what each system of codes does for the interface. For the library's own use; not installed.
+#ifndef MENSOR_CODES_SYSTEM_H
+#define MENSOR_CODES_SYSTEM_H
+
+#include <functional>
+#include <optional>
+#include <string_view>
+
+#include "mensor_codes/Codes.h"
+
+namespace mensor {
+namespace codes {
+
+/// One system. Objects are constants of the library.
+class CSystem {
+public:
+    virtual const char* name() const = 0;
+
+    /// As codes::tryRead().
+    virtual CReading tryRead(std::string_view code) const = 0;
+
+    /// As codes::find().
+    virtual std::optional<CCode> find(std::string_view code) const = 0;
+
+    /// Calls `visit` for each row, in the order of the table, until it returns false.
+    virtual void forEach(const std::function<bool(const CCode&)>& visit) const = 0;
+
+    /// As codes::codeFor().
+    virtual CMatch codeFor(const exact::CMeaning& meaning) const = 0;
+
+protected:
+    constexpr CSystem() = default;
+    ~CSystem() = default;
+};
+
+const CSystem& unece();
+const CSystem& opcUa();
+const CSystem& ucum();
+const CSystem& senml();
+const CSystem& openTelemetry();
+
+const CSystem& systemOf(eSystem system);
+
+/// A refused code, all of it the token.
+CReading refused(eSystem system, std::string_view code, exact::eRefusal refusal,
+                 std::string_view sentence);
+
+}  // namespace codes
+}  // namespace mensor
+
+#endif  // MENSOR_CODES_SYSTEM_H

@@ -1,0 +1,60 @@
+// TableSystem.h: a system whose codes are all in a table. For the library's own use; not installed.
+#ifndef MENSOR_CODES_TABLESYSTEM_H
+#define MENSOR_CODES_TABLESYSTEM_H
+
+#include "mensor_codes/CodeTable.h"
+#include "mensor_codes/System.h"
+
+namespace mensor {
+namespace codes {
+
+/// CTable is a CCodeTable.
+template <class CTable, eSystem System>
+class CTableSystem final : public CSystem {
+public:
+    /// The name of the system, and the sentence about a code that it does not have.
+    constexpr CTableSystem(const char* name, const char* unknown)
+        : m_Name(name), m_Unknown(unknown) {}
+
+    const char* name() const override { return m_Name; }
+
+    CReading tryRead(std::string_view code) const override {
+        const std::size_t row = CTable::find(code);
+        if (row == CTable::None) {
+            return code.empty()
+                       ? refused(System, code, exact::eRefusal::EMPTY, "an empty text is no code")
+                       : refused(System, code, exact::eRefusal::UNKNOWN_CODE, m_Unknown);
+        }
+        if (CTable::isRefused(row)) {
+            return refused(System, code, exact::eRefusal::NO_MEANING, CTable::reason(row));
+        }
+        CReading reading;
+        reading.Meaning.emplace(CTable::smallMeaning(row));
+        return reading;
+    }
+
+    std::optional<CCode> find(std::string_view code) const override {
+        const std::size_t row = CTable::find(code);
+        if (row == CTable::None) {
+            return std::nullopt;
+        }
+        return CTable::code(row);
+    }
+
+    void forEach(const std::function<bool(const CCode&)>& visit) const override {
+        CTable::forEach(visit);
+    }
+
+    CMatch codeFor(const exact::CMeaning& meaning) const override {
+        return CTable::codeFor(meaning);
+    }
+
+private:
+    const char* m_Name;
+    const char* m_Unknown;
+};
+
+}  // namespace codes
+}  // namespace mensor
+
+#endif  // MENSOR_CODES_TABLESYSTEM_H

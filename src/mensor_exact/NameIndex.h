@@ -1,0 +1,83 @@
+// NameIndex.h: a hash table of names that the compiler makes. For the libraries' own use; not installed.
+#ifndef MENSOR_EXACT_NAMEINDEX_H
+#define MENSOR_EXACT_NAMEINDEX_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace mensor {
+namespace exact {
+
+/// The same as ==, but quickly computed by the compiler, too.
+constexpr bool isEqual(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) {
+        return false;
+    }
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (a[i] != b[i]) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Finds rows of a table by their names. Each name is next to the place where it should be; of several
+/// rows with one name the first one comes first.
+template <std::size_t Rows>
+class CNameIndex {
+public:
+    static constexpr std::size_t None = static_cast<std::size_t>(-1);
+
+    /// nameOf(row) gives the names.
+    template <class NameOf>
+    explicit constexpr CNameIndex(const NameOf& nameOf) {
+        static_assert(Rows < 65535);
+        for (std::size_t row = 0; row < Rows; ++row) {
+            std::size_t place = placeOf(nameOf(row));
+            while (m_Places[place] != 0) {
+                place = (place + 1) % Places;
+            }
+            m_Places[place] = static_cast<std::uint16_t>(row + 1);
+        }
+    }
+
+    /// The row with this name, or None. fits(row) tells whether the row has it.
+    template <class Fits>
+    constexpr std::size_t find(std::string_view name, const Fits& fits) const {
+        for (std::size_t place = placeOf(name); m_Places[place] != 0;
+             place = (place + 1) % Places) {
+            const std::size_t row = m_Places[place] - std::size_t{1};
+            if (fits(row)) {
+                return row;
+            }
+        }
+        return None;
+    }
+
+private:
+    static constexpr std::size_t placesFor(std::size_t rows) {
+        std::size_t places = 1;
+        while (places < 2 * rows) {
+            places *= 2;
+        }
+        return places;
+    }
+
+    static constexpr std::size_t placeOf(std::string_view name) {
+        std::uint32_t hash = 2166136261U;  // FNV-1a
+        for (const char c : name) {
+            hash = (hash ^ static_cast<unsigned char>(c)) * 16777619U;
+        }
+        return (hash ^ hash >> 15) % Places;
+    }
+
+    static constexpr std::size_t Places = placesFor(Rows);
+
+    std::uint16_t m_Places[Places] = {};  // a row + 1 where one is
+};
+
+}  // namespace exact
+}  // namespace mensor
+
+#endif  // MENSOR_EXACT_NAMEINDEX_H
