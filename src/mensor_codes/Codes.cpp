@@ -69,18 +69,20 @@ std::vector<std::string> writtenNearly(eSystem system, std::string_view token) {
 }
 
 // "DZP" (dozen pack) has no exact meaning: the number in a pack must be agreed
-std::string meaningless(const std::optional<CCode>& code, std::string_view token,
-                        const std::string& reason) {
-    std::string sentence = quoted(token);
-    if (code && !code->Name.empty()) {
-        sentence += " (" + std::string(code->Name) + ")";
+std::string meaningless(const CCode& code, const std::string& reason) {
+    std::string sentence = quoted(code.Code);
+    if (!code.Name.empty()) {
+        sentence += " (" + std::string(code.Name) + ")";
     }
     sentence += " has no exact meaning: " + reason;
-    if (code && !code->Note.empty()) {
-        sentence += "; " + std::string(code->Note);
+    if (!code.Note.empty()) {
+        sentence += "; " + std::string(code.Note);
     }
     return sentence;
 }
+
+// Whether the token is a code that the table refuses, and not what is wrong with an expression.
+bool isRefused(const std::optional<CCode>& code) { return code && code->Definition.empty(); }
 
 }  // namespace
 
@@ -131,13 +133,16 @@ exact::CDiagnosis diagnose(const CRefusal& refusal) {
     const std::string_view token = refusal.Token.of(refusal.Text);
     std::string sentence(refusal.Sentence);
     std::vector<std::string> suggestions;
-    if (refusal.Code == exact::eRefusal::NO_MEANING) {
-        sentence = meaningless(find(refusal.System, token), token, sentence);
+    const std::optional<CCode> code = find(refusal.System, token);
+    if (refusal.Code == exact::eRefusal::NO_MEANING && isRefused(code)) {
+        sentence = meaningless(*code, sentence);
     } else {
         const std::size_t place = sentence.find("{}");
         if (place != std::string::npos) {
             sentence.replace(place, 2, quoted(token));
         }
+    }
+    if (refusal.Code != exact::eRefusal::NO_MEANING) {
         const std::vector<const char*> others = othersWith(refusal);
         if (!others.empty()) {
             sentence += "; it is a valid code of " + listed(others);

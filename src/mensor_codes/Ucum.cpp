@@ -1,30 +1,46 @@
 #include "mensor_codes/System.h"
+#include "mensor_codes/UcumAtoms.h"
+#include "mensor_codes/UcumReader.h"
+#include "mensor_codes/UcumWriter.h"
 
 namespace mensor {
 namespace codes {
 
 namespace {
 
+// UCUM, also under the name of a system that takes its codes.
 class CUcum final : public CSystem {
 public:
-    const char* name() const override { return "UCUM"; }
+    constexpr CUcum(eSystem system, const char* name) : m_System(system), m_Name(name) {}
 
-    CReading tryRead(std::string_view text) const override {
-        return refused(eSystem::UCUM, text, exact::eRefusal::UNKNOWN_CODE, "{} is no code of UCUM");
+    const char* name() const override { return m_Name; }
+
+    CReading tryRead(std::string_view text) const override { return readUcum(m_System, text); }
+
+    std::optional<CCode> find(std::string_view code) const override {
+        const std::size_t row = CUcumAtoms::find(code);
+        return row == CUcumAtoms::None ? std::nullopt : std::optional<CCode>(CUcumAtoms::code(row));
     }
 
-    std::optional<CCode> find(std::string_view /*code*/) const override { return std::nullopt; }
+    void forEach(const std::function<bool(const CCode&)>& visit) const override {
+        for (std::size_t row = 0; row < CUcumAtoms::size() && visit(CUcumAtoms::code(row)); ++row) {
+        }
+    }
 
-    void forEach(const std::function<bool(const CCode&)>& /*visit*/) const override {}
+    CMatch codeFor(const exact::CMeaning& meaning) const override { return ucumCodeFor(meaning); }
 
-    CMatch codeFor(const exact::CMeaning& /*meaning*/) const override { return {}; }
+private:
+    eSystem m_System;
+    const char* m_Name;
 };
 
-constexpr CUcum System;
+constexpr CUcum Ucum(eSystem::UCUM, "UCUM");
+constexpr CUcum OpenTelemetry(eSystem::OPENTELEMETRY, "OpenTelemetry");
 
 }  // namespace
 
-const CSystem& ucum() { return System; }
+const CSystem& ucum() { return Ucum; }
+const CSystem& openTelemetry() { return OpenTelemetry; }
 
 }  // namespace codes
 }  // namespace mensor
