@@ -31,13 +31,23 @@ struct DefinitionRow {
 };
 
 inline std::vector<DefinitionRow> definitionRows() {
-    return {
+    // Constant data first: a list of so many strings takes the compiler half a minute.
+    struct Texts {
+        eRow Kind;
+        const char *Set, *Name, *Definition, *English, *Source;
+    };
+    static constexpr Texts rows[] = {
 #define MENSOR_BASE(set, name, english, source) {eRow::BASE, #set, name, "", english, source},
 #define MENSOR_MARK(set, name, english, source) {eRow::MARK, #set, name, "", english, source},
 #define MENSOR_UNIT(set, name, definition, english, source) \
     {eRow::UNIT, #set, name, definition, english, source},
 #include "mensor_exact/definitions.def"
     };
+    std::vector<DefinitionRow> result;
+    for (const Texts& row : rows) {
+        result.push_back({row.Kind, row.Set, row.Name, row.Definition, row.English, row.Source});
+    }
+    return result;
 }
 
 /// A meaning: x of the unit is (x + Offset)·Factor·π^Pi in base units.
