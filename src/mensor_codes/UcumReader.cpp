@@ -25,6 +25,7 @@ using exact::eRefusal;
 constexpr char End = '\0';  // a NUL in the text is refused, too
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isForeign(char c) { return static_cast<unsigned char>(c) >= 0x80; }
 bool isPrintable(char c) { return c > ' ' && c < '\x7F'; }
 
 // Whether an atom can have this character outside of square brackets.
@@ -341,7 +342,9 @@ private:
         switch (findUcumUnit(symbol.of(m_Text), unit)) {
             case eUcumUnit::FOUND: break;
             case eUcumUnit::UNKNOWN:
-                return refuse(eRefusal::UNKNOWN_CODE, symbol, "UCUM has no unit {}");
+                return isForeign(peek())  // perhaps the rest of the name, as in "kΩ"
+                           ? refuseForeign()
+                           : refuse(eRefusal::UNKNOWN_CODE, symbol, "UCUM has no unit {}");
             case eUcumUnit::TAKES_NO_PREFIX:
                 return refuse(eRefusal::UNKNOWN_CODE, symbol,
                               "UCUM has no unit {}: its last part takes no prefix");

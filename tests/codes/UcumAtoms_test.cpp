@@ -3,6 +3,7 @@
 
 #include <set>
 #include <string>
+#include <string_view>
 
 #include "gmock/gmock.h"
 #include "gtest/gtest.h"
@@ -19,9 +20,9 @@ using testing::HasSubstr;
 
 namespace {
 
-CMeaning read(const std::string& code) { return codes::read(eSystem::UCUM, code); }
+CMeaning read(std::string_view code) { return codes::read(eSystem::UCUM, code); }
 
-std::string messageOn(const std::string& code) {
+std::string messageOn(std::string_view code) {
     return codes::diagnose(codes::tryRead(eSystem::UCUM, code).Refusal).message();
 }
 
