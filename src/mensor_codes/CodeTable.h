@@ -237,6 +237,13 @@ inline constexpr exact::CNameIndex<Rows> Index([](std::size_t row) {
 
 }  // namespace stored
 
+/// How much larger a unit of the factor `near` is than one of `asked`, as a part of it.
+inline double deviation(const exact::CFactor& near, const exact::CFactor& asked) {
+    const exact::CFactor ratio = near / asked;
+    return ratio.isRational() ? (ratio.radicand() - exact::CFraction(1)).toDouble()
+                              : ratio.toDouble() - 1.0;
+}
+
 /// Texts are those of all rows, one behind the other in the order of CCodeLengths.
 template <const char* Texts, const CCodeLengths* Lengths, std::size_t Rows>
 class CCodeTable {
@@ -341,13 +348,6 @@ public:
             result.Deviation = deviation(CCodeTable::meaning(nearest).factor(), meaning.factor());
         }
         return result;
-    }
-
-private:
-    static double deviation(const exact::CFactor& near, const exact::CFactor& asked) {
-        const exact::CFactor ratio = near / asked;
-        return ratio.isRational() ? (ratio.radicand() - exact::CFraction(1)).toDouble()
-                                  : ratio.toDouble() - 1.0;
     }
 };
 

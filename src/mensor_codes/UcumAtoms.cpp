@@ -70,7 +70,7 @@ bool CUcumAtoms::takesPrefixes(std::size_t row) { return TakesPrefixes[row]; }
 bool CUcumAtoms::isRefused(std::size_t row) { return CTable::isRefused(row); }
 std::string_view CUcumAtoms::reason(std::size_t row) { return CTable::reason(row); }
 exact::CSmallMeaning CUcumAtoms::meaning(std::size_t row) { return CTable::smallMeaning(row); }
-CMatch CUcumAtoms::codeFor(const exact::CMeaning& meaning) { return CTable::codeFor(meaning); }
+bool CUcumAtoms::isSynonym(std::size_t row) { return Lengths[row].SameAs > 0; }
 
 eUcumUnit findUcumUnit(std::string_view symbol, CUcumUnit& unit) {
     unit.Prefix = nullptr;

@@ -34,8 +34,8 @@ public:
     /// What an atom means that is not refused.
     static exact::CSmallMeaning meaning(std::size_t row);
 
-    /// The atom that means exactly this; those that mean the same; the nearest one.
-    static CMatch codeFor(const exact::CMeaning& meaning);
+    /// Whether the library writes another code for what the atom means.
+    static bool isSynonym(std::size_t row);
 };
 
 struct CUcumPrefix {

@@ -123,10 +123,11 @@ TEST(Ucum, ReadsHighPowersAndManyDimensions) {
     EXPECT_EQ(read("m-99").exponentOf("m"), exact::CExponent(-99));
     EXPECT_EQ(read("m49.m50").exponentOf("m"), exact::CExponent(99));
     EXPECT_EQ(read("m60/m50").exponentOf("m"), exact::CExponent(10));
-    EXPECT_EQ(read("km60"), CMeaning::base("m").power(60).scaled(CFactor(CFraction(10).power(180))));
-    EXPECT_EQ(read("[CFU]/[PFU]/[FFU]2.m"),
-              CMeaning::base("[CFU]") * CMeaning::base("m") / CMeaning::base("[PFU]") /
-                  CMeaning::base("[FFU]").power(2));
+    EXPECT_EQ(read("km60"),
+              CMeaning::base("m").power(60).scaled(CFactor(CFraction(10).power(180))));
+    EXPECT_EQ(read("[CFU]/[PFU]/[FFU]2.m"), CMeaning::base("[CFU]") * CMeaning::base("m") /
+                                                CMeaning::base("[PFU]") /
+                                                CMeaning::base("[FFU]").power(2));
     EXPECT_EQ(read("[pi]60").factor(), CFactor::pi().power(60));
     EXPECT_EQ(read("10*99"), CMeaning().scaled(CFactor(CFraction(10).power(99))));
 }
@@ -431,8 +432,9 @@ TEST(Ucum, AgreesWithItsGrammarOnAllShortTexts) {
 
 TEST(OpenTelemetry, HasTheCodesOfUcum) {
     for (const char* unit :
-         {"1", "%", "s", "ms", "us", "By", "KiBy", "MiBy", "By/s", "bit/s", "Cel", "Hz", "V", "W", "J",
-          "{request}", "{request}/s", "{packet}", "{cpu}", "{thread}", "{fault}/s", "m", "kg"}) {
+         {"1",           "%",        "s",     "ms",       "us",        "By", "KiBy", "MiBy",
+          "By/s",        "bit/s",    "Cel",   "Hz",       "V",         "W",  "J",    "{request}",
+          "{request}/s", "{packet}", "{cpu}", "{thread}", "{fault}/s", "m",  "kg"}) {
         const codes::CReading reading = codes::tryRead(eSystem::OPENTELEMETRY, unit);
         ASSERT_TRUE(reading) << unit;
         EXPECT_EQ(*reading.Meaning, read(unit)) << unit;
