@@ -131,7 +131,7 @@ CEUInformation opcUaUnit(std::string_view code) {
     CEUInformation unit;
     unit.NamespaceUri = OpcUaNamespace;
     unit.UnitId = unitIdOf(code).value_or(-1);
-    unit.DisplayName = row->Symbol;
+    unit.DisplayName = row->Symbol.empty() ? row->Name : row->Symbol;
     unit.Description = row->Name;
     return unit;
 }

@@ -2,15 +2,12 @@
 #ifndef MENSOR_TESTS_UCUMATOMS_H
 #define MENSOR_TESTS_UCUMATOMS_H
 
-#include <fstream>
-#include <map>
 #include <optional>
-#include <sstream>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "ExpectedMeaning.h"
 #include "mensor_exact/Meaning.h"
 
 namespace mensor {
@@ -21,53 +18,19 @@ struct UcumAtom {
     std::optional<exact::CMeaning> Meaning;  ///< none of a function
 };
 
-inline exact::CFraction fractionOf(const std::string& text) {
-    const std::size_t slash = text.find('/');
-    const exact::CFraction numerator = exact::CFraction::ofText(text.substr(0, slash));
-    return slash == std::string::npos
-               ? numerator
-               : numerator / exact::CFraction::ofText(text.substr(slash + 1));
-}
-
 /// The rows of tests/data/ucum_atoms.tsv.
 inline const std::vector<UcumAtom>& ucumAtoms() {
     static const std::vector<UcumAtom> atoms = [] {
         std::vector<UcumAtom> rows;
-        std::ifstream file(MENSOR_TEST_DATA "/ucum_atoms.tsv");
-        for (std::string line; std::getline(file, line);) {
-            if (line[0] == '#') {
-                continue;
-            }
-            std::istringstream fields(line);
-            std::string prefixes, kind, factor, pi, offset, dimensions;
+        for (const std::vector<std::string>& row : rowsOf("ucum_atoms.tsv")) {
             UcumAtom atom;
-            std::getline(fields, atom.Code, '\t');
-            std::getline(fields, prefixes, '\t');
-            std::getline(fields, kind, '\t');
-            std::getline(fields, factor, '\t');
-            std::getline(fields, pi, '\t');
-            std::getline(fields, offset, '\t');
-            std::getline(fields, dimensions, '\t');
-            atom.TakesPrefixes = prefixes == "yes";
-            if (kind == "unit") {
-                exact::CMeaning meaning;
-                std::istringstream each(dimensions);
-                for (std::string power; each >> power;) {
-                    const std::size_t colon = power.rfind(':');
-                    meaning = meaning * exact::CMeaning::base(power.substr(0, colon))
-                                            .power(std::stoi(power.substr(colon + 1)));
-                }
-                meaning = meaning.scaled(exact::CFactor(fractionOf(factor)) *
-                                         exact::CFactor::pi().power(std::stoi(pi)));
-                if (offset != "0") {  // in base units
-                    meaning = meaning.shifted(fractionOf(offset) / fractionOf(factor));
-                }
-                atom.Meaning = meaning;
+            atom.Code = row.at(0);
+            atom.TakesPrefixes = row.at(1) == "yes";
+            if (row.at(2) == "unit") {
+                atom.Meaning =
+                    meaningOf(row.at(3), row.at(4), row.at(5), row.size() > 6 ? row[6] : "");
             }
             rows.push_back(std::move(atom));
-        }
-        if (rows.empty()) {
-            throw std::runtime_error("no rows in " MENSOR_TEST_DATA "/ucum_atoms.tsv");
         }
         return rows;
     }();
