@@ -177,6 +177,12 @@ const std::vector<CReport::Line>& CReport::lines() {
                            std::string("parse ") + text + ": UDUNITS-2", target});
         }
 
+        heading("Codes of UCUM against UDUNITS-2");
+        for (const char* code : {"mg/dL", "kg.m2/s2", "mL/min/kg", "W/(m2.K)"}) {
+            const std::string work = std::string("read UCUM ") + code;
+            all.push_back({Line::AT_MOST, work, work + ": mensor::codes", work + ": UDUNITS-2", 0});
+        }
+
         heading("Hardening");
         for (const char* what :
              {"start a process", "parse", "look up", "convert", "format", "request"}) {

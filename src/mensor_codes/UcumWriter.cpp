@@ -15,6 +15,7 @@
 #include "mensor_codes/CodeTable.h"
 #include "mensor_codes/UcumAtoms.h"
 #include "mensor_codes/UcumReader.h"
+#include "mensor_exact/Exponent.h"
 #include "mensor_exact/Slots.h"
 
 namespace mensor {
@@ -331,9 +332,11 @@ private:
                 offer(before, changed);
             }
         }
-        product.Tens = tens;
-        product.Cost += PowerOfTenCost;
-        offer(before, product);
+        if (std::abs(tens) <= exact::CExponent::Largest) {
+            product.Tens = tens;
+            product.Cost += PowerOfTenCost;
+            offer(before, product);
+        }
     }
 
     // Puts the power of ten before one unit. Returns false where no prefix has it.

@@ -1,5 +1,5 @@
 // UcumAtoms_test.cpp: what each atom of UCUM means, alone and behind prefixes.
-#include "UcumAtoms.h"
+#include "codes/UcumAtoms.h"
 
 #include <set>
 #include <string>

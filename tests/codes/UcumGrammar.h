@@ -8,7 +8,7 @@
 #include <string>
 #include <utility>
 
-#include "UcumAtoms.h"
+#include "codes/UcumAtoms.h"
 
 namespace mensor {
 
@@ -155,7 +155,7 @@ public:
         return result;
     }
 
-    std::size_t below(std::size_t count) { return m_Random() % count; }
+    std::size_t below(std::size_t count) { return static_cast<std::size_t>(m_Random() % count); }
 
 private:
     Expression term(int depth) {

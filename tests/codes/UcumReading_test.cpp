@@ -3,7 +3,7 @@
 #include <string_view>
 #include <vector>
 
-#include "UcumGrammar.h"
+#include "codes/UcumGrammar.h"
 #include "gmock/gmock.h"
 #include "gtest/gtest.h"
 #include "mensor_codes/Codes.h"
@@ -354,7 +354,7 @@ TEST(Ucum, DividesByBracketsInBrackets) {
 TEST(Ucum, ReadsWhatItsGrammarMakes) {
     UcumGenerator generator(1);
     int read = 0;
-    for (int i = 0; i < 20000; ++i) {
+    for (int i = 0; i < 6000; ++i) {
         UcumGenerator::Expression expression;
         try {
             expression = generator.expression();
@@ -370,7 +370,7 @@ TEST(Ucum, ReadsWhatItsGrammarMakes) {
         ASSERT_EQ(*reading.Meaning, expression.Meaning) << expression.Text;
         ++read;
     }
-    EXPECT_GT(read, 19000);
+    EXPECT_GT(read, 5500);
 }
 
 // A text one or two changes away from a code is a code exactly if the grammar says so.
@@ -379,7 +379,7 @@ TEST(Ucum, RefusesWhatItsGrammarDoesNotMake) {
     UcumGenerator generator(2);
     int valid = 0;
     int invalid = 0;
-    for (int i = 0; i < 6000; ++i) {
+    for (int i = 0; i < 4000; ++i) {
         std::string text;
         try {
             text = generator.expression().Text;
@@ -407,8 +407,8 @@ TEST(Ucum, RefusesWhatItsGrammarDoesNotMake) {
             << text << ": " << codes::diagnose(tryRead(text).Refusal).message();
         (isValid ? valid : invalid) += 1;
     }
-    EXPECT_GT(valid, 500);
-    EXPECT_GT(invalid, 1500);
+    EXPECT_GT(valid, 300);
+    EXPECT_GT(invalid, 1000);
 }
 
 // All short texts of a few characters.

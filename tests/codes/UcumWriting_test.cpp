@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "UcumGrammar.h"
+#include "codes/UcumGrammar.h"
 #include "gmock/gmock.h"
 #include "gtest/gtest.h"
 #include "mensor_codes/Codes.h"
@@ -132,6 +132,10 @@ TEST(UcumWriting, WritesNumbersOnlyAsPowersOfTen) {
     EXPECT_EQ(codeFor(read("10*5.m")).Code, "10*5.m");
     EXPECT_EQ(codeFor(read("10*5/m")).Code, "10*5/m");
     EXPECT_EQ(codeFor(read("7.m")).Code, "");
+    EXPECT_EQ(codeFor(number("1e99")).Code, "10*99");
+    EXPECT_EQ(codeFor(number("1e-99")).Code, "10*-99");
+    EXPECT_EQ(codeFor(number("1e100")).Code, "");
+    EXPECT_EQ(codeFor(number("1e-100")).Code, "");
 }
 
 TEST(UcumWriting, TellsSynonyms) {
@@ -171,7 +175,7 @@ TEST(UcumWriting, KeepsMarksAndArbitraryUnitsApart) {
 TEST(UcumWriting, GivesOnlyCodesOfTheMeaning) {
     UcumGenerator generator(3);
     int found = 0;
-    for (int i = 0; i < 800; ++i) {
+    for (int i = 0; i < 400; ++i) {
         CMeaning meaning;
         try {
             meaning = generator.expression().Meaning;
@@ -190,7 +194,7 @@ TEST(UcumWriting, GivesOnlyCodesOfTheMeaning) {
             ASSERT_TRUE(read(match.Nearest).isCompatibleWith(meaning)) << match.Nearest;
         }
     }
-    EXPECT_GT(found, 150);
+    EXPECT_GT(found, 80);
 }
 
 TEST(UcumWriting, GivesOpenTelemetryTheSameCodes) {

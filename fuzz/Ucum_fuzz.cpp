@@ -1,0 +1,50 @@
+// Ucum_fuzz.cpp: a text is a code of UCUM exactly if the grammar says so. A code with a meaning gives a
+// code of the same meaning back. A refusal tells a place in the text. No other system breaks on the text.
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "Input.h"
+#include "Property.h"
+#include "codes/UcumGrammar.h"
+#include "mensor_codes/Codes.h"
+
+using namespace mensor;
+using codes::eSystem;
+using exact::eRefusal;
+
+namespace {
+
+void checkRefusal(const std::string& text, const codes::CRefusal& refusal) {
+    fuzz::require(refusal.Token.Begin <= refusal.Token.End && refusal.Token.End <= text.size(),
+                  text, "the refusal tells a place outside of the text");
+    const exact::CDiagnosis diagnosis = codes::diagnose(refusal);
+    fuzz::require(!diagnosis.message().empty() && !diagnosis.caret().empty(), text,
+                  "the refusal has no words");
+    fuzz::require(diagnosis.Code == refusal.Code, text, "the diagnosis is of another refusal");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const auto input = fuzz::shortText(data, size, 64);
+    if (!input) {
+        return 0;
+    }
+    const std::string& text = *input;
+    const codes::CReading reading = codes::tryRead(eSystem::UCUM, text);
+    const bool isCode = reading || reading.Refusal.Code == eRefusal::NO_MEANING;
+    fuzz::require(isCode == UcumGrammar::accepts(text), text, "the grammar says otherwise");
+    if (reading) {
+        const codes::CMatch match = codes::codeFor(eSystem::UCUM, *reading.Meaning);
+        fuzz::require(!match || codes::read(eSystem::UCUM, match.Code) == *reading.Meaning, text,
+                      "the code that is given back means something else");
+    }
+    for (const eSystem system : codes::AllSystems) {
+        const codes::CReading other = codes::tryRead(system, text);
+        if (!other) {
+            checkRefusal(text, other.Refusal);
+        }
+    }
+    return 0;
+}
