@@ -56,18 +56,6 @@ bool differInCaseOnly(std::string_view a, std::string_view b) {
     return true;
 }
 
-// Codes that differ from the token in capital letters alone.
-std::vector<std::string> writtenNearly(eSystem system, std::string_view token) {
-    std::vector<std::string> codes;
-    systemOf(system).forEach([&](const CCode& code) {
-        if (differInCaseOnly(code.Code, token)) {
-            codes.push_back(code.Code);
-        }
-        return true;
-    });
-    return codes;
-}
-
 // "DZP" (dozen pack) has no exact meaning: the number in a pack must be agreed
 std::string meaningless(const CCode& code, const std::string& reason) {
     std::string sentence = quoted(code.Code);
@@ -98,6 +86,17 @@ std::string_view textOf(eSource source) {
 }
 #undef MENSOR_SOURCE
 #undef MENSOR_REASON
+
+std::vector<std::string> CSystem::suggestions(std::string_view token) const {
+    std::vector<std::string> codes;
+    forEach([&](const CCode& code) {
+        if (differInCaseOnly(code.Code, token)) {
+            codes.push_back(code.Code);
+        }
+        return true;
+    });
+    return codes;
+}
 
 const CSystem& systemOf(eSystem system) {
     switch (system) {
@@ -147,7 +146,7 @@ exact::CDiagnosis diagnose(const CRefusal& refusal) {
         if (!others.empty()) {
             sentence += "; it is a valid code of " + listed(others);
         }
-        suggestions = writtenNearly(refusal.System, token);
+        suggestions = systemOf(refusal.System).suggestions(token);
     }
     exact::CDiagnosis diagnosis =
         exact::diagnose(refusal.Code, refusal.Text, refusal.Token, std::move(sentence));

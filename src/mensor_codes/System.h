@@ -4,7 +4,9 @@
 
 #include <functional>
 #include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "mensor_codes/Codes.h"
 
@@ -27,6 +29,9 @@ public:
 
     /// As codes::codeFor().
     virtual CMatch codeFor(const exact::CMeaning& meaning) const = 0;
+
+    /// Codes that `token`, which is refused, may have meant: those that differ in capital letters alone.
+    virtual std::vector<std::string> suggestions(std::string_view token) const;
 
 protected:
     constexpr CSystem() = default;

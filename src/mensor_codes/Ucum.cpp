@@ -1,6 +1,7 @@
 #include "mensor_codes/System.h"
 #include "mensor_codes/UcumAtoms.h"
 #include "mensor_codes/UcumReader.h"
+#include "mensor_codes/UcumSuggestions.h"
 #include "mensor_codes/UcumWriter.h"
 
 namespace mensor {
@@ -28,6 +29,10 @@ public:
     }
 
     CMatch codeFor(const exact::CMeaning& meaning) const override { return ucumCodeFor(meaning); }
+
+    std::vector<std::string> suggestions(std::string_view token) const override {
+        return ucumSuggestions(token);
+    }
 
 private:
     eSystem m_System;

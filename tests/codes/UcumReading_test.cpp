@@ -16,7 +16,10 @@ using exact::CFactor;
 using exact::CFraction;
 using exact::CMeaning;
 using exact::eRefusal;
+using testing::Contains;
+using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::IsEmpty;
 
 namespace {
 
@@ -294,6 +297,43 @@ TEST(Ucum, SaysWhatIsWrong) {
     EXPECT_THAT(messageOn("foo"), HasSubstr("UCUM has no unit \"foo\""));
     EXPECT_THROW(read("foo"), exact::CReadError);
     EXPECT_THROW(read("[pH]"), exact::CReadError);
+}
+
+TEST(Ucum, SuggestsWhatAnUnknownUnitMayHaveMeant) {
+    const auto suggestions = [](std::string_view code) {
+        return codes::diagnose(tryRead(code).Refusal).Suggestions;
+    };
+    EXPECT_THAT(suggestions("degC"), ElementsAre("Cel"));
+    EXPECT_THAT(suggestions("5/mmHg"), ElementsAre("mm[Hg]"));
+    EXPECT_THAT(suggestions("mcg/mL"), ElementsAre("ug"));
+    EXPECT_THAT(suggestions("Sec"), ElementsAre("s"));
+    EXPECT_THAT(suggestions("psi"), ElementsAre("[psi]"));
+    EXPECT_THAT(suggestions("in"), ElementsAre("[in_i]", "[in_us]", "[in_br]"));
+    EXPECT_THAT(suggestions("IU/L"), ElementsAre("[iU]", "[IU]"));
+    EXPECT_THAT(suggestions("[in]"), ElementsAre("[in_i]", "[in_us]", "[in_br]"));
+    EXPECT_THAT(suggestions("CFU"), ElementsAre("[CFU]"));
+    EXPECT_THAT(suggestions("KG"), Contains("kg"));
+    EXPECT_THAT(suggestions("mIU"), Contains("m[IU]"));
+    EXPECT_THAT(suggestions("MMOL"), ElementsAre("Mmol", "mmol"));
+    EXPECT_THAT(suggestions("mEq/L"), Contains("meq"));
+    EXPECT_THAT(suggestions("ohm"), ElementsAre("Ohm"));
+    EXPECT_THAT(suggestions("kWh"), ElementsAre("kW.h"));
+    EXPECT_THAT(suggestions("Nm"), Contains("nm"));
+    EXPECT_THAT(suggestions("cal_IT2"), IsEmpty());  // a code
+    EXPECT_THAT(suggestions("[arbU]"), Contains("[arb'U]"));
+    EXPECT_THAT(suggestions("xyzzy"), IsEmpty());
+    EXPECT_THAT(suggestions(std::string(33, 'm')), IsEmpty());
+    EXPECT_THAT(suggestions("m s"), IsEmpty());
+    for (const auto& [text, code] : {
+#define MENSOR_CONFUSED(text, code) std::pair<const char*, const char*>{text, code},
+#include "mensor_codes/ucum_confused.def"
+#undef MENSOR_CONFUSED
+         }) {
+        EXPECT_FALSE(isCode(text)) << text;
+        EXPECT_TRUE(isCode(code)) << code;
+        ASSERT_THAT(suggestions(text), testing::Not(IsEmpty())) << text;
+        EXPECT_EQ(suggestions(text)[0], code) << text;
+    }
 }
 
 TEST(Ucum, TakesAnyPrintableAsciiInAnnotations) {

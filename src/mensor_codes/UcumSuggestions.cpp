@@ -1,0 +1,146 @@
+#include "mensor_codes/UcumSuggestions.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "mensor_codes/UcumAtoms.h"
+#include "mensor_exact/NearestNames.h"
+
+namespace mensor {
+namespace codes {
+
+namespace {
+
+constexpr std::size_t Most = 5;
+constexpr std::size_t Longest = 32;  // bytes; nothing is as long as that
+
+struct CConfused {
+    std::string_view Text;
+    std::string_view Code;
+};
+
+constexpr CConfused Confused[] = {
+#define MENSOR_CONFUSED(text, code) {text, code},
+#include "mensor_codes/ucum_confused.def"
+#undef MENSOR_CONFUSED
+};
+
+char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+bool isEqualIgnoringCase(std::string_view a, std::string_view b) {
+    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(),
+                                              [](char x, char y) { return lower(x) == lower(y); });
+}
+
+// "in" of "[in_i]", "IU" of "[IU]".
+std::string_view bareName(std::string_view atom) {
+    if (atom.size() < 3 || atom.front() != '[' || atom.back() != ']') {
+        return atom;
+    }
+    atom = atom.substr(1, atom.size() - 2);
+    return atom.find('\'') == std::string_view::npos ? atom.substr(0, atom.find('_')) : atom;
+}
+
+class CSuggestions {
+public:
+    explicit CSuggestions(std::string_view unknown) : m_Unknown(unknown) {}
+
+    std::vector<std::string> find() {
+        if (m_Unknown.empty() || m_Unknown.size() > Longest) {
+            return {};
+        }
+        addConfused();
+        addAtoms();
+        addPrefixed();
+        if (m_Found.empty()) {
+            addProducts();
+        }
+        if (m_Found.empty()) {
+            addNearest();
+        }
+        return m_Found;
+    }
+
+private:
+    void add(std::string code) {
+        if (m_Found.size() < Most && code != m_Unknown &&
+            std::find(m_Found.begin(), m_Found.end(), code) == m_Found.end()) {
+            m_Found.push_back(std::move(code));
+        }
+    }
+
+    void addConfused() {
+        for (const CConfused& confused : Confused) {
+            if (confused.Text == m_Unknown) {
+                add(std::string(confused.Code));
+            }
+        }
+        for (const CConfused& confused : Confused) {
+            if (confused.Text.size() > 2 && isEqualIgnoringCase(confused.Text, m_Unknown)) {
+                add(std::string(confused.Code));
+            }
+        }
+    }
+
+    void addAtoms() {
+        for (std::size_t row = 0; row < CUcumAtoms::size(); ++row) {
+            const std::string_view atom = CUcumAtoms::codeOf(row);
+            if (isEqualIgnoringCase(bareName(atom), bareName(m_Unknown)) ||
+                isEqualIgnoringCase(atom, m_Unknown)) {
+                add(std::string(atom));
+            }
+        }
+    }
+
+    void addPrefixed() {
+        for (const CUcumPrefix& prefix : UcumPrefixes) {
+            const std::size_t length = prefix.Symbol.size();
+            if (!isEqualIgnoringCase(m_Unknown.substr(0, length), prefix.Symbol)) {
+                continue;
+            }
+            const std::string_view rest = m_Unknown.substr(length);
+            for (std::size_t row = 0; row < CUcumAtoms::size(); ++row) {
+                const std::string_view atom = CUcumAtoms::codeOf(row);
+                if (CUcumAtoms::takesPrefixes(row) &&
+                    (isEqualIgnoringCase(atom, rest) || bareName(atom) == rest)) {
+                    add(std::string(prefix.Symbol).append(atom));
+                }
+            }
+        }
+    }
+
+    // "kWh" as "kW.h".
+    void addProducts() {
+        for (std::size_t length = m_Unknown.size() - 1; length > 0; --length) {
+            const std::string_view first = m_Unknown.substr(0, length);
+            const std::string_view second = m_Unknown.substr(length);
+            CUcumUnit unit;
+            if (findUcumUnit(first, unit) == eUcumUnit::FOUND &&
+                findUcumUnit(second, unit) == eUcumUnit::FOUND) {
+                add(std::string(first).append(".").append(second));
+            }
+        }
+    }
+
+    void addNearest() {
+        exact::CNearestNames nearest(m_Unknown);
+        for (std::size_t row = 0; row < CUcumAtoms::size(); ++row) {
+            nearest.add(CUcumAtoms::codeOf(row));
+        }
+        for (std::string& code : nearest.best()) {
+            add(std::move(code));
+        }
+    }
+
+    const std::string_view m_Unknown;
+    std::vector<std::string> m_Found;
+};
+
+}  // namespace
+
+std::vector<std::string> ucumSuggestions(std::string_view unknown) {
+    return CSuggestions(unknown).find();
+}
+
+}  // namespace codes
+}  // namespace mensor
