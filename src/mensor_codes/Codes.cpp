@@ -109,13 +109,6 @@ const CSystem& systemOf(eSystem system) {
     return unece();
 }
 
-CReading refused(eSystem system, std::string_view code, exact::eRefusal refusal,
-                 std::string_view sentence) {
-    CReading reading;
-    reading.Refusal = {refusal, system, code, {0, code.size()}, sentence};
-    return reading;
-}
-
 const char* nameOf(eSystem system) { return systemOf(system).name(); }
 
 exact::CMeaning read(eSystem system, std::string_view code) {

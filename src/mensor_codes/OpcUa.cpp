@@ -33,17 +33,16 @@ public:
     const char* name() const override { return "OPC UA"; }
 
     CReading tryRead(std::string_view text) const override {
-        if (text.empty()) {
-            return refused(eSystem::OPCUA, text, exact::eRefusal::EMPTY,
-                           "an empty text is no unit id");
-        }
         const std::string code = codeOfUnitId(numberOf(text));
         CReading reading = unece().tryRead(code);
-        if (!reading) {
+        if (!reading) {  // the refusal is about the code, and this one about the text
             const bool isKnown = reading.Refusal.Code == exact::eRefusal::NO_MEANING;
-            return isKnown ? refused(eSystem::OPCUA, text, exact::eRefusal::NO_MEANING,
-                                     reading.Refusal.Sentence)
-                           : refused(eSystem::OPCUA, text, exact::eRefusal::UNKNOWN_CODE, Unknown);
+            reading.Refusal =
+                text.empty() ? refusalOf(eSystem::OPCUA, text, exact::eRefusal::EMPTY,
+                                         "an empty text is no unit id")
+                : isKnown    ? refusalOf(eSystem::OPCUA, text, exact::eRefusal::NO_MEANING,
+                                         reading.Refusal.Sentence)
+                          : refusalOf(eSystem::OPCUA, text, exact::eRefusal::UNKNOWN_CODE, Unknown);
         }
         return reading;
     }
@@ -139,9 +138,8 @@ CEUInformation opcUaUnit(std::string_view code) {
 exact::CMeaning readOpcUa(const CEUInformation& unit) {
     if (unit.NamespaceUri != OpcUaNamespace) {
         throw exact::CReadError(
-            diagnose(refused(eSystem::OPCUA, unit.NamespaceUri, exact::eRefusal::UNKNOWN_CODE,
-                             "unit ids of the namespace {} are no codes of UN/CEFACT")
-                         .Refusal));
+            diagnose(refusalOf(eSystem::OPCUA, unit.NamespaceUri, exact::eRefusal::UNKNOWN_CODE,
+                               "unit ids of the namespace {} are no codes of UN/CEFACT")));
     }
     return read(eSystem::OPCUA, std::to_string(unit.UnitId));
 }

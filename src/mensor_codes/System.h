@@ -46,9 +46,11 @@ const CSystem& openTelemetry();
 
 const CSystem& systemOf(eSystem system);
 
-/// A refused code, all of it the token.
-CReading refused(eSystem system, std::string_view code, exact::eRefusal refusal,
-                 std::string_view sentence);
+/// The refusal of a whole code.
+inline CRefusal refusalOf(eSystem system, std::string_view text, exact::eRefusal code,
+                          std::string_view sentence) {
+    return {code, system, text, {0, text.size()}, sentence};
+}
 
 }  // namespace codes
 }  // namespace mensor

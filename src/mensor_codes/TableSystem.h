@@ -19,17 +19,19 @@ public:
     const char* name() const override { return m_Name; }
 
     CReading tryRead(std::string_view code) const override {
+        CReading reading;  // in all cases, so that it is made where the caller wants it
         const std::size_t row = CTable::find(code);
         if (row == CTable::None) {
-            return code.empty()
-                       ? refused(System, code, exact::eRefusal::EMPTY, "an empty text is no code")
-                       : refused(System, code, exact::eRefusal::UNKNOWN_CODE, m_Unknown);
+            reading.Refusal =
+                code.empty()
+                    ? refusalOf(System, code, exact::eRefusal::EMPTY, "an empty text is no code")
+                    : refusalOf(System, code, exact::eRefusal::UNKNOWN_CODE, m_Unknown);
+        } else if (CTable::isRefused(row)) {
+            reading.Refusal =
+                refusalOf(System, code, exact::eRefusal::NO_MEANING, CTable::reason(row));
+        } else {
+            reading.Meaning.emplace(CTable::smallMeaning(row));
         }
-        if (CTable::isRefused(row)) {
-            return refused(System, code, exact::eRefusal::NO_MEANING, CTable::reason(row));
-        }
-        CReading reading;
-        reading.Meaning.emplace(CTable::smallMeaning(row));
         return reading;
     }
 

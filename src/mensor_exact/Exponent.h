@@ -28,7 +28,11 @@ public:
     constexpr CExponent() = default;  ///< zero
 
     /// A whole exponent. Not explicit: an int may stand for it.
-    constexpr CExponent(int whole) : CExponent(whole, 1) {}
+    constexpr CExponent(int whole) : m_Numerator(static_cast<std::int8_t>(whole)) {
+        if (whole < -Largest || whole > Largest) {
+            throwRange();
+        }
+    }
 
     /// @throws CError  DIVISION_BY_ZERO, EXPONENT_RANGE.
     constexpr CExponent(std::int64_t numerator, std::int64_t denominator) {

@@ -61,6 +61,8 @@ private:
     friend class CTable;
 
     // Where the size is known to be right, or more bits are allowed.
+    CFactor(const CSmallFraction& fraction, CExponent pi) noexcept
+        : m_Radicand(fraction), m_Pi(pi) {}
     static CFactor ofPositive(CFraction fraction, CExponent pi = 0) noexcept;
     static CFactor product(const CFactor& a, const CFactor& b);
     static CFactor ratio(const CFactor& a, const CFactor& b);

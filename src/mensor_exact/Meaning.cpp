@@ -121,8 +121,7 @@ CMeaning& CMeaning::operator=(CMeaning&& other) noexcept = default;
 CMeaning::~CMeaning() = default;
 
 CMeaning::CMeaning(const CSmallMeaning& small)
-    : m_Factor(CFactor::ofPositive(CFraction(small.Factor), static_cast<int>(small.Pi))),
-      m_Offset(small.Offset) {
+    : m_Factor(small.Factor, static_cast<int>(small.Pi)), m_Offset(small.Offset) {
     static_assert(CSmallMeaning::Slots == Slots);
     for (std::size_t slot = 0; slot < Slots; ++slot) {
         const int halves = small.Halves[slot];

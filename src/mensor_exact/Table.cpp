@@ -24,7 +24,7 @@ CMeaning CTable::meaning(std::size_t row) {
     for (std::size_t slot = 0; slot < SlotCount; ++slot) {
         result.m_Exponents[slot] = static_cast<int>(data.Exponents[slot]);
     }
-    result.m_Factor = CFactor::ofPositive(CFraction(data.Factor), static_cast<int>(data.Pi));
+    result.m_Factor = CFactor(data.Factor, static_cast<int>(data.Pi));
     result.m_Offset = CFraction(Meanings.Offsets[data.Offset]);
     return result;
 }
