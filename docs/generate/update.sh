@@ -3,7 +3,7 @@
 #
 # usage: update.sh --check|--write SOURCE_FOLDER FOLDER_OF_PROGRAMS [EMULATOR...]
 #
-# A part stands between <!-- NAME --> and <!-- /NAME -->; the whole of catalogue.md is one.
+# A part stands between <!-- NAME --> and <!-- /NAME -->; catalogue.md and codes-tables.md are whole ones.
 mode=$1 source=$2 programs=$3
 shift 3
 work=$(mktemp -d) || exit 1
@@ -33,6 +33,8 @@ replace() {
 
 "$@" "$programs/generate_catalogue" markdown >"$work/page" || exit 1
 settle catalogue.md
+"$@" "$programs/generate_codes" >"$work/page" || exit 1
+settle codes-tables.md
 awk -f "$source/docs/generate/parser_rows.awk" "$source/tests/data/parser.tsv" >"$work/part" || exit 1
 replace notation.md parser.tsv
 "$@" "$programs/generate_collisions" >"$work/part" || exit 1

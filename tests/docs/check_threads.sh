@@ -17,11 +17,11 @@ FNR == 1 { ofFile = comment = "" }
     !/(Class contract:|@par Threads |\/\/ Threads:) ([Aa]ny thread[.,;]|[Cc]aller serialises)/ {
     complain("none of the three phrases")
 }
-/^(class|struct) MENSOR(_CHECKED)?_API/ && !/;$/ && comment !~ /Class contract:/ && ofFile == "" {
+/^(class|struct) MENSOR(_CHECKED|_CODES)?_API/ && !/;$/ && comment !~ /Class contract:/ && ofFile == "" {
     complain("no class contract")
 }
-/^MENSOR(_CHECKED)?_API/ && comment !~ /@par Threads/ && ofFile == "" {
+/^MENSOR(_CHECKED|_CODES)?_API/ && comment !~ /@par Threads/ && ofFile == "" {
     complain("nothing about threads")
 }
 END { exit status }
-' "$1"/src/mensor/*.h "$1"/src/mensor_checked/*.h
+' "$1"/src/mensor/*.h "$1"/src/mensor_checked/*.h "$1"/src/mensor_codes/*.h

@@ -11,7 +11,7 @@ here=$(dirname "$0")
 export PKG_CONFIG_PATH="$libdir/pkgconfig"
 [ "$(pkg-config --variable=libdir mensor)" -ef "$libdir" ] ||
     { echo "mensor.pc names another folder: $(pkg-config --variable=libdir mensor)"; exit 1; }
-pkg-config --exists 'mensor >= 1 mensor < 2' 'mensor-checked >= 1'
+pkg-config --exists 'mensor >= 1 mensor < 2' 'mensor-checked >= 1' 'mensor-codes >= 1'
 
 mkdir -p "$work"
 # shellcheck disable=SC2046,SC2086  # several words each
@@ -24,3 +24,9 @@ $compiler -std=c++17 "$here/client/checked_client.cpp" -o "$work/checked_client"
     $(pkg-config --cflags --libs mensor-checked)
 LD_LIBRARY_PATH=$libdir "$here/prints.sh" "$here/client/checked_client.expected" "$@" \
     "$work/checked_client"
+
+# shellcheck disable=SC2046,SC2086  # several words each
+$compiler -std=c++17 "$here/client/codes_client.cpp" -o "$work/codes_client" \
+    $(pkg-config --cflags --libs mensor-codes)
+LD_LIBRARY_PATH=$libdir "$here/prints.sh" "$here/client/codes_client.expected" "$@" \
+    "$work/codes_client"

@@ -1,0 +1,58 @@
+// Codes_fuzz.cpp: a text is a code of a table exactly if the table has a row of it. A code with a meaning
+// is found for that meaning, or the code that its row names. A refusal tells a place in the text. Each
+// number is the unit id of one code, or of none.
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string>
+
+#include "Input.h"
+#include "Property.h"
+#include "mensor_codes/Codes.h"
+#include "mensor_codes/OpcUa.h"
+
+using namespace mensor;
+using codes::eSystem;
+using exact::eRefusal;
+
+namespace {
+
+void checkTable(eSystem system, const std::string& text) {
+    const codes::CReading reading = codes::tryRead(system, text);
+    const std::optional<codes::CCode> row = codes::find(system, text);
+    if (reading) {
+        fuzz::require(row && !row->Definition.empty(), text, "read without a row");
+        const codes::CMatch match = codes::codeFor(system, *reading.Meaning);
+        fuzz::require(match.Code == (row->SameAs.empty() ? row->Code : row->SameAs), text,
+                      "another code for its meaning");
+        return;
+    }
+    const bool isRefused = reading.Refusal.Code == eRefusal::NO_MEANING;
+    fuzz::require(isRefused == row.has_value(), text, "refused with a row, or unknown without one");
+    fuzz::require(!isRefused || row->Definition.empty(), text, "refused with a definition");
+    fuzz::require(reading.Refusal.Token.End <= text.size(), text, "a place outside of the text");
+    fuzz::require(!codes::diagnose(reading.Refusal).message().empty(), text, "no words");
+}
+
+void checkId(const std::string& text) {
+    std::int32_t id = 0;
+    std::memcpy(&id, text.data(), text.size() < sizeof id ? text.size() : sizeof id);
+    const std::string code = codes::codeOfUnitId(id);
+    fuzz::require(code.empty() || codes::unitIdOf(code) == id, text, "another id for its code");
+    const std::optional<std::int32_t> own = codes::unitIdOf(text);
+    fuzz::require(!own || codes::codeOfUnitId(*own) == text, text, "another code for its id");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const auto input = fuzz::shortText(data, size, 16);
+    if (!input) {
+        return 0;
+    }
+    for (const eSystem system : {eSystem::UNECE, eSystem::OPCUA, eSystem::SENML}) {
+        checkTable(system, *input);
+    }
+    checkId(*input);
+    return 0;
+}
