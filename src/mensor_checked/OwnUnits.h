@@ -1,21 +1,17 @@
 // OwnUnits.h: a program's own units, from a text that people edit.
 //
 //     # units.txt
-//     smoot  = 1.7018 m            # symbol = factor unit
-//     span   = 9/10 ft             # a fraction; units of lines above may be used
-//     °X     = 5/4 K 273.15        # and an offset: 0 °X is 273.15 K
+//     smoot = 1.7018 m                    # name = number unit
+//     span  = 9/10 ft                     # a fraction; units of lines above may be used
+//     °X    = 5/4 K, zero at +273.15 K    # a zero of its own: 0 °X is 273.15 K
+//     EUR   = base unit                   # a dimension of its own
 //
 //     for (const auto& finding : checked::tryDefineUnits(contentsOf("units.txt")).Findings)
 //         std::cerr << "units.txt:" << finding.Line << ": " << finding.Refusal.message() << '\n';
 //
-//     table      = { line "\n" }
-//     line       = [ definition ] [ "#" anything ]        the "#" at the beginning or behind a blank
-//     definition = symbol "=" number unit [ [ "+" | "-" ] number ]
-//     number     = decimal [ "/" decimal ]                 as std::from_chars reads it, no blanks
-//
-// A value x of the new unit is factor·x + offset in `unit`; symbols and units are those of
-// docs/reading.md. Every unit is checked as those of the packs are (Packs.h). If one line is refused,
-// no line counts.
+// The grammar is that of <mensor_exact/DefinitionFile.h>. Units are registered, by the nearest doubles.
+// Every unit is checked as those of the packs are (Packs.h). The registry takes no name away from
+// another unit, whatever "replace" asks for. If one line is refused, no line counts.
 #ifndef MENSOR_CHECKED_OWNUNITS_H
 #define MENSOR_CHECKED_OWNUNITS_H
 
@@ -66,8 +62,8 @@ private:
 /// Defines all units of `table`, or none: every line is tried, those that are refused are reported,
 /// and then no name stays.
 ///
-/// Objects built for a table that is refused may stay registered without a name, as the library knows
-/// no way to take them back. Defining the same table again changes nothing.
+/// Objects built for a table that is refused may stay registered without a name, and the symbols of
+/// base units stay, as the library knows no way to take them back. Defining the same table again changes nothing.
 /// @par Threads  Any thread, locks CUnit::mutex() for all its work (see WarmUp.h).
 MENSOR_CHECKED_API CDefinitions tryDefineUnits(std::string_view table);
 

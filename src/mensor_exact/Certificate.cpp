@@ -7,7 +7,9 @@
 #include "mensor_exact/Concatenate.h"
 #include "mensor_exact/Conversion.h"
 #include "mensor_exact/DefinitionReader.h"
+#include "mensor_exact/OwnDefinitions.h"
 #include "mensor_exact/Parts.h"
+#include "mensor_exact/Table.h"
 
 namespace mensor {
 namespace exact {
@@ -30,13 +32,13 @@ public:
                 m_Waiting.pop_back();
                 continue;
             }
-            // The units are evaluated before: every name is there, and no definition leads to itself.
-            const CDefinition definition = *m_Catalogue.find(name);
+            const CDefinition definition = definitionOf(name);
+            const std::string text = textOf(definition);
             const std::size_t before = m_Waiting.size();
-            addNames(definition.Text, m_Waiting);
+            addNames(text, m_Waiting);
             if (m_Waiting.size() == before) {
                 m_Done.insert(definition.Name);
-                result.push_back({std::string(definition.Name), std::string(definition.Text),
+                result.push_back({std::string(definition.Name), text,
                                   std::string(definition.English), std::string(definition.Source)});
                 m_Waiting.pop_back();
             }
@@ -46,15 +48,40 @@ public:
     }
 
 private:
+    static constexpr std::uint32_t AllPacks = 0xFFFFFFFF;
+
+    // The units are evaluated before: every name is there, and no definition leads to itself. Units of
+    // a pack may rest on those of another pack, which the catalogue need not have.
+    CDefinition definitionOf(std::string_view name) const {
+        const std::optional<CDefinition> found = m_Catalogue.find(name);
+        return found ? *found : CTable::definition(CTable::find(name, AllPacks));
+    }
+
+    CMeaning meaningOf(std::string_view name) const {
+        std::optional<CMeaning> found = m_Catalogue.meaning(name);
+        return found ? *std::move(found) : CTable::meaning(CTable::find(name, AllPacks));
+    }
+
     void addNames(std::string_view text, std::vector<std::string_view>& names) const {
         CDefinitionReader reader(text);
-        for (CTerm term = reader.next();
-             term.Kind == eTerm::NUMBER || term.Kind == eTerm::PI || term.Kind == eTerm::NAME;
-             term = reader.next()) {
+        for (CTerm term = reader.next(); term.isFactor(); term = reader.next()) {
             if (term.Kind == eTerm::NAME && m_Done.count(term.Text) == 0) {
-                names.push_back(term.Text);
+                names.push_back(definitionOf(term.Text).Name);
             }
         }
+    }
+
+    // The definition. A built-in one that uses a name which the program has taken away is written by
+    // base units, since that name means something else in this certificate.
+    std::string textOf(const CDefinition& definition) const {
+        CDefinitionReader reader(definition.Text);
+        for (CTerm term = reader.next(); term.isFactor() && definition.Pack != ePack::OWN;
+             term = reader.next()) {
+            if (term.Kind == eTerm::NAME && definitionOf(term.Text).Pack == ePack::OWN) {
+                return exact::definitionOf(meaningOf(definition.Name));
+            }
+        }
+        return std::string(definition.Text);
     }
 
     const CCatalogue& m_Catalogue;

@@ -38,6 +38,10 @@ struct CTerm {
     std::string_view Text;
     int Numerator = 1;  ///< of the exponent, negative behind a stroke
     int Denominator = 1;
+
+    constexpr bool isFactor() const {
+        return Kind == eTerm::NUMBER || Kind == eTerm::PI || Kind == eTerm::NAME;
+    }
 };
 
 /// Gives the factors of a definition, one at a time.
@@ -154,6 +158,14 @@ private:
     constexpr void skipName() {
         int digit = 0;
         bool isMinus = false;
+        if (at(m_At) == '[') {  // up to the bracket that closes it, with all signs between
+            int depth = 0;
+            do {
+                depth += at(m_At) == '[' ? 1 : at(m_At) == ']' ? -1 : 0;
+                ++m_At;
+            } while (depth > 0 && m_At < m_Text.size());
+            return;
+        }
         while (m_At < m_Text.size()) {
             const char c = m_Text[m_At];
             const bool isSign =

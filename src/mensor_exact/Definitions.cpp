@@ -8,27 +8,11 @@
 #include "mensor_exact/Concatenate.h"
 #include "mensor_exact/DefinitionReader.h"
 #include "mensor_exact/Error.h"
+#include "mensor_exact/OwnDefinitions.h"
 #include "mensor_exact/Table.h"
 
 namespace mensor {
 namespace exact {
-
-/// A program's definitions.
-struct COwnDefinitions {
-    struct CEntry {
-        std::string Text;
-        std::string English;
-        std::string Source;
-        CMeaning Meaning;
-    };
-
-    static CDefinition definition(const std::pair<const std::string, CEntry>& named) {
-        const CEntry& entry = named.second;
-        return {named.first, entry.Text, entry.English, entry.Source, ePack::OWN};
-    }
-
-    std::map<std::string, CEntry, std::less<>> Entries;
-};
 
 namespace {
 
@@ -138,20 +122,21 @@ CMeaning evaluateBy(std::string_view text, const Resolve& resolve) {
 // Adds definitions to a catalogue, in an order in which each follows those that it needs.
 class CAdder {
 public:
-    CAdder(const CCatalogue& catalogue, const COwnDefinitions* before) : m_Catalogue(catalogue) {
-        if (before != nullptr) {
-            m_Result.Entries = before->Entries;
-        }
-    }
+    explicit CAdder(const CCatalogue& catalogue) : m_Catalogue(catalogue), m_Result(catalogue) {}
 
-    COwnDefinitions add(const std::vector<CDefinition>& definitions) {
+    CCatalogue add(const std::vector<CDefinition>& definitions) {
         for (const CDefinition& definition : definitions) {
             if (!isName(definition.Name)) {
                 throw CError(eError::SYNTAX,
                              concatenate({quoted(definition.Name), " cannot be a name"}));
             }
-            if (m_Catalogue.find(definition.Name) ||
-                !m_Rows.emplace(definition.Name, CRow{definition, {}, eState::NEW}).second) {
+            const std::optional<CDefinition> there = m_Catalogue.find(definition.Name);
+            const bool isFree = !there || (definition.TakesAway && there->Pack != ePack::OWN &&
+                                           !there->Text.empty());
+            if (!isFree ||
+                !m_Rows
+                     .emplace(definition.Name, CRow{definition, {}, eState::NEW, there.has_value()})
+                     .second) {
                 throwTaken(definition.Name);
             }
         }
@@ -160,11 +145,12 @@ public:
         }
         for (auto& [name, row] : m_Rows) {
             const CDefinition& own = row.Definition;
-            m_Result.Entries.emplace(
-                name, COwnDefinitions::CEntry{std::string(own.Text), std::string(own.English),
-                                              std::string(own.Source), std::move(row.Meaning)});
+            m_Result.add(name,
+                         {std::string(own.Text), std::string(own.English), std::string(own.Source),
+                          std::move(row.Meaning)},
+                         row.TakesAway);
         }
-        return std::move(m_Result);
+        return m_Result.catalogue();
     }
 
 private:
@@ -174,6 +160,7 @@ private:
         CDefinition Definition;
         CMeaning Meaning;
         eState State;
+        bool TakesAway;  // the name of a built-in unit
     };
 
     CRow* find(std::string_view name) {
@@ -205,7 +192,7 @@ private:
     bool pushNeeded(const CRow& row, std::vector<CRow*>& waiting) {
         const std::size_t before = waiting.size();
         CDefinitionReader reader(row.Definition.Text);
-        for (CTerm term = reader.next(); isFactor(term.Kind); term = reader.next()) {
+        for (CTerm term = reader.next(); term.isFactor(); term = reader.next()) {
             CRow* const needed = term.Kind == eTerm::NAME ? find(term.Text) : nullptr;
             if (needed == nullptr || needed->State == eState::DONE) {
                 continue;
@@ -218,10 +205,6 @@ private:
             waiting.push_back(needed);
         }
         return waiting.size() > before;
-    }
-
-    static bool isFactor(eTerm kind) {
-        return kind == eTerm::NUMBER || kind == eTerm::PI || kind == eTerm::NAME;
     }
 
     CMeaning meaningOf(const CDefinition& definition) {
@@ -238,7 +221,7 @@ private:
 
     const CCatalogue& m_Catalogue;
     std::map<std::string_view, CRow> m_Rows;
-    COwnDefinitions m_Result;
+    CCatalogueBuilder m_Result;
 };
 
 }  // namespace
@@ -264,17 +247,10 @@ CCatalogue CCatalogue::with(ePack pack) const {
 }
 
 CCatalogue CCatalogue::with(const std::vector<CDefinition>& definitions) const {
-    CCatalogue result = *this;
-    result.m_Own =
-        std::make_shared<const COwnDefinitions>(CAdder(*this, m_Own.get()).add(definitions));
-    return result;
+    return CAdder(*this).add(definitions);
 }
 
-std::optional<CDefinition> CCatalogue::find(std::string_view name) const noexcept {
-    const std::size_t row = CTable::find(name, m_Packs);
-    if (row != CTable::None) {
-        return CTable::definition(row);
-    }
+std::optional<CDefinition> CCatalogue::findOwn(std::string_view name) const noexcept {
     if (m_Own != nullptr) {
         const auto own = m_Own->Entries.find(name);
         if (own != m_Own->Entries.end()) {
@@ -284,9 +260,17 @@ std::optional<CDefinition> CCatalogue::find(std::string_view name) const noexcep
     return std::nullopt;
 }
 
+std::optional<CDefinition> CCatalogue::find(std::string_view name) const noexcept {
+    if (takesAway(name)) {
+        return findOwn(name);
+    }
+    const std::size_t row = CTable::find(name, m_Packs);
+    return row != CTable::None ? CTable::definition(row) : findOwn(name);
+}
+
 std::optional<CMeaning> CCatalogue::meaning(std::string_view name) const {
     const std::size_t row = CTable::find(name, m_Packs);
-    if (row != CTable::None) {
+    if (row != CTable::None && !takesAway(name)) {
         return CTable::meaning(row);
     }
     if (m_Own != nullptr) {
@@ -296,6 +280,12 @@ std::optional<CMeaning> CCatalogue::meaning(std::string_view name) const {
         }
     }
     return std::nullopt;
+}
+
+// Whether the program has this name, perhaps in the place of a built-in unit.
+bool CCatalogue::takesAway(std::string_view name) const noexcept {
+    return m_Own != nullptr && m_Own->TakesAway &&
+           m_Own->Entries.find(name) != m_Own->Entries.end();
 }
 
 CMeaning CCatalogue::evaluate(std::string_view definition) const {
@@ -321,7 +311,7 @@ std::vector<CDefinition> CCatalogue::definitions() const {
 void CCatalogue::forEach(const std::function<bool(const CDefinition&)>& visit) const {
     for (std::size_t row = 0; row < CTable::size(); ++row) {
         const CDefinition definition = CTable::definition(row);
-        if (has(definition.Pack) && !visit(definition)) {
+        if (has(definition.Pack) && !takesAway(definition.Name) && !visit(definition)) {
             return;
         }
     }

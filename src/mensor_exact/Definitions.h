@@ -57,6 +57,8 @@ struct CDefinition {
     std::string_view English{};  ///< what the unit is called
     std::string_view Source{};   ///< where the definition is from
     ePack Pack = ePack::OWN;
+    /// In CCatalogue::with: whether the name is taken away from a built-in unit.
+    bool TakesAway = false;
 };
 
 /// Names and what they mean. Immutable: packs and definitions are added to copies. A copy costs next to
@@ -74,6 +76,9 @@ public:
 
     /// This catalogue and further definitions, which may use each other in any order. An empty text
     /// makes a dimension with the name of the unit. Texts are copied; the pack is always OWN.
+    ///
+    /// A name that is taken away from a built-in unit no longer finds that unit. What rests on that unit
+    /// keeps its meaning. The names of base units and marks cannot be taken away.
     /// @throws CError  SYNTAX, BAD_NUMBER, UNKNOWN_NAME, NAME_TAKEN, CYCLE, and whatever evaluate()
     ///                 throws.
     CCatalogue with(const std::vector<CDefinition>& definitions) const;
@@ -96,9 +101,13 @@ public:
     void forEach(const std::function<bool(const CDefinition&)>& visit) const;
 
 private:
+    friend class CCatalogueBuilder;
+
     CCatalogue() noexcept = default;
 
     bool has(ePack pack) const noexcept;
+    bool takesAway(std::string_view name) const noexcept;
+    std::optional<CDefinition> findOwn(std::string_view name) const noexcept;
 
     std::uint32_t m_Packs = 3;  // a bit for each
     std::shared_ptr<const COwnDefinitions> m_Own;

@@ -55,6 +55,8 @@ const char* nameOf(eRefusal code) {
         case eRefusal::NUMBER_RANGE: return "NUMBER_RANGE";
         case eRefusal::UNKNOWN_CODE: return "UNKNOWN_CODE";
         case eRefusal::NO_MEANING: return "NO_MEANING";
+        case eRefusal::NAME_TAKEN: return "NAME_TAKEN";
+        case eRefusal::DIFFERENT_DIMENSIONS: return "DIFFERENT_DIMENSIONS";
     }
     return "?";
 }

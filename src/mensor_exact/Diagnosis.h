@@ -55,8 +55,11 @@ enum class eRefusal : int {
     NOT_FINITE,     ///< "nan" or "inf", unless CReadOptions::NotFinite is set
     NUMBER_RANGE,   ///< beyond the range of double
     // Codes (mensor_codes/Codes.h).
-    UNKNOWN_CODE,   ///< no code of this system
-    NO_MEANING      ///< a code of this system that has no exact meaning
+    UNKNOWN_CODE,  ///< no code of this system
+    NO_MEANING,    ///< a code of this system that has no exact meaning
+    // Definitions (DefinitionFile.h).
+    NAME_TAKEN,           ///< the name of a definition means something else already
+    DIFFERENT_DIMENSIONS  ///< the unit of a zero measures something else than the unit defined
 };
 
 /// The enumerator's own name, for logs and tables: "SECOND_DIVISION".

@@ -7,6 +7,7 @@
 #include "mensor_exact/Concatenate.h"
 #include "mensor_exact/Error.h"
 #include "mensor_exact/Slots.h"
+#include "mensor_exact/UnitsWriter.h"
 
 namespace mensor {
 namespace exact {
@@ -52,48 +53,6 @@ constexpr CKind Kinds[] = {
     {-1, 0, 0, 1, 0, 0, -2, "magnetic flux density"},
     {0, 0, 1, 0, -2, 0, 0, "illuminance"},
     {0, 0, 0, 0, 0, 1, -1, "catalytic activity"},
-};
-
-void append(std::string& side, std::string_view name, CExponent exponent) {
-    if (!side.empty()) {
-        side += "·";
-    }
-    side += name;
-    if (exponent == CExponent(2)) {
-        side += "²";
-    } else if (exponent == CExponent(3)) {
-        side += "³";
-    } else if (exponent.denominator() != 1) {
-        side += "^(" + exponent.toString() + ")";
-    } else if (exponent != CExponent(1)) {
-        side += "^" + exponent.toString();
-    }
-}
-
-// Writes a product of powers, the negative ones behind a stroke.
-class CUnitsWriter {
-public:
-    void add(std::string_view name, CExponent exponent) {
-        if (exponent.isZero()) {
-            return;
-        }
-        const bool divides = exponent.numerator() < 0;
-        append(divides ? m_Below : m_Above, name, divides ? -exponent : exponent);
-        m_Divisors += divides ? 1 : 0;
-    }
-
-    std::string text() const {
-        std::string text = m_Above.empty() ? "1" : m_Above;
-        if (m_Divisors > 0) {
-            text += m_Divisors > 1 ? "/(" + m_Below + ")" : "/" + m_Below;
-        }
-        return text;
-    }
-
-private:
-    std::string m_Above;
-    std::string m_Below;
-    int m_Divisors = 0;
 };
 
 void requireNoOffset(const CMeaning& meaning) {

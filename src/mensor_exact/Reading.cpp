@@ -10,8 +10,10 @@
 #include "mensor_exact/Error.h"
 #include "mensor_exact/NearestNames.h"
 #include "mensor_exact/NumberText.h"
+#include "mensor_exact/OwnDefinitions.h"
 #include "mensor_exact/Parser.h"
 #include "mensor_exact/Spelling.h"
+#include "mensor_exact/UnitsWriter.h"
 
 namespace mensor {
 namespace exact {
@@ -20,8 +22,10 @@ namespace {
 
 bool hasOffset(const CMeaning& meaning) { return !meaning.offset().isZero(); }
 
-// What a name means in `catalogue`, in any spelling; "One" is the dimensionless unit.
-std::optional<CMeaning> meaningOf(std::string_view name, const CCatalogue& catalogue) {
+// What a name means in `catalogue`, in any spelling; "One" is the dimensionless unit. Tells the
+// catalogue's spelling if it is asked for.
+std::optional<CMeaning> meaningOf(std::string_view name, const CCatalogue& catalogue,
+                                  std::string* known = nullptr) {
     std::optional<CMeaning> meaning =
         lookUpSpellings(name, [&](std::string_view spelling) -> std::optional<CMeaning> {
             // A program's own "Ml" need not be the megalitre.
@@ -30,7 +34,11 @@ std::optional<CMeaning> meaningOf(std::string_view name, const CCatalogue& catal
                 catalogue.find(spelling)->Pack == ePack::OWN) {
                 return std::nullopt;
             }
-            return catalogue.meaning(spelling);
+            std::optional<CMeaning> found = catalogue.meaning(spelling);
+            if (found && known != nullptr) {
+                *known = spelling;
+            }
+            return found;
         });
     if (!meaning && name == "One") {
         meaning.emplace();
@@ -228,6 +236,17 @@ std::string_view nameOf(const CMeaning& meaning, const CCatalogue& catalogue) {
     return name;
 }
 
+// The catalogue's name for what `name` is as a factor of a product, or alone. Empty: it has none.
+std::string namedInProduct(std::string_view name, bool isAlone, const CCatalogue& catalogue) {
+    std::string known(name);
+    const std::optional<CMeaning> meaning = meaningOf(name, catalogue, &known);
+    if (!meaning) {
+        return std::string(nameOf(prefixedScale(name, catalogue)->Meaning, catalogue));
+    }
+    return isAlone || !hasOffset(*meaning) ? known
+                                           : std::string(nameOf(meaning->difference(), catalogue));
+}
+
 void tellDifference(const CRefusal& refusal, const CCatalogue& catalogue, CDiagnosis& diagnosis) {
     const std::optional<CMeaning> scale = meaningOf(refusal.token(), catalogue);
     if (!scale) {
@@ -273,6 +292,30 @@ CMeaning read(std::string_view text, const CCatalogue& catalogue, const CReadOpt
         throw CReadError(diagnose(reading.Refusal, catalogue));
     }
     return *std::move(reading.Meaning);
+}
+
+std::string notationOf(std::string_view text, const CCatalogue& catalogue,
+                       const CReadOptions& options) {
+    const CReading reading = tryRead(text, catalogue, options);
+    if (!reading) {
+        throw CReadError(diagnose(reading.Refusal, catalogue));
+    }
+    CCatalogueNames names(catalogue);
+    CNamedFactors factors;
+    CRefusal refusal;
+    parse(text, 0, true, names, factors, refusal);  // as it was before
+    CUnitsWriter writer;
+    for (const CNamedFactor& factor : factors) {
+        const std::string name =
+            namedInProduct(factor.Name.of(text), factors.isOneName(), catalogue);
+        if (name.empty()) {
+            return definitionOf(*reading.Meaning);
+        }
+        if (name != "One") {
+            writer.add(name, CExponent(factor.Pow, factor.Root));
+        }
+    }
+    return writer.text();
 }
 
 CDiagnosis diagnose(const CRefusal& refusal, const CCatalogue& catalogue) {

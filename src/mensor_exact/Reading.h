@@ -14,6 +14,7 @@
 #define MENSOR_EXACT_READING_H
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "mensor_exact/Definitions.h"
@@ -68,6 +69,16 @@ MENSOR_EXACT_API CReading tryRead(std::string_view text,
 /// @par Threads  Any thread; takes no lock.
 MENSOR_EXACT_API CDiagnosis diagnose(const CRefusal& refusal,
                                      const CCatalogue& catalogue = CCatalogue::builtIn());
+
+/// The unit written in `text` in one plain notation, which definitions (Definitions.h) and the reader
+/// both read: "W/(m²·K)" for "W·m**-2 K^-1", with the names as the catalogue spells them.
+///
+/// A difference is written as the unit that it is, "J/K" for "J/°C".
+/// @throws CReadError  the text is refused.
+/// @par Threads  Any thread; takes no lock.
+MENSOR_EXACT_API std::string notationOf(std::string_view text,
+                                        const CCatalogue& catalogue = CCatalogue::builtIn(),
+                                        const CReadOptions& options = {});
 
 /// A number and its unit.
 struct CValue {

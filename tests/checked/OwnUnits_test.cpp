@@ -41,10 +41,10 @@ TEST(Definitions, DefineUnitsByFactorUnitAndOffset) {
         "qyd = 3 qft\n"
         "  q% = 2/3 One\n"
         "qpsf=47.88 N/m²\n"
-        "q°F = 5/9 K 45967/180\n"
-        "qbar = 100000 N/m² + 101325 # above 1 atm\n"
-        "qlow = 1000 N/m² - 5\n"
-        "qneg = 10 N/m² -5\n"
+        "q°F = 5/9 K, zero at +45967/180 K\n"
+        "qbar = 100000 N/m², zero at +1 atm # above 1 atm\n"
+        "qlow = 1000 N/m², zero at -5 N/m²\n"
+        "qneg = 10 N/m², zero at - 5 N/m²\n"
         "#qno = 1 m\n"
         "qm = 1 m");
     EXPECT_THAT(names,
@@ -76,6 +76,36 @@ TEST(Definitions, CanBeLoadedTwice) {
     EXPECT_EQ(Tables(), before);
 }
 
+TEST(Definitions, DefineBaseUnits) {
+    EXPECT_EQ(defineUnits("qEUR = base unit\nqct = 1/100 qEUR\n").size(), 2U);
+    EXPECT_THAT(readUnit("qct"), ConvertsTo(readUnit("qEUR"), 5, 0.05));
+    EXPECT_TRUE(tryDefineUnits("qEUR = base unit")) << "again";
+    EXPECT_FALSE(readUnit("qEUR")->isCompatible(SI::Meter()));
+}
+
+TEST(Definitions, RefuseANumberBehindTheUnitAndTellWhatToWrite) {
+    const CDefinitions result = tryDefineUnits("qa = 1 kg m -1\nqa = 10 N/m² - 5\nqa = 5 xyz 2\n");
+    ASSERT_EQ(result.Findings.size(), 3U);
+    EXPECT_EQ(result.Findings[0].Refusal.Code, eRefusal::STRAY_NUMBER);
+    EXPECT_THAT(result.Findings[0].Refusal.Readings,
+                ElementsAre("qa = 1 kg m, zero at -1 kg m", "qa = 1 kg m^-1"));
+    EXPECT_THAT(result.Findings[1].Refusal.Readings, ElementsAre("qa = 10 N/m², zero at -5 N/m²"));
+    EXPECT_THAT(result.Findings[2].Refusal.Readings, ElementsAre());
+}
+
+TEST(Definitions, OfferWholeLines) {
+    const CDefinitions result = tryDefineUnits("qa = 3 W/m²/K # heat");
+    ASSERT_EQ(result.Findings.size(), 1U);
+    EXPECT_THAT(result.Findings[0].Refusal.Readings,
+                ElementsAre("qa = 3 W/(m²·K) # heat", "qa = 3 W·K/m² # heat"));
+}
+
+TEST(Definitions, TellThatTheRegistryTakesNoNameAway) {
+    const CDefinitions result = tryDefineUnits("replace km = 3 m");
+    ASSERT_EQ(result.Findings.size(), 1U);
+    EXPECT_THAT(result.Findings[0].Refusal.Sentence, HasSubstr("takes no name away"));
+}
+
 TEST(Definitions, TellWhatIsWrongWithALine) {
     const struct {
         const char* Line;
@@ -92,16 +122,22 @@ TEST(Definitions, TellWhatIsWrongWithALine) {
         {"qa = +3 m", "NO_NUMBER 5 '+'"},
         {"qa = nan m", "NO_NUMBER 5 'n'"},
         {"qa = 0 m", "FACTOR_RANGE 5 '0'"},
-        {"qa = 1e999 m", "NUMBER_RANGE 5 '1e999'"},
+        {"qa = 1e999 m", "FACTOR_RANGE 5 '1e999'"},
         {"qa = 1e-320 m", "FACTOR_RANGE 5 '1e-320'"},
         {"qa = 1/0 m", "NUMBER_RANGE 5 '1/0'"},
         {"qa = 2,5 m", "DECIMAL_COMMA 6 ','"},
         {"qa = 3", "EMPTY 6 ''"},
         {"qa = 3 parsec", "UNKNOWN_NAME 7 'parsec'"},
         {"qµ = 3 W/m²/K", "SECOND_DIVISION 11 '/'"},
-        {"qa = 3 m x 5", "UNKNOWN_NAME 9 'x'"},
+        {"qa = 3 m x 5", "STRAY_NUMBER 11 '5'"},
+        {"qa = 3 m, zero at +1e999 m", "FACTOR_RANGE 18 '+1e999'"},
+        {"qa = 3 m, zero at +1e-999 m", "FACTOR_RANGE 18 '+1e-999'"},
+        {"qa = 3 m, zero at +1 s", "DIFFERENT_DIMENSIONS 21 's'"},
+        {"qa = 3 m, zero at +1 xyz", "UNKNOWN_NAME 21 'xyz'"},
+        {"replace km = 3 m", "COLLISION 8 'km'"},
+        {"km = base unit", "COLLISION 0 'km'"},
         {"km = 3 m", "COLLISION 0 'km'"},
-        {"qa = 1e5 Pa 101325", "COLLISION 0 'qa'"},
+        {"qa = 1e5 Pa, zero at +101325 Pa", "COLLISION 0 'qa'"},
         {"qa = 5 °C/s", "OFFSET_IN_PRODUCT 7 '°C'"},
         {"qa = 3 m\xFF", "MALFORMED_TEXT 8 '\xFF'"},
     };
@@ -168,16 +204,17 @@ TEST(Definitions, ThrowTheFirstLineAndTellHowManyMore) {
         FAIL();
     } catch (const CDefinitionError& e) {
         EXPECT_EQ(e.findings().size(), 1U);
-        EXPECT_STREQ(e.what(), "line 1: a definition is \"symbol = factor unit [offset]\"");
+        EXPECT_STREQ(e.what(), "line 1: a definition is \"name = number unit\"");
     }
 }
 
 // Lines of bytes and words in any order: each is defined or refused, and a refusal leaves no name.
 TEST(Definitions, TakeAnyBytes) {
-    const std::string pieces[] = {"q",    "a",  "=",  " = ",  "3",  "0.5", "/",   " ",
-                                  "m",    "K",  "+",  "-",    "\t", "#",   "1e9", ",",
-                                  "°C",   "(",  "·",  "N/m²", "\n", "\r",  ".",   "^",
-                                  "\xFF", "qb", "km", "273",  "=",  "²",   "[",   "]"};
+    const std::string pieces[] = {"q",   "a", "=",  " = ",  "3",           "0.5",       "/",
+                                  " ",   "m", "K",  "+",    "-",           "\t",        "#",
+                                  "1e9", ",", "°C", "(",    "·",           "N/m²",      "\n",
+                                  "\r",  ".", "^",  "\xFF", "qb",          "km",        "273",
+                                  "=",   "²", "[",  "]",    ", zero at +", "base unit", "replace "};
     constexpr std::size_t Count = sizeof pieces / sizeof pieces[0];
     std::uint32_t state = 1;
     std::size_t defined = 0;

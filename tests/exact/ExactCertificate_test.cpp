@@ -124,6 +124,24 @@ TEST(ExactCertificate, IsRefusedWithTheConversion) {
     expectRefusal(eError::UNKNOWN_NAME, [] { certify("furlong", "m"); });
 }
 
+TEST(ExactCertificate, ListsUnitsOfPacksThatTheCatalogueLacks) {
+    const CCatalogue catalogue = CCatalogue::builtIn().with(ePack::OFFSETS);
+    ASSERT_FALSE(catalogue.find("lbf"));
+    const CCertificate certificate = certify("psi_g", "Pa", catalogue);
+    EXPECT_THAT(namesOf(certificate), ::testing::Contains("lbf"));
+    EXPECT_EQ(certificate.Offset.Text, "101325");
+}
+
+TEST(ExactCertificate, WritesByBaseUnitsWhatRestsOnANameThatWasTakenAway) {
+    const CCatalogue catalogue =
+        packs().with({{"mi", "2 km", "a long mile", "", ePack::OWN, true}});
+    const CCertificate certificate = certify("mph", "mi/h", catalogue);
+    EXPECT_THAT(namesOf(certificate), ElementsAre("mi", "km", "h", "min", "mph", "m", "s"));
+    EXPECT_EQ(certificate.Definitions[0].Text, "2 km");
+    EXPECT_EQ(certificate.Definitions[4].Text, "0.44704 m/s") << "not mi/h of the long mile";
+    EXPECT_EQ(certificate.Factor.Text, "0.804672");
+}
+
 }  // namespace
 }  // namespace exact
 }  // namespace mensor

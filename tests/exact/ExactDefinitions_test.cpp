@@ -301,6 +301,33 @@ TEST(ExactDefinitions, OfAProgramNeedANameThatIsFree) {
     expectRefusal(eError::SYNTAX, [] { BuiltIn.with({{"ab", "5 //"}}); });
 }
 
+TEST(ExactDefinitions, OfAProgramMayTakeANameAway) {
+    const auto taking = [](const char* name, const char* text) {
+        return CDefinition{name, text, "", "", ePack::OWN, true};
+    };
+    const CCatalogue before = BuiltIn.with({{"way", "3 km"}});
+    const CCatalogue own = before.with({taking("km", "2 m"), {"long_way", "5 km"}});
+    EXPECT_EQ(own.meaning("km")->toString(), "2 m");
+    EXPECT_EQ(own.find("km")->Text, "2 m");
+    EXPECT_EQ(own.meaning("long_way")->toString(), "10 m");
+    EXPECT_EQ(own.meaning("way")->toString(), "3000 m") << "keeps its meaning";
+    EXPECT_EQ(own.find("way")->Text, "3000 m") << "and is no longer written by km";
+    EXPECT_EQ(own.definitions().size(), before.definitions().size() + 1);
+    EXPECT_EQ(before.meaning("km")->toString(), "1000 m");
+    EXPECT_EQ(BuiltIn.with({taking("nothing_has_it", "2 m")}).find("nothing_has_it")->Text, "2 m");
+
+    expectRefusal(eError::NAME_TAKEN, [&] { own.with({taking("km", "3 m")}); });
+    expectRefusal(eError::NAME_TAKEN, [&] { BuiltIn.with({taking("kg", "3 m")}); });
+    expectRefusal(eError::NAME_TAKEN, [&] { BuiltIn.with({taking("rad", "3 m")}); });
+    expectRefusal(eError::CYCLE, [&] { BuiltIn.with({taking("km", "2 km")}); });
+}
+
+TEST(ExactDefinitions, OfAProgramMayHaveNamesInBrackets) {
+    const CCatalogue own = BuiltIn.with({{"[a/b c²]", "3 m"}, {"de", "2/[a/b c²]²"}});
+    EXPECT_EQ(own.meaning("de")->toString(), "2/9 1/m²");
+    expectRefusal(eError::SYNTAX, [] { BuiltIn.with({{"[ab]c", "3 m"}}); });
+}
+
 }  // namespace
 }  // namespace exact
 }  // namespace mensor

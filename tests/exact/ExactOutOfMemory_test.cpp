@@ -10,6 +10,7 @@
 
 #include "mensor_exact/Certificate.h"
 #include "mensor_exact/Conversion.h"
+#include "mensor_exact/DefinitionFile.h"
 #include "support/OperatorNew.h"
 
 namespace mensor {
@@ -59,6 +60,28 @@ TEST(ExactOutOfMemory, LeavesACatalogueAsItWas) {
             EXPECT_EQ(catalogue.meaning("smoot")->toString(), "1.7018 m");
         });
     EXPECT_GT(failures, 10);
+}
+
+TEST(ExactOutOfMemory, LeavesACatalogueAsItWasBeforeAFile) {
+    const CCatalogue catalogue = CCatalogue::builtIn().with({{"smoot", "1.7018 m"}});
+    const std::size_t size = catalogue.definitions().size();
+    const std::string text =
+        "bridge_of_a_long_name = 364.4 smoot\n"
+        "piece = base unit\n"
+        "replace min = 1/7 h\n"
+        "a_scale_of_a_long_name = 5/4 K, zero at +273.15 K\n";
+    const long failures = failEachAllocation(
+        [&] {
+            const CDefinitionFile file = tryReadDefinitions(text, catalogue, "units.txt");
+            EXPECT_EQ(file.Names.size(), 4U);
+            EXPECT_EQ(tryReadDefinitions("smot = 5 m 2\n", catalogue).Findings.size(), 1U);
+        },
+        [&] {
+            EXPECT_EQ(catalogue.definitions().size(), size);
+            EXPECT_FALSE(catalogue.find("piece"));
+            EXPECT_EQ(catalogue.meaning("min")->toString(), "60 s");
+        });
+    EXPECT_GT(failures, 20);
 }
 
 TEST(ExactOutOfMemory, LeavesMeaningsAndFractionsAsTheyWere) {

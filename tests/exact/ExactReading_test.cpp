@@ -269,6 +269,29 @@ TEST(ExactReading, ReadsAnyNumberOfFactors) {
     EXPECT_EQ(read("A·s·K·m·kg·mol·cd·rad").toString(), "A·K·cd·kg·m·mol·s·rad");
 }
 
+TEST(ExactReading, WritesTheUnitInTheNotationOfDefinitions) {
+    EXPECT_EQ(notationOf("W·m**-2 K^-1"), "W/(m²·K)");
+    EXPECT_EQ(notationOf("kg m s-2"), "kg·m/s²");
+    EXPECT_EQ(notationOf("√(m/s²)"), "m^(1/2)/s");
+    EXPECT_EQ(notationOf("m⁻¹"), "1/m");
+    EXPECT_EQ(notationOf("m·m/km"), "m·m/km");
+    EXPECT_EQ(notationOf("\u212A"), "K") << "the kelvin sign";
+    EXPECT_EQ(notationOf("°C"), "°C");
+    EXPECT_EQ(notationOf("1"), "1");
+    EXPECT_EQ(notationOf("One/s"), "1/s");
+    EXPECT_EQ(notationOf("J/°C", builtIn(), differences()), "J/K");
+    EXPECT_EQ(notationOf("W/k°C", builtIn(), differences()), "W/kK");
+    const CCatalogue scales = withUnit("°X", "5/4 K, offset 10");
+    EXPECT_EQ(notationOf("J/°X", scales, differences()), "0.8 kg·m²/(K·s²)") << "has no name";
+    EXPECT_EQ(notationOf("√°X", scales, differences()), "5^(1/2)/4^(1/2) K^(1/2)");
+    EXPECT_THROW(notationOf("xyzzy"), CReadError);
+    for (const test::Expression& expression : everyday()) {
+        const std::string text = notationOf(expression.Text);
+        EXPECT_EQ(CCatalogue::builtIn().evaluate(text), read(expression.Text)) << text;
+        EXPECT_EQ(read(text), read(expression.Text)) << text;
+    }
+}
+
 TEST(ExactReading, ThrowsTheDiagnosis) {
     try {
         read("W/m²/K");

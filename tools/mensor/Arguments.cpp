@@ -124,7 +124,7 @@ const char* help() {
            "       mensor audit [OPTION]... FILE                     check a list of units\n"
            "\n"
            "  --pack NAME[,NAME]...  register packs of units; see mensor list packs\n"
-           "  --units FILE           define units: lines of \"symbol = factor unit [offset]\"\n"
+           "  --units FILE           define units: lines of \"name = number unit\"\n"
            "  --differences          read \"J/°C\" as \"J/K\" and say so\n"
            "  --dimensionless        read a number without a unit\n"
            "  --json                 write one JSON object a line\n"

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "mensor_exact/Certificate.h"
+#include "mensor_exact/DefinitionFile.h"
 #include "mensor_exact/Definitions.h"
 
 using mensor::exact::CCatalogue, mensor::exact::CDefinition, mensor::exact::ePack;
@@ -62,4 +63,21 @@ int main(int argc, char** argv) {
                                    {"%", "ppm"}}) {
         print(from, to, catalogue);
     }
+    // A program's own: names that were taken away, zeros, π and roots, and packs that rest on others.
+    const CCatalogue own = mensor::exact::readDefinitions(
+        "qway = 3 km/h\n"
+        "replace km = 2 km\n"
+        "replace lb = 1/2 kg\n"
+        "°X = 5/4 K, zero at +273.15 K\n"
+        "°Y = 2 °C, zero at +1/3 °X\n"
+        "qturn = 1/7 rev\n"
+        "qroot = 2/3 km/√lb\n"
+        "EUR = base unit\n"
+        "qprice = 1.07 EUR/lb\n"
+        "replace rev = 3 °\n",
+        catalogue, "units.txt");
+    printAll(own);
+    const CCatalogue gauge = CCatalogue::builtIn().with(ePack::OFFSETS);
+    print("psi_g", "Pa", gauge);
+    print("psi_g", "Pa", gauge.with({{"lbf", "3 N"}}));
 }
