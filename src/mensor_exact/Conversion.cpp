@@ -246,6 +246,8 @@ CConversion::CConversion(const CMeaning& from, const CMeaning& to) {
         throwDifferent(from.toString(), to.toString(), from, to);
     }
     m_Plan = std::make_shared<const CPlan>(from, to);
+    m_Form = &m_Plan->Fast;
+    m_Convert = m_Form->One;
 }
 
 CConversion::CConversion(const CConversion&) noexcept = default;
@@ -261,8 +263,6 @@ CConversion CConversion::between(std::string_view from, std::string_view to,
     }
     return {a, b};
 }
-
-double CConversion::convert(double x) const { return m_Plan->Fast.convert(x); }
 
 template <class In, class Out>
 void CConversion::convertArray(const In* values, Out* results, std::size_t count) const {

@@ -29,6 +29,8 @@
 namespace mensor {
 namespace exact {
 
+struct CFastForm;  // what the fast ways know of a conversion
+
 /// An exact number, which may be zero: Sign·Size.
 struct COffset {
     int Sign = 0;  ///< -1, 0 or 1
@@ -66,7 +68,9 @@ public:
     /// It assumes that the processor rounds to nearest and does not flush subnormal numbers to zero, as
     /// every program does that has not changed it.
     /// @throws std::bad_alloc  only where the numbers have more than about 2000 bits.
-    double convert(double x) const;
+    // The call goes straight to the way that suits this conversion and the processor. It computes nothing
+    // here, so a client's compiler cannot change a result.
+    double convert(double x) const { return m_Convert(*m_Form, x); }
 
     /// Converts `count` values at once. Each result is rounded once, to the nearest number of its type, ties
     /// to even. Results that are doubles have the bits that `convert` gives.
@@ -132,6 +136,8 @@ private:
     void convertArray(const In* values, Out* results, std::size_t count) const;
 
     std::shared_ptr<const CPlan> m_Plan;
+    const CFastForm* m_Form = nullptr;  // of the plan
+    double (*m_Convert)(const CFastForm& form, double x) = nullptr;
 };
 
 }  // namespace exact

@@ -2,8 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
+#include <limits>
 #include <type_traits>
+
+#if defined(__x86_64__)
+#include <emmintrin.h>
+#endif
 
 #include "mensor_exact/NearMiddle.h"
 #include "mensor_exact/TwoWords.h"
@@ -12,8 +18,6 @@ namespace mensor {
 namespace exact {
 
 namespace {
-
-constexpr std::int64_t Magnitude = 0x7FFFFFFFFFFFFFFF;
 
 std::int64_t orderedBits(double x) { return static_cast<std::int64_t>(bitsOfDouble(x)); }
 
@@ -180,7 +184,9 @@ CFastForm::CFastForm(const CLeading& factor, const CLeading& center, bool isNega
         const double c = Head * 134217729.0;
         HeadHigh = c - (c - Head);
         HeadLow = Head - HeadHigh;
-        Least = Magnitude;
+        // Limits between which there is no number.
+        Least = std::numeric_limits<std::int64_t>::min();
+        Most = -1;
         const std::uint64_t mostShort = std::uint64_t{1} << 40;
         if (HasLine && Line.A <= mostShort && Line.B <= mostShort && Line.D <= mostShort) {
             const auto a = static_cast<double>(Line.A);
@@ -193,6 +199,9 @@ CFastForm::CFastForm(const CLeading& factor, const CLeading& center, bool isNega
                 Scale = a * power(Line.Twos);
                 Offset = (Line.IsMinusB ? -b : b) * power(Line.Twos);
                 Divisor = d;
+                const CLeading inverse = CLeading::ofQuotient(1, Line.D, 0);
+                Inverse = headOf(inverse);
+                InverseTail = CRemainder(inverse).rounded(false);
                 MostWhole = (0x1p53 - 1 - b) / a;
             }
         }
@@ -230,8 +239,58 @@ float CFastForm::convertSlowlyToFloat(double x) const {
 namespace {
 
 // As many values as are computed before anybody looks whether all of them are right. Small enough for the
-// nearest cache.
+// nearest cache, and for the stack.
 constexpr std::size_t BlockSize = 256;
+
+// Doubles need no room for what is between. They take longer blocks.
+constexpr std::size_t LongBlockSize = 1024;
+
+// More results than any cache keeps for whoever reads them next are written past the caches. An ordinary
+// store would first read the line that it is about to fill, which is a third of all traffic when memory is
+// the limit.
+constexpr std::size_t StreamedBytes = 32'000'000;
+
+// These blocks are short, so that reading the values and writing the results go on at the same time.
+constexpr std::size_t StreamedBlockSize = 64;
+
+// As many numbers as there are up to the next cache line. A vector that lies across two lines takes two
+// stores.
+template <class Number>
+std::size_t countToNextLine(const Number* numbers) {
+    constexpr std::size_t Line = 64;
+    return (Line - reinterpret_cast<std::uintptr_t>(numbers) % Line) % Line / sizeof(Number);
+}
+
+#if defined(__x86_64__)
+
+constexpr bool CanStream = true;
+
+// Copies past the caches. `to` is a multiple of 16, unless `count` is small.
+template <class Number>
+void copyPastCaches(const Number* from, Number* to, std::size_t count) {
+    const std::size_t both = 16 / sizeof(Number);
+    std::size_t i = 0;
+    if (reinterpret_cast<std::uintptr_t>(to) % 16 == 0) {
+        for (; i + both <= count; i += both) {
+            _mm_stream_si128(
+                static_cast<__m128i*>(static_cast<void*>(to + i)),
+                _mm_loadu_si128(static_cast<const __m128i*>(static_cast<const void*>(from + i))));
+        }
+    }
+    std::copy(from + i, from + count, to + i);
+}
+
+// Orders these stores before whatever tells another thread that they are done.
+void finishCopying() { _mm_sfence(); }
+
+#else
+
+constexpr bool CanStream = false;
+template <class Number>
+void copyPastCaches(const Number*, Number*, std::size_t) {}
+void finishCopying() {}
+
+#endif
 
 // Whole numbers up to here are doubles.
 constexpr std::int64_t MostWholeDouble = std::int64_t{1} << 53;
@@ -261,11 +320,15 @@ void widen(const CLoops&, const double* values, double* results, std::size_t cou
     std::memcpy(results, values, count * sizeof *values);
 }
 
-void toDoubles(const CFastForm& form, bool isDivided, const double* values, double* results,
-               std::size_t count) {
-    if (isDivided) {
-        form.Loops->Divide(form.Scale, form.Offset, form.Divisor, values, results, count);
-    } else if (!form.Many(form, values, results, count)) {
+void divide(const CFastForm& form, const std::int16_t* values, double* results, std::size_t count) {
+    form.Loops->Divide16(form, values, results, count);
+}
+void divide(const CFastForm& form, const std::int32_t* values, double* results, std::size_t count) {
+    form.Loops->Divide32(form, values, results, count);
+}
+
+void toDoubles(const CFastForm& form, const double* values, double* results, std::size_t count) {
+    if (!form.Many(form, values, results, count)) {
         for (std::size_t i = 0; i < count; ++i) {
             results[i] = form.One(form, values[i]);
         }
@@ -280,30 +343,49 @@ bool mayRoundTwice(const CFastForm& form, double x) {
 
 template <class In, class Out>
 void convertBlocks(const CFastForm& form, const In* values, Out* results, std::size_t count) {
-    const bool isDivided = form.MostWhole >= largestOf<In>();
-    double wide[BlockSize];
-    double narrow[BlockSize];
-    [[maybe_unused]] In kept[BlockSize];
-    for (std::size_t begin = 0; begin < count; begin += BlockSize) {
-        const std::size_t n = std::min(BlockSize, count - begin);
+    constexpr bool AreDoubles = std::is_same_v<In, double> && std::is_same_v<Out, double>;
+    constexpr std::size_t Size = AreDoubles ? LongBlockSize : BlockSize;
+    const bool isInPlace = static_cast<const void*>(values) == results;
+    const bool isStreamed = CanStream && !isInPlace && count >= StreamedBytes / sizeof(Out);
+    const std::size_t size = isStreamed ? StreamedBlockSize : Size;
+    double wide[Size];
+    [[maybe_unused]] double narrow[AreDoubles ? 1 : Size];
+    [[maybe_unused]] In kept[std::is_same_v<In, std::int64_t> ? Size : 1];
+    Out streamed[CanStream ? StreamedBlockSize : 1];
+    std::size_t n = 0;
+    for (std::size_t begin = 0; begin < count; begin += n) {
+        n = begin == 0 ? countToNextLine(results) : 0;
+        n = std::min(n != 0 ? n : size, count - begin);
         const In* const from = values + begin;
-        Out* const to = results + begin;
-        // What is converted in place is copied before it is overwritten.
-        const double* x = wide;
-        if constexpr (std::is_same_v<In, double>) {
-            x = static_cast<const void*>(from) == to ? wide : from;
+        Out* const to = isStreamed ? streamed : results + begin;
+        [[maybe_unused]] double* doubles = narrow;
+        if constexpr (std::is_same_v<Out, double>) {
+            doubles = to;
         }
-        if (x == wide) {
+
+        const double* x = wide;
+        bool isDone = false;
+        if constexpr (std::is_same_v<In, std::int16_t> || std::is_same_v<In, std::int32_t>) {
+            isDone = form.MostWhole >= largestOf<In>();
+            if (isDone) {
+                divide(form, from, doubles, n);
+            }
+        }
+        // What is converted in place is copied before it is overwritten.
+        if constexpr (std::is_same_v<In, double>) {
+            x = isInPlace ? wide : from;
+        }
+        if (x == wide && !(isDone && std::is_same_v<Out, double>)) {
             widen(*form.Loops, from, wide, n);
         }
         if constexpr (std::is_same_v<In, std::int64_t>) {
             std::memcpy(kept, from, sizeof kept[0] * n);
         }
 
-        if constexpr (std::is_same_v<Out, double>) {
-            toDoubles(form, isDivided, x, to, n);
-        } else {
-            toDoubles(form, isDivided, x, narrow, n);
+        if (!isDone) {
+            toDoubles(form, x, doubles, n);
+        }
+        if constexpr (std::is_same_v<Out, float>) {
             if (!form.Loops->Narrow(narrow, to, n)) {
                 for (std::size_t i = 0; i < n; ++i) {
                     if (mayRoundTwice(form, narrow[i])) {
@@ -325,6 +407,12 @@ void convertBlocks(const CFastForm& form, const In* values, Out* results, std::s
                 }
             }
         }
+        if (isStreamed) {
+            copyPastCaches(streamed, results + begin, n);
+        }
+    }
+    if (isStreamed) {
+        finishCopying();
     }
 }
 

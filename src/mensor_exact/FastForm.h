@@ -102,10 +102,12 @@ struct CFastForm {
                  std::size_t count) = nullptr;
 
     // For whole numbers n up to MostWhole: y = (Scale·n + Offset)/Divisor, all of it exact but the
-    // division. MostWhole is 0 if there is no such way.
+    // division. MostWhole is 0 if there is no such way. 1/Divisor is about Inverse + InverseTail.
     double Scale = 0;
     double Offset = 0;
     double Divisor = 1;
+    double Inverse = 1;
+    double InverseTail = 0;
     double MostWhole = 0;
 
     eWay Way = SLOWLY;

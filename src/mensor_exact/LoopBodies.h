@@ -53,6 +53,19 @@ inline double scaled(const CFastForm& form, double x, double tail) {
 // exact enough.
 inline std::int64_t range(const CFastForm& form, double x) { return sizeLessOne(x) - form.Least; }
 
+// Whether any of many values has a negative range.
+class CRanges {
+public:
+    void add(const CFastForm&, double x) {
+        const std::int64_t size = sizeLessOne(x);
+        m_Least = size < m_Least ? size : m_Least;
+    }
+    bool areGood(const CFastForm& form) const { return m_Least >= form.Least; }
+
+private:
+    std::int64_t m_Least = Magnitude;
+};
+
 #else
 
 // What rounding added to the product `product` = Head·x, exactly. Both factors are split into halves whose
@@ -75,6 +88,16 @@ inline double scaled(const CFastForm& form, double x, double tail) {
 inline std::int64_t range(const CFastForm& form, double x) {
     return (sizeLessOne(x) - form.Least) | (form.Most - (bitsOfDouble(x) & Magnitude));
 }
+
+// Whether any of many values has a negative range.
+class CRanges {
+public:
+    void add(const CFastForm& form, double x) { m_All |= range(form, x); }
+    bool areGood(const CFastForm&) const { return m_All >= 0; }
+
+private:
+    std::int64_t m_All = 0;
+};
 
 #endif
 
@@ -108,15 +131,60 @@ struct COffsetSum {
     }
 };
 
-// Negative if x is where two different limits do not show a tie.
-inline std::int64_t rangeOfTies(const CFastForm& form, double x, double distance) {
-    const std::int64_t bits = bitsOfDouble(x) & Magnitude;
-    return (bits - form.Least) | (form.Most - bits) |
-           ((bitsOfDouble(distance) & Magnitude) - form.LeastDistance);
+// How far |x| is above the least one. Less than that is more than all others.
+inline std::uint64_t aboveLeast(const CFastForm& form, double x) {
+    return static_cast<std::uint64_t>(bitsOfDouble(x) & Magnitude) -
+           static_cast<std::uint64_t>(form.Least);
 }
+inline std::uint64_t mostAboveLeast(const CFastForm& form) {
+    return static_cast<std::uint64_t>(form.Most) - static_cast<std::uint64_t>(form.Least);
+}
+
+// Greater if it is nearer to zero.
+inline std::uint64_t nearness(double distance) {
+    return static_cast<std::uint64_t>(~bitsOfDouble(distance) & Magnitude);
+}
+inline std::uint64_t mostNearness(const CFastForm& form) {
+    return static_cast<std::uint64_t>(Magnitude - form.LeastDistance);
+}
+
+// Whether two different limits show a tie, where x is.
+inline bool showTie(const CFastForm& form, double x, double distance) {
+    return aboveLeast(form, x) <= mostAboveLeast(form) && nearness(distance) <= mostNearness(form);
+}
+
+// Whether all of many values whose two limits differ are where that shows a tie, and none is too near to the
+// center.
+class CTies {
+public:
+    void add(const CFastForm& form, double x, const COffsetSum& sum) {
+        const std::uint64_t unsure = sum.Low == sum.High ? 0 : ~std::uint64_t{0};
+        const std::uint64_t above = aboveLeast(form, x) & unsure;
+        m_Above = above > m_Above ? above : m_Above;
+        const std::uint64_t near = nearness(sum.Distance);
+        m_Nearness = near > m_Nearness ? near : m_Nearness;
+    }
+    bool areGood(const CFastForm& form) const {
+        return m_Above <= mostAboveLeast(form) && m_Nearness <= mostNearness(form);
+    }
+
+private:
+    std::uint64_t m_Above = 0;
+    std::uint64_t m_Nearness = 0;
+};
 
 // Of two neighbours or equals the one whose last bit is 0.
 inline double evenOf(double low, double high) { return (bitsOfDouble(low) & 1) == 0 ? low : high; }
+
+// The same of results that are not next to the smallest numbers, for loops.
+inline double middleOf(double low, double high) {
+#if MENSOR_FUSED
+    // The middle is rounded to the even one.
+    return __builtin_fma(0.5, low, 0.5 * high);
+#else
+    return evenOf(low, high);
+#endif
+}
 
 double slowly(const CFastForm& form, double x) { return form.convertSlowly(x); }
 
@@ -130,7 +198,11 @@ double proved(const CFastForm& form, double x) {
 double ties(const CFastForm& form, double x) {
     const double low = scaled(form, x, form.TailLow);
     const double high = scaled(form, x, form.TailHigh);
-    return __builtin_expect(range(form, x) < 0, 0) ? form.convertSlowly(x) : evenOf(low, high);
+    if (__builtin_expect(range(form, x) < 0, 0)) {
+        return form.convertSlowly(x);
+    }
+    // Asking first whether there is a choice: that is foreseen better than the last bit.
+    return __builtin_expect(low == high, 1) ? low : evenOf(low, high);
 }
 
 double tested(const CFastForm& form, double x) {
@@ -144,8 +216,7 @@ double offset(const CFastForm& form, double x) {
     if (sum.Low == sum.High) {
         return sum.Low;
     }
-    return rangeOfTies(form, x, sum.Distance) < 0 ? form.convertSlowly(x)
-                                                  : evenOf(sum.Low, sum.High);
+    return showTie(form, x, sum.Distance) ? evenOf(sum.Low, sum.High) : form.convertSlowly(x);
 }
 
 bool slowlyAll(const CFastForm& form, const double* values, double* results, std::size_t count) {
@@ -169,34 +240,34 @@ bool multiplyAll(const CFastForm& form, const double* __restrict values, double*
 bool provedAll(const CFastForm& form, const double* __restrict values, double* __restrict results,
                std::size_t count) {
     const CFastForm local = form;
-    std::int64_t worst = 0;
+    CRanges ranges;
     for (std::size_t i = 0; i < count; ++i) {
         const double x = values[i];
         results[i] = scaled(local, x, local.Tail);
-        worst |= range(local, x);
+        ranges.add(local, x);
     }
-    return worst >= 0;
+    return ranges.areGood(local);
 }
 
 bool tiesAll(const CFastForm& form, const double* __restrict values, double* __restrict results,
              std::size_t count) {
     const CFastForm local = form;
-    std::int64_t worst = 0;
+    CRanges ranges;
     for (std::size_t i = 0; i < count; ++i) {
         const double x = values[i];
         // Of the two the second is farther from zero by 0 or 1 in its last place.
         const std::int64_t low = bitsOfDouble(scaled(local, x, local.TailLow));
         const std::int64_t high = bitsOfDouble(scaled(local, x, local.TailHigh));
         results[i] = doubleOfBits(low + ((high - low) & low));
-        worst |= range(local, x);
+        ranges.add(local, x);
     }
-    return worst >= 0;
+    return ranges.areGood(local);
 }
 
 bool testedAll(const CFastForm& form, const double* __restrict values, double* __restrict results,
                std::size_t count) {
     const CFastForm local = form;
-    std::int64_t worst = 0;
+    CRanges ranges;
     std::int64_t difference = 0;
     for (std::size_t i = 0; i < count; ++i) {
         const double x = values[i];
@@ -204,28 +275,37 @@ bool testedAll(const CFastForm& form, const double* __restrict values, double* _
         const double high = scaled(local, x, local.TailHigh);
         results[i] = low;
         difference |= bitsOfDouble(low) ^ bitsOfDouble(high);
-        worst |= range(local, x);
+        ranges.add(local, x);
     }
-    return worst >= 0 && difference == 0;
+    return ranges.areGood(local) && difference == 0;
 }
 
 bool offsetAll(const CFastForm& form, const double* __restrict values, double* __restrict results,
                std::size_t count) {
     const CFastForm local = form;
-    std::int64_t worst = 0;
+    CTies ties;
     for (std::size_t i = 0; i < count; ++i) {
         const double x = values[i];
         const COffsetSum sum(local, x);
-        results[i] = evenOf(sum.Low, sum.High);
-        worst |= sum.Low == sum.High ? 0 : rangeOfTies(local, x, sum.Distance);
+        results[i] = middleOf(sum.Low, sum.High);
+        ties.add(local, x, sum);
     }
-    return worst >= 0;
+    return ties.areGood(local);
 }
 
-void divideAll(double scale, double offset, double divisor, const double* __restrict values,
-               double* __restrict results, std::size_t count) {
+// The numerator is exact. A fused multiply-add divides it by multiplying it by 1/Divisor, which rounds right
+// as any factor whose numerator is 1.
+template <class Number>
+void divideAll(const CFastForm& form, const Number* __restrict values, double* __restrict results,
+               std::size_t count) {
+    const CFastForm local = form;
     for (std::size_t i = 0; i < count; ++i) {
-        results[i] = (scale * values[i] + offset) / divisor;
+        const double numerator = local.Scale * static_cast<double>(values[i]) + local.Offset;
+#if MENSOR_FUSED
+        results[i] = __builtin_fma(local.Inverse, numerator, local.InverseTail * numerator);
+#else
+        results[i] = numerator / local.Divisor;
+#endif
     }
 }
 
@@ -256,6 +336,7 @@ const CLoops MENSOR_LOOPS = {
     MENSOR_LOOPS_NAME,
     {slowly, multiply, proved, ties, tested, offset},
     {slowlyAll, multiplyAll, provedAll, tiesAll, testedAll, offsetAll},
+    divideAll,
     divideAll,
     widenAll,
     widenAll,

@@ -34,9 +34,11 @@ struct CLoops {
     bool (*Many[WAYS])(const CFastForm& form, const double* values, double* results,
                        std::size_t count);
 
-    /// (scale·n + offset)/divisor for whole numbers n.
-    void (*Divide)(double scale, double offset, double divisor, const double* values,
-                   double* results, std::size_t count);
+    /// (Scale·n + Offset)/Divisor for whole numbers n up to MostWhole.
+    void (*Divide16)(const CFastForm& form, const std::int16_t* values, double* results,
+                     std::size_t count);
+    void (*Divide32)(const CFastForm& form, const std::int32_t* values, double* results,
+                     std::size_t count);
 
     /// Other numbers as doubles; the large ones of 64 bits are rounded.
     void (*WidenFloat)(const float* values, double* results, std::size_t count);

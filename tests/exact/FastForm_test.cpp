@@ -514,19 +514,23 @@ TEST(FastForm, HasTheLimitsOfItsArgument) {
     EXPECT_EQ(limits({9, 160, 5, 0, true}).Center, -line.Center);
     EXPECT_EQ(limits({9, 160, 5, 0, true}).CenterTail, -line.CenterTail);
     EXPECT_EQ(line.MostWhole, (0x1p53 - 1 - 160) / 9);
+    EXPECT_EQ(line.Inverse, std::nextafter(0.2, 0));
+    const mpq_class inverse = mpq_class(1, 5) - fractionOf(line.Inverse);
+    EXPECT_GE(inverse, fractionOf(line.InverseTail));
+    EXPECT_LT(inverse, fractionOf(std::nextafter(line.InverseTail, 1)));
 
     // Longer numbers: every disagreement is decided by the slow way.
     const std::uint64_t most = std::uint64_t{1} << 40;
     for (const CShortLine& known :
          {CShortLine{most, 1, 1, 0, false}, CShortLine{1, most, 1, 0, false},
           CShortLine{1, 1, most, 0, false}}) {
-        EXPECT_NE(limits(known).Most, 0);
+        EXPECT_GT(limits(known).Most, 0);
     }
     for (const CShortLine& longer :
          {CShortLine{most + 1, 1, 1, 0, false}, CShortLine{1, most + 1, 1, 0, false},
           CShortLine{1, 1, most + 1, 0, false}}) {
-        EXPECT_EQ(limits(longer).Most, 0);
-        EXPECT_EQ(limits(longer).Least, std::numeric_limits<std::int64_t>::max());
+        EXPECT_EQ(limits(longer).Most, -1);
+        EXPECT_EQ(limits(longer).Least, std::numeric_limits<std::int64_t>::min());
         EXPECT_EQ(limits(longer).MostWhole, 0);
     }
 }
@@ -645,6 +649,34 @@ TEST(FastForm, TakesADisagreementForATieBetweenItsLimitsAlone) {
         EXPECT_TRUE(isDecided(form.Center - 0x1p-30));
         EXPECT_FALSE(isDecided(form.Center + 0x1p-31));
         EXPECT_FALSE(isDecided(form.Center - 0x1p-31));
+
+        // Long numbers have no limits between which it shows a tie.
+        CFastForm unknown = formOf(line, false, judge, loops);
+        unknown.Slack *= 0x1p60;
+        unknown.SlackCenter *= 0x1p60;
+        const double noNumber = doubleOfBits(~std::uint64_t{0});
+        for (const double x : {0.0, -0.0, 1.0, -1e300, noNumber, -noNumber}) {
+            double result = 0;
+            EXPECT_FALSE(unknown.Many(unknown, &x, &result, 1)) << loops.Name << " of " << x;
+        }
+    });
+}
+
+// A loop of many asks for single values too near to the center, also where the limits agree.
+TEST(FastForm, LeavesValuesNextToTheCenterToTheSingleWays) {
+    const CShortLine line = {9, 160, 5, 0, false};
+    const WholeLine judge(line);
+    forAllLoops([&](const CLoops& loops) {
+        CFastForm form = formOf(line, true, judge, loops);
+        form.LeastDistance = orderedBits(2.0);
+        for (const double x : {-19.0, -17.0}) {
+            double result = 0;
+            EXPECT_FALSE(form.Many(form, &x, &result, 1)) << loops.Name << " of " << x;
+        }
+        for (const double x : {-20.0, -15.0}) {
+            double result = 0;
+            EXPECT_TRUE(form.Many(form, &x, &result, 1)) << loops.Name << " of " << x;
+        }
     });
 }
 
@@ -718,6 +750,74 @@ TEST(FastForm, DividesCountsOnce) {
         EXPECT_EQ(results[1], 32);
         EXPECT_EQ(results[2], 70.7);
     });
+}
+
+TEST(FastForm, DividesEveryCountOf16BitsRight) {
+    std::vector<std::int16_t> counts;
+    for (int n = -32768; n <= 32767; ++n) {
+        counts.push_back(static_cast<std::int16_t>(n));
+    }
+    std::vector<double> results(counts.size());
+    for (const CShortLine& line :
+         {CShortLine{9, 160000, 5000, 0, false}, CShortLine{5, 160, 9, 0, true},
+          CShortLine{5, 160, 9, 900, true}, CShortLine{1, 1, 3, -900, true},
+          CShortLine{1, 1, std::uint64_t{1} << 40, 0, false},
+          CShortLine{7, 1, (std::uint64_t{1} << 40) - 1, 0, false}}) {
+        const WholeLine judge(line);
+        std::vector<std::uint64_t> right;
+        for (const std::int16_t n : counts) {
+            right.push_back(judge.convert(CNumber::ofWhole(n), CFormat::ofDouble()).Bits);
+        }
+        forAllLoops([&](const CLoops& loops) {
+            // Of the factor and the center nothing is used.
+            const CLeading one = CLeading::ofQuotient(1, 1, 0);
+            const CFastForm form(one, one, false, &line, &judge, loops);
+            ASSERT_GE(form.MostWhole, 0x1p15);
+            form.convertAll(counts.data(), results.data(), counts.size());
+            for (std::size_t i = 0; i < counts.size(); ++i) {
+                ASSERT_EQ(bitsOfDouble(results[i]), right[i])
+                    << describe(line, form) << " of " << counts[i];
+            }
+        });
+    }
+}
+
+// Very many results are written past the caches. They begin at any address, and nothing beside them changes.
+TEST(FastForm, GivesTheSameBitsPastTheCaches) {
+    const std::size_t count = 4'000'100;
+    std::vector<double> values(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        values[i] = static_cast<double>(i % 20011) / 10 - 1000;
+    }
+    values[count - 1] = 0x1p-1070;  // needs the slow way
+    for (const CShortLine& line :
+         {CShortLine{9, 0, 5, 0, false}, CShortLine{9, 160, 5, 0, false}}) {
+        const WholeLine judge(line);
+        const CFastForm form = formOf(line, true, judge, bestLoops());
+        std::vector<double> results(count + 2, -1);
+        std::vector<float> narrow(2 * count + 2, -1);
+        form.convertAll(values.data(), results.data() + 1, count);
+        EXPECT_EQ(results.front(), -1);
+        EXPECT_EQ(results.back(), -1);
+        // Of floats twice as many.
+        values.resize(2 * count, 98.6);
+        form.convertAll(values.data(), narrow.data() + 1, 2 * count);
+        EXPECT_EQ(narrow.front(), -1);
+        EXPECT_EQ(narrow.back(), -1);
+        std::size_t wrong = 0;
+        for (std::size_t i = 0; i < count; i += i + 1000 < count ? 13 : 1) {
+            const double one = form.convert(values[i]);
+            float alone = 0;
+            form.convertAll(&values[i], &alone, 1);
+            if (bitsOfDouble(results[i + 1]) != bitsOfDouble(one) ||
+                WholeLine::bitsOfFloat(narrow[i + 1]) != WholeLine::bitsOfFloat(alone)) {
+                ++wrong;
+            }
+        }
+        EXPECT_EQ(wrong, 0U) << describe(line, form);
+        EXPECT_EQ(narrow[2 * count], static_cast<float>(form.convert(98.6)));
+        values.resize(count);
+    }
 }
 
 TEST(FastForm, HasTheWaysOfThisProcessorInTheOrderOfTheirSpeed) {
