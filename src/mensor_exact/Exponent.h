@@ -39,10 +39,12 @@ public:
         if (denominator == 0) {
             throwDivisionByZero();
         }
-        const std::int64_t sign = denominator < 0 ? -1 : 1;
-        const std::int64_t divisor = std::gcd(numerator, denominator) * sign;
-        numerator /= divisor;
-        denominator /= divisor;
+        if (denominator != 1) {
+            const std::int64_t sign = denominator < 0 ? -1 : 1;
+            const std::int64_t divisor = std::gcd(numerator, denominator) * sign;
+            numerator /= divisor;
+            denominator /= divisor;
+        }
         if (numerator < -Largest || numerator > Largest || denominator > Largest) {
             throwRange();
         }
@@ -67,6 +69,9 @@ public:
     }
     friend constexpr CExponent operator-(CExponent a, CExponent b) { return a + -b; }
     friend constexpr CExponent operator*(CExponent a, CExponent b) {
+        if (a.m_Denominator == 1 && b.m_Denominator == 1) {
+            return {a.m_Numerator * b.m_Numerator};
+        }
         return {std::int64_t{a.m_Numerator} * b.m_Numerator,
                 std::int64_t{a.m_Denominator} * b.m_Denominator};
     }

@@ -123,7 +123,7 @@ CFactor CFactor::power(CExponent exponent) const {
         return result;
     }
     result.m_Pi = m_Pi * exponent;
-    if (m_Radicand == CFraction(1)) {
+    if (m_Radicand.isOne()) {
         return result;
     }
     const int divisor = std::gcd(m_Root, exponent.numerator());

@@ -27,7 +27,7 @@ class MENSOR_EXACT_API CFactor {
 public:
     static constexpr std::size_t MostBits = 16384;
 
-    CFactor() : m_Radicand(1) {}  ///< one
+    CFactor() : m_Radicand(CSmallFraction(1)) {}  ///< one
 
     /// @throws CError  NOT_POSITIVE.
     explicit CFactor(CFraction fraction);
@@ -40,7 +40,7 @@ public:
 
     /// Whether it is a fraction, which the radicand then is.
     bool isRational() const noexcept { return m_Root == 1 && m_Pi.isZero(); }
-    bool isOne() const noexcept { return isRational() && m_Radicand == CFraction(1); }
+    bool isOne() const noexcept { return isRational() && m_Radicand.isOne(); }
 
     double toDouble() const;  ///< the nearest double, ties to even
 

@@ -33,8 +33,10 @@ struct CQuotient;  // inside the library
 /// Class contract: caller serialises changes of one object; distinct objects any thread.
 class MENSOR_EXACT_API CFraction {
 public:
+    CFraction() noexcept = default;  ///< zero
+
     /// A whole number. Not explicit: an integer may stand for it.
-    CFraction(std::int64_t whole = 0);
+    CFraction(std::int64_t whole);
 
     /// @throws CError  DIVISION_BY_ZERO.
     CFraction(std::int64_t numerator, std::int64_t denominator);
@@ -56,6 +58,7 @@ public:
     /// @throws CError  BAD_NUMBER, or TOO_LARGE.
     static CFraction ofText(std::string_view text);
 
+    bool isOne() const noexcept { return m_Big == nullptr && m_Small == CSmallFraction(1); }
     bool isZero() const noexcept { return m_Small.isZero() && m_Big == nullptr; }
     bool isNegative() const noexcept { return m_Small.Negative; }
 

@@ -207,54 +207,63 @@ CMeaning CMeaning::difference() const {
     return result;
 }
 
-// Multiplies the exponents by those of `other` to the power `exponent`.
-void CMeaning::multiply(const CMeaning& other, CExponent exponent) {
-    for (std::size_t slot = 0; slot < Slots; ++slot) {
-        if (!other.m_Exponents[slot].isZero()) {
-            m_Exponents[slot] = m_Exponents[slot] + other.m_Exponents[slot] * exponent;
-        }
-    }
+// Multiplies factor and other dimensions by those of `other` to the power `exponent`.
+void CMeaning::multiplyRest(const CMeaning& other, CExponent exponent) {
+    CFactor factor = exponent == CExponent(1)    ? m_Factor * other.m_Factor
+                     : exponent == CExponent(-1) ? m_Factor / other.m_Factor
+                                                 : m_Factor * other.m_Factor.power(exponent);
+    std::vector<CPower> result = m_Others;
     for (const CPower& power : other.m_Others) {
         const auto place =
-            std::lower_bound(m_Others.begin(), m_Others.end(), power,
+            std::lower_bound(result.begin(), result.end(), power,
                              [](const CPower& a, const CPower& b) { return a.Name < b.Name; });
         const CExponent added = power.Exponent * exponent;
-        if (place == m_Others.end() || place->Name != power.Name) {
-            m_Others.insert(place, {power.Name, added});
+        if (place == result.end() || place->Name != power.Name) {
+            result.insert(place, {power.Name, added});
         } else if ((place->Exponent = place->Exponent + added).isZero()) {
-            m_Others.erase(place);
+            result.erase(place);
         }
     }
+    m_Others = std::move(result);
+    m_Factor = std::move(factor);
+}
+
+void CMeaning::multiplyBy(const CMeaning& other, CExponent exponent) {
+    requireNoOffset(*this);
+    requireNoOffset(other);
+    if (exponent.isZero()) {
+        return;
+    }
+    CExponents exponents = m_Exponents;
+    for (std::size_t slot = 0; slot < Slots; ++slot) {
+        if (!other.m_Exponents[slot].isZero()) {
+            exponents[slot] = exponents[slot] + other.m_Exponents[slot] * exponent;
+        }
+    }
+    if (!other.m_Factor.isOne() || !other.m_Others.empty()) {
+        multiplyRest(other, exponent);
+    }
+    m_Exponents = exponents;
 }
 
 CMeaning CMeaning::power(CExponent exponent) const {
     if (exponent == CExponent(1)) {
         return *this;
     }
-    requireNoOffset(*this);
     CMeaning result;
-    if (!exponent.isZero()) {
-        result.multiply(*this, exponent);
-        result.m_Factor = m_Factor.power(exponent);
-    }
+    result.multiplyBy(*this, exponent);
     return result;
 }
 
 CMeaning operator*(const CMeaning& a, const CMeaning& b) {
-    requireNoOffset(a);
-    requireNoOffset(b);
     CMeaning result = a;
-    result.multiply(b, 1);
-    result.m_Factor = a.m_Factor * b.m_Factor;
+    result.multiplyBy(b);
     return result;
 }
 
 CMeaning operator/(const CMeaning& a, const CMeaning& b) {
-    requireNoOffset(a);
-    requireNoOffset(b);
     CMeaning result = a;
-    result.multiply(b, -1);
-    result.m_Factor = a.m_Factor / b.m_Factor;
+    result.multiplyBy(b, -1);
     return result;
 }
 

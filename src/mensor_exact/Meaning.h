@@ -22,6 +22,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "mensor_exact/Exponent.h"
@@ -95,6 +96,9 @@ public:
 
     /// @throws CError  OFFSET_IN_PRODUCT, unless the exponent is 1.
     CMeaning power(CExponent exponent) const;
+    /// @throws CError  OFFSET_IN_PRODUCT, with this unchanged, as with all errors.
+    void multiplyBy(const CMeaning& other, CExponent exponent = 1);
+
     /// @throws CError  OFFSET_IN_PRODUCT.
     friend MENSOR_EXACT_API CMeaning operator*(const CMeaning& a, const CMeaning& b);
     friend MENSOR_EXACT_API CMeaning operator/(const CMeaning& a, const CMeaning& b);
@@ -119,10 +123,15 @@ private:
     static constexpr std::size_t Dimensions = 7;
     static constexpr std::size_t Slots = 10;  // and the marks
 
-    void multiply(const CMeaning& other, CExponent exponent);
+    using CExponents = std::array<CExponent, Slots>;
 
-    std::array<CExponent, Slots> m_Exponents;  // sorted by name: the SI's, then marks
-    std::vector<CPower> m_Others;              // sorted by name
+    CMeaning(const CExponents& exponents, CFactor factor, CFraction offset) noexcept
+        : m_Exponents(exponents), m_Factor(std::move(factor)), m_Offset(std::move(offset)) {}
+
+    void multiplyRest(const CMeaning& other, CExponent exponent);
+
+    CExponents m_Exponents;        // sorted by name: the SI's, then marks
+    std::vector<CPower> m_Others;  // sorted by name
     CFactor m_Factor;
     CFraction m_Offset;
 };

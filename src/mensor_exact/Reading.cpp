@@ -183,10 +183,10 @@ private:
     }
 
     void multiply(const CNamedFactors& factors, CCatalogueNames& names, CReading& result) const {
-        std::optional<CMeaning> product;
+        CMeaning product;
         for (const CNamedFactor& factor : factors) {
             try {
-                multiplyBy(product, names.meaning(factor), factor);
+                product.multiplyBy(names.meaning(factor), {factor.Pow, factor.Root});
             } catch (const CError& error) {
                 if (error.code() == eError::EXPONENT_RANGE) {
                     refuse(eRefusal::EXPONENT_RANGE, factor.Name,
@@ -198,22 +198,7 @@ private:
                 return;
             }
         }
-        result.Meaning = product ? std::move(product) : CMeaning();
-    }
-
-    // Most exponents are 1 and -1, which need no power.
-    static void multiplyBy(std::optional<CMeaning>& product, CMeaning& unit,
-                           const CNamedFactor& factor) {
-        const bool divides = product && factor.Pow < 0;
-        const CExponent exponent(divides ? -factor.Pow : factor.Pow, factor.Root);
-        if (exponent != CExponent(1)) {
-            unit = unit.power(exponent);
-        }
-        if (product) {
-            product = divides ? *product / unit : *product * unit;
-        } else {
-            product = std::move(unit);
-        }
+        result.Meaning = std::move(product);
     }
 
     void refuse(eRefusal code, CSpan token, const char* sentence, CReading& result) const {

@@ -20,13 +20,12 @@ CDefinition CTable::definition(std::size_t row) noexcept {
 
 CMeaning CTable::meaning(std::size_t row) {
     const CRow& data = Meanings.Row[row];
-    CMeaning result;
+    CMeaning::CExponents exponents;
     for (std::size_t slot = 0; slot < SlotCount; ++slot) {
-        result.m_Exponents[slot] = static_cast<int>(data.Exponents[slot]);
+        exponents[slot] = static_cast<int>(data.Exponents[slot]);
     }
-    result.m_Factor = CFactor(data.Factor, static_cast<int>(data.Pi));
-    result.m_Offset = CFraction(Meanings.Offsets[data.Offset]);
-    return result;
+    return {exponents, CFactor(data.Factor, static_cast<int>(data.Pi)),
+            CFraction(Meanings.Offsets[data.Offset])};
 }
 
 std::size_t CTable::find(std::string_view name, std::uint32_t packs) noexcept {
