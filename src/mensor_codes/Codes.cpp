@@ -98,6 +98,8 @@ std::vector<std::string> CSystem::suggestions(std::string_view token) const {
     return codes;
 }
 
+std::vector<std::string> CSystem::readings(const CRefusal& /*refusal*/) const { return {}; }
+
 const CSystem& systemOf(eSystem system) {
     switch (system) {
         case eSystem::UNECE: return unece();
@@ -124,7 +126,6 @@ CReading tryRead(eSystem system, std::string_view code) { return systemOf(system
 exact::CDiagnosis diagnose(const CRefusal& refusal) {
     const std::string_view token = refusal.Token.of(refusal.Text);
     std::string sentence(refusal.Sentence);
-    std::vector<std::string> suggestions;
     const std::optional<CCode> code = find(refusal.System, token);
     if (refusal.Code == exact::eRefusal::NO_MEANING && isRefused(code)) {
         sentence = meaningless(*code, sentence);
@@ -139,11 +140,14 @@ exact::CDiagnosis diagnose(const CRefusal& refusal) {
         if (!others.empty()) {
             sentence += "; it is a valid code of " + listed(others);
         }
-        suggestions = systemOf(refusal.System).suggestions(token);
     }
     exact::CDiagnosis diagnosis =
         exact::diagnose(refusal.Code, refusal.Text, refusal.Token, std::move(sentence));
-    diagnosis.Suggestions = std::move(suggestions);
+    if (refusal.Code == exact::eRefusal::UNKNOWN_CODE) {
+        diagnosis.Suggestions = systemOf(refusal.System).suggestions(token);
+    } else if (refusal.Code != exact::eRefusal::NO_MEANING) {
+        diagnosis.Readings = systemOf(refusal.System).readings(refusal);
+    }
     return diagnosis;
 }
 

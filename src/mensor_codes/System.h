@@ -33,6 +33,9 @@ public:
     /// Codes that `token`, which is refused, may have meant: those that differ in capital letters alone.
     virtual std::vector<std::string> suggestions(std::string_view token) const;
 
+    /// What a whole text that is refused may have meant; mostly nothing.
+    virtual std::vector<std::string> readings(const CRefusal& refusal) const;
+
 protected:
     constexpr CSystem() = default;
     ~CSystem() = default;

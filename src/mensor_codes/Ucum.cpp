@@ -34,6 +34,10 @@ public:
         return ucumSuggestions(token);
     }
 
+    std::vector<std::string> readings(const CRefusal& refusal) const override {
+        return ucumReadings(refusal);
+    }
+
 private:
     eSystem m_System;
     const char* m_Name;

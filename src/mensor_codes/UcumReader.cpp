@@ -375,8 +375,10 @@ private:
         const bool isNegative = peek() == '-';
         m_At += isSigned ? std::size_t{1} : 0;
         if (!isDigit(peek())) {
-            return !isSigned || refuse(eRefusal::MALFORMED_EXPONENT, {begin, m_At},
-                                       "a sign without the digits of an exponent");
+            return !isSigned || (isForeign(peek())  // perhaps the digits, as in "m-²"
+                                     ? refuseForeign()
+                                     : refuse(eRefusal::MALFORMED_EXPONENT, {begin, m_At},
+                                              "a sign without the digits of an exponent"));
         }
         exponent = 0;
         for (; isDigit(peek()); ++m_At) {

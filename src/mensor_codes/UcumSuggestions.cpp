@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "mensor_codes/UcumAtoms.h"
+#include "mensor_codes/UcumReader.h"
 #include "mensor_exact/NearestNames.h"
 
 namespace mensor {
@@ -24,6 +25,60 @@ constexpr CConfused Confused[] = {
 #include "mensor_codes/ucum_confused.def"
 #undef MENSOR_CONFUSED
 };
+
+struct CSpelling {
+    std::string_view Text;
+    std::string_view Code;
+};
+
+// What stands for signs that UCUM does not have.
+constexpr CSpelling Spellings[] = {
+    {"µ", "u"}, {"μ", "u"}, {"Ω", "Ohm"}, {"\u2126", "Ohm"}, {"Å", "Ao"}, {"·", "."}, {"×", "."},
+    {"*", "."}, {"^", ""},  {"⁻", "-"},   {"⁰", "0"},        {"¹", "1"},  {"²", "2"}, {"³", "3"},
+    {"⁴", "4"}, {"⁵", "5"}, {"⁶", "6"},   {"⁷", "7"},        {"⁸", "8"},  {"⁹", "9"}};
+
+// Puts a full stop for what is refused. Returns false behind a stroke: "W/m²·K" may be meant as W/(m2.K).
+bool mendProduct(std::string& text, exact::CSpan token) {
+    if (text.find('/') < token.Begin) {
+        return false;
+    }
+    text.replace(token.Begin, token.End - token.Begin, ".");
+    return true;
+}
+
+// Mends the place that is refused. Returns false where nothing is known to stand for it.
+bool mend(std::string& text, const CRefusal& refusal) {
+    const exact::CSpan token = refusal.Token;
+    const std::string_view refused = token.of(refusal.Text);
+    if (refusal.Code == exact::eRefusal::MISSING_OPERATOR && refused != "{") {
+        return mendProduct(text, {token.Begin, token.Begin});
+    }
+    if (refusal.Code != exact::eRefusal::UNEXPECTED_CHARACTER) {
+        return false;
+    }
+    if (refused == " " && (token.Begin == 0 || token.End == text.size())) {
+        text.erase(token.Begin, 1);
+        return true;
+    }
+    if (refused == "^" && text.find_first_of("+-0123456789", token.End) != token.End) {
+        return false;  // no exponent follows
+    }
+    if (text.compare(token.Begin, 3, "°C") == 0) {
+        text.replace(token.Begin, 3, "Cel");
+        return true;
+    }
+    for (const CSpelling& spelling : Spellings) {
+        if (spelling.Text != refused) {
+            continue;
+        }
+        if (spelling.Code == ".") {
+            return mendProduct(text, token);
+        }
+        text.replace(token.Begin, refused.size(), spelling.Code);
+        return true;
+    }
+    return false;
+}
 
 char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
@@ -140,6 +195,26 @@ private:
 
 std::vector<std::string> ucumSuggestions(std::string_view unknown) {
     return CSuggestions(unknown).find();
+}
+
+std::vector<std::string> ucumReadings(const CRefusal& refusal) {
+    constexpr int MostChanges = 16;
+    std::string text(refusal.Text.substr(0, Longest + 1));
+    if (text.size() > Longest) {
+        return {};
+    }
+    for (int changes = 0; changes < MostChanges; ++changes) {
+        const CReading reading = readUcum(refusal.System, text);
+        if (reading) {
+            return {text};
+        }
+        // The refusal refers to the text, which is about to change.
+        if (const std::string before = text; !mend(
+                text, {reading.Refusal.Code, refusal.System, before, reading.Refusal.Token, {}})) {
+            return {};
+        }
+    }
+    return {};
 }
 
 }  // namespace codes

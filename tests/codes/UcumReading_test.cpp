@@ -299,6 +299,29 @@ TEST(Ucum, SaysWhatIsWrong) {
     EXPECT_THROW(read("[pH]"), exact::CReadError);
 }
 
+TEST(Ucum, TellsWhatARefusedTextMayHaveMeant) {
+    const auto readings = [](std::string_view code) {
+        return codes::diagnose(tryRead(code).Refusal).Readings;
+    };
+    const std::pair<const char*, const char*> texts[] = {
+        {"µg/m³", "ug/m3"}, {"μm", "um"},     {"°C", "Cel"}, {"N·m", "N.m"},
+        {"N*m", "N.m"},     {"N×m", "N.m"},   {"m^2", "m2"}, {"m^-2", "m-2"},
+        {"m⁻²", "m-2"},     {"kΩ", "kOhm"},   {"2m", "2.m"}, {"kg(m)", "kg.(m)"},
+        {"m²s", "m2.s"},    {" mg", "mg"},    {"mg ", "mg"}, {"2·µm²·s^2", "2.um2.s2"},
+        {"Å", "Ao"},        {"W/m²", "W/m2"}, {"m⁰", "m0"},  {"m¹⁴", "m14"}};
+    for (const auto& [text, code] : texts) {
+        EXPECT_THAT(readings(text), ElementsAre(code)) << text;
+    }
+    EXPECT_EQ(codes::diagnose(tryRead("µm").Refusal).message(),
+              "codes of UCUM are written in ASCII; the prefix micro is \"u\" (write \"um\")");
+    // Who knows whether the kelvin is meant to divide?
+    for (const char* text : {"W/m²·K", "J/kg*K", "W/m2K", "m s", "°", "µfoo", "m^", "m{a}{b}",
+                             "m¹⁰⁰", "m)", "(m", "\x80", "ä"}) {
+        EXPECT_THAT(readings(text), IsEmpty()) << text;
+    }
+    EXPECT_THAT(readings(" " + std::string(40, 'm')), IsEmpty());
+}
+
 TEST(Ucum, SuggestsWhatAnUnknownUnitMayHaveMeant) {
     const auto suggestions = [](std::string_view code) {
         return codes::diagnose(tryRead(code).Refusal).Suggestions;
