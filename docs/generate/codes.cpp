@@ -13,9 +13,17 @@ using codes::eSystem;
 
 namespace {
 
-// As code, so that no character of it means anything to Markdown; nothing for nothing.
+// As code. Doxygen takes an apostrophe between backticks for their end.
 std::string code(std::string_view text) {
-    return text.empty() ? std::string() : "`" + std::string(text) + "`";
+    if (text.empty()) {
+        return {};
+    }
+    const bool isPlain = text.find_first_of("'\"%") == std::string_view::npos;
+    std::string result = isPlain ? "`" : "<code>";
+    for (const char c : text) {
+        result += c == '"' ? std::string("&quot;") : std::string(1, c);
+    }
+    return result + (isPlain ? "`" : "</code>");
 }
 
 std::string remarks(const codes::CCode& row) {

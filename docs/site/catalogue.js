@@ -1,7 +1,7 @@
-// catalogue.js: the search box and the converter of the catalogue's page. The numbers are the library's:
-// UNITS (units.js) holds, for every name, factor and offset to the dimension, as the library gave them.
+// catalogue.js: the converter of the catalogue's page. The numbers are the library's: UNITS (units.js)
+// holds, for every name, factor and offset to the dimension, as the library gave them.
 //
-// ?search=bar and ?convert=2.5+km in the address fill the boxes.
+// ?convert=2.5+km in the address fills the boxes.
 "use strict";
 
 function convertAll(value, unit) {
@@ -41,27 +41,6 @@ function showConversions() {
     }
 }
 
-// A row stays if each word of the search is somewhere in it, or in the heading above its table.
-function filterRows() {
-    const words = document.getElementById("search").value.toLowerCase().split(/\s+/).filter(Boolean);
-    let found = 0;
-    for (const table of document.querySelectorAll("table.markdownTable")) {
-        let heading = table;
-        while (heading && !/^H[1-6]$/.test(heading.tagName)) heading = heading.previousElementSibling;
-        let left = 0;
-        for (const row of table.rows) {
-            if (row.querySelector("th")) continue;
-            const text = (row.textContent + " " + (heading ? heading.textContent : "")).toLowerCase();
-            row.hidden = !words.every((word) => text.includes(word));
-            left += row.hidden ? 0 : 1;
-        }
-        table.hidden = left === 0;
-        if (heading && heading.tagName === "H3") heading.hidden = left === 0;
-        found += left;
-    }
-    document.getElementById("found").textContent = words.length === 0 ? "" : found + " rows";
-}
-
 document.addEventListener("DOMContentLoaded", () => {
     const names = document.getElementById("names");
     for (const unit of UNITS) names.appendChild(document.createElement("option")).value = unit.name;
@@ -71,10 +50,7 @@ document.addEventListener("DOMContentLoaded", () => {
         document.getElementById("value").value = value;
         document.getElementById("unit").value = unit.join(" ");
     }
-    if (address.has("search")) document.getElementById("search").value = address.get("search");
     document.getElementById("value").addEventListener("input", showConversions);
     document.getElementById("unit").addEventListener("input", showConversions);
-    document.getElementById("search").addEventListener("input", filterRows);
     showConversions();
-    filterRows();
 });

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Checks the site: its links resolve, a browser shows the start page, and on the catalogue's page the
-# search leaves the rows that match and the converter gives the numbers of the library.
+# Checks the site: its links resolve, a browser shows the start page, and the search of a page of tables
+# leaves the rows that match, and the converter of the catalogue gives the numbers of the library.
 #
 # usage: check_site.sh SITE CATALOGUE_PROGRAM
 site=$1 catalogue=$2
@@ -45,6 +45,13 @@ none=$(dom 'md_docs_catalogue.html?search=no+such+unit' | rows)
 [ "$few" -eq 4 ] || fail "a search for \"sidereal\" leaves $few rows, not 4"
 [ "$none" -eq 0 ] || fail "a search for nothing leaves $none rows"
 
+codes=$(dom md_docs_codes_tables.html | rows)
+knots=$(dom 'md_docs_codes_tables.html?search=KNT' | rows)
+packs=$(dom 'md_docs_codes_tables.html?search=dozen+pack' | rows)
+[ "$codes" -gt 2200 ] || fail "the tables of codes show $codes rows"
+[ "$knots" -eq 1 ] || fail "a search for the code KNT leaves $knots rows, not 1"
+[ "$packs" -eq 1 ] || fail "a search for the dozen pack leaves $packs rows, not 1"
+
 # compare NUMBER UNIT UNIT_IN_ADDRESS
 compare() {
     dom "md_docs_catalogue.html?convert=$1+$3" |
@@ -73,5 +80,5 @@ compare 1.5 year year
 compare 3 l l
 compare 7 byte byte
 
-[ $failures -eq 0 ] && echo "site: all well; $all rows in the catalogue"
+[ $failures -eq 0 ] && echo "site: all well; $all rows in the catalogue, $codes of codes"
 exit $((failures > 0))
