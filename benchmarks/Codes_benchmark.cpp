@@ -1,5 +1,7 @@
 // Codes_benchmark.cpp: finding codes of tables and what they mean, which remembers nothing, and finding
-// the code for a meaning.
+// the code for a meaning. Beside it a map that holds the meanings ready-made.
+#include <unordered_map>
+
 #include "Benchmark.h"
 #include "mensor_codes/Codes.h"
 
@@ -16,20 +18,40 @@ void addCode(const std::string& name, eSystem system, const std::string& code) {
     });
 }
 
-// All codes with a meaning, one after the other, so that the table is not always in the nearest memory.
+std::vector<std::string> codesWithMeaning(eSystem system) {
+    std::vector<std::string> result;
+    for (const codes::CCode& code : codes::all(system)) {
+        if (!code.Definition.empty()) {
+            result.push_back(code.Code);
+        }
+    }
+    return result;
+}
+
+// One code after the other, so that the table is not always in the nearest memory.
+template <class Find>
+void findEach(benchmark::State& state, const std::vector<std::string>& all, const Find& find) {
+    std::size_t next = 0;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(find(all[next]));
+        next = next + 1 < all.size() ? next + 1 : 0;
+    }
+}
+
 void addAll(const std::string& name, eSystem system) {
     add("find each " + name, "mensor::codes", [=](benchmark::State& state) {
-        std::vector<std::string> all;
-        for (const codes::CCode& code : codes::all(system)) {
-            if (!code.Definition.empty()) {
-                all.push_back(code.Code);
-            }
+        findEach(state, codesWithMeaning(system),
+                 [=](const std::string& code) { return codes::tryRead(system, code); });
+    });
+    add("find each " + name, "std::unordered_map", [=](benchmark::State& state) {
+        const std::vector<std::string> all = codesWithMeaning(system);
+        std::unordered_map<std::string, exact::CMeaning> map;
+        for (const std::string& code : all) {
+            map.emplace(code, codes::read(system, code));
         }
-        std::size_t next = 0;
-        for (auto _ : state) {
-            benchmark::DoNotOptimize(codes::tryRead(system, all[next]));
-            next = next + 1 < all.size() ? next + 1 : 0;
-        }
+        findEach(state, all, [&map](const std::string& code) {
+            return std::optional<exact::CMeaning>(map.find(code)->second);
+        });
     });
 }
 

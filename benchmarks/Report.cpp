@@ -177,6 +177,13 @@ const std::vector<CReport::Line>& CReport::lines() {
                            std::string("parse ") + text + ": UDUNITS-2", target});
         }
 
+        heading("Codes of tables against a map of ready-made meanings");
+        for (const char* system : {"UNECE", "SENML", "OPCUA"}) {
+            const std::string work = std::string("find each ") + system;
+            all.push_back(
+                {Line::AT_MOST, work, work + ": mensor::codes", work + ": std::unordered_map", 2.75});
+        }
+
         heading("Codes of UCUM against UDUNITS-2");
         for (const char* code : {"mg/dL", "kg.m2/s2", "mL/min/kg", "W/(m2.K)"}) {
             const std::string work = std::string("read UCUM ") + code;
