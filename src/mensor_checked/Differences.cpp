@@ -10,10 +10,9 @@
 namespace mensor {
 namespace checked {
 
-double convertDifference(double x, const CUnitPtr& from, const CUnitPtr& to) {
-    requireUnit(from, "convertDifference");
-    requireUnit(to, "convertDifference");
-    const Lock lock;
+namespace {
+
+double converted(double x, const CUnitPtr& from, const CUnitPtr& to) {
     const CConverterPtr converter = from->getConverterTo(to);
     const double zero = converter->convert(0.0);
     if (zero == 0.0) {
@@ -25,6 +24,20 @@ double convertDifference(double x, const CUnitPtr& from, const CUnitPtr& to) {
                                " has no constant size in " + describe(to));
     }
     return x * slope;
+}
+
+}  // namespace
+
+double convertDifference(double x, const CUnitPtr& from, const CUnitPtr& to) {
+    requireUnit(from, "convertDifference");
+    requireUnit(to, "convertDifference");
+    const Lock lock;
+    const double result = converted(x, from, to);
+    if ((std::isfinite(x) && !std::isfinite(result)) || (x != 0.0 && result == 0.0)) {
+        throw std::range_error("convertDifference: " + shortest(x) + " of " + describe(from) +
+                               " is beyond the range of numbers in " + describe(to));
+    }
+    return result;
 }
 
 CDifference::CDifference(double value, CUnitPtr unit) : m_Value(value), m_Unit(std::move(unit)) {}

@@ -22,6 +22,7 @@ namespace checked {
 ///
 /// @throws std::invalid_argument  a unit is empty; or the units are not compatible, as
 ///     CUnit::getConverterTo says it.
+/// @throws std::range_error  the result is beyond the doubles: infinite, or zero though `x` is not.
 /// @throws std::logic_error  a client's converter is neither a scaling nor a shift.
 /// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
 MENSOR_CHECKED_API double convertDifference(double x, const CUnitPtr& from, const CUnitPtr& to);

@@ -24,23 +24,16 @@ namespace {
 struct CPackRow {
     ePack Pack;
     exact::ePack Definitions;
-    const char* Name;
-    const char* Description;
 };
 
 constexpr CPackRow Rows[] = {
-    {ePack::SI, exact::ePack::SI, "si",
-     "spellings of the SI that the library lacks: hPa, mK, klm, mL, Greek letters"},
-    {ePack::CUSTOMARY, exact::ePack::CUSTOMARY, "customary",
-     "US customary, imperial and older technical units"},
-    {ePack::US, exact::ePack::US, "us",
-     "customary; gal, qt, pt, fl_oz and ton as in the United States"},
-    {ePack::IMPERIAL, exact::ePack::IMPERIAL, "imperial",
-     "customary; gal, qt, pt, fl_oz and ton as in the United Kingdom"},
-    {ePack::SCIENCE, exact::ePack::SCIENCE, "science", "energy, physics, astronomy, chemistry"},
-    {ePack::OFFSETS, exact::ePack::OFFSETS, "offsets", "the degree Fahrenheit and gauge pressures"},
-    {ePack::COUNTING, exact::ePack::COUNTING, "counting",
-     "parts, revolutions, counts, binary multiples of the byte"},
+    {ePack::SI, exact::ePack::SI},
+    {ePack::CUSTOMARY, exact::ePack::CUSTOMARY},
+    {ePack::US, exact::ePack::US},
+    {ePack::IMPERIAL, exact::ePack::IMPERIAL},
+    {ePack::SCIENCE, exact::ePack::SCIENCE},
+    {ePack::OFFSETS, exact::ePack::OFFSETS},
+    {ePack::COUNTING, exact::ePack::COUNTING},
 };
 
 const CPackRow& rowOf(ePack pack) {
@@ -196,13 +189,13 @@ const std::vector<ePack>& allPacks() {
     return Packs;
 }
 
-const char* nameOf(ePack pack) { return rowOf(pack).Name; }
+const char* nameOf(ePack pack) { return exact::nameOf(rowOf(pack).Definitions); }
 
-const char* descriptionOf(ePack pack) { return rowOf(pack).Description; }
+const char* descriptionOf(ePack pack) { return exact::descriptionOf(rowOf(pack).Definitions); }
 
 std::optional<ePack> packNamed(std::string_view name) {
     for (const CPackRow& row : Rows) {
-        if (row.Name == name) {
+        if (nameOf(row.Pack) == name) {
             return row.Pack;
         }
     }

@@ -264,6 +264,10 @@ CConversion CConversion::between(std::string_view from, std::string_view to,
     return {a, b};
 }
 
+CConversion CConversion::ofDifferences(const CMeaning& from, const CMeaning& to) {
+    return {from.difference(), to.difference()};
+}
+
 template <class In, class Out>
 void CConversion::convertArray(const In* values, Out* results, std::size_t count) const {
     if (count == 0) {
@@ -334,9 +338,12 @@ std::optional<CFraction> CConversion::convert(const CFraction& x) const {
 }
 
 std::string CConversion::convertText(std::string_view number, const CDecimalStyle& style) const {
+    return convertText(CFraction::ofText(number), style);
+}
+
+std::string CConversion::convertText(const CFraction& x, const CDecimalStyle& style) const {
     constexpr std::size_t MostWhole = 17;
     requireStyle(style);
-    const CFraction x = CFraction::ofText(number);
     const std::optional<CFraction> exact = convert(x);
     if (exact) {
         const CParts parts(*exact);

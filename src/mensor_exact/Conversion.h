@@ -58,6 +58,10 @@ public:
     CConversion& operator=(const CConversion&) noexcept;
     ~CConversion();
 
+    /// The conversion of differences, where only the sizes of the units count: 10 °C are 10 K.
+    /// @throws CError  as the constructor.
+    static CConversion ofDifferences(const CMeaning& from, const CMeaning& to);
+
     /// The double nearest to factor·x + offset, ties to even, for every double x.
     ///
     /// Subnormal results are rounded once, too. Half a place beyond the largest double and more is
@@ -113,6 +117,9 @@ public:
     ///                 digits, no number of digits was asked for, and its nearest double is zero or
     ///                 infinity.
     std::string convertText(std::string_view number, const CDecimalStyle& style = {}) const;
+
+    /// The same for a number that is exact already.
+    std::string convertText(const CFraction& number, const CDecimalStyle& style = {}) const;
 
     std::string factor() const;  ///< exactly: "5/9", "π/180", "1000^(1/2)"
     std::string offset() const;  ///< exactly, in the target unit: "0", "-160/9", "273.15"

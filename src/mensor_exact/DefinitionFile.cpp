@@ -117,17 +117,16 @@ private:
         if (parts.TakesAway && !isBase && !isOwn) {
             return;
         }
-        CDiagnosis diagnosis = diagnose(eRefusal::NAME_TAKEN, line, parts.Name,
+        CDiagnosis diagnosis = diagnose(eRefusal::NAME_TAKEN, name, {0, name.size()},
                                         concatenate({"the name ", quoted(name),
                                                      isBase  ? " is taken by a base unit"
                                                      : isOwn ? " is defined already: it means "
                                                              : " is taken: it means ",
                                                      isBase ? "" : quoted(before->toString())}));
         if (!isBase && !isOwn) {
-            const std::string_view begin = line.substr(0, parts.Name.Begin);
-            diagnosis.Readings = {concatenate({begin, "replace ", line.substr(parts.Name.Begin)})};
+            diagnosis.Readings = {"replace " + std::string(name)};
         }
-        throw Refused{std::move(diagnosis)};
+        throw Refused{inLine(std::move(diagnosis), line, parts.Name)};
     }
 
     CDefined meaningOf(std::string_view line, const CDefinitionLine& parts) const {

@@ -218,11 +218,16 @@ private:
     void refuseComma(CSpan number) {
         CRefusal refusal;
         refusal.Code = eRefusal::DECIMAL_COMMA;
-        refusal.Text = m_Line;
+        refusal.Text = m_Line.substr(0, m_Definition.End);
         refusal.Token = {number.End, number.End + 1};
         refusal.Sentence = "a comma stands in this number; the decimal sign is a point";
         refusal.Readings = eReadings::COMMA;
-        throw Refused{refusal.diagnosis()};
+        CDiagnosis diagnosis = refusal.diagnosis();
+        diagnosis.Text = m_Line;
+        for (std::string& reading : diagnosis.Readings) {
+            reading.erase(0, m_Definition.Begin);
+        }
+        throw Refused{std::move(diagnosis)};
     }
 
     [[noreturn]] void refuseNoNumber(CSpan rest) {
@@ -308,8 +313,13 @@ private:
         return position < m_Definition.End ? m_Line[position] : '\0';
     }
 
-    std::string before(std::size_t end) const { return std::string(m_Line.substr(0, end)); }
-    std::string from(std::size_t begin) const { return std::string(m_Line.substr(begin)); }
+    // Of the definition, without the comment.
+    std::string before(std::size_t end) const {
+        return std::string(CSpan{m_Definition.Begin, end}.of(m_Line));
+    }
+    std::string from(std::size_t begin) const {
+        return std::string(CSpan{begin, m_Definition.End}.of(m_Line));
+    }
 
     [[noreturn]] void refuse(eRefusal code, CSpan span, std::string sentence) const {
         throw Refused{exact::diagnose(code, m_Line, span, std::move(sentence))};
@@ -357,12 +367,13 @@ std::optional<CDiagnosis> takeApart(std::string_view line, CDefinitionLine& resu
 }
 
 CDiagnosis inLine(CDiagnosis diagnosis, std::string_view line, CSpan part) {
-    const std::string_view begin = line.substr(0, part.Begin);
+    const CSpan all = definitionIn(line);
     diagnosis.Text = line;
-    diagnosis.Position += countCodePoints(begin);
+    diagnosis.Position += countCodePoints(line.substr(0, part.Begin));
     diagnosis.Byte += part.Begin;
     for (std::string& reading : diagnosis.Readings) {
-        reading = concatenate({begin, reading, line.substr(part.End)});
+        reading = concatenate({CSpan{all.Begin, part.Begin}.of(line), reading,
+                               CSpan{part.End, all.End}.of(line)});
     }
     return diagnosis;
 }

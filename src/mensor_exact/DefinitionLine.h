@@ -73,7 +73,7 @@ std::string firstOf(const LineFindings& findings) {
 }
 
 /// The diagnosis of `part` of `line`, counted from the beginning of the line. What it offers becomes
-/// whole lines.
+/// whole lines, without the comment.
 MENSOR_EXACT_API CDiagnosis inLine(CDiagnosis diagnosis, std::string_view line, CSpan part);
 
 /// Keeps the readings that `isAccepted` accepts.

@@ -20,6 +20,23 @@ constexpr std::uint32_t bitOf(ePack pack) {
     return std::uint32_t{1} << static_cast<unsigned>(pack);
 }
 
+struct CPackRow {
+    ePack Pack;
+    const char* Name;
+    const char* Description;
+};
+
+constexpr CPackRow Packs[] = {
+    {ePack::SI, "si",
+     "spellings of the SI that the library lacks: hPa, mK, klm, mL, Greek letters"},
+    {ePack::CUSTOMARY, "customary", "US customary, imperial and older technical units"},
+    {ePack::US, "us", "customary; gal, qt, pt, fl_oz and ton as in the United States"},
+    {ePack::IMPERIAL, "imperial", "customary; gal, qt, pt, fl_oz and ton as in the United Kingdom"},
+    {ePack::SCIENCE, "science", "energy, physics, astronomy, chemistry"},
+    {ePack::OFFSETS, "offsets", "the degree Fahrenheit and gauge pressures"},
+    {ePack::COUNTING, "counting", "parts, revolutions, counts, binary multiples of the byte"},
+};
+
 [[noreturn]] void throwSyntax(std::string_view text) {
     throw CError(eError::SYNTAX, concatenate({quoted(text), " is no definition"}));
 }
@@ -225,6 +242,42 @@ private:
 };
 
 }  // namespace
+
+const char* nameOf(ePack pack) noexcept {
+    for (const CPackRow& row : Packs) {
+        if (row.Pack == pack) {
+            return row.Name;
+        }
+    }
+    return pack == ePack::CATALOGUE ? "catalogue" : "own";
+}
+
+const char* descriptionOf(ePack pack) noexcept {
+    for (const CPackRow& row : Packs) {
+        if (row.Pack == pack) {
+            return row.Description;
+        }
+    }
+    return pack == ePack::CATALOGUE ? "what the library knows after it is loaded, and psi"
+                                    : "definitions of the program";
+}
+
+std::vector<ePack> allPacks() {
+    std::vector<ePack> packs;
+    for (const CPackRow& row : Packs) {
+        packs.push_back(row.Pack);
+    }
+    return packs;
+}
+
+std::optional<ePack> packNamed(std::string_view name) noexcept {
+    for (const CPackRow& row : Packs) {
+        if (row.Name == name) {
+            return row.Pack;
+        }
+    }
+    return std::nullopt;
+}
 
 bool CCatalogue::has(ePack pack) const noexcept { return (m_Packs & bitOf(pack)) != 0; }
 

@@ -49,6 +49,22 @@ enum class ePack : std::uint8_t {
     OWN,        ///< of the program, by CCatalogue::with
 };
 
+/// The name of a pack for people and command lines: "customary".
+/// @par Threads  Any thread; takes no lock.
+MENSOR_EXACT_API const char* nameOf(ePack pack) noexcept;
+
+/// What is in a pack, in a few words.
+/// @par Threads  Any thread; takes no lock.
+MENSOR_EXACT_API const char* descriptionOf(ePack pack) noexcept;
+
+/// The packs that CCatalogue::with takes, in the order of their numbers.
+/// @par Threads  Any thread; takes no lock.
+MENSOR_EXACT_API std::vector<ePack> allPacks();
+
+/// The one of these with this name, none if there is none.
+/// @par Threads  Any thread; takes no lock.
+MENSOR_EXACT_API std::optional<ePack> packNamed(std::string_view name) noexcept;
+
 /// One name. The texts are UTF-8; they live as long as the library, or with the pack OWN as long as a
 /// catalogue that has them.
 struct CDefinition {

@@ -74,6 +74,22 @@ TEST(Differences, RefuseWhatCannotBeConverted) {
     EXPECT_THROW(difference({1, SI::Meter()}, {1, SI::Second()}), std::invalid_argument);
 }
 
+TEST(Differences, RefuseResultsBeyondTheDoubles) {
+    const CUnitPtr km = CUnit::fromString("km");
+    const CUnitPtr mm = CUnit::fromString("mm");
+    EXPECT_THAT(
+        [&] { convertDifference(1e308, km, mm); },
+        ThrowsMessage<std::range_error>(
+            "convertDifference: 1e+308 of \"km\" is beyond the range of numbers in \"mm\""));
+    EXPECT_THROW(convertDifference(5e-324, mm, km), std::range_error);
+    EXPECT_THROW(convertDifference(-1.5e308, SI::Celsius(), fahrenheit()), std::range_error);
+    EXPECT_THROW(CDifference(1e308, km).valueAs(mm), std::range_error);
+    EXPECT_EQ(convertDifference(HUGE_VAL, km, mm), HUGE_VAL);
+    EXPECT_TRUE(std::isnan(convertDifference(std::nan(""), km, mm)));
+    EXPECT_EQ(convertDifference(0.0, mm, km), 0.0);
+    EXPECT_GT(convertDifference(1e-310, mm, SI::Meter()), 0.0) << "subnormal, not zero";
+}
+
 TEST(Differences, RefuseAScaleWithoutAConstantSize) {
     class CLogarithm : public CConverter {
     public:

@@ -112,7 +112,7 @@ TEST(DefinitionFile, RefusesANumberBehindTheUnitAndTellsWhatToWrite) {
     EXPECT_EQ(square.Token, "2");
     EXPECT_THAT(square.Readings, ElementsAre("a = 5 m, zero at +2 m", "a = 5 m^2"));
     EXPECT_THAT(diagnosisOf("a = 1 kg m -1 # flow").Readings,
-                ElementsAre("a = 1 kg m, zero at -1 kg m # flow", "a = 1 kg m^-1 # flow"));
+                ElementsAre("a = 1 kg m, zero at -1 kg m", "a = 1 kg m^-1"));
     EXPECT_THAT(diagnosisOf("a = 10 N/m² -5").Readings,
                 ElementsAre("a = 10 N/m², zero at -5 N/m²"));
     EXPECT_THAT(diagnosisOf("a = 10 N/m² + 101325").Readings,
@@ -183,14 +183,14 @@ TEST(DefinitionFile, TellsWhatIsWrongWithALine) {
 
 TEST(DefinitionFile, OffersWholeLinesThatAreAccepted) {
     EXPECT_THAT(diagnosisOf("qµ = 3 W/m²/K # heat").Readings,
-                ElementsAre("qµ = 3 W/(m²·K) # heat", "qµ = 3 W·K/m² # heat"));
+                ElementsAre("qµ = 3 W/(m²·K)", "qµ = 3 W·K/m²"));
     EXPECT_THAT(diagnosisOf("qa = m").Readings, ElementsAre("qa = 1 m"));
     EXPECT_THAT(diagnosisOf("qa = xyz").Readings, IsEmpty());
     EXPECT_THAT(diagnosisOf("qa = 2,5 m").Readings, ElementsAre("qa = 2.5 m"));
-    EXPECT_THAT(diagnosisOf("qa = 3 # dozen").Readings, ElementsAre("qa = 3 One # dozen"));
+    EXPECT_THAT(diagnosisOf("qa = 3 # dozen").Readings, ElementsAre("qa = 3 One"));
     EXPECT_THAT(diagnosisOf("qa = 3 m, zero at 5 m").Readings,
                 ElementsAre("qa = 3 m, zero at +5 m"));
-    EXPECT_THAT(diagnosisOf("  km = 3 m").Readings, ElementsAre("  replace km = 3 m"));
+    EXPECT_THAT(diagnosisOf("  km = 3 m").Readings, ElementsAre("replace km = 3 m"));
     EXPECT_EQ(diagnosisOf("km = 3 m").message(),
               "the name \"km\" is taken: it means \"1000 m\" (write \"replace km = 3 m\")");
     EXPECT_EQ(diagnosisOf("replace kg = 3 m").message(), "the name \"kg\" is taken by a base unit");

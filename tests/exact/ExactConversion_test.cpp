@@ -463,6 +463,28 @@ TEST(ExactConversion, RefusesTextsThatItCannotConvert) {
     expectRefusal(eError::TOO_LARGE, [] { converted("1e30000", "m", "mi"); });
 }
 
+TEST(ExactConversion, OfDifferencesCountsOnlyTheSizes) {
+    const CCatalogue catalogue = CCatalogue::builtIn().with(ePack::OFFSETS);
+    const CMeaning celsius = *catalogue.meaning("°C");
+    const CMeaning fahrenheit = *catalogue.meaning("°F");
+    const auto conversion = CConversion::ofDifferences(celsius, fahrenheit);
+    EXPECT_EQ(conversion.convertText("10"), "18");
+    EXPECT_EQ(conversion.inverse().convert(-9.0), -5.0);
+    EXPECT_EQ(conversion.offset(), "0");
+    EXPECT_EQ(CConversion::ofDifferences(celsius, *catalogue.meaning("K")).convert(10.0), 10.0);
+    EXPECT_EQ(
+        CConversion::ofDifferences(*catalogue.meaning("km"), *catalogue.meaning("m")).factor(),
+        "1000");
+    expectRefusal(eError::DIFFERENT_DIMENSIONS,
+                  [&] { CConversion::ofDifferences(celsius, *catalogue.meaning("m")); });
+}
+
+TEST(ExactConversion, TakesNumbersThatAreExactAlready) {
+    const auto conversion = CConversion::between("km", "m");
+    EXPECT_EQ(conversion.convertText(CFraction(1, 8)), "125");
+    EXPECT_EQ(conversion.convertText(CFraction(1, 3000)), "0.3333333333333333");
+}
+
 }  // namespace
 }  // namespace exact
 }  // namespace mensor

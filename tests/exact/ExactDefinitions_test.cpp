@@ -328,6 +328,20 @@ TEST(ExactDefinitions, OfAProgramMayHaveNamesInBrackets) {
     expectRefusal(eError::SYNTAX, [] { BuiltIn.with({{"[ab]c", "3 m"}}); });
 }
 
+TEST(ExactDefinitions, PacksHaveNames) {
+    EXPECT_STREQ(nameOf(ePack::CUSTOMARY), "customary");
+    EXPECT_STREQ(nameOf(ePack::CATALOGUE), "catalogue");
+    EXPECT_STREQ(nameOf(ePack::OWN), "own");
+    EXPECT_GE(allPacks().size(), 7U);
+    for (const ePack pack : allPacks()) {
+        EXPECT_EQ(packNamed(nameOf(pack)), pack);
+        EXPECT_STRNE(descriptionOf(pack), "");
+        EXPECT_NO_THROW(BuiltIn.with(pack));
+    }
+    EXPECT_FALSE(packNamed("metric"));
+    EXPECT_FALSE(packNamed("own"));
+}
+
 }  // namespace
 }  // namespace exact
 }  // namespace mensor

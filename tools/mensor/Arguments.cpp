@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
+#include "Display.h"
+
 namespace {
 
-using mensor::checked::ePack, mensor::checked::packNamed;
-
-std::string quoted(const std::string& word) { return "\"" + word + "\""; }
+using mensor::exact::ePack, mensor::exact::packNamed;
 
 void addPacks(const std::string& names, std::vector<ePack>& packs) {
     for (std::size_t begin = 0; begin <= names.size();) {
@@ -118,12 +118,11 @@ CArguments readArguments(const std::vector<std::string>& words) {
 const char* help() {
     return "usage: mensor convert [OPTION]... \"VALUE UNIT\" UNIT...   convert a value\n"
            "       mensor convert [OPTION]... - UNIT...              convert the lines of a pipe\n"
-           "       mensor explain [OPTION]... UNIT                   what a text means, and to "
-           "whom\n"
+           "       mensor explain [OPTION]... UNIT                   what a text means, and why\n"
            "       mensor list [OPTION]... [packs | compatible UNIT] what there is\n"
            "       mensor audit [OPTION]... FILE                     check a list of units\n"
            "\n"
-           "  --pack NAME[,NAME]...  register packs of units; see mensor list packs\n"
+           "  --pack NAME[,NAME]...  add packs of units; see mensor list packs\n"
            "  --units FILE           define units: lines of \"name = number unit\"\n"
            "  --differences          read \"J/°C\" as \"J/K\" and say so\n"
            "  --dimensionless        read a number without a unit\n"

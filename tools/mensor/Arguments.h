@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include <mensor_checked/Packs.h>
-#include <mensor_checked/Reading.h>
+#include <mensor_exact/Definitions.h>
+#include <mensor_exact/Reading.h>
 
 /// The command line is wrong; what() says how.
 class CUsageError : public std::invalid_argument {
@@ -18,9 +18,9 @@ public:
 struct CArguments {
     std::string Command;                ///< "convert", "explain", "list", "audit"
     std::vector<std::string> Operands;  ///< what is behind it, without the options
-    std::vector<mensor::checked::ePack> Packs;
-    std::vector<std::string> UnitFiles;     ///< --units
-    mensor::checked::CReadOptions Reading;  ///< --differences, --dimensionless
+    std::vector<mensor::exact::ePack> Packs;
+    std::vector<std::string> UnitFiles;   ///< --units
+    mensor::exact::CReadOptions Reading;  ///< --differences, --dimensionless
     bool Json = false;
     bool Quiet = false;  ///< no progress
     bool Help = false;

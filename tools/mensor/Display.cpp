@@ -81,6 +81,12 @@ std::size_t columnsOf(std::string_view text) {
     return columns;
 }
 
+std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
+
+bool isBlank(std::string_view line) {
+    return line.find_first_not_of(" \t") == std::string_view::npos;
+}
+
 std::string padded(const std::string& text, std::size_t columns) {
     const std::size_t own = columnsOf(text);
     return own < columns ? text + std::string(columns - own, ' ') : text;

@@ -13,6 +13,12 @@ std::string shown(std::string_view text);
 /// wide ones, whatever the locale.
 std::size_t columnsOf(std::string_view text);
 
+/// `text` in quotation marks, for messages.
+std::string quoted(std::string_view text);
+
+/// Whether there is nothing but blanks.
+bool isBlank(std::string_view line);
+
 /// `text`, filled with blanks to `columns`.
 std::string padded(const std::string& text, std::size_t columns);
 

@@ -10,7 +10,7 @@
 
 namespace {
 
-using mensor::checked::CDiagnosis, mensor::checked::CMeaning;
+using mensor::exact::CDiagnosis, mensor::exact::CMeaning, mensor::exact::CPower;
 using std::chrono::steady_clock;
 
 constexpr auto FirstProgress = std::chrono::seconds(1);
@@ -92,13 +92,16 @@ std::string jsonOf(const CDiagnosis& diagnosis) {
 
 std::string jsonOf(const CMeaning& meaning) {
     CJsonObject exponents;
-    for (const auto& exponent : meaning.exponents()) {
-        exponents.text(exponent.Base.c_str(), exponent.Exponent.toString());
+    for (const std::vector<CPower>& powers : {meaning.dimensions(), meaning.marks()}) {
+        for (const CPower& power : powers) {
+            exponents.text(power.Name.c_str(), power.Exponent.toString());
+        }
     }
     return CJsonObject()
         .text("text", meaning.toString())
-        .number("factor", meaning.factor())
-        .number("offset", meaning.offset())
+        .text("kind", meaning.kind())
+        .number("factor", meaning.factor().toDouble())
+        .number("offset", meaning.offset().toDouble())
         .raw("exponents", exponents.toString())
         .toString();
 }

@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <string>
 
-#include <mensor_checked/Meaning.h>
-#include <mensor_checked/Reading.h>
+#include <mensor_exact/Diagnosis.h>
+#include <mensor_exact/Meaning.h>
 
 /// Everything that is written. One object for the whole run.
 class CReport {
@@ -21,7 +21,7 @@ public:
 
     /// Tells of an input that is refused, on standard error: "mensor: `where`message", then the text
     /// with carets.
-    void refuse(const std::string& where, const mensor::checked::CDiagnosis& diagnosis);
+    void refuse(const std::string& where, const mensor::exact::CDiagnosis& diagnosis);
     void refuse(const std::string& where, const std::string& message);
 
     /// Counts an input that is refused without telling of it here.
@@ -49,9 +49,10 @@ private:
 };
 
 /// A refusal as JSON.
-std::string jsonOf(const mensor::checked::CDiagnosis& diagnosis);
+std::string jsonOf(const mensor::exact::CDiagnosis& diagnosis);
 
-/// A meaning as JSON: its text, factor, offset and exponents.
-std::string jsonOf(const mensor::checked::CMeaning& meaning);
+/// A meaning as JSON: its text, what is measured, the doubles nearest to its factor and offset, and its
+/// exponents.
+std::string jsonOf(const mensor::exact::CMeaning& meaning);
 
 #endif  // MENSOR_TOOL_REPORT_H

@@ -1,0 +1,255 @@
+#include <cmath>
+#include <iostream>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <mensor_exact/Conversion.h>
+#include <mensor_exact/Error.h>
+#include <mensor_exact/Reading.h>
+#include <mensor_exact/Refusal.h>
+
+#include "Commands.h"
+#include "Display.h"
+#include "Lines.h"
+
+namespace {
+
+using namespace mensor::exact;
+
+std::string_view trimmed(std::string_view text) {
+    const std::size_t begin = text.find_first_not_of(" \t");
+    return begin == std::string_view::npos
+               ? std::string_view()
+               : text.substr(begin, text.find_last_not_of(" \t") + 1 - begin);
+}
+
+// Whether a program that reads the number as a double would get infinity, or zero for what is not zero.
+bool isBeyondDoubles(const CFraction& number) {
+    const double nearest = number.toDouble();
+    return !std::isfinite(nearest) || (nearest == 0.0 && !number.isZero());
+}
+
+// Writes numbers as results of conversions are written.
+std::string written(const CFraction& number) {
+    static const CConversion Same{CMeaning(), CMeaning()};
+    return Same.convertText(number);
+}
+
+// One value to all targets.
+class Converter {
+public:
+    Converter(std::vector<CTarget> targets, const CArguments& arguments, const CUnits& units,
+              CReport& report)
+        : m_Targets(std::move(targets)),
+          m_Arguments(arguments),
+          m_Units(units),
+          m_Report(report),
+          m_Conversions(m_Targets.size()) {}
+
+    // `line` is 0 where the value stands on the command line.
+    void convert(const std::string& text, std::size_t line) {
+        const CValueReading value = tryReadValue(text, m_Units.catalogue(), m_Arguments.Reading);
+        std::optional<CDiagnosis> refusal;
+        if (!value) {
+            refusal = diagnose(value.Refusal, m_Units.catalogue());
+        } else if (isBeyondDoubles(value.Value->Number)) {
+            const std::string_view number =
+                trimmed(std::string_view(text).substr(0, value.Unit.Begin));
+            const auto begin = static_cast<std::size_t>(number.data() - text.data());
+            refusal = diagnose(eRefusal::NUMBER_RANGE, text, {begin, begin + number.size()},
+                               "no double is that large or that small");
+        }
+        if (m_Report.isJson()) {
+            CJsonObject json;
+            json.text("input", text);
+            if (line > 0) {
+                json.count("line", line);
+            }
+            convertToJson(text, value, refusal, json);
+        } else {
+            convertToText(text, value, refusal,
+                          line > 0 ? "line " + std::to_string(line) + ": " : "");
+        }
+    }
+
+private:
+    // The result, or why there is none.
+    struct CResult {
+        std::string Value;
+        const char* Code = nullptr;
+        std::string Message{};
+    };
+
+    // Most values of a pipe have the unit of the value before.
+    void prepare(const CMeaning& unit) {
+        if (m_Unit == unit) {
+            return;
+        }
+        m_Unit = unit;
+        for (std::size_t i = 0; i < m_Targets.size(); ++i) {
+            m_Conversions[i].reset();
+            if (unit.isCompatibleWith(m_Targets[i].Meaning)) {
+                try {
+                    m_Conversions[i].emplace(unit, m_Targets[i].Meaning);
+                } catch (const CError&) {  // the ratio of the two sizes is too large a number
+                }
+            }
+        }
+    }
+
+    CResult resultIn(std::size_t target, const CValue& value, std::string_view unit) const {
+        const CTarget& to = m_Targets[target];
+        if (!value.Unit.isCompatibleWith(to.Meaning)) {
+            return {{},
+                    "INCOMPATIBLE",
+                    quoted(unit) + " is not compatible with " + quoted(to.Text) + ": " +
+                        value.Unit.kind() + " and " + to.Meaning.kind()};
+        }
+        if (m_Conversions[target]) {
+            try {
+                const std::optional<CFraction> exact = m_Conversions[target]->convert(value.Number);
+                if (!exact) {
+                    return {m_Conversions[target]->convertText(value.Number)};
+                }
+                if (!isBeyondDoubles(*exact)) {
+                    return {written(*exact)};
+                }
+            } catch (const CError&) {
+            }
+        }
+        return {{},
+                "NUMBER_RANGE",
+                "the value in " + quoted(to.Text) + " is beyond the range of numbers"};
+    }
+
+    // The unit as it was written.
+    static std::string_view unitIn(const std::string& text, const CValueReading& value) {
+        const std::string_view unit = trimmed(value.Unit.of(text));
+        return unit.empty() ? "One" : unit;
+    }
+
+    void convertToText(const std::string& text, const CValueReading& value,
+                       const std::optional<CDiagnosis>& refusal, const std::string& where) {
+        if (refusal) {
+            m_Report.refuse(where, *refusal);
+            return;
+        }
+        const std::string_view unit = unitIn(text, value);
+        if (value.HasDifference) {
+            m_Report.note(where, noteOnDifference(unit, m_Arguments, m_Units));
+        }
+        prepare(value.Value->Unit);
+        std::string given;
+        for (std::size_t i = 0; i < m_Targets.size(); ++i) {
+            const CResult result = resultIn(i, *value.Value, unit);
+            if (result.Code != nullptr) {
+                m_Report.refuse(where, result.Message);
+                continue;
+            }
+            if (given.empty()) {
+                given = written(value.Value->Number) + " " + shown(unit) + " = ";
+            }
+            m_Report.line(given + result.Value + " " + shown(m_Targets[i].Text));
+        }
+    }
+
+    void convertToJson(const std::string& text, const CValueReading& value,
+                       const std::optional<CDiagnosis>& refusal, CJsonObject& json) {
+        if (refusal) {
+            m_Report.countRefused();
+            m_Report.line(json.raw("error", jsonOf(*refusal)).toString());
+            return;
+        }
+        const std::string_view unit = unitIn(text, value);
+        json.raw("value", written(value.Value->Number)).text("unit", unit);
+        prepare(value.Value->Unit);
+        std::vector<std::string> results;
+        for (std::size_t i = 0; i < m_Targets.size(); ++i) {
+            const CResult result = resultIn(i, *value.Value, unit);
+            CJsonObject entry;
+            entry.text("unit", m_Targets[i].Text);
+            if (result.Code != nullptr) {
+                m_Report.countRefused();
+                entry.raw("error", CJsonObject()
+                                       .text("code", result.Code)
+                                       .text("message", result.Message)
+                                       .toString());
+            } else {
+                entry.raw("value", result.Value);
+            }
+            results.push_back(entry.toString());
+        }
+        json.raw("results", jsonArray(results));
+        if (value.HasDifference) {
+            const std::string note = noteOnDifference(unit, m_Arguments, m_Units);
+            json.raw("notes", jsonArray(std::vector<std::string>{jsonText(note)}));
+        }
+        m_Report.line(json.toString());
+    }
+
+    const std::vector<CTarget> m_Targets;
+    const CArguments& m_Arguments;
+    const CUnits& m_Units;
+    CReport& m_Report;
+    std::optional<CMeaning> m_Unit;                         // of the value before
+    std::vector<std::optional<CConversion>> m_Conversions;  // from it, one for each target
+};
+
+}  // namespace
+
+std::string noteOnDifference(std::string_view unit, const CArguments& arguments,
+                             const CUnits& units) {
+    return quoted(unit) + " is read as " +
+           quoted(notationOf(unit, units.catalogue(), arguments.Reading));
+}
+
+std::optional<CTarget> readTarget(const std::string& text, const CArguments& arguments,
+                                  const CUnits& units, CReport& report) {
+    CReading reading = tryRead(text, units.catalogue(), arguments.Reading);
+    if (!reading) {
+        const CDiagnosis refusal = diagnose(reading.Refusal, units.catalogue());
+        if (report.isJson()) {
+            report.countRefused();
+            report.line(CJsonObject().text("unit", text).raw("error", jsonOf(refusal)).toString());
+        } else {
+            report.refuse("", refusal);
+        }
+        return std::nullopt;
+    }
+    const std::string_view unit = trimmed(text);
+    if (reading.HasDifference) {
+        report.note("", noteOnDifference(unit, arguments, units));
+    }
+    return CTarget{std::string(unit.empty() ? "One" : unit), *std::move(reading.Meaning)};
+}
+
+void convert(const CArguments& arguments, const CUnits& units, CReport& report) {
+    std::vector<CTarget> targets;
+    for (auto text = arguments.Operands.begin() + 1; text != arguments.Operands.end(); ++text) {
+        if (auto target = readTarget(*text, arguments, units, report)) {
+            targets.push_back(std::move(*target));
+        }
+    }
+    if (report.refused() > 0) {
+        return;
+    }
+    Converter converter(std::move(targets), arguments, units, report);
+    if (arguments.Operands[0] != "-") {
+        converter.convert(arguments.Operands[0], 0);
+        return;
+    }
+    CLines lines(std::cin, "the standard input");
+    for (std::string line; std::cout && lines.next(line);) {
+        if (!isBlank(line)) {
+            converter.convert(line, lines.number());
+        }
+        report.progress(lines.number(), lines.bytes());
+        if (!lines.isMoreAtHand()) {
+            std::cout.flush();  // whoever writes the lines may wait for the answer
+        }
+    }
+    report.endProgress();
+}

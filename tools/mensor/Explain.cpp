@@ -1,0 +1,218 @@
+#include <optional>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <mensor/Unit.h>
+#include <mensor_checked/Meaning.h>
+#include <mensor_checked/Reading.h>
+#include <mensor_exact/Certificate.h>
+#include <mensor_exact/Reading.h>
+
+#include "Commands.h"
+#include "Display.h"
+
+namespace {
+
+using namespace mensor::exact;
+using mensor::CUnit, mensor::CUnitPtr;
+
+// What a refused text says if operations of one rank are done from left to right, as mathematics has
+// it; none where it says nothing.
+std::optional<std::string> fromLeftToRight(const CDiagnosis& refusal, const CUnits& units,
+                                           const CReadOptions& options) {
+    CDiagnosis next = refusal;
+    for (int i = 0; i < 100; ++i) {
+        const bool isDivision = next.Code == eRefusal::SECOND_DIVISION;
+        const bool isProduct = next.Code == eRefusal::PRODUCT_AFTER_DIVISION;
+        if ((!isDivision && !isProduct) || next.Readings.size() < 2) {
+            return std::nullopt;
+        }
+        const std::string text = next.Readings[isDivision ? 0 : 1];
+        const CReading reading = tryRead(text, units.catalogue(), options);
+        if (reading) {
+            return text;
+        }
+        next = diagnose(reading.Refusal, units.catalogue());
+    }
+    return std::nullopt;
+}
+
+// What the registry makes of a text, read by the library alone and by the companion.
+struct CRegistered {
+    CUnitPtr Unit;          // of the library's own reader
+    std::string Refusal;    // its message, if there is no unit
+    bool IsSame = false;    // the companion gives the same unit
+    std::string Companion;  // why the companion refuses the text; empty if it does not
+};
+
+CRegistered askRegistry(const std::string& text, const CReadOptions& options) {
+    CRegistered result;
+    const mensor::checked::CReading reading = mensor::checked::tryReadUnit(text, options);
+    if (!reading) {
+        result.Companion =
+            std::string(nameOf(reading.Refusal->Code)) + ": " + reading.Refusal->Sentence;
+    }
+    try {
+        result.Unit = CUnit::fromString(text);
+        result.IsSame = result.Unit == reading.Unit;
+    } catch (const std::exception& e) {
+        result.Refusal = e.what();
+    }
+    return result;
+}
+
+// The unit as the library writes it, which need not read back.
+std::string libraryText(const CUnitPtr& unit) {
+    try {
+        return unit->toStdString();
+    } catch (const std::exception&) {  // a scaled unit without a label
+        return mensor::checked::meaningOf(unit).toString();
+    }
+}
+
+// Everything that there is to say of one text.
+class CExplanation {
+public:
+    CExplanation(const CArguments& arguments, const CUnits& units, CReport& report)
+        : m_Text(arguments.Operands[0]),
+          m_Arguments(arguments),
+          m_Units(units),
+          m_Report(report),
+          m_Reading(tryRead(m_Text, units.catalogue(), arguments.Reading)) {
+        if (m_Reading) {
+            m_Notation = notationOf(m_Text, units.catalogue(), arguments.Reading);
+            m_Certificate = certify(m_Notation, m_Reading.Meaning->unitsText(), units.catalogue());
+        } else {
+            report.countRefused();
+            m_Refusal = diagnose(m_Reading.Refusal, units.catalogue());
+            m_LeftToRight = fromLeftToRight(m_Refusal, units, arguments.Reading);
+        }
+        units.registerAll(nullptr);
+        m_Registered = askRegistry(m_Text, arguments.Reading);
+    }
+
+    void tell() const {
+        if (m_Reading) {
+            tellMeaning();
+        } else {
+            tellRefusal();
+        }
+        tellRegistry();
+    }
+
+    void tellAsJson() const {
+        CJsonObject json;
+        json.text("text", m_Text);
+        if (m_Reading) {
+            json.text("unit", m_Notation)
+                .raw("meaning", jsonOf(*m_Reading.Meaning))
+                .raw("certificate", m_Certificate.toJson());
+            if (m_Reading.HasDifference) {
+                json.raw("notes", jsonArray(std::vector<std::string>{jsonText(note())}));
+            }
+        } else {
+            json.raw("error", jsonOf(m_Refusal));
+            if (m_LeftToRight) {
+                json.text("leftToRight", *m_LeftToRight);
+            }
+        }
+        CJsonObject library;
+        if (m_Registered.Unit) {
+            const auto meaning = mensor::checked::meaningOf(m_Registered.Unit);
+            library.text("unit", libraryText(m_Registered.Unit))
+                .raw("meaning", CJsonObject().text("text", meaning.toString()).toString());
+        } else {
+            library.text("error", m_Registered.Refusal);
+        }
+        if (m_Reading && !m_Registered.Companion.empty()) {
+            library.text("checked", m_Registered.Companion);
+        }
+        m_Report.line(json.raw("library", library.toString()).toString());
+    }
+
+private:
+    static constexpr std::size_t LabelColumns = 13;
+
+    void row(const std::string& label, const std::string& text) const {
+        m_Report.line(padded(label, LabelColumns) + shown(text));
+    }
+
+    std::string note() const { return noteOnDifference(m_Text, m_Arguments, m_Units); }
+
+    void tellMeaning() const {
+        row("text", m_Text);
+        row("accepted", m_Notation);
+        const std::string kind = m_Reading.Meaning->kind();
+        const bool hasKind = kind != m_Reading.Meaning->unitsText();
+        row("mathematics", m_Reading.Meaning->toString() + (hasKind ? ", " + kind : ""));
+        if (m_Reading.HasDifference) {
+            row("note", note());
+        }
+        std::istringstream lines(m_Certificate.toText());
+        std::string label = "certificate";
+        for (std::string line; std::getline(lines, line); label.clear()) {
+            row(label, line);
+        }
+    }
+
+    void tellRefusal() const {
+        const std::string indent(LabelColumns, ' ');
+        std::string marked =
+            underlined(m_Refusal.Text, m_Refusal.Byte, m_Refusal.Token.size(), indent);
+        marked.replace(0, LabelColumns, padded("text", LabelColumns));
+        marked.pop_back();
+        m_Report.line(isBlank(m_Text) ? padded("text", LabelColumns) + "(none)" : marked);
+        row("refused", std::string(nameOf(m_Refusal.Code)) + ": " + m_Refusal.Sentence);
+        if (m_LeftToRight) {
+            row("mathematics",
+                *m_LeftToRight + ", from left to right, which is " +
+                    read(*m_LeftToRight, m_Units.catalogue(), m_Arguments.Reading).toString());
+        } else {
+            row("mathematics", "nothing certain");
+        }
+        for (std::size_t i = 0; i < m_Refusal.Readings.size(); ++i) {
+            row(i == 0 ? "write" : "  or", m_Refusal.Readings[i]);
+        }
+        for (std::size_t i = 0; i < m_Refusal.Suggestions.size(); ++i) {
+            row(i == 0 ? "known" : "", m_Refusal.Suggestions[i]);
+        }
+    }
+
+    void tellRegistry() const {
+        if (!m_Registered.Unit) {
+            row("library", "refuses it: " + m_Registered.Refusal);
+        } else if (m_Registered.IsSame) {
+            row("library", "reads the same");
+        } else {
+            row("library", "reads " + libraryText(m_Registered.Unit) + ", which is " +
+                               mensor::checked::meaningOf(m_Registered.Unit).toString());
+        }
+        if (m_Reading && !m_Registered.Companion.empty()) {
+            row("checked", "refuses it: " + m_Registered.Companion);
+        }
+    }
+
+    const std::string m_Text;
+    const CArguments& m_Arguments;
+    const CUnits& m_Units;
+    CReport& m_Report;
+    const CReading m_Reading;
+    std::string m_Notation;                    // if it was read
+    CCertificate m_Certificate;                // likewise
+    CDiagnosis m_Refusal;                      // if it was not
+    std::optional<std::string> m_LeftToRight;  // likewise
+    CRegistered m_Registered;
+};
+
+}  // namespace
+
+void explain(const CArguments& arguments, const CUnits& units, CReport& report) {
+    const CExplanation explanation(arguments, units, report);
+    if (report.isJson()) {
+        explanation.tellAsJson();
+    } else {
+        explanation.tell();
+    }
+}

@@ -1,0 +1,40 @@
+// Units.h: the units that the command line asks for.
+#ifndef MENSOR_TOOL_UNITS_H
+#define MENSOR_TOOL_UNITS_H
+
+#include <string>
+#include <vector>
+
+#include <mensor_exact/Definitions.h>
+
+#include "Arguments.h"
+#include "Report.h"
+
+/// The catalogue of one run: the built-in one, the packs and the files of the command line.
+class CUnits {
+public:
+    /// Tells the report what is refused.
+    /// @throws std::runtime_error  "cannot read "units.txt"".
+    CUnits(const CArguments& arguments, CReport& report);
+
+    const mensor::exact::CCatalogue& catalogue() const { return m_Catalogue; }
+
+    /// Registers the same units with the library's registry, which only some commands ask. Tells the
+    /// report, if there is one, what is refused. Returns whether nothing was.
+    bool registerAll(CReport* report) const;
+
+private:
+    struct CFile {
+        std::string Name;
+        std::string Text;
+    };
+
+    void addPacks(CReport& report);
+    void addFile(const std::string& name, CReport& report);
+
+    mensor::exact::CCatalogue m_Catalogue = mensor::exact::CCatalogue::builtIn();
+    const std::vector<mensor::exact::ePack> m_Packs;
+    std::vector<CFile> m_Files;
+};
+
+#endif  // MENSOR_TOOL_UNITS_H
