@@ -30,11 +30,7 @@ std::string listed(const std::vector<const char*>& names) {
 std::vector<const char*> othersWith(const CRefusal& refusal) {
     std::vector<const char*> names;
     for (const eSystem system : AllSystems) {
-        if (system == refusal.System) {
-            continue;
-        }
-        const CReading reading = tryRead(system, refusal.Text);
-        if (reading || reading.Refusal.Code == exact::eRefusal::NO_MEANING) {
+        if (system != refusal.System && isCode(system, refusal.Text)) {
             names.push_back(nameOf(system));
         }
     }
@@ -122,6 +118,11 @@ exact::CMeaning read(eSystem system, std::string_view code) {
 }
 
 CReading tryRead(eSystem system, std::string_view code) { return systemOf(system).tryRead(code); }
+
+bool isCode(eSystem system, std::string_view text) {
+    const CReading reading = tryRead(system, text);
+    return reading || reading.Refusal.Code == exact::eRefusal::NO_MEANING;
+}
 
 exact::CDiagnosis diagnose(const CRefusal& refusal) {
     const std::string_view token = refusal.Token.of(refusal.Text);

@@ -78,6 +78,10 @@ MENSOR_CODES_API exact::CMeaning read(eSystem system, std::string_view code);
 /// @par Threads  Any thread; takes no lock.
 MENSOR_CODES_API CReading tryRead(eSystem system, std::string_view code);
 
+/// Whether `text` is a code of the system, also one without an exact meaning.
+/// @par Threads  Any thread; takes no lock.
+MENSOR_CODES_API bool isCode(eSystem system, std::string_view text);
+
 /// The refusal in words. Tells which other systems have the code, and names codes that are written
 /// nearly so.
 /// @par Threads  Any thread; takes no lock.

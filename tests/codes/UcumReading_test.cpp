@@ -28,11 +28,7 @@ CMeaning read(std::string_view code) { return codes::read(eSystem::UCUM, code); 
 // The text must outlive what is told of a refusal.
 codes::CReading tryRead(std::string_view code) { return codes::tryRead(eSystem::UCUM, code); }
 
-// A code, also one without a meaning.
-bool isCode(std::string_view code) {
-    const codes::CReading reading = tryRead(code);
-    return reading || reading.Refusal.Code == eRefusal::NO_MEANING;
-}
+bool isCode(std::string_view code) { return codes::isCode(eSystem::UCUM, code); }
 
 TEST(Ucum, ReadsWhatInstrumentsAndLaboratoriesWrite) {
     const std::pair<const char*, const char*> same[] = {
@@ -168,6 +164,18 @@ struct Refused {
     std::size_t Position;
     const char* Token;
 };
+
+TEST(Ucum, TellsWhatIsACodeAlsoWithoutAMeaning) {
+    for (const char* code : {"m", "[pH]", "dB", "J/Cel", "m100", "0"}) {
+        EXPECT_TRUE(isCode(code)) << code;
+    }
+    for (const char* code : {"", "foo", "m/", "2m", "kmin"}) {
+        EXPECT_FALSE(isCode(code)) << code;
+    }
+    EXPECT_TRUE(codes::isCode(eSystem::UNECE, "MTR"));
+    EXPECT_TRUE(codes::isCode(eSystem::UNECE, "2N"));  // the decibel
+    EXPECT_FALSE(codes::isCode(eSystem::UNECE, "m"));
+}
 
 TEST(Ucum, TellsWhereAndWhyATextIsNoCode) {
     const Refused texts[] = {
