@@ -88,6 +88,15 @@ auto roundIrrational(const CFactor& factor, CEnclosure bounds, const CFraction& 
     }
 }
 
+// The leading bits of number·2^twos; it is positive.
+CLeading leadingOf(const CWhole& number, std::int64_t twos) {
+    const auto extra = static_cast<std::int64_t>(number.bits()) - 192;
+    const CWhole kept = number.shifted(-extra);
+    return {{kept.shifted(-128).low(), kept.shifted(-64).low(), kept.low()},
+            twos + extra,
+            kept.shifted(extra) == number};
+}
+
 // The leading bits of numerator/denominator·2^twos; both are positive.
 CLeading leadingOf(const CWhole& numerator, const CWhole& denominator, std::int64_t twos) {
     if (numerator.bits() <= 64 && denominator.bits() <= 64) {
@@ -98,12 +107,9 @@ CLeading leadingOf(const CWhole& numerator, const CWhole& denominator, std::int6
                             static_cast<std::int64_t>(denominator.bits());
     const CDivision division(up > 0 ? numerator.shifted(up) : numerator,
                              up < 0 ? denominator.shifted(-up) : denominator);
-    const CWhole& quotient = division.Quotient;
-    const auto extra = static_cast<std::int64_t>(quotient.bits()) - 192;
-    const CWhole kept = quotient.shifted(-extra);
-    return {{kept.shifted(-128).low(), kept.shifted(-64).low(), kept.low()},
-            twos - up + extra,
-            division.Rest.isZero() && kept.shifted(extra) == quotient};
+    CLeading result = leadingOf(division.Quotient, twos - up);
+    result.IsWhole = result.IsWhole && division.Rest.isZero();
+    return result;
 }
 
 [[noreturn]] void throwDifferent(std::string_view from, std::string_view to, const CMeaning& a,
@@ -186,8 +192,8 @@ struct CConversion::CPlan final : CSlowWay {
         }
         if (!hasOffset()) {
             // Bounds whose leading bits are the same enclose nothing but numbers with these.
-            CLeading low = leadingOf(Bounds.Low, 1, Bounds.Twos);
-            const CLeading high = leadingOf(Bounds.High, 1, Bounds.Twos);
+            CLeading low = leadingOf(Bounds.Low, Bounds.Twos);
+            const CLeading high = leadingOf(Bounds.High, Bounds.Twos);
             if (std::equal(low.Word, low.Word + 3, high.Word) && low.Twos == high.Twos) {
                 low.IsWhole = false;
                 return CFastForm(low, nullptr, this);

@@ -1,6 +1,7 @@
 #include "mensor_exact/Enclosure.h"
 
 #include "mensor_exact/Parts.h"
+#include "mensor_exact/Pi.h"
 
 namespace mensor {
 namespace exact {
@@ -70,9 +71,16 @@ CWhole arctanOfInverse(int n, int bits, int& terms) {
     return sum;
 }
 
-// Machin's formula: π = 16·arctan(1/5) − 4·arctan(1/239). Each term is truncated twice, and so off by
+// The first bits are kept, and the others computed with Machin's formula: π = 16·arctan(1/5) − 4·arctan(1/239). Each term is truncated twice, and so off by
 // less than 2; what follows the last term is less than 1.
 CEnclosure pi(int bits) {
+    if (bits <= PiBits) {
+        CWhole low = 0;
+        for (const std::uint64_t word : PiWords) {
+            low = low.shifted(64) + word;
+        }
+        return {low, low + 1, -PiBits};
+    }
     int terms = 0;
     int moreTerms = 0;
     const CWhole fives = arctanOfInverse(5, bits, terms);

@@ -125,8 +125,8 @@ private:
 
     using CExponents = std::array<CExponent, Slots>;
 
-    CMeaning(const CExponents& exponents, CFactor factor, CFraction offset) noexcept
-        : m_Exponents(exponents), m_Factor(std::move(factor)), m_Offset(std::move(offset)) {}
+    CMeaning(const CSmallFraction& factor, CExponent pi, const CSmallFraction& offset) noexcept
+        : m_Factor(factor, pi), m_Offset(offset) {}
 
     void multiplyRest(const CMeaning& other, CExponent exponent);
 

@@ -30,11 +30,10 @@ std::optional<CMeaning> meaningOf(std::string_view name, const CCatalogue& catal
         lookUpSpellings(name, [&](std::string_view spelling) -> std::optional<CMeaning> {
             // A program's own "Ml" need not be the megalitre.
             const bool isSmallLitre = name.back() == 'L' && spelling.back() == 'l';
-            if (isSmallLitre && catalogue.find(spelling) &&
-                catalogue.find(spelling)->Pack == ePack::OWN) {
-                return std::nullopt;
-            }
-            std::optional<CMeaning> found = catalogue.meaning(spelling);
+            const bool isAnother = isSmallLitre && catalogue.find(spelling) &&
+                                   catalogue.find(spelling)->Pack == ePack::OWN;
+            std::optional<CMeaning> found =
+                isAnother ? std::optional<CMeaning>() : catalogue.meaning(spelling);
             if (found && known != nullptr) {
                 *known = spelling;
             }

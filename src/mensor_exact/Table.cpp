@@ -20,12 +20,13 @@ CDefinition CTable::definition(std::size_t row) noexcept {
 
 CMeaning CTable::meaning(std::size_t row) {
     const CRow& data = Meanings.Row[row];
-    CMeaning::CExponents exponents;
+    CMeaning result(data.Factor, static_cast<int>(data.Pi), Meanings.Offsets[data.Offset]);
     for (std::size_t slot = 0; slot < SlotCount; ++slot) {
-        exponents[slot] = static_cast<int>(data.Exponents[slot]);
+        if (data.Exponents[slot] != 0) {
+            result.m_Exponents[slot] = static_cast<int>(data.Exponents[slot]);
+        }
     }
-    return {exponents, CFactor(data.Factor, static_cast<int>(data.Pi)),
-            CFraction(Meanings.Offsets[data.Offset])};
+    return result;
 }
 
 std::size_t CTable::find(std::string_view name, std::uint32_t packs) noexcept {

@@ -1,9 +1,18 @@
 #include "mensor_exact/Whole.h"
 
-#include <boost/multiprecision/cpp_int.hpp>
+#include <iomanip>
+#include <istream>
 #include <memory>
 #include <new>
+#include <ostream>
 #include <utility>
+
+// Boost includes <iostream>, which runs a constructor when the library is loaded. Only the classes of streams
+// are needed, so the standard library is told that <iostream> was included.
+#if defined(__GLIBCXX__) && !defined(_GLIBCXX_IOSTREAM)
+#define _GLIBCXX_IOSTREAM 1  // NOLINT(bugprone-reserved-identifier)
+#endif
+#include <boost/multiprecision/cpp_int.hpp>
 
 namespace mensor {
 namespace exact {

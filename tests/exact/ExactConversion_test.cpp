@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <iterator>
 #include <limits>
 #include <random>
 #include <string>
@@ -12,6 +13,7 @@
 
 #include "exact/Judge.h"
 #include "exact/Refusal.h"
+#include "mensor_exact/Pi.h"
 
 namespace mensor {
 namespace exact {
@@ -450,6 +452,36 @@ TEST(ExactConversion, RoundsToAsManyDigitsAsAreAskedFor) {
         style.Digits = -1;
         styled("1", "m", "m", style);
     });
+}
+
+// 1.5/π, cut off after many digits, and the next number of as many.
+TEST(ExactConversion, RoundsProductsWithPiThatAreVeryNearTheMiddle) {
+    CDecimalStyle style;
+    style.Digits = 1;
+    EXPECT_EQ(
+        styled("0.47746482927568600730665129011754308610337893722136934624300203217669039290267960",
+               "π rad", "rad", style),
+        "1");
+    EXPECT_EQ(
+        styled("0.47746482927568600730665129011754308610337893722136934624300203217669039290267961",
+               "π rad", "rad", style),
+        "2");
+    const std::string many =
+        "0."
+        "477464829275686007306651290117543086103378937221369346243002032176690392902679605270341408"
+        "2987592578682185281";
+    EXPECT_EQ(styled((many + "8").c_str(), "π rad", "rad", style), "1");
+    EXPECT_EQ(styled((many + "9").c_str(), "π rad", "rad", style), "2");
+}
+
+TEST(ExactConversion, KnowsTheFirstBitsOfPi) {
+    Number pi(PiBits + 2);
+    mpfr_const_pi(pi, MPFR_RNDD);
+    mpz_class bits;
+    EXPECT_EQ(mpfr_get_z_2exp(bits.get_mpz_t(), pi), -PiBits);
+    mpz_class kept;
+    mpz_import(kept.get_mpz_t(), std::size(PiWords), 1, sizeof PiWords[0], 0, 0, PiWords);
+    EXPECT_EQ(kept, bits);
 }
 
 TEST(ExactConversion, RefusesTextsThatItCannotConvert) {
