@@ -372,8 +372,8 @@ CDiagnosis inLine(CDiagnosis diagnosis, std::string_view line, CSpan part) {
     diagnosis.Position += countCodePoints(line.substr(0, part.Begin));
     diagnosis.Byte += part.Begin;
     for (std::string& reading : diagnosis.Readings) {
-        reading = concatenate({CSpan{all.Begin, part.Begin}.of(line), reading,
-                               CSpan{part.End, all.End}.of(line)});
+        reading = concatenate(
+            {CSpan{all.Begin, part.Begin}.of(line), reading, CSpan{part.End, all.End}.of(line)});
     }
     return diagnosis;
 }
