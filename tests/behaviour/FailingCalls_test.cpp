@@ -23,13 +23,13 @@
 #include "mensor/UnitFormat.h"
 #include "mensor/ValueWithUnit.h"
 #include "mensor_checked/Audit.h"
-#include "mensor_checked/OwnUnits.h"
 #include "mensor_checked/Differences.h"
 #include "mensor_checked/Making.h"
 #include "mensor_checked/Meaning.h"
-#include "mensor_checked/Verify.h"
+#include "mensor_checked/OwnUnits.h"
 #include "mensor_checked/Reading.h"
 #include "mensor_checked/Values.h"
+#include "mensor_checked/Verify.h"
 #include "support/ClientUnit.h"
 #include "support/Matchers.h"
 
@@ -148,6 +148,9 @@ const std::vector<FailingCall>& calls() {
         {"checked_scale_by_zero", STAY, [] { checked::scaled(SI::Meter(), 0); }},
         {"checked_difference", MAY_GROW,
          [] { checked::convertDifference(1, product(), SI::Meter()); }},
+        {"checked_difference_beyond_the_doubles", STAY,
+         [] { checked::convertDifference(1e308, CUnit::fromString("km"), SI::Meter()); }},
+        {"definitions_with_a_stray_number", STAY, [] { checked::defineUnits("qa = 3 m 2\n"); }},
         {"definitions_with_an_unknown_unit", MAY_GROW,
          [] { checked::defineUnits("qa = 3 m\nqb = 4 qa\nqc = 2 xyz\n"); }},
         {"definitions_with_a_taken_name", MAY_GROW,

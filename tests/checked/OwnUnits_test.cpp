@@ -83,6 +83,13 @@ TEST(Definitions, DefineBaseUnits) {
     EXPECT_FALSE(readUnit("qEUR")->isCompatible(SI::Meter()));
 }
 
+TEST(Definitions, KeepOnlyTheSymbolsOfBaseUnitsWhenATableIsRefused) {
+    EXPECT_FALSE(tryDefineUnits("qGBP = base unit\nqpence = 1/100 qGBP\nqx = 3 xyzzy\n"));
+    EXPECT_EQ(CUnitFormat::unitFor("qpence"), nullptr);
+    EXPECT_NE(CUnitFormat::unitFor("qGBP"), nullptr) << "the registry keeps symbols for ever";
+    EXPECT_TRUE(tryDefineUnits("qGBP = base unit\nqpence = 1/100 qGBP\n"));
+}
+
 TEST(Definitions, RefuseANumberBehindTheUnitAndTellWhatToWrite) {
     const CDefinitions result = tryDefineUnits("qa = 1 kg m -1\nqa = 10 N/m² - 5\nqa = 5 xyz 2\n");
     ASSERT_EQ(result.Findings.size(), 3U);
