@@ -48,11 +48,11 @@ public:
     }
 
     std::optional<CCode> find(std::string_view text) const override {
-        std::optional<CCode> code = unece().find(codeOfUnitId(numberOf(text)));
-        if (code) {
-            *code = withUnitId(*std::move(code));
+        const std::optional<CCode> code = unece().find(codeOfUnitId(numberOf(text)));
+        if (!code) {
+            return std::nullopt;
         }
-        return code;
+        return withUnitId(*code);
     }
 
     void forEach(const std::function<bool(const CCode&)>& visit) const override {

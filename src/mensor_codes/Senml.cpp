@@ -19,6 +19,7 @@ constexpr char Texts[] =
 #undef MENSOR_REFUSED_DEPRECATED
     ;
 
+// NOLINTBEGIN(bugprone-macro-parentheses): the arguments are literals, and the array's initialiser a list.
 #define MENSOR_LENGTHS(code, definition, symbol, name, source, same, note, isDeprecated) \
     {sizeof code - 1, sizeof definition - 1, sizeof symbol - 1, sizeof name - 1,         \
      sizeof same - 1, sizeof note - 1,       eSource::source,   isDeprecated},
@@ -39,6 +40,7 @@ constexpr CCodeLengths Lengths[] = {
 #undef MENSOR_REFUSED_DEPRECATED
 #undef MENSOR_LENGTHS
 };
+// NOLINTEND(bugprone-macro-parentheses)
 
 using CTable = CCodeTable<Texts, Lengths, sizeof Lengths / sizeof Lengths[0]>;
 

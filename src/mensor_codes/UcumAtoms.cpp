@@ -20,6 +20,7 @@ constexpr char Texts[] =
 #undef MENSOR_REFUSED
     ;
 
+// NOLINTBEGIN(bugprone-macro-parentheses): the arguments are literals, and the array's initialiser a list.
 constexpr CCodeLengths Lengths[] = {
 #define MENSOR_CODE(code, definition, symbol, name, source, same, note)          \
     {sizeof code - 1, sizeof definition - 1, sizeof symbol - 1, sizeof name - 1, \
@@ -33,6 +34,7 @@ constexpr CCodeLengths Lengths[] = {
 #undef MENSOR_REFUSED
 #undef MENSOR_REFUSED_METRIC
 };
+// NOLINTEND(bugprone-macro-parentheses)
 
 constexpr bool TakesPrefixes[] = {
 #define MENSOR_CODE(code, definition, symbol, name, source, same, note) false,

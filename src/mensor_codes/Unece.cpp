@@ -14,6 +14,7 @@ constexpr char Texts[] =
 #undef MENSOR_REFUSED
     ;
 
+// NOLINTBEGIN(bugprone-macro-parentheses): the arguments are literals, and the array's initialiser a list.
 constexpr CCodeLengths Lengths[] = {
 #define MENSOR_CODE(code, definition, symbol, name, source, same, note)          \
     {sizeof code - 1, sizeof definition - 1, sizeof symbol - 1, sizeof name - 1, \
@@ -25,6 +26,7 @@ constexpr CCodeLengths Lengths[] = {
 #undef MENSOR_CODE
 #undef MENSOR_REFUSED
 };
+// NOLINTEND(bugprone-macro-parentheses)
 
 using CTable = CCodeTable<Texts, Lengths, sizeof Lengths / sizeof Lengths[0]>;
 
