@@ -1,10 +1,10 @@
 #include "mensor/AddConverter.h"
 
+#include "mensor/TextStream.h"
 #include "mensor/Unit.h"
 #include "mensor/arrays.h"
 #include "mensor/exact_class.h"
 #include "mensor/mensor_math.h"
-#include "mensor/text_stream.h"
 
 namespace mensor {
 

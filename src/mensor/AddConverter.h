@@ -3,7 +3,7 @@
 //     auto toKelvin = std::make_shared<CAddConverter>(273.15);
 //     toKelvin->convert(21.5);               // 294.65
 //     toKelvin->inverse()->convert(294.65);  // 21.5
-//     toKelvin->isLinear();                  // false: an offset is not a scaling
+//     toKelvin->isLinear();                  // false: it is not a scaling
 //
 // Immutable once built; any thread may share it.
 #ifndef MENSOR_ADDCONVERTER_H
@@ -17,12 +17,12 @@
 
 namespace mensor {
 
-/// Adds a constant. An offset of zero is still an offset, not the identity.
+/// Adds a constant. An offset of zero is not the identity converter.
 ///
 /// Class contract: any thread.
 class MENSOR_API CAddConverter : public CConverter {
 public:
-    /// `offset`, in the target unit, is what `convert` adds. Any double is accepted.
+    /// `convert` adds `offset`, which is given in the target unit. Any double is accepted.
     explicit CAddConverter(double offset);
     ~CAddConverter() override;
 
@@ -30,15 +30,15 @@ public:
     double convert(double x) const override;
     double derivative(double x) const override;  ///< 1
     bool isLinear() const override;              ///< false
-    /// Whether `other` is an offset too, equal in single precision.
+    /// Whether `other` is an offset converter with the same offset in single precision.
     bool equals(CConverterPtr other) const override;
 
-    /// One new offset, the sum of both, when `other` is an offset; otherwise as the base.
-    /// Reached only through a pointer to this class.
+    /// If `other` is an offset converter, a new one with the sum of both offsets. Otherwise the function of the
+    /// base class. Only a call through this class runs it, since it is not virtual.
     CConverterPtr concatenate(CConverterPtr other);
 
-    /// The bits of the offset in single precision. Reached only through this class: a unit asks
-    /// through the base, where every offset hashes alike.
+    /// The bits of the offset in single precision. Only a call through this class runs it. The identity of
+    /// units uses the function of the base class, which is the same for all offsets.
     int hashCode() const;
 
     /// "[K+273.15]": the unit's symbol and the offset with six significant digits.

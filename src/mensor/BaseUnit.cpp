@@ -3,8 +3,8 @@
 #include <stdexcept>
 #include <utility>
 
-#include "mensor/tables.h"
-#include "mensor/text_stream.h"
+#include "mensor/Tables.h"
+#include "mensor/TextStream.h"
 
 namespace mensor {
 
@@ -13,13 +13,13 @@ CBaseUnit::~CBaseUnit() = default;
 
 CBaseUnitPtr CBaseUnit::getInstance(const string_t& symbol) {
     CUnitPtr unit = CUnit::getInstance(CUnitPtr(new CBaseUnit(symbol)));
-    // The hash may belong to a unit of another kind; the pointer says base unit all the same, and no
-    // member reached through it relies on that.
+    // The hash code may belong to a unit of another kind. The result still points at it as a base unit, and
+    // no function that is called through the pointer may rely on that.
     return CBaseUnitPtr(unit, reinterpret_cast<CBaseUnit*>(unit.get()));
 }
 
 void CBaseUnit::setDimension(CUnitPtr dimension, CConverterPtr toDimension) {
-    // Through the unit's own pointer, since `this` may be a unit of another kind, see getInstance.
+    // `this` may be a unit of another kind, see getInstance, so its class is looked up.
     const auto self = std::dynamic_pointer_cast<CBaseUnit>(shared_from_this());
     if (!self) {
         detail::CTextStream message;
@@ -38,8 +38,8 @@ CUnitPtr CBaseUnit::getBaseUnits() { return shared_from_this(); }
 
 void CBaseUnit::calculateHashCode() { m_HashCode = hashFromString(m_Symbol); }
 
-// Without a dimension set, a base unit is its own: answered anew each time rather than stored, so
-// that threads asking at once write nothing and the unit does not own itself.
+// A base unit without a dimension is its own dimension. That is not stored, so that concurrent calls write
+// nothing and the unit does not own itself.
 CUnitPtr CBaseUnit::getCtxDimension() { return m_Dimension ? m_Dimension : shared_from_this(); }
 
 CUnitPtr CBaseUnit::getSystemUnit() { return shared_from_this(); }

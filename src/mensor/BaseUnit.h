@@ -16,7 +16,7 @@ namespace mensor {
 class CBaseUnit;
 using CBaseUnitPtr = std::shared_ptr<CBaseUnit>;
 
-/// A base unit: its own system unit, identified by its symbol.
+/// A base unit. It is its own system unit, and its symbol identifies it.
 ///
 /// Class contract: any thread, except `setDimension`.
 class MENSOR_API CBaseUnit : public CUnit {
@@ -25,17 +25,17 @@ public:
 
     /// The base unit with this symbol, registered now if it is new.
     ///
-    /// Keep symbols to five code points: longer ones may have the same hash, and the hash alone
-    /// decides identity. Where the hash belongs to a unit of another kind the result points at that
-    /// unit; `setDimension` refuses it.
+    /// Use at most five code points: longer symbols may have the same hash code, which alone decides identity.
+    /// If the hash code belongs to a unit of another kind, the result points at that unit, and `setDimension`
+    /// refuses it.
     /// @throws std::logic_error  "The symbol: x is currently associated to another unit.".
     /// @par Threads  Any thread, locks mutex().
     static CBaseUnitPtr getInstance(const string_t& symbol);
 
-    /// Maps this base unit onto `dimension`, reached through `toDimension`, and forgets all cached
-    /// dimensions and converters, so that every unit resting on this one follows.
+    /// Sets the dimension of this base unit, and the converter to it. Clears all cached dimensions and
+    /// converters, so that every unit that depends on this one follows.
     ///
-    /// Empty pointers restore the default: the unit itself and the identity.
+    /// Empty pointers restore the default: the unit itself and the identity converter.
     /// @throws std::logic_error  this object is a unit of another kind, see `getInstance`.
     /// @par Threads  Caller serialises this with everything that asks for dimensions or converters.
     void setDimension(CUnitPtr dimension, CConverterPtr toDimension);
@@ -45,17 +45,19 @@ public:
     void calculateHashCode() override;
     CUnitPtr getCtxDimension() override;  ///< what `setDimension` stored, else this unit
     CUnitPtr getSystemUnit() override;    ///< this unit
-    /// Whether the symbol of `that`, of whatever kind it is, has the same bytes.
+    /// Whether the symbol of `that` has the same bytes. `that` may be of any kind.
     bool equals(CUnitPtr that) const override;
-    CConverterPtr getCtxToDimension() override;  ///< what `setDimension` stored, else the identity
-    CUnitPtr baseUnits() override;               ///< this unit
+    CConverterPtr getCtxToDimension()
+        override;                   ///< what `setDimension` stored, else the identity converter
+    CUnitPtr baseUnits() override;  ///< this unit
 
 protected:
     explicit CBaseUnit(const string_t& symbol);
 
 private:
-    CUnitPtr m_Dimension;         // the unit this one is mapped onto; empty means this unit
-    CConverterPtr m_ToDimension;  // from this unit to m_Dimension; empty means the identity
+    CUnitPtr m_Dimension;  // set by setDimension(); empty means this unit
+    CConverterPtr
+        m_ToDimension;  // from this unit to m_Dimension; empty means the identity converter
 };
 
 }  // namespace mensor

@@ -7,16 +7,16 @@
 //     Convert(2.5, CUnit::fromString("km")).to(SI::Meter());  // 2500
 //
 // a->concatenate(b) applies b first and then a. Converters are immutable once built; any thread may
-// share them. They live under shared pointers; only what hands out the object itself
-// (CIdentity::inverse, concatenate) needs that.
+// share them. Only CIdentity::inverse and concatenate need the object to be owned by a shared pointer,
+// because they may return the object itself.
 #ifndef MENSOR_CONVERTER_H
 #define MENSOR_CONVERTER_H
 
 #include <atomic>
 #include <cstddef>
-#include <cstdint>
 #include <memory>
 
+#include "mensor/FlatPlan.h"
 #include "mensor/mensor_export.h"
 #include "mensor/mensor_global.h"
 
@@ -25,15 +25,15 @@ namespace mensor {
 class CConverter;
 class CUnit;
 
-/// Shared ownership of a converter; empty means "none".
+/// Shared ownership of a converter. Empty means "none".
 using CConverterPtr = std::shared_ptr<CConverter>;
-/// Shared ownership of a unit; empty means "none". Two pointers denote the same unit exactly when
+/// Shared ownership of a unit. Empty means "none". Two pointers denote the same unit exactly when
 /// they point at the same object.
 using CUnitPtr = std::shared_ptr<CUnit>;
 
 /// The base of all converters. Clients may derive their own.
 ///
-/// Class contract: any thread; a converter holds no state that changes.
+/// Class contract: any thread; a converter has no state that changes.
 class MENSOR_API CConverter : public std::enable_shared_from_this<CConverter> {
 public:
     virtual ~CConverter();
@@ -52,37 +52,39 @@ public:
 
     /// Whether `other` is the same scaling: both linear, slopes equal in single precision.
     ///
-    /// The tolerance of single precision is intended. An empty pointer gives false.
+    /// Slopes are compared as floats on purpose, which allows for rounding. An empty pointer gives false.
     virtual bool equals(CConverterPtr other) const;
 
-    /// The bits of the slope at zero in single precision. Every pure offset has the hash of 1.
+    /// The bits of the slope at zero in single precision. All pure offsets have the same hash, that of
+    /// the slope 1.
     int hashCode() const;
 
     /// The converter that applies `other` first and then this one.
     ///
-    /// Gives this very object when `other` is `identity()`, otherwise a new `CCompound(other, this)`:
-    /// nothing is folded, so that the shape of a chain tells how it was made.
+    /// Returns this object when `other` is `identity()`, otherwise a new `CCompound(other, this)`. Constants
+    /// are not combined, so the shape of a chain tells how it was made.
     /// @throws std::bad_weak_ptr  this object is not owned by a shared pointer.
     CConverterPtr concatenate(CConverterPtr other);
 
-    /// Converts `count` values at once: each result has the very bits that `convert` gives.
+    /// Converts `count` values. Each result has the same bits as the result of `convert`.
     ///
-    /// `values` and `results` are arrays of the caller, the same one or two that do not overlap.
+    /// `values` and `results` are arrays of the caller: the same array, or two that do not overlap.
     ///
     ///     double samples[] = {0, 21.5, 100};
     ///     SI::Celsius()->getConverterTo(SI::Kelvin())->convertAll(samples, samples, 3);
-    /// @throws std::invalid_argument  the arrays overlap in part, or one is null though `count` is
-    ///     not 0; nothing has been written then.
+    /// @throws std::invalid_argument  the arrays overlap in part, or one is null and `count` is not 0.
+    ///     Nothing is written then.
     void convertAll(const double* values, double* results, std::size_t count) const;
 
-    /// Empty: a converter seen through its base has no notation.
+    /// Returns the empty text. Only AddConverter and MultiplyConverter have a notation, and the function is
+    /// not virtual.
     string_t getSymbol(CUnitPtr unit) const;
 
-    /// The one identity of the process, so it can be recognised by its address.
+    /// The identity converter. There is one object in the process, so its address identifies it.
     static CConverterPtr identity();
 
 protected:
-    /// What `convertAll` does once it has checked the arrays; the default calls `convert` for each.
+    /// Does the work of `convertAll` after the arrays are checked. The default calls `convert` for each.
     virtual void convertArray(const double* values, double* results, std::size_t count) const;
 
     CConverter();
@@ -98,14 +100,15 @@ public:
     CIdentity();
     ~CIdentity() override;
 
-    /// This very object.
+    /// Returns this object.
     /// @throws std::bad_weak_ptr  this object is not owned by a shared pointer.
     CConverterPtr inverse() override;
     double convert(double x) const override;
     double derivative(double x) const override;
     bool isLinear() const override;
 
-    /// `other` itself. Reached only through a pointer to CIdentity: the base rule is not virtual.
+    /// Returns `other`. Only a call through a pointer to CIdentity runs this, since `concatenate` is not
+    /// virtual.
     CConverterPtr concatenate(CConverterPtr other);
 
 protected:
@@ -114,18 +117,15 @@ protected:
 
 /// Two converters one after the other, made by `concatenate`.
 ///
-/// Chains may be of any length: converting, inverting, comparing and destroying them needs a bounded
-/// stack.
+/// A chain may have any length. Converting, inverting, comparing and destroying it needs a bounded stack.
 ///
-/// Class contract: any thread. The steps of a converter to a unit may be inverted when they are first
-/// asked for, under a lock that is held over nothing else.
+/// Class contract: any thread. The second step of a converter between units may be computed when it is
+/// first asked for, under a lock of its own.
 class MENSOR_API CCompound : public CConverter {
 public:
     /// The converter that applies `first` and then `second`.
     /// @throws std::invalid_argument  one of the two is empty.
     CCompound(CConverterPtr first, CConverterPtr second);
-    struct InverseOf;  // for the library's own use
-    MENSOR_LOCAL CCompound(const CConverterPtr& first, InverseOf second);
     ~CCompound() override;
     CCompound(const CCompound&) = delete;
     CCompound& operator=(const CCompound&) = delete;
@@ -133,13 +133,13 @@ public:
     /// A new compound of the inverses in reverse order.
     CConverterPtr inverse() override;
     double convert(double x) const override;
-    /// The chain rule: the slope of the first at `x` times that of the second at what the first
-    /// makes of `x`.
+    /// The chain rule: the slope of the first step at `x`, times the slope of the second step at the value
+    /// of the first.
     double derivative(double x) const override;
-    /// What the first step says of itself. The second step is not asked: a scaling followed by an
-    /// offset reports itself linear.
+    /// Whether the first step is linear. The second step is not asked, so a scaling followed by an offset
+    /// counts as linear.
     bool isLinear() const override;
-    /// Whether `other` is a compound too and its steps equal these, pair by pair.
+    /// Whether `other` is a compound and its steps equal these, pair by pair.
     bool equals(CConverterPtr other) const override;
 
     CConverterPtr first() const;   ///< the step applied first
@@ -151,54 +151,20 @@ protected:
 private:
     friend struct detail::DebugLayout;
 
-    // One step of the chain as convert() runs it: a known operation and its constant, or a converter
-    // of a class that only its own convert() knows.
-    struct Step {
-        enum eKind { ADD, MULTIPLY, CALL } Kind;
-        union {
-            double Constant;
-            const CConverter* Converter;
-        };
+    friend struct detail::Chain;
+    friend class detail::CFlatPlan;
+
+    // The second step as the inverse of a converter that is inverted when second() is first needed.
+    struct InverseOf {
+        const CConverterPtr& Converter;
     };
-    static constexpr std::size_t LongestPlan = 32;
+    MENSOR_LOCAL CCompound(const CConverterPtr& first, InverseOf second);
 
-    struct Plan {
-        const Step* Steps;
-        std::size_t Count;
-    };
-    MENSOR_LOCAL static Plan planOf(const CConverter& child, Step& own);
-    MENSOR_LOCAL static double run(const Step& step, double x);
-    MENSOR_LOCAL static void runAll(const Step& step, const double* from, double* to,
-                                    std::size_t count);
-    MENSOR_LOCAL double runPlan(double x) const;
-    MENSOR_LOCAL double walk(double x) const;
-    MENSOR_LOCAL static double slopeOf(const CConverter& converter, double& x, bool isLast,
-                                       int levels);
-    MENSOR_LOCAL static double slopeOfChain(const CCompound& chain, double& x, bool isLast);
-    MENSOR_LOCAL static CConverterPtr inverseOf(const CConverterPtr& converter, int levels);
-    MENSOR_LOCAL static CConverterPtr inverseOfChain(CConverter& chain);
-
-    MENSOR_LOCAL void join(Plan first, Plan second, bool secondIsTemporary);
-
-    // The way to a unit, which ends with the inverse of the way from it: m_Second is what must be
-    // inverted, and is inverted when somebody asks for it. convert() runs the plan and never does.
-    friend class CUnit;
-    MENSOR_LOCAL static CConverterPtr throughInverse(const CConverterPtr& first,
-                                                     const CConverterPtr& toInvert);
-    MENSOR_LOCAL const CConverterPtr& secondStep() const;
-    MENSOR_LOCAL void invertSecond() const;
-
-    CConverterPtr m_First;           // applied first; never empty
-    mutable CConverterPtr m_Second;  // applied second; never empty; see m_SecondIsReady
-
-    // The steps of both children in order, identities left out: what convert() runs instead of the
-    // nest of virtual calls. Points at m_OwnStep, m_OwnSteps or the plan of a child, which the child's
-    // pointer keeps alive. None for a chain longer than LongestPlan, which convert() walks.
-    const Step* m_Steps;
-    std::uint32_t m_StepCount;
-    mutable std::atomic<bool> m_SecondIsReady;  // set last, and then m_Second never changes again
-    Step m_OwnStep;
-    std::unique_ptr<Step[]> m_OwnSteps;
+    CConverterPtr m_First;  // applied first; never empty
+    mutable CConverterPtr
+        m_Second;  // applied second, or its inverse; see m_SecondIsReady; never empty
+    mutable std::atomic<bool> m_SecondIsReady;  // set last; m_Second never changes after that
+    detail::CFlatPlan m_Plan;                   // what convert() runs instead of the tree
 };
 
 using CCompoundPtr = std::shared_ptr<CCompound>;

@@ -1,4 +1,4 @@
-// DerivedUnit.h: what all units but the base units have in common.
+// DerivedUnit.h: the base of all kinds of units except the base unit.
 #ifndef MENSOR_DERIVEDUNIT_H
 #define MENSOR_DERIVEDUNIT_H
 

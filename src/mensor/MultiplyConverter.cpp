@@ -1,9 +1,9 @@
 #include "mensor/MultiplyConverter.h"
 
+#include "mensor/TextStream.h"
 #include "mensor/Unit.h"
 #include "mensor/arrays.h"
 #include "mensor/exact_class.h"
-#include "mensor/text_stream.h"
 
 namespace mensor {
 

@@ -17,7 +17,7 @@
 
 namespace mensor {
 
-/// Multiplies by a constant. A factor of one is still a factor, not the identity object.
+/// Multiplies by a constant. A factor of one is not the identity converter.
 ///
 /// Class contract: any thread.
 class MENSOR_API CMultiplyConverter : public CConverter {
@@ -26,14 +26,14 @@ public:
     explicit CMultiplyConverter(double factor);
     ~CMultiplyConverter() override;
 
-    /// Multiplies by 1/factor; a factor of zero gives an infinite one.
+    /// Multiplies by 1/factor. The inverse of the factor 0 has an infinite factor.
     CConverterPtr inverse() override;
     double convert(double x) const override;
     double derivative(double x) const override;  ///< the factor
     bool isLinear() const override;              ///< true
 
-    /// One new factor, the product of both, when `other` is a factor; otherwise as the base.
-    /// Reached only through a pointer to this class.
+    /// If `other` is a multiply converter, a new one with the product of both factors. Otherwise the function of
+    /// the base class. Only a call through this class runs it, since it is not virtual.
     CConverterPtr concatenate(CConverterPtr other);
 
     /// "[m*1000]": the unit's symbol and the factor with six significant digits.

@@ -1,18 +1,16 @@
-// NonSI.cpp: each unit is a scaling of an SI unit, or of another unit here; the factors multiply along
-// that chain, each rounded on its own.
+// NonSI.cpp: each unit is a multiple of an SI unit or of another unit in this file. The factors of such a chain
+// are multiplied step by step, and each product is rounded.
 #include "mensor/NonSI.h"
 
+#include "mensor/Kept.h"
 #include "mensor/ProductUnit.h"
 #include "mensor/SI.h"
+#include "mensor/Tables.h"
 #include "mensor/UnitFormat.h"
-#include "mensor/kept.h"
-#include "mensor/tables.h"
 
-namespace mensor {
+namespace mensor::NonSI {
 
 using detail::CKept;
-
-namespace NonSI {
 
 CUnitPtr Percent() {
     static const CKept<CUnitPtr> Percent(
@@ -20,9 +18,9 @@ CUnitPtr Percent() {
     return *Percent;
 }
 
-// This one and Psi are not built while the library is loaded. Building locks mutex(). It is locked before
-// the static is, so that a thread that holds it and calls one of the two cannot wait for a thread that
-// builds, and that one for it.
+// None and Psi are not built while the library is loaded. Building locks mutex(), and the initialisation of the
+// static has a lock, too. mutex() is locked first, because a caller may hold it already: with the other order
+// that caller and a thread that builds the unit would deadlock.
 CUnitPtr None() {
     const detail::Lock lock(CUnit::mutex());
     static const CKept<CUnitPtr> None(CUnitFormat::label(CProductUnit::one()->multiply(1.0), ""));
@@ -174,5 +172,4 @@ CUnitPtr YearSidereal() {
     return *Year_Sidereal;
 }
 
-}  // namespace NonSI
-}  // namespace mensor
+}  // namespace mensor::NonSI

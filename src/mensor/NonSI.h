@@ -3,9 +3,9 @@
 //     NonSI::Hour()->getConverterTo(SI::Second())->convert(1.5);   // 5400
 //     CUnit::fromString("psi");                                    // unknown until NonSI::Psi()
 //
-// Each accessor builds and labels its unit once and returns the same object ever after. All but Psi
-// and None are built while the library is loaded. The factors of the pressures are short decimals
-// by choice. If building fails, the exception passes and the next call tries again.
+// Each accessor builds and labels its unit once and then returns the same object. All units except Psi and None
+// are built while the library is loaded. If building throws, the accessor throws and the next call tries again.
+// The factors of the pressures are short decimals on purpose.
 //
 // Threads: any thread. Psi and None lock CUnit::mutex(); the others take no lock.
 #ifndef MENSOR_NONSI_H
@@ -14,14 +14,14 @@
 #include "mensor/Unit.h"
 #include "mensor/mensor_export.h"
 
-namespace mensor {
-namespace NonSI {
+namespace mensor::NonSI {
 
 /// Standard acceleration of free fall in metres per second squared. Source: 3rd CGPM, 1901.
 constexpr double STANDARD_GRAVITY = 9.80665;
 
-MENSOR_API CUnitPtr Percent();      ///< percent, labelled %: 0.01
-MENSOR_API CUnitPtr None();         ///< one scaled by 1, with the empty label; not built at load
+MENSOR_API CUnitPtr Percent();  ///< percent, labelled %: 0.01
+MENSOR_API CUnitPtr
+None();  ///< the dimensionless unit times 1, with the empty label; not built at load
 MENSOR_API CUnitPtr Revolution();   ///< revolution, labelled rev: 2π rad
 MENSOR_API CUnitPtr DegreeAngle();  ///< degree, labelled °: 1/360 rev
 MENSOR_API CUnitPtr MinuteAngle();  ///< minute of arc, labelled ′ (U+2032): 1/60 °
@@ -49,7 +49,6 @@ MENSOR_API CUnitPtr Aeon();          ///< 10⁹ years; no label
 MENSOR_API CUnitPtr DaySidereal();   ///< sidereal day, labelled day_sidereal: 86164.09 s
 MENSOR_API CUnitPtr YearSidereal();  ///< sidereal year, labelled year_sidereal: 31558149.54 s
 
-}  // namespace NonSI
-}  // namespace mensor
+}  // namespace mensor::NonSI
 
 #endif  // MENSOR_NONSI_H

@@ -1,5 +1,5 @@
-// ProductUnit.cpp: products of rational powers, normalised by merging factors of the same unit
-// object. A product that is known already is found by its hash code, before anything is built.
+// ProductUnit.cpp: products of rational powers. Factors of the same unit object are merged. A registered
+// product is found by its hash code before a new one is built.
 #include "mensor/ProductUnit.h"
 
 #include <cmath>
@@ -7,13 +7,13 @@
 #include <stdexcept>
 #include <utility>
 
+#include "mensor/Kept.h"
 #include "mensor/MultiplyConverter.h"
+#include "mensor/Tables.h"
+#include "mensor/TextStream.h"
+#include "mensor/UnitAlgebra.h"
 #include "mensor/factors.h"
-#include "mensor/kept.h"
 #include "mensor/require.h"
-#include "mensor/tables.h"
-#include "mensor/text_stream.h"
-#include "mensor/uncached.h"
 
 namespace mensor {
 
@@ -21,15 +21,17 @@ namespace {
 
 using Elements = std::vector<CUnitRationalPower>;
 
-// The product of what `ofFactor` makes of each factor's unit, raised as the factor is.
+// Calls `ofFactor` for the unit of each factor, raises the result to the exponent of the factor, and returns
+// the product of all.
 template <class OfFactor>
 CUnitPtr fold(const Elements& elements, OfFactor ofFactor) {
     const detail::Lock lock(detail::tables().Mutex);
     CUnitPtr product = CProductUnit::one();
     for (const CUnitRationalPower& element : elements) {
         const CUnitPtr factor = requireGiven(ofFactor(*element.unit()), "unit of a factor");
-        product = detail::Uncached::multiply(
-            product, detail::Uncached::raise(factor, element.getPow(), element.getRoot()));
+        product = detail::UnitAlgebra::multiplyUncached(
+            product,
+            detail::UnitAlgebra::raiseUncached(factor, element.getPow(), element.getRoot()));
     }
     return product;
 }
@@ -60,7 +62,7 @@ CUnitPtr CProductUnit::registered(Elements elements) {
 }
 
 struct detail::Products {
-    // The canonical product of factors that are normalised.
+    // The registered product of merged and reduced factors.
     static CUnitPtr canonical(const Factors& factors) {
         if (factors.size() == 0) {
             return CProductUnit::one();
@@ -144,12 +146,12 @@ CUnitPtr CProductUnit::getCtxDimension() {
 }
 
 CUnitPtr CProductUnit::getSystemUnit() {
-    // Threads that ask for it first at once compute the same canonical unit. The shared pointer is
-    // read and written atomically rather than under a mutex: this runs with either lock held.
+    // Concurrent first calls compute the same registered unit. The shared pointer is read and written
+    // atomically, not under a mutex, because the caller may hold either of the two.
     CUnitPtr system = std::atomic_load(&m_SystemUnitCach);
     if (!system) {
         system = fold(m_Elements, [](CUnit& unit) { return unit.getSystemUnit(); });
-        // A product that is its own system unit must not own itself, or nothing would ever free it.
+        // A product that is its own system unit must not own itself, or it would never be freed.
         const bool isThis = system.get() == this;
         std::atomic_store(&m_SystemUnitCach, isThis ? CUnitPtr(CUnitPtr(), this) : system);
     }

@@ -4,9 +4,9 @@
 //     SI::Meter()->divide(SI::Meter());         // CProductUnit::one()
 //     (SI::Meter() ^ 2)->root(2);               // the metre itself
 //
-// The factors stand in the order of whoever built the product first: merged left factors in left
-// order, then the unmatched right ones. The order does not enter the hash, so m·s and s·m are one
-// object.
+// The call that first builds a product decides the order of its factors: the merged factors of the left
+// side, then the remaining ones of the right side. The hash code does not depend on the order, so m·s and s·m
+// are one object.
 #ifndef MENSOR_PRODUCTUNIT_H
 #define MENSOR_PRODUCTUNIT_H
 
@@ -19,26 +19,22 @@
 
 namespace mensor {
 
-namespace detail {
-struct Products;
-}
-
 /// A product of powers. Clients use the algebra of CUnit.
 ///
-/// Class contract: any thread. The makers lock mutex(); what folds the factors (`getSystemUnit`,
-/// `baseUnits`, `getCtxDimension`) locks what the algebra of CUnit locks.
+/// Class contract: any thread. The static functions lock mutex(). The functions that multiply the results for
+/// all factors (`getSystemUnit`, `baseUnits`, `getCtxDimension`) lock what the algebra of CUnit locks.
 class MENSOR_API CProductUnit : public CDerivedUnit {
 public:
     ~CProductUnit() override;
 
-    /// The dimensionless unit. It bears the symbol "One", but is not in CUnit::symbols(), so the
-    /// text "One" does not read as it.
+    /// The dimensionless unit. Its symbol is "One", but it is not in CUnit::symbols(), so the text "One" does
+    /// not denote it.
     static CUnitPtr one();
 
-    /// The canonical product of both lists: factors of the same unit object are merged, exponents
-    /// reduced, vanished factors dropped; a single factor to the power one is its unit.
-    /// @throws std::invalid_argument  a record has no unit.
-    /// @throws std::overflow_error  an exponent leaves the range of `int`; nothing is registered.
+    /// The registered product of both lists. Factors of the same unit object are merged, exponents are reduced,
+    /// and factors with the exponent 0 are dropped. A single factor to the power 1 is its unit.
+    /// @throws std::invalid_argument  a factor has no unit.
+    /// @throws std::overflow_error  an exponent leaves the range of `int`. Nothing is registered then.
     /// @par Threads  Any thread, locks mutex().
     static CUnitPtr getInstance(const std::vector<CUnitRationalPower>& LeftElements,
                                 const std::vector<CUnitRationalPower>& RightElements);
@@ -54,17 +50,17 @@ public:
     /// The factors, valid as long as this unit.
     const std::vector<CUnitRationalPower>& factors() const { return m_Elements; }
 
-    /// The sum of each factor's hash times (3·pow − 2·root), wrapping round.
+    /// The sum of the hash codes of the factors, each times (3·pow − 2·root), with wrap-around.
     void calculateHashCode() override;
     CUnitPtr getCtxDimension() override;
     CUnitPtr getSystemUnit() override;
     /// Whether `that` has the same factors in any order.
     bool equals(CUnitPtr that) const override;
     std::vector<CUnitRationalPower> elements() override;
-    /// A scaling by the slopes of the factors' converters, each to its power. The math library's
-    /// `pow` computes it, so its last place may differ between platforms.
-    /// @throws std::logic_error  "Unit element  is non-linear, cannot convert", with the symbol of
-    ///     the factor that has an offset.
+    /// A scaling by the product of the slopes of the factors' converters, each raised to the exponent of its
+    /// factor. It is computed with `pow` of the math library, so the last digit may differ between platforms.
+    /// @throws std::logic_error  "Unit element  is non-linear, cannot convert", with the symbol of the factor
+    ///     that has an offset.
     CConverterPtr getCtxToDimension() override;
     CUnitPtr baseUnits() override;
 
@@ -77,15 +73,15 @@ private:
 
     MENSOR_LOCAL explicit CProductUnit(std::vector<CUnitRationalPower> elements);
 
-    /// CUnit::getInstance of the product of `elements`. A friend of this class may not call that.
+    /// CUnit::getInstance of the product of `elements`. detail::Products cannot call that protected function.
     MENSOR_LOCAL static CUnitPtr registered(std::vector<CUnitRationalPower> elements);
 
     MENSOR_LOCAL bool elementsContainsOtherSingle(const CUnitRationalPower& element) const;
     MENSOR_LOCAL bool elementsContains(const std::vector<CUnitRationalPower>& elements) const;
 
     std::vector<CUnitRationalPower> m_Elements;  // never reordered, never changed
-    // Set once, by the first getSystemUnit(); atomic access only. Where it is this very product, it
-    // points without owning.
+    // Set by the first getSystemUnit(); atomic access only. If it is this product, the pointer does not own
+    // it.
     CUnitPtr m_SystemUnitCach;
 };
 

@@ -1,16 +1,14 @@
-// SI.cpp: receiver and operand order of each definition fix the order of the factors in the products
-// that come into being, and so how they print: keep it.
+// SI.cpp: do not change the order of the operands. It decides the order of the factors in the products that are
+// built here, and so their text.
 #include "mensor/SI.h"
 
+#include "mensor/Kept.h"
 #include "mensor/ProductUnit.h"
 #include "mensor/UnitFormat.h"
-#include "mensor/kept.h"
 
-namespace mensor {
+namespace mensor::SI {
 
 using detail::CKept;
-
-namespace SI {
 
 CBaseUnitPtr Ampere() {
     static const CKept<CBaseUnitPtr> Ampere(CBaseUnit::getInstance("A"));
@@ -99,7 +97,7 @@ CUnitPtr Volt() {
 }
 
 CUnitPtr Ohm() {
-    // U+2126, the ohm sign, not the Greek letter.
+    // The ohm sign, U+2126, not the Greek letter.
     static const CKept<CUnitPtr> Ohm(Volt()->divide(Ampere())->alternate("Ω"));
     return *Ohm;
 }
@@ -190,5 +188,4 @@ CUnitPtr Atto(CUnitPtr unit) { return unit->multiply(1e-18); }
 CUnitPtr Zepto(CUnitPtr unit) { return unit->multiply(1e-21); }
 CUnitPtr Yocto(CUnitPtr unit) { return unit->multiply(1e-24); }
 
-}  // namespace SI
-}  // namespace mensor
+}  // namespace mensor::SI

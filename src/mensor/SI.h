@@ -3,11 +3,11 @@
 //     SI::Newton()->getConverterTo(SI::Kilogram() * SI::Meter() / (SI::Second() ^ 2));
 //     SI::Kilo(SI::Meter());   // the kilometre, labelled "km" since the library was loaded
 //
-// Each accessor builds its unit once and returns the same object ever after. Definitions: SI
-// brochure, 9th edition. All are built while the library is loaded. If building fails, the exception
-// passes and the next call tries again.
+// Each accessor builds its unit once and then returns the same object. All units are built while the library is
+// loaded. If building throws, the accessor throws and the next call tries again. Definitions: SI brochure, 9th
+// edition.
 //
-// Threads: any thread. The accessors take no lock after load; the prefixes lock what
+// Threads: any thread. The accessors take no lock after loading. The prefixes lock what
 // CUnit::multiply(double) locks.
 #ifndef MENSOR_SI_H
 #define MENSOR_SI_H
@@ -16,8 +16,7 @@
 #include "mensor/Unit.h"
 #include "mensor/mensor_export.h"
 
-namespace mensor {
-namespace SI {
+namespace mensor::SI {
 
 MENSOR_API CBaseUnitPtr Ampere();    ///< ampere, A: electric current
 MENSOR_API CBaseUnitPtr Candela();   ///< candela, cd: luminous intensity
@@ -31,19 +30,18 @@ MENSOR_API CUnitPtr Radian();     ///< radian, rad: plane angle, dimensionless
 MENSOR_API CUnitPtr Steradian();  ///< steradian, sr: solid angle, dimensionless
 MENSOR_API CUnitPtr Bit();        ///< bit, bit: information, dimensionless
 MENSOR_API CUnitPtr Hertz();      ///< hertz, Hz = 1/s: frequency
+MENSOR_API CUnitPtr Becquerel();  ///< becquerel, Bq = 1/s: activity; not the same unit as the hertz
+MENSOR_API CUnitPtr Gram();       ///< gram, labelled g = 0.001 kg
+MENSOR_API CUnitPtr Newton();     ///< newton, N = m·kg/s²: force
+MENSOR_API CUnitPtr Joule();      ///< joule, J = N·m: energy
+MENSOR_API CUnitPtr Watt();       ///< watt, W = J/s: power
+MENSOR_API CUnitPtr Volt();       ///< volt, V = W/A: electric potential difference
+MENSOR_API CUnitPtr Ohm();        ///< ohm, Ω (U+2126) = V/A: electric resistance
+MENSOR_API CUnitPtr Weber();      ///< weber, Wb = V·s: magnetic flux
+MENSOR_API CUnitPtr Henry();      ///< henry, H = Wb/A: inductance
+MENSOR_API CUnitPtr Gray();       ///< gray, Gy = J/kg: absorbed dose
 MENSOR_API CUnitPtr
-Becquerel();                 ///< becquerel, Bq = 1/s: activity; a unit of its own beside the hertz
-MENSOR_API CUnitPtr Gram();  ///< gram, labelled g = 0.001 kg
-MENSOR_API CUnitPtr Newton();  ///< newton, N = m·kg/s²: force
-MENSOR_API CUnitPtr Joule();   ///< joule, J = N·m: energy
-MENSOR_API CUnitPtr Watt();    ///< watt, W = J/s: power
-MENSOR_API CUnitPtr Volt();    ///< volt, V = W/A: electric potential difference
-MENSOR_API CUnitPtr Ohm();     ///< ohm, Ω (U+2126) = V/A: electric resistance
-MENSOR_API CUnitPtr Weber();   ///< weber, Wb = V·s: magnetic flux
-MENSOR_API CUnitPtr Henry();   ///< henry, H = Wb/A: inductance
-MENSOR_API CUnitPtr Gray();    ///< gray, Gy = J/kg: absorbed dose
-MENSOR_API CUnitPtr
-Sievert();  ///< sievert, Sv = J/kg: dose equivalent; a unit of its own beside the gray
+Sievert();  ///< sievert, Sv = J/kg: dose equivalent; not the same unit as the gray
 MENSOR_API CUnitPtr Pascal();   ///< pascal, Pa = N/m²: pressure
 MENSOR_API CUnitPtr Coulomb();  ///< coulomb, C = s·A: electric charge
 MENSOR_API CUnitPtr Farad();    ///< farad, F = C/V: capacitance
@@ -54,7 +52,7 @@ MENSOR_API CUnitPtr Lumen();    ///< lumen, lm = cd·sr: luminous flux
 MENSOR_API CUnitPtr Lux();      ///< lux, lx = lm/m²: illuminance
 MENSOR_API CUnitPtr Katal();    ///< katal, kat = mol/s: catalytic activity
 
-// Each prefix scales `unit`, which must not be empty, by its factor; it does not label the result.
+// Each prefix multiplies `unit`, which must not be empty, by its factor. It does not label the result.
 
 MENSOR_API CUnitPtr Yotta(CUnitPtr unit);  ///< `unit->multiply(1e24)`
 MENSOR_API CUnitPtr Zetta(CUnitPtr unit);  ///< `unit->multiply(1e21)`
@@ -77,7 +75,6 @@ MENSOR_API CUnitPtr Atto(CUnitPtr unit);   ///< `unit->multiply(1e-18)`
 MENSOR_API CUnitPtr Zepto(CUnitPtr unit);  ///< `unit->multiply(1e-21)`
 MENSOR_API CUnitPtr Yocto(CUnitPtr unit);  ///< `unit->multiply(1e-24)`
 
-}  // namespace SI
-}  // namespace mensor
+}  // namespace mensor::SI
 
 #endif  // MENSOR_SI_H

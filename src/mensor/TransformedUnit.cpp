@@ -61,7 +61,7 @@ CConverterPtr CTransformedUnit::getCtxToDimension() {
 }
 
 string_t CTransformedUnit::getSymbol() {
-    // The converter would be asked through its base, which has no notation: always empty.
+    // CConverter::getSymbol() is not virtual and always returns the empty text.
     requireConverterTo(getSystemUnit());
     return string_t();
 }

@@ -16,44 +16,44 @@ namespace mensor {
 class CTransformedUnit;
 using CTransformedUnitPtr = std::shared_ptr<CTransformedUnit>;
 
-/// A scaled or shifted system unit. It has text only through a label.
+/// A scaled or shifted system unit. It has no symbol, so only a label gives it a text.
 ///
 /// Class contract: any thread.
 class MENSOR_API CTransformedUnit : public CDerivedUnit {
 public:
-    /// An unregistered unit that converts to `systemUnit` through `toSystem`; clients use the
+    /// Creates a unit that converts to `systemUnit` through `toSystem`, without registering it. Clients use the
     /// algebra of CUnit or `getInstance`.
     /// @throws std::invalid_argument  one of the two is empty.
     CTransformedUnit(CUnitPtr systemUnit, CConverterPtr toSystem);
     ~CTransformedUnit() override;
 
-    /// The unit whose values `toParent` takes to values of `parent`.
+    /// Returns the unit that `toParent` converts to `parent`.
     ///
-    /// It refers to the system unit of `parent` directly; the converters are chained. Units of one
-    /// system unit with the same slope in single precision are one unit, whatever their offsets.
-    /// Empty if that identity belongs to a unit of another kind.
+    /// The unit refers to the system unit of `parent`, and the converters are chained. Units with the same
+    /// system unit and the same slope in single precision are one unit, even if their offsets differ. Empty if
+    /// the hash code belongs to a unit of another kind.
     /// @throws std::invalid_argument  one of the two is empty.
-    /// @par Threads  Any thread, locks mutex(); where `parent` is a product, before it what the algebra of
-    ///     CUnit locks.
+    /// @par Threads  Any thread, locks mutex(). If `parent` is a product, locks what the algebra of CUnit locks
+    ///     before that.
     static CUnitPtr getInstance(CUnitPtr parent, CConverterPtr toParent);
 
     /// The converter from this unit to its system unit.
     CConverterPtr toSystem() const;
 
-    void calculateHashCode() override;    ///< the system unit's plus the converter's
+    void calculateHashCode() override;    ///< the sum of those of the system unit and the converter
     CUnitPtr getCtxDimension() override;  ///< that of the system unit
     CUnitPtr getSystemUnit() override;
     /// Whether `that` is a transformed unit of the same system unit with an equal converter.
     bool equals(CUnitPtr that) const override;
     CConverterPtr getCtxToDimension() override;
-    /// Empty; but the converter to the system unit is computed, and what that throws is thrown.
+    /// Returns the empty text. Computes the converter to the system unit first, and throws what that throws.
     /// @par Threads  Any thread, locks mutex().
     string_t getSymbol() override;
 
 private:
     friend struct detail::DebugLayout;
 
-    CUnitPtr _systemUnit;     // onto which this unit converts; never changes
+    CUnitPtr _systemUnit;     // to which this unit converts; never changes
     CConverterPtr _toSystem;  // from this unit to _systemUnit; never changes
 };
 

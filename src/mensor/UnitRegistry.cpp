@@ -1,17 +1,17 @@
-// UnitRegistry.cpp: builds the catalogue and labels it while the library is loaded.
+// UnitRegistry.cpp: builds the catalogue and its labels while the library is loaded.
 //
-// Initialised last of all sources (see CMakeLists.txt), when everything it uses exists. The lists and
-// their order decide ids, and which label a unit ends up with: where two labels come to one unit, as
-// "hPa" and "mbar" or "mK" and "m°C" do, the later one stays.
+// Initialised last of all sources (see CMakeLists.txt), because it uses the others. The order of the lists
+// decides the ids of the units and their labels: if a unit gets two labels, such as "hPa" and "mbar" or "mK" and
+// "m°C", the later one stays.
 #include "mensor/UnitRegistry.h"
 
 #include <exception>
 #include <iostream>
 
+#include "mensor/FailureReport.h"
 #include "mensor/NonSI.h"
 #include "mensor/SI.h"
 #include "mensor/UnitFormat.h"
-#include "mensor/failure_report.h"
 
 namespace mensor {
 
@@ -28,14 +28,14 @@ const double FACTORS[NumberOfPrefixes] = {1e24, 1e21,  1e18,  1e15,  1e12,  1e9,
 
 }  // namespace
 
-// Gives `unit` a label with each prefix before its symbol.
+// Labels the multiple of `unit` for each prefix with the prefix and the symbol.
 static void labelPrefixedUnit(CUnitPtr unit) {
     for (int i = 0; i < NumberOfPrefixes; ++i) {
         CUnitFormat::label(unit->multiply(FACTORS[i]), string_t(PREFIXES[i]) + unit->getSymbol());
     }
 }
 
-// The gram has a label in place of a symbol, and its thousandfold is the base unit "kg".
+// The gram has a label but no symbol, and 1000 g is the base unit "kg".
 static void labelPrefixedGRAM() {
     const string_t label = CUnitFormat::labelFor(SI::Gram());
     for (int i = 0; i < NumberOfPrefixes; ++i) {
@@ -46,8 +46,8 @@ static void labelPrefixedGRAM() {
     }
 }
 
-// Identity ignores offsets, so these are the prefixed kelvins, and their labels move: "mK" becomes
-// "m°C".
+// The hash code ignores offsets, so these units are the prefixed kelvins, and the labels replace theirs: "mK"
+// becomes "m°C".
 static void labelPrefixedCelsius() {
     const string_t label = CUnitFormat::labelFor(SI::Celsius());
     for (int i = 0; i < NumberOfPrefixes; ++i) {
@@ -64,9 +64,9 @@ static void labelLiterPrefixes() {
     CUnitFormat::label(NonSI::Liter()->multiply(0.1), "dl");
 }
 
-// The two functions below are static members of the namespace itself, so that the log names them
-// "void mensor::registerSiUnits()". The siemens stands in the list twice and the lumen is missing:
-// programs know the labels that this gives, and no others.
+// The two functions below are in namespace mensor itself, so that the log names them
+// "void mensor::registerSiUnits()". The siemens is in the list twice and the lumen is missing. Programs rely on
+// the labels that follow from this.
 static void registerSiUnits() {
     try {
         labelPrefixedUnit(SI::Ampere());
@@ -107,7 +107,7 @@ static void registerSiUnits() {
     }
 }
 
-// Psi and None are built by the client's first call. An accessor labels its unit itself.
+// Each accessor labels its unit. Psi and None are built by the first call of a client.
 static void registerNonSiUnits() {
     try {
         NonSI::Percent();
@@ -148,7 +148,7 @@ CUnitRegistry::CUnitRegistry() {
     registerNonSiUnits();
 }
 
-// Hides the class of the same name from here on, as nothing else may be made of it.
+// Hides the class of the same name from here on: there is one object.
 static const CUnitRegistry CUnitRegistry;
 
 }  // namespace mensor

@@ -1,4 +1,4 @@
-// UnitRegistry.h: fills the tables while the library is loaded; clients have no use for it.
+// UnitRegistry.h: fills the tables while the library is loaded. Clients do not need it.
 #ifndef MENSOR_UNITREGISTRY_H
 #define MENSOR_UNITREGISTRY_H
 
@@ -6,14 +6,14 @@
 
 namespace mensor {
 
-/// Its constructor builds the catalogue and labels it. The library makes the one object there is,
-/// as the last step of loading.
+/// The constructor builds the catalogue and its labels. The library creates one object, as the last step of
+/// loading.
 ///
 /// Class contract: any thread, locks what the algebra of CUnit and its labels lock.
 class MENSOR_API CUnitRegistry {
 public:
-    /// Registers the SI units, then the others. A failure ends its half of the work, is logged on
-    /// the log4cplus logger "StdCoutLogger" where the program uses log4cplus, and never leaves the constructor.
+    /// Registers the SI units, then the others. An exception ends that group and is logged on the log4cplus
+    /// logger "StdCoutLogger" if the program uses log4cplus. The constructor does not throw.
     CUnitRegistry();
 };
 

@@ -56,7 +56,7 @@ CValueWithUnit CValueWithUnit::operator-(const CValueWithUnit& other) const {
 
 string_t CValueWithUnit::toString() const {
     requireUnit(m_Unit, "CValueWithUnit::toString");
-    // The field is fixed: readers index past it, or stop at the first zero byte.
+    // The field has a fixed width: readers skip it by its width or stop at the first zero byte.
     std::array<char, 64> field{};
     std::snprintf(field.data(), field.size(), "%f", m_Value);
     std::string text(field.data(), field.size() - 1);

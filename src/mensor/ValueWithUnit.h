@@ -15,13 +15,13 @@
 
 namespace mensor {
 
-/// A quantity value. Offsets are honoured everywhere: a temperature in °C is always an absolute
-/// temperature, never a difference.
+/// A number with a unit. All operations apply offsets: a value in °C is always a temperature, never a
+/// difference of temperatures.
 ///
 /// Every operation that converts throws what CUnit::getConverterTo throws.
 ///
-/// Class contract: caller serialises one object; distinct objects any thread. Converting, reading and
-/// writing lock what they lock in CUnit.
+/// Class contract: caller serialises one object; distinct objects any thread. Converting, reading and writing
+/// lock what the functions of CUnit lock.
 class MENSOR_API CValueWithUnit {
 public:
     /// `value` in `unit`.
@@ -31,8 +31,8 @@ public:
     CUnitPtr unit() const;  ///< the unit
 
     void setValue(double value);            ///< replaces the number only
-    void setUnit(const CUnitPtr& unit);     ///< replaces the unit only: another quantity
-    void changeUnit(const CUnitPtr& unit);  ///< the same quantity in `unit`; untouched if it throws
+    void setUnit(const CUnitPtr& unit);     ///< replaces the unit only, which changes the quantity
+    void changeUnit(const CUnitPtr& unit);  ///< the same quantity in `unit`; unchanged if it throws
     double valueAs(const CUnitPtr& unit) const;            ///< the number in `unit`
     CValueWithUnit convertTo(const CUnitPtr& unit) const;  ///< the same quantity in `unit`
 
@@ -41,17 +41,17 @@ public:
     CValueWithUnit operator+(const CValueWithUnit& other) const;  ///< in the left value's unit
     CValueWithUnit operator-(const CValueWithUnit& other) const;  ///< in the left value's unit
 
-    /// A field of 63 bytes with the number as "%f" writes it, filled with zero bytes, then a blank
-    /// and the unit in the standard notation. A reader that stops at the first zero byte sees the
-    /// digits alone. Follows the C locale's decimal point; cut off at 63 characters.
+    /// Returns a field of 63 bytes, a blank and the unit in the standard notation. The field holds the number as
+    /// "%f" writes it, cut off at 63 characters and padded with zero bytes. A reader that stops at the first zero
+    /// byte sees only the number. The decimal point is that of the C locale.
     /// @throws std::invalid_argument  the unit has no text (see CUnitFormat::format) or is empty.
     string_t toString() const;
 
-    /// The value in "number unit", divided by one blank; what follows a second blank is ignored.
+    /// Reads "number unit", with one blank between them. Text after a second blank is ignored.
     ///
     ///     CValueWithUnit::fromString("26.5 °C");
-    /// @throws std::invalid_argument  "Label: xyz not recognized" for the unit, which is read
-    ///     first; "stod" for a number without digits; a text without a blank, quoted.
+    /// @throws std::invalid_argument  "Label: xyz not recognized" for the unit, which is read first; "stod" for a
+    ///     number without digits; a message that quotes the text if it has no blank.
     /// @throws std::out_of_range  "stod": the number is not a normal double.
     static CValueWithUnit fromString(const std::string& text);
 
@@ -62,9 +62,9 @@ private:
     CUnitPtr m_Unit;  // shared with the registry
 };
 
-/// Equal within a relative 1e-12 of the smaller magnitude, `b` converted to the unit of `a`:
-/// zero equals only zero, and NaN equals nothing.
-/// @par Threads  Any thread, locks what CUnit::getConverterTo locks; so do all the comparisons.
+/// Whether both are equal in the unit of `a`, within 1e-12 of the smaller magnitude. Zero equals only zero, and
+/// NaN equals nothing.
+/// @par Threads  Any thread, locks what CUnit::getConverterTo locks. This holds for all comparisons.
 MENSOR_API bool operator==(const CValueWithUnit& a, const CValueWithUnit& b);
 /// The negation of `a == b`.
 MENSOR_API bool operator!=(const CValueWithUnit& a, const CValueWithUnit& b);

@@ -1,10 +1,10 @@
-// arrays.cpp: compiled with full vectorisation (see CMakeLists.txt). On x86-64 the loop exists three
-// times, for the vectors that every such processor has, for those of AVX2 and for those of AVX-512.
-// Which one runs is asked of the processor. Each does one operation per value, so there is nothing to
-// contract, and the width of the vectors cannot change a bit.
+// arrays.cpp: compiled with full vectorisation (see CMakeLists.txt). On x86-64 each loop is compiled three
+// times: with SSE2, which every such processor has, with AVX2 and with AVX-512. The processor decides at run
+// time which one runs. Each loop does one operation per value, so no operations can be contracted, and the
+// width of the vectors does not change a bit.
 //
-// Results too many for any cache are written past the caches. An ordinary store would first read the
-// line that it is about to fill, which is a third of all traffic when memory is the limit.
+// Results that fit in no cache of the processor are written with streaming stores. An ordinary store first
+// reads the cache line that it fills, which is a third of all traffic when memory is the limit.
 #include "mensor/arrays.h"
 
 #include <algorithm>
@@ -15,13 +15,12 @@
 #include <emmintrin.h>
 #endif
 
-namespace mensor {
-namespace detail {
+namespace mensor::detail {
 
 namespace {
 
-// The pragma tells the compiler that the values may be computed side by side. That holds for two arrays
-// and for one that is changed in place, since each result depends on the value in its own place alone.
+// The pragma says that the iterations are independent. They are, even if both arrays are the same: each result
+// depends only on the value at its own index.
 template <class Operation>
 [[gnu::always_inline]] inline void loop(const double* values, double* results, std::size_t count,
                                         double c) {
@@ -38,7 +37,7 @@ void run(const double* values, double* results, std::size_t count, double c) {
 
 #if defined(__x86_64__)
 
-// Begins at a cache line of the results: a vector that lies across two lines takes two stores.
+// Begins the vectors at a cache line of the results, because a store across two lines costs as much as two.
 template <class Operation>
 [[gnu::always_inline]] inline void loopByLines(const double* values, double* results,
                                                std::size_t count, double c) {
@@ -61,8 +60,9 @@ template <class Operation>
     loopByLines<Operation>(values, results, count, c);
 }
 
-// Two at a time, which is all that memory takes; such a store needs an address divisible by 16. The
-// fence at the end orders these stores before whatever tells another thread that they are done.
+// Stores two values at a time; memory is not faster with wider stores. A streaming store needs an address
+// divisible by 16. The fence orders these stores before later stores, so that another thread that sees a later
+// store also sees the results.
 template <class Operation>
 void stream(const double* values, double* results, std::size_t count, double c) {
     const Operation operation;
@@ -83,13 +83,13 @@ void stream(const double* values, double* results, std::size_t count, double c) 
 
 template <class Operation>
 void forEach(const double* values, double* results, std::size_t count, double c) {
-    // 32 MB of results: what a cache might keep for whoever reads them next is written as usual.
+    // 32 MB of results. Fewer may stay in a cache, where the next reader finds them.
     constexpr std::size_t StreamedCount = 4'000'000;
     __builtin_cpu_init();
     if (count >= StreamedCount && values != results) {
         stream<Operation>(values, results, count, c);
     } else if (__builtin_cpu_supports("avx512vbmi2")) {
-        // The first processors with AVX-512 have no VBMI2. They lower their clock for such vectors.
+        // The first processors with AVX-512 lower their clock for it. They have no VBMI2.
         runAvx512<Operation>(values, results, count, c);
     } else if (__builtin_cpu_supports("avx2")) {
         runAvx2<Operation>(values, results, count, c);
@@ -117,5 +117,4 @@ void multiplyAll(const double* values, double* results, std::size_t count, doubl
     forEach<std::multiplies<>>(values, results, count, c);
 }
 
-}  // namespace detail
-}  // namespace mensor
+}  // namespace mensor::detail

@@ -1,20 +1,17 @@
-// arrays.h: the two operations of converters over whole arrays. For the library's own use; not
-// installed.
+// arrays.h: the two operations of converters on whole arrays. Not installed.
 #ifndef MENSOR_ARRAYS_H
 #define MENSOR_ARRAYS_H
 
 #include <cstddef>
 
-namespace mensor {
-namespace detail {
+namespace mensor::detail {
 
-// results[i] = values[i] + c and values[i] * c for `count` values, with the very bits of the scalar
-// operations. `values` and `results` are the same array or do not overlap; `c` is not NaN, since of two
-// NaNs a processor keeps the one that happens to be its first operand.
+// results[i] = values[i] + c and results[i] = values[i] * c for `count` values, with the same bits as the scalar
+// operations. `values` and `results` are the same array or do not overlap. `c` is not NaN: the result of two
+// NaNs is the first operand, and the compiler may swap the operands.
 void addAll(const double* values, double* results, std::size_t count, double c);
 void multiplyAll(const double* values, double* results, std::size_t count, double c);
 
-}  // namespace detail
-}  // namespace mensor
+}  // namespace mensor::detail
 
 #endif  // MENSOR_ARRAYS_H

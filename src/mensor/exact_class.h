@@ -1,20 +1,18 @@
-// exact_class.h: whether an object is of a class itself, not of one that clients derived from it and
-// whose functions only they know. For the library's own use; not installed.
+// exact_class.h: tells whether an object is of a class itself and not of a derived one. A class that a client
+// derives may override any virtual function. Not installed.
 #ifndef MENSOR_EXACT_CLASS_H
 #define MENSOR_EXACT_CLASS_H
 
 #include <typeinfo>
 
-namespace mensor {
-namespace detail {
+namespace mensor::detail {
 
-// By address: a class has one type information in the process.
+// Compares addresses, because a class has one type_info object in the process.
 template <class Class, class Base>
 bool isExactly(const Base& object) {
     return &typeid(object) == &typeid(Class);
 }
 
-}  // namespace detail
-}  // namespace mensor
+}  // namespace mensor::detail
 
 #endif  // MENSOR_EXACT_CLASS_H

@@ -1,4 +1,4 @@
-// factors.cpp: exponents are computed in 64 bits and must fit an int when they are stored.
+// factors.cpp: exponents are computed with 64 bits. A result that does not fit an int throws.
 #include "mensor/factors.h"
 
 #include <cstdint>
@@ -13,8 +13,7 @@
 #include "mensor/exact_class.h"
 #include "mensor/require.h"
 
-namespace mensor {
-namespace detail {
+namespace mensor::detail {
 
 namespace {
 
@@ -25,7 +24,7 @@ int checkedExponent(std::int64_t n) {
     return static_cast<int>(n);
 }
 
-// Of two products of ints; only those of the smallest int with itself can overflow.
+// The sum of two products of ints. It overflows only if both are the smallest int times itself.
 std::int64_t sum(std::int64_t a, std::int64_t b) {
     std::int64_t result = 0;
     if (__builtin_add_overflow(a, b, &result)) {
@@ -34,10 +33,10 @@ std::int64_t sum(std::int64_t a, std::int64_t b) {
     return result;
 }
 
-// The factor to the power pow/root in lowest terms, for a root that is not 1.
+// The factor `unit` to the power pow/root in lowest terms, if the root is not 1.
 Factor reducedFraction(const CUnitPtr* unit, std::int64_t pow, std::int64_t root) {
-    // Euclid's rule with the truncating remainder, as greatestCommonDivisor: the sign is that of the
-    // last divisor that was not zero.
+    // Euclid's algorithm with the truncating remainder, as in greatestCommonDivisor: the sign of the result is
+    // that of the last divisor that is not zero.
     std::int64_t divisor = pow < 0 ? -pow : pow;
     for (std::int64_t next = root; next != 0;) {
         const std::int64_t rest = divisor % next;
@@ -56,7 +55,7 @@ inline Factor reduced(const CUnitPtr* unit, std::int64_t pow, std::int64_t root)
     return root == 1 ? Factor{unit, checkedExponent(pow), 1} : reducedFraction(unit, pow, root);
 }
 
-// The factor of `unit` from `begin` on, or `end`.
+// The first factor of `unit` from `begin` on, or `end`.
 inline const Factor* findUnit(const Factor* begin, const Factor* end, const CUnitPtr& unit) {
     while (begin != end && *begin->Unit != unit) {
         ++begin;
@@ -164,5 +163,4 @@ int hashOf(const std::vector<CUnitRationalPower>& factors) {
     return static_cast<int>(sum);
 }
 
-}  // namespace detail
-}  // namespace mensor
+}  // namespace mensor::detail

@@ -1,8 +1,7 @@
-// factors.h: the arithmetic of factors, which registers nothing. For the library's own use; not
-// installed.
+// factors.h: arithmetic with the factors of products. It registers nothing. Not installed.
 //
-// Nothing here counts the owners of a unit, which would take longer than the arithmetic: whoever asks keeps
-// the units alive, and the pointers to them where they are.
+// A factor points at the CUnitPtr of its unit, since counting owners would take longer than the arithmetic.
+// The caller keeps these CUnitPtr alive and in place.
 #ifndef MENSOR_FACTORS_H
 #define MENSOR_FACTORS_H
 
@@ -10,12 +9,11 @@
 #include <forward_list>
 #include <vector>
 
+#include "mensor/ShortVector.h"
 #include "mensor/Unit.h"
 #include "mensor/UnitRationalPower.h"
-#include "mensor/short_vector.h"
 
-namespace mensor {
-namespace detail {
+namespace mensor::detail {
 
 struct Factor {
     const CUnitPtr* Unit;
@@ -25,39 +23,37 @@ struct Factor {
 
 using Factors = CShortVector<Factor, 8>;
 
-// What clients' kinds of units said of their factors, which lists of factors point into.
+// The elements() of clients' units. Lists of factors point into them.
 using GivenFactors = std::forward_list<std::vector<CUnitRationalPower>>;
 
-// Whether the unit is of one of the library's own kinds, which need not be asked for their factors.
+// Whether the unit is of one of the library's own kinds, whose factors are known without calling elements().
 bool isOwnKind(const CUnit& unit);
 
-// The factors of `unit`. A client's kind is asked; what it says is added to `given`.
-// Throws std::invalid_argument where that names an empty pointer.
+// The factors of `unit`. For a client's kind, calls elements() and adds the result to `given`.
+// Throws std::invalid_argument if an element has no unit.
 Factors factorsOf(const CUnitPtr& unit, GivenFactors& given);
 
-// The same factors. Throws as above.
+// `factors` as such a list. Throws as above.
 Factors factorsOf(const std::vector<CUnitRationalPower>& factors);
 
-// Both lists merged: factors of the same unit object become one in lowest terms, vanished ones go.
-// Throws std::overflow_error where an exponent leaves the range of int.
+// The product of both lists. Factors of the same unit object become one factor in lowest terms. Factors with
+// the exponent 0 are dropped. Throws std::overflow_error if an exponent leaves the range of int.
 Factors multiplied(const Factors& left, const Factors& right);
 
 // Raises each factor to the power pow/root, in lowest terms. Throws as above.
 void raise(Factors& factors, int pow, int root);
 
-// Turns each factor over, without reducing it. Throws as above.
+// Negates each exponent, without reducing it. Throws as above.
 void invert(Factors& factors);
 
-// Whether any product was registered with an exponent that is neither small nor a simple fraction.
-// Before, a few more factors lead nowhere near the ends of the range of int, whatever units the hash
-// leads to.
+// True once a product has had an exponent beyond ±64 or a root beyond 8. Until then a short text cannot
+// overflow an int.
 extern std::atomic<bool> largeExponentsExist;
 
 // The hash code of a product of these factors, from those of their units.
 int hashOf(const Factors& factors);
 int hashOf(const std::vector<CUnitRationalPower>& factors);
 
-}  // namespace detail
-}  // namespace mensor
+}  // namespace mensor::detail
 
 #endif  // MENSOR_FACTORS_H

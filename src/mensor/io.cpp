@@ -9,25 +9,25 @@
 #include "mensor/Converter.h"
 #include "mensor/MultiplyConverter.h"
 #include "mensor/ProductUnit.h"
+#include "mensor/TextStream.h"
 #include "mensor/TransformedUnit.h"
 #include "mensor/UnitFormat.h"
-#include "mensor/text_stream.h"
 
 namespace mensor {
 
 namespace {
 
-// Label or symbol of `unit`, empty if it has neither or cannot say so.
+// The label or symbol of `unit`. Empty if it has neither, or if asking for the symbol throws.
 string_t nameOf(const CUnitPtr& unit) {
     try {
         return CUnitFormat::labelFor(unit);
     } catch (const std::logic_error&) {
-        return string_t();  // asking a transformed unit for its symbol computes its converter
+        return string_t();  // getSymbol() of a transformed unit computes its converter, which may throw
     }
 }
 
-// The steps of `converter` in the order of their application, "*1.8+32". A chain may be of any
-// length: what is beyond a few steps is only hinted at.
+// Appends the steps of `converter` in the order of their application, "*1.8+32". A chain may have any length, so
+// "..." replaces all steps after the eighth.
 void appendSteps(stringstream_t& text, const CConverter& converter) {
     constexpr int MostSteps = 8;
     int steps = 0;
@@ -66,8 +66,8 @@ string_t describeTransformed(const CTransformedUnit& unit, const CUnitPtr& syste
     return string_t(text.str());
 }
 
-// A product as the standard notation has it, unless one of its factors has no text: that notation
-// would leave the factor out.
+// The product in the standard notation. If a factor has no text, which that notation would omit, the factors are
+// described one by one.
 string_t describeProduct(const CUnitPtr& unit, const CProductUnit& product) {
     string_t factors;
     bool isComplete = true;

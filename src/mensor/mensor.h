@@ -1,12 +1,12 @@
-// mensor.h: all that the library offers, by one include.
+// mensor.h: includes all public headers of the library.
 //
 //     #include <mensor/mensor.h>
 //
 //     using namespace mensor;
 //     CValueWithUnit::fromString("2.5 km").valueAs(SI::Meter());   // 2500
 //
-// Each header below also stands alone, for those who want to include less. The companion,
-// mensor::checked, has its own headers in mensor_checked/.
+// Each header below can also be included alone. The companion, mensor::checked, has its own headers in
+// mensor_checked/.
 #ifndef MENSOR_MENSOR_H
 #define MENSOR_MENSOR_H
 

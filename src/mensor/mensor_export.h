@@ -1,16 +1,19 @@
-// mensor_export.h: the boundary of the library. What bears MENSOR_API is exported from
-// libmensor.so; everything else is compiled with hidden visibility and stays inside. MENSOR_LOCAL
-// keeps a private helper of an exported class inside, too.
+// mensor_export.h: which names the library exports. MENSOR_API exports a class or function from
+// libmensor.so. Everything else is compiled with hidden visibility. MENSOR_LOCAL hides a private member of
+// an exported class.
 #ifndef MENSOR_MENSOR_EXPORT_H
 #define MENSOR_MENSOR_EXPORT_H
 
 #define MENSOR_API __attribute__((visibility("default")))
 #define MENSOR_LOCAL __attribute__((visibility("hidden")))
 
-namespace mensor {
-namespace detail {
-struct DebugLayout;  // tells debuggers where the members of the classes are
-}
-}  // namespace mensor
+// Internal classes that the public ones name as friends.
+namespace mensor::detail {
+struct Chain;           // walks over chains of converters
+struct DebugLayout;     // tells debuggers where the members of the classes are
+struct Products;        // builds products
+struct UnitAlgebra;     // the caches of the algebra
+struct UnitConversion;  // dimensions and converters between units
+}  // namespace mensor::detail
 
 #endif  // MENSOR_MENSOR_EXPORT_H

@@ -18,7 +18,7 @@ namespace mensor {
 /// One Unicode code point, the element of a `string_t`.
 using char_t = char32_t;
 
-/// The narrow output stream in which messages and notations are composed.
+/// The stream that composes messages and notations.
 using stringstream_t = std::ostringstream;
 
 /// The twenty decimal prefixes of the SI, largest first; each value is the row in `prefixes()`.
@@ -45,7 +45,7 @@ enum ePrefix : int {
     YOCTO
 };
 
-/// A decimal prefix: what is written before a unit, and by how much it scales it.
+/// A decimal prefix: its symbol and its factor.
 struct CPrefix {
     string_t Symbol;  ///< UTF-8, one code point (the micro sign is U+00B5) or "da"
     double Factor;    ///< the double nearest to the power of ten
@@ -65,11 +65,11 @@ MENSOR_API const CPrefix& prefix(ePrefix p);
 /// @par Threads  Any thread; takes no lock.
 MENSOR_API std::string toStdString(const string_t& s);
 
-/// The number that stands for a symbol in the identity of units: the sum of
-/// code point × 31^(places behind it), kept as an `int` after every step.
+/// The hash code of a symbol: the sum of code point × 31^(number of code points after it), converted to `int`
+/// after every step.
 ///
-/// The sum is cut off at 2147483647, so all texts of eight and more code points have the same hash
-/// (unless they begin with NUL), and so have most of six and seven: keep symbols short.
+/// The sum ends at 2147483647. So all texts of eight or more code points have the same hash code (unless they
+/// begin with NUL), and so have most texts of six and seven. Use short symbols.
 ///
 ///     hashFromString("m");    // 109
 ///     hashFromString("kg");   // 107 * 31 + 103

@@ -17,7 +17,7 @@ int floatToIntBits(float f) {
 
 int greatestCommonDivisor(int a, int b) {
     while (b != 0) {
-        // The smallest int has no quotient by -1, but its remainder is known.
+        // The smallest int divided by -1 overflows, but its remainder is 0.
         const int r = b == -1 ? 0 : a % b;
         a = b;
         b = r;

@@ -1,4 +1,4 @@
-// mensor_math.h: the two number helpers on which the identity of units rests.
+// mensor_math.h: the two functions on numbers that decide the identity of units.
 #ifndef MENSOR_MENSOR_MATH_H
 #define MENSOR_MENSOR_MATH_H
 
@@ -12,10 +12,9 @@ namespace mensor {
 /// @par Threads  Any thread; takes no lock.
 MENSOR_API int floatToIntBits(float f);
 
-/// The greatest common divisor by Euclid's rule with the truncating remainder.
+/// The greatest common divisor by Euclid's algorithm with the truncating remainder.
 ///
-/// The sign is that of the last divisor that was not zero: (4, -6) gives -2, (-4, 6) gives 2.
-/// (0, 0) gives 0.
+/// The sign is that of the last divisor that is not zero: (4, -6) gives -2, (-4, 6) gives 2. (0, 0) gives 0.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_API int greatestCommonDivisor(int a, int b);
 

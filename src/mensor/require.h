@@ -1,23 +1,24 @@
-// require.h: refusals that several sources share. For the library's own use; not installed.
+// require.h: checks that throw, used by several sources. Not installed.
 #ifndef MENSOR_REQUIRE_H
 #define MENSOR_REQUIRE_H
 
 #include <stdexcept>
 #include <string>
 
+#include "mensor/TextStream.h"
 #include "mensor/Unit.h"
-#include "mensor/text_stream.h"
 
 namespace mensor {
 
-// An empty pointer is what a lookup or a refused transformation gives; it must not get into a table.
+// Refuses an empty pointer, as a failed lookup returns it. It must not get into a table.
 inline void requireUnit(const CUnitPtr& unit, const char* function) {
     if (!unit) {
         throw std::invalid_argument(std::string(function) + ": the unit is an empty pointer");
     }
 }
 
-// What a virtual function of a unit or converter gives. Those of the library never give an empty pointer.
+// Returns `given`, the result of a virtual function of a unit or converter. Refuses an empty pointer, which
+// only the class of a client can return.
 template <class Pointer>
 Pointer requireGiven(Pointer given, const char* function) {
     if (!given) {

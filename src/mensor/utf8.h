@@ -1,13 +1,12 @@
-// utf8.h: reading and writing single code points of UTF-8 text.
-//
-// For the library's own use and not installed; clients have string_t of mensor_global.h.
+// utf8.h: reads and writes single code points of UTF-8 text. Not installed; clients use string_t of
+// mensor_global.h.
 //
 //     const char* at = text.data();
 //     const char* const end = at + text.size();
 //     while (at != end) use(detail::decodeUtf8(at, end));
 //
-// Every byte sequence reads as some code points, whatever is wrong with it, and nothing outside
-// [position, end) is touched. The lead byte alone decides how many bytes belong to a code point:
+// Every byte sequence, even a malformed one, reads as some code points. Nothing outside [position, end) is
+// read. The lead byte alone decides how many bytes belong to a code point:
 //
 //     0xxxxxxx                    1 byte, itself (a NUL is an ordinary code point)
 //     110xxxxx ... 1111110x       2 to 6 bytes: the x, then the low 6 bits of each further byte,
@@ -15,15 +14,14 @@
 //     a lead byte cut off by end  1 byte, its raw value
 //     10xxxxxx, 0xFE, 0xFF        1 byte, its raw value
 //
-// Further bytes are deliberately not validated: so counting, indexing and hashing, which all rest
-// on this rule, agree on every text.
+// Further bytes are not validated on purpose. Counting, indexing and hashing all use this rule, so they agree
+// on every text.
 #ifndef MENSOR_UTF8_H
 #define MENSOR_UTF8_H
 
 #include <cstddef>
 
-namespace mensor {
-namespace detail {
+namespace mensor::detail {
 
 /// Returns how many bytes, 1 to 6, the code point at `position` takes; 0 at the end.
 inline std::size_t sequenceLength(const char* position, const char* end) {
@@ -41,9 +39,8 @@ inline std::size_t sequenceLength(const char* position, const char* end) {
     return length <= static_cast<std::size_t>(end - position) ? length : 1;
 }
 
-/// Returns the code point at `position` and moves `position` behind it.
-///
-/// At the end: 0, and `position` stays.
+/// Returns the code point at `position` and moves `position` past it. At the end, returns 0 and leaves
+/// `position`.
 inline char32_t decodeUtf8(const char*& position, const char* end) {
     const std::size_t length = sequenceLength(position, end);
     if (length == 0)
@@ -59,7 +56,7 @@ inline char32_t decodeUtf8(const char*& position, const char* end) {
 
 /// Writes `codePoint` to `out` in its shortest form and returns the number of bytes, 1 to 6.
 ///
-/// What does not fit the 31 bits of six bytes is written as U+FFFD, the replacement character.
+/// A number beyond the 31 bits that six bytes hold is written as U+FFFD, the replacement character.
 inline std::size_t encodeUtf8(char32_t codePoint, char (&out)[6]) {
     if (codePoint < 0x80u) {
         out[0] = static_cast<char>(codePoint);
@@ -81,6 +78,5 @@ inline std::size_t encodeUtf8(char32_t codePoint, char (&out)[6]) {
     return length;
 }
 
-}  // namespace detail
-}  // namespace mensor
+}  // namespace mensor::detail
 #endif  // MENSOR_UTF8_H

@@ -7,7 +7,7 @@
 namespace mensor {
 namespace {
 
-// Returns where the text stands `count` code points behind `position`, at most `end`.
+// Returns the position `count` code points after `position`, at most `end`.
 const char* skip(const char* position, const char* end, std::size_t count) {
     for (; count > 0 && position != end; --count)
         position += detail::sequenceLength(position, end);

@@ -11,18 +11,18 @@
 //     for (char32_t c : speed) use(c);
 //     utf8_string(std::string("k\0m", 3))  // 3 code points: a NUL is kept
 //
-// This is mensor's string_t unless mensor is built with tiny-utf8 (MENSOR_STRING), whose class has the
-// same interface for what mensor and its clients use. Write string_t, which mensor/mensor_global.h
-// gives, and never this name.
+// This is mensor's string_t, unless mensor is built with tiny-utf8 (MENSOR_STRING). The class of tiny-utf8 has
+// the same interface as far as mensor and its clients use it. Write string_t, which mensor/mensor_global.h
+// declares, instead of this name.
 //
-// Any bytes are accepted and kept as they are. In malformed text a lead byte takes as many bytes as
-// it announces, whatever they hold; a lead byte whose sequence runs past the end of the text, a
-// continuation byte without a lead, 0xFE and 0xFF each stand for themselves as one code point.
-// Counting, indexing, cutting and iterating agree on this, and none reads outside the text.
+// Any bytes are accepted and stored unchanged. In malformed text a lead byte takes as many bytes as it
+// announces, even if they are no continuation bytes. A lead byte whose sequence runs past the end of the text, a
+// continuation byte without a lead byte, 0xFE and 0xFF each are one code point with their own value. Counting,
+// indexing, cutting and iterating agree on this, and none reads outside the text.
 //
 // Threads: caller serialises changes of one text, as of a std::string; distinct texts any thread.
-// Cost: the bytes are one std::string, so short texts allocate nothing. Whatever takes an index or
-// gives a number of code points walks the text up to there: to visit every code point, iterate.
+// Cost: the bytes are one std::string, so short texts need no heap memory. A function that takes an index or
+// returns a number of code points walks the text up to that point. To visit every code point, iterate.
 #ifndef MENSOR_UTF8_STRING_H
 #define MENSOR_UTF8_STRING_H
 
@@ -46,7 +46,7 @@ public:
     class const_iterator;
     using iterator = const_iterator;  // a code point cannot be changed in place
 
-    /// As a number of code points: all that follow.
+    /// A count that means "up to the end".
     static constexpr size_type npos = static_cast<size_type>(-1);
 
     utf8_string() noexcept = default;
@@ -57,7 +57,7 @@ public:
     /// All of `bytes`, NULs included.
     utf8_string(std::string bytes) noexcept : m_Bytes(std::move(bytes)) {}
 
-    /// One code point; beyond 0x7FFFFFFF, which UTF-8 cannot hold even in six bytes: U+FFFD.
+    /// One code point. U+FFFD for a number beyond 0x7FFFFFFF, which does not fit six bytes of UTF-8.
     explicit utf8_string(char32_t codePoint) { push_back(codePoint); }
 
     /// `count` times the same code point.
@@ -81,7 +81,7 @@ public:
 
     /// The `count` code points from `position` on, both counted in code points.
     ///
-    /// Fewer if the text ends before; an empty text if `position` is at the end or past it.
+    /// Fewer if the text ends earlier. Empty if `position` is at the end or past it.
     utf8_string substr(size_type position, size_type count = npos) const;
 
     utf8_string& append(const utf8_string& text) {
@@ -93,7 +93,7 @@ public:
         return *this;
     }
 
-    /// Appends one code point; beyond 0x7FFFFFFF: U+FFFD.
+    /// Appends one code point. U+FFFD for a number beyond 0x7FFFFFFF.
     void push_back(char32_t codePoint);
 
     utf8_string& operator+=(const utf8_string& text) { return append(text); }
@@ -103,11 +103,11 @@ public:
         return *this;
     }
 
-    /// The bytes, with a NUL behind the last; valid until the text is changed or destroyed.
+    /// The bytes, followed by a NUL. Valid until the text is changed or destroyed.
     const char* c_str() const noexcept { return m_Bytes.c_str(); }
     const char* data() const noexcept { return m_Bytes.data(); }
 
-    /// The bytes as a string. Of a temporary text it is moved out, so that it does not dangle.
+    /// The bytes as a string. For a temporary text the string is moved out, so that it does not dangle.
     const std::string& cpp_str() const& noexcept { return m_Bytes; }
     std::string cpp_str() && noexcept { return std::move(m_Bytes); }
 
@@ -150,7 +150,7 @@ public:
     }
 
 private:
-    std::string m_Bytes;  // UTF-8 as it was given, never repaired
+    std::string m_Bytes;  // as given, even if malformed
 };
 
 /// Walks the code points of a text; comparable with iterators of the same text only.
@@ -160,7 +160,7 @@ public:
     using value_type = char32_t;
     using difference_type = std::ptrdiff_t;
     using pointer = const char32_t*;
-    using reference = char32_t;  // decoded on the spot: there is no object to refer to
+    using reference = char32_t;  // decoded when read: there is no object to refer to
 
     const_iterator() noexcept = default;
 

@@ -1,10 +1,10 @@
 // log4cplus.cpp: the module that hands a failure while mensor is loaded over to log4cplus. mensor loads it
-// only where log4cplus is in the process (mensor/failure_report.h).
+// only where log4cplus is in the process (mensor/FailureReport.h).
 #include <string>
 
 #include <log4cplus/logger.h>
 
-#include "mensor/failure_report.h"
+#include "mensor/FailureReport.h"
 
 extern "C" [[gnu::visibility("default")]] void mensorLogFailure(
     const mensor::detail::FailureReport& report);

@@ -1,23 +1,23 @@
-/* locks.pml: the locks of the algebra and of dimensions, for spin. Three threads do two things each, in
- * all ways in which they can meet: none of them waits for ever, and each slot is filled once.
+/* locks.pml: a model of the locks of the algebra and of dimensions, for spin. Three threads do two operations
+ * each. spin tries all interleavings: no thread waits for ever, and each cache entry is filled once.
  *
- * scripts/check runs it twice: as it is, without finding a fault, and with -DOLD_ORDER, where a unit's
- * lock is kept while that of the process is taken, and where a deadlock must be found.
+ * scripts/check runs the model twice. As it is, spin must find no fault. With -DOLD_ORDER, the lock of a unit is
+ * held while the lock of the process is taken, and spin must find the deadlock.
  *
- * The lines that begin with "//=" are those of src/mensor/Unit.cpp which are modelled. scripts/check
- * compares them. Whoever changes them there changes the model, too.
+ * The lines after "//=" are quoted from src/mensor/Unit.cpp and src/mensor/UnitAlgebra.h. scripts/check compares
+ * them. If you change them there, change the model, too.
  *
  *     spin -a locks.pml && cc -DSAFETY -o pan pan.c && ./pan -m100000
  */
 #define PROCESS 0 /* CUnit::mutex() */
 #define ONE 1     /* the dimensionless unit */
-#define A 2       /* two units, each with one slot */
+#define A 2       /* two units, each with one cache entry */
 #define B 3
 #define NOBODY 255
 
-byte owner[4] = NOBODY; /* of the locks, which are recursive */
+byte owner[4] = NOBODY; /* of each lock; the locks are recursive */
 byte depth[4];
-bool filled[4]; /* the slots */
+bool filled[4]; /* the cache entries */
 
 #define LOCK(lock) atomic { (owner[lock] == NOBODY || owner[lock] == _pid) -> \
                             owner[lock] = _pid; depth[lock]++ }
@@ -43,27 +43,27 @@ inline lookUp(unit) {
 inline makeLocked(unit) { LOCK(unit); make(unit); UNLOCK(unit) }
 #else
 inline lookUp(unit) {
-    //= const Lock lock(m_LookupVectorMutex);
-    //= const auto slot = static_cast<std::size_t>(index);
-    //= if (slot < table.size() && table[slot]) {
-    //=     return table[slot];
+    //= const Lock lock(unit.m_LookupVectorMutex);
+    //= const auto entry = static_cast<std::size_t>(index);
+    //= if (entry < cache.size() && cache[entry]) {
+    //=     return cache[entry];
     //= }
     LOCK(unit);
     isHit = filled[unit];
     UNLOCK(unit);
     if
     :: isHit
-    //= return fill(index, table, make);
+    //= return fill(unit, index, cache, make);
     :: else -> fill(unit)
     fi
 }
 inline fill(unit) {
     //= const Lock processLock(tables().Mutex);
-    //= const Lock lock(m_LookupVectorMutex);
-    //= CUnitPtr result = getUnitByIndexOrExpandTable(index, table);
+    //= const Lock lock(unit.m_LookupVectorMutex);
+    //= CUnitPtr result = CUnit::getUnitByIndexOrExpandTable(index, cache);
     //= if (!result) {
     //=     result = make();
-    //=     table[static_cast<std::size_t>(index)] = result;
+    //=     cache[static_cast<std::size_t>(index)] = result;
     //= }
     //= return result;
     LOCK(PROCESS);
@@ -77,7 +77,7 @@ inline fill(unit) {
 }
 inline makeLocked(unit) {
     //= const Lock processLock(tables().Mutex);
-    //= const Lock lock(m_LookupVectorMutex);
+    //= const Lock lock(unit.m_LookupVectorMutex);
     //= return make();
     LOCK(PROCESS); LOCK(unit); make(unit); UNLOCK(unit); UNLOCK(PROCESS)
 }
@@ -92,10 +92,10 @@ inline negativePower(unit) {
 #endif
 }
 
-/* Folds the dimension of a product of both units. */
+/* Computes the dimension of a product of both units. */
 inline getDimension() {
     //= const Lock lock(tables().Mutex);
-    //= return dimensionLocked(shared_from_this());
+    //= return UnitConversion::dimensionLocked(shared_from_this());
     LOCK(PROCESS); lookUp(A); lookUp(B); lookUp(ONE); UNLOCK(PROCESS)
 }
 

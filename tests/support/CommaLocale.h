@@ -7,8 +7,7 @@
 #include <cstdlib>
 #include <locale>
 
-namespace mensor {
-namespace test {
+namespace mensor::test {
 
 inline constexpr char CommaLocaleName[] = "de_DE.UTF-8";
 
@@ -28,7 +27,6 @@ public:
     CCommaLocale& operator=(const CCommaLocale&) = delete;
 };
 
-}  // namespace test
-}  // namespace mensor
+}  // namespace mensor::test
 
 #endif  // MENSOR_TESTS_COMMALOCALE_H

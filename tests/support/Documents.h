@@ -12,8 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace mensor {
-namespace test {
+namespace mensor::test {
 
 using Row = std::vector<std::string>;
 
@@ -72,7 +71,6 @@ inline std::vector<std::vector<Row>> documentTables(const std::string& name, con
     return tables;
 }
 
-}  // namespace test
-}  // namespace mensor
+}  // namespace mensor::test
 
 #endif  // MENSOR_TESTS_DOCUMENTS_H

@@ -13,8 +13,7 @@
 
 #include "support/Mathematics.h"
 
-namespace mensor {
-namespace test {
+namespace mensor::test {
 
 /// A text and what it means.
 struct Expression {
@@ -71,7 +70,6 @@ inline std::vector<std::size_t> order(std::uint32_t seed, std::size_t size) {
     return indices;
 }
 
-}  // namespace test
-}  // namespace mensor
+}  // namespace mensor::test
 
 #endif  // MENSOR_TESTS_EVERYDAY_H

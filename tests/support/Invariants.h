@@ -16,8 +16,7 @@
 #include "mensor/mensor_global.h"
 #include "support/Inside.h"
 
-namespace mensor {
-namespace test {
+namespace mensor::test {
 
 /// The first invariant that is broken, in words; empty if none is. Changes no table.
 ///
@@ -132,7 +131,6 @@ inline std::string brokenName() {
     return "";
 }
 
-}  // namespace test
-}  // namespace mensor
+}  // namespace mensor::test
 
 #endif  // MENSOR_TESTS_INVARIANTS_H

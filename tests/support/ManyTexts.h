@@ -8,8 +8,7 @@
 
 #include "mensor/Unit.h"
 
-namespace mensor {
-namespace test {
+namespace mensor::test {
 
 /// More than a thousand short texts, each with its unit.
 inline std::vector<std::pair<std::string, CUnitPtr>> manyTexts() {
@@ -27,7 +26,6 @@ inline std::vector<std::pair<std::string, CUnitPtr>> manyTexts() {
     return texts;
 }
 
-}  // namespace test
-}  // namespace mensor
+}  // namespace mensor::test
 
 #endif  // MENSOR_TESTS_MANYTEXTS_H

@@ -22,8 +22,7 @@
 #include "mensor/Unit.h"
 #include "mensor/mensor_global.h"
 
-namespace mensor {
-namespace test {
+namespace mensor::test {
 
 using Fraction = std::pair<std::int64_t, std::int64_t>;
 
@@ -444,7 +443,6 @@ inline Quantity measured(const CUnitPtr& unit) {
     return quantity;
 }
 
-}  // namespace test
-}  // namespace mensor
+}  // namespace mensor::test
 
 #endif  // MENSOR_TESTS_MATHEMATICS_H

@@ -26,8 +26,7 @@
 #include "mensor/mensor_global.h"
 #include "mensor/utf8.h"
 
-namespace mensor {
-namespace test {
+namespace mensor::test {
 
 /// The code points of any bytes, each with the byte behind it. A string_t of tiny-utf8 cannot be asked
 /// for those of malformed text.
@@ -303,7 +302,6 @@ inline bool readsBack(const CUnitPtr& unit, Notation notation) {
     return isBuiltFactorByFactor(inOrderOf(notation, factors));
 }
 
-}  // namespace test
-}  // namespace mensor
+}  // namespace mensor::test
 
 #endif  // MENSOR_TESTS_NOTATION_H

@@ -39,8 +39,7 @@
 #include "support/Matchers.h"
 #include "support/Outcome.h"
 
-namespace mensor {
-namespace test {
+namespace mensor::test {
 
 using Answer = std::variant<CUnitPtr, double, std::string>;
 
@@ -345,7 +344,6 @@ inline Requests refused() {
     return requests;
 }
 
-}  // namespace test
-}  // namespace mensor
+}  // namespace mensor::test
 
 #endif  // MENSOR_TESTS_SESSION_H

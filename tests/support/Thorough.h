@@ -5,8 +5,7 @@
 
 #include <cstdlib>
 
-namespace mensor {
-namespace test {
+namespace mensor::test {
 
 inline bool isThorough() {
     static const bool is = std::getenv("MENSOR_TESTS_THOROUGH") != nullptr;
@@ -20,7 +19,6 @@ constexpr bool IsSlow = true;
 constexpr bool IsSlow = false;
 #endif
 
-}  // namespace test
-}  // namespace mensor
+}  // namespace mensor::test
 
 #endif  // MENSOR_TESTS_THOROUGH_H

@@ -7,8 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace mensor {
-namespace test {
+namespace mensor::test {
 
 struct Utf8Text {
     const char* What;
@@ -106,6 +105,5 @@ inline const std::vector<Utf8Text>& utf8Texts() {
     return texts;
 }
 
-}  // namespace test
-}  // namespace mensor
+}  // namespace mensor::test
 #endif  // MENSOR_TESTS_UTF8_TEXTS_H

@@ -1,4 +1,4 @@
-#include "mensor/debug_layout.h"
+#include "mensor/DebugLayout.h"
 
 #include <cstddef>
 
@@ -6,13 +6,13 @@
 #include "mensor/Converter.h"
 #include "mensor/MultiplyConverter.h"
 #include "mensor/ProductUnit.h"
+#include "mensor/Tables.h"
 #include "mensor/TransformedUnit.h"
 #include "mensor/Unit.h"
 #include "mensor/UnitRationalPower.h"
 #include "mensor/ValueWithUnit.h"
-#include "mensor/tables.h"
 
-// Both compilers know offsetof in classes with virtual functions, as long as no base is virtual.
+// Both compilers support offsetof in classes with virtual functions, as long as no base class is virtual.
 #pragma GCC diagnostic ignored "-Winvalid-offsetof"
 
 namespace mensor {
@@ -38,7 +38,7 @@ constexpr detail::DebugLayout detail::DebugLayout::make() {
             offsetof(CValueWithUnit, m_Unit)};
 }
 
-// Constant: in place before anything runs.
+// A constant, so it is initialised before any code runs.
 const detail::DebugLayout debugLayout = detail::DebugLayout::make();
 
 }  // namespace mensor

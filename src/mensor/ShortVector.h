@@ -1,7 +1,6 @@
-// short_vector.h: a vector of which a few elements need no memory from the heap. For the library's own
-// use; not installed.
-#ifndef MENSOR_SHORT_VECTOR_H
-#define MENSOR_SHORT_VECTOR_H
+// ShortVector.h: a vector that needs no heap memory for a few elements. Not installed.
+#ifndef MENSOR_SHORTVECTOR_H
+#define MENSOR_SHORTVECTOR_H
 
 #include <algorithm>
 #include <array>
@@ -9,8 +8,7 @@
 #include <memory>
 #include <type_traits>
 
-namespace mensor {
-namespace detail {
+namespace mensor::detail {
 
 template <class Element, std::size_t Few>
 class CShortVector {
@@ -30,7 +28,7 @@ public:
         return *this;
     }
 
-    // There must be room for what is put behind the end.
+    // The caller does not exceed the room given to the constructor.
     void add(const Element& element) { begin()[m_Size++] = element; }
     void endAt(const Element* end) { m_Size = static_cast<std::size_t>(end - begin()); }
 
@@ -42,11 +40,10 @@ public:
 
 private:
     std::array<Element, Few> m_Short;
-    std::unique_ptr<Element[]> m_Many;  // in place of m_Short
+    std::unique_ptr<Element[]> m_Many;  // used instead of m_Short if not null
     std::size_t m_Size = 0;
 };
 
-}  // namespace detail
-}  // namespace mensor
+}  // namespace mensor::detail
 
-#endif  // MENSOR_SHORT_VECTOR_H
+#endif  // MENSOR_SHORTVECTOR_H

@@ -1,5 +1,5 @@
-// Remembered_test.cpp: what the library remembers never differs from what its tables say. None of the
-// tests asks for a table before it says so, since that ends all remembering.
+// Caches_test.cpp: a cached answer never differs from the tables. Asking for a table switches the caches off, so the
+// tests do it only where a comment or the name says so.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -38,14 +38,14 @@ CUnitPtr parsedTwice(const string_t& text) {
     return first;
 }
 
-// Does not return if `action` needs the mutex of the tables.
-void doWhileThisThreadHoldsTheMutex(const std::function<void()>& action) {
-    ASSERT_NE(CUnitFormat::namesVersion(), 0U) << "nothing is remembered in this process any more";
+// Runs `action` in another thread while this one holds the mutex. Never returns if `action` needs the mutex.
+void runInAnotherThreadWithTheMutexHeld(const std::function<void()>& action) {
+    ASSERT_NE(CUnitFormat::namesVersion(), 0U) << "the caches are off";
     const std::lock_guard<std::recursive_mutex> lock(CUnit::mutex());
     std::thread(action).join();
 }
 
-TEST(RememberedTexts, ALabelThatMovesTakesItsTextAlong) {
+TEST(CachedTexts, FollowALabelThatMovesToAnotherUnit) {
     const CUnitPtr mile = SI::Meter() * 1609.344;
     CUnitFormat::label(mile, "mi");
     EXPECT_EQ(parsedTwice("mi"), mile);
@@ -61,14 +61,14 @@ TEST(RememberedTexts, ALabelThatMovesTakesItsTextAlong) {
     EXPECT_EQ(parsedTwice("mi"), milli);
 }
 
-TEST(RememberedTexts, AnAliasTakesPrecedenceOverASymbolFromTheMomentItIsMade) {
+TEST(CachedTexts, ANewAliasHidesASymbolAtOnce) {
     EXPECT_EQ(parsedTwice("K"), SI::Kelvin());
     CUnitFormat::alias(SI::Celsius(), "K");
     EXPECT_EQ(parsedTwice("K"), SI::Celsius());
     EXPECT_EQ(parsedTwice("K/s"), SI::Celsius() / SI::Second());
 }
 
-TEST(RememberedTexts, ATextThatWasRefusedReadsOnceItsNameIsKnown) {
+TEST(CachedTexts, ARefusedTextReadsOnceItsNameIsKnown) {
     EXPECT_THROW(CUnit::fromString("psi"), std::invalid_argument);
     EXPECT_THROW(CUnit::fromString("psi"), std::invalid_argument);
     const CUnitPtr psi = NonSI::Psi();
@@ -79,7 +79,7 @@ TEST(RememberedTexts, ATextThatWasRefusedReadsOnceItsNameIsKnown) {
     EXPECT_EQ(parsedTwice("Fr"), franc);
 }
 
-TEST(RememberedTexts, AClientThatChangesATableItselfIsHeard) {
+TEST(CachedTexts, FollowTheChangesOfAClientInATable) {
     EXPECT_EQ(parsedTwice("km"), SI::Kilo(SI::Meter()));
     CUnitFormat::labelUnitMap()["km"] = SI::Second();
     EXPECT_EQ(parsedTwice("km"), SI::Second());
@@ -92,7 +92,7 @@ TEST(RememberedTexts, AClientThatChangesATableItselfIsHeard) {
     EXPECT_EQ(parsedTwice("km"), SI::Mole());
 }
 
-TEST(RememberedTexts, AClientThatHasATableIsHeardThoughItAsksForOthersToo) {
+TEST(CachedTexts, FollowTheChangesInATableAfterOtherTablesWereHandedOut) {
     auto& units = CUnitFormat::labelUnitMap();
     const std::function<void()> others[] = {
         [] { CUnit::symbols(); },
@@ -111,8 +111,8 @@ TEST(RememberedTexts, AClientThatHasATableIsHeardThoughItAsksForOthersToo) {
     }
 }
 
-// Asked in processes of their own, since the first that ends remembering ends it for good.
-TEST(RememberedTexts, EachAccessorThatHandsOutATableEndsRemembering) {
+// Each accessor runs in a process of its own, since the caches stay off after the first.
+TEST(CachedTexts, EachAccessorThatHandsOutATableSwitchesTheCachesOff) {
     const std::function<void()> accessors[] = {
         [] { CUnit::symbols(); },
         [] { CUnit::instances(); },
@@ -124,22 +124,22 @@ TEST(RememberedTexts, EachAccessorThatHandsOutATableEndsRemembering) {
     };
     for (const auto& accessor : accessors) {
         const ChildEnd end = inChild([&](std::string& text) {
-            text = CUnitFormat::namesVersion() != 0 ? "remembers, then " : "";
+            text = CUnitFormat::namesVersion() != 0 ? "on, then " : "";
             accessor();
-            text += CUnitFormat::namesVersion() != 0 ? "remembers" : "no more";
+            text += CUnitFormat::namesVersion() != 0 ? "on" : "off";
             return 0;
         });
         EXPECT_EQ(end.Status, 0);
-        EXPECT_EQ(end.Text, "remembers, then no more") << &accessor - accessors;
+        EXPECT_EQ(end.Text, "on, then off") << &accessor - accessors;
     }
 }
 
-TEST(RememberedTexts, ManyMoreTextsThanThereIsRoomForAllReadRight) {
+TEST(CachedTexts, MoreTextsThanTheCacheHoldsAllReadCorrectly) {
     const auto texts = test::manyTexts();
     ASSERT_GT(texts.size(), 1000U);
     for (int round = 0; round < 3; ++round) {
         if (round == 2) {
-            CUnit::symbols();  // from here on everything is parsed
+            CUnit::symbols();  // hands the table out, so from here on every text is parsed
         }
         for (const auto& [text, unit] : texts) {
             ASSERT_EQ(CUnit::fromString(text), unit) << text;
@@ -147,9 +147,9 @@ TEST(RememberedTexts, ManyMoreTextsThanThereIsRoomForAllReadRight) {
     }
 }
 
-TEST(RememberedTexts, TextsThatDifferOnlyInZeroBytesOrLengthAreDifferent) {
+TEST(CachedTexts, TextsThatDifferOnlyInZeroBytesOrLengthAreDifferent) {
     EXPECT_EQ(parsedTwice("m"), SI::Meter());
-    EXPECT_EQ(parsedTwice(std::string("m\0", 2)), SI::Meter());  // a zero byte separates
+    EXPECT_EQ(parsedTwice(std::string("m\0", 2)), SI::Meter());  // a zero byte is a separator
     EXPECT_EQ(parsedTwice(std::string("m\0m", 3)), SI::Meter() ^ 2);
     EXPECT_EQ(parsedTwice(std::string("\0", 1)), CProductUnit::one());
     EXPECT_EQ(parsedTwice(""), CProductUnit::one());
@@ -159,43 +159,43 @@ TEST(RememberedTexts, TextsThatDifferOnlyInZeroBytesOrLengthAreDifferent) {
     }
 }
 
-TEST(RememberedTexts, AUnitThatIsNotRegisteredIsReadThroughItsAliasAlone) {
+TEST(CachedTexts, AnAliasOfAnUnregisteredUnitReadsAsThatUnit) {
     const CUnitPtr unregistered = std::make_shared<CTransformedUnit>(
         SI::Meter(), std::make_shared<CMultiplyConverter>(0.3048));
     CUnitFormat::alias(unregistered, "ft");
     EXPECT_EQ(parsedTwice("ft"), unregistered);
 }
 
-TEST(RememberedTexts, AUnitOfAHashThatNoneHasIsReadThroughItsAliasAlone) {
+TEST(CachedTexts, AnAliasOfAnUnregisteredUnitWithANewHashCodeReadsAsThatUnit) {
     const CUnitPtr unregistered = CClientUnit::make("", hashFromString(freshSymbol()));
     unregistered->calculateHashCode();
     CUnitFormat::alias(unregistered, "fathom");
     EXPECT_EQ(parsedTwice("fathom"), unregistered);
 }
 
-// The epoch moves with each alias; then the text takes the place where it stood before.
-TEST(RememberedTexts, AreReadWithoutTheMutexHoweverOftenTheNamesChange) {
+// Each alias begins a new epoch. The text then overwrites its old entry in the cache.
+TEST(CachedTexts, NeedNoMutexAfterTheNamesHaveChanged) {
     for (const std::string& text : {std::string("km/h"), std::string(30, ' ') + "m"}) {
         for (int i = 0; i < 3; ++i) {
             CUnitFormat::alias(SI::Meter(), "name " + std::to_string(i) + text);
             const CUnitPtr unit = CUnit::fromString(text);
-            doWhileThisThreadHoldsTheMutex([&] { EXPECT_EQ(CUnit::fromString(text), unit); });
+            runInAnotherThreadWithTheMutexHeld([&] { EXPECT_EQ(CUnit::fromString(text), unit); });
         }
     }
 }
 
-TEST(RememberedDimensions, NeedNoMutex) {
+TEST(CachedDimensions, NeedNoMutex) {
     const CUnitPtr from = SI::Meter() * 201.168, to = SI::Meter() * 20.1168;
-    SI::Meter()->setDimension(nullptr, nullptr);  // forgets what registering them has asked
+    SI::Meter()->setDimension(nullptr, nullptr);  // clears what registering them has cached
     const double value = from->convertValueToUnit(2, to);
-    doWhileThisThreadHoldsTheMutex([&] {
+    runInAnotherThreadWithTheMutexHeld([&] {
         EXPECT_EQ(from->convertValueToUnit(2, to), value);
         EXPECT_TRUE(from->isCompatible(to));
         EXPECT_TRUE(to->isCompatible(from));
     });
 }
 
-TEST(RememberedDimensions, FollowABaseUnitThatIsMappedOntoAnother) {
+TEST(CachedDimensions, FollowABaseUnitWhoseDimensionIsSet) {
     const CUnitPtr km = CUnit::fromString("km");
     const CUnitPtr mbar = CUnit::fromString("mbar");
     EXPECT_EQ(km->convertValueToUnit(2.5, SI::Meter()), 2500);
@@ -203,7 +203,7 @@ TEST(RememberedDimensions, FollowABaseUnitThatIsMappedOntoAnother) {
     EXPECT_FALSE(km->isCompatible(SI::Second()));
     const CConverterPtr before = km->getConverterTo(SI::Meter());
 
-    // Lengths as the time that light takes.
+    // A length as the time that light needs for it.
     SI::Meter()->setDimension(SI::Second(), std::make_shared<CMultiplyConverter>(1 / 299792458.0));
     EXPECT_TRUE(km->isCompatible(SI::Second()));
     EXPECT_EQ(km->convertValueToUnit(299792.458, SI::Second()),
@@ -218,7 +218,7 @@ TEST(RememberedDimensions, FollowABaseUnitThatIsMappedOntoAnother) {
     EXPECT_EQ(km->convertValueToUnit(2.5, SI::Meter()), 2500);
 }
 
-TEST(RememberedDimensions, AClientThatChangesTheTablesItselfIsHeard) {
+TEST(CachedDimensions, FollowTheChangesOfAClientInTheTables) {
     const CUnitPtr km = CUnit::fromString("km");
     EXPECT_EQ(km->convertValueToUnit(1, SI::Meter()), 1000);
     CUnit::toDimensions()[km] = std::make_shared<CMultiplyConverter>(7);
@@ -230,19 +230,19 @@ TEST(RememberedDimensions, AClientThatChangesTheTablesItselfIsHeard) {
     EXPECT_EQ(km->convertValueToUnit(1, SI::Meter()), 1000);
 }
 
-TEST(RememberedDimensions, AClientThatTakesAConverterOutOfItsTableIsHeard) {
+TEST(CachedDimensions, AreNotReadFromANodeThatAClientExtracts) {
     const CUnitPtr km = CUnit::fromString("km");
     EXPECT_EQ(km->convertValueToUnit(1, SI::Meter()), 1000);
-    ASSERT_NE(CUnitFormat::namesVersion(), 0U) << "nothing is remembered in this process any more";
+    ASSERT_NE(CUnitFormat::namesVersion(), 0U) << "the caches are off";
     auto entry = CUnit::toDimensions().extract(km);
     ASSERT_FALSE(entry.empty());
     entry.mapped() = std::make_shared<CMultiplyConverter>(7);
     EXPECT_EQ(km->convertValueToUnit(1, SI::Meter()), 1000);
 }
 
-TEST(RememberedDimensions, ARefusedUnitLeavesNoneBehind) {
-    // A kind of unit that asks for its converter while it is registered, as transformed units do, and
-    // is then refused for its symbol.
+TEST(CachedDimensions, AUnitWhoseRegistrationIsRefusedIsNotCached) {
+    // A kind of unit that computes its converter while it is registered, as transformed units do. Its registration is
+    // refused because of its symbol.
     class CRefused : public CDerivedUnit {
     public:
         CRefused() : CDerivedUnit("m") {}
@@ -264,12 +264,12 @@ TEST(RememberedDimensions, ARefusedUnitLeavesNoneBehind) {
     };
     const CUnitPtr refused = std::make_shared<CRefused>();
     EXPECT_THROW(CRefused::registerNow(refused), std::logic_error);
-    EXPECT_EQ(refused.use_count(), 1);                          // no table holds it
-    EXPECT_EQ(refused->convertValueToUnit(1, SI::Meter()), 2);  // asked anew
+    EXPECT_EQ(refused.use_count(), 1);                          // no table owns it
+    EXPECT_EQ(refused->convertValueToUnit(1, SI::Meter()), 2);  // computed again
     EXPECT_EQ(refused->convertValueToUnit(1, SI::Meter()), 2);
 }
 
-// A unit whose registration is refused: the metre has its symbol.
+// A unit whose registration is refused, because the metre has its symbol.
 std::shared_ptr<CClientUnit> refusedUnit() {
     auto unit = CClientUnit::make("m", 123454321);
     unit->CtxDimension = [] { return SI::Meter(); };
@@ -277,7 +277,7 @@ std::shared_ptr<CClientUnit> refusedUnit() {
     return unit;
 }
 
-TEST(RememberedDimensions, ARefusalTakesAwayOnlyWhatItBrought) {
+TEST(CachedDimensions, ARefusedRegistrationKeepsEarlierTableEntries) {
     const auto unit = refusedUnit();
     EXPECT_EQ(unit->convertValueToUnit(2, SI::Meter()), 6);
     EXPECT_THROW(unit->canonical(), std::logic_error);
@@ -288,14 +288,14 @@ TEST(RememberedDimensions, ARefusalTakesAwayOnlyWhatItBrought) {
                                                     "calculateHashCode", "getSymbol"));
 }
 
-// Shows a use after free to AddressSanitizer and ThreadSanitizer, where there is one.
-TEST(RememberedDimensions, AUnitIsConvertedWhileAnotherThreadIsRefusedItsRegistration) {
+// AddressSanitizer and ThreadSanitizer report a use after free here, if there is one.
+TEST(CachedDimensions, AUnitConvertsWhileAnotherThreadFailsToRegisterIt) {
     race(2, 500, [](int thread, int round) {
         static std::shared_ptr<CClientUnit> unit;
         static std::atomic<int> ready{-1};
         if (thread == 0) {
             unit = refusedUnit();
-            // What the refusal asks may be asked for the first time then, and is taken away with it.
+            // If this is the first conversion, the refused registration removes its table entries.
             unit->Symbol = [of = unit.get()] {
                 of->convertValueToUnit(1, SI::Meter());
                 return string_t("m");
@@ -315,7 +315,7 @@ TEST(RememberedDimensions, AUnitIsConvertedWhileAnotherThreadIsRefusedItsRegistr
     });
 }
 
-TEST(RememberedTexts, ThreadsThatReadWhileLabelsMoveSeeOneOfTheTwoUnits) {
+TEST(CachedTexts, ConcurrentReadersSeeOneOfTheTwoUnitsOfAMovingLabel) {
     const CUnitPtr first = SI::Meter() * 0.3048;
     const CUnitPtr second = SI::Meter() * 0.3048006096;
     CUnitFormat::label(first, "foot");

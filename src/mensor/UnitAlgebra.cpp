@@ -1,21 +1,23 @@
-#include "mensor/uncached.h"
+#include "mensor/UnitAlgebra.h"
 
-#include <cstddef>
 #include <limits>
 
 #include "mensor/ProductUnit.h"
 #include "mensor/factors.h"
 
-namespace mensor {
-namespace detail {
+namespace mensor::detail {
 
-// What the slot holds, or none. Whoever fills a slot holds mutex(), too, so that suffices for a reader.
-const CUnitPtr* Uncached::find(const std::vector<CUnitPtr>& slots, int index) {
-    const auto slot = static_cast<std::size_t>(index);
-    return slot < slots.size() && slots[slot] ? &slots[slot] : nullptr;
+namespace {
+
+// The entry of a cache, or null if it is empty. fill() holds CUnit::mutex(), and so does the caller.
+const CUnitPtr* find(const std::vector<CUnitPtr>& cache, int index) {
+    const auto entry = static_cast<std::size_t>(index);
+    return entry < cache.size() && cache[entry] ? &cache[entry] : nullptr;
 }
 
-CUnitPtr Uncached::multiply(const CUnitPtr& left, const CUnitPtr& right) {
+}  // namespace
+
+CUnitPtr UnitAlgebra::multiplyUncached(const CUnitPtr& left, const CUnitPtr& right) {
     if (right->m_Id <= 0) {
         return left->multiply(right);
     }
@@ -28,7 +30,7 @@ CUnitPtr Uncached::multiply(const CUnitPtr& left, const CUnitPtr& right) {
                : CProductUnit::getProductInstance(left, right);
 }
 
-CUnitPtr Uncached::divide(const CUnitPtr& left, const CUnitPtr& right) {
+CUnitPtr UnitAlgebra::divideUncached(const CUnitPtr& left, const CUnitPtr& right) {
     if (right->m_Id <= 0) {
         return left->divide(right);
     }
@@ -36,31 +38,30 @@ CUnitPtr Uncached::divide(const CUnitPtr& left, const CUnitPtr& right) {
     return known != nullptr ? *known : CProductUnit::getQuotientInstance(left, right);
 }
 
-CUnitPtr Uncached::raise(const CUnitPtr& unit, int pow, int root) {
-    return Uncached::root(Uncached::pow(unit, pow), root);
+CUnitPtr UnitAlgebra::raiseUncached(const CUnitPtr& unit, int pow, int root) {
+    return rootUncached(powUncached(unit, pow), root);
 }
 
-CUnitPtr Uncached::pow(const CUnitPtr& unit, int n) {
+CUnitPtr UnitAlgebra::powUncached(const CUnitPtr& unit, int n) {
     if (n == 0 || n == 1 || n == std::numeric_limits<int>::min()) {
-        return unit->pow(n);  // which fills no slot
+        return unit->pow(n);  // fills no cache
     }
     if (n < 0) {
-        return divide(CProductUnit::one(), pow(unit, -n));
+        return divideUncached(CProductUnit::one(), powUncached(unit, -n));
     }
     const CUnitPtr* const known = find(unit->m_PowLookUp, n - 2);
     return known != nullptr ? *known : CProductUnit::getPowInstance(unit, n);
 }
 
-CUnitPtr Uncached::root(const CUnitPtr& unit, int n) {
+CUnitPtr UnitAlgebra::rootUncached(const CUnitPtr& unit, int n) {
     if (n == 0 || n == 1 || n == std::numeric_limits<int>::min()) {
-        return unit->root(n);  // which fills no slot
+        return unit->root(n);  // fills no cache
     }
     if (n < 0) {
-        return divide(CProductUnit::one(), root(unit, -n));
+        return divideUncached(CProductUnit::one(), rootUncached(unit, -n));
     }
     const CUnitPtr* const known = find(unit->m_RootLookUp, n - 2);
     return known != nullptr ? *known : CProductUnit::getRootInstance(unit, n);
 }
 
-}  // namespace detail
-}  // namespace mensor
+}  // namespace mensor::detail
