@@ -1,4 +1,4 @@
-// AddConverter_test.cpp: offsets, how they fold, and their notation.
+// AddConverter_test.cpp: converters that add an offset: values, chaining, equality and notation.
 #include "mensor/AddConverter.h"
 
 #include <limits>
@@ -37,23 +37,23 @@ TEST(AddConverter, AddsItsOffset) {
     EXPECT_THAT(adds(273.15)->convert(21.5), HasBitsOf(294.65));
 }
 
-TEST(AddConverter, OfZeroIsStillAnOffset) {
+TEST(AddConverter, AnOffsetOfZeroIsNotTheIdentity) {
     EXPECT_FALSE(adds(0.0)->isLinear());
     EXPECT_FALSE(adds(0.0)->equals(CConverter::identity()));
     EXPECT_NE(adds(0.0), CConverter::identity());
 }
 
-TEST(AddConverter, InverseIsTheOppositeOffset) {
+TEST(AddConverter, TheInverseHasTheNegatedOffset) {
     for (const double offset : {273.15, -0.1, 0.0}) {
         const CAddConverterPtr inverse = asOffset(adds(offset)->inverse());
         ASSERT_TRUE(inverse);
         EXPECT_THAT(inverse->getOffset(), HasBitsOf(-offset));
     }
     const CAddConverterPtr c = adds(1);
-    EXPECT_NE(c->inverse(), c->inverse()) << "a new one each time";
+    EXPECT_NE(c->inverse(), c->inverse()) << "each call returns a new object";
 }
 
-TEST(AddConverter, OnTheStackHasAnInverseAndFolds) {
+TEST(AddConverter, NeedsNoSharedOwnerToInvertOrConcatenate) {
     CConverterPtr inverse, folded;
     {
         CAddConverter c(2);
@@ -64,13 +64,13 @@ TEST(AddConverter, OnTheStackHasAnInverseAndFolds) {
     EXPECT_EQ(folded->convert(10), 15);
 }
 
-TEST(AddConverter, FoldsWithAnOffsetIntoTheSum) {
+TEST(AddConverter, ConcatenatesWithAnOffsetToTheSum) {
     const CAddConverterPtr folded = asOffset(adds(0.1)->concatenate(adds(0.2)));
     ASSERT_TRUE(folded);
     EXPECT_THAT(folded->getOffset(), HasBitsOf(0.1 + 0.2));
 }
 
-TEST(AddConverter, FoldedToZeroIsNotTheIdentity) {
+TEST(AddConverter, ASumOfZeroIsNotTheIdentity) {
     const CConverterPtr folded = adds(273.15)->concatenate(adds(-273.15));
     ASSERT_TRUE(asOffset(folded));
     EXPECT_THAT(asOffset(folded)->getOffset(), HasBitsOf(0.0));
@@ -78,7 +78,7 @@ TEST(AddConverter, FoldedToZeroIsNotTheIdentity) {
     EXPECT_NE(folded, CConverter::identity());
 }
 
-TEST(AddConverter, FoldsWithAnOffsetOfAClientsClass) {
+TEST(AddConverter, ConcatenatesWithAClientsOffsetClassToTheSum) {
     class CZeroPoint : public CAddConverter {
     public:
         CZeroPoint() : CAddConverter(40) {}
@@ -88,7 +88,7 @@ TEST(AddConverter, FoldsWithAnOffsetOfAClientsClass) {
     EXPECT_EQ(asOffset(folded)->getOffset(), 42);
 }
 
-TEST(AddConverter, DoesNotFoldThroughTheBase) {
+TEST(AddConverter, MakesACompoundWhenCalledThroughTheBaseClass) {
     const CConverterPtr a = adds(1), b = adds(2);
     const auto compound = std::dynamic_pointer_cast<CCompound>(a->concatenate(b));
     ASSERT_TRUE(compound);
@@ -96,7 +96,7 @@ TEST(AddConverter, DoesNotFoldThroughTheBase) {
     EXPECT_EQ(compound->second(), a);
 }
 
-TEST(AddConverter, ChainsWithOtherClassesAsTheBaseDoes) {
+TEST(AddConverter, MakesACompoundWithOtherClasses) {
     const CAddConverterPtr c = adds(1);
     for (const CConverterPtr& other :
          {CConverterPtr(std::make_shared<CMultiplyConverter>(2)),
@@ -111,12 +111,12 @@ TEST(AddConverter, ChainsWithOtherClassesAsTheBaseDoes) {
     EXPECT_EQ(c->concatenate(CConverter::identity()), c);
 }
 
-TEST(AddConverter, EqualsAnOffsetThatIsTheSameFloat) {
+TEST(AddConverter, EqualsAnOffsetThatIsTheSameAsAFloat) {
     EXPECT_TRUE(adds(0.1)->equals(adds(0.1 + 1e-12)));
     EXPECT_TRUE(adds(1e300)->equals(adds(Infinity)));
     EXPECT_FALSE(adds(0.1)->equals(adds(0.1000001)));
     EXPECT_FALSE(adds(0.1)->equals(adds(-0.1)));
-    EXPECT_FALSE(adds(0.0)->equals(adds(-0.0))) << "the two zeros differ";
+    EXPECT_FALSE(adds(0.0)->equals(adds(-0.0))) << "the bits of the two zeros differ";
     EXPECT_TRUE(adds(std::numeric_limits<double>::quiet_NaN())
                     ->equals(adds(-std::numeric_limits<double>::quiet_NaN())));
 }
@@ -128,7 +128,7 @@ TEST(AddConverter, EqualsNoOtherClass) {
     EXPECT_FALSE(adds(1)->equals(nullptr));
 }
 
-TEST(AddConverter, HasAHashOfItsOwnThatTheBaseDoesNotKnow) {
+TEST(AddConverter, HasAHashCodeOfItsOwnThatTheBaseClassDoesNotUse) {
     EXPECT_EQ(adds(273.15)->hashCode(), 0x43889333);
     EXPECT_EQ(adds(0.0)->hashCode(), 0);
     EXPECT_EQ(adds(-0.0)->hashCode(), std::numeric_limits<int>::min());
@@ -137,7 +137,7 @@ TEST(AddConverter, HasAHashOfItsOwnThatTheBaseDoesNotKnow) {
     EXPECT_EQ(CConverterPtr(adds(273.15))->hashCode(), floatToIntBits(1.0f));
 }
 
-TEST(AddConverter, IsWrittenInBracketsWithSixSignificantDigits) {
+TEST(AddConverter, ItsSymbolIsTheUnitAndTheOffsetWithSixDigits) {
     const struct {
         CUnitPtr Unit;
         double Offset;
@@ -159,7 +159,7 @@ TEST(AddConverter, IsWrittenInBracketsWithSixSignificantDigits) {
     for (const auto& row : table) {
         EXPECT_EQ(text(adds(row.Offset)->getSymbol(row.Unit)), row.Expected);
         EXPECT_EQ(text(CConverterPtr(adds(row.Offset))->getSymbol(row.Unit)), "")
-            << "the base has no notation";
+            << "the base class returns no symbol";
     }
 }
 

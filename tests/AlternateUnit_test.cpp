@@ -1,4 +1,4 @@
-// AlternateUnit_test.cpp: units known by a symbol of their own that convert as what they stand for.
+// AlternateUnit_test.cpp: units with a symbol of their own that convert like their base units.
 #include "mensor/AlternateUnit.h"
 
 #include <gmock/gmock.h>
@@ -28,8 +28,6 @@ using ::testing::Not;
 using ::testing::StrEq;
 using ::testing::ThrowsMessage;
 
-CBaseUnitPtr freshUnit() { return CBaseUnit::getInstance(freshSymbol()); }
-
 std::string symbolIsTaken(const string_t& symbol) {
     return "The symbol: " + text(symbol) + " is currently associated to another unit.";
 }
@@ -43,7 +41,7 @@ TEST(AlternateUnit, TheSameSymbolAndParentGiveTheSameObject) {
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(AlternateUnit, AKnownSymbolGivesItsUnitWhateverTheParentIsThisTime) {
+TEST(AlternateUnit, AKnownSymbolGivesItsUnitEvenForAnotherParent) {
     const CUnitPtr parent = freshUnit();
     const CUnitPtr other = freshUnit();
     const CUnitPtr square = other ^ 2;
@@ -67,7 +65,7 @@ TEST(AlternateUnit, ANewSymbolIsRegistered) {
     EXPECT_EQ(Inside::id(unit), static_cast<int>(count + 1));
 }
 
-TEST(AlternateUnit, ConstructedAloneItIsNotRegistered) {
+TEST(AlternateUnit, TheConstructorDoesNotRegister) {
     const string_t symbol = freshSymbol();
     const Tables before;
     const auto unit = std::make_shared<CAlternateUnit>(symbol, SI::Meter());
@@ -91,7 +89,7 @@ TEST(AlternateUnit, IsOneFactorInAProduct) {
     EXPECT_TRUE(elements[0] == CUnitRationalPower(unit, 1, 1));
 }
 
-TEST(AlternateUnit, KeepsTheExpansionOfItsParentIntoBaseUnits) {
+TEST(AlternateUnit, ItsBaseUnitsAreThoseOfItsParent) {
     const CUnitPtr m = SI::Meter();
     EXPECT_EQ(m->alternate(freshSymbol())->baseUnits(), m);
     const CUnitPtr product = SI::Newton() * m;
@@ -101,7 +99,7 @@ TEST(AlternateUnit, KeepsTheExpansionOfItsParentIntoBaseUnits) {
     EXPECT_EQ(CProductUnit::one()->alternate(freshSymbol())->baseUnits(), CProductUnit::one());
 }
 
-TEST(AlternateUnit, AnAlternateOfAnAlternateExpandsToBaseUnits) {
+TEST(AlternateUnit, AnAlternateOfAnAlternateHasTheSameBaseUnits) {
     const CUnitPtr product = freshUnit() * freshUnit();
     const CUnitPtr first = product->alternate(freshSymbol());
     const CUnitPtr second = first->alternate(freshSymbol());
@@ -109,7 +107,7 @@ TEST(AlternateUnit, AnAlternateOfAnAlternateExpandsToBaseUnits) {
     EXPECT_EQ(second->baseUnits(), product);
 }
 
-TEST(AlternateUnit, TheHashIsThatOfTheSymbolAlone) {
+TEST(AlternateUnit, TheHashCodeDependsOnTheSymbolAlone) {
     const char* const symbols[] = {"N", "Wb", "µ", "kg/s", "qqqqqqqq"};
     for (const char* symbol : symbols) {
         SCOPED_TRACE(symbol);
@@ -124,8 +122,8 @@ TEST(AlternateUnit, TheHashIsThatOfTheSymbolAlone) {
     EXPECT_EQ(SI::Weber()->hashCode(), 'W' * 31 + 'b');
 }
 
-// Every symbol of eight and more code points has the same hash, and the hash alone decides identity.
-TEST(AlternateUnit, LongSymbolsAreOneUnit) {
+// All symbols of eight or more code points have the same hash code, which alone decides identity.
+TEST(AlternateUnit, AllLongSymbolsAreOneUnit) {
     const CUnitPtr first = SI::Meter()->alternate("furlongs");
     const CUnitPtr second = SI::Second()->alternate("fortnight");
     EXPECT_EQ(second, first);
@@ -133,7 +131,7 @@ TEST(AlternateUnit, LongSymbolsAreOneUnit) {
     EXPECT_EQ(CUnit::searchSymbol("fortnight"), nullptr);
 }
 
-// The empty symbol has the hash under which the dimensionless unit is known.
+// The empty symbol has the hash code of the dimensionless unit.
 TEST(AlternateUnit, TheEmptySymbolGivesTheDimensionlessUnit) {
     const Tables before;
     EXPECT_EQ(SI::Meter()->alternate(""), CProductUnit::one());
@@ -150,11 +148,11 @@ TEST(AlternateUnit, ConvertsAsItsBaseUnitsDo) {
     EXPECT_EQ(unit->getCtxDimension(), dimension);
     EXPECT_EQ(unit->getCtxToDimension(), converter);
     EXPECT_THAT(unit, ConvertsTo(dimension, 2.0, 6.0));
-    base->CtxDimension = nullptr;  // asked each time, nothing is stored in the unit
+    base->CtxDimension = nullptr;  // not stored: the base unit is asked again
     EXPECT_EQ(unit->getCtxDimension(), base);
 }
 
-TEST(AlternateUnit, ConvertsIntoWhatItStandsForThroughTheIdentity) {
+TEST(AlternateUnit, ConvertsToItsBaseUnitsByTheIdentity) {
     const CUnitPtr newton = SI::Newton();
     const CUnitPtr product = SI::Kilogram() * SI::Meter() / (SI::Second() ^ 2);
     EXPECT_NE(newton, product);
@@ -165,7 +163,7 @@ TEST(AlternateUnit, ConvertsIntoWhatItStandsForThroughTheIdentity) {
     EXPECT_THAT(product, Not(PrintsAs("N")));
 }
 
-TEST(AlternateUnit, UnitsOfOneExpansionConvertIntoEachOther) {
+TEST(AlternateUnit, UnitsWithTheSameBaseUnitsConvertIntoEachOther) {
     EXPECT_NE(SI::Hertz(), SI::Becquerel());
     EXPECT_EQ(SI::Hertz()->getConverterTo(SI::Becquerel()), CConverter::identity());
     EXPECT_EQ(SI::Radian()->getConverterTo(SI::Bit()), CConverter::identity());
@@ -173,7 +171,7 @@ TEST(AlternateUnit, UnitsOfOneExpansionConvertIntoEachOther) {
 
 // equals()
 
-TEST(AlternateUnit, EqualsItselfAndNoEmptyPointer) {
+TEST(AlternateUnit, EqualsItselfButNoEmptyPointer) {
     const CUnitPtr unit = SI::Meter()->alternate(freshSymbol());
     EXPECT_TRUE(unit->equals(unit));
     EXPECT_FALSE(unit->equals(CUnitPtr()));
@@ -181,7 +179,7 @@ TEST(AlternateUnit, EqualsItselfAndNoEmptyPointer) {
     EXPECT_FALSE(onTheStack.equals(CUnitPtr()));
 }
 
-TEST(AlternateUnit, EqualsAnotherObjectOfTheSameExpansionAndSymbol) {
+TEST(AlternateUnit, EqualsAnotherObjectWithTheSameBaseUnitsAndSymbol) {
     const CUnitPtr unit = std::make_shared<CAlternateUnit>("qq", SI::Meter());
     const CUnitPtr same = std::make_shared<CAlternateUnit>("qq", SI::Meter());
     const CUnitPtr otherSymbol = std::make_shared<CAlternateUnit>("qr", SI::Meter());
@@ -195,7 +193,7 @@ TEST(AlternateUnit, EqualsAnotherObjectOfTheSameExpansionAndSymbol) {
     EXPECT_FALSE(unit->equals(otherBase));
 }
 
-TEST(AlternateUnit, UnitsOfOneExpansionWithDifferentSymbolsAreNotEqual) {
+TEST(AlternateUnit, UnitsWithTheSameBaseUnitsAndDifferentSymbolsAreNotEqual) {
     EXPECT_EQ(SI::Hertz()->baseUnits(), SI::Becquerel()->baseUnits());
     EXPECT_FALSE(SI::Hertz()->equals(SI::Becquerel()));
     EXPECT_FALSE(SI::Gray()->equals(SI::Sievert()));
@@ -205,7 +203,7 @@ TEST(AlternateUnit, UnitsOfOneExpansionWithDifferentSymbolsAreNotEqual) {
 TEST(AlternateUnit, ComparesSymbolsByteByByte) {
     const CUnitPtr composed = std::make_shared<CAlternateUnit>("\u00C5", SI::Meter());
     const CUnitPtr angstrom = std::make_shared<CAlternateUnit>("\u212B", SI::Meter());
-    EXPECT_FALSE(composed->equals(angstrom));  // the same letter to the eye
+    EXPECT_FALSE(composed->equals(angstrom));  // the letters look the same
     const std::string withNul("q\0q", 3);
     const CUnitPtr left = std::make_shared<CAlternateUnit>(string_t(withNul), SI::Meter());
     const CUnitPtr right = std::make_shared<CAlternateUnit>(string_t("q"), SI::Meter());
@@ -213,14 +211,14 @@ TEST(AlternateUnit, ComparesSymbolsByteByByte) {
     EXPECT_FALSE(right->equals(left));
 }
 
-TEST(AlternateUnit, EqualsDoesNotLookAtTheKindOfTheOther) {
+TEST(AlternateUnit, EqualsIgnoresTheKindOfTheOtherUnit) {
     const CUnitPtr likeMeter = std::make_shared<CAlternateUnit>("m", SI::Meter());
     EXPECT_TRUE(likeMeter->equals(SI::Meter()));
     const CUnitPtr likeOne = std::make_shared<CAlternateUnit>("One", CProductUnit::one());
     EXPECT_TRUE(likeOne->equals(CProductUnit::one()));
 }
 
-TEST(AlternateUnit, EqualsAsksForTheBaseUnitsFirstAndForTheSymbolOnlyWhenTheyMatch) {
+TEST(AlternateUnit, EqualsComparesTheBaseUnitsFirstAndThenTheSymbol) {
     const auto other = freshClientUnit();
     const CUnitPtr unit = std::make_shared<CAlternateUnit>("qq", SI::Meter());
     EXPECT_FALSE(unit->equals(other));
@@ -231,7 +229,7 @@ TEST(AlternateUnit, EqualsAsksForTheBaseUnitsFirstAndForTheSymbolOnlyWhenTheyMat
     EXPECT_THAT(other->Asked, ElementsAre("baseUnits", "getSymbol"));
 }
 
-TEST(AlternateUnit, EqualsThrowsForATransformedUnitWhichHasNoBaseUnits) {
+TEST(AlternateUnit, EqualsThrowsForATransformedUnit) {
     const CUnitPtr km = SI::Meter() * 1000.0;
     EXPECT_THAT(
         [&] { SI::Newton()->equals(km); },
@@ -239,7 +237,7 @@ TEST(AlternateUnit, EqualsThrowsForATransformedUnitWhichHasNoBaseUnits) {
                                               "] and Symbol [] is not a system unit")));
 }
 
-// What goes wrong.
+// Errors.
 
 TEST(AlternateUnit, ATransformedParentIsRefusedEvenForAKnownSymbol) {
     const CUnitPtr km = SI::Meter() * 1000.0;
@@ -256,7 +254,7 @@ TEST(AlternateUnit, ATransformedParentIsRefusedEvenForAKnownSymbol) {
     EXPECT_EQ(SI::Meter()->alternate("N"), SI::Newton());
 }
 
-TEST(AlternateUnit, TheSymbolOfABaseUnitIsRefusedWithoutTrace) {
+TEST(AlternateUnit, TheSymbolOfABaseUnitIsRefusedAndNothingChanges) {
     const CUnitPtr product = freshUnit() * freshUnit();
     for (const char* symbol : {"m", "kg", "mol", "A"}) {
         SCOPED_TRACE(symbol);
@@ -269,7 +267,7 @@ TEST(AlternateUnit, TheSymbolOfABaseUnitIsRefusedWithoutTrace) {
     }
 }
 
-TEST(AlternateUnit, ASymbolTakenByAUnitOfAnotherHashIsRefusedWithoutTrace) {
+TEST(AlternateUnit, ASymbolOfAUnitWithAnotherHashCodeIsRefusedAndNothingChanges) {
     const string_t symbol = freshSymbol();
     const CUnitPtr owner = CClientUnit::make(symbol, 987654321)->canonical();
     ASSERT_EQ(CUnit::searchSymbol(symbol), owner);
@@ -280,7 +278,7 @@ TEST(AlternateUnit, ASymbolTakenByAUnitOfAnotherHashIsRefusedWithoutTrace) {
     EXPECT_EQ(Tables(), before);
     EXPECT_TRUE(isFree(CUnit::mutex()));
     const CUnitPtr next = freshUnit();
-    EXPECT_EQ(Inside::id(next), static_cast<int>(ids) + 1);  // no number was used up
+    EXPECT_EQ(Inside::id(next), static_cast<int>(ids) + 1);  // the refusal used no id
 }
 
 TEST(AlternateUnit, AnEmptyParentIsRefused) {
@@ -292,7 +290,7 @@ TEST(AlternateUnit, AnEmptyParentIsRefused) {
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(AlternateUnit, AUnitWithoutOwnerHasNoSystemUnit) {
+TEST(AlternateUnit, AUnitWithoutSharedOwnerHasNoSystemUnit) {
     CAlternateUnit unit("qq", SI::Meter());
     EXPECT_THROW(unit.getSystemUnit(), std::bad_weak_ptr);
     EXPECT_THROW(unit.elements(), std::bad_weak_ptr);
@@ -300,8 +298,9 @@ TEST(AlternateUnit, AUnitWithoutOwnerHasNoSystemUnit) {
     EXPECT_EQ(unit.getCtxDimension(), SI::Meter());
 }
 
-// The hash of a symbol may belong to a unit of a client's own kind: the pointer is that unit.
-TEST(AlternateUnit, AHashThatBelongsToAnotherKindGivesThatUnit) {
+// The hash code of a symbol may belong to a unit of a client's kind. The result points at that
+// unit.
+TEST(AlternateUnit, AHashCodeThatBelongsToAnotherKindGivesThatUnit) {
     const string_t symbol = freshSymbol();
     const CUnitPtr owner = CClientUnit::make("", hashFromString(symbol))->canonical();
     const Tables before;

@@ -1,5 +1,5 @@
-// BaseUnit_test.cpp: base units, their identity by symbol, and the dimension that a client may give
-// them.
+// BaseUnit_test.cpp: base units, their identity by symbol, and the dimension that a client may set
+// for them.
 #include "mensor/BaseUnit.h"
 
 #include <memory>
@@ -28,11 +28,9 @@ using ::testing::ThrowsMessage;
 
 CConverterPtr scales(double factor) { return std::make_shared<CMultiplyConverter>(factor); }
 
-CBaseUnitPtr freshUnit() { return CBaseUnit::getInstance(freshSymbol()); }
-
 // ---- identity
 
-TEST(BaseUnit, IsOneObjectForASymbol) {
+TEST(BaseUnit, OneSymbolIsOneObject) {
     EXPECT_EQ(CBaseUnit::getInstance("m"), SI::Meter());
     const string_t symbol = freshSymbol();
     const CBaseUnitPtr unit = CBaseUnit::getInstance(symbol);
@@ -40,7 +38,7 @@ TEST(BaseUnit, IsOneObjectForASymbol) {
     EXPECT_NE(CBaseUnit::getInstance(freshSymbol()), unit);
 }
 
-TEST(BaseUnit, IsRegisteredWhereItsSymbolIsNew) {
+TEST(BaseUnit, ANewSymbolIsRegistered) {
     const string_t symbol = freshSymbol();
     const std::size_t before = CUnit::instances().size();
     const CBaseUnitPtr unit = CBaseUnit::getInstance(symbol);
@@ -51,7 +49,7 @@ TEST(BaseUnit, IsRegisteredWhereItsSymbolIsNew) {
     EXPECT_THAT(unit, PrintsAs(text(symbol)));
 }
 
-TEST(BaseUnit, HasTheHashOfItsSymbol) {
+TEST(BaseUnit, ItsHashCodeIsThatOfItsSymbol) {
     for (const char* symbol : {"q", "qr", "°q", "\xE2\x84\xA6q"}) {
         EXPECT_EQ(CBaseUnit::getInstance(symbol)->hashCode(), hashFromString(symbol));
     }
@@ -60,11 +58,11 @@ TEST(BaseUnit, HasTheHashOfItsSymbol) {
     const int before = unit->hashCode();
     unit->setDimension(SI::Meter(), scales(2));
     unit->calculateHashCode();
-    EXPECT_EQ(unit->hashCode(), before) << "of its symbol alone";
+    EXPECT_EQ(unit->hashCode(), before) << "it depends on the symbol alone";
 }
 
-// The hash is cut off at the largest int, and the hash alone decides identity.
-TEST(BaseUnit, OfALongSymbolIsTheFirstUnitWithAnyLongSymbol) {
+// The hash codes of long symbols are all the largest int, and the hash code alone decides identity.
+TEST(BaseUnit, AllLongSymbolsAreOneUnit) {
     const CBaseUnitPtr first = CBaseUnit::getInstance("abcdefgh");
     const Tables before;
     EXPECT_EQ(CBaseUnit::getInstance("zyxwvuts"), first);
@@ -73,7 +71,7 @@ TEST(BaseUnit, OfALongSymbolIsTheFirstUnitWithAnyLongSymbol) {
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(BaseUnit, OfASymbolThatAUnitOfAnotherHashBearsIsRefused) {
+TEST(BaseUnit, ASymbolOfAUnitWithAnotherHashCodeIsRefused) {
     const string_t symbol = freshSymbol();
     const CUnitPtr owner = CClientUnit::make(symbol, hashFromString(symbol) + 1)->canonical();
     const Tables before;
@@ -84,7 +82,7 @@ TEST(BaseUnit, OfASymbolThatAUnitOfAnotherHashBearsIsRefused) {
     EXPECT_EQ(CUnit::searchSymbol(symbol), owner);
 }
 
-TEST(BaseUnit, IsItsOwnSystemUnitAndItsOwnExpansion) {
+TEST(BaseUnit, IsItsOwnSystemUnitAndBaseUnit) {
     for (const CBaseUnitPtr& unit : {SI::Meter(), SI::Kilogram(), freshUnit()}) {
         EXPECT_EQ(unit->getSystemUnit(), unit);
         EXPECT_EQ(unit->baseUnits(), unit);
@@ -95,7 +93,7 @@ TEST(BaseUnit, IsItsOwnSystemUnitAndItsOwnExpansion) {
     }
 }
 
-TEST(BaseUnit, IsMadeByGetInstanceOnly) {
+TEST(BaseUnit, OnlyGetInstanceRegisters) {
     static_assert(!std::is_constructible<CBaseUnit, string_t>::value, "");
     static_assert(std::is_base_of<CUnit, CBaseUnit>::value, "");
     class COpen : public CBaseUnit {
@@ -108,18 +106,18 @@ TEST(BaseUnit, IsMadeByGetInstanceOnly) {
     EXPECT_THROW(onTheStack.getBaseUnits(), std::bad_weak_ptr);
     EXPECT_THROW(onTheStack.getCtxDimension(), std::bad_weak_ptr);
     EXPECT_EQ(CUnit::searchSymbol(onTheStack.getSymbol()), nullptr)
-        << "making one does not register it";
+        << "the constructor does not register it";
 }
 
 // ---- equality
 
-TEST(BaseUnit, EqualsEveryUnitOfTheSameSymbolWhateverItsKind) {
+TEST(BaseUnit, EqualsEveryUnitWithTheSameSymbolOfAnyKind) {
     EXPECT_TRUE(SI::Meter()->equals(SI::Meter()));
     EXPECT_TRUE(SI::Meter()->equals(std::make_shared<CAlternateUnit>("m", SI::Second())));
     EXPECT_TRUE(SI::Meter()->equals(CClientUnit::make("m", 1)));
 }
 
-TEST(BaseUnit, EqualsNoUnitOfAnotherText) {
+TEST(BaseUnit, EqualsNoUnitWithAnotherSymbol) {
     EXPECT_FALSE(SI::Meter()->equals(nullptr));
     EXPECT_FALSE(SI::Meter()->equals(SI::Second()));
     EXPECT_FALSE(SI::Meter()->equals(SI::Mole()));
@@ -133,7 +131,7 @@ TEST(BaseUnit, EqualsNoUnitOfAnotherText) {
 
 // ---- the dimension
 
-TEST(BaseUnit, IsItsOwnDimensionUntilAnotherIsSet) {
+TEST(BaseUnit, IsItsOwnDimensionUntilOneIsSet) {
     const CBaseUnitPtr unit = freshUnit();
     EXPECT_EQ(unit->getCtxDimension(), unit);
     EXPECT_EQ(unit->getCtxToDimension(), CConverter::identity());
@@ -142,7 +140,7 @@ TEST(BaseUnit, IsItsOwnDimensionUntilAnotherIsSet) {
     EXPECT_EQ(unit->getCtxDimension(), unit) << "asked again";
 }
 
-TEST(BaseUnit, HasTheDimensionAndTheConverterThatWereSet) {
+TEST(BaseUnit, ReturnsTheDimensionAndTheConverterThatWereSet) {
     const CBaseUnitPtr unit = freshUnit();
     const CUnitPtr dimension = SI::Meter() ^ 2;
     const CConverterPtr converter = scales(4);
@@ -156,11 +154,11 @@ TEST(BaseUnit, HasTheDimensionAndTheConverterThatWereSet) {
     unit->setDimension(SI::Second(), other);
     EXPECT_EQ(unit->getCtxDimension(), SI::Second());
     EXPECT_EQ(unit->getCtxToDimension(), other);
-    EXPECT_EQ(unit->getSystemUnit(), unit) << "what else it is does not change";
+    EXPECT_EQ(unit->getSystemUnit(), unit) << "only the dimension changes";
     EXPECT_EQ(unit->baseUnits(), unit);
 }
 
-TEST(BaseUnit, WithADimensionAlreadyAskedForTakesTheNewOne) {
+TEST(BaseUnit, ANewDimensionReplacesOneThatWasUsed) {
     const CBaseUnitPtr unit = freshUnit();
     ASSERT_EQ(unit->getDimension(), unit);
     ASSERT_FALSE(unit->isCompatible(SI::Meter()));
@@ -169,7 +167,7 @@ TEST(BaseUnit, WithADimensionAlreadyAskedForTakesTheNewOne) {
     EXPECT_TRUE(unit->isCompatible(SI::Meter()));
 }
 
-TEST(BaseUnit, TakesEmptyPointersForTheDefaults) {
+TEST(BaseUnit, EmptyPointersRestoreTheDefaults) {
     const CBaseUnitPtr unit = freshUnit();
     const CConverterPtr converter = scales(4);
     unit->setDimension(SI::Meter(), converter);
@@ -186,7 +184,7 @@ TEST(BaseUnit, TakesEmptyPointersForTheDefaults) {
     EXPECT_EQ(unit->getCtxToDimension(), converter);
 }
 
-TEST(SetDimension, EmptiesBothCachesAndTheyFillAgain) {
+TEST(SetDimension, ClearsBothTablesOfDimensionsWhichFillAgain) {
     const CUnitPtr kilometre = CUnit::fromString("km");
     ASSERT_EQ(kilometre->getDimension(), SI::Meter());
     ASSERT_GT(CUnit::dimensions().size(), 0U);
@@ -196,7 +194,7 @@ TEST(SetDimension, EmptiesBothCachesAndTheyFillAgain) {
     unit->setDimension(SI::Meter(), scales(4));
     EXPECT_TRUE(CUnit::dimensions().empty());
     EXPECT_TRUE(CUnit::toDimensions().empty());
-    EXPECT_EQ(Tables(), before) << "identity and text are not touched";
+    EXPECT_EQ(Tables(), before) << "identity and text do not change";
 
     EXPECT_EQ(kilometre->getDimension(), SI::Meter());
     EXPECT_EQ(CUnit::dimensions().size(), 1U);
@@ -207,8 +205,8 @@ TEST(SetDimension, EmptiesBothCachesAndTheyFillAgain) {
     EXPECT_EQ(CUnit::toDimensions().size(), 2U);
 }
 
-// Lengths in light time: the metre is mapped onto the second.
-TEST(SetDimension, ReachesEveryUnitThatRestsOnTheBaseUnit) {
+// Lengths as the time that light needs: the dimension of the metre is the second.
+TEST(SetDimension, ChangesEveryUnitThatDependsOnTheBaseUnit) {
     constexpr double SpeedOfLight = 299792458;
     const CUnitPtr kilometre = CUnit::fromString("km"), speed = SI::Meter() / SI::Second();
     const CUnitPtr lux = SI::Lux();
@@ -222,7 +220,7 @@ TEST(SetDimension, ReachesEveryUnitThatRestsOnTheBaseUnit) {
     EXPECT_THAT(kilometre,
                 ConvertsTo(SI::Meter(), 1.0,
                            SI::Second()->convertValueToUnit(1000 / SpeedOfLight, SI::Meter())));
-    // Factors of products are made by pow, whose last place may differ.
+    // Products compute their factors with pow, whose last digit may differ.
     EXPECT_EQ(speed->getDimension(), CProductUnit::one());
     EXPECT_THAT(speed->convertValueToUnit(SpeedOfLight, CProductUnit::one()), WithinOneUlp(1.0));
     EXPECT_TRUE(lux->isCompatible(SI::Candela() / (SI::Second() ^ 2)));
@@ -232,7 +230,7 @@ TEST(SetDimension, ReachesEveryUnitThatRestsOnTheBaseUnit) {
     EXPECT_THAT(kilometre, ConvertsTo(SI::Meter(), 1.0, 1000.0));
 }
 
-TEST(SetDimension, LeavesConvertersAlreadyHandedOutAsTheyWere) {
+TEST(SetDimension, DoesNotChangeConvertersThatAClientHas) {
     const CBaseUnitPtr unit = freshUnit();
     unit->setDimension(SI::Meter(), scales(4));
     const CConverterPtr before = unit->getConverterTo(SI::Meter());
@@ -243,7 +241,7 @@ TEST(SetDimension, LeavesConvertersAlreadyHandedOutAsTheyWere) {
     EXPECT_EQ(before->convert(1), 4);
 }
 
-TEST(SetDimension, TakesAScaleThatIsNotLinearButProductsRefuseIt) {
+TEST(SetDimension, AcceptsANonLinearConverterThatProductsRefuse) {
     const CBaseUnitPtr unit = freshUnit();
     unit->setDimension(SI::Meter(), std::make_shared<CSquare>());
     EXPECT_THAT(unit, ConvertsTo(SI::Meter(), 3.0, 9.0));
@@ -254,12 +252,12 @@ TEST(SetDimension, TakesAScaleThatIsNotLinearButProductsRefuseIt) {
                                                       " is non-linear, cannot convert")));
 }
 
-// ---- a symbol whose hash belongs to a unit of another kind
+// ---- a symbol whose hash code belongs to a unit of another kind
 
 struct Foreign {
     const char* Kind;
     CUnitPtr Unit;
-    string_t Symbol;  // has the unit's hash
+    string_t Symbol;  // has the hash code of the unit
 };
 
 std::vector<Foreign> foreignUnits() {
@@ -276,15 +274,15 @@ std::vector<Foreign> foreignUnits() {
     };
 }
 
-// The calls that a sanitizer stops which checks the class of an object at each call: that the object
-// is of another class is what is tested.
+// Turns off the sanitizer that checks the class of an object at each call: these tests call
+// functions of an object of another class on purpose.
 #define OF_ANOTHER_CLASS __attribute__((no_sanitize("vptr")))
 
 OF_ANOTHER_CLASS void setDimension(const CBaseUnitPtr& cast) {
     cast->setDimension(SI::Meter(), CConverter::identity());
 }
 
-// No member reached through the result may take the other kind's memory for its own.
+// No function called through the result may treat the memory of the other kind as its own.
 OF_ANOTHER_CLASS void askAllMembers(const CBaseUnitPtr& cast, const CUnitPtr& unit) {
     EXPECT_EQ(cast->getBaseUnits(), unit);
     EXPECT_EQ(cast->getSystemUnit(), unit->getSystemUnit());
@@ -295,7 +293,7 @@ OF_ANOTHER_CLASS void askAllMembers(const CBaseUnitPtr& cast, const CUnitPtr& un
     EXPECT_TRUE(cast->isCompatible(unit));
 }
 
-TEST(BaseUnit, OfAHashOfAnotherKindIsThatUnitAndItsDimensionCannotBeSet) {
+TEST(BaseUnit, AHashCodeOfAnotherKindGivesThatUnitWhoseDimensionCannotBeSet) {
     for (const Foreign& foreign : foreignUnits()) {
         SCOPED_TRACE(foreign.Kind);
         ASSERT_EQ(hashFromString(foreign.Symbol), foreign.Unit->hashCode());
@@ -308,7 +306,7 @@ TEST(BaseUnit, OfAHashOfAnotherKindIsThatUnitAndItsDimensionCannotBeSet) {
         EXPECT_THAT([&] { setDimension(cast); },
                     ThrowsMessage<std::logic_error>(HasSubstr(text(foreign.Unit->getSymbol()))));
         askAllMembers(cast, foreign.Unit);
-        EXPECT_GE(CUnit::dimensions().size(), cached) << "nothing is forgotten";
+        EXPECT_GE(CUnit::dimensions().size(), cached) << "nothing was cleared";
         EXPECT_EQ(foreign.Unit->getDimension(), dimension);
         EXPECT_EQ(foreign.Unit->getCtxToDimension()->derivative(0), converter->derivative(0));
         EXPECT_EQ(Tables(), before);

@@ -1,4 +1,4 @@
-// Converter_test.cpp: the identity, the base rules of chaining and equality, and compounds of any
+// Converter_test.cpp: the identity, chaining and equality in the base class, and compounds of any
 // depth.
 #include "mensor/Converter.h"
 
@@ -41,7 +41,7 @@ CCompoundPtr asCompound(const CConverterPtr& converter) {
     return std::dynamic_pointer_cast<CCompound>(converter);
 }
 
-// One of every class, and a client's.
+// A converter of each class, and one of a client's class.
 std::vector<CConverterPtr> oneOfEach() {
     return {CConverter::identity(),
             adds(273.15),
@@ -53,13 +53,13 @@ std::vector<CConverterPtr> oneOfEach() {
 
 // ---- the identity
 
-TEST(Identity, IsOneObjectOfTheProcess) {
+TEST(Identity, IsOneObjectInTheProcess) {
     EXPECT_EQ(CConverter::identity(), CConverter::identity());
     EXPECT_NE(std::dynamic_pointer_cast<CIdentity>(CConverter::identity()), nullptr);
     EXPECT_EQ(SI::Meter()->getConverterTo(SI::Meter()), CConverter::identity());
 }
 
-TEST(Identity, GivesBackTheVeryBits) {
+TEST(Identity, ReturnsTheSameBits) {
     for (const double x : {0.0, -0.0, 2.5, -1e300, 5e-324, Infinity, -Infinity, NotANumber}) {
         EXPECT_THAT(CConverter::identity()->convert(x), HasBitsOf(x));
         EXPECT_EQ(CConverter::identity()->derivative(x), 1.0);
@@ -67,13 +67,13 @@ TEST(Identity, GivesBackTheVeryBits) {
     EXPECT_TRUE(CConverter::identity()->isLinear());
 }
 
-TEST(Identity, IsItsOwnInverseAndIsNotChainedWithItself) {
+TEST(Identity, IsItsOwnInverseAndConcatenatesWithItselfToItself) {
     const CConverterPtr identity = CConverter::identity();
     EXPECT_EQ(identity->inverse(), identity);
     EXPECT_EQ(identity->concatenate(identity), identity);
 }
 
-TEST(Identity, SeenAsAConverterIsAStepLikeAnyOther) {
+TEST(Identity, MakesACompoundWhenCalledThroughTheBaseClass) {
     const CConverterPtr c = scales(1000);
     const CCompoundPtr compound = asCompound(CConverter::identity()->concatenate(c));
     ASSERT_TRUE(compound);
@@ -81,7 +81,7 @@ TEST(Identity, SeenAsAConverterIsAStepLikeAnyOther) {
     EXPECT_EQ(compound->second(), CConverter::identity());
 }
 
-TEST(Identity, SeenAsItselfHandsOnWhatItIsChainedWith) {
+TEST(Identity, ConcatenateReturnsTheOtherWhenCalledThroughItsOwnClass) {
     const auto identity = std::static_pointer_cast<CIdentity>(CConverter::identity());
     for (const CConverterPtr& c : oneOfEach()) {
         EXPECT_EQ(identity->concatenate(c), c);
@@ -91,21 +91,23 @@ TEST(Identity, SeenAsItselfHandsOnWhatItIsChainedWith) {
     EXPECT_EQ(onTheStack.concatenate(c), c);
 }
 
-TEST(Identity, EqualsEveryScalingByOneInSinglePrecision) {
+TEST(Identity, EqualsEveryScalingThatIsOneInSinglePrecision) {
     const CConverterPtr identity = CConverter::identity();
     EXPECT_TRUE(identity->equals(identity));
     EXPECT_TRUE(identity->equals(scales(1)));
     EXPECT_TRUE(identity->equals(scales(1 + 1e-9)));
     EXPECT_TRUE(scales(1 + 1e-9)->equals(identity));
     EXPECT_TRUE(identity->equals(std::make_shared<CScaling>(1)));
-    EXPECT_TRUE(identity->equals(chain(scales(4), scales(0.25)))) << "a compound is linear, too";
-    EXPECT_FALSE(chain(scales(4), scales(0.25))->equals(identity)) << "but equals only compounds";
+    EXPECT_TRUE(identity->equals(chain(scales(4), scales(0.25))))
+        << "a compound of factors is linear";
+    EXPECT_FALSE(chain(scales(4), scales(0.25))->equals(identity))
+        << "a compound equals only compounds";
     EXPECT_FALSE(identity->equals(scales(1 + 1e-6)));
     EXPECT_FALSE(identity->equals(adds(0))) << "not a scaling";
 }
 
-// It is recognised by its address, so a second object of its class is a step like any other.
-TEST(Identity, IsOnlyTheOneObject) {
+// The identity is recognised by its address, so a second object of the class is an ordinary step.
+TEST(Identity, AnotherObjectOfTheClassIsAnOrdinaryStep) {
     const CConverterPtr second = std::make_shared<CIdentity>();
     const CConverterPtr c = scales(2);
     const CCompoundPtr compound = asCompound(c->concatenate(second));
@@ -114,7 +116,7 @@ TEST(Identity, IsOnlyTheOneObject) {
     EXPECT_EQ(second->inverse(), second);
 }
 
-TEST(Identity, WithoutASharedOwnerHasNoInverse) {
+TEST(Identity, ThrowsWhenInvertedWithoutASharedOwner) {
     CIdentity onTheStack;
     EXPECT_THROW(onTheStack.inverse(), std::bad_weak_ptr);
     EXPECT_EQ(onTheStack.convert(2), 2);
@@ -122,7 +124,7 @@ TEST(Identity, WithoutASharedOwnerHasNoInverse) {
 
 // ---- the base
 
-TEST(Converter, HashIsTheSlopeAtZeroInSinglePrecision) {
+TEST(Converter, TheHashCodeIsTheSlopeAtZeroInSinglePrecision) {
     EXPECT_EQ(CConverter::identity()->hashCode(), 0x3F800000);
     EXPECT_EQ(scales(1000)->hashCode(), 0x447A0000);
     EXPECT_EQ(scales(0.1)->hashCode(), floatToIntBits(0.1f));
@@ -136,12 +138,12 @@ TEST(Converter, HashIsTheSlopeAtZeroInSinglePrecision) {
     EXPECT_EQ(scales(1e-300)->hashCode(), 0) << "zero as a float";
 }
 
-TEST(Converter, SeenThroughTheBaseAllOffsetsHashAlike) {
+TEST(Converter, AllOffsetsHaveTheSameHashCodeThroughTheBaseClass) {
     EXPECT_EQ(adds(273.15)->hashCode(), 0x3F800000);
     EXPECT_EQ(adds(-7)->hashCode(), 0x3F800000);
 }
 
-TEST(Converter, EqualsAScalingOfTheSameSlopeInSinglePrecision) {
+TEST(Converter, EqualsAScalingWithTheSameSlopeInSinglePrecision) {
     EXPECT_TRUE(scales(0.1)->equals(scales(0.1 + 1e-12)));
     EXPECT_TRUE(scales(2)->equals(std::make_shared<CScaling>(2)));
     EXPECT_TRUE(std::make_shared<CScaling>(2)->equals(scales(2)));
@@ -154,7 +156,7 @@ TEST(Converter, EqualsAScalingOfTheSameSlopeInSinglePrecision) {
     EXPECT_FALSE(scales(2)->equals(scales(-2)));
 }
 
-TEST(Converter, EqualsNothingThatIsNotLinearNotEvenItself) {
+TEST(Converter, ANonLinearConverterEqualsNothingNotEvenItself) {
     const CConverterPtr square = std::make_shared<CSquare>();
     EXPECT_FALSE(square->equals(square));
     const CConverterPtr bent = std::make_shared<CBent>();
@@ -164,13 +166,13 @@ TEST(Converter, EqualsNothingThatIsNotLinearNotEvenItself) {
     EXPECT_FALSE(scales(1)->equals(adds(5)));
 }
 
-TEST(Converter, NeverEqualsAnEmptyPointer) {
+TEST(Converter, EqualsNoEmptyPointer) {
     for (const CConverterPtr& c : oneOfEach()) {
         EXPECT_FALSE(c->equals(nullptr));
     }
 }
 
-TEST(Converter, ChainedWithTheIdentityIsItself) {
+TEST(Converter, ConcatenatedWithTheIdentityIsItself) {
     for (const CConverterPtr& c : oneOfEach()) {
         EXPECT_EQ(c->concatenate(CConverter::identity()), c);
     }
@@ -182,7 +184,7 @@ TEST(Converter, ChainedWithTheIdentityIsItself) {
     EXPECT_EQ(compound->concatenate(CConverter::identity()), compound);
 }
 
-TEST(Converter, ChainAppliesTheOtherFirst) {
+TEST(Converter, ConcatenateAppliesTheOtherFirst) {
     for (const CConverterPtr& a : oneOfEach()) {
         for (const CConverterPtr& b : oneOfEach()) {
             const CConverterPtr ab = a->concatenate(b);
@@ -198,17 +200,17 @@ TEST(Converter, ChainAppliesTheOtherFirst) {
     }
 }
 
-TEST(Converter, ChainIsANewObjectAtEveryCall) {
+TEST(Converter, ConcatenateReturnsANewObjectAtEachCall) {
     const CConverterPtr a = scales(2), b = adds(1);
     EXPECT_NE(a->concatenate(b), a->concatenate(b));
 }
 
-TEST(Converter, ChainedThroughTheBaseNeverFolds) {
+TEST(Converter, ConcatenateThroughTheBaseClassAlwaysMakesACompound) {
     EXPECT_TRUE(asCompound(scales(1000)->concatenate(scales(0.001))));
     EXPECT_TRUE(asCompound(adds(1)->concatenate(adds(-1))));
 }
 
-TEST(Converter, WithoutASharedOwnerCannotBeChained) {
+TEST(Converter, ThrowsWhenConcatenatedWithoutASharedOwner) {
     CSquare square;
     CAddConverter offset(1);
     CMultiplyConverter factor(2);
@@ -221,7 +223,7 @@ TEST(Converter, WithoutASharedOwnerCannotBeChained) {
     }
 }
 
-TEST(Converter, RefusesAnEmptyPointerInAChain) {
+TEST(Converter, ConcatenateRefusesAnEmptyPointer) {
     for (const CConverterPtr& c : oneOfEach()) {
         EXPECT_THROW(c->concatenate(nullptr), std::invalid_argument);
     }
@@ -229,7 +231,7 @@ TEST(Converter, RefusesAnEmptyPointerInAChain) {
     EXPECT_THROW(CCompound(adds(1), nullptr), std::invalid_argument);
 }
 
-TEST(Converter, HasNoNotationThroughTheBaseWhateverItsClass) {
+TEST(Converter, HasNoSymbolThroughTheBaseClass) {
     for (const CConverterPtr& c : oneOfEach()) {
         for (const CUnitPtr& unit : {CUnitPtr(SI::Meter()), SI::Newton(), CProductUnit::one()}) {
             EXPECT_EQ(text(c->getSymbol(unit)), "");
@@ -238,7 +240,7 @@ TEST(Converter, HasNoNotationThroughTheBaseWhateverItsClass) {
     }
 }
 
-TEST(Converter, IsABaseForClients) {
+TEST(Converter, ClientsCanDeriveFromIt) {
     static_assert(std::is_abstract<CConverter>::value, "");
     static_assert(std::has_virtual_destructor<CConverter>::value, "");
     static_assert(std::is_base_of<std::enable_shared_from_this<CConverter>, CConverter>::value, "");
@@ -257,21 +259,21 @@ TEST(Compound, AppliesItsFirstStepAndThenItsSecond) {
     EXPECT_EQ(chain(std::make_shared<CSquare>(), adds(1))->convert(3), 10);
 }
 
-// Two factors multiplied beforehand would round once where two steps round twice.
+// Each of two steps rounds its result. The product of both factors would round once.
 TEST(Compound, RoundsAtEveryStep) {
     EXPECT_THAT(chain(scales(0.7), scales(5))->convert(3), HasBitsOf(3 * 0.7 * 5));
-    EXPECT_NE(bitsOf(3 * 0.7 * 5), bitsOf(3 * (0.7 * 5))) << "or this shows nothing";
+    EXPECT_NE(bitsOf(3 * 0.7 * 5), bitsOf(3 * (0.7 * 5))) << "otherwise the test shows nothing";
     EXPECT_THAT(chain(adds(1e16), adds(-1e16))->convert(1), HasBitsOf(0.0));
 }
 
-TEST(Compound, HandsOutTheStepsItWasMadeOf) {
+TEST(Compound, ReturnsItsTwoSteps) {
     const CConverterPtr first = scales(2), second = adds(1);
     const CCompoundPtr compound = chain(first, second);
     EXPECT_EQ(compound->first(), first);
     EXPECT_EQ(compound->second(), second);
 }
 
-TEST(Compound, HasTheSlopeOfTheChainRule) {
+TEST(Compound, ItsSlopeFollowsTheChainRule) {
     const auto square = [] { return std::make_shared<CSquare>(); };
     EXPECT_EQ(chain(square(), scales(3))->derivative(5), 30);
     EXPECT_EQ(chain(scales(3), square())->derivative(5), 3 * 30);
@@ -281,16 +283,16 @@ TEST(Compound, HasTheSlopeOfTheChainRule) {
     EXPECT_EQ(chain(adds(2), square())->derivative(0.0), 4);
 }
 
-// The second step is asked for its slope where the first has taken the value, and for nothing else:
-// it need not be able to convert that value.
-TEST(Compound, AsksForTheSlopeOfItsFirstStepFirst) {
+// The second step computes its slope at the result of the first step. It does not convert that
+// value, so it may be unable to.
+TEST(Compound, ComputesTheSlopeOfItsFirstStepFirst) {
     CLogged::Log log;
     const auto a = std::make_shared<CLogged>("a", log), b = std::make_shared<CLogged>("b", log);
     chain(a, b)->derivative(0);
     EXPECT_THAT(log, ElementsAre("a.derivative", "a.convert", "b.derivative"));
 }
 
-TEST(Compound, AsksItsStepsOnceForAValueInOrder) {
+TEST(Compound, CallsEachStepOnceInOrder) {
     CLogged::Log log;
     const auto a = std::make_shared<CLogged>("a", log), b = std::make_shared<CLogged>("b", log);
     const auto c = std::make_shared<CLogged>("c", log);
@@ -300,7 +302,7 @@ TEST(Compound, AsksItsStepsOnceForAValueInOrder) {
                                  "a.convert", "b.convert", "c.convert"));
 }
 
-TEST(Compound, ReportsItselfLinearThoughItsSecondStepIsAnOffset) {
+TEST(Compound, IsLinearEvenIfItsSecondStepIsAnOffset) {
     EXPECT_TRUE(chain(scales(1.8), adds(32))->isLinear());
     EXPECT_FALSE(chain(adds(32), scales(1.8))->isLinear());
     EXPECT_TRUE(chain(scales(2), std::make_shared<CSquare>())->isLinear());
@@ -308,7 +310,7 @@ TEST(Compound, ReportsItselfLinearThoughItsSecondStepIsAnOffset) {
     EXPECT_FALSE(chain(chain(adds(1), scales(2)), scales(2))->isLinear());
 }
 
-TEST(Compound, AsksItsFirstStepTwiceWhetherItIsLinearAndItsSecondNever) {
+TEST(Compound, IsLinearAsksTheFirstStepTwiceAndTheSecondNever) {
     CLogged::Log log;
     const auto a = std::make_shared<CLogged>("a", log), b = std::make_shared<CLogged>("b", log);
     b->IsLinear = false;
@@ -320,7 +322,7 @@ TEST(Compound, AsksItsFirstStepTwiceWhetherItIsLinearAndItsSecondNever) {
     EXPECT_THAT(log, ElementsAre("a.isLinear"));
 }
 
-TEST(Compound, IsNotLinearIfItsFirstStepTakesItsWordBack) {
+TEST(Compound, IsNotLinearIfTheSecondAnswerOfItsFirstStepIsNo) {
     class CWavering : public CScaling {
     public:
         using CScaling::CScaling;
@@ -332,7 +334,7 @@ TEST(Compound, IsNotLinearIfItsFirstStepTakesItsWordBack) {
     EXPECT_FALSE(chain(std::make_shared<CWavering>(2), scales(2))->isLinear());
 }
 
-TEST(Compound, IsInvertedByItsStepsInverseInReverseOrder) {
+TEST(Compound, ItsInverseIsTheInversesInReverseOrder) {
     CLogged::Log log;
     const auto a = std::make_shared<CLogged>("a", log), b = std::make_shared<CLogged>("b", log);
     const CCompoundPtr inverse = asCompound(chain(a, b)->inverse());
@@ -343,14 +345,14 @@ TEST(Compound, IsInvertedByItsStepsInverseInReverseOrder) {
     EXPECT_THAT(log, ElementsAre("b'.convert", "a'.convert"));
 }
 
-TEST(Compound, KeepsTheIdentityObjectAsAStepOfItsInverse) {
+TEST(Compound, ItsInverseKeepsTheIdentityAsAStep) {
     const CCompoundPtr inverse = asCompound(chain(scales(4), CConverter::identity())->inverse());
     ASSERT_TRUE(inverse);
     EXPECT_EQ(inverse->first(), CConverter::identity());
     EXPECT_EQ(inverse->second()->convert(1), 0.25);
 }
 
-TEST(Compound, IsUndoneByItsInverseUpToRounding) {
+TEST(Compound, ItsInverseUndoesItUpToRounding) {
     for (const CConverterPtr& a : oneOfEach()) {
         for (const CConverterPtr& b : oneOfEach()) {
             const CCompoundPtr compound = chain(a, b);
@@ -361,7 +363,7 @@ TEST(Compound, IsUndoneByItsInverseUpToRounding) {
     }
 }
 
-TEST(Compound, EqualsACompoundWhoseStepsAreEqualPairByPair) {
+TEST(Compound, EqualsACompoundWithEqualSteps) {
     const CCompoundPtr compound = chain(scales(1.8), adds(32));
     EXPECT_TRUE(compound->equals(compound));
     EXPECT_TRUE(compound->equals(chain(scales(1.8 + 1e-12), adds(32 + 1e-12))));
@@ -371,21 +373,21 @@ TEST(Compound, EqualsACompoundWhoseStepsAreEqualPairByPair) {
     EXPECT_FALSE(compound->equals(chain(scales(1.9), adds(32))));
 }
 
-TEST(Compound, EqualsNoOtherClassThoughItConvertsAlike) {
+TEST(Compound, EqualsNoOtherClassThatConvertsTheSame) {
     EXPECT_FALSE(chain(scales(2), scales(3))->equals(scales(6)));
     EXPECT_FALSE(chain(CConverter::identity(), scales(6))->equals(scales(6)));
     EXPECT_FALSE(chain(adds(1), adds(1))->equals(adds(2)));
 }
 
-TEST(Compound, OfAnotherNestingIsNotEqualThoughItConvertsAlike) {
+TEST(Compound, EqualsNoOtherNestingThatConvertsTheSame) {
     const CConverterPtr a = scales(2), b = scales(3), c = scales(5);
     EXPECT_FALSE(chain(chain(a, b), c)->equals(chain(a, chain(b, c))));
     EXPECT_TRUE(chain(chain(a, b), c)->equals(chain(chain(a, b), c)));
     EXPECT_TRUE(chain(scales(6), c)->equals(chain(chain(a, b), c)))
-        << "a factor equals whatever scales alike";
+        << "a factor equals any converter with the same slope";
 }
 
-TEST(Compound, ComparesItsSecondStepOnlyWhereTheFirstAreEqual) {
+TEST(Compound, ComparesTheSecondStepsOnlyIfTheFirstAreEqual) {
     CLogged::Log log;
     const auto a = std::make_shared<CLogged>("a", log), b = std::make_shared<CLogged>("b", log);
     EXPECT_TRUE(chain(a, b)->equals(chain(scales(1), scales(2))));
@@ -396,7 +398,7 @@ TEST(Compound, ComparesItsSecondStepOnlyWhereTheFirstAreEqual) {
     EXPECT_THAT(log, ElementsAre("a.equals"));
 }
 
-TEST(Compound, IsNeitherFlattenedNorSimplified) {
+TEST(Compound, KeepsItsNestingAndItsSteps) {
     const CConverterPtr a = scales(2), b = scales(0.5), c = adds(0);
     const CCompoundPtr outer = asCompound(c->concatenate(b->concatenate(a)));
     ASSERT_TRUE(outer);
@@ -412,7 +414,7 @@ TEST(Compound, IsNeitherFlattenedNorSimplified) {
     EXPECT_TRUE(asCompound(other->second()));
 }
 
-TEST(Compound, OnTheStackConvertsComparesAndInverts) {
+TEST(Compound, NeedsNoSharedOwnerToConvertCompareAndInvert) {
     CConverterPtr inverse;
     {
         CCompound compound(scales(1.8), adds(32));
@@ -424,7 +426,7 @@ TEST(Compound, OnTheStackConvertsComparesAndInverts) {
     EXPECT_NEAR(inverse->convert(212), 100, 1e-12);
 }
 
-TEST(Compound, KeepsItsStepsAliveAndNoLonger) {
+TEST(Compound, OwnsItsStepsAndReleasesThem) {
     CConverterPtr first = scales(2);
     const std::weak_ptr<CConverter> weak = first;
     CConverterPtr compound = chain(chain(std::move(first), adds(1)), adds(1));
@@ -434,7 +436,7 @@ TEST(Compound, KeepsItsStepsAliveAndNoLonger) {
     EXPECT_TRUE(weak.expired());
 }
 
-TEST(Compound, LeavesAStepThatOthersHoldUnharmed) {
+TEST(Compound, ItsDestructorKeepsAStepThatHasAnotherOwner) {
     const CConverterPtr shared = chain(chain(scales(2), adds(1)), std::make_shared<CScaling>(3));
     {
         const CConverterPtr left = chain(shared, shared), right = chain(adds(1), left);
@@ -443,7 +445,7 @@ TEST(Compound, LeavesAStepThatOthersHoldUnharmed) {
     EXPECT_EQ(shared->convert(1), 9);
 }
 
-TEST(Compound, LetsThroughWhatAStepThrows) {
+TEST(Compound, PassesOnTheExceptionOfAStep) {
     class CRefusing : public CScaling {
     public:
         CRefusing() : CScaling(1) {}
@@ -456,8 +458,8 @@ TEST(Compound, LetsThroughWhatAStepThrows) {
     EXPECT_EQ(compound->convert(3), 4);
 }
 
-// A client's subclass says itself what it does, alone and as a step.
-TEST(Compound, OfAClientsClassIsAskedItself) {
+// A client's subclass overrides the functions, alone and as a step.
+TEST(Compound, CallsTheFunctionsOfAClientsSubclass) {
     class CRounded : public CCompound {
     public:
         using CCompound::CCompound;
@@ -478,12 +480,13 @@ TEST(Compound, OfAClientsClassIsAskedItself) {
     EXPECT_EQ(outer->inverse()->convert(30), 3);
     EXPECT_TRUE(outer->equals(chain(std::make_shared<CRounded>(adds(1), adds(2)), scales(10))));
     EXPECT_FALSE(outer->equals(chain(chain(scales(2.5), adds(1)), scales(10))));
-    EXPECT_TRUE(chain(scales(2.5), adds(1))->equals(rounded)) << "it is a compound of equal steps";
+    EXPECT_TRUE(chain(scales(2.5), adds(1))->equals(rounded))
+        << "both are compounds with equal steps";
 }
 
-// ---- compounds as the nest of steps they are, whatever way they are run
+// ---- compounds give the results of their nested steps
 
-// What a compound is defined to do, spelt out on the nest of steps that it hands out.
+// The definition of a compound, computed with the nested steps that it returns.
 namespace nest {
 
 double convert(const CConverterPtr& c, double x) {
@@ -517,7 +520,7 @@ bool equals(const CConverterPtr& a, const CConverterPtr& b) {
            equals(left->second(), right->second());
 }
 
-// Whether two nests have the same shape and their steps convert and are classed alike.
+// Whether two compounds have the same nesting, and steps of the same classes that convert the same.
 bool areAlike(const CConverterPtr& a, const CConverterPtr& b) {
     const CCompoundPtr left = asCompound(a), right = asCompound(b);
     if (left || right) {
@@ -534,7 +537,7 @@ class RandomChains {
 public:
     explicit RandomChains(unsigned seed) : m_Random(seed) {}
 
-    // A nest of `steps` steps in some shape.
+    // A compound of `steps` steps with random nesting.
     CConverterPtr next(int steps) {
         if (steps == 1) {
             return step();
@@ -561,10 +564,10 @@ private:
         }
     }
 
-    std::mt19937 m_Random;  // the same numbers everywhere
+    std::mt19937 m_Random;  // the same numbers on every platform
 };
 
-TEST(Compound, OfAnyShapeDoesWhatTheNestOfItsStepsDoes) {
+TEST(Compound, AnyNestingGivesTheResultsOfItsSteps) {
     RandomChains chains(20240719);
     for (int round = 0; round < 400; ++round) {
         const int steps = 2 + chains.below(round % 4 == 0 ? 120 : 12);
@@ -582,8 +585,8 @@ TEST(Compound, OfAnyShapeDoesWhatTheNestOfItsStepsDoes) {
     }
 }
 
-// Where each step bends, a slope is right only if every step before it has taken the value.
-TEST(Compound, NestedDeepHasTheSlopeOfTheChainRule) {
+// Non-linear steps: a slope is right only if all steps before it have converted the value.
+TEST(Compound, TheSlopeOfADeepChainFollowsTheChainRule) {
     const auto bent = [](int i) { return std::make_shared<CBent>((i % 7 - 3) / 64.0); };
     CConverterPtr inFirst = bent(0), inSecond = bent(0), byTurns = bent(0);
     for (int i = 1; i < 80; ++i) {
@@ -597,12 +600,12 @@ TEST(Compound, NestedDeepHasTheSlopeOfTheChainRule) {
     }
 }
 
-// ---- compounds of great depth
+// ---- deep compounds
 
 constexpr int Depth = 100000;
 constexpr std::size_t SmallStack = 256 * 1024;
 
-// A step of each class in turn, none of which lets the values grow or vanish.
+// A step of each class in turn. The values stay finite and do not become zero.
 CConverterPtr stepOf(int i, double firstOffset) {
     switch (i % 4) {
         case 0: return adds(i == 0 ? firstOffset : 0.25);
@@ -637,7 +640,7 @@ double convertedStepByStep(double x) {
     return x;
 }
 
-TEST(DeepCompound, NestedInItsFirstStepNeedsLittleStack) {
+TEST(DeepCompound, NestedInTheFirstStepNeedsLittleStack) {
     runWithStack(SmallStack, [] {
         CConverterPtr c = nestedInFirst(0.25);
         EXPECT_THAT(c->convert(20), HasBitsOf(convertedStepByStep(20)));
@@ -651,13 +654,13 @@ TEST(DeepCompound, NestedInItsFirstStepNeedsLittleStack) {
         CConverterPtr inverse = c->inverse();
         EXPECT_NEAR(inverse->convert(c->convert(20)), 20, 1e-6);
         EXPECT_TRUE(c->equals(nestedInFirst(0.25)));
-        EXPECT_FALSE(c->equals(nestedInFirst(0.26))) << "the innermost step differs";
+        EXPECT_FALSE(c->equals(nestedInFirst(0.26))) << "only the innermost step differs";
         inverse.reset();
         c.reset();
     });
 }
 
-TEST(DeepCompound, NestedInItsSecondStepNeedsLittleStack) {
+TEST(DeepCompound, NestedInTheSecondStepNeedsLittleStack) {
     runWithStack(SmallStack, [] {
         CConverterPtr c = nestedInSecond(0.25);
         EXPECT_THAT(c->convert(20), HasBitsOf(convertedStepByStep(20)));
@@ -677,7 +680,7 @@ TEST(DeepCompound, NestedInItsSecondStepNeedsLittleStack) {
     });
 }
 
-TEST(DeepCompound, NestedInBothByTurnsNeedsLittleStack) {
+TEST(DeepCompound, NestedInBothStepsAlternatelyNeedsLittleStack) {
     runWithStack(SmallStack, [] {
         const auto build = [](double last) {
             CConverterPtr c = adds(last);
@@ -698,7 +701,7 @@ TEST(DeepCompound, NestedInBothByTurnsNeedsLittleStack) {
     });
 }
 
-TEST(DeepCompound, OfPairsNeedsLittleStack) {
+TEST(DeepCompound, MadeOfPairsNeedsLittleStack) {
     runWithStack(SmallStack, [] {
         const CConverterPtr leaf = adds(0.25);
         CConverterPtr inFirst = leaf, inSecond = leaf;
@@ -714,7 +717,7 @@ TEST(DeepCompound, OfPairsNeedsLittleStack) {
     });
 }
 
-// As units are chained: through the base, and around a few leaves only.
+// Made as units make chains: through the base class, with few different steps.
 TEST(DeepCompound, ChainedByConcatenateNeedsLittleStack) {
     runWithStack(SmallStack, [] {
         const CConverterPtr twice = scales(2), half = scales(0.5);
@@ -733,12 +736,13 @@ TEST(DeepCompound, ChainedByConcatenateNeedsLittleStack) {
         EXPECT_EQ(c.use_count(), 1);
         c.reset();
         around.reset();
-        EXPECT_EQ(twice.use_count(), 1) << "all steps of the chains are released";
+        EXPECT_EQ(twice.use_count(), 1) << "the chains own no step any more";
     });
 }
 
-// A thread that destroys one chain while it destroys another, as a client's converter may do.
-TEST(DeepCompound, MayBeOwnedByAClientsConverter) {
+// A client's converter may own a chain. Destroying it then destroys that chain within the
+// destructor of another.
+TEST(DeepCompound, AClientsConverterMayOwnOne) {
     class COwner : public CScaling {
     public:
         explicit COwner(CConverterPtr owned) : CScaling(1), m_Owned(std::move(owned)) {}

@@ -1,4 +1,4 @@
-// DerivedUnit_test.cpp: the class between CUnit and all kinds but the base units adds nothing.
+// DerivedUnit_test.cpp: the base class of all kinds of units except the base unit.
 #include "mensor/DerivedUnit.h"
 
 #include <memory>
@@ -30,7 +30,7 @@ public:
     CConverterPtr getCtxToDimension() override { return CConverter::identity(); }
 };
 
-TEST(DerivedUnit, IsTheBaseOfAllKindsButTheBaseUnit) {
+TEST(DerivedUnit, IsTheBaseClassOfAllKindsExceptTheBaseUnit) {
     static_assert(std::is_base_of<CUnit, CDerivedUnit>::value, "");
     static_assert(std::is_base_of<CDerivedUnit, CAlternateUnit>::value, "");
     static_assert(std::is_base_of<CDerivedUnit, CProductUnit>::value, "");
@@ -49,7 +49,7 @@ TEST(DerivedUnit, IsAbstractAndHasNoMembersOfItsOwn) {
     SUCCEED();
 }
 
-TEST(DerivedUnit, BehavesAsAnyUnitWhereItsKindDoesNotSayOtherwise) {
+TEST(DerivedUnit, BehavesLikeCUnitUnlessAKindOverrides) {
     const auto unit = std::make_shared<COwnKind>("q");
     EXPECT_EQ(text(unit->getSymbol()), "q");
     EXPECT_EQ(unit->hashCode(), 0);
@@ -61,7 +61,7 @@ TEST(DerivedUnit, BehavesAsAnyUnitWhereItsKindDoesNotSayOtherwise) {
                     StrEq("Unit with Id[ 0] and Symbol [q] is not a system unit")));
     EXPECT_FALSE(unit->isSystemUnit());
     EXPECT_THAT(unit, ConvertsTo(SI::Meter(), 2.0, 2.0));
-    EXPECT_EQ(CUnit::searchSymbol("q"), nullptr) << "making one does not register it";
+    EXPECT_EQ(CUnit::searchSymbol("q"), nullptr) << "the constructor does not register it";
 }
 
 }  // namespace

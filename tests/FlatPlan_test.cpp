@@ -1,5 +1,5 @@
-// FlatPlan_test.cpp: a chain computes the very bits that its nested steps compute one after the other,
-// for one value and for arrays, however it is run inside.
+// FlatPlan_test.cpp: a chain gives the same bits as its nested steps, computed one after the other,
+// for one value and for arrays.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -25,13 +25,14 @@
 #include "mensor/TransformedUnit.h"
 #include "mensor/Unit.h"
 #include "mensor/UnitFormat.h"
+#include "support/ClientConverters.h"
 #include "support/ClientUnit.h"
 #include "support/Matchers.h"
 
 namespace mensor {
 namespace {
 
-// The value through the children, down to the leaves: what a chain means.
+// The value of a chain by definition: through the steps, down to the leaves.
 double nested(const CConverterPtr& converter, double x) {
     if (const auto compound = std::dynamic_pointer_cast<CCompound>(converter)) {
         return nested(compound->second(), nested(compound->first(), x));
@@ -62,14 +63,15 @@ std::vector<double> specialValues() {
     for (std::size_t i = 0; i < positive; ++i) {
         values.push_back(-values[i]);
     }
-    std::uint64_t payload = 0x7FF8000000000123U;  // a quiet NaN that says where it comes from
+    std::uint64_t payload = 0x7FF8000000000123U;  // a quiet NaN that can be recognised
     double named = 0;
     std::memcpy(&named, &payload, sizeof named);
     values.push_back(named);
     return values;
 }
 
-std::set<CUnitPtr> catalogue() {
+// All units of the catalogue that have a name.
+std::set<CUnitPtr> catalogueUnits() {
     std::set<CUnitPtr> units;
     for (const auto& entry : CUnit::symbols()) {
         units.insert(entry.second);
@@ -80,8 +82,8 @@ std::set<CUnitPtr> catalogue() {
     return units;
 }
 
-// Empty when `converter` gives the bits of its nested steps for each value, one by one, as an array
-// and in place; otherwise what differs.
+// Returns the empty text if `converter` gives the bits of its nested steps for each value, one by
+// one, as an array and in place. Otherwise describes the difference.
 std::string difference(const CConverterPtr& converter, const std::vector<double>& values) {
     std::vector<double> all(values.size(), 7.0);
     std::vector<double> inPlace = values;
@@ -101,7 +103,7 @@ std::string difference(const CConverterPtr& converter, const std::vector<double>
 
 TEST(FlatPlan, GivesTheBitsOfTheNestedStepsForEveryPairOfCompatibleCatalogueUnits) {
     const std::vector<double> values = specialValues();
-    const std::set<CUnitPtr> units = catalogue();
+    const std::set<CUnitPtr> units = catalogueUnits();
     int pairs = 0;
     for (const CUnitPtr& from : units) {
         for (const CUnitPtr& to : units) {
@@ -116,22 +118,13 @@ TEST(FlatPlan, GivesTheBitsOfTheNestedStepsForEveryPairOfCompatibleCatalogueUnit
     EXPECT_GT(pairs, 10000);
 }
 
-// A client's converter, of which the plan can only know that it must be called.
-class CSquare : public CConverter {
-public:
-    CConverterPtr inverse() override { throw std::logic_error("not needed"); }
-    double convert(double x) const override { return x * x; }
-    double derivative(double x) const override { return 2 * x; }
-    bool isLinear() const override { return false; }
-};
-
 CConverterPtr add(double offset) { return std::make_shared<CAddConverter>(offset); }
 CConverterPtr multiply(double factor) { return std::make_shared<CMultiplyConverter>(factor); }
 CConverterPtr pair(CConverterPtr first, CConverterPtr second) {
     return std::make_shared<CCompound>(std::move(first), std::move(second));
 }
 
-TEST(FlatPlan, RunsTheStepsInOrderWhateverTheirKindsAndNesting) {
+TEST(FlatPlan, RunsTheStepsInOrderForAllKindsAndNestings) {
     const CConverterPtr identity = CConverter::identity();
     const CConverterPtr square = std::make_shared<CSquare>();
     const std::vector<CConverterPtr> leaves{identity, add(0.1), multiply(3.7), square};
@@ -154,14 +147,14 @@ TEST(FlatPlan, RunsTheStepsInOrderWhateverTheirKindsAndNesting) {
     EXPECT_THAT(pair(multiply(2), add(1))->convert(3), HasBitsOf(7.0));
 }
 
-TEST(FlatPlan, FoldsNothing) {
-    // 0.1 * 3 * 7 differs from 0.1 * 21 in the last place.
+TEST(FlatPlan, CombinesNoConstants) {
+    // 0.1 * 3 * 7 differs from 0.1 * 21 in the last bit.
     const CConverterPtr chain = pair(multiply(3), multiply(7));
     EXPECT_THAT(chain->convert(0.1), HasBitsOf(0.1 * 3 * 7));
     ASSERT_NE(bitsOf(0.1 * 3 * 7), bitsOf(0.1 * 21));
 }
 
-TEST(FlatPlan, LongChainsGiveTheBitsOfTheirStepsToo) {
+TEST(FlatPlan, LongChainsGiveTheBitsOfTheirSteps) {
     for (const int length : {31, 32, 33, 34, 63, 64, 65, 200}) {
         CConverterPtr toTheLeft = multiply(1.1);
         CConverterPtr toTheRight = multiply(1.1);
@@ -181,7 +174,7 @@ TEST(FlatPlan, LongChainsGiveTheBitsOfTheirStepsToo) {
     }
 }
 
-TEST(FlatPlan, KeepsTheStepsOfAChildThatNobodyElseHolds) {
+TEST(FlatPlan, KeepsTheStepsOfAChildWithoutOtherOwners) {
     CConverterPtr chain;
     {
         const CConverterPtr inner = pair(multiply(3), add(4));
@@ -190,7 +183,7 @@ TEST(FlatPlan, KeepsTheStepsOfAChildThatNobodyElseHolds) {
     EXPECT_THAT(chain->convert(2), HasBitsOf(10.0));
 }
 
-// (leaf) for what cannot be looked into, [first second] for a compound.
+// The nesting: (leaf) for a single converter, [first second] for a compound.
 std::string shapeOf(const CConverterPtr& converter) {
     if (const auto compound = std::dynamic_pointer_cast<CCompound>(converter)) {
         return "[" + shapeOf(compound->first()) + " " + shapeOf(compound->second()) + "]";
@@ -207,7 +200,7 @@ std::string shapeOf(const CConverterPtr& converter) {
     return "?";
 }
 
-TEST(FlatPlan, TheWayToAUnitHasTheShapeOfTheInverseOfTheWayFromIt) {
+TEST(FlatPlan, TheConverterToAUnitHasTheNestingOfTheInverseOfTheConverterFromIt) {
     const CUnitPtr kelvin = SI::Kelvin();
     const std::vector<std::pair<CUnitPtr, CUnitPtr>> pairs{
         {NonSI::Hour(), NonSI::Minute()},
@@ -220,9 +213,8 @@ TEST(FlatPlan, TheWayToAUnitHasTheShapeOfTheInverseOfTheWayFromIt) {
         ASSERT_TRUE(compound);
         EXPECT_EQ(shapeOf(compound->first()), shapeOf(from->getCtxToDimension()));
         EXPECT_EQ(shapeOf(compound->second()), shapeOf(to->getCtxToDimension()->inverse()));
-        EXPECT_EQ(compound->second(), compound->second())
-            << "one object, however often it is asked";
-        EXPECT_NE(from->getConverterTo(to), compound) << "a new one at each call";
+        EXPECT_EQ(compound->second(), compound->second()) << "each call returns the same object";
+        EXPECT_NE(from->getConverterTo(to), compound) << "each call returns a new object";
         EXPECT_TRUE(from->getConverterTo(to)->equals(compound));
         EXPECT_EQ(from->getConverterTo(to)->hashCode(), compound->hashCode());
         EXPECT_THAT(from->getConverterTo(to)->derivative(2), HasBitsOf(compound->derivative(2)));
@@ -230,7 +222,7 @@ TEST(FlatPlan, TheWayToAUnitHasTheShapeOfTheInverseOfTheWayFromIt) {
     }
 }
 
-TEST(FlatPlan, ThreadsThatAskForTheSecondStepAtOnceGetOneObject) {
+TEST(FlatPlan, ConcurrentCallsForTheSecondStepReturnOneObject) {
     for (int round = 0; round < 50; ++round) {
         const auto compound =
             std::dynamic_pointer_cast<CCompound>(NonSI::Hour()->getConverterTo(NonSI::Minute()));
@@ -251,8 +243,8 @@ TEST(FlatPlan, ThreadsThatAskForTheSecondStepAtOnceGetOneObject) {
     }
 }
 
-TEST(FlatPlan, TheWayToAUnitThatIsDefinedByTheWayBetweenTwoOthersIsInvertedToo) {
-    // Both ways put off their inversion, and the one asks for the other's in the midst of its own.
+TEST(FlatPlan, AConverterThatContainsADelayedInverseIsInverted) {
+    // Both converters delay their inversion. Inverting the one inverts the other.
     const auto own = freshClientUnit();
     own->CtxDimension = [] { return SI::Second(); };
     own->CtxToDimension = [] { return NonSI::Hour()->getConverterTo(NonSI::Minute()); };
@@ -262,14 +254,18 @@ TEST(FlatPlan, TheWayToAUnitThatIsDefinedByTheWayBetweenTwoOthersIsInvertedToo) 
               shapeOf(NonSI::Hour()->getConverterTo(NonSI::Minute())->inverse()));
 }
 
-TEST(FlatPlan, AConverterOfAClientIsInvertedAtOnce) {
-    // It may refuse, which must be heard when the converter is asked for, not later.
-    const CUnitPtr squared =
-        CTransformedUnit::getInstance(SI::Meter(), std::make_shared<CSquare>());
-    EXPECT_THROW((SI::Meter() * 3)->getConverterTo(squared), std::logic_error);
+TEST(FlatPlan, AClientsConverterIsInvertedAtOnce) {
+    // Its inverse() may throw, and that must happen in getConverterTo(), not later.
+    class COneWay : public CScaling {
+    public:
+        COneWay() : CScaling(2) {}
+        CConverterPtr inverse() override { throw std::logic_error("no inverse"); }
+    };
+    const CUnitPtr oneWay = CTransformedUnit::getInstance(SI::Meter(), std::make_shared<COneWay>());
+    EXPECT_THROW((SI::Meter() * 3)->getConverterTo(oneWay), std::logic_error);
 }
 
-TEST(FlatPlan, LeavesASubclassOfCompoundToItself) {
+TEST(FlatPlan, CallsTheFunctionsOfASubclassOfCompound) {
     class CDoubled : public CCompound {
     public:
         using CCompound::CCompound;
@@ -283,7 +279,7 @@ TEST(FlatPlan, LeavesASubclassOfCompoundToItself) {
     EXPECT_THAT(values[0], HasBitsOf(32.0));
 }
 
-TEST(ConvertAll, AsksASubclassOfAnyConverterForEachValue) {
+TEST(ConvertAll, CallsConvertOfAClientsSubclassForEachValue) {
     class CNegated : public CMultiplyConverter {
     public:
         using CMultiplyConverter::CMultiplyConverter;
@@ -332,8 +328,8 @@ TEST(ConvertAll, GivesTheSameBitsAtEveryLength) {
     }
 }
 
-// Each array begins at each of the eight places that a double has in a cache line.
-TEST(ConvertAll, WritesEachResultOnceWhereverTheTwoArraysBegin) {
+// Each array begins at each of the eight offsets of a double in a cache line.
+TEST(ConvertAll, WritesEachResultOnceForEachAlignmentOfTheArrays) {
     constexpr std::size_t Places = 8, Longest = 40;
     constexpr double Untouched = -1;
     for (const CConverterPtr& converter : {add(0.5), multiply(3)}) {
@@ -361,7 +357,7 @@ TEST(ConvertAll, WritesEachResultOnceWhereverTheTwoArraysBegin) {
     }
 }
 
-TEST(ConvertAll, GivesTheSameBitsForArraysThatNoCacheHolds) {
+TEST(ConvertAll, GivesTheSameBitsForArraysLargerThanAnyCache) {
     constexpr std::size_t count = 4'000'101, part = 1000;
     std::vector<double> values = specialValues();
     for (std::size_t i = 0; values.size() < count; ++i) {
@@ -375,7 +371,7 @@ TEST(ConvertAll, GivesTheSameBitsForArraysThatNoCacheHolds) {
                                   std::min(part, count - done));
         }
         for (const std::size_t from :
-             {std::size_t(1), std::size_t(2)}) {  // one of them is at an address divisible by 16
+             {std::size_t(1), std::size_t(2)}) {  // one of the two addresses is divisible by 16
             std::fill(results.begin(), results.end(), -1.0);
             converter->convertAll(values.data(), results.data() + from, count);
             EXPECT_EQ(std::memcmp(results.data() + from, expected.data(), count * sizeof(double)),
@@ -386,7 +382,7 @@ TEST(ConvertAll, GivesTheSameBitsForArraysThatNoCacheHolds) {
     }
 }
 
-TEST(ConvertAll, WritesNothingBesideTheResults) {
+TEST(ConvertAll, WritesNothingOutsideTheResults) {
     std::vector<double> values(100, 1.0);
     std::vector<double> results(102, -1.0);
     SI::Celsius()->getConverterTo(SI::Kelvin())->convertAll(values.data(), results.data() + 1, 100);
@@ -397,7 +393,7 @@ TEST(ConvertAll, WritesNothingBesideTheResults) {
     EXPECT_EQ(values[99], 1.0);
 }
 
-TEST(ConvertAll, RefusesArraysThatOverlapInPartAndLeavesThemAlone) {
+TEST(ConvertAll, RefusesArraysThatOverlapInPartAndDoesNotChangeThem) {
     const std::vector<double> original{1, 2, 3, 4, 5, 6};
     std::vector<double> values = original;
     const CConverterPtr converter = multiply(2);
@@ -414,11 +410,11 @@ TEST(ConvertAll, RefusesArraysThatOverlapInPartAndLeavesThemAlone) {
             EXPECT_EQ(values, original);
         }
     }
-    converter->convertAll(values.data(), values.data() + 3, 3);  // side by side is no overlap
+    converter->convertAll(values.data(), values.data() + 3, 3);  // adjacent arrays do not overlap
     EXPECT_THAT(values, ::testing::ElementsAre(1, 2, 3, 2, 4, 6));
 }
 
-TEST(ConvertAll, RefusesAMissingArrayUnlessThereIsNothingToConvert) {
+TEST(ConvertAll, RefusesANullArrayUnlessTheCountIsZero) {
     double value = 1;
     const CConverterPtr converter = multiply(2);
     converter->convertAll(nullptr, nullptr, 0);

@@ -1,4 +1,5 @@
-// MultiplyConverter_test.cpp: factors, how they fold, and their notation.
+// MultiplyConverter_test.cpp: converters that multiply by a factor: values, chaining, equality and
+// notation.
 #include "mensor/MultiplyConverter.h"
 
 #include <limits>
@@ -37,12 +38,12 @@ TEST(MultiplyConverter, MultipliesByItsFactor) {
     EXPECT_THAT(scales(-2)->convert(0.0), HasBitsOf(-0.0));
 }
 
-TEST(MultiplyConverter, OfOneIsAFactorNotTheIdentityObject) {
+TEST(MultiplyConverter, AFactorOfOneIsNotTheIdentity) {
     EXPECT_NE(scales(1.0), CConverter::identity());
     EXPECT_TRUE(scales(1.0)->equals(CConverter::identity()));
 }
 
-TEST(MultiplyConverter, InverseDividesOneByTheFactor) {
+TEST(MultiplyConverter, TheInverseHasTheReciprocalFactor) {
     for (const double factor : {1000.0, 3.0, -0.1, 1.0}) {
         const CMultiplyConverterPtr inverse = asFactor(scales(factor)->inverse());
         ASSERT_TRUE(inverse);
@@ -50,13 +51,13 @@ TEST(MultiplyConverter, InverseDividesOneByTheFactor) {
     }
 }
 
-TEST(MultiplyConverter, OfZeroHasAnInfiniteInverse) {
+TEST(MultiplyConverter, TheInverseOfZeroHasAnInfiniteFactor) {
     EXPECT_THAT(asFactor(scales(0.0)->inverse())->factor(), HasBitsOf(Infinity));
     EXPECT_THAT(asFactor(scales(-0.0)->inverse())->factor(), HasBitsOf(-Infinity));
     EXPECT_THAT(asFactor(scales(Infinity)->inverse())->factor(), HasBitsOf(0.0));
 }
 
-TEST(MultiplyConverter, OnTheStackHasAnInverseAndFolds) {
+TEST(MultiplyConverter, NeedsNoSharedOwnerToInvertOrConcatenate) {
     CConverterPtr inverse, folded;
     {
         CMultiplyConverter c(2);
@@ -67,13 +68,13 @@ TEST(MultiplyConverter, OnTheStackHasAnInverseAndFolds) {
     EXPECT_EQ(folded->convert(10), 60);
 }
 
-TEST(MultiplyConverter, FoldsWithAFactorIntoTheProduct) {
+TEST(MultiplyConverter, ConcatenatesWithAFactorToTheProduct) {
     const CMultiplyConverterPtr folded = asFactor(scales(0.1)->concatenate(scales(3)));
     ASSERT_TRUE(folded);
     EXPECT_THAT(folded->factor(), HasBitsOf(0.1 * 3.0));
 }
 
-TEST(MultiplyConverter, FoldedToOneIsNotTheIdentityObjectButEqualsIt) {
+TEST(MultiplyConverter, AProductOfOneIsNotTheIdentityButEqualsIt) {
     const CConverterPtr folded = scales(1000)->concatenate(scales(0.001));
     ASSERT_TRUE(asFactor(folded));
     EXPECT_THAT(asFactor(folded)->factor(), HasBitsOf(1000 * 0.001));
@@ -81,7 +82,7 @@ TEST(MultiplyConverter, FoldedToOneIsNotTheIdentityObjectButEqualsIt) {
     EXPECT_TRUE(folded->equals(CConverter::identity()));
 }
 
-TEST(MultiplyConverter, FoldsWithAFactorOfAClientsClass) {
+TEST(MultiplyConverter, ConcatenatesWithAClientsFactorClassToTheProduct) {
     class CDozen : public CMultiplyConverter {
     public:
         CDozen() : CMultiplyConverter(12) {}
@@ -91,7 +92,7 @@ TEST(MultiplyConverter, FoldsWithAFactorOfAClientsClass) {
     EXPECT_EQ(asFactor(folded)->factor(), 144);
 }
 
-TEST(MultiplyConverter, DoesNotFoldThroughTheBase) {
+TEST(MultiplyConverter, MakesACompoundWhenCalledThroughTheBaseClass) {
     const CConverterPtr a = scales(1000), b = scales(0.001);
     const auto compound = std::dynamic_pointer_cast<CCompound>(a->concatenate(b));
     ASSERT_TRUE(compound);
@@ -99,7 +100,7 @@ TEST(MultiplyConverter, DoesNotFoldThroughTheBase) {
     EXPECT_EQ(compound->second(), a);
 }
 
-TEST(MultiplyConverter, ChainsWithOtherClassesAsTheBaseDoes) {
+TEST(MultiplyConverter, MakesACompoundWithOtherClasses) {
     const CMultiplyConverterPtr c = scales(2);
     for (const CConverterPtr& other :
          {CConverterPtr(std::make_shared<CAddConverter>(1)),
@@ -114,8 +115,8 @@ TEST(MultiplyConverter, ChainsWithOtherClassesAsTheBaseDoes) {
     EXPECT_EQ(c->concatenate(CConverter::identity()), c);
 }
 
-// It has neither equality nor hash of its own.
-TEST(MultiplyConverter, EqualsAndHashesByTheBaseRule) {
+// The class overrides neither equals() nor hashCode().
+TEST(MultiplyConverter, EqualityAndHashCodeAreThoseOfTheBaseClass) {
     EXPECT_TRUE(scales(0.1)->equals(scales(0.1 + 1e-12)));
     EXPECT_TRUE(scales(3)->equals(std::make_shared<CScaling>(3)));
     EXPECT_TRUE(scales(6)->equals(std::make_shared<CCompound>(scales(2), scales(3))));
@@ -127,7 +128,7 @@ TEST(MultiplyConverter, EqualsAndHashesByTheBaseRule) {
     EXPECT_EQ(scales(0.1)->hashCode(), floatToIntBits(0.1f));
 }
 
-TEST(MultiplyConverter, IsWrittenInBracketsWithSixSignificantDigits) {
+TEST(MultiplyConverter, ItsSymbolIsTheUnitAndTheFactorWithSixDigits) {
     const struct {
         CUnitPtr Unit;
         double Factor;
@@ -150,11 +151,11 @@ TEST(MultiplyConverter, IsWrittenInBracketsWithSixSignificantDigits) {
     for (const auto& row : table) {
         EXPECT_EQ(text(scales(row.Factor)->getSymbol(row.Unit)), row.Expected);
         EXPECT_EQ(text(CConverterPtr(scales(row.Factor))->getSymbol(row.Unit)), "")
-            << "the base has no notation";
+            << "the base class returns no symbol";
     }
 }
 
-TEST(MultiplyConverter, WritesTheSlopeThatAClientsClassReports) {
+TEST(MultiplyConverter, ItsSymbolShowsTheSlopeOfAClientsClass) {
     class CTwice : public CMultiplyConverter {
     public:
         CTwice() : CMultiplyConverter(1) {}

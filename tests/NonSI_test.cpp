@@ -1,4 +1,5 @@
-// NonSI_test.cpp: the accessors of the units beside the SI, their factors to the bit, their labels.
+// NonSI_test.cpp: the accessors of the units outside the SI, the exact bits of their factors, and
+// their labels.
 #include "mensor/NonSI.h"
 
 #include <gmock/gmock.h>
@@ -20,10 +21,10 @@ namespace mensor {
 namespace {
 using ::testing::StrEq, ::testing::ThrowsMessage;
 
-// The parent is the unit that the definition scales. A value passes the factors of the chain one
-// after the other, this unit's first; the slope of the chain is multiplied up from its far end. Each
-// product is rounded, so the last place of the two may differ: 1 in the system unit and the slope are
-// given as bits, computed outside the library.
+// The definition multiplies the parent. A value is multiplied by the factors of the chain one after
+// the other, beginning with that of this unit. The slope is multiplied in the opposite order. Each
+// product is rounded, so the last bits of the two may differ. The bits of 1 in the system unit and
+// of the slope were computed outside the library.
 struct Row {
     const char* Label;  // null: none
     CUnitPtr (*Get)();
@@ -81,7 +82,7 @@ const Row ROWS[] = {
      0x417E18A058A3D70A},
 };
 
-TEST(NonSI, FactorsAreTheCatalogues) {
+TEST(NonSI, FactorsHaveTheBitsOfTheDefinitions) {
     for (const Row& row : ROWS) {
         SCOPED_TRACE(row.Label ? row.Label : "aeon");
         const auto unit = std::dynamic_pointer_cast<CTransformedUnit>(row.Get());
@@ -95,14 +96,14 @@ TEST(NonSI, FactorsAreTheCatalogues) {
     }
 }
 
-TEST(NonSI, EachUnitIsItsParentScaled) {
+TEST(NonSI, EachUnitIsAMultipleOfItsParent) {
     for (const Row& row : ROWS) {
         EXPECT_EQ(row.Get(), row.Parent()->multiply(row.Factor))
             << (row.Label ? row.Label : "aeon");
     }
 }
 
-TEST(NonSI, EachAccessorGivesTheSameObjectAtEveryCallAndNoOtherAccessorDoes) {
+TEST(NonSI, EachAccessorReturnsOneObjectOfItsOwn) {
     std::set<CUnitPtr> units;
     for (const Row& row : ROWS) {
         EXPECT_EQ(row.Get(), row.Get());
@@ -111,7 +112,7 @@ TEST(NonSI, EachAccessorGivesTheSameObjectAtEveryCallAndNoOtherAccessorDoes) {
     EXPECT_EQ(units.size(), 27U);  // 28 accessors, of which the octet is the byte
 }
 
-TEST(NonSI, OnlyPsiAndNoneAreBuiltByTheirFirstCall) {
+TEST(NonSI, OnlyPsiAndNoneAreNotBuiltAtLoad) {
     const Tables afterLoad;
     for (const Row& row : ROWS) {
         if (row.Get != NonSI::Psi && row.Get != NonSI::None) {
@@ -143,7 +144,7 @@ TEST(NonSI, LabelsAreReadAndWritten) {
     }
 }
 
-TEST(NonSI, MarksOfAnglesAreTheDegreeSignAndThePrimes) {
+TEST(NonSI, TheLabelsOfAnglesAreTheDegreeSignAndThePrimes) {
     EXPECT_EQ(NonSI::DegreeAngle()->toStdString(), "\xC2\xB0");
     EXPECT_EQ(NonSI::MinuteAngle()->toStdString(), "\xE2\x80\xB2");
     EXPECT_EQ(NonSI::SecondAngle()->toStdString(), "\xE2\x80\xB3");
@@ -151,7 +152,7 @@ TEST(NonSI, MarksOfAnglesAreTheDegreeSignAndThePrimes) {
     EXPECT_EQ(CUnitFormat::unitFor("\""), nullptr);
 }
 
-TEST(NonSI, AYearIsTheMeanGregorianYearAndTheCalendarYearHas365Days) {
+TEST(NonSI, TheYearIsTheMeanGregorianYearAndTheCalendarYearHas365Days) {
     EXPECT_THAT(NonSI::Year(), ConvertsTo(SI::Second(), 1, 31556952));
     EXPECT_THAT(NonSI::YearCalendar(), ConvertsTo(SI::Second(), 1, 31536000));
     EXPECT_THAT(NonSI::YearCalendar(), ConvertsTo(NonSI::Day(), 1, 365));
@@ -177,10 +178,10 @@ TEST(NonSI, ALiterIsAThousandthOfACubicMetre) {
 TEST(NonSI, StandardGravityIsTheFactorOfG) {
     static_assert(NonSI::STANDARD_GRAVITY == 9.80665);
     EXPECT_THAT(NonSI::G(), ConvertsTo(SI::Meter() / (SI::Second() ^ 2), 1, 9.80665));
-    EXPECT_EQ(CUnitFormat::unitFor("G"), nullptr);  // it is called "grav"
+    EXPECT_EQ(CUnitFormat::unitFor("G"), nullptr);  // its label is "grav"
 }
 
-// The millibar is the pascal scaled by 100, which the prefixes made first; it took the label over.
+// The millibar and the hectopascal are both 100 Pa. The later label, "mbar", replaced "hPa".
 TEST(NonSI, TheMillibarIsTheHectopascal) {
     EXPECT_EQ(NonSI::MilliBar(), SI::Hecto(SI::Pascal()));
     EXPECT_THAT(SI::Hecto(SI::Pascal()), PrintsAs("mbar"));
@@ -200,7 +201,7 @@ TEST(NonSI, PsiIsUnknownUntilItsFirstCall) {
     EXPECT_THAT(psi, ConvertsTo(SI::Pascal(), 1, 6894.76));
 }
 
-TEST(NonSI, NoneIsUnknownUntilItsFirstCallAndThenHoldsTheEmptyLabel) {
+TEST(NonSI, NoneIsUnknownUntilItsFirstCallAndThenHasTheEmptyLabel) {
     EXPECT_EQ(CUnitFormat::labelUnitMap().count(""), 0U);
     EXPECT_EQ(CUnitFormat::unitFor(""), nullptr);
     const std::size_t units = CUnit::instances().size();
@@ -211,7 +212,7 @@ TEST(NonSI, NoneIsUnknownUntilItsFirstCallAndThenHoldsTheEmptyLabel) {
     EXPECT_EQ(CUnitFormat::unitFor(""), none);
 }
 
-TEST(NonSI, NoneIsAUnitOfItsOwnWithoutText) {
+TEST(NonSI, NoneIsATransformedUnitWithoutText) {
     const CUnitPtr none = NonSI::None();
     EXPECT_NE(none, CProductUnit::one());
     EXPECT_EQ(none->getSystemUnit(), CProductUnit::one());
@@ -219,7 +220,8 @@ TEST(NonSI, NoneIsAUnitOfItsOwnWithoutText) {
     EXPECT_EQ(text(CUnitFormat::labelFor(none)), "");
     EXPECT_THAT([&] { none->toString(); }, ThrowsMessage<std::invalid_argument>(
                                                StrEq("Cannot format given Object as a Unit")));
-    EXPECT_EQ(CUnit::fromString(""), CProductUnit::one());  // the parser asks for no empty name
+    EXPECT_EQ(CUnit::fromString(""),
+              CProductUnit::one());  // the parser never looks up an empty name
 }
 
 TEST(NonSI, TheAeonHasNoText) {
@@ -230,7 +232,7 @@ TEST(NonSI, TheAeonHasNoText) {
     EXPECT_THAT(NonSI::Aeon(), ConvertsTo(SI::Second(), 1, 31556952e9));
 }
 
-TEST(NonSI, FirstCallsFromManyThreadsBuildOneUnit) {
+TEST(NonSI, ConcurrentFirstCallsBuildOneUnit) {
     std::vector<CUnitPtr> units(8);
     std::vector<std::thread> threads;
     for (CUnitPtr& unit : units) {

@@ -1,5 +1,5 @@
-// ProductUnit_test.cpp: how factors merge, when a product collapses, what its hash makes of it, and
-// what it folds out of its factors.
+// ProductUnit_test.cpp: how factors are merged, which products are one unit, and what is computed
+// from the factors.
 #include "mensor/ProductUnit.h"
 
 #include <gmock/gmock.h>
@@ -40,8 +40,6 @@ using ::testing::ThrowsMessage;
 
 using Elements = std::vector<CUnitRationalPower>;
 
-CBaseUnitPtr freshUnit() { return CBaseUnit::getInstance(freshSymbol()); }
-
 const CProductUnit& product(const CUnitPtr& unit) {
     return dynamic_cast<const CProductUnit&>(*unit);
 }
@@ -51,8 +49,8 @@ int weighted(int hash, std::int64_t pow, std::int64_t root) {
     return static_cast<int>(static_cast<std::uint32_t>(hash) * weight);
 }
 
-// Units a, b and c that nobody has used before, so that nothing has been built of them. Their hashes
-// are odd: with even ones, exponents near the edges of int have the hash of other exponents.
+// New units a, b and c, so no product of them exists yet. Their hash codes are odd: with even ones,
+// exponents near the limits of int would have the hash codes of other exponents.
 class Letters {
 public:
     Letters() {
@@ -113,7 +111,7 @@ Elements records(const std::vector<Factor>& factors, const Letters& units) {
 
 // The dimensionless unit.
 
-TEST(ProductUnit, OneIsASingleObjectWithoutFactors) {
+TEST(ProductUnit, OneIsOneObjectWithoutFactors) {
     const CUnitPtr one = CProductUnit::one();
     ASSERT_NE(one, nullptr);
     EXPECT_EQ(CProductUnit::one(), one);
@@ -124,19 +122,19 @@ TEST(ProductUnit, OneIsASingleObjectWithoutFactors) {
     EXPECT_EQ(Inside::id(one), 0);
 }
 
-TEST(ProductUnit, OneIsKnownByItsHashButNotByItsSymbol) {
+TEST(ProductUnit, OneIsFoundByItsHashCodeButNotByItsSymbol) {
     EXPECT_EQ(CUnit::instances().at(0), CProductUnit::one());
     EXPECT_EQ(CUnit::searchSymbol("One"), nullptr);
     EXPECT_EQ(CUnit::symbols().count("One"), 0U);
 }
 
-TEST(ProductUnit, OfNothingIsTheDimensionlessUnitThoughAClientHasTakenThatOutOfTheTable) {
+TEST(ProductUnit, AProductOfNoFactorsIsOneEvenIfAClientRemovedOneFromTheTable) {
     CUnit::instances().erase(0);
     EXPECT_EQ(CProductUnit::getQuotientInstance(SI::Meter(), SI::Meter()), CProductUnit::one());
     EXPECT_EQ(SI::Kelvin() ^ 0, CProductUnit::one());
 }
 
-TEST(ProductUnit, OneIsItsOwnSystemUnitExpansionAndDimension) {
+TEST(ProductUnit, OneIsItsOwnSystemUnitBaseUnitAndDimension) {
     const CUnitPtr one = CProductUnit::one();
     EXPECT_EQ(one->getSystemUnit(), one);
     EXPECT_EQ(one->baseUnits(), one);
@@ -146,7 +144,7 @@ TEST(ProductUnit, OneIsItsOwnSystemUnitExpansionAndDimension) {
     EXPECT_EQ(one->hashCode(), 0);
 }
 
-// Normalisation.
+// Merging and reducing factors.
 
 TEST(ProductUnit, FactorsAreMergedReducedAndDropped) {
     const struct {
@@ -158,19 +156,20 @@ TEST(ProductUnit, FactorsAreMergedReducedAndDropped) {
         {{{'a', 1, 1}}, {{'b', 1, 1}}, "a^1/1 b^1/1"},
         {{{'b', 1, 1}}, {{'a', 1, 1}}, "b^1/1 a^1/1"},
         {{{'c', 1, 1}, {'a', -2, 1}}, {{'b', 1, 2}}, "c^1/1 a^-2/1 b^1/2"},
-        // Factors of the same unit are merged where the left one stands.
+        // Factors of the same unit are merged at the place of the left one.
         {{{'a', 1, 1}}, {{'a', 1, 1}}, "a^2/1"},
         {{{'a', 1, 2}}, {{'a', 1, 3}}, "a^5/6"},
         {{{'a', 1, 2}}, {{'a', -1, 3}}, "a^1/6"},
         {{{'a', 1, 1}, {'b', 1, 1}}, {{'c', 1, 1}, {'a', 1, 1}}, "a^2/1 b^1/1 c^1/1"},
         {{{'a', 1, 1}, {'b', 1, 1}}, {{'c', 1, 1}, {'b', 1, 1}}, "a^1/1 b^2/1 c^1/1"},
         {{{'a', 1, 2}}, {{'a', 1, 2}}, "a"},
-        // What cancels disappears.
+        // Factors that cancel are dropped.
         {{{'a', 1, 1}}, {{'a', -1, 1}}, "one"},
         {{{'a', 1, 2}}, {{'a', -2, 4}}, "one"},
         {{{'a', 1, 1}, {'b', 1, 1}}, {{'a', -1, 1}}, "b"},
         {{{'a', 1, 1}, {'b', 1, 1}}, {{'b', -1, 1}, {'c', 1, 1}}, "a^1/1 c^1/1"},
-        // Left factors are reduced and dropped when zero, alone as well as merged.
+        // Left factors are reduced, and dropped if the exponent is zero, even if they are not
+        // merged.
         {{{'a', 2, 4}}, {}, "a^1/2"},
         {{{'a', -2, 4}}, {}, "a^-1/2"},
         {{{'a', 2, 2}}, {}, "a"},
@@ -178,22 +177,22 @@ TEST(ProductUnit, FactorsAreMergedReducedAndDropped) {
         {{{'a', 0, 1}, {'b', 1, 1}}, {}, "b"},
         {{{'a', 0, 5}}, {{'a', 1, 1}}, "a"},
         {{{'a', 0, 0}}, {{'b', 1, 1}}, "b"},
-        // Unmatched right factors are neither.
+        // Unmatched right factors are not.
         {{}, {{'a', 2, 4}}, "a^2/4"},
         {{}, {{'a', 0, 1}}, "a^0/1"},
         {{}, {{'a', 0, 1}, {'b', 1, 1}}, "a^0/1 b^1/1"},
-        // ... but a power that equals its root collapses all the same.
+        // But a single factor whose power equals its root is the unit.
         {{}, {{'a', 1, 1}}, "a"},
         {{}, {{'a', 2, 2}}, "a"},
         {{}, {{'a', -3, -3}}, "a"},
         {{}, {{'a', 0, 0}}, "a"},
         {{}, {{'a', 2, 2}, {'b', 1, 1}}, "a^2/2 b^1/1"},
-        // Only the first match is merged; within one side nothing is.
+        // Only the first match is merged. Factors of the same side are not merged.
         {{{'a', 1, 1}}, {{'a', 1, 1}, {'a', 5, 1}}, "a^2/1"},
         {{{'a', 1, 1}, {'a', 1, 1}}, {}, "a^1/1 a^1/1"},
         {{{'a', 1, 1}, {'a', 1, 1}}, {{'a', 1, 1}}, "a^2/1 a^2/1"},
         {{}, {{'a', 1, 1}, {'a', 1, 1}}, "a^1/1 a^1/1"},
-        // The sign of the divisor is that of the last remainder's divisor.
+        // The greatest common divisor has the sign of the last divisor that is not zero.
         {{{'a', 1, -2}}, {}, "a^1/-2"},
         {{{'a', 2, -4}}, {}, "a^1/-2"},
         {{{'a', 4, -2}}, {}, "a^-2/1"},
@@ -215,7 +214,7 @@ TEST(ProductUnit, FactorsAreMergedReducedAndDropped) {
     }
 }
 
-TEST(ProductUnit, FactorsAreMatchedByObjectNotByEquality) {
+TEST(ProductUnit, FactorsAreMatchedByPointerNotByEquals) {
     const CUnitPtr one = std::make_shared<CAlternateUnit>("qqz", SI::Meter());
     const CUnitPtr two = std::make_shared<CAlternateUnit>("qqz", SI::Meter());
     one->calculateHashCode();
@@ -227,7 +226,7 @@ TEST(ProductUnit, FactorsAreMatchedByObjectNotByEquality) {
     EXPECT_EQ(product(result).get(1).getUnit(), two);
 }
 
-TEST(ProductUnit, TheOrderIsThatOfWhoeverBuiltItFirst) {
+TEST(ProductUnit, TheFirstBuilderDecidesTheOrder) {
     const CUnitPtr m = freshUnit();
     const CUnitPtr s = freshUnit();
     const CUnitPtr first = CProductUnit::getProductInstance(s, m);
@@ -242,7 +241,7 @@ TEST(ProductUnit, TheOrderIsThatOfWhoeverBuiltItFirst) {
     EXPECT_TRUE(product(other).get(1) == CUnitRationalPower(b, 1, 1));
 }
 
-TEST(ProductUnit, TheCataloguesProductsCameFirst) {
+TEST(ProductUnit, TheCatalogueDecidesTheOrderOfItsProducts) {
     const CUnitPtr joule = SI::Kilogram() * (SI::Meter() ^ 2) / (SI::Second() ^ 2);
     ASSERT_EQ(product(joule).size(), 3);
     EXPECT_TRUE(product(joule).get(0) == CUnitRationalPower(SI::Meter(), 2, 1));
@@ -265,7 +264,7 @@ TEST(ProductUnit, ANewProductIsRegisteredWithoutSymbol) {
     EXPECT_EQ(CUnit::symbols().size(), symbols);
 }
 
-TEST(ProductUnit, GivesCopiesOfItsFactors) {
+TEST(ProductUnit, ReturnsCopiesOfItsFactors) {
     const Letters units;
     const CUnitPtr unit = units['a'] / (units['b'] ^ 2);
     Elements elements = unit->elements();
@@ -278,7 +277,7 @@ TEST(ProductUnit, GivesCopiesOfItsFactors) {
     EXPECT_EQ(units.notation(unit), "a^1/1 b^-2/1");
 }
 
-// The four ways in.
+// Products, quotients, roots and powers.
 
 TEST(ProductUnit, DividedByItselfIsTheDimensionlessUnit) {
     const CUnitPtr m = freshUnit();
@@ -287,7 +286,7 @@ TEST(ProductUnit, DividedByItselfIsTheDimensionlessUnit) {
     EXPECT_EQ(CProductUnit::getQuotientInstance(speed, speed), CProductUnit::one());
 }
 
-TEST(ProductUnit, ProductsAndQuotientsJoinTheFactorsOfBothSides) {
+TEST(ProductUnit, ProductsAndQuotientsMergeTheFactorsOfBothSides) {
     const Letters units;
     const CUnitPtr a = units['a'];
     const CUnitPtr b = units['b'];
@@ -323,7 +322,7 @@ TEST(ProductUnit, PowersOfASquareRoot) {
     EXPECT_EQ(units.notation(CProductUnit::getPowInstance(root, -3)), "a^-3/2");
 }
 
-TEST(ProductUnit, PowersAndRootsReachEveryFactor) {
+TEST(ProductUnit, PowersAndRootsRaiseEveryFactor) {
     const Letters units;
     const CUnitPtr unit = (units['a'] ^ 4) * (units['b'] ^ -6);
     EXPECT_EQ(units.notation(CProductUnit::getRootInstance(unit, 2)), "a^2/1 b^-3/1");
@@ -334,17 +333,17 @@ TEST(ProductUnit, PowersAndRootsReachEveryFactor) {
     EXPECT_EQ(CProductUnit::getRootInstance(CProductUnit::one(), 5), CProductUnit::one());
 }
 
-// Orders that CUnit::root refuses or turns round are taken as they are here.
-TEST(ProductUnit, TheOrderOfARootIsNotExamined) {
+// Orders that CUnit::root refuses or negates are used unchanged here.
+TEST(ProductUnit, GetRootInstanceDoesNotCheckTheOrder) {
     const Letters units;
     EXPECT_EQ(units.notation(CProductUnit::getRootInstance(units['a'], -2)), "a^1/-2");
     EXPECT_EQ(units.notation(CProductUnit::getRootInstance(units['b'], 0)), "b^1/0");
     EXPECT_EQ(units.notation(CProductUnit::getPowInstance(units['c'], -2)), "c^-2/1");
 }
 
-// The hash, which alone decides what is the same unit.
+// The hash code, which alone decides identity.
 
-TEST(ProductUnit, TheHashIsTheSumOfTheFactorsHashesWeighted) {
+TEST(ProductUnit, TheHashCodeIsTheWeightedSumOfTheFactorsHashCodes) {
     EXPECT_EQ((SI::Meter() / SI::Second())->hashCode(), 'm' - 5 * 's');
     EXPECT_EQ((SI::Meter() ^ 2)->hashCode(), 4 * 'm');
     EXPECT_EQ(SI::Meter()->root(2)->hashCode(), -'m');
@@ -366,12 +365,12 @@ TEST(ProductUnit, TheHashIsTheSumOfTheFactorsHashesWeighted) {
     }
 }
 
-TEST(ProductUnit, TheHashReadsTheStoredHashesOfTheFactors) {
+TEST(ProductUnit, TheHashCodeUsesTheStoredHashCodesOfTheFactors) {
     const auto client = freshClientUnit();
-    client->Hash = 1;  // would be another unit now
+    client->Hash = 1;  // a new hash code, but it is not computed again
     const CUnitPtr square = client->pow(2);
     EXPECT_EQ(square->hashCode(), 4 * client->hashCode());
-    EXPECT_THAT(client->Asked, Each(StrEq("elements")));  // and nobody computed it again
+    EXPECT_THAT(client->Asked, Each(StrEq("elements")));  // calculateHashCode was not called
 }
 
 TEST(ProductUnit, TheCubeRootSquaredIsTheDimensionlessUnit) {
@@ -386,14 +385,14 @@ TEST(ProductUnit, TheCubeRootSquaredIsTheDimensionlessUnit) {
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(ProductUnit, AFactorOfWeightZeroDoesNotCount) {
+TEST(ProductUnit, AFactorWithHashWeightZeroDoesNotCount) {
     const CUnitPtr a = freshUnit();
     const CUnitPtr b = freshUnit();
     EXPECT_EQ(
         CProductUnit::getInstance({CUnitRationalPower(a, 2, 3)}, {CUnitRationalPower(b, 1, 1)}), b);
 }
 
-TEST(ProductUnit, PowersOfOneWeightAreOneUnitTheFirst) {
+TEST(ProductUnit, PowersWithTheSameHashWeightAreOneUnit) {
     const struct {
         Factor First, Second;
         const char* Result;
@@ -404,7 +403,7 @@ TEST(ProductUnit, PowersOfOneWeightAreOneUnitTheFirst) {
         {{'a', 3, 5}, {'a', 1, 2}, "a^3/5"},
         {{'a', -1, 1}, {'a', 1, 4}, "a^-1/1"},  // −5
         {{'a', 1, 4}, {'a', -1, 1}, "a^1/4"},
-        {{'a', 3, 2}, {'a', 1, INT_MAX}, "a^3/2"},  // 5, after wrapping round
+        {{'a', 3, 2}, {'a', 1, INT_MAX}, "a^3/2"},  // 5, after wrap-around
     };
     for (const auto& row : rows) {
         const Letters units;
@@ -417,7 +416,7 @@ TEST(ProductUnit, PowersOfOneWeightAreOneUnitTheFirst) {
     EXPECT_EQ(unit->root(4)->pow(3), unit);
 }
 
-TEST(ProductUnit, DifferentProductsOfOneHashAreOneUnitTheFirst) {
+TEST(ProductUnit, ProductsWithTheSameHashCodeAreOneUnit) {
     const CUnitPtr entropyRate = SI::Kilogram() / (SI::Second() * SI::Kelvin());
     const CUnitPtr henry = SI::Weber() / SI::Ampere();
     EXPECT_EQ(entropyRate, henry);
@@ -425,7 +424,7 @@ TEST(ProductUnit, DifferentProductsOfOneHashAreOneUnitTheFirst) {
     EXPECT_EQ('k' * 31 + 'g' - 5 * ('s' + 'K'), ('W' * 31 + 'b') - 5 * 'A');
 }
 
-TEST(ProductUnit, AProductWithTheHashOfAnotherKindIsThatUnit) {
+TEST(ProductUnit, AProductWithTheHashCodeOfAnotherKindIsThatUnit) {
     const CUnitPtr a = freshUnit();
     const CUnitPtr b = freshUnit();
     const CUnitPtr owner =
@@ -437,7 +436,7 @@ TEST(ProductUnit, AProductWithTheHashOfAnotherKindIsThatUnit) {
 
 // equals()
 
-TEST(ProductUnit, EqualsWhateverTheOrderOfTheFactors) {
+TEST(ProductUnit, EqualsAProductWithTheFactorsInAnotherOrder) {
     const CUnitPtr m = freshUnit();
     const CUnitPtr s = freshUnit();
     const CUnitPtr ms = m * s;
@@ -445,12 +444,12 @@ TEST(ProductUnit, EqualsWhateverTheOrderOfTheFactors) {
     mirrored->Elements = [&]() -> Elements {
         return {CUnitRationalPower(s, 1, 1), CUnitRationalPower(m, 1, 1)};
     };
-    EXPECT_TRUE(ms->equals(mirrored));  // of whatever kind, by its factors alone
+    EXPECT_TRUE(ms->equals(mirrored));  // only the factors count, not the kind
     EXPECT_TRUE(ms->equals(ms));
     EXPECT_EQ(ms, s * m);
 }
 
-TEST(ProductUnit, EqualsNeedsTheSameNumberOfTheSameRecords) {
+TEST(ProductUnit, EqualsComparesTheNumberAndTheRecordsOfTheFactors) {
     const CUnitPtr m = freshUnit();
     const CUnitPtr s = freshUnit();
     const CUnitPtr speed = m / s;
@@ -474,8 +473,8 @@ TEST(ProductUnit, EqualsNeedsTheSameNumberOfTheSameRecords) {
     EXPECT_TRUE(CProductUnit::one()->equals(client));
 }
 
-// A record that occurs twice on one side is found each time on the other.
-TEST(ProductUnit, EqualsLooksForEachRecordOfTheOtherInItsOwn) {
+// A factor that the other unit has twice is found twice in one factor of this unit.
+TEST(ProductUnit, EqualsLooksForEachFactorOfTheOtherAmongItsOwn) {
     const CUnitPtr a = freshUnit();
     const CUnitPtr b = freshUnit();
     const CUnitPtr ab = a * b;
@@ -487,7 +486,7 @@ TEST(ProductUnit, EqualsLooksForEachRecordOfTheOtherInItsOwn) {
 
 class ProductOfItsOwn : public CProductUnit {};
 
-TEST(ProductUnit, WithoutOwnerItCannotBeCompared) {
+TEST(ProductUnit, ThrowsWhenComparedWithoutASharedOwner) {
     const ProductOfItsOwn onTheStack;
     EXPECT_THROW(onTheStack.equals(CProductUnit::one()), std::bad_weak_ptr);
     EXPECT_EQ(onTheStack.size(), 0);
@@ -496,7 +495,7 @@ TEST(ProductUnit, WithoutOwnerItCannotBeCompared) {
     EXPECT_TRUE(owned->equals(CProductUnit::one()));
 }
 
-// What is folded out of the factors.
+// System unit, base units and dimension, computed from the factors.
 
 TEST(ProductUnit, TheSystemUnitIsTheProductOfTheFactorsSystemUnits) {
     const CUnitPtr m = freshUnit();
@@ -512,10 +511,10 @@ TEST(ProductUnit, TheSystemUnitIsTheProductOfTheFactorsSystemUnits) {
     EXPECT_EQ(speed->getSystemUnit(), speed);
     EXPECT_TRUE(speed->isSystemUnit());
     const CUnitPtr newtonMetre = SI::Newton() * SI::Meter();
-    EXPECT_EQ(newtonMetre->getSystemUnit(), newtonMetre);  // the newton is one itself
+    EXPECT_EQ(newtonMetre->getSystemUnit(), newtonMetre);  // the newton is a system unit
 }
 
-TEST(ProductUnit, TheSystemUnitIsFoldedOnce) {
+TEST(ProductUnit, TheSystemUnitIsComputedOnce) {
     const auto client = freshClientUnit();
     const CUnitPtr system = freshUnit();
     const CUnitPtr square = client->pow(2);
@@ -528,20 +527,21 @@ TEST(ProductUnit, TheSystemUnitIsFoldedOnce) {
     EXPECT_THAT(client->Asked, ElementsAre("getSystemUnit"));
 }
 
-// Or it would never be freed, not even when the tables are destroyed at exit.
+// Otherwise it would never be freed.
 TEST(ProductUnit, AProductThatIsItsOwnSystemUnitDoesNotOwnItself) {
     const CUnitPtr m = freshUnit();
     const CUnitPtr s = freshUnit();
     const CUnitPtr speed = m / s;
-    ASSERT_EQ(CProductUnit::one() * m * (s ^ -1), speed);  // what the fold computes is cached now
+    ASSERT_EQ(CProductUnit::one() * m * (s ^ -1),
+              speed);  // the steps of the computation are cached now
     const long owners = speed.use_count();
     EXPECT_EQ(speed->getSystemUnit(), speed);
     EXPECT_EQ(speed.use_count(), owners);
     const CUnitPtr owner = speed->getSystemUnit();
-    EXPECT_EQ(speed.use_count(), owners + 1);  // what is handed out owns as ever
+    EXPECT_EQ(speed.use_count(), owners + 1);  // the returned pointer is an owner
 }
 
-TEST(ProductUnit, ASystemUnitThatCannotBeFoldedIsFoldedNextTime) {
+TEST(ProductUnit, ASystemUnitThatThrowsIsComputedAgainAtTheNextCall) {
     const auto client = freshClientUnit();
     const CUnitPtr square = client->pow(2);
     client->SystemUnit = []() -> CUnitPtr { throw std::runtime_error("not yet"); };
@@ -551,7 +551,7 @@ TEST(ProductUnit, ASystemUnitThatCannotBeFoldedIsFoldedNextTime) {
     EXPECT_EQ(square->getSystemUnit(), square);
 }
 
-TEST(ProductUnit, ThreadsThatAskForTheSystemUnitAtOnceGetTheSame) {
+TEST(ProductUnit, ConcurrentCallsReturnTheSameSystemUnit) {
     const CUnitPtr m = freshUnit();
     const CUnitPtr s = freshUnit();
     const CUnitPtr expected = m / s;
@@ -568,7 +568,7 @@ TEST(ProductUnit, ThreadsThatAskForTheSystemUnitAtOnceGetTheSame) {
     EXPECT_THAT(results, Each(expected));
 }
 
-TEST(ProductUnit, BaseUnitsExpandEveryFactorEachTimeAnew) {
+TEST(ProductUnit, BaseUnitsAreComputedFromAllFactorsAtEachCall) {
     const CUnitPtr force = SI::Newton()->baseUnits();
     EXPECT_EQ((SI::Newton() * SI::Meter())->baseUnits(), force * SI::Meter());
     EXPECT_EQ((SI::Newton() ^ 2)->baseUnits(), force ^ 2);
@@ -585,7 +585,7 @@ TEST(ProductUnit, BaseUnitsExpandEveryFactorEachTimeAnew) {
     EXPECT_THAT(client->Asked, ::testing::IsSupersetOf({"baseUnits", "baseUnits"}));
 }
 
-TEST(ProductUnit, BaseUnitsOfATransformedFactorAreRefused) {
+TEST(ProductUnit, BaseUnitsThrowForATransformedFactor) {
     const CUnitPtr km = SI::Meter() * 1000.0;
     EXPECT_THAT(
         [&] { (km ^ 2)->baseUnits(); },
@@ -593,7 +593,7 @@ TEST(ProductUnit, BaseUnitsOfATransformedFactorAreRefused) {
                                               "] and Symbol [] is not a system unit")));
 }
 
-TEST(ProductUnit, TheDimensionIsFoldedEachTimeAnew) {
+TEST(ProductUnit, TheDimensionIsComputedAtEachCall) {
     const auto client = freshClientUnit();
     const CUnitPtr dimension = freshUnit();
     const CUnitPtr s = freshUnit();
@@ -603,7 +603,8 @@ TEST(ProductUnit, TheDimensionIsFoldedEachTimeAnew) {
     EXPECT_EQ(unit->getCtxDimension(), dimension->root(2) / s);
     EXPECT_EQ(unit->getCtxDimension(), dimension->root(2) / s);
     EXPECT_THAT(client->Asked, ElementsAre("getCtxDimension", "getCtxDimension"));
-    EXPECT_EQ(CUnit::dimensions().count(client), 0U);  // asked itself, not through the cache
+    EXPECT_EQ(CUnit::dimensions().count(client),
+              0U);  // the factor was called directly, not through the cache
     EXPECT_EQ((SI::Newton() * (SI::Meter() * 1000.0))->getCtxDimension(),
               SI::Joule()->getCtxDimension());
 }
@@ -629,9 +630,9 @@ TEST(ProductUnit, TheConverterMultipliesTheSlopesOfTheFactorsRaisedToTheirExpone
         const auto converter =
             std::dynamic_pointer_cast<CMultiplyConverter>(row.Unit->getCtxToDimension());
         ASSERT_NE(converter, nullptr);
-        // The math library's pow may differ in the last place between platforms.
+        // The result of pow may differ in the last digit between platforms.
         EXPECT_THAT(converter->factor(), WithinOneUlp(row.Factor));
-        EXPECT_NE(row.Unit->getCtxToDimension(), converter);  // a new one each time
+        EXPECT_NE(row.Unit->getCtxToDimension(), converter);  // each call returns a new object
     }
 }
 
@@ -643,15 +644,16 @@ TEST(ProductUnit, TheExponentIsComputedInDoublePrecision) {
     EXPECT_THAT(converter->factor(), WithinOneUlp(2.154434690031884));
 }
 
-TEST(ProductUnit, AProductThatIsItsDimensionConvertsByTheIdentityObject) {
+TEST(ProductUnit, AProductThatIsItsDimensionConvertsByTheIdentity) {
     EXPECT_EQ((SI::Meter() / SI::Second())->getCtxToDimension(), CConverter::identity());
     EXPECT_EQ((SI::Newton() * SI::Meter())->getCtxToDimension(), CConverter::identity());
     const CUnitPtr km = SI::Meter() * 1000.0;
     EXPECT_EQ((km * (SI::Second() * 0.001))->getCtxToDimension(), CConverter::identity());
 }
 
-TEST(ProductUnit, FactorsCloserToOneThanABillionthAreTheIdentity) {
-    constexpr double above = std::numeric_limits<double>::epsilon();  // steps of doubles around 1
+TEST(ProductUnit, AFactorWithinABillionthOfOneGivesTheIdentity) {
+    constexpr double above =
+        std::numeric_limits<double>::epsilon();  // the step between doubles above 1
     constexpr double below = above / 2;
     const struct {
         double Slope;
@@ -660,7 +662,7 @@ TEST(ProductUnit, FactorsCloserToOneThanABillionthAreTheIdentity) {
         {1.0, true},
         {1.0 + 5e-10, true},
         {1.0 - 5e-10, true},
-        {1.0 + 4503599 * above, true},   // 9.9999999e-10 off: the last that is the identity
+        {1.0 + 4503599 * above, true},   // 9.9999999e-10 off: still the identity
         {1.0 + 4503600 * above, false},  // 1.00000008e-9 off
         {1.0 - 9007199 * below, true},
         {1.0 - 9007200 * below, false},
@@ -681,13 +683,13 @@ TEST(ProductUnit, FactorsCloserToOneThanABillionthAreTheIdentity) {
         const CConverterPtr converter = product->getCtxToDimension();
         EXPECT_EQ(converter == CConverter::identity(), row.IsIdentity);
         if (!row.IsIdentity) {
-            // The first power, which pow gives exactly.
+            // The power 1, for which pow is exact.
             EXPECT_THAT(converter->derivative(0.0), HasBitsOf(row.Slope));
         }
     }
 }
 
-TEST(ProductUnit, ANonLinearFactorIsNamedByItsSymbol) {
+TEST(ProductUnit, TheMessageNamesANonLinearFactorByItsSymbol) {
     const CBaseUnitPtr shifted = freshUnit();
     shifted->setDimension(freshUnit(), std::make_shared<CAddConverter>(5.0));
     const CUnitPtr product = SI::Meter() * shifted;
@@ -696,7 +698,7 @@ TEST(ProductUnit, ANonLinearFactorIsNamedByItsSymbol) {
                                                       " is non-linear, cannot convert")));
 }
 
-TEST(ProductUnit, ANonLinearFactorWithoutSymbolLeavesTwoBlanks) {
+TEST(ProductUnit, TheMessageHasTwoBlanksForANonLinearFactorWithoutSymbol) {
     const CUnitPtr product = SI::Celsius() * SI::Meter();
     const CUnitPtr square = SI::Celsius() ^ 2;
     const Tables before;
@@ -708,7 +710,7 @@ TEST(ProductUnit, ANonLinearFactorWithoutSymbolLeavesTwoBlanks) {
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(ProductUnit, TheFirstNonLinearFactorEndsTheQuestions) {
+TEST(ProductUnit, FactorsAfterANonLinearOneAreNotAsked) {
     const CBaseUnitPtr shifted = freshUnit();
     shifted->setDimension(freshUnit(), std::make_shared<CAddConverter>(5.0));
     const auto before = freshClientUnit();
@@ -721,17 +723,17 @@ TEST(ProductUnit, TheFirstNonLinearFactorEndsTheQuestions) {
     EXPECT_THAT(after->Asked, IsEmpty());
 }
 
-// A chain answers for its linearity by its first step: a scaled degree Celsius begins with a factor.
-TEST(ProductUnit, TheOffsetOfALinearLookingFactorIsDropped) {
+// A chain is linear if its first step is. A multiple of the degree Celsius begins with a factor.
+TEST(ProductUnit, TheOffsetOfAFactorThatReportsItselfLinearIsDropped) {
     const CUnitPtr scaled = SI::Celsius() * 7.0;
     const CUnitPtr product = scaled * SI::Meter();
     EXPECT_THAT(scaled, ConvertsTo(SI::Kelvin(), 1.0, 7.0 + 273.15));
     EXPECT_THAT(product, ConvertsTo(SI::Kelvin() * SI::Meter(), 1.0, 7.0));  // pow(7, 1) is exact
 }
 
-// What goes wrong.
+// Errors.
 
-TEST(ProductUnit, ExponentsThatLeaveTheRangeOfIntAreRefusedWithoutTrace) {
+TEST(ProductUnit, ExponentsOutOfRangeAreRefusedAndNothingIsRegistered) {
     const struct {
         std::vector<Factor> Left, Right;
         const char* Number;
@@ -755,7 +757,7 @@ TEST(ProductUnit, ExponentsThatLeaveTheRangeOfIntAreRefusedWithoutTrace) {
     }
 }
 
-TEST(ProductUnit, ExponentsJustInsideTheLimitsAreMerged) {
+TEST(ProductUnit, ExponentsAtTheLimitsOfIntAreMerged) {
     const Letters units;
     const CUnitPtr result = CProductUnit::getInstance({CUnitRationalPower(units['a'], INT_MIN, 1)},
                                                       {CUnitRationalPower(units['a'], INT_MAX, 1)});
@@ -766,7 +768,7 @@ TEST(ProductUnit, ExponentsJustInsideTheLimitsAreMerged) {
               "b^2/1");
 }
 
-TEST(ProductUnit, QuotientsPowersAndRootsThatOverflowAreRefusedWithoutTrace) {
+TEST(ProductUnit, QuotientsPowersAndRootsThatOverflowAreRefusedAndNothingIsRegistered) {
     const Letters units;
     const CUnitPtr smallest =
         CProductUnit::getInstance({CUnitRationalPower(units['a'], INT_MIN, 1)}, {});
@@ -784,7 +786,7 @@ TEST(ProductUnit, QuotientsPowersAndRootsThatOverflowAreRefusedWithoutTrace) {
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(ProductUnit, ARecordWithoutUnitIsRefused) {
+TEST(ProductUnit, AFactorWithoutUnitIsRefused) {
     const CUnitRationalPower metre(SI::Meter(), 1, 1);
     const CUnitRationalPower empty;
     const CUnitRationalPower none(nullptr, 1, 1);
@@ -820,8 +822,8 @@ TEST(ProductUnit, AnEmptyUnitIsRefused) {
     EXPECT_EQ(Tables(), before);
 }
 
-// Exponents that only records made by hand can have: refused where they lead nowhere.
-TEST(ProductUnit, ExponentsThatAreNoNumbersDoNotCrash) {
+// Exponents that only a hand-made factor can have.
+TEST(ProductUnit, ExponentsWithRootZeroDoNotCrash) {
     const Letters units;
     const CUnitPtr undefined = CProductUnit::getInstance(
         {}, {CUnitRationalPower(units['a'], 0, 0), CUnitRationalPower(units['b'], 2, 1)});

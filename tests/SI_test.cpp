@@ -32,9 +32,9 @@ const Accessor BASE_UNITS[] = {
     {"s", base<SI::Second>},
 };
 
-// An alternate unit: what its definition is called, and what that is in base units, both as they
-// print. The published values are those of the SI brochure, 9th edition, table 4; the order of the
-// factors is that of the definitions.
+// An alternate unit, the text of its definition, and the text of its base units, as they print. The
+// values are those of the SI brochure, 9th edition, table 4. The order of the factors is that of
+// the definitions.
 struct Alternate {
     const char* Symbol;
     CUnitPtr (*Get)();
@@ -77,7 +77,7 @@ std::vector<Accessor> all() {
     return accessors;
 }
 
-TEST(SI, EachAccessorGivesTheSameObjectAtEveryCallAndNoOtherAccessorDoes) {
+TEST(SI, EachAccessorReturnsOneObjectOfItsOwn) {
     std::set<CUnitPtr> units;
     for (const Accessor& accessor : all()) {
         EXPECT_EQ(accessor.Get(), accessor.Get()) << accessor.Name;
@@ -86,7 +86,7 @@ TEST(SI, EachAccessorGivesTheSameObjectAtEveryCallAndNoOtherAccessorDoes) {
     EXPECT_EQ(units.size(), 31U);
 }
 
-TEST(SI, NoUnitIsBuiltByTheFirstCallOfItsAccessor) {
+TEST(SI, AllUnitsAreBuiltAtLoad) {
     const Tables afterLoad;
     for (const Accessor& accessor : all()) {
         accessor.Get();
@@ -94,14 +94,14 @@ TEST(SI, NoUnitIsBuiltByTheFirstCallOfItsAccessor) {
     EXPECT_EQ(Tables(), afterLoad);
 }
 
-TEST(SI, AccessorsShareOwnershipOfTheUnit) {
+TEST(SI, AccessorsReturnOwningPointers) {
     const CUnitPtr first = SI::Newton();
     const long before = first.use_count();
     const CUnitPtr second = SI::Newton();
     EXPECT_EQ(first.use_count(), before + 1);
 }
 
-TEST(SI, EachUnitIsKnownByItsSymbolOrLabel) {
+TEST(SI, EachUnitIsFoundByItsSymbolOrLabel) {
     for (const Accessor& accessor : all()) {
         EXPECT_EQ(CUnitFormat::unitFor(accessor.Name), accessor.Get()) << accessor.Name;
         EXPECT_THAT(accessor.Get(), PrintsAs(accessor.Name));
@@ -126,7 +126,7 @@ TEST(SI, BaseUnitAccessorsGiveBaseUnits) {
     }
 }
 
-TEST(SI, NamedUnitsAreAlternatesOfTheirDefinition) {
+TEST(SI, NamedUnitsAreAlternateUnitsOfTheirDefinitions) {
     for (const Alternate& row : ALTERNATES) {
         SCOPED_TRACE(row.Symbol);
         const CUnitPtr unit = row.Get();
@@ -144,9 +144,9 @@ TEST(SI, NamedUnitsAreAlternatesOfTheirDefinition) {
     }
 }
 
-// The products of the definitions were the first of their factors, so that the other order gives
-// them, too.
-TEST(SI, ProductsPrintInTheOrderOfTheDefinitionHoweverTheyAreAskedFor) {
+// The definitions built these products first and decided the order, so the other order gives the
+// same text.
+TEST(SI, ProductsPrintInTheOrderOfTheDefinition) {
     EXPECT_THAT(SI::Kilogram() * SI::Meter(), PrintsAs("m·kg"));
     EXPECT_THAT(SI::Kilogram() * SI::Meter() / (SI::Second() ^ 2), PrintsAs("m·kg/s²"));
     EXPECT_THAT(SI::Meter() * SI::Newton(), PrintsAs("N·m"));
@@ -155,14 +155,14 @@ TEST(SI, ProductsPrintInTheOrderOfTheDefinitionHoweverTheyAreAskedFor) {
     EXPECT_THAT(SI::Steradian() * SI::Candela(), PrintsAs("cd·sr"));
 }
 
-TEST(SI, HertzAndBecquerelAreTwoUnitsOfOneDimension) {
+TEST(SI, HertzAndBecquerelAreTwoCompatibleUnits) {
     EXPECT_NE(SI::Hertz(), SI::Becquerel());
     EXPECT_FALSE(SI::Hertz()->equals(SI::Becquerel()));
     EXPECT_EQ(SI::Hertz()->getDimension(), SI::Becquerel()->getDimension());
     EXPECT_THAT(SI::Hertz(), ConvertsTo(SI::Becquerel(), 2.5, 2.5));
 }
 
-TEST(SI, GrayAndSievertAreTwoUnitsOfOneDimension) {
+TEST(SI, GrayAndSievertAreTwoCompatibleUnits) {
     EXPECT_NE(SI::Gray(), SI::Sievert());
     EXPECT_FALSE(SI::Gray()->equals(SI::Sievert()));
     EXPECT_EQ(SI::Gray()->getDimension(), SI::Sievert()->getDimension());
@@ -189,12 +189,12 @@ TEST(SI, TheSymbolOfTheOhmIsTheOhmSign) {
     EXPECT_EQ(CUnitFormat::unitFor("k\u2126"), SI::Kilo(SI::Ohm()));
 }
 
-TEST(SI, TheLabelOfTheDegreeCelsiusIsTheDegreeSignAndC) {
+TEST(SI, TheDegreeCelsiusHasTheLabelDegreeSignC) {
     EXPECT_EQ(SI::Celsius()->toStdString(), "\xC2\xB0\x43");
     EXPECT_EQ(SI::Celsius()->toString().length(), 2U);
 }
 
-TEST(SI, TheGramIsTheLabelledThousandthOfTheKilogram) {
+TEST(SI, TheGramIsAThousandthOfTheKilogramWithALabel) {
     EXPECT_EQ(SI::Gram(), SI::Kilogram()->multiply(0.001));
     EXPECT_NE(std::dynamic_pointer_cast<CTransformedUnit>(SI::Gram()), nullptr);
     EXPECT_EQ(SI::Gram()->getSystemUnit(), SI::Kilogram());
@@ -213,14 +213,14 @@ TEST(SI, ZeroDegreesCelsiusAre273Point15Kelvin) {
     EXPECT_THAT(SI::Kelvin(), ConvertsTo(SI::Celsius(), 273.15, 0));
 }
 
-// Identity ignores offsets.
-TEST(SI, TheKelvinShiftedByAnyOffsetIsTheDegreeCelsius) {
+// The hash code ignores offsets.
+TEST(SI, TheKelvinWithAnyOffsetIsTheDegreeCelsius) {
     EXPECT_EQ(SI::Kelvin()->add(273.15), SI::Celsius());
     EXPECT_EQ(SI::Kelvin()->add(-10), SI::Celsius());
     EXPECT_EQ(SI::Kelvin()->multiply(1.0), SI::Celsius());
 }
 
-TEST(SI, OnlyTheGramAndTheDegreeCelsiusAreLabelled) {
+TEST(SI, OnlyTheGramAndTheDegreeCelsiusHaveLabels) {
     std::vector<std::string> labelled;
     for (const Accessor& accessor : all()) {
         if (CUnitFormat::unitLabelMap().count(accessor.Get()) != 0) {
@@ -249,7 +249,7 @@ const PrefixFunction PREFIX_FUNCTIONS[] = {
     {ZEPTO, SI::Zepto, "z", 1e-21}, {YOCTO, SI::Yocto, "y", 1e-24},
 };
 
-TEST(SI, PrefixFunctionsScaleByTheFactorOfTheirPrefix) {
+TEST(SI, PrefixFunctionsMultiplyByTheFactorOfTheirPrefix) {
     for (const PrefixFunction& row : PREFIX_FUNCTIONS) {
         SCOPED_TRACE(row.Symbol);
         EXPECT_THAT(prefix(row.Prefix).Factor, HasBitsOf(row.Factor));
@@ -263,12 +263,12 @@ TEST(SI, PrefixFunctionsScaleByTheFactorOfTheirPrefix) {
     }
 }
 
-TEST(SI, PrefixFunctionsScaleUnitsThatAreScaledAlready) {
+TEST(SI, PrefixFunctionsMultiplyUnitsThatAreMultiplesAlready) {
     EXPECT_THAT(SI::Kilo(NonSI::Hour()), ConvertsTo(SI::Second(), 1, 3600000));
     EXPECT_EQ(SI::Kilo(NonSI::Hour())->getSystemUnit(), SI::Second());
 }
 
-TEST(SI, PrefixFunctionsGiveNoLabel) {
+TEST(SI, PrefixFunctionsAttachNoLabel) {
     const CUnitPtr own = CBaseUnit::getInstance(freshSymbol());
     const std::size_t labels = CUnitFormat::labelUnitMap().size();
     for (const PrefixFunction& row : PREFIX_FUNCTIONS) {
@@ -281,8 +281,8 @@ TEST(SI, PrefixFunctionsGiveNoLabel) {
     EXPECT_EQ(CUnitFormat::labelUnitMap().size(), labels);
 }
 
-// Its factor, 1e-48, narrows to zero, and so its hash is that of the metre itself.
-TEST(SI, TheYoctoOfTheYoctometreIsNoTransformedUnit) {
+// The factor 1e-48 is zero as a float, so the hash code is that of the metre.
+TEST(SI, TheYoctoyoctometreIsAnEmptyPointer) {
     EXPECT_EQ(SI::Yocto(SI::Yocto(SI::Meter())), nullptr);
 }
 

@@ -1,5 +1,5 @@
-// TextCache_test.cpp: the cache of texts alone, compiled into this test. behaviour/Caches_test.cpp tests its effect
-// on programs.
+// TextCache_test.cpp: the cache of texts alone, compiled into this test. behaviour/Caches_test.cpp
+// tests its effect on programs.
 #include "mensor/TextCache.h"
 
 #include <gtest/gtest.h>
@@ -67,8 +67,9 @@ TEST(TextCache, HoldsFourTextsThatBeginAtTheSameEntry) {
     EXPECT_EQ(cache.find(texts[4], epoch), unitOf(4, epoch));
 }
 
-// Threads write two texts in two epochs to one entry for seconds. A reader that gets half of one write and half of
-// another, or an entry that two writers have mixed, finds the unit of another text or epoch.
+// Threads write two texts in two epochs to one entry for seconds. A reader that gets half of one
+// write and half of another, or an entry that two writers have mixed, finds the unit of another
+// text or epoch.
 TEST(TextCache, ConcurrentWritesNeverGiveTheUnitOfAnotherTextOrEpoch) {
     const std::vector<std::string> texts = textsOfOneEntry(2);
     const std::array<unsigned, 2> epochs{freshEpoch(), freshEpoch()};

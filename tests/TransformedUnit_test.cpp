@@ -1,5 +1,5 @@
-// TransformedUnit_test.cpp: scaled and shifted units, the shapes of their converters, and what it
-// means that their identity is the slope in single precision.
+// TransformedUnit_test.cpp: scaled and shifted units, the nesting of their converters, and what
+// follows from an identity that is the slope in single precision.
 #include "mensor/TransformedUnit.h"
 
 #include <gmock/gmock.h>
@@ -36,8 +36,6 @@ using ::testing::IsEmpty;
 using ::testing::StrEq;
 using ::testing::ThrowsMessage;
 
-CBaseUnitPtr freshUnit() { return CBaseUnit::getInstance(freshSymbol()); }
-
 CConverterPtr factor(double x) { return std::make_shared<CMultiplyConverter>(x); }
 CConverterPtr offset(double x) { return std::make_shared<CAddConverter>(x); }
 CConverterPtr chain(CConverterPtr first, CConverterPtr second) {
@@ -48,7 +46,7 @@ CConverterPtr toSystem(const CUnitPtr& unit) {
     return dynamic_cast<const CTransformedUnit&>(*unit).toSystem();
 }
 
-// The shape of a converter: "id", "*" and "+" with all digits, "(first, second)" for a compound.
+// The nesting of a converter: "id", "*" or "+" with all digits, "(first, second)" for a compound.
 std::string shape(const CConverterPtr& converter) {
     std::ostringstream out;
     out.precision(17);
@@ -70,9 +68,10 @@ int wrappedSum(int left, int right) {
     return static_cast<int>(static_cast<std::uint32_t>(left) + static_cast<std::uint32_t>(right));
 }
 
-// Shapes: chaining goes through the base of the converters, so nothing folds and nothing is left out.
+// Nesting: units chain converters through the base class, so no constants are combined and no step
+// is left out.
 
-TEST(TransformedUnit, AScaledSystemUnitIsTheFactorAndThenTheIdentity) {
+TEST(TransformedUnit, AScaledSystemUnitConvertsByTheFactorAndThenTheIdentity) {
     const CConverterPtr thousand = factor(1000);
     const CUnitPtr unit = CTransformedUnit::getInstance(freshUnit(), thousand);
     const auto compound = std::dynamic_pointer_cast<CCompound>(toSystem(unit));
@@ -81,7 +80,7 @@ TEST(TransformedUnit, AScaledSystemUnitIsTheFactorAndThenTheIdentity) {
     EXPECT_EQ(compound->second(), CConverter::identity());
 }
 
-TEST(TransformedUnit, ShapesOfTheConvertersToTheSystemUnit) {
+TEST(TransformedUnit, NestingOfTheConvertersToTheSystemUnit) {
     const CUnitPtr base = freshUnit();
     EXPECT_EQ(shape(toSystem(base * 1000.0)), "(*1000, id)");
     EXPECT_EQ(shape(toSystem(freshUnit() + 100.0)), "(+100, id)");
@@ -91,7 +90,7 @@ TEST(TransformedUnit, ShapesOfTheConvertersToTheSystemUnit) {
     EXPECT_EQ(shape(toSystem((base ^ 3) * 5.0)), "(*5, id)");
     EXPECT_EQ(shape(toSystem(CProductUnit::one() * 7.5)), "(*7.5, id)");
 
-    // From a transformed parent: first to the parent, then along its own way to the system unit.
+    // From a transformed parent: first to the parent, then by its converter to the system unit.
     const CUnitPtr scaledTwice = base * 1000.0 * 7.0;
     EXPECT_EQ(shape(toSystem(scaledTwice)), "(*7, (((*1000, id), id), id))");
     EXPECT_EQ(shape(toSystem(scaledTwice * 3.0)),
@@ -101,7 +100,7 @@ TEST(TransformedUnit, ShapesOfTheConvertersToTheSystemUnit) {
     EXPECT_EQ(shape(toSystem(shifted * 7.0)), "(*7, (((+100, id), id), id))");
 }
 
-TEST(TransformedUnit, TheParentsOwnConverterIsInTheChain) {
+TEST(TransformedUnit, TheChainContainsTheConverterOfTheParent) {
     const CUnitPtr km = freshUnit() * 1000.0;
     const auto outer = std::dynamic_pointer_cast<CCompound>(toSystem(km * 7.0));
     ASSERT_NE(outer, nullptr);
@@ -114,16 +113,16 @@ TEST(TransformedUnit, TheParentsOwnConverterIsInTheChain) {
     EXPECT_EQ(parentToDimension->second(), CConverter::identity());
 }
 
-TEST(TransformedUnit, AScaledProductOfTransformedUnitsRestsOnTheProductOfTheirSystemUnits) {
+TEST(TransformedUnit, AScaledProductRefersToTheProductOfTheSystemUnits) {
     const CUnitPtr length = freshUnit();
     const CUnitPtr time = freshUnit();
     const CUnitPtr speed = (length * 1000.0) / (time * 8.0);
     const CUnitPtr unit = speed * 2.0;
     EXPECT_EQ(unit->getSystemUnit(), length / time);
-    EXPECT_EQ(shape(toSystem(unit)), "(*2, (*125, id))");  // 1000 and 8⁻¹ leave pow unrounded
+    EXPECT_EQ(shape(toSystem(unit)), "(*2, (*125, id))");  // pow is exact for 1000 and 8⁻¹
 }
 
-TEST(TransformedUnit, AScaledProductOfOffsetsHasNoConverterToItsSystemUnit) {
+TEST(TransformedUnit, AScaledProductOfOffsetUnitsHasNoConverterToItsSystemUnit) {
     const CUnitPtr product = SI::Celsius() * SI::Meter();
     EXPECT_EQ(product->getSystemUnit(), SI::Kelvin() * SI::Meter());
     const Tables before;
@@ -133,7 +132,7 @@ TEST(TransformedUnit, AScaledProductOfOffsetsHasNoConverterToItsSystemUnit) {
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(TransformedUnit, ShapesOfTheConvertersBetweenUnits) {
+TEST(TransformedUnit, NestingOfTheConvertersBetweenUnits) {
     const CUnitPtr base = freshUnit();
     const CUnitPtr km = base * 1000.0;
     const CUnitPtr half = base * 0.5;
@@ -146,7 +145,7 @@ TEST(TransformedUnit, ShapesOfTheConvertersBetweenUnits) {
     EXPECT_EQ(shape(shifted->getSystemUnit()->getConverterTo(shifted)), "(id, (id, +-100))");
 }
 
-TEST(TransformedUnit, ShapesOfTheCatalogue) {
+TEST(TransformedUnit, NestingOfTheConvertersOfTheCatalogue) {
     EXPECT_EQ(shape(toSystem(SI::Celsius())), "(+273.14999999999998, id)");
     EXPECT_EQ(shape(toSystem(SI::Gram())), "(*0.001, id)");
     EXPECT_EQ(shape(toSystem(NonSI::Minute())), "(*60, id)");
@@ -154,7 +153,7 @@ TEST(TransformedUnit, ShapesOfTheCatalogue) {
     EXPECT_EQ(shape(toSystem(NonSI::Liter())), "(*0.001, id)");
 }
 
-TEST(TransformedUnit, TheWayToTheDimensionIsThatOfTheSystemUnitAfterItsOwn) {
+TEST(TransformedUnit, TheConverterToTheDimensionEndsWithThatOfTheSystemUnit) {
     const auto system = freshClientUnit();
     const CUnitPtr dimension = freshUnit();
     const CConverterPtr ofSystem = factor(4);
@@ -169,19 +168,19 @@ TEST(TransformedUnit, TheWayToTheDimensionIsThatOfTheSystemUnitAfterItsOwn) {
     EXPECT_THAT(unit, ConvertsTo(dimension, 3.0, 120.0));
 }
 
-TEST(TransformedUnit, TheRoadToTheParentIsTakenFirst) {
+TEST(TransformedUnit, TheConverterToTheParentComesFirst) {
     const CUnitPtr base = freshUnit();
     const CUnitPtr shifted = base + 100.0;
     const CUnitPtr scaled = shifted * 7.0;  // (x · 7) + 100
     EXPECT_THAT(scaled, ConvertsTo(base, 2.0, 114.0));
     const CUnitPtr other = freshUnit();
     const CUnitPtr shiftedLater = other * 7.0 + 100.0;
-    EXPECT_EQ(shiftedLater, other * 7.0);  // the slope alone is its identity
+    EXPECT_EQ(shiftedLater, other * 7.0);  // the slope alone decides the identity
 }
 
 // Identity.
 
-TEST(TransformedUnit, NeverRestsOnATransformedUnit) {
+TEST(TransformedUnit, ItsSystemUnitIsNeverATransformedUnit) {
     const CUnitPtr m = SI::Meter();
     const CUnitPtr km = m * 1000.0;
     const CUnitPtr back = km * 0.001;
@@ -203,14 +202,14 @@ TEST(TransformedUnit, TheSameScalingIsTheSameObject) {
     EXPECT_EQ(SI::Kilo(SI::Meter()), CUnit::fromString("km"));
 }
 
-TEST(TransformedUnit, TheSameScalingReachedByAnotherChainIsTheSameObject) {
+TEST(TransformedUnit, TheSameScalingByAnotherChainIsTheSameObject) {
     const CUnitPtr unit = freshUnit();
     const CUnitPtr direct = unit * 6.0;
     EXPECT_EQ(unit * 2.0 * 3.0, direct);
     EXPECT_EQ(shape(toSystem(direct)), "(*6, id)");
 }
 
-TEST(TransformedUnit, TheHashIsTheSystemUnitsPlusTheBitsOfTheSlope) {
+TEST(TransformedUnit, TheHashCodeIsThatOfTheSystemUnitPlusTheBitsOfTheSlope) {
     const double slopes[] = {1000.0,
                              0.001,
                              1.0,
@@ -235,7 +234,7 @@ TEST(TransformedUnit, TheHashIsTheSystemUnitsPlusTheBitsOfTheSlope) {
     EXPECT_EQ(shifted->hashCode(), shifted->getSystemUnit()->hashCode() + 0x3F800000);
 }
 
-TEST(TransformedUnit, TheHashWrapsRound) {
+TEST(TransformedUnit, TheHashCodeWrapsAround) {
     const CUnitPtr system = CBaseUnit::getInstance("qqqqqqqq");
     ASSERT_EQ(system->hashCode(), std::numeric_limits<int>::max());
     const CUnitPtr unit = system * 1000.0;
@@ -243,14 +242,14 @@ TEST(TransformedUnit, TheHashWrapsRound) {
     EXPECT_LT(unit->hashCode(), 0);
 }
 
-TEST(TransformedUnit, TheHashReadsTheStoredHashOfTheSystemUnit) {
+TEST(TransformedUnit, TheHashCodeUsesTheStoredHashCodeOfTheSystemUnit) {
     const CUnitPtr system = std::make_shared<CAlternateUnit>("qq", SI::Meter());
     CTransformedUnit unit(system, factor(2));
     unit.calculateHashCode();
-    EXPECT_EQ(unit.hashCode(), 0x40000000);  // the system unit has not computed its own
+    EXPECT_EQ(unit.hashCode(), 0x40000000);  // that of the system unit has not been computed
 }
 
-TEST(TransformedUnit, FactorsThatAreOneInSinglePrecisionAreOneUnitTheFirst) {
+TEST(TransformedUnit, FactorsThatAreTheSameInSinglePrecisionAreOneUnit) {
     const CUnitPtr system = freshUnit();
     const double close = 1000.0 * (1.0 + 1e-9);
     const CUnitPtr first = system * close;
@@ -259,7 +258,7 @@ TEST(TransformedUnit, FactorsThatAreOneInSinglePrecisionAreOneUnitTheFirst) {
     EXPECT_NE(system * (1000.0 * (1.0 + 1e-6)), first);
 }
 
-TEST(TransformedUnit, UnitsOfOneSystemUnitAndSlopeAreOneWhateverTheirOffset) {
+TEST(TransformedUnit, UnitsWithTheSameSystemUnitAndSlopeAreOneUnitEvenIfOffsetsDiffer) {
     const CUnitPtr system = freshUnit();
     const CUnitPtr first = system + 5.0;
     EXPECT_EQ(system + 6.0, first);
@@ -274,7 +273,7 @@ TEST(TransformedUnit, UnitsOfOneSystemUnitAndSlopeAreOneWhateverTheirOffset) {
     EXPECT_THAT(other + 273.15, ConvertsTo(other, 0.0, 0.0));
 }
 
-TEST(TransformedUnit, TheKelvinShiftedOrScaledByOneIsTheDegreeCelsius) {
+TEST(TransformedUnit, TheKelvinPlusAnOffsetOrTimesOneIsTheDegreeCelsius) {
     const CUnitPtr celsius = SI::Celsius();
     EXPECT_EQ(SI::Kelvin() + 100.0, celsius);
     EXPECT_EQ(SI::Kelvin() + 0.0, celsius);
@@ -284,25 +283,26 @@ TEST(TransformedUnit, TheKelvinShiftedOrScaledByOneIsTheDegreeCelsius) {
     EXPECT_THAT(SI::Kelvin() * 1.0, ConvertsTo(SI::Kelvin(), 0.0, 273.15));
 }
 
-TEST(TransformedUnit, TheScaledDegreeCelsiusIsTheScaledKelvinThatCameFirst) {
+TEST(TransformedUnit, AMultipleOfTheDegreeCelsiusIsTheMultipleOfTheKelvinThatCameFirst) {
     EXPECT_EQ(SI::Celsius() * 1000.0, SI::Kelvin() * 1000.0);
     EXPECT_THAT(SI::Celsius() * 1000.0, ConvertsTo(SI::Kelvin(), 1.0, 1000.0));  // no offset
     EXPECT_THAT(SI::Milli(SI::Celsius()), ConvertsTo(SI::Kelvin(), 1.0, 0.001));
 }
 
-TEST(TransformedUnit, TheScaledKelvinIsTheScaledDegreeCelsiusWhereThatCameFirst) {
-    const CUnitPtr celsius = SI::Celsius() * 7.0;  // no prefix: nobody has built it before
+TEST(TransformedUnit, AMultipleOfTheKelvinIsTheMultipleOfTheDegreeCelsiusThatCameFirst) {
+    const CUnitPtr celsius =
+        SI::Celsius() * 7.0;  // not the factor of a prefix, so it does not exist yet
     EXPECT_THAT(celsius, ConvertsTo(SI::Kelvin(), 2.0, 14.0 + 273.15));
     EXPECT_EQ(SI::Kelvin() * 7.0, celsius);
     EXPECT_THAT(SI::Kelvin() * 7.0, ConvertsTo(SI::Kelvin(), 2.0, 14.0 + 273.15));
 }
 
-TEST(TransformedUnit, AFactorThatVanishesInSinglePrecisionGivesNoUnit) {
+TEST(TransformedUnit, AFactorThatIsZeroInSinglePrecisionGivesAnEmptyPointer) {
     const CUnitPtr m = SI::Meter();
     const CUnitPtr speed = m / SI::Second();
     ASSERT_NE(SI::Yocto(m), nullptr);
     const Tables before;
-    EXPECT_EQ(SI::Yocto(SI::Yocto(m)), nullptr);  // 1e-48: the hash is that of the metre itself
+    EXPECT_EQ(SI::Yocto(SI::Yocto(m)), nullptr);  // 1e-48: the hash code is that of the metre
     EXPECT_EQ(SI::Yocto(m) * 1e-24, nullptr);
     EXPECT_EQ(m * 1e-48, nullptr);
     EXPECT_EQ(m * 0.0, nullptr);
@@ -310,12 +310,12 @@ TEST(TransformedUnit, AFactorThatVanishesInSinglePrecisionGivesNoUnit) {
     EXPECT_EQ(speed * 0.0, nullptr);
     EXPECT_EQ(CProductUnit::one() * 0.0, nullptr);
     EXPECT_EQ(Tables(), before);
-    // The smallest single is still a unit, and so is the negative zero, which has bits.
+    // The smallest float gives a unit. So does the negative zero, whose bits are not zero.
     EXPECT_NE(m * 1.4e-45, nullptr);
     EXPECT_NE(m * -0.0, nullptr);
 }
 
-TEST(TransformedUnit, AHashThatBelongsToAnotherKindGivesNoUnit) {
+TEST(TransformedUnit, AHashCodeThatBelongsToAnotherKindGivesAnEmptyPointer) {
     const CUnitPtr system = freshUnit();
     const auto owner =
         CClientUnit::make(freshSymbol(), wrappedSum(system->hashCode(), floatToIntBits(5.0F)));
@@ -325,10 +325,11 @@ TEST(TransformedUnit, AHashThatBelongsToAnotherKindGivesNoUnit) {
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(TransformedUnit, AHashThatBelongsToATransformedUnitOfAnotherSystemUnitGivesThatUnit) {
+TEST(TransformedUnit, AHashCodeOfATransformedUnitWithAnotherSystemUnitGivesThatUnit) {
     const CUnitPtr second = SI::Second();
     const CUnitPtr metre = SI::Meter();
-    // "s" lies six above "m", so the metre scaled by the sixth single above 1000 is the kilosecond.
+    // The hash code of "s" is that of "m" plus 6. So the metre times the sixth float above 1000 is
+    // the kilosecond.
     float slope = 1000.0F;
     for (int i = 0; i < 's' - 'm'; ++i) {
         slope = std::nextafter(slope, 2000.0F);
@@ -336,7 +337,7 @@ TEST(TransformedUnit, AHashThatBelongsToATransformedUnitOfAnotherSystemUnitGives
     EXPECT_EQ(metre * static_cast<double>(slope), second * 1000.0);
 }
 
-TEST(TransformedUnit, ConstructedAloneItIsNotRegistered) {
+TEST(TransformedUnit, TheConstructorDoesNotRegister) {
     const Tables before;
     const CConverterPtr converter = factor(2);
     const auto unit = std::make_shared<CTransformedUnit>(SI::Meter(), converter);
@@ -360,7 +361,7 @@ TEST(TransformedUnit, IsOneFactorInAProductAndHasNoBaseUnits) {
 
 // The symbol.
 
-TEST(TransformedUnit, HasNoSymbolWhateverItsConverter) {
+TEST(TransformedUnit, HasNoSymbolForAnyConverter) {
     for (const CUnitPtr& unit :
          {SI::Meter() * 1000.0, SI::Celsius(), SI::Gram(), NonSI::Hour(), freshUnit() + 5.0,
           (SI::Meter() / SI::Second()) * 3.6, SI::Newton() * 2.0}) {
@@ -369,7 +370,7 @@ TEST(TransformedUnit, HasNoSymbolWhateverItsConverter) {
     }
 }
 
-TEST(TransformedUnit, HasTextOnlyThroughALabel) {
+TEST(TransformedUnit, HasATextOnlyWithALabel) {
     const CUnitPtr unit = freshUnit() * 12.0;
     EXPECT_THAT([&] { unit->toString(); }, ThrowsMessage<std::invalid_argument>(
                                                StrEq("Cannot format given Object as a Unit")));
@@ -379,7 +380,7 @@ TEST(TransformedUnit, HasTextOnlyThroughALabel) {
     EXPECT_EQ(text(unit->getSymbol()), "");
 }
 
-TEST(TransformedUnit, TheSymbolComputesTheConverterToTheSystemUnit) {
+TEST(TransformedUnit, GetSymbolComputesTheConverterToTheSystemUnit) {
     const CUnitPtr system = freshUnit();
     const CUnitPtr unit = system * 12.0;
     CUnit::dimensions().clear();
@@ -391,7 +392,7 @@ TEST(TransformedUnit, TheSymbolComputesTheConverterToTheSystemUnit) {
     EXPECT_EQ(CUnit::toDimensions().at(system), CConverter::identity());
 }
 
-TEST(TransformedUnit, TheSymbolOfAKindThatIsItsOwnSystemUnitComputesNothing) {
+TEST(TransformedUnit, GetSymbolOfAKindThatIsItsOwnSystemUnitComputesNothing) {
     class CRoot : public CTransformedUnit {
     public:
         using CTransformedUnit::CTransformedUnit;
@@ -402,7 +403,7 @@ TEST(TransformedUnit, TheSymbolOfAKindThatIsItsOwnSystemUnitComputesNothing) {
     EXPECT_EQ(CUnit::dimensions().count(unit), 0U);
 }
 
-TEST(TransformedUnit, RegisteringItFillsBothCachesOfDimensions) {
+TEST(TransformedUnit, RegistrationFillsBothTablesOfDimensions) {
     const CUnitPtr system = freshUnit();
     CUnit::dimensions().clear();
     CUnit::toDimensions().clear();
@@ -411,7 +412,7 @@ TEST(TransformedUnit, RegisteringItFillsBothCachesOfDimensions) {
     EXPECT_EQ(shape(CUnit::toDimensions().at(unit)), "((*12, id), id)");
 }
 
-TEST(TransformedUnit, TheSymbolFailsAsTheConverterDoes) {
+TEST(TransformedUnit, GetSymbolThrowsWhatTheConverterThrows) {
     const auto system = freshClientUnit();
     const CUnitPtr unit = system * 12.0;
     CUnit::dimensions().clear();
@@ -423,7 +424,7 @@ TEST(TransformedUnit, TheSymbolFailsAsTheConverterDoes) {
     EXPECT_EQ(text(unit->getSymbol()), "");
 }
 
-TEST(TransformedUnit, IsNotRegisteredWhenItsSymbolCannotBeAsked) {
+TEST(TransformedUnit, IsNotRegisteredIfGetSymbolThrows) {
     const auto system = freshClientUnit();
     system->CtxToDimension = []() -> CConverterPtr { throw std::runtime_error("no converter"); };
     const Tables before;
@@ -437,17 +438,17 @@ TEST(TransformedUnit, IsNotRegisteredWhenItsSymbolCannotBeAsked) {
 
 // equals()
 
-TEST(TransformedUnit, EqualsItselfAndNoEmptyPointer) {
+TEST(TransformedUnit, EqualsItselfButNoEmptyPointer) {
     const CUnitPtr unit = freshUnit() * 2.0;
     EXPECT_TRUE(unit->equals(unit));
     EXPECT_FALSE(unit->equals(CUnitPtr()));
-    // Even where the converter is not equal to itself, as no offset in a chain is.
+    // Even if the converter is not equal to itself, as a chain with an offset.
     const CUnitPtr shifted = std::make_shared<CTransformedUnit>(
         SI::Meter(), chain(chain(offset(1), factor(1)), factor(2)));
     EXPECT_TRUE(shifted->equals(shifted));
 }
 
-TEST(TransformedUnit, EqualsATransformedUnitOfTheSameSystemUnitWithAnEqualConverter) {
+TEST(TransformedUnit, EqualsAUnitWithTheSameSystemUnitAndAnEqualConverter) {
     const auto make = [](const CUnitPtr& system, const CConverterPtr& converter) -> CUnitPtr {
         return std::make_shared<CTransformedUnit>(system, converter);
     };
@@ -460,7 +461,7 @@ TEST(TransformedUnit, EqualsATransformedUnitOfTheSameSystemUnitWithAnEqualConver
     EXPECT_FALSE(make(m, offset(5))->equals(make(m, offset(6))));
     EXPECT_FALSE(make(m, offset(0))->equals(make(m, factor(1))));
     EXPECT_FALSE(make(m, factor(2))->equals(make(SI::Second(), factor(2))));
-    // A compound is equal to a compound of equal steps only.
+    // A compound equals only a compound with equal steps.
     EXPECT_TRUE(make(m, chain(factor(2), factor(3)))->equals(make(m, chain(factor(2), factor(3)))));
     EXPECT_FALSE(
         make(m, chain(factor(2), factor(3)))->equals(make(m, chain(factor(3), factor(2)))));
@@ -499,7 +500,7 @@ TEST(TransformedUnit, EqualsIsFalseForTheSystemUnitAndOtherKinds) {
     EXPECT_FALSE(onProduct->equals(m / SI::Second()));
 }
 
-// What goes wrong.
+// Errors.
 
 TEST(TransformedUnit, EmptyArgumentsAreRefused) {
     const Tables before;
@@ -514,9 +515,9 @@ TEST(TransformedUnit, EmptyArgumentsAreRefused) {
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(TransformedUnit, AParentThatCannotConvertToItsSystemUnitIsRefusedWithoutTrace) {
+TEST(TransformedUnit, AParentWithoutConverterToItsSystemUnitIsRefusedAndNothingIsRegistered) {
     const auto parent = freshClientUnit();
-    parent->SystemUnit = [] { return SI::Meter(); };  // but its dimension is itself
+    parent->SystemUnit = [] { return SI::Meter(); };  // but its dimension is the parent itself
     const Tables before;
     EXPECT_THAT(
         [&] { parent->multiply(2.0); },
@@ -525,14 +526,14 @@ TEST(TransformedUnit, AParentThatCannotConvertToItsSystemUnitIsRefusedWithoutTra
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(TransformedUnit, TheIdentityAsConverterIsHandedOnWithoutACompound) {
+TEST(TransformedUnit, TheIdentityAsConverterMakesNoCompound) {
     const CUnitPtr system = freshUnit();
     const CUnitPtr unit = CTransformedUnit::getInstance(system, CConverter::identity());
     EXPECT_NE(unit, system);
     EXPECT_EQ(toSystem(unit), CConverter::identity());
 }
 
-TEST(TransformedUnit, OfAHundredThousandScalingsNeedsLittleStack) {
+TEST(TransformedUnit, AHundredThousandScalingsNeedLittleStack) {
     runWithStack(256 * 1024, [] {
         const auto scalings = [](double last) {
             CConverterPtr steps = factor(last);
@@ -550,7 +551,7 @@ TEST(TransformedUnit, OfAHundredThousandScalingsNeedsLittleStack) {
         EXPECT_EQ((m / unit)->convertValueToUnit(9, CProductUnit::one()), 3);
         EXPECT_EQ((m * 3.0), unit) << "the same slope";
 
-        // Units that nobody registered are compared step by step, and destroyed.
+        // Unregistered units are compared step by step and destroyed.
         const auto make = [&](double last) {
             return std::make_shared<CTransformedUnit>(m, scalings(last));
         };

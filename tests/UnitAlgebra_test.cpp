@@ -32,9 +32,8 @@ using ::testing::IsEmpty;
 using ::testing::StrEq;
 using ::testing::ThrowsMessage;
 
-CUnitPtr freshUnit() { return CBaseUnit::getInstance(freshSymbol()); }
-
-// With an even hash, powers near the edges of int have the hash of other powers, and so are these.
+// A unit with an odd hash code. With an even one, powers near the limits of int would be other
+// powers.
 CUnitPtr freshUnitWithOddHash() {
     CUnitPtr unit = freshUnit();
     while (unit->hashCode() % 2 == 0) {
@@ -45,7 +44,7 @@ CUnitPtr freshUnitWithOddHash() {
 
 std::size_t slotOf(const CUnitPtr& unit) { return static_cast<std::size_t>(Inside::id(unit)); }
 
-// A unit that was never registered, so that its id is 0, but which has the hash of its symbol.
+// A unit with the hash code of its symbol that was never registered, so its id is 0.
 CUnitPtr unregisteredUnit() {
     CUnitPtr unit = std::make_shared<CAlternateUnit>(freshSymbol(), CProductUnit::one());
     unit->calculateHashCode();
@@ -79,7 +78,7 @@ TEST(UnitAlgebra, MultiplyByANumberMakesATransformedUnitWithAFactor) {
     EXPECT_TRUE(transformed(scaled).toSystem()->isLinear());
 }
 
-TEST(UnitAlgebra, AddingZeroIsAnOffsetLikeAnyOther) {
+TEST(UnitAlgebra, AddingZeroMakesATransformedUnit) {
     const CUnitPtr unit = freshUnit();
     const CUnitPtr shifted = unit + 0.0;
     ASSERT_NE(shifted, unit);
@@ -90,7 +89,7 @@ TEST(UnitAlgebra, AddingZeroIsAnOffsetLikeAnyOther) {
     EXPECT_THAT(offset->getOffset(), HasBitsOf(0.0));
 }
 
-TEST(UnitAlgebra, MultiplyingByOneIsAFactorLikeAnyOther) {
+TEST(UnitAlgebra, MultiplyingByOneMakesATransformedUnit) {
     const CUnitPtr unit = freshUnit();
     const CUnitPtr scaled = unit * 1.0;
     ASSERT_NE(scaled, unit);
@@ -101,14 +100,14 @@ TEST(UnitAlgebra, MultiplyingByOneIsAFactorLikeAnyOther) {
     EXPECT_THAT(factor->factor(), HasBitsOf(1.0));
 }
 
-TEST(UnitAlgebra, TheDimensionlessUnitIsScaledLikeAnyOther) {
+TEST(UnitAlgebra, TheDimensionlessUnitCanBeScaled) {
     const CUnitPtr one = CProductUnit::one();
     const CUnitPtr dozen = one * 12.0;
     EXPECT_EQ(dozen->getSystemUnit(), one);
     EXPECT_THAT(dozen, ConvertsTo(one, 2.0, 24.0));
 }
 
-TEST(UnitAlgebra, OffsetsAndFactorsTouchNoCacheOfTheUnit) {
+TEST(UnitAlgebra, OffsetsAndFactorsDoNotUseTheCachesOfTheUnit) {
     const CUnitPtr unit = freshUnit();
     unit->add(1.0);
     unit->multiply(2.0);
@@ -119,17 +118,18 @@ TEST(UnitAlgebra, OffsetsAndFactorsTouchNoCacheOfTheUnit) {
     EXPECT_THAT(Inside::rootLookUp(unit), IsEmpty());
 }
 
-TEST(UnitAlgebra, OffsetsAndFactorsAreNotRememberedByTheUnit) {
+TEST(UnitAlgebra, OffsetsAndFactorsAreBuiltAtEachCall) {
     const auto unit = freshClientUnit();
     const CUnitPtr scaled = unit->multiply(3.0);
     const auto asked = unit->Asked;
     EXPECT_THAT(asked, ::testing::Contains("getSystemUnit"));
     unit->Asked.clear();
     EXPECT_EQ(unit->multiply(3.0), scaled);
-    EXPECT_THAT(unit->Asked, ::testing::Contains("getSystemUnit"));  // built anew, then recognised
+    EXPECT_THAT(unit->Asked,
+                ::testing::Contains("getSystemUnit"));  // built again, then found by its hash code
 }
 
-TEST(UnitAlgebra, AlternateGivesTheUnitASymbolOfItsOwn) {
+TEST(UnitAlgebra, AlternateMakesAUnitWithASymbol) {
     const CUnitPtr unit = freshUnit();
     const string_t symbol = freshSymbol();
     const CUnitPtr named = (unit ^ 2)->alternate(symbol);
@@ -142,7 +142,7 @@ TEST(UnitAlgebra, AlternateGivesTheUnitASymbolOfItsOwn) {
 
 // Operators.
 
-TEST(UnitAlgebra, OperatorsForwardToTheMembers) {
+TEST(UnitAlgebra, OperatorsCallTheMemberFunctions) {
     const CUnitPtr u = freshUnit();
     const CUnitPtr v = freshUnit();
     EXPECT_EQ(u * 7.0, u->multiply(7.0));
@@ -151,11 +151,11 @@ TEST(UnitAlgebra, OperatorsForwardToTheMembers) {
     EXPECT_EQ(u / v, u->divide(v));
     EXPECT_EQ(u ^ 3, u->pow(3));
     EXPECT_EQ(u ^ -3, u->pow(-3));
-    // Each to its own member: five different units.
+    // Each calls another function: five different units.
     EXPECT_EQ((std::set<CUnitPtr>{u * 7.0, u + 7.0, u * v, u / v, u ^ 3}).size(), 5U);
 }
 
-TEST(UnitAlgebra, TheLeftOperandIsTheReceiver) {
+TEST(UnitAlgebra, TheLeftOperandIsTheObjectOfTheCall) {
     const CUnitPtr u = freshUnit();
     const CUnitPtr v = freshUnit();
     const CUnitPtr product = u * v;
@@ -179,7 +179,7 @@ TEST(UnitAlgebra, TheCaretNeedsParenthesesBecauseItBindsMoreLooselyThanProducts)
 
 // Products and quotients.
 
-TEST(UnitAlgebra, AProductIsTheSameObjectEachTime) {
+TEST(UnitAlgebra, AProductIsTheSameObjectAtEachCall) {
     const CUnitPtr u = freshUnit();
     const CUnitPtr v = freshUnit();
     const CUnitPtr product = u->multiply(v);
@@ -190,7 +190,7 @@ TEST(UnitAlgebra, AProductIsTheSameObjectEachTime) {
     EXPECT_TRUE(factor(product, 1) == CUnitRationalPower(v, 1, 1));
 }
 
-TEST(UnitAlgebra, AQuotientIsTheSameObjectEachTime) {
+TEST(UnitAlgebra, AQuotientIsTheSameObjectAtEachCall) {
     const CUnitPtr u = freshUnit();
     const CUnitPtr v = freshUnit();
     const CUnitPtr quotient = u->divide(v);
@@ -201,7 +201,7 @@ TEST(UnitAlgebra, AQuotientIsTheSameObjectEachTime) {
     EXPECT_TRUE(factor(quotient, 1) == CUnitRationalPower(v, -1, 1));
 }
 
-TEST(UnitAlgebra, TheSlotOfAProductIsTheIdOfTheOtherUnit) {
+TEST(UnitAlgebra, TheCacheEntryOfAProductIsAtTheIdOfTheOtherUnit) {
     const CUnitPtr u = freshUnit();
     const CUnitPtr v = freshUnit();
     const CUnitPtr product = u * v;
@@ -220,19 +220,19 @@ TEST(UnitAlgebra, TheSlotOfAProductIsTheIdOfTheOtherUnit) {
     EXPECT_EQ(Inside::divideLookUp(u)[slotOf(v)], quotient);
 }
 
-TEST(UnitAlgebra, CachesNeverShrinkAndKeepWhatTheyHold) {
+TEST(UnitAlgebra, CachesNeverShrink) {
     const CUnitPtr u = freshUnit();
     const CUnitPtr v = freshUnit();
     const CUnitPtr w = freshUnit();
-    const CUnitPtr uw = u * w;  // w was registered last: the larger id
+    const CUnitPtr uw = u * w;  // w was registered last, so it has the larger id
     const CUnitPtr uv = u * v;
     EXPECT_EQ(Inside::multiplyLookUp(u).size(), slotOf(w) + 1);
     EXPECT_EQ(Inside::multiplyLookUp(u)[slotOf(w)], uw);
     EXPECT_EQ(Inside::multiplyLookUp(u)[slotOf(v)], uv);
 }
 
-// What a cache holds is the answer: no unit is asked again.
-TEST(UnitAlgebra, AFilledSlotIsReturnedWithoutBuildingAnything) {
+// A cached result is returned without a call of any unit.
+TEST(UnitAlgebra, ACachedResultIsReturnedWithoutBuildingAUnit) {
     const CUnitPtr u = freshUnit();
     const auto v = freshClientUnit();
     const CUnitPtr planted = freshUnit();
@@ -256,7 +256,7 @@ TEST(UnitAlgebra, AFilledSlotIsReturnedWithoutBuildingAnything) {
     EXPECT_EQ(u->root(3), planted);
 }
 
-TEST(UnitAlgebra, MultipliedByItselfAUnitIsItsSquare) {
+TEST(UnitAlgebra, AUnitTimesItselfIsItsSquare) {
     const CUnitPtr u = freshUnit();
     EXPECT_EQ(u * u, u->pow(2));
     EXPECT_EQ(Inside::multiplyLookUp(u)[slotOf(u)], u->pow(2));
@@ -264,7 +264,7 @@ TEST(UnitAlgebra, MultipliedByItselfAUnitIsItsSquare) {
     EXPECT_EQ(Inside::divideLookUp(u)[slotOf(u)], CProductUnit::one());
 }
 
-TEST(UnitAlgebra, TheDimensionlessUnitTakesNoShortCutThroughTheCaches) {
+TEST(UnitAlgebra, TheDimensionlessUnitUsesTheCachesLikeAnyOther) {
     const CUnitPtr one = CProductUnit::one();
     const CUnitPtr u = freshUnit();
     EXPECT_EQ(u * one, u);
@@ -283,8 +283,8 @@ TEST(UnitAlgebra, TheDimensionlessUnitTakesNoShortCutThroughTheCaches) {
     EXPECT_EQ(one->pow(-3), one);
 }
 
-// The dimensionless unit and all units that were never registered have id 0: one slot for all.
-TEST(UnitAlgebra, UnregisteredUnitsAndTheDimensionlessOneShareTheFirstSlot) {
+// The dimensionless unit and all unregistered units have id 0, so they share one cache entry.
+TEST(UnitAlgebra, UnregisteredUnitsAndTheDimensionlessUnitShareOneCacheEntry) {
     const CUnitPtr stranger = unregisteredUnit();
     ASSERT_EQ(Inside::id(stranger), 0);
     ASSERT_EQ(Inside::id(CProductUnit::one()), 0);
@@ -296,7 +296,7 @@ TEST(UnitAlgebra, UnregisteredUnitsAndTheDimensionlessOneShareTheFirstSlot) {
     EXPECT_EQ(u / stranger, u);
 }
 
-TEST(UnitAlgebra, TheFirstResultInTheFirstSlotIsTheResultForAllWhoShareIt) {
+TEST(UnitAlgebra, TheFirstResultInTheSharedCacheEntryIsTheResultForAll) {
     const CUnitPtr stranger = unregisteredUnit();
     const CUnitPtr other = unregisteredUnit();
     const CUnitPtr u = freshUnit();
@@ -324,7 +324,7 @@ TEST(UnitAlgebra, TheFirstPowerAndTheFirstRootAreTheUnitItself) {
     }
 }
 
-TEST(UnitAlgebra, ThePowerOfZeroIsTheDimensionlessUnit) {
+TEST(UnitAlgebra, ThePowerZeroIsTheDimensionlessUnit) {
     const CUnitPtr u = freshUnit();
     EXPECT_EQ(u->pow(0), CProductUnit::one());
     EXPECT_EQ(SI::Celsius()->pow(0), CProductUnit::one());
@@ -344,7 +344,7 @@ TEST(UnitAlgebra, ARefusedRootLeavesTheUnitUnlocked) {
     EXPECT_TRUE(isFree(Inside::lookupMutex(u)));
 }
 
-TEST(UnitAlgebra, TheFifthPowerFillsTheLastOfFourSlots) {
+TEST(UnitAlgebra, TheFifthPowerFillsTheFourthCacheEntry) {
     const CUnitPtr u = freshUnit();
     const CUnitPtr power = u->pow(5);
     EXPECT_THAT(Inside::powLookUp(u), ElementsAre(nullptr, nullptr, nullptr, power));
@@ -353,7 +353,7 @@ TEST(UnitAlgebra, TheFifthPowerFillsTheLastOfFourSlots) {
     EXPECT_THAT(Inside::powLookUp(u), ElementsAre(square, nullptr, nullptr, power));
 }
 
-TEST(UnitAlgebra, TheFifthRootFillsTheLastOfFourSlots) {
+TEST(UnitAlgebra, TheFifthRootFillsTheFourthCacheEntry) {
     const CUnitPtr u = freshUnit();
     const CUnitPtr root = u->root(5);
     EXPECT_THAT(Inside::rootLookUp(u), ElementsAre(nullptr, nullptr, nullptr, root));
@@ -362,7 +362,7 @@ TEST(UnitAlgebra, TheFifthRootFillsTheLastOfFourSlots) {
     EXPECT_THAT(Inside::rootLookUp(u), ElementsAre(square, nullptr, nullptr, root));
 }
 
-TEST(UnitAlgebra, PowersAndRootsAreProductsOfOneFactor) {
+TEST(UnitAlgebra, PowersAndRootsAreProductsWithOneFactor) {
     const CUnitPtr u = freshUnit();
     EXPECT_TRUE(factor(u->pow(5), 0) == CUnitRationalPower(u, 5, 1));
     EXPECT_TRUE(factor(u->root(5), 0) == CUnitRationalPower(u, 1, 5));
@@ -376,7 +376,7 @@ TEST(UnitAlgebra, ANegativePowerIsTheReciprocalOfThePower) {
     const CUnitPtr one = CProductUnit::one();
     const CUnitPtr u = freshUnit();
     const CUnitPtr power = u->pow(-2);
-    ASSERT_EQ(Inside::powLookUp(u).size(), 1U);  // the square was computed and kept first
+    ASSERT_EQ(Inside::powLookUp(u).size(), 1U);  // the square was computed first and is cached
     const CUnitPtr square = Inside::powLookUp(u)[0];
     ASSERT_NE(square, nullptr);
     EXPECT_EQ(Inside::divideLookUp(one).at(slotOf(square)), power);
@@ -410,7 +410,7 @@ TEST(UnitAlgebra, PowersAndRootsAreCachedUpTo4096) {
     EXPECT_EQ(Inside::rootLookUp(u).back(), root);
 }
 
-TEST(UnitAlgebra, PowersAndRootsBeyond4096AreCanonicalWithoutGrowingTheCache) {
+TEST(UnitAlgebra, PowersAndRootsBeyond4096AreRegisteredButNotCached) {
     for (const int n : {4097, 5000, 2000000000, INT_MAX, -4097, -2000000000, -INT_MAX}) {
         SCOPED_TRACE(n);
         const CUnitPtr u = freshUnitWithOddHash();
@@ -425,15 +425,15 @@ TEST(UnitAlgebra, PowersAndRootsBeyond4096AreCanonicalWithoutGrowingTheCache) {
     }
 }
 
-// What goes wrong.
+// Errors.
 
 struct Overflow {
     const char* Name;
     std::function<void()> Call;
-    const char* Number;  // that the message names
+    const char* Number;  // the number in the message
 };
 
-TEST(UnitAlgebra, ExponentsThatLeaveTheRangeOfIntAreRefusedWithoutTrace) {
+TEST(UnitAlgebra, ExponentsOutOfRangeAreRefusedAndNothingIsRegistered) {
     const CUnitPtr u = freshUnitWithOddHash();
     const CUnitPtr v = freshUnit();
     const CUnitPtr largest = u->pow(INT_MAX);
@@ -467,7 +467,7 @@ TEST(UnitAlgebra, ExponentsThatLeaveTheRangeOfIntAreRefusedWithoutTrace) {
             EXPECT_TRUE(isFree(Inside::lookupMutex(unit)));
         }
     }
-    // No result was put into a cache either.
+    // No cache has a result.
     EXPECT_THAT(Inside::multiplyLookUp(largest), Each(nullptr));
     EXPECT_THAT(Inside::powLookUp(largest), Each(nullptr));
     EXPECT_THAT(Inside::rootLookUp(root), Each(nullptr));
@@ -475,7 +475,7 @@ TEST(UnitAlgebra, ExponentsThatLeaveTheRangeOfIntAreRefusedWithoutTrace) {
     EXPECT_THAT(Inside::rootLookUp(u), IsEmpty());
 }
 
-TEST(UnitAlgebra, ExponentsAtTheEdgesOfIntAreExact) {
+TEST(UnitAlgebra, ExponentsAtTheLimitsOfIntAreExact) {
     const CUnitPtr u = freshUnitWithOddHash();
     EXPECT_EQ(u->pow(INT_MAX)->divide(u)->multiply(u), u->pow(INT_MAX));
     EXPECT_EQ(u->pow(INT_MAX)->divide(u->pow(INT_MAX - 1)), u);
@@ -485,7 +485,7 @@ TEST(UnitAlgebra, ExponentsAtTheEdgesOfIntAreExact) {
     EXPECT_TRUE(factor(smallest, 0) == CUnitRationalPower(u, INT_MIN, 1));
     EXPECT_EQ(smallest->multiply(u), u->pow(-INT_MAX));
     EXPECT_TRUE(factor(smallest->root(2), 0) == CUnitRationalPower(u, INT_MIN / 2, 1));
-    // Intermediate products that leave int are no obstacle if the result does not.
+    // Intermediate products may leave the range of int if the result does not.
     EXPECT_EQ(u->root(65536)->multiply(u->root(65536)), u->root(32768));
 }
 
@@ -514,7 +514,7 @@ TEST(UnitAlgebra, AnEmptyOperandIsRefused) {
     EXPECT_TRUE(isFree(Inside::lookupMutex(u)));
 }
 
-TEST(UnitAlgebra, AFailedFactoryIsAskedAgainNextTime) {
+TEST(UnitAlgebra, AResultThatThrewIsComputedAgainAtTheNextCall) {
     const CUnitPtr u = freshUnit();
     const auto v = freshClientUnit();
     v->Elements = []() -> std::vector<CUnitRationalPower> { throw std::runtime_error("not yet"); };
@@ -534,7 +534,7 @@ TEST(UnitAlgebra, AFailedFactoryIsAskedAgainNextTime) {
     EXPECT_TRUE(factor(v->root(2), 0) == CUnitRationalPower(v, 1, 2));
 }
 
-TEST(UnitAlgebra, AUnitWithoutOwnerCannotTakePartInTheAlgebra) {
+TEST(UnitAlgebra, AUnitWithoutSharedOwnerThrowsInTheAlgebra) {
     CClientUnit unit("qx", 42);
     EXPECT_THROW(unit.add(1.0), std::bad_weak_ptr);
     EXPECT_THROW(unit.multiply(2.0), std::bad_weak_ptr);
@@ -549,7 +549,7 @@ TEST(UnitAlgebra, AUnitWithoutOwnerCannotTakePartInTheAlgebra) {
 
 // Locks.
 
-TEST(UnitAlgebra, ProductsPowersAndRootsHoldTheUnitsOwnMutexUntilTheResultIsThere) {
+TEST(UnitAlgebra, ProductsPowersAndRootsHoldTheMutexOfTheUnitWhileTheyCompute) {
     const CUnitPtr u = freshUnit();
     const auto v = freshClientUnit();
     CUnit* const self = v.get();
@@ -572,7 +572,7 @@ TEST(UnitAlgebra, ProductsPowersAndRootsHoldTheUnitsOwnMutexUntilTheResultIsTher
     v->Elements = nullptr;
 }
 
-TEST(UnitAlgebra, OffsetsFactorsAndSymbolsTakeNoLockOfTheUnit) {
+TEST(UnitAlgebra, OffsetsFactorsAndSymbolsDoNotLockTheUnit) {
     const auto v = freshClientUnit();
     CUnit* const self = v.get();
     std::vector<bool> wasFree;

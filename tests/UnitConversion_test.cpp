@@ -1,4 +1,4 @@
-// UnitConversion_test.cpp: dimensions, which units convert into each other, and by which converter.
+// UnitConversion_test.cpp: dimensions, compatible units, and the converters between units.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -31,8 +31,6 @@ using ::testing::IsEmpty;
 using ::testing::StrEq;
 using ::testing::ThrowsMessage;
 
-CBaseUnitPtr freshUnit() { return CBaseUnit::getInstance(freshSymbol()); }
-
 CConverterPtr factor(double x) { return std::make_shared<CMultiplyConverter>(x); }
 
 bool hasDimensionCached(const CUnitPtr& unit) { return CUnit::dimensions().count(unit) == 1; }
@@ -40,7 +38,7 @@ bool hasConverterEntry(const CUnitPtr& unit) { return CUnit::toDimensions().coun
 
 // Dimensions.
 
-TEST(UnitConversion, TheDimensionIsAskedOnceAndThenCached) {
+TEST(UnitConversion, TheDimensionIsComputedOnceAndThenCached) {
     const auto unit = freshClientUnit();
     const CUnitPtr dimension = freshUnit();
     unit->CtxDimension = [&] { return dimension; };
@@ -51,7 +49,7 @@ TEST(UnitConversion, TheDimensionIsAskedOnceAndThenCached) {
     EXPECT_THAT(unit->Asked, ElementsAre("getCtxDimension"));
 }
 
-TEST(UnitConversion, ACachedDimensionIsReturnedUnasked) {
+TEST(UnitConversion, ACachedDimensionIsReturnedWithoutACallOfTheUnit) {
     const auto unit = freshClientUnit();
     const CUnitPtr planted = freshUnit();
     CUnit::dimensions()[unit] = planted;
@@ -59,7 +57,7 @@ TEST(UnitConversion, ACachedDimensionIsReturnedUnasked) {
     EXPECT_THAT(unit->Asked, IsEmpty());
 }
 
-TEST(UnitConversion, ADimensionThatCannotBeComputedIsNotCached) {
+TEST(UnitConversion, ADimensionThatThrowsIsNotCached) {
     const auto unit = freshClientUnit();
     unit->CtxDimension = []() -> CUnitPtr { throw std::runtime_error("no dimension"); };
     EXPECT_THAT([&] { unit->getDimension(); },
@@ -83,7 +81,7 @@ TEST(UnitConversion, DimensionsOfTheKindsOfUnits) {
     EXPECT_EQ(NonSI::Liter()->getDimension(), m ^ 3);
 }
 
-TEST(UnitConversion, TheTablesAreHeldLockedWhileAUnitComputesItsDimensionAndConverter) {
+TEST(UnitConversion, TheMutexIsHeldWhileAUnitComputesItsDimensionAndConverter) {
     const auto unit = freshClientUnit();
     std::vector<bool> wasFree;
     unit->CtxDimension = [&]() -> CUnitPtr {
@@ -101,7 +99,7 @@ TEST(UnitConversion, TheTablesAreHeldLockedWhileAUnitComputesItsDimensionAndConv
 
 // Compatibility.
 
-TEST(UnitConversion, UnitsAreCompatibleWhenTheirDimensionsAreOneObject) {
+TEST(UnitConversion, UnitsAreCompatibleIfTheirDimensionsAreTheSameObject) {
     const auto unit = freshClientUnit();
     const auto other = freshClientUnit();
     EXPECT_FALSE(unit->isCompatible(other));
@@ -123,7 +121,7 @@ TEST(UnitConversion, EqualButDistinctDimensionsAreNotCompatible) {
     EXPECT_TRUE(unit->getDimension()->equals(other->getDimension()));
 }
 
-TEST(UnitConversion, AUnitIsCompatibleWithItselfUnasked) {
+TEST(UnitConversion, AUnitIsCompatibleWithItselfWithoutACallOfTheUnit) {
     const auto unit = freshClientUnit();
     unit->CtxDimension = []() -> CUnitPtr { throw std::runtime_error("no dimension"); };
     EXPECT_TRUE(unit->isCompatible(unit));
@@ -131,7 +129,7 @@ TEST(UnitConversion, AUnitIsCompatibleWithItselfUnasked) {
     EXPECT_FALSE(hasDimensionCached(unit));
 }
 
-TEST(UnitConversion, WhoIsAskedForCompatibilityNamesItsOwnDimensionFirst) {
+TEST(UnitConversion, IsCompatibleComputesTheDimensionOfThisUnitFirst) {
     const auto unit = freshClientUnit();
     const auto other = freshClientUnit();
     std::vector<std::string> order;
@@ -153,7 +151,7 @@ TEST(UnitConversion, WhoIsAskedForCompatibilityNamesItsOwnDimensionFirst) {
 
 // The identity.
 
-TEST(UnitConversion, ToItselfAUnitConvertsByTheIdentityObject) {
+TEST(UnitConversion, AUnitConvertsToItselfByTheIdentity) {
     for (const CUnitPtr& unit :
          {CUnitPtr(SI::Meter()), SI::Newton(), SI::Celsius(), SI::Gram(), NonSI::Hour(),
           SI::Meter() / SI::Second(), SI::Celsius() * SI::Meter(), CProductUnit::one()}) {
@@ -161,7 +159,7 @@ TEST(UnitConversion, ToItselfAUnitConvertsByTheIdentityObject) {
     }
 }
 
-TEST(UnitConversion, TheIdentityIsGivenEvenIfTheUnitCannotSayWhatItIs) {
+TEST(UnitConversion, AUnitThatCannotComputeItsDimensionConvertsToItself) {
     const auto unit = freshClientUnit();
     unit->CtxDimension = []() -> CUnitPtr { throw std::runtime_error("no dimension"); };
     unit->CtxToDimension = []() -> CConverterPtr { throw std::runtime_error("no converter"); };
@@ -174,7 +172,7 @@ TEST(UnitConversion, TheIdentityIsGivenEvenIfTheUnitCannotSayWhatItIs) {
 
 // Converters.
 
-TEST(UnitConversion, QuestionsComeInAFixedOrderAndOnlyOnce) {
+TEST(UnitConversion, UnitsAreCalledOnceAndInAFixedOrder) {
     const auto unit = freshClientUnit();
     const auto other = freshClientUnit();
     std::vector<std::string> order;
@@ -203,7 +201,7 @@ TEST(UnitConversion, QuestionsComeInAFixedOrderAndOnlyOnce) {
     EXPECT_EQ(order.size(), 4U);  // all four are cached, per unit
 }
 
-TEST(UnitConversion, TheConverterIsThisToTheDimensionAndThenTheInverseOfThat) {
+TEST(UnitConversion, TheConverterGoesToTheDimensionAndThenByTheInverseToThat) {
     const auto unit = freshClientUnit();
     const auto other = freshClientUnit();
     const CConverterPtr ofUnit = factor(6);
@@ -212,7 +210,7 @@ TEST(UnitConversion, TheConverterIsThisToTheDimensionAndThenTheInverseOfThat) {
     unit->CtxToDimension = [&] { return ofUnit; };
     other->CtxToDimension = [&] { return ofOther; };
     const auto chain = std::dynamic_pointer_cast<CCompound>(unit->getConverterTo(other));
-    ASSERT_NE(chain, nullptr);  // two factors, and yet nothing is folded
+    ASSERT_NE(chain, nullptr);  // two factors, which are not combined
     EXPECT_EQ(chain->first(), ofUnit);
     const auto second = std::dynamic_pointer_cast<CMultiplyConverter>(chain->second());
     ASSERT_NE(second, nullptr);
@@ -222,7 +220,7 @@ TEST(UnitConversion, TheConverterIsThisToTheDimensionAndThenTheInverseOfThat) {
     EXPECT_EQ(CUnit::toDimensions().at(other), ofOther);
 }
 
-TEST(UnitConversion, FromAUnitThatIsItsDimensionTheInverseAloneRemains) {
+TEST(UnitConversion, FromADimensionTheConverterIsTheInverseAlone) {
     const auto unit = freshClientUnit();
     unit->CtxDimension = [] { return SI::Meter(); };
     unit->CtxToDimension = [] { return factor(4); };
@@ -232,7 +230,7 @@ TEST(UnitConversion, FromAUnitThatIsItsDimensionTheInverseAloneRemains) {
     EXPECT_THAT(inverse->factor(), HasBitsOf(0.25));
 }
 
-TEST(UnitConversion, ToAUnitThatIsItsDimensionTheChainEndsInTheIdentity) {
+TEST(UnitConversion, ToADimensionTheChainEndsWithTheIdentity) {
     const auto unit = freshClientUnit();
     const CConverterPtr ofUnit = factor(4);
     unit->CtxDimension = [] { return SI::Meter(); };
@@ -243,14 +241,14 @@ TEST(UnitConversion, ToAUnitThatIsItsDimensionTheChainEndsInTheIdentity) {
     EXPECT_EQ(chain->second(), CConverter::identity());
 }
 
-TEST(UnitConversion, BetweenTwoUnitsThatAreTheirDimensionTheIdentityItselfRemains) {
+TEST(UnitConversion, BetweenTwoUnitsThatConvertByTheIdentityItIsTheIdentity) {
     const CUnitPtr product = SI::Meter() * SI::Kilogram() / (SI::Second() ^ 2);
     ASSERT_NE(SI::Newton(), product);
     EXPECT_EQ(SI::Newton()->getConverterTo(product), CConverter::identity());
     EXPECT_EQ(product->getConverterTo(SI::Newton()), CConverter::identity());
 }
 
-TEST(UnitConversion, ToAUnitOfFortyScalingsEachIsUndone) {
+TEST(UnitConversion, TheConverterToAUnitUndoesEachOfFortyScalings) {
     const CUnitPtr system = freshUnit(), from = system * 3.0;
     CUnitPtr to = system;
     for (int i = 0; i < 40; ++i) {
@@ -260,7 +258,7 @@ TEST(UnitConversion, ToAUnitOfFortyScalingsEachIsUndone) {
     EXPECT_THAT(to, ConvertsTo(from, 3.0, std::ldexp(1.0, 40)));
 }
 
-TEST(UnitConversion, ToAUnitOfAClientsConverterItsOwnInverseIsTaken) {
+TEST(UnitConversion, TheConverterToAUnitCallsTheInverseOfAClientsConverter) {
     const CUnitPtr system = freshUnit(), from = system * 3.0;
     const auto to = freshClientUnit();
     to->CtxDimension = [&] { return system; };
@@ -268,7 +266,7 @@ TEST(UnitConversion, ToAUnitOfAClientsConverterItsOwnInverseIsTaken) {
     EXPECT_THAT(from, ConvertsTo(CUnitPtr(to), 1.0, 0.75));
 }
 
-TEST(UnitConversion, FromAUnitThatIsItsDimensionByAChainTheInverseIsKept) {
+TEST(UnitConversion, FromADimensionByAChainTheInverseIsKept) {
     const CUnitPtr system = freshUnit();
     const auto unit = freshClientUnit();
     unit->CtxDimension = [&] { return system; };
@@ -290,10 +288,10 @@ TEST(UnitConversion, ConvertersAreCachedPerUnitAndNotPerPair) {
     EXPECT_NE(first, second);
     EXPECT_EQ(first->first(), second->first());
     EXPECT_EQ(first->first(), CUnit::toDimensions().at(km));
-    EXPECT_NE(first->second(), second->second());  // a new inverse each time
+    EXPECT_NE(first->second(), second->second());  // each call makes a new inverse
 }
 
-TEST(UnitConversion, ACachedConverterIsUsedUnasked) {
+TEST(UnitConversion, ACachedConverterIsUsedWithoutACallOfTheUnit) {
     const auto unit = freshClientUnit();
     unit->CtxDimension = [] { return SI::Meter(); };
     CUnit::toDimensions()[unit] = factor(7);
@@ -315,7 +313,7 @@ TEST(UnitConversion, DegreesCelsiusAndKelvins) {
     EXPECT_THAT(SI::Celsius(), ConvertsTo(SI::Kelvin(), 21.5, 21.5 + 273.15));
 }
 
-TEST(UnitConversion, BetweenTwoTemperatureScalesWithOffsetsACompoundConverts) {
+TEST(UnitConversion, TemperatureScalesWithOffsetsConvertByACompound) {
     const CUnitPtr fahrenheit = CTransformedUnit::getInstance(
         SI::Kelvin(),
         std::make_shared<CCompound>(std::make_shared<CAddConverter>(459.67), factor(5.0 / 9.0)));
@@ -328,16 +326,17 @@ TEST(UnitConversion, BetweenTwoTemperatureScalesWithOffsetsACompoundConverts) {
     EXPECT_NEAR(SI::Celsius()->convertValueToUnit(-40.0, fahrenheit), -40.0, 1e-12);
 }
 
-TEST(UnitConversion, AValueIsConvertedByTheConverter) {
+TEST(UnitConversion, ConvertValueToUnitGivesTheResultOfTheConverter) {
     EXPECT_THAT(NonSI::Hour()->convertValueToUnit(1.5, SI::Second()), HasBitsOf(5400.0));
     const CUnitPtr kmh = CUnit::fromString("km/h");
     const CUnitPtr ms = SI::Meter() / SI::Second();
-    EXPECT_THAT(kmh->convertValueToUnit(90.0, ms), WithinOneUlp(25.0));  // slopes through pow
+    EXPECT_THAT(kmh->convertValueToUnit(90.0, ms),
+                WithinOneUlp(25.0));  // its slope is computed with pow
     EXPECT_THAT(kmh->convertValueToUnit(90.0, ms),
                 HasBitsOf(kmh->getConverterTo(ms)->convert(90.0)));
 }
 
-TEST(UnitConversion, AUnitMayBeGivenAsText) {
+TEST(UnitConversion, TheTargetUnitMayBeAText) {
     const CConverterPtr converter = NonSI::Hour()->getConverterTo("min");
     EXPECT_THAT(converter->convert(1.5),
                 HasBitsOf(NonSI::Hour()->convertValueToUnit(1.5, NonSI::Minute())));
@@ -346,7 +345,7 @@ TEST(UnitConversion, AUnitMayBeGivenAsText) {
     EXPECT_THAT(SI::Joule()->getConverterTo(string_t("m²·kg/s²"))->convert(2.0), HasBitsOf(2.0));
 }
 
-TEST(UnitConversion, TextThatDoesNotParseFailsAsItDoesInTheParser) {
+TEST(UnitConversion, ATextThatDoesNotParseThrowsWhatTheParserThrows) {
     EXPECT_THAT([] { SI::Meter()->getConverterTo("xyz"); },
                 ThrowsMessage<std::invalid_argument>(StrEq("Label: xyz not recognized")));
     EXPECT_THAT([] { SI::Meter()->getConverterTo("s"); },
@@ -354,9 +353,9 @@ TEST(UnitConversion, TextThatDoesNotParseFailsAsItDoesInTheParser) {
                     StrEq("m is not compatible with s in current context")));
 }
 
-// What goes wrong.
+// Errors.
 
-TEST(UnitConversion, IncompatibleUnitsAreNamedByTheirSymbols) {
+TEST(UnitConversion, TheMessageNamesIncompatibleUnitsByTheirSymbols) {
     struct Row {
         CUnitPtr From, To;
         const char* Message;
@@ -367,7 +366,7 @@ TEST(UnitConversion, IncompatibleUnitsAreNamedByTheirSymbols) {
         {SI::Newton(), SI::Ohm(), "N is not compatible with \u2126 in current context"},
         {CProductUnit::one(), SI::Meter(), "One is not compatible with m in current context"},
         {SI::Meter(), SI::Radian(), "m is not compatible with rad in current context"},
-        // Products and transformed units have no symbol; labels are not asked.
+        // Products and transformed units have no symbol. Labels are not used.
         {SI::Meter() / SI::Second(), SI::Meter(), " is not compatible with m in current context"},
         {SI::Meter(), NonSI::Hour(), "m is not compatible with  in current context"},
         {SI::Celsius(), SI::Meter() ^ 2, " is not compatible with  in current context"},
@@ -385,7 +384,7 @@ TEST(UnitConversion, IncompatibleUnitsAreNamedByTheirSymbols) {
     }
 }
 
-TEST(UnitConversion, ARefusalCachesDimensionsButNoConverters) {
+TEST(UnitConversion, ARefusedConversionCachesTheDimensionsButNoConverters) {
     const CUnitPtr unit = freshUnit();
     const CUnitPtr other = freshUnit();
     EXPECT_THROW(unit->getConverterTo(other), std::invalid_argument);
@@ -395,9 +394,9 @@ TEST(UnitConversion, ARefusalCachesDimensionsButNoConverters) {
     EXPECT_FALSE(hasConverterEntry(other));
 }
 
-// A transformed unit looks for its symbol in its converter to its system unit, and the refusal names
-// both units by their symbols.
-TEST(UnitConversion, TheWordsOfARefusalComputeTheConvertersOfTransformedUnits) {
+// getSymbol() of a transformed unit computes the converter to its system unit, and the message
+// contains the symbols of both units.
+TEST(UnitConversion, TheMessageOfARefusalComputesTheConvertersOfTransformedUnits) {
     const CUnitPtr km = SI::Meter() * 1000.0;
     const CUnitPtr hour = NonSI::Hour();
     CUnit::toDimensions().clear();
@@ -410,7 +409,7 @@ TEST(UnitConversion, TheWordsOfARefusalComputeTheConvertersOfTransformedUnits) {
     EXPECT_TRUE(hasConverterEntry(SI::Second()));
 }
 
-TEST(UnitConversion, AnEmptyEntryStaysWhenTheUnitCannotGiveItsConverter) {
+TEST(UnitConversion, AnEmptyTableEntryStaysIfTheConverterOfTheUnitThrows) {
     const auto unit = freshClientUnit();
     unit->CtxDimension = [] { return SI::Meter(); };
     unit->CtxToDimension = []() -> CConverterPtr { throw std::runtime_error("no converter"); };
@@ -419,7 +418,7 @@ TEST(UnitConversion, AnEmptyEntryStaysWhenTheUnitCannotGiveItsConverter) {
                 ThrowsMessage<std::runtime_error>(StrEq("no converter")));
     ASSERT_TRUE(hasConverterEntry(unit));
     EXPECT_EQ(CUnit::toDimensions().at(unit), nullptr);
-    EXPECT_FALSE(hasConverterEntry(SI::Meter()));  // its turn did not come
+    EXPECT_FALSE(hasConverterEntry(SI::Meter()));  // it was not called
     EXPECT_TRUE(isFree(CUnit::mutex()));
 
     unit->CtxToDimension = [] { return factor(2); };
@@ -427,7 +426,7 @@ TEST(UnitConversion, AnEmptyEntryStaysWhenTheUnitCannotGiveItsConverter) {
     EXPECT_NE(CUnit::toDimensions().at(unit), nullptr);
 }
 
-TEST(UnitConversion, AnEmptyEntryStaysWhenTheOtherUnitCannotGiveItsConverter) {
+TEST(UnitConversion, AnEmptyTableEntryStaysIfTheConverterOfTheOtherUnitThrows) {
     const auto unit = freshClientUnit();
     unit->CtxDimension = [] { return SI::Meter(); };
     unit->CtxToDimension = []() -> CConverterPtr { throw std::runtime_error("no converter"); };
@@ -441,7 +440,7 @@ TEST(UnitConversion, AnEmptyEntryStaysWhenTheOtherUnitCannotGiveItsConverter) {
     EXPECT_THAT(SI::Meter(), ConvertsTo(unit, 6.0, 3.0));
 }
 
-TEST(UnitConversion, AProductWithAnOffsetInItCannotConvert) {
+TEST(UnitConversion, AProductWithAnOffsetUnitCannotConvert) {
     const CUnitPtr product = SI::Celsius() * SI::Meter();
     const CUnitPtr target = SI::Kelvin() * SI::Meter();
     EXPECT_TRUE(product->isCompatible(target));
@@ -472,15 +471,15 @@ TEST(UnitConversion, AnEmptyUnitIsRefused) {
     EXPECT_EQ(CUnit::dimensions().count(none), 0U);
 }
 
-TEST(UnitConversion, AUnitWithoutOwnerHasNoDimension) {
+TEST(UnitConversion, AUnitWithoutSharedOwnerHasNoDimension) {
     CClientUnit unit("qx", 42);
     EXPECT_THROW(unit.getDimension(), std::bad_weak_ptr);
     EXPECT_THROW(unit.getConverterTo(SI::Meter()), std::bad_weak_ptr);
 }
 
-// The context: what the base units say their dimensions are.
+// CBaseUnit::setDimension.
 
-TEST(UnitConversion, ANewContextEmptiesBothCachesAndTheNextQuestionRefillsThem) {
+TEST(UnitConversion, SetDimensionClearsBothTablesAndTheNextCallFillsThem) {
     const CBaseUnitPtr unit = freshUnit();
     (unit * 2.0)->getConverterTo(unit);
     ASSERT_FALSE(CUnit::dimensions().empty());
@@ -495,7 +494,7 @@ TEST(UnitConversion, ANewContextEmptiesBothCachesAndTheNextQuestionRefillsThem) 
     EXPECT_THAT(CUnit::toDimensions(), IsEmpty());
 }
 
-TEST(UnitConversion, ANewContextReachesEveryUnitThatRestsOnTheBaseUnit) {
+TEST(UnitConversion, SetDimensionChangesEveryUnitThatDependsOnTheBaseUnit) {
     const CBaseUnitPtr length = freshUnit();
     const CBaseUnitPtr time = freshUnit();
     const CUnitPtr scaled = length * 10.0;
@@ -523,7 +522,7 @@ TEST(UnitConversion, ANewContextReachesEveryUnitThatRestsOnTheBaseUnit) {
     EXPECT_THAT(scaled, ConvertsTo(length, 3.0, 30.0));
 }
 
-TEST(UnitConversion, ConvertersHandedOutKeepTheirBehaviourInANewContext) {
+TEST(UnitConversion, SetDimensionDoesNotChangeConvertersThatAClientHas) {
     const CBaseUnitPtr unit = freshUnit();
     const CBaseUnitPtr other = freshUnit();
     unit->setDimension(other, factor(4));
@@ -542,7 +541,7 @@ TEST(UnitConversion, ConvertersHandedOutKeepTheirBehaviourInANewContext) {
     EXPECT_THAT(there->convert(1.0), HasBitsOf(4.0));
 }
 
-TEST(UnitConversion, AContextMayMapABaseUnitThroughAnOffset) {
+TEST(UnitConversion, SetDimensionAcceptsAConverterWithAnOffset) {
     const CBaseUnitPtr unit = freshUnit();
     const CBaseUnitPtr other = freshUnit();
     unit->setDimension(other, std::make_shared<CAddConverter>(100.0));

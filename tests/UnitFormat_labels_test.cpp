@@ -1,4 +1,4 @@
-// UnitLabels_test.cpp: who may bear which label or alias, and what a name resolves to.
+// UnitFormat_labels_test.cpp: labels, aliases, and which unit a name denotes.
 #include <cstdint>
 #include <map>
 #include <string>
@@ -14,12 +14,12 @@
 namespace mensor {
 namespace {
 
-// A unit with neither symbol nor label, of a dimension of its own.
+// A unit with neither symbol nor label. Its dimension is a new base unit.
 CUnitPtr unnamedUnit() { return CBaseUnit::getInstance(freshSymbol())->multiply(2); }
 
 std::string labelOf(const CUnitPtr& unit) { return text(CUnitFormat::labelFor(unit)); }
 
-// Every entry of one label table has its mirror image in the other.
+// Every entry of one label table has a counterpart in the other.
 void expectMirroredLabels() {
     const auto& unitOf = CUnitFormat::labelUnitMap();
     const auto& labelOf = CUnitFormat::unitLabelMap();
@@ -39,19 +39,19 @@ TEST(UnitLabels, AreReadAndWritten) {
     EXPECT_EQ(labelOf(unit), "furlong");
     EXPECT_EQ(CUnit::fromString("furlong"), unit);
     EXPECT_THAT(unit, PrintsAs("furlong"));
-    EXPECT_EQ(CUnit::searchSymbol("furlong"), nullptr) << "a label is no symbol";
+    EXPECT_EQ(CUnit::searchSymbol("furlong"), nullptr) << "a label is not a symbol";
 }
 
-TEST(UnitLabels, GoBeforeASymbolOfTheUnit) {
+TEST(UnitLabels, ReplaceTheSymbolInTheTextOfTheUnit) {
     const CUnitPtr newton = SI::Newton();
     CUnitFormat::label(newton, "newton");
     EXPECT_EQ(labelOf(newton), "newton");
     EXPECT_EQ(CUnitFormat::unitFor("newton"), newton);
-    EXPECT_EQ(CUnitFormat::unitFor("N"), newton) << "the symbol goes on being read";
+    EXPECT_EQ(CUnitFormat::unitFor("N"), newton) << "the symbol still reads as the unit";
     EXPECT_EQ(text(newton->getSymbol()), "N");
 }
 
-TEST(UnitLabels, MayNotShadowASymbol) {
+TEST(UnitLabels, MayNotBeAKnownSymbol) {
     const CUnitPtr unit = unnamedUnit();
     CUnitFormat::label(unit, "furlong");
     const Tables before;
@@ -83,7 +83,7 @@ TEST(UnitLabels, BelongToOneUnit) {
     EXPECT_EQ(labelOf(second), "other");
 }
 
-TEST(UnitLabels, AreReplacedByTheNextOne) {
+TEST(UnitLabels, ReplaceTheFormerLabel) {
     const CUnitPtr unit = unnamedUnit();
     CUnitFormat::label(unit, "furlong");
     const std::size_t count = CUnitFormat::labelUnitMap().size();
@@ -96,10 +96,10 @@ TEST(UnitLabels, AreReplacedByTheNextOne) {
 
     const CUnitPtr next = unnamedUnit();
     CUnitFormat::label(next, "furlong");
-    EXPECT_EQ(CUnitFormat::unitFor("furlong"), next) << "a label given up is free again";
+    EXPECT_EQ(CUnitFormat::unitFor("furlong"), next) << "a replaced label is free";
 }
 
-TEST(UnitLabels, FallThroughToAliasesAndThenSymbolsOnceGivenUp) {
+TEST(UnitLabels, AreFollowedByAliasesAndSymbolsWhenReplaced) {
     const CUnitPtr unit = unnamedUnit();
     CUnitFormat::label(unit, "qzx");
     CUnitFormat::label(unit, "qzy");
@@ -112,7 +112,7 @@ TEST(UnitLabels, FallThroughToAliasesAndThenSymbolsOnceGivenUp) {
     EXPECT_NE(symbolX, symbolY);
 }
 
-TEST(UnitLabels, GivenTwiceLeaveOneEntryInEachTable) {
+TEST(UnitLabels, AttachedTwiceHaveOneEntryInEachTable) {
     const CUnitPtr unit = unnamedUnit();
     CUnitFormat::label(unit, "furlong");
     const Tables before;
@@ -122,7 +122,7 @@ TEST(UnitLabels, GivenTwiceLeaveOneEntryInEachTable) {
     EXPECT_EQ(CUnitFormat::unitLabelMap().count(unit), 1U);
 }
 
-TEST(UnitLabels, StayWhenASymbolOfTheSameTextAppearsButCannotBeGivenAgain) {
+TEST(UnitLabels, StayWhenALaterSymbolIsTheSameButCannotBeAttachedAgain) {
     const CUnitPtr unit = unnamedUnit();
     CUnitFormat::label(unit, "qzx");
     CBaseUnit::getInstance("qzx");
@@ -133,7 +133,7 @@ TEST(UnitLabels, StayWhenASymbolOfTheSameTextAppearsButCannotBeGivenAgain) {
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(UnitLabels, TheEmptyOneGoesToWhoeverAsksLast) {
+TEST(UnitLabels, TheEmptyLabelMovesToTheLastUnitThatGetsIt) {
     const CUnitPtr first = CBaseUnit::getInstance(freshSymbol());
     const std::string symbol = labelOf(first);
     const CUnitPtr second = unnamedUnit();
@@ -143,29 +143,30 @@ TEST(UnitLabels, TheEmptyOneGoesToWhoeverAsksLast) {
     CUnitFormat::label(first, "");
     EXPECT_EQ(CUnitFormat::unitFor(""), first);
     EXPECT_EQ(CUnitFormat::unitFor("furlong"), nullptr);
-    EXPECT_EQ(labelOf(first), "") << "the label hides the symbol, though it is empty";
+    EXPECT_EQ(labelOf(first), "") << "the empty label replaces the symbol";
     expectMirroredLabels();
 
     CUnitFormat::label(second, "");
     EXPECT_EQ(CUnitFormat::unitFor(""), second);
     EXPECT_EQ(labelOf(second), "");
-    EXPECT_EQ(labelOf(first), symbol) << "detached without a check";
+    EXPECT_EQ(labelOf(first), symbol) << "the empty label was taken away";
     expectMirroredLabels();
 
     CUnitFormat::label(second, "");
     EXPECT_EQ(CUnitFormat::unitFor(""), second);
-    EXPECT_EQ(CUnit::fromString(""), CProductUnit::one()) << "no text names the empty label";
+    EXPECT_EQ(CUnit::fromString(""), CProductUnit::one())
+        << "the empty text does not denote the unit with the empty label";
     expectMirroredLabels();
 }
 
-TEST(UnitLabels, AndUnitsMirrorEachOtherWhateverHappens) {
+TEST(UnitLabels, TheTwoLabelTablesStayConsistent) {
     expectMirroredLabels();
     std::vector<CUnitPtr> units;
     for (int i = 0; i < 8; ++i) {
         units.push_back(unnamedUnit());
     }
     const std::vector<std::string> labels = {"", "la", "lb", "lc", "ld", "m"};
-    std::map<std::string, std::size_t> holder;  // by label: which of the units
+    std::map<std::string, std::size_t> holder;  // the index of the unit with the label
     std::uint32_t state = 20240229;
     int refusals = 0;
     for (int round = 0; round < 2000; ++round) {
@@ -197,7 +198,7 @@ TEST(UnitLabels, AndUnitsMirrorEachOtherWhateverHappens) {
     EXPECT_GT(refusals, 500);
 }
 
-TEST(UnitAliases, AreReadOnlyAndAnyNumberMayNameOneUnit) {
+TEST(UnitAliases, AreReadButNotWrittenAndAUnitMayHaveMany) {
     const CUnitPtr unit = CBaseUnit::getInstance(freshSymbol());
     const std::string symbol = labelOf(unit);
     EXPECT_EQ(CUnitFormat::alias(unit, "qa"), unit);
@@ -207,10 +208,10 @@ TEST(UnitAliases, AreReadOnlyAndAnyNumberMayNameOneUnit) {
     EXPECT_EQ(CUnit::fromString("qa·qb"), unit->pow(2));
     EXPECT_EQ(labelOf(unit), symbol);
     EXPECT_THAT(unit, PrintsAs(symbol));
-    EXPECT_EQ(CUnitFormat::aliasUnitMap().size(), 2U) << "the catalogue itself has none";
+    EXPECT_EQ(CUnitFormat::aliasUnitMap().size(), 2U) << "the catalogue has no aliases";
 }
 
-TEST(UnitAliases, BelongToTheFirstUnitSilently) {
+TEST(UnitAliases, TheFirstUnitKeepsAnAliasWithoutAnError) {
     const CUnitPtr first = unnamedUnit();
     const CUnitPtr second = unnamedUnit();
     CUnitFormat::alias(first, "q");
@@ -220,7 +221,7 @@ TEST(UnitAliases, BelongToTheFirstUnitSilently) {
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(UnitAliases, AreNotCheckedAgainstSymbolsAndLabels) {
+TEST(UnitAliases, MayBeTheSameAsSymbolsAndLabels) {
     const CUnitPtr unit = unnamedUnit();
     CUnitFormat::alias(unit, "m");   // a symbol
     CUnitFormat::alias(unit, "km");  // a label
@@ -231,7 +232,7 @@ TEST(UnitAliases, AreNotCheckedAgainstSymbolsAndLabels) {
     EXPECT_THAT(SI::Meter(), PrintsAs("m"));
 }
 
-TEST(UnitAliases, HoldForTextsThatWereReadBefore) {
+TEST(UnitAliases, ChangeTheMeaningOfTextsThatWereReadBefore) {
     EXPECT_EQ(CUnit::fromString("m"), SI::Meter());
     EXPECT_EQ(CUnit::fromString("m²"), SI::Meter()->pow(2));
     CUnitFormat::alias(SI::Second(), "m");
@@ -243,7 +244,7 @@ TEST(UnitAliases, HoldForTextsThatWereReadBefore) {
     EXPECT_THROW(CUnit::fromString("amp"), std::invalid_argument);
 }
 
-TEST(UnitNames, ResolveAsLabelThenAliasThenSymbol) {
+TEST(UnitNames, AreLookedUpAsLabelThenAliasThenSymbol) {
     const CUnitPtr labelled = unnamedUnit();
     const CUnitPtr aliased = unnamedUnit();
     CUnitFormat::label(labelled, "qzx");
@@ -256,7 +257,7 @@ TEST(UnitNames, ResolveAsLabelThenAliasThenSymbol) {
     EXPECT_EQ(CUnitFormat::unitFor("qzx"), withSymbol);
 }
 
-TEST(UnitNames, ResolveOnlyExactly) {
+TEST(UnitNames, AreComparedExactly) {
     for (const char* text : {"Km", "KM", " km", "km ", "m\u00B2", "kbit", "kmin", "meter", "One",
                              "μm" /* Greek mu */, "Ω" /* Greek omega */, "k"}) {
         EXPECT_EQ(CUnitFormat::unitFor(text), nullptr) << text;
@@ -264,7 +265,7 @@ TEST(UnitNames, ResolveOnlyExactly) {
     EXPECT_EQ(CUnitFormat::unitFor("µm"), SI::Micro(SI::Meter()));
 }
 
-TEST(UnitNames, LabelForIsEmptyWithoutLabelAndSymbol) {
+TEST(UnitNames, LabelForIsEmptyForAUnitWithoutLabelAndSymbol) {
     EXPECT_EQ(labelOf(SI::Meter()), "m");
     EXPECT_EQ(labelOf(SI::Newton()), "N");
     EXPECT_EQ(labelOf(SI::Celsius()), "°C");
@@ -273,7 +274,7 @@ TEST(UnitNames, LabelForIsEmptyWithoutLabelAndSymbol) {
     EXPECT_EQ(labelOf(unnamedUnit()), "");
 }
 
-TEST(PrefixedLabels, StandForTheScaledUnits) {
+TEST(PrefixedLabels, DenoteTheMultiplesOfTheUnit) {
     const CUnitPtr unit = CBaseUnit::getInstance(freshSymbol());
     const std::string symbol = labelOf(unit);
     CUnitFormat::labelPrefixedUnit({KILO, MICRO, DECA}, unit);
@@ -281,11 +282,11 @@ TEST(PrefixedLabels, StandForTheScaledUnits) {
     EXPECT_EQ(CUnitFormat::unitFor("µ" + symbol), unit->multiply(1e-6));
     EXPECT_EQ(CUnitFormat::unitFor("da" + symbol), unit->multiply(10));
     EXPECT_THAT(CUnit::fromString("k" + symbol), ConvertsTo(unit, 2.5, 2500));
-    EXPECT_EQ(CUnitFormat::unitFor("m" + symbol), nullptr) << "only those that were asked for";
+    EXPECT_EQ(CUnitFormat::unitFor("m" + symbol), nullptr) << "this prefix was not requested";
     expectMirroredLabels();
 }
 
-TEST(PrefixedLabels, OfTheMetreAreThoseItHas) {
+TEST(PrefixedLabels, OfTheMetreExistAlready) {
     const Tables before;
     CUnitFormat::labelPrefixedUnit({KILO, MILLI}, SI::Meter());
     EXPECT_EQ(Tables(), before);
@@ -293,13 +294,13 @@ TEST(PrefixedLabels, OfTheMetreAreThoseItHas) {
     EXPECT_EQ(CUnitFormat::unitFor("mm"), SI::Meter()->multiply(0.001));
 }
 
-TEST(PrefixedLabels, AreNoneForNoPrefixes) {
+TEST(PrefixedLabels, AnEmptyListOfPrefixesAttachesNone) {
     const Tables before;
     CUnitFormat::labelPrefixedUnit({}, SI::Meter());
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(PrefixedLabels, AreMadeFromTheTextOfTheUnit) {
+TEST(PrefixedLabels, ConsistOfThePrefixAndTheTextOfTheUnit) {
     const CUnitPtr base = CBaseUnit::getInstance(freshSymbol());
     const CUnitPtr labelled = CUnitFormat::label(base->multiply(7), "furlong");
     CUnitFormat::labelPrefixedUnit({KILO}, labelled);
@@ -312,7 +313,7 @@ TEST(PrefixedLabels, AreMadeFromTheTextOfTheUnit) {
     EXPECT_EQ(CUnitFormat::unitFor(text), speed->multiply(1000));
 }
 
-TEST(PrefixedLabels, GivenBeforeAFailureStay) {
+TEST(PrefixedLabels, AttachedBeforeAnErrorStay) {
     const CUnitPtr unit = CBaseUnit::getInstance(freshSymbol());
     const std::string symbol = labelOf(unit);
     const CUnitPtr other = CUnitFormat::label(unnamedUnit(), "m" + symbol);
@@ -323,7 +324,7 @@ TEST(PrefixedLabels, GivenBeforeAFailureStay) {
                   " is attached to a different unit (must be detached first)");
     EXPECT_EQ(CUnitFormat::unitFor("k" + symbol), unit->multiply(1000));
     EXPECT_EQ(CUnitFormat::unitFor("m" + symbol), other);
-    EXPECT_EQ(CUnitFormat::unitFor("µ" + symbol), nullptr) << "the failure ends the list";
+    EXPECT_EQ(CUnitFormat::unitFor("µ" + symbol), nullptr) << "the error ends the list";
     expectMirroredLabels();
 
     CBaseUnit::getInstance("G" + symbol);
@@ -336,7 +337,7 @@ TEST(PrefixedLabels, GivenBeforeAFailureStay) {
     expectMirroredLabels();
 }
 
-TEST(PrefixedLabels, NeedAUnitWithText) {
+TEST(PrefixedLabels, NeedAUnitWithAText) {
     const CUnitPtr unit = unnamedUnit();
     const Tables before;
     EXPECT_EQ(outcomeOf([&] { CUnitFormat::labelPrefixedUnit({KILO}, unit); }),
@@ -344,7 +345,7 @@ TEST(PrefixedLabels, NeedAUnitWithText) {
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(LabelTables, AreOneOfEachInTheProcess) {
+TEST(LabelTables, AreTheSameObjectsAtEachCall) {
     EXPECT_EQ(&CUnitFormat::labelUnitMap(), &CUnitFormat::labelUnitMap());
     EXPECT_EQ(&CUnitFormat::unitLabelMap(), &CUnitFormat::unitLabelMap());
     EXPECT_EQ(&CUnitFormat::aliasUnitMap(), &CUnitFormat::aliasUnitMap());
@@ -352,7 +353,7 @@ TEST(LabelTables, AreOneOfEachInTheProcess) {
     EXPECT_EQ(CUnitFormat::labelUnitMap().count("furlong"), 1U);
 }
 
-TEST(Names, AreAllThatUnitForKnowsWithItsPrecedence) {
+TEST(Names, AreAllNamesOfUnitForWithItsPrecedence) {
     const CUnitPtr labelled = unnamedUnit();
     CUnitFormat::alias(SI::Second(), "qq");
     CUnitFormat::label(labelled, "qq");
@@ -367,10 +368,11 @@ TEST(Names, AreAllThatUnitForKnowsWithItsPrecedence) {
         EXPECT_EQ(CUnitFormat::unitFor(name), unit) << text(name);
     }
     EXPECT_EQ(names.size(), CUnitFormat::labelUnitMap().size() + CUnit::symbols().size() + 1)
-        << "all labels, all symbols, and of the aliases \"qr\" alone is no other name";
+        << "all labels, all symbols, and the alias \"qr\", since the other aliases are labels or "
+           "symbols";
 }
 
-TEST(Names, HaveAVersionThatTellsWhenOneMayHaveMoved) {
+TEST(Names, TheVersionChangesWhenANameMayDenoteAnotherUnit) {
     const unsigned version = CUnitFormat::namesVersion();
     EXPECT_NE(version, 0U);
     CUnit::fromString("kg·m/s^5");
@@ -384,7 +386,8 @@ TEST(Names, HaveAVersionThatTellsWhenOneMayHaveMoved) {
     EXPECT_NE(CUnitFormat::namesVersion(), aliased);
     EXPECT_NE(CUnitFormat::namesVersion(), version);
     CUnitFormat::aliasUnitMap();
-    EXPECT_EQ(CUnitFormat::namesVersion(), 0U) << "from here on the client may change them unseen";
+    EXPECT_EQ(CUnitFormat::namesVersion(), 0U)
+        << "from here on the client may change them without notice";
 }
 
 }  // namespace

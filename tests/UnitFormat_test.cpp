@@ -1,4 +1,4 @@
-// UnitFormat_test.cpp: how units are written, in both notations side by side.
+// UnitFormat_test.cpp: the two notations, side by side.
 #include "mensor/UnitFormat.h"
 
 #include <limits>
@@ -24,8 +24,8 @@ std::string ascii(const CUnitPtr& unit, const string_t& buffer = string_t()) {
     return text(CASCIIUnitFormat::instance()->format(unit, buffer));
 }
 
-// A base unit that no product of the catalogue holds, so that a test is the first to make its
-// products and decides the order of their factors.
+// A base unit that is in no product of the catalogue, so the test builds its products first and
+// decides the order of their factors.
 CUnitPtr base(const char* symbol) { return CBaseUnit::getInstance(symbol); }
 
 struct Row {
@@ -38,17 +38,17 @@ void expectTexts(const std::vector<Row>& rows) {
     for (const Row& row : rows) {
         EXPECT_EQ(standard(row.Unit), row.Standard);
         EXPECT_EQ(ascii(row.Unit), row.ASCII);
-        EXPECT_THAT(row.Unit, PrintsAs(row.Standard)) << "units print in the standard notation";
+        EXPECT_THAT(row.Unit, PrintsAs(row.Standard)) << "toString() writes the standard notation";
     }
 }
 
-TEST(UnitFormat, WritesANamedUnitAsThatName) {
+TEST(UnitFormat, WritesAUnitByItsLabelOrSymbol) {
     expectTexts({
         {SI::Meter(), "m", "m"},
         {SI::Newton(), "N", "N"},
         {SI::Ohm(), "\u2126", "\u2126"},
         {SI::Kilo(SI::Meter()), "km", "km"},
-        {SI::Micro(SI::Second()), "µs", "µs"},  // the plain notation does not transliterate names
+        {SI::Micro(SI::Second()), "µs", "µs"},  // the plain notation does not change names
         {SI::Celsius(), "°C", "°C"},
         {SI::Milli(SI::Kelvin()), "m°C", "m°C"},
         {NonSI::SecondAngle(), "″", "″"},
@@ -84,18 +84,19 @@ TEST(UnitFormat, WritesAProductFactorByFactor) {
         {zoll->pow(-2), "1/zoll²", "zoll^-2"},
         {zoll->root(-2), "1/zoll^1:2", "zoll^-1:2"},
         {CProductUnit::one() / ell / zoll, "1/(ell·zoll)", "ell^-1 zoll^-1"},
-        // A factor behind a divisor moves before the bar, and stays where it is in ASCII
+        // The standard notation moves a factor after a divisor before the bar. The plain one keeps
+        // the order.
         {ell / loth * mark, "ell·mark/loth", "ell loth^-1 mark"},
         {CProductUnit::one() / zoll * mark->pow(2) / ell * loth, "mark²·loth/(zoll·ell)",
          "zoll^-1 mark^2 ell^-1 loth"},
-        // Factors that are alternate units or labelled ones
+        // Factors with a symbol or a label
         {SI::Newton() * zoll, "N·zoll", "N zoll"},
         {SI::Kilo(SI::Meter()) / zoll, "km/zoll", "km zoll^-1"},
         {SI::Kilo(SI::Meter())->pow(2) * ell, "km²·ell", "km^2 ell"},
     });
 }
 
-TEST(UnitFormat, WritesTheCataloguesProductsInTheirOwnOrder) {
+TEST(UnitFormat, WritesProductsOfTheCatalogueInTheirOrder) {
     expectTexts({
         {SI::Kilogram() * SI::Meter()->pow(2) / SI::Second()->pow(2), "m²·kg/s²", "m^2 kg s^-2"},
         {SI::Volt()->getDimension(), "m²·kg/(s³·A)", "m^2 kg s^-3 A^-1"},
@@ -105,7 +106,7 @@ TEST(UnitFormat, WritesTheCataloguesProductsInTheirOwnOrder) {
     });
 }
 
-TEST(UnitFormat, AppendsToTheBufferWithoutASeparator) {
+TEST(UnitFormat, AppendsToTheBufferWithoutSeparator) {
     const CUnitPtr ell = base("ell"), zoll = base("zoll");
     const CUnitPtr product = ell * zoll->pow(2);
     const CUnitPtr inverse = ell->pow(-1) / zoll;
@@ -157,7 +158,7 @@ TEST(UnitFormat, AppendWritesOneFactor) {
     }
 }
 
-TEST(UnitFormat, LetsALabelWinOverTheFactors) {
+TEST(UnitFormat, WritesTheLabelOfAProductInsteadOfItsFactors) {
     const CUnitPtr ell = base("ell"), zoll = base("zoll");
     const CUnitPtr speed = ell / zoll;
     expectTexts({{speed, "ell/zoll", "ell zoll^-1"}});
@@ -175,24 +176,24 @@ TEST(UnitFormat, WritesALabelledProductInsideAProduct) {
     const CUnitPtr ell = base("ell"), zoll = base("zoll");
     const CUnitPtr speed = ell / zoll;
     const CUnitPtr power = CProductUnit::getInstance({CUnitRationalPower(speed, 2, 1)}, {});
-    expectTexts(
-        {{power, "²", "^2"}});  // a factor is written by its name, and this one has none yet
+    expectTexts({{power, "²", "^2"}});  // the factor has no label yet, so nothing is written for it
     CUnitFormat::label(speed, "knot");
     expectTexts({{power, "knot²", "knot^2"}});
-    EXPECT_THAT(speed->pow(2), PrintsAs("ell²/zoll²")) << "the algebra never makes such a product";
+    EXPECT_THAT(speed->pow(2), PrintsAs("ell²/zoll²"))
+        << "only getInstance makes a product of products";
 }
 
-TEST(UnitFormat, WritesNoNameForAFactorWithoutOne) {
+TEST(UnitFormat, WritesNothingForAFactorWithoutName) {
     const CUnitPtr ell = base("ell");
     const CUnitPtr unnamed = base("zoll") * 7;
     expectTexts({
-        {unnamed * ell, "ell", "ell"},  // nothing was written before ell, so nothing separates it
+        {unnamed * ell, "ell", "ell"},  // nothing precedes ell, so there is no separator
         {unnamed->pow(2) * ell, "²·ell", "^2 ell"},
         {ell / unnamed, "ell/", "ell ^-1"},
     });
 }
 
-TEST(UnitFormat, RefusesAUnitWithoutNameAndFactors) {
+TEST(UnitFormat, RefusesATransformedUnitWithoutName) {
     const CUnitPtr unnamed = base("zoll") * 7;
     const std::string refused = "std::invalid_argument: Cannot format given Object as a Unit";
     EXPECT_EQ(outcomeOf([&] { standard(unnamed); }), refused);
@@ -203,14 +204,14 @@ TEST(UnitFormat, RefusesAUnitWithoutNameAndFactors) {
 
     const CUnitPtr ell = base("ell");
     CUnitFormat::label(ell, "");
-    EXPECT_EQ(outcomeOf([&] { standard(ell); }), refused) << "the empty label hides the symbol";
+    EXPECT_EQ(outcomeOf([&] { standard(ell); }), refused) << "the empty label replaces the symbol";
     EXPECT_EQ(outcomeOf([&] { ascii(ell); }), refused);
 
     CUnitFormat::label(unnamed, "dozen");
     expectTexts({{unnamed, "dozen", "dozen"}});
 }
 
-TEST(UnitFormat, HasOneObjectOfEachNotation) {
+TEST(UnitFormat, EachNotationIsOneObject) {
     EXPECT_EQ(CStandardUnitFormat::instance(), CStandardUnitFormat::instance());
     EXPECT_EQ(CASCIIUnitFormat::instance(), CASCIIUnitFormat::instance());
     EXPECT_NE(CStandardUnitFormat::instance(), CASCIIUnitFormat::instance());
@@ -218,7 +219,7 @@ TEST(UnitFormat, HasOneObjectOfEachNotation) {
     EXPECT_NE(dynamic_cast<CASCIIUnitFormat*>(CASCIIUnitFormat::instance().get()), nullptr);
 }
 
-TEST(UnitFormat, IsOnlyReachedThroughANotation) {
+TEST(UnitFormat, IsAbstractAndItsStatesHaveFixedNumbers) {
     EXPECT_TRUE(std::is_abstract_v<CUnitFormat>);
     EXPECT_FALSE(std::has_virtual_destructor_v<CUnitFormat>);
     EXPECT_EQ(CUnitFormat::DEFAULT, 0);

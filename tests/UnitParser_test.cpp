@@ -1,4 +1,4 @@
-// UnitParser_test.cpp: what the texts of units mean.
+// UnitParser_test.cpp: which units texts denote.
 #include <cstddef>
 #include <cstdint>
 #include <fstream>
@@ -23,7 +23,7 @@ std::string ascii(const CUnitPtr& unit) {
     return text(CASCIIUnitFormat::instance()->format(unit, string_t()));
 }
 
-// The very unit, or the class and message of the exception.
+// The unit, or the class and message of the exception.
 std::pair<CUnitPtr, std::string> parsed(const std::string& text) {
     CUnitPtr unit;
     std::string outcome = outcomeOf([&] { unit = CUnitFormat::parseUnit(text); });
@@ -49,7 +49,7 @@ std::string unescaped(const std::string& text) {
     return result;
 }
 
-TEST(UnitParser, ReadsEveryTextOfTheTableAsItSays) {
+TEST(UnitParser, ReadsEveryTextOfTheTable) {
     std::ifstream file(MENSOR_TEST_DATA "/parser.tsv");
     ASSERT_TRUE(file.is_open());
     std::string line;
@@ -78,7 +78,7 @@ TEST(UnitParser, ReadsEveryTextOfTheTableAsItSays) {
         ASSERT_EQ(outcome, "returned");
         EXPECT_EQ(ascii(unit), result);
         EXPECT_EQ(CUnit::fromString(source), unit);
-        if (unit != CProductUnit::one()) {  // its symbol is not one to be read
+        if (unit != CProductUnit::one()) {  // its symbol "One" does not read as it
             EXPECT_EQ(CUnit::fromString(ascii(unit)), unit);
             EXPECT_EQ(CUnit::fromString(unit->toString()), unit) << unit->toStdString();
         }
@@ -86,7 +86,7 @@ TEST(UnitParser, ReadsEveryTextOfTheTableAsItSays) {
     EXPECT_GT(rows, 180);
 }
 
-TEST(UnitParser, GivesTheUnitItselfForASingleName) {
+TEST(UnitParser, ReturnsTheUnitItselfForASingleName) {
     EXPECT_EQ(CUnit::fromString("m"), SI::Meter());
     EXPECT_EQ(CUnit::fromString("km"), SI::Kilo(SI::Meter()));
     EXPECT_EQ(CUnit::fromString("N"), SI::Newton());
@@ -105,7 +105,7 @@ TEST(UnitParser, FindsNamesInBrackets) {
     EXPECT_EQ(CUnit::fromString("[m][m]"), SI::Meter()->pow(2));
 }
 
-TEST(UnitParser, ReadsWhatLabelsSayAtTheMoment) {
+TEST(UnitParser, FollowsChangesOfLabels) {
     const CUnitPtr mile = SI::Meter() * 1609.344;
     EXPECT_EQ(parsed("mi").second, "std::invalid_argument: Label: mi not recognized");
     CUnitFormat::label(mile, "mi");
@@ -114,8 +114,8 @@ TEST(UnitParser, ReadsWhatLabelsSayAtTheMoment) {
     EXPECT_EQ(parsed("mi").second, "std::invalid_argument: Label: mi not recognized");
 }
 
-// The characters that end a name, as they are listed for the users.
-TEST(UnitParser, NamesMayHoldAllButTheListedCharacters) {
+// The characters that end a name, as docs/notation.md lists them.
+TEST(UnitParser, NamesContainAllCharactersExceptTheListedOnes) {
     for (char32_t c = 0; c <= 0x110000; ++c) {
         const bool isListed = c <= 0x22 || (c >= 0x26 && c <= 0x3F) || c == 0x5E || c == 0xB2 ||
                               c == 0xB3 || c == 0xB7 || c == 0xB9;
@@ -124,7 +124,7 @@ TEST(UnitParser, NamesMayHoldAllButTheListedCharacters) {
     EXPECT_TRUE(CUnitFormat::isUnitIdentifierPart(0x7FFFFFFF));
 }
 
-TEST(UnitParser, ExponentsMayHoldDigitsTheMinusAndThreeSuperscripts) {
+TEST(UnitParser, ExponentsContainDigitsTheMinusAndThreeSuperscripts) {
     const std::set<char32_t> listed = {U'0', U'1', U'2', U'3', U'4', U'5', U'6',
                                        U'7', U'8', U'9', U'-', U'¹', U'²', U'³'};
     for (char32_t c = 0; c <= 0x110000; ++c) {
@@ -170,7 +170,7 @@ TEST(UnitParser, ParsesExponentsDigitByDigitWithoutValidation) {
     }
 }
 
-TEST(UnitParser, RefusesExponentsThatNoIntCanHold) {
+TEST(UnitParser, RefusesExponentsThatDoNotFitAnInt) {
     for (const std::string digits : {"2147483648", "-2147483648", "21474836470", "¹2147483647",
                                      "-99999999999999999999999", "2147483648-", "./,),'7*,("}) {
         EXPECT_EQ(outcomeOf([&] { CUnitFormat::parseExponent(digits); }),
@@ -178,7 +178,7 @@ TEST(UnitParser, RefusesExponentsThatNoIntCanHold) {
     }
 }
 
-TEST(UnitParser, KeepsNoSlotsForHugePowers) {
+TEST(UnitParser, DoesNotCacheHugePowers) {
     const CUnitPtr huge = CUnit::fromString("m^2000000000");
     EXPECT_EQ(CUnit::fromString("m^2000000000"), huge);
     EXPECT_THAT(huge, PrintsAs("m^2000000000"));
@@ -188,8 +188,8 @@ TEST(UnitParser, KeepsNoSlotsForHugePowers) {
     EXPECT_LE(Inside::rootLookUp(SI::Meter()).size(), 4096U);
 }
 
-// Texts of a million characters take time and memory in proportion, no deep stack and no square.
-TEST(UnitParser, ReadsAMillionOfAnyCharacter) {
+// Time and memory are proportional to the length, and the stack does not grow.
+TEST(UnitParser, ReadsTextsOfAMillionCharacters) {
     constexpr std::size_t million = 1000000;
     const std::string opening(million, '[');
     const std::string closing(million, ']');
@@ -216,14 +216,14 @@ TEST(UnitParser, ReadsAMillionOfAnyCharacter) {
     EXPECT_EQ(parsed("m" + middots + "s").first, SI::Meter() * SI::Second());
 }
 
-TEST(UnitParser, TakesANulForASeparator) {
+TEST(UnitParser, ReadsANulAsASeparator) {
     EXPECT_EQ(CUnit::fromString(std::string("m\0s", 3)), SI::Meter() * SI::Second());
     EXPECT_EQ(CUnit::fromString(std::string("m\0", 2) + "2"), SI::Meter()->pow(2));
 }
 
-// Bytes that begin no character, or one that never ends, alone and in company, end in a unit or in
-// the documented exception, which quotes them.
-TEST(UnitParser, EndsWellOnBytesThatAreNoUtf8) {
+// Bytes that begin no character, or an incomplete one, alone and with others, give a unit or the
+// documented exception, which quotes them.
+TEST(UnitParser, ReadsOrRefusesBytesThatAreNotUtf8) {
     int units = 0;
     for (int first = 0x80; first < 0x100; ++first) {
         for (const int second : {0x20, 0x2D, 0x2F, 0x32, 0x3C, 0x5B, 0x5D, 0x6D, 0x80, 0xAF,
@@ -245,7 +245,7 @@ TEST(UnitParser, EndsWellOnBytesThatAreNoUtf8) {
             }
         }
     }
-    EXPECT_GE(units, 0x80 * 20) << "an open bracket swallows whatever follows";
+    EXPECT_GE(units, 0x80 * 20) << "an open bracket includes all that follows";
 }
 
 std::string utf8(const std::u32string& text) {
@@ -256,8 +256,9 @@ std::string utf8(const std::u32string& text) {
     return toStdString(result);
 }
 
-// The first one has the hash of cd², so it is cd², and what is made of that has its exponents.
-TEST(UnitParser, RegistersNothingWhereTheHashLeadsToExponentsOutOfRange) {
+// The first product has the hash code of cd², so it is cd², and further products have its
+// exponents.
+TEST(UnitParser, RegistersNothingIfEqualHashCodesLeadToExponentsOutOfRange) {
     const CUnitPtr first = CUnit::fromString("cd^1400000002:2100000001");
     EXPECT_EQ(SI::Candela()->pow(2), first);
     const std::size_t before = CUnit::instances().size();
@@ -266,7 +267,7 @@ TEST(UnitParser, RegistersNothingWhereTheHashLeadsToExponentsOutOfRange) {
     EXPECT_EQ(CUnit::instances().size(), before);
 }
 
-TEST(UnitParser, RegistersNothingWhereSmallExponentsLeadOutOfRange) {
+TEST(UnitParser, RegistersNothingIfSmallExponentsLeadOutOfRange) {
     CUnitFormat::label(CUnit::fromString("m^2000000000"), "huge");
     CUnit::fromString("cd^1400000002:2100000001");
     EXPECT_EQ(parsed("s·huge·huge").second,
@@ -279,10 +280,10 @@ TEST(UnitParser, RegistersNothingWhereSmallExponentsLeadOutOfRange) {
     EXPECT_EQ(CUnit::instances().size(), before);
 }
 
-TEST(UnitParser, ReadsEveryShortTextAsASecondReaderDoes) {
+TEST(UnitParser, ReadsEveryShortTextLikeAnIndependentReader) {
     CUnitFormat::alias(SI::Ampere(), "[m]");
     CUnitFormat::alias(SI::Kelvin(), "m[");
-    // At least one character of each class that the parser tells apart.
+    // At least one character of each class that the parser distinguishes.
     const std::u32string alphabet = U"ms[]20-²<>&;/·";
     int units = 0;
     int unknownNames = 0;
@@ -315,7 +316,7 @@ TEST(UnitParser, ReadsEveryShortTextAsASecondReaderDoes) {
             check(codePoints);
         }
     }
-    // Longer ones, where all states meet, as a sample.
+    // A sample of longer texts, which combine all states.
     std::uint32_t state = 271828;
     for (int round = 0; round < 20000 && failures < 10; ++round) {
         std::u32string codePoints;
@@ -325,7 +326,7 @@ TEST(UnitParser, ReadsEveryShortTextAsASecondReaderDoes) {
         }
         check(codePoints);
     }
-    // None of the three ends is rare, or the comparison would say little.
+    // All three outcomes must be frequent, or the comparison shows little.
     EXPECT_GT(units, 10000);
     EXPECT_GT(unknownNames, 10000);
     EXPECT_GT(zeroRoots, 20);

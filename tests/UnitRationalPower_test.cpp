@@ -1,4 +1,4 @@
-// UnitRationalPower_test.cpp: the record of one factor, which stores what it is given.
+// UnitRationalPower_test.cpp: the record of one factor of a product.
 #include "mensor/UnitRationalPower.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +13,7 @@
 namespace mensor {
 namespace {
 
-TEST(UnitRationalPower, StartsWithoutUnitAndWithBothNumbersZero) {
+TEST(UnitRationalPower, IsEmptyWithBothNumbersZeroByDefault) {
     const CUnitRationalPower power;
     EXPECT_EQ(power.getUnit(), nullptr);
     EXPECT_EQ(power.getPow(), 0);
@@ -21,7 +21,7 @@ TEST(UnitRationalPower, StartsWithoutUnitAndWithBothNumbersZero) {
     EXPECT_TRUE(power == CUnitRationalPower(nullptr, 0, 0));
 }
 
-TEST(UnitRationalPower, StoresWhatItIsGivenUnreduced) {
+TEST(UnitRationalPower, StoresTheExponentWithoutReducingIt) {
     const struct {
         int Pow, Root;
     } rows[] = {
@@ -42,7 +42,7 @@ TEST(UnitRationalPower, StoresWhatItIsGivenUnreduced) {
     }
 }
 
-TEST(UnitRationalPower, SettersChangeTheirOwnNumberOnly) {
+TEST(UnitRationalPower, EachSetterChangesOneNumber) {
     CUnitRationalPower power(SI::Meter(), 1, 2);
     power.setPow(-3);
     EXPECT_TRUE(power == CUnitRationalPower(SI::Meter(), -3, 2));
@@ -64,7 +64,7 @@ TEST(UnitRationalPower, EqualityDoesNotReduce) {
     EXPECT_FALSE(CUnitRationalPower(SI::Meter(), 1, -1) == CUnitRationalPower(SI::Meter(), -1, 1));
 }
 
-TEST(UnitRationalPower, EqualityLooksAtTheUnitObjectNotAtWhatItIsEqualTo) {
+TEST(UnitRationalPower, EqualityComparesUnitsByPointer) {
     const CUnitPtr one = std::make_shared<CAlternateUnit>("qq", SI::Meter());
     const CUnitPtr two = std::make_shared<CAlternateUnit>("qq", SI::Meter());
     ASSERT_TRUE(one->equals(two));
@@ -90,7 +90,7 @@ TEST(UnitRationalPower, IsAValueThatIsCopiedAndMoved) {
     EXPECT_TRUE(std::is_nothrow_move_constructible<CUnitRationalPower>::value);
 }
 
-TEST(UnitRationalPower, SharesTheUnit) {
+TEST(UnitRationalPower, IsAnOwnerOfTheUnit) {
     CUnitPtr unit = std::make_shared<CAlternateUnit>("qq", SI::Meter());
     const std::weak_ptr<CUnit> watch = unit;
     CUnitRationalPower power(unit, 1, 1);

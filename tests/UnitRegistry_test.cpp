@@ -1,5 +1,5 @@
-// UnitRegistry_test.cpp: which units are registered and labelled while the library is loaded, and
-// which are not. What happens when that fails is shown in behaviour/Loading_test.cpp.
+// UnitRegistry_test.cpp: which units are registered and labelled at load, and which are not.
+// behaviour/Loading_test.cpp tests failures at load.
 #include "mensor/UnitRegistry.h"
 
 #include <gmock/gmock.h>
@@ -20,7 +20,7 @@ using ::testing::StrEq, ::testing::ThrowsMessage;
 MATCHER(IsUnknown, "is a text that nothing is known by") {
     try {
         const CUnitPtr unit = CUnit::fromString(arg);
-        *result_listener << "which reads as " << unit->toStdString();
+        *result_listener << "which denotes " << unit->toStdString();
         return false;
     } catch (const std::invalid_argument& error) {
         return error.what() == "Label: " + std::string(arg) + " not recognized";
@@ -36,8 +36,8 @@ TEST(UnitRegistry, PrefixedUnitsAreKnownAfterLoad) {
     EXPECT_EQ(CUnit::fromString("ymol"), SI::Yocto(SI::Mole()));
 }
 
-// Every unit of the list with every prefix, under the symbol where the label was not taken over by
-// another unit of the same factor.
+// Every listed unit with every prefix, found by prefix and symbol unless another unit with the same
+// factor replaced the label.
 TEST(UnitRegistry, EveryListedUnitHasAllTwentyPrefixes) {
     for (const char* symbol :
          {"A", "cd", "m",      "mol", "s",  "rad", "sr", "Hz", "N",  "Pa", "J",  "W",  "C",
@@ -67,7 +67,7 @@ TEST(UnitRegistry, TheLumenTheBitAndTheKilogramHaveNoPrefixes) {
     EXPECT_EQ(CUnit::fromString("bit"), SI::Bit());
 }
 
-TEST(UnitRegistry, PrefixesOfMassAreThoseOfTheGram) {
+TEST(UnitRegistry, UnitsOfMassAreMultiplesOfTheGram) {
     for (const CPrefix& prefix : prefixes()) {
         if (prefix.Factor == 1000) {
             continue;
@@ -79,7 +79,7 @@ TEST(UnitRegistry, PrefixesOfMassAreThoseOfTheGram) {
     }
 }
 
-TEST(UnitRegistry, KgNamesTheBaseUnitAndNoTransformedUnit) {
+TEST(UnitRegistry, KgDenotesTheBaseUnitAndNoTransformedUnit) {
     EXPECT_EQ(CUnit::fromString("kg"), SI::Kilogram());
     EXPECT_EQ(CUnitFormat::labelUnitMap().count("kg"), 0U);
     EXPECT_EQ(CUnitFormat::unitLabelMap().count(SI::Kilogram()), 0U);
@@ -88,8 +88,8 @@ TEST(UnitRegistry, KgNamesTheBaseUnitAndNoTransformedUnit) {
     EXPECT_EQ(text(CUnitFormat::labelFor(thousandGrams)), "");
 }
 
-// The kelvin scaled by a factor and the degree Celsius scaled by it are one unit; its second label
-// replaced the first.
+// A multiple of the kelvin and the same multiple of the degree Celsius are one unit. Its second
+// label replaced the first.
 TEST(UnitRegistry, PrefixedKelvinsAreLabelledAsDegreesCelsius) {
     for (const CPrefix& prefix : prefixes()) {
         const CUnitPtr unit = SI::Kelvin()->multiply(prefix.Factor);
@@ -103,7 +103,7 @@ TEST(UnitRegistry, PrefixedKelvinsAreLabelledAsDegreesCelsius) {
     EXPECT_THAT(CUnit::fromString("m°C"), ConvertsTo(SI::Kelvin(), 1, 0.001));
 }
 
-TEST(UnitRegistry, TheCentiradianAndTheMillibarTookTheirUnitsOver) {
+TEST(UnitRegistry, TheLabelsCentiradianAndMillibarReplaceThePrefixedOnes) {
     EXPECT_THAT("crad", IsUnknown());
     EXPECT_THAT("hPa", IsUnknown());
     EXPECT_THAT(SI::Centi(SI::Radian()), PrintsAs("centiradian"));
@@ -130,7 +130,7 @@ TEST(UnitRegistry, TheLiterHasSixSubmultiplesAndNoMultiples) {
     }
 }
 
-TEST(UnitRegistry, OtherUnitsBesideTheSIHaveNoPrefixes) {
+TEST(UnitRegistry, OtherUnitsOutsideTheSIHaveNoPrefixes) {
     std::istringstream units(
         "% rev ° ′ ″ centiradian grade byte atm bar mm_Hg in_Hg grav min h d "
         "week year month year_calendar day_sidereal year_sidereal");
@@ -153,15 +153,15 @@ TEST(UnitRegistry, PsiAndTheEmptyLabelAreUnknownAfterLoad) {
     EXPECT_EQ(CUnit::fromString("psi"), NonSI::Psi());
 }
 
-TEST(UnitRegistry, EveryLabelIsOneWordToTheParser) {
+TEST(UnitRegistry, TheParserReadsEveryLabelAsOneName) {
     for (const auto& entry : CUnitFormat::labelUnitMap()) {
         EXPECT_EQ(CUnit::fromString(entry.first), entry.second) << toStdString(entry.first);
     }
 }
 
-// All units exist already; the labels are given anew, and where two come to one unit the accessors
-// of the second one do not run again.
-TEST(UnitRegistry, AnotherOneRegistersNoUnitAndRelabelsInTheSameOrder) {
+// All units exist already. The labels are attached again. If a unit gets two labels, the accessor
+// of the second one does not attach it again.
+TEST(UnitRegistry, ASecondRegistryRegistersNoUnitAndAttachesTheLabelsAgain) {
     const std::size_t units = CUnit::instances().size();
     const std::size_t labels = CUnitFormat::labelUnitMap().size();
     const CUnitRegistry another;

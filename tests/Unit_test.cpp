@@ -1,5 +1,5 @@
-// Unit_test.cpp: identity and the tables of the process, how a unit becomes canonical, and the ways
-// into text. The algebra and the conversion of units have files of their own.
+// Unit_test.cpp: identity and the tables of the process, the registration of units, and text.
+// UnitAlgebra_test.cpp and UnitConversion_test.cpp test the rest.
 #include "mensor/Unit.h"
 
 #include <algorithm>
@@ -34,7 +34,7 @@ using ::testing::ElementsAre;
 using ::testing::StrEq;
 using ::testing::ThrowsMessage;
 
-// A kind of unit with nothing but what every kind must have; the rest is CUnit's own.
+// A kind of unit that overrides only the pure virtual functions.
 class CPlainUnit : public CUnit {
 public:
     CPlainUnit(const string_t& symbol, int hash) : CUnit(symbol), m_Hash(hash) {}
@@ -43,7 +43,7 @@ public:
     CUnitPtr getCtxDimension() override { return shared_from_this(); }
     CUnitPtr getSystemUnit() override { return shared_from_this(); }
     bool equals(CUnitPtr) const override {
-        ADD_FAILURE() << "identity is never asked of equals()";
+        ADD_FAILURE() << "equals() must not decide identity";
         return false;
     }
     CConverterPtr getCtxToDimension() override { return CConverter::identity(); }
@@ -72,31 +72,31 @@ int freshHash() {
 
 // ---- the tables after loading
 
-TEST(UnitTables, NumberTheUnitsFrom2InTheOrderOfRegistration) {
-    EXPECT_EQ(Inside::id(SI::Ampere()), 2) << "the first that the catalogue registers";
+TEST(UnitTables, IdsBeginWith2InTheOrderOfRegistration) {
+    EXPECT_EQ(Inside::id(SI::Ampere()), 2) << "the first unit of the catalogue";
     std::set<int> ids;
     for (const auto& [hash, unit] : CUnit::instances()) {
         ids.insert(Inside::id(unit));
     }
     ids.erase(Inside::id(CProductUnit::one()));
-    ASSERT_EQ(ids.size(), CUnit::instances().size() - 1) << "each its own";
+    ASSERT_EQ(ids.size(), CUnit::instances().size() - 1) << "each id is used once";
     EXPECT_EQ(*ids.begin(), 2);
     EXPECT_EQ(*ids.rbegin(), numberOfUnits());
 }
 
-TEST(UnitTables, HoldEveryUnitUnderItsHashCode) {
+TEST(UnitTables, ContainEveryUnitUnderItsHashCode) {
     EXPECT_GT(CUnit::instances().size(), 500U);
     for (const auto& [hash, unit] : CUnit::instances()) {
         ASSERT_TRUE(unit);
         EXPECT_EQ(unit->hashCode(), hash);
         unit->calculateHashCode();
-        EXPECT_EQ(unit->hashCode(), hash) << "computed anew";
+        EXPECT_EQ(unit->hashCode(), hash) << "computed again";
     }
     EXPECT_EQ(SI::Meter()->hashCode(), 109);
     EXPECT_EQ(CUnit::instances().at(109), SI::Meter());
 }
 
-TEST(UnitTables, HoldEverySymbolAndNothingElseByName) {
+TEST(UnitTables, ContainEverySymbolAndNoOtherName) {
     EXPECT_EQ(CUnit::symbols().count(string_t()), 0U);
     for (const auto& [symbol, unit] : CUnit::symbols()) {
         EXPECT_EQ(text(unit->getSymbol()), text(symbol));
@@ -109,7 +109,7 @@ TEST(UnitTables, HoldEverySymbolAndNothingElseByName) {
     EXPECT_EQ(CUnit::symbols().size(), withSymbol);
 }
 
-TEST(UnitTables, HoldTheDimensionlessUnitUnderZeroWithoutIdAndSymbol) {
+TEST(UnitTables, ContainTheDimensionlessUnitUnderZeroWithoutIdAndSymbol) {
     const CUnitPtr one = CProductUnit::one();
     EXPECT_EQ(CUnit::instances().at(0), one);
     EXPECT_EQ(Inside::id(one), 0);
@@ -118,7 +118,7 @@ TEST(UnitTables, HoldTheDimensionlessUnitUnderZeroWithoutIdAndSymbol) {
     EXPECT_EQ(CUnit::searchSymbol("One"), nullptr);
 }
 
-TEST(UnitTables, AreTheSameObjectsAtEveryCall) {
+TEST(UnitTables, AreTheSameObjectsAtEachCall) {
     EXPECT_EQ(&CUnit::symbols(), &CUnit::symbols());
     EXPECT_EQ(&CUnit::instances(), &CUnit::instances());
     EXPECT_EQ(&CUnit::dimensions(), &CUnit::dimensions());
@@ -126,8 +126,8 @@ TEST(UnitTables, AreTheSameObjectsAtEveryCall) {
     EXPECT_EQ(&CUnit::mutex(), &CUnit::mutex());
 }
 
-// What the load finds: a table that has never been asked.
-TEST(UnitTables, SeedThemselvesWithTheDimensionlessUnitWhereverTheyAreEmpty) {
+// As at load, when the table is used for the first time.
+TEST(UnitTables, AnEmptyTableOfInstancesGetsTheDimensionlessUnit) {
     std::map<int, CUnitPtr> loaded;
     loaded.swap(CUnit::instances());
     ASSERT_EQ(CUnit::instances().size(), 1U);
@@ -142,14 +142,14 @@ TEST(UnitTables, SeedThemselvesWithTheDimensionlessUnitWhereverTheyAreEmpty) {
     loaded.swap(CUnit::instances());
 }
 
-TEST(UnitTables, StayAsAClientHasLeftThemUnlessThatIsEmpty) {
+TEST(UnitTables, ATableThatIsNotEmptyStaysAsTheClientLeftIt) {
     std::map<int, CUnitPtr> loaded = CUnit::instances();
     CUnit::instances().erase(0);
     EXPECT_EQ(CUnit::instances().size(), loaded.size() - 1);
     loaded.swap(CUnit::instances());
 }
 
-TEST(UnitTables, TakeTheHashOfTheDimensionlessUnitAsItStands) {
+TEST(UnitTables, TheDimensionlessUnitIsAddedUnderItsPresentHashCode) {
     std::map<int, CUnitPtr> loaded;
     loaded.swap(CUnit::instances());
     Inside::hashCode(CProductUnit::one()) = 77;
@@ -159,11 +159,11 @@ TEST(UnitTables, TakeTheHashOfTheDimensionlessUnitAsItStands) {
     loaded.swap(CUnit::instances());
 }
 
-TEST(SearchSymbol, FindsTheUnitOfExactlyThisSymbol) {
+TEST(SearchSymbol, FindsTheUnitWithExactlyThisSymbol) {
     EXPECT_EQ(CUnit::searchSymbol("m"), SI::Meter());
     EXPECT_EQ(CUnit::searchSymbol("kg"), SI::Kilogram());
     EXPECT_EQ(CUnit::searchSymbol("\xE2\x84\xA6"), SI::Ohm());
-    EXPECT_EQ(CUnit::searchSymbol("\xCE\xA9"), nullptr) << "the Greek letter is another text";
+    EXPECT_EQ(CUnit::searchSymbol("\xCE\xA9"), nullptr) << "the Greek letter is another symbol";
     for (const char* unknown : {"", " m", "m ", "M", "met", "xyz", "m\xC2", "\xFF"}) {
         EXPECT_EQ(CUnit::searchSymbol(unknown), nullptr) << unknown;
     }
@@ -171,7 +171,7 @@ TEST(SearchSymbol, FindsTheUnitOfExactlyThisSymbol) {
     EXPECT_EQ(CUnit::searchSymbol(std::string(100000, 'm')), nullptr);
 }
 
-TEST(SearchSymbol, AsksNeitherLabelsNorAliases) {
+TEST(SearchSymbol, IgnoresLabelsAndAliases) {
     CUnitFormat::alias(SI::Meter(), "metre");
     for (const char* name : {"km", "g", "°C", "%", "bar", "metre"}) {
         ASSERT_TRUE(CUnitFormat::unitFor(name)) << name;
@@ -179,9 +179,9 @@ TEST(SearchSymbol, AsksNeitherLabelsNorAliases) {
     }
 }
 
-// ---- becoming canonical
+// ---- registration
 
-TEST(GetInstance, RegistersANewUnitAndGivesItTheNextId) {
+TEST(GetInstance, RegistersANewUnitWithTheNextId) {
     const int before = numberOfUnits();
     const string_t symbol = freshSymbol();
     const auto unit = plain(symbol, freshHash());
@@ -198,7 +198,7 @@ TEST(GetInstance, RegistersANewUnitAndGivesItTheNextId) {
     }
 }
 
-TEST(GetInstance, OfAKnownUnitUsesUpNoId) {
+TEST(GetInstance, AKnownUnitUsesNoId) {
     const CUnitPtr known = plain(freshSymbol(), freshHash())->canonical();
     const Tables before;
     for (int i = 0; i < 3; ++i) {
@@ -210,20 +210,22 @@ TEST(GetInstance, OfAKnownUnitUsesUpNoId) {
     EXPECT_EQ(Inside::id(plain(string_t(), freshHash())->canonical()), Inside::id(known) + 1);
 }
 
-TEST(GetInstance, TrustsTheHashAloneWhateverElseDiffers) {
+TEST(GetInstance, TheHashCodeAloneDecidesIdentity) {
     const CUnitPtr known = plain(freshSymbol(), freshHash())->canonical();
     const Tables before;
     const string_t other = freshSymbol();
     const auto candidate = plain(other, known->hashCode());
     EXPECT_EQ(candidate->canonical(), known);
-    EXPECT_EQ(CUnit::searchSymbol(other), nullptr) << "its symbol is dropped with it";
+    EXPECT_EQ(CUnit::searchSymbol(other), nullptr)
+        << "the symbol of the candidate is not registered";
     EXPECT_EQ(candidate->hashCode(), known->hashCode());
     EXPECT_EQ(Inside::id(candidate), 0);
-    EXPECT_EQ(plain("m", known->hashCode())->canonical(), known) << "even that of another unit";
+    EXPECT_EQ(plain("m", known->hashCode())->canonical(), known)
+        << "even if the symbol belongs to another unit";
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(GetInstance, AsksForTheSymbolOnlyWhereTheHashIsNew) {
+TEST(GetInstance, AsksForTheSymbolOnlyIfTheHashCodeIsNew) {
     const int hash = freshHash();
     const auto known = CClientUnit::make(freshSymbol(), hash);
     known->canonical();
@@ -236,7 +238,7 @@ TEST(GetInstance, AsksForTheSymbolOnlyWhereTheHashIsNew) {
     EXPECT_THAT(again->Asked, ElementsAre("calculateHashCode"));
 }
 
-TEST(GetInstance, DropsTheCandidateWhereTheUnitIsKnown) {
+TEST(GetInstance, DropsTheCandidateIfTheHashCodeIsKnown) {
     const CUnitPtr known = plain(freshSymbol(), freshHash())->canonical();
     std::shared_ptr<CPlainUnit> candidate = plain(freshSymbol(), known->hashCode());
     const std::weak_ptr<CUnit> weak = candidate;
@@ -245,7 +247,7 @@ TEST(GetInstance, DropsTheCandidateWhereTheUnitIsKnown) {
     EXPECT_TRUE(weak.expired());
 }
 
-TEST(GetInstance, KeepsTheUnitForTheRestOfTheProcess) {
+TEST(GetInstance, TheTableOwnsTheUnit) {
     std::shared_ptr<CPlainUnit> unit = plain(string_t(), freshHash());
     const std::weak_ptr<CUnit> weak = unit;
     const int hash = unit->canonical()->hashCode();
@@ -254,7 +256,7 @@ TEST(GetInstance, KeepsTheUnitForTheRestOfTheProcess) {
     EXPECT_EQ(CUnit::instances().at(hash), weak.lock());
 }
 
-TEST(GetInstance, KnowsAUnitWithoutSymbolByItsHashAlone) {
+TEST(GetInstance, RegistersAUnitWithoutSymbolByItsHashCode) {
     const std::size_t symbols = CUnit::symbols().size();
     const CUnitPtr unit = plain(string_t(), freshHash())->canonical();
     EXPECT_EQ(CUnit::symbols().size(), symbols);
@@ -262,17 +264,17 @@ TEST(GetInstance, KnowsAUnitWithoutSymbolByItsHashAlone) {
     EXPECT_EQ(plain(string_t(), unit->hashCode())->canonical(), unit);
 }
 
-TEST(GetInstance, TakesAnyIntAsAHash) {
+TEST(GetInstance, AcceptsAnyIntAsHashCode) {
     for (const int hash : {std::numeric_limits<int>::min(), -1, std::numeric_limits<int>::max()}) {
         const CUnitPtr unit = plain(string_t(), hash)->canonical();
         EXPECT_EQ(unit->hashCode(), hash);
         EXPECT_EQ(CUnit::instances().at(hash), unit);
     }
     EXPECT_EQ(plain(freshSymbol(), 0)->canonical(), CProductUnit::one())
-        << "a hash of zero is the dimensionless unit's";
+        << "the hash code 0 belongs to the dimensionless unit";
 }
 
-TEST(GetInstance, RefusesASymbolOfAnotherUnit) {
+TEST(GetInstance, RefusesTheSymbolOfAnotherUnit) {
     const struct {
         const char* Symbol;
         const char* Message;
@@ -288,7 +290,7 @@ TEST(GetInstance, RefusesASymbolOfAnotherUnit) {
     }
 }
 
-TEST(GetInstance, LeavesNothingBehindWhereItRefuses) {
+TEST(GetInstance, ARefusedUnitChangesNoTable) {
     const CUnitPtr metre = SI::Meter();
     std::shared_ptr<CPlainUnit> candidate = plain("m", freshHash());
     const std::weak_ptr<CUnit> weak = candidate;
@@ -304,10 +306,10 @@ TEST(GetInstance, LeavesNothingBehindWhereItRefuses) {
     EXPECT_TRUE(weak.expired());
 
     const CUnitPtr next = plain(string_t(), freshHash())->canonical();
-    EXPECT_EQ(Inside::id(next), numberOfUnits()) << "and no id is used up";
+    EXPECT_EQ(Inside::id(next), numberOfUnits()) << "the refusal used no id";
 }
 
-// As a transformed unit does, which asks for its converter when asked for its symbol.
+// A kind whose getSymbol() computes its converter, as in a transformed unit.
 class CAskingUnit : public CPlainUnit {
 public:
     using CPlainUnit::CPlainUnit;
@@ -323,7 +325,7 @@ public:
     bool Fails = false;
 };
 
-TEST(GetInstance, LeavesNothingBehindInTheCachesOfDimensionsWhereItRefuses) {
+TEST(GetInstance, ARefusedUnitLeavesNoEntryInTheTablesOfDimensions) {
     for (const bool fails : {false, true}) {
         auto candidate = std::make_shared<CAskingUnit>("m", freshHash());
         candidate->Fails = fails;
@@ -338,7 +340,7 @@ TEST(GetInstance, LeavesNothingBehindInTheCachesOfDimensionsWhereItRefuses) {
     }
 }
 
-TEST(GetInstance, LetsThroughWhatTheKindThrowsAndRegistersNothing) {
+TEST(GetInstance, PassesOnTheExceptionOfAKindAndRegistersNothing) {
     class CNoHash : public CPlainUnit {
     public:
         CNoHash() : CPlainUnit("x", 1) {}
@@ -354,7 +356,7 @@ TEST(GetInstance, LetsThroughWhatTheKindThrowsAndRegistersNothing) {
     EXPECT_EQ(Tables(), before);
     EXPECT_TRUE(isFree(CUnit::mutex()));
     noSymbol->Fails = false;
-    EXPECT_EQ(noSymbol->canonical(), noSymbol) << "a second attempt succeeds";
+    EXPECT_EQ(noSymbol->canonical(), noSymbol) << "the second call succeeds";
 }
 
 TEST(GetInstance, RefusesAnEmptyPointer) {
@@ -363,13 +365,13 @@ TEST(GetInstance, RefusesAnEmptyPointer) {
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(GetInstance, MayRegisterOtherUnitsOnTheWay) {
+TEST(GetInstance, AKindMayRegisterOtherUnitsMeanwhile) {
     class CBuilding : public CPlainUnit {
     public:
         using CPlainUnit::CPlainUnit;
         void calculateHashCode() override {
             CPlainUnit::calculateHashCode();
-            EXPECT_FALSE(isFree(mutex())) << "the kinds are asked under the lock";
+            EXPECT_FALSE(isFree(mutex())) << "the lock is held while a kind is called";
             Part = CBaseUnit::getInstance(freshSymbol());
         }
         CUnitPtr Part;
@@ -380,7 +382,7 @@ TEST(GetInstance, MayRegisterOtherUnitsOnTheWay) {
     EXPECT_TRUE(isFree(CUnit::mutex()));
 }
 
-TEST(ReadResolve, GivesTheCanonicalUnit) {
+TEST(ReadResolve, ReturnsTheRegisteredUnit) {
     const CUnitPtr known = plain(string_t(), freshHash())->canonical();
     EXPECT_EQ(plain(string_t(), known->hashCode())->resolved(), known);
     const auto unit = plain(string_t(), freshHash());
@@ -398,7 +400,7 @@ TEST(UnitMutex, IsRecursive) {
     EXPECT_FALSE(isFree(CUnit::mutex()));
 }
 
-TEST(UnitMutex, IsWaitedForByLookupsRegistrationAndDimensions) {
+TEST(UnitMutex, LookupsRegistrationAndDimensionsWaitForIt) {
     const CUnitPtr metre = SI::Meter();
     const auto unit = plain(string_t(), freshHash());
     const auto other = CClientUnit::make(string_t(), freshHash());
@@ -425,9 +427,9 @@ TEST(UnitMutex, IsWaitedForByLookupsRegistrationAndDimensions) {
     }
 }
 
-// ---- what every kind has unless it says otherwise
+// ---- functions that a kind need not override
 
-TEST(Unit, KnowsItsSymbolFromTheStartAndItsHashAndIdFromRegistration) {
+TEST(Unit, HasItsSymbolFromTheConstructorAndItsHashCodeAndIdFromRegistration) {
     const string_t symbol = freshSymbol();
     const auto unit = plain(symbol, freshHash());
     EXPECT_EQ(text(unit->getSymbol()), text(symbol));
@@ -441,7 +443,7 @@ TEST(Unit, KnowsItsSymbolFromTheStartAndItsHashAndIdFromRegistration) {
     EXPECT_EQ(Inside::id(unit), 4711);
     unit->calculateHashCode();
     EXPECT_NE(unit->hashCode(), 0);
-    EXPECT_EQ(CUnit::instances().count(unit->hashCode()), 0U) << "that does not register it";
+    EXPECT_EQ(CUnit::instances().count(unit->hashCode()), 0U) << "neither call registers it";
 }
 
 TEST(Unit, IsItsOwnOnlyFactor) {
@@ -455,7 +457,7 @@ TEST(Unit, IsItsOwnOnlyFactor) {
     }
 }
 
-TEST(Unit, HasNoBaseUnitsUnlessItsKindSaysSo) {
+TEST(Unit, HasNoBaseUnitsByDefault) {
     const string_t symbol = freshSymbol();
     const auto unit = plain(symbol, freshHash());
     const std::string rest = "] and Symbol [" + text(symbol) + "] is not a system unit";
@@ -474,7 +476,7 @@ TEST(Unit, HasNoBaseUnitsUnlessItsKindSaysSo) {
                 ThrowsMessage<std::logic_error>(StrEq("Unit with Id[ -5" + rest)));
 }
 
-TEST(Unit, IsASystemUnitWhereItIsItsOwn) {
+TEST(Unit, IsASystemUnitIfItIsItsOwnSystemUnit) {
     for (const CUnitPtr& unit :
          {CUnitPtr(SI::Meter()), SI::Newton(), SI::Radian(), CProductUnit::one(),
           SI::Meter() / SI::Second(), SI::Newton() * SI::Meter(), SI::Meter()->root(2),
@@ -491,7 +493,7 @@ TEST(Unit, IsASystemUnitWhereItIsItsOwn) {
     EXPECT_FALSE(client->isSystemUnit());
 }
 
-TEST(Unit, WithoutASharedOwnerCannotHandItselfOut) {
+TEST(Unit, ThrowsWithoutASharedOwner) {
     CPlainUnit onTheStack("x", 1);
     EXPECT_THROW(onTheStack.elements(), std::bad_weak_ptr);
     EXPECT_THROW(onTheStack.toString(), std::bad_weak_ptr);
@@ -502,7 +504,7 @@ TEST(Unit, WithoutASharedOwnerCannotHandItselfOut) {
     EXPECT_TRUE(isFree(CUnit::mutex()));
 }
 
-TEST(Unit, IsNeverCopied) {
+TEST(Unit, CannotBeCopied) {
     static_assert(std::is_abstract<CUnit>::value, "");
     static_assert(std::has_virtual_destructor<CUnit>::value, "");
     static_assert(!std::is_copy_constructible<CPlainUnit>::value, "");
@@ -523,7 +525,7 @@ TEST(UnitText, IsTheStandardNotation) {
     EXPECT_EQ(CUnit::fromString("m²")->toStdString(), "m\xC2\xB2");
 }
 
-TEST(UnitText, IsAppendedToWhatIsThere) {
+TEST(UnitText, AppendToKeepsTheGivenText) {
     for (const CUnitPtr& unit :
          {CUnitPtr(SI::Meter()), SI::Joule(), SI::Meter() / (SI::Second() ^ 2),
           CProductUnit::one() / (SI::Meter() * SI::Second()), SI::Celsius()}) {
@@ -534,7 +536,7 @@ TEST(UnitText, IsAppendedToWhatIsThere) {
     }
 }
 
-TEST(UnitText, OfAClientsKindIsItsLabelElseItsSymbolElseNone) {
+TEST(UnitText, OfAClientsKindIsItsLabelOrItsSymbolOrNone) {
     const string_t symbol = freshSymbol(), label = freshSymbol();
     const auto unit = plain(symbol, freshHash());
     unit->canonical();
@@ -552,7 +554,7 @@ TEST(UnitText, OfAClientsKindIsItsLabelElseItsSymbolElseNone) {
     }
 }
 
-TEST(UnitText, ReadsAsTheUnitAndRefusesWhatIsUnknown) {
+TEST(UnitText, ReadsAsTheUnitOrIsRefused) {
     EXPECT_EQ(CUnit::fromString("m"), SI::Meter());
     EXPECT_EQ(CUnit::fromString("m/s"), SI::Meter() / SI::Second());
     EXPECT_EQ(CUnit::fromString(""), CProductUnit::one());
@@ -564,9 +566,9 @@ TEST(UnitText, ReadsAsTheUnitAndRefusesWhatIsUnknown) {
     EXPECT_EQ(Tables(), before);
 }
 
-// ---- a client's kind among the others
+// ---- a client's kind
 
-TEST(ClientUnit, TakesPartInAlgebraAndConversion) {
+TEST(ClientUnit, WorksInAlgebraAndConversion) {
     const auto unit = CClientUnit::make(freshSymbol(), freshHash());
     unit->CtxDimension = [] { return SI::Meter(); };
     unit->CtxToDimension = [] { return std::make_shared<CScaling>(4); };
@@ -580,7 +582,7 @@ TEST(ClientUnit, TakesPartInAlgebraAndConversion) {
     EXPECT_THAT(speed, PrintsAs(text(unit->getSymbol()) + "/s"));
 }
 
-TEST(ClientUnit, MayHaveAScaleThatIsNotLinearButNotInAProduct) {
+TEST(ClientUnit, MayHaveANonLinearConverterExceptInAProduct) {
     const auto unit = CClientUnit::make(freshSymbol(), freshHash());
     unit->CtxDimension = [] { return SI::Meter(); };
     unit->CtxToDimension = [] { return std::make_shared<CSquare>(); };

@@ -1,4 +1,4 @@
-// ValueWithUnit_test.cpp: conversion, arithmetic, comparison and the text of quantities.
+// ValueWithUnit_test.cpp: conversion, arithmetic, comparison and the text of values with units.
 #include "mensor/ValueWithUnit.h"
 
 #include <cmath>
@@ -37,7 +37,7 @@ MATCHER_P2(IsQuantity, value, unit, "is " + exactly(value) + " " + unit->toStdSt
     return bitsOf(arg.value()) == bitsOf(value) && arg.unit() == unit;
 }
 
-TEST(ValueWithUnit, HoldsWhatItIsGiven) {
+TEST(ValueWithUnit, StoresItsNumberAndUnit) {
     EXPECT_THAT(metres(-2.5), IsQuantity(-2.5, metre));
     EXPECT_THAT(metres(-0.0), IsQuantity(-0.0, metre));
     EXPECT_THAT(metres(infinity), IsQuantity(infinity, metre));
@@ -45,7 +45,7 @@ TEST(ValueWithUnit, HoldsWhatItIsGiven) {
     EXPECT_EQ(CValueWithUnit(1, nullptr).unit(), nullptr);
 }
 
-TEST(ValueWithUnit, CopiesAreIndependentAndShareTheUnit) {
+TEST(ValueWithUnit, CopiesHaveTheirOwnNumberAndTheSameUnit) {
     const CValueWithUnit original = metres(2);
     CValueWithUnit copy = original;
     copy.setValue(3);
@@ -56,7 +56,7 @@ TEST(ValueWithUnit, CopiesAreIndependentAndShareTheUnit) {
     EXPECT_THAT(copy, IsQuantity(2.0, metre));
 }
 
-TEST(ValueWithUnit, SetUnitRelabelsAndChangeUnitConverts) {
+TEST(ValueWithUnit, SetUnitKeepsTheNumberAndChangeUnitConverts) {
     CValueWithUnit value = metres(1000);
     value.setUnit(kilometre);
     EXPECT_THAT(value, IsQuantity(1000.0, kilometre));
@@ -66,7 +66,7 @@ TEST(ValueWithUnit, SetUnitRelabelsAndChangeUnitConverts) {
     value.changeUnit(kilometre);
     EXPECT_THAT(value, IsQuantity(1.0, kilometre));
     value.setUnit(second);
-    EXPECT_THAT(value, IsQuantity(1.0, second)) << "no question of dimensions";
+    EXPECT_THAT(value, IsQuantity(1.0, second)) << "setUnit does not compare dimensions";
 }
 
 TEST(ValueWithUnit, ConvertsWithoutChangingItself) {
@@ -79,7 +79,7 @@ TEST(ValueWithUnit, ConvertsWithoutChangingItself) {
     EXPECT_THAT(kilometres(1e308).valueAs(metre), HasBitsOf(infinity));
 }
 
-TEST(ValueWithUnit, ConvertsTemperaturesAsAbsoluteOnes) {
+TEST(ValueWithUnit, ConvertsTemperaturesWithTheirOffset) {
     const CValueWithUnit zero(0, SI::Celsius());
     EXPECT_THAT(zero.valueAs(SI::Kelvin()), HasBitsOf(273.15));
     EXPECT_THAT(CValueWithUnit(0, SI::Kelvin()).valueAs(SI::Celsius()), HasBitsOf(-273.15));
@@ -88,7 +88,7 @@ TEST(ValueWithUnit, ConvertsTemperaturesAsAbsoluteOnes) {
                 IsQuantity(300 - (20 + 273.15), SI::Kelvin()));
 }
 
-TEST(ValueWithUnit, AddsAndSubtractsInTheUnitOfTheLeft) {
+TEST(ValueWithUnit, AddsAndSubtractsInTheUnitOfTheLeftValue) {
     EXPECT_THAT(kilometres(1) + metres(500), IsQuantity(1.5, kilometre));
     EXPECT_THAT(metres(500) + kilometres(1), IsQuantity(1500.0, metre));
     EXPECT_THAT(kilometres(1) - metres(500), IsQuantity(0.5, kilometre));
@@ -113,7 +113,7 @@ TEST(ValueWithUnit, AddsAndSubtractsInTheUnitOfTheLeft) {
     EXPECT_THAT(right, IsQuantity(500.0, metre));
 }
 
-TEST(ValueWithUnit, RefusesToMixDimensionsAndStaysAsItWas) {
+TEST(ValueWithUnit, RefusesOtherDimensionsAndDoesNotChange) {
     CValueWithUnit time(1, second);
     const CValueWithUnit way = metres(2);
     CValueWithUnit sum = way;
@@ -136,7 +136,7 @@ TEST(ValueWithUnit, RefusesToMixDimensionsAndStaysAsItWas) {
     EXPECT_THAT(sum, IsQuantity(2.0, metre));
 }
 
-TEST(ValueWithUnit, HasNoUseForAnEmptyUnitButHoldsIt) {
+TEST(ValueWithUnit, StoresAnEmptyUnitButRefusesToUseIt) {
     CValueWithUnit value = metres(2);
     EXPECT_THROW(value.valueAs(nullptr), std::invalid_argument);
     EXPECT_THROW(value.changeUnit(nullptr), std::invalid_argument);
@@ -147,7 +147,7 @@ TEST(ValueWithUnit, HasNoUseForAnEmptyUnitButHoldsIt) {
     EXPECT_THROW(static_cast<void>(value + metres(1)), std::invalid_argument);
 }
 
-TEST(ValueWithUnit, ComparesInTheUnitOfTheLeft) {
+TEST(ValueWithUnit, ComparesInTheUnitOfTheLeftValue) {
     EXPECT_TRUE(metres(1000) == kilometres(1));
     EXPECT_FALSE(metres(1000) != kilometres(1));
     EXPECT_TRUE(kilometres(1) == metres(1000));
@@ -169,11 +169,12 @@ struct Pair {
     bool AreEqual;
 };
 
-// 1e12 and its neighbours make the tolerance, a difference of one there, a number without rounding.
+// At 1e12 the tolerance is a difference of 1, which is exact.
 TEST(ValueWithUnit, IsEqualWithinATrillionthOfTheSmaller) {
     const double within = 1e12 + 1;
     const double beyond = std::nextafter(within, infinity);
-    const double below = 1e12 - 1;  // smaller, so its own trillionth, less than one, counts
+    const double below =
+        1e12 - 1;  // smaller, so the tolerance is its trillionth, which is less than 1
     for (const Pair& pair : std::vector<Pair>{
              {1e12, within, true},
              {1e12, beyond, false},
@@ -192,7 +193,7 @@ TEST(ValueWithUnit, IsEqualWithinATrillionthOfTheSmaller) {
              {denormal, 2 * denormal, false},
              {denormal, -denormal, false},
              {1, -1, false},
-             {infinity, infinity, false},  // their difference is no number
+             {infinity, infinity, false},  // their difference is NaN
              {infinity, -infinity, true},  // both sides of the comparison are infinite
              {infinity, 1e308, false},
              {nan, nan, false},
@@ -208,7 +209,7 @@ TEST(ValueWithUnit, IsEqualWithinATrillionthOfTheSmaller) {
             EXPECT_EQ(right == left, pair.AreEqual);
             EXPECT_EQ(left != right, !pair.AreEqual);
             EXPECT_EQ(right != left, !pair.AreEqual);
-            // The strict comparisons know no tolerance.
+            // The strict comparisons have no tolerance.
             EXPECT_EQ(left < right, left.value() < right.value());
             EXPECT_EQ(left > right, left.value() > right.value());
             EXPECT_EQ(right < left, right.value() < left.value());
@@ -226,14 +227,14 @@ template <class T>
 struct HasOrEqual<T, std::void_t<decltype(std::declval<T>() <= std::declval<T>())>>
     : std::true_type {};
 
-TEST(ValueWithUnit, HasNoComparisonBeyondTheFour) {
+TEST(ValueWithUnit, HasOnlyFourComparisons) {
     EXPECT_FALSE(HasOrEqual<CValueWithUnit>::value);
     EXPECT_TRUE(HasOrEqual<double>::value);
     EXPECT_FALSE(std::is_polymorphic_v<CValueWithUnit>);
     EXPECT_FALSE(std::is_polymorphic_v<Convert>);
 }
 
-TEST(ValueWithUnit, ConvertIsTheShortFormOfOneConversion) {
+TEST(ValueWithUnit, ConvertConvertsOneValue) {
     EXPECT_THAT(Convert(1.5, NonSI::Hour()).to(second), HasBitsOf(5400.0));
     EXPECT_THAT(Convert(-0.0, metre).to(metre), HasBitsOf(-0.0));
     EXPECT_THAT(Convert(infinity, kilometre).to(metre), HasBitsOf(infinity));
@@ -241,7 +242,7 @@ TEST(ValueWithUnit, ConvertIsTheShortFormOfOneConversion) {
     EXPECT_EQ(outcomeOf([] { Convert(1, second).to(metre); }), incompatible);
 }
 
-// The 63 bytes of the number and the rest behind them.
+// The field of 63 bytes with the number, and the rest.
 std::pair<std::string, std::string> fieldAndRest(const CValueWithUnit& value) {
     const std::string written = text(value.toString());
     return {written.substr(0, 63), written.substr(63)};
@@ -252,11 +253,12 @@ std::string zeroFilled(std::string digits) {
     return digits;
 }
 
-TEST(ValueWithUnit, WritesAZeroFilledFieldOf63BytesABlankAndTheUnit) {
+TEST(ValueWithUnit, WritesAFieldOf63BytesPaddedWithZerosABlankAndTheUnit) {
     const std::string written = text(metres(1.5).toString());
     EXPECT_EQ(written, "1.500000" + std::string(55, '\0') + " m");
     EXPECT_EQ(written.size(), 65U);
-    EXPECT_STREQ(metres(1.5).toString().c_str(), "1.500000") << "as a reader of C strings sees it";
+    EXPECT_STREQ(metres(1.5).toString().c_str(), "1.500000")
+        << "a reader of C strings sees only the number";
     for (const auto& [value, digits] : std::vector<std::pair<double, std::string>>{
              {0, "0.000000"},
              {-0.0, "-0.000000"},
@@ -264,7 +266,7 @@ TEST(ValueWithUnit, WritesAZeroFilledFieldOf63BytesABlankAndTheUnit) {
              {-1.25, "-1.250000"},
              {0.1, "0.100000"},
              {1e-7, "0.000000"},
-             {5e-7, "0.000000"},  // lies below the half
+             {5e-7, "0.000000"},  // less than half of the last digit
              {1.5e-6, "0.000002"},
              {9007199254740993, "9007199254740992.000000"},
              {1e22, "10000000000000000000000.000000"},
@@ -278,12 +280,12 @@ TEST(ValueWithUnit, WritesAZeroFilledFieldOf63BytesABlankAndTheUnit) {
     }
 }
 
-TEST(ValueWithUnit, CutsAHugeNumberOffAt63Characters) {
-    // 1e55 and 1e56 as the doubles they are, all digits.
+TEST(ValueWithUnit, CutsAHugeNumberAt63Characters) {
+    // All digits of the doubles 1e55 and 1e56.
     const std::string e55 = "10000000000000000102350670204085511496304388135324745728";
     const std::string e56 = "100000000000000009190283508143378238084034459715684532224";
     EXPECT_EQ(fieldAndRest(metres(1e55)), std::make_pair(e55 + ".000000", std::string(" m")))
-        << "fills the field to its last byte";
+        << "it fills the whole field";
     EXPECT_EQ(fieldAndRest(metres(1e56)), std::make_pair(e56 + ".00000", std::string(" m")));
     EXPECT_EQ(fieldAndRest(metres(-1e55)), std::make_pair('-' + e55 + ".00000", std::string(" m")));
     EXPECT_EQ(fieldAndRest(metres(1e300)),
@@ -332,23 +334,23 @@ TEST(ValueWithUnit, ReadsANumberABlankAndAUnit) {
              {"0x1p4 m", 16, metre},
              {"inf m", infinity, metre},
              {"-Infinity m", -infinity, metre},
-             // The longest piece that is a number counts
+             // The longest prefix that is a number counts
              {"5abc m", 5, metre},
              {"1.2.3 m", 1.2, metre},
              {"1,5 m", 1, metre},
              {"1e m", 1, metre},
-             // Only the blank divides, other white space before a number is skipped
+             // Only a blank separates. Other white space before a number is skipped
              {"\t\n 5", 0, nullptr},
              {"\t\n5 m", 5, metre},
-             // Pieces after the second do not count
+             // Parts after the second are ignored
              {"5 m s", 5, metre},
              {"5 m xyz", 5, metre},
              {"5 m ", 5, metre},
-             // An empty piece is the dimensionless unit
+             // An empty part is the dimensionless unit
              {"5 ", 5, one},
              {"5  m", 5, one},
              {"5 1", 5, one},
-             // Other white space is part of the unit's text, where it separates
+             // Other white space belongs to the text of the unit, in which it separates
              {"5 m\ts", 5, metre * second},
              {"5 m\n", 5, metre},
          }) {
@@ -363,10 +365,10 @@ TEST(ValueWithUnit, ReadsANumberABlankAndAUnit) {
     EXPECT_TRUE(std::isnan(CValueWithUnit::fromString("nan m").value()));
 }
 
-TEST(ValueWithUnit, RefusesTextsThatAreNoQuantity) {
+TEST(ValueWithUnit, RefusesTextsThatAreNoValueWithUnit) {
     for (const auto& [source, outcome] : std::vector<std::pair<std::string, std::string>>{
              {"x m", "std::invalid_argument: stod"},
-             {" 5 m", "std::invalid_argument: stod"},  // the first piece is empty
+             {" 5 m", "std::invalid_argument: stod"},  // the first part is empty
              {" m", "std::invalid_argument: stod"},
              {" ", "std::invalid_argument: stod"},
              {"- m", "std::invalid_argument: stod"},
@@ -386,7 +388,7 @@ TEST(ValueWithUnit, RefusesTextsThatAreNoQuantity) {
     }
 }
 
-TEST(ValueWithUnit, QuotesATextWithoutABlank) {
+TEST(ValueWithUnit, TheMessageQuotesATextWithoutABlank) {
     for (const std::string source : {"", "5", "5m", "km", "5\tm", "5\u00A0m", "xyz"}) {
         const std::string outcome = outcomeOf([&] { CValueWithUnit::fromString(source); });
         EXPECT_EQ(outcome.substr(0, 23), "std::invalid_argument: ") << source;
@@ -394,14 +396,14 @@ TEST(ValueWithUnit, QuotesATextWithoutABlank) {
     }
 }
 
-TEST(ValueWithUnit, ReadsNumbersBelowTheNormalAsStodDoes) {
+TEST(ValueWithUnit, ReadsSubnormalNumbersAsStodDoes) {
     EXPECT_THAT(CValueWithUnit::fromString("2.2250738585072014e-308 m"),
                 IsQuantity(std::numeric_limits<double>::min(), metre));
     for (const std::string number : {"2e-308", "1e-310", "-1e-310", "4.9406564584124654e-324"}) {
         const std::string expected = outcomeOf([&] { static_cast<void>(std::stod(number)); });
         EXPECT_EQ(outcomeOf([&] { CValueWithUnit::fromString(number + " m"); }), expected)
             << number;
-        EXPECT_EQ(expected, "std::out_of_range: stod") << "as the GNU C library reports them";
+        EXPECT_EQ(expected, "std::out_of_range: stod") << "the GNU C library reports them";
     }
 }
 

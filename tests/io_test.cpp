@@ -1,4 +1,4 @@
-// io_test.cpp: what units and values look like on a stream.
+// io_test.cpp: the text of units and values on a stream.
 #include "mensor/io.h"
 
 #include <gmock/gmock.h>
@@ -42,7 +42,7 @@ TEST(Io, WritesAUnitInTheStandardNotation) {
     EXPECT_EQ(written(SI::Meter() / SI::Meter()), "One");
 }
 
-TEST(Io, DescribesInBracketsWhatHasNoText) {
+TEST(Io, DescribesUnitsWithoutTextInBrackets) {
     EXPECT_EQ(written(SI::Meter() * 1609.344), "[m*1609.34]");
     EXPECT_EQ(written(NonSI::Bar() * 3), "[Pa*3*100000]");
     EXPECT_EQ(
@@ -53,7 +53,7 @@ TEST(Io, DescribesInBracketsWhatHasNoText) {
     EXPECT_EQ(written(CClientUnit::make("", 4711)->canonical()), "[unit without text]");
 }
 
-TEST(Io, NamesAFactorThatTheNotationWouldLeaveOut) {
+TEST(Io, DescribesAFactorThatTheNotationWouldOmit) {
     const CUnitPtr mile = SI::Meter() * 1609.344;
     const CUnitPtr speed = mile / SI::Second();
     ASSERT_EQ(speed->toStdString(), "1/s");
@@ -62,15 +62,15 @@ TEST(Io, NamesAFactorThatTheNotationWouldLeaveOut) {
     EXPECT_EQ(written(speed), "mi/s");
 }
 
-TEST(Io, HintsAtWhatIsLongOrOfAClientsMaking) {
-    class CSquare : public CConverter {
+TEST(Io, AbbreviatesLongChainsAndConvertersOfClients) {
+    class CQuadratic : public CConverter {
     public:
         CConverterPtr inverse() override { throw std::logic_error("none"); }
         double convert(double x) const override { return x * x + x; }
         double derivative(double x) const override { return 2 * x + 1.5; }
         bool isLinear() const override { return false; }
     };
-    EXPECT_EQ(written(CTransformedUnit::getInstance(SI::Mole(), std::make_shared<CSquare>())),
+    EXPECT_EQ(written(CTransformedUnit::getInstance(SI::Mole(), std::make_shared<CQuadratic>())),
               "[mol(?)]");
     CConverterPtr chain = std::make_shared<CMultiplyConverter>(1.5);
     for (int i = 0; i < 100000; ++i) {
@@ -80,25 +80,26 @@ TEST(Io, HintsAtWhatIsLongOrOfAClientsMaking) {
               "[cd*1.5*1*1*1*1*1*1*1...]");
 }
 
-TEST(Io, WritesWhatCannotEvenSayItsSymbol) {
-    // Its symbol asks for the converter to its dimension, which a factor with an offset has not.
+TEST(Io, DescribesAUnitWhoseGetSymbolThrows) {
+    // getSymbol() computes the converter to the dimension, which throws for a factor with an
+    // offset.
     const CUnitPtr unit = std::make_shared<CTransformedUnit>(
         SI::Celsius() * SI::Meter(), std::make_shared<CMultiplyConverter>(3));
     ASSERT_THROW(unit->getSymbol(), std::logic_error);
     EXPECT_EQ(written(unit), "[°C·m*3]");
 }
 
-TEST(Io, WritesPointersToTheKindsLikeUnits) {
+TEST(Io, WritesPointersToAllKindsOfUnits) {
     EXPECT_EQ(written(CBaseUnit::getInstance("m")), "m");
     EXPECT_EQ(written(CAlternateUnit::getInstance("N", SI::Newton())), "N");
     EXPECT_EQ(written(std::static_pointer_cast<CTransformedUnit>(CUnit::fromString("km"))), "km");
     EXPECT_EQ(written(CTransformedUnitPtr()), "[no unit]");
-    // Other pointers stay what they are.
+    // Other pointers are written as addresses.
     const auto number = std::make_shared<int>(1);
     EXPECT_EQ(written(number), written(number.get()));
 }
 
-TEST(Io, WritesTheNumberOfAValueAsTheStreamIsSet) {
+TEST(Io, WritesTheNumberOfAValueWithTheSettingsOfTheStream) {
     const CValueWithUnit value = CValueWithUnit::fromString("2.5 km");
     EXPECT_EQ(written(value), "2.5 km");
     EXPECT_EQ(written(CValueWithUnit(1.0 / 3, SI::Second())), "0.333333 s");
@@ -110,7 +111,7 @@ TEST(Io, WritesTheNumberOfAValueAsTheStreamIsSet) {
     EXPECT_EQ(stream.str(), "    2.50 km|   m|m  |");
 }
 
-TEST(Io, WritesTheNumberUnderTheStreamsLocale) {
+TEST(Io, WritesTheNumberWithTheLocaleOfTheStream) {
     struct Comma : std::numpunct<char> {
         char do_decimal_point() const override { return ','; }
     };

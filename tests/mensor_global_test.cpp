@@ -1,4 +1,4 @@
-// mensor_global_test.cpp: the bytes of texts, the hash on which identity rests, and the prefixes.
+// mensor_global_test.cpp: the bytes of texts, the hash codes of symbols, and the prefixes.
 #include "mensor/mensor_global.h"
 
 #include <cstdint>
@@ -20,19 +20,19 @@ constexpr int Largest = std::numeric_limits<int>::max();
 
 std::string nuls(std::size_t count) { return std::string(count, '\0'); }
 
-// A text of code points below 128, control characters and NUL included.
+// A text of code points below 128, including control characters and NUL.
 std::string ascii(std::initializer_list<char> codePoints) { return std::string(codePoints); }
 
 // ---- toStdString
 
-TEST(ToStdString, CopiesTheBytesAndCountsNoCodePoints) {
+TEST(ToStdString, CopiesAllBytes) {
     EXPECT_EQ(toStdString("µm"), "\xC2\xB5\x6D");
     EXPECT_EQ(toStdString("m²").size(), 3U);
     EXPECT_EQ(toStdString("\xE2\x84\xA6"), "\xE2\x84\xA6");
     EXPECT_EQ(toStdString(string_t()), "");
 }
 
-TEST(ToStdString, KeepsNulsAndMalformedBytesAsTheyAre) {
+TEST(ToStdString, KeepsNulsAndMalformedBytes) {
     for (const std::string& bytes :
          {std::string("k\0m", 3), nuls(4), std::string("m\xE2\x84"), std::string("\x80\xFF m")}) {
         EXPECT_EQ(toStdString(string_t(bytes)), bytes);
@@ -46,7 +46,7 @@ struct Hash {
     int Expected;
 };
 
-// The texts are so short that nothing is cut off: the plain sum.
+// These texts are so short that the sum fits an int.
 TEST(HashFromString, IsTheSumOfCodePointsTimesPowersOf31) {
     const Hash table[] = {
         {"", 0},      {"m", 109},      {"kg", 107 * 31 + 103}, {"mol", 109 * 961 + 111 * 31 + 108},
@@ -57,7 +57,7 @@ TEST(HashFromString, IsTheSumOfCodePointsTimesPowersOf31) {
     }
 }
 
-TEST(HashFromString, TakesCodePointsNotBytes) {
+TEST(HashFromString, UsesCodePointsNotBytes) {
     EXPECT_EQ(hashFromString("°"), 176);
     EXPECT_EQ(hashFromString("µm"), 181 * 31 + 109);
     EXPECT_EQ(hashFromString("\xE2\x84\xA6"), 0x2126) << "ohm sign";
@@ -70,7 +70,7 @@ TEST(HashFromString, DependsOnTheOrderOfTheCodePoints) {
 }
 
 // 75·31⁵ + 9·31³ + 30·31² + 12·31 + 1 is the largest int.
-TEST(HashFromString, IsCutOffAtTheLargestIntAndNotBefore) {
+TEST(HashFromString, EndsAtTheLargestInt) {
     EXPECT_EQ(hashFromString(ascii({75, 0, 9, 30, 12, 0})), Largest - 1);
     EXPECT_EQ(hashFromString(ascii({75, 0, 9, 30, 12, 1})), Largest);
     EXPECT_EQ(hashFromString(ascii({75, 0, 9, 30, 12, 2})), Largest);
@@ -90,23 +90,23 @@ TEST(HashFromString, OfEightCodePointsThatDoNotBeginWithNulIsTheLargestInt) {
     EXPECT_EQ(hashFromString(ascii({1}) + nuls(7)), Largest);
 }
 
-TEST(HashFromString, OnceCutOffStaysSo) {
+TEST(HashFromString, StaysAtTheLargestInt) {
     EXPECT_EQ(hashFromString("mmmmmmm" + nuls(1)), Largest);
     EXPECT_EQ(hashFromString("m" + nuls(200)), Largest);
 }
 
-TEST(HashFromString, TakesANulAsTheCodePointZero) {
+TEST(HashFromString, ReadsANulAsTheCodePointZero) {
     EXPECT_EQ(hashFromString(nuls(1)), 0);
-    EXPECT_EQ(hashFromString(nuls(10) + "m"), 109) << "leading zeros weigh nothing";
+    EXPECT_EQ(hashFromString(nuls(10) + "m"), 109) << "leading zeros add nothing";
     EXPECT_EQ(hashFromString("k" + nuls(1) + "m"), 107 * 961 + 109)
-        << "the text does not end there";
+        << "the text does not end at a NUL";
     EXPECT_EQ(hashFromString("m" + nuls(1)), 109 * 31);
 }
 
-// 31²⁰⁷ is the first power that is infinite, and zero times infinity is no number.
-TEST(HashFromString, BeginsAnewWhereNulMeetsAnInfinitePower) {
-    EXPECT_EQ(hashFromString("m" + nuls(207)), Largest) << "the first NUL is weighed with 31^206";
-    EXPECT_EQ(hashFromString("m" + nuls(208)), 0) << "the first NUL is weighed with 31^207";
+// 31²⁰⁷ is the first power that is infinite, and zero times infinity is NaN.
+TEST(HashFromString, IsZeroAfterANulTimesAnInfinitePower) {
+    EXPECT_EQ(hashFromString("m" + nuls(207)), Largest) << "the first NUL is multiplied by 31^206";
+    EXPECT_EQ(hashFromString("m" + nuls(208)), 0) << "the first NUL is multiplied by 31^207";
     EXPECT_EQ(hashFromString("m" + nuls(300)), 0);
     EXPECT_EQ(hashFromString("m" + nuls(300) + "kg"), 3420);
     EXPECT_EQ(hashFromString(nuls(300)), 0);
@@ -118,7 +118,7 @@ TEST(HashFromString, OfAVeryLongTextIsTheLargestInt) {
     EXPECT_EQ(hashFromString(std::string(10000, 'm')), Largest);
 }
 
-TEST(HashFromString, TakesTheRawByteWhereASequenceIsCutOffByTheEnd) {
+TEST(HashFromString, UsesTheRawByteOfAnIncompleteSequence) {
     EXPECT_EQ(hashFromString("\xC2"), 0xC2);
     EXPECT_EQ(hashFromString("m\xC2"), 109 * 31 + 0xC2);
     EXPECT_EQ(hashFromString("\xE2\x84"), 0xE2 * 31 + 0x84);
@@ -127,7 +127,7 @@ TEST(HashFromString, TakesTheRawByteWhereASequenceIsCutOffByTheEnd) {
     EXPECT_EQ(hashFromString(std::string("\xC2\0", 2)), 0x80) << "the NUL is within the text";
 }
 
-TEST(HashFromString, TakesTheLowSixBitsOfEachFurtherByteWhateverItIs) {
+TEST(HashFromString, UsesTheLowSixBitsOfEachFurtherByte) {
     EXPECT_EQ(hashFromString("\xC2m"), (0x02 << 6) + ('m' & 0x3F));
     EXPECT_EQ(hashFromString("\xE2\xC2\xB5"), (0x02 << 12) + (0x02 << 6) + 0x35);
 }
@@ -166,7 +166,7 @@ const PrefixRow Rows[] = {
     {YOCTO, 19, "y", 1e-24, 0x3af357c299a88ea7, SI::Yocto},
 };
 
-TEST(Prefixes, AreTheTwentyOfTheSiLargestFirst) {
+TEST(Prefixes, AreTheTwentyOfTheSIWithTheLargestFirst) {
     ASSERT_EQ(prefixes().size(), 20U);
     for (const PrefixRow& row : Rows) {
         SCOPED_TRACE(row.Symbol);
@@ -178,7 +178,7 @@ TEST(Prefixes, AreTheTwentyOfTheSiLargestFirst) {
     }
 }
 
-TEST(Prefixes, AreTheSameVectorAtEveryCallAndPrefixIsARowOfIt) {
+TEST(Prefixes, AreTheSameVectorAtEachCallAndPrefixReturnsARow) {
     EXPECT_EQ(&prefixes(), &prefixes());
     for (const PrefixRow& row : Rows) {
         EXPECT_EQ(&prefix(row.Prefix), &prefixes()[static_cast<std::size_t>(row.Value)]);
@@ -187,7 +187,7 @@ TEST(Prefixes, AreTheSameVectorAtEveryCallAndPrefixIsARowOfIt) {
     static_assert(std::is_same<decltype(prefix(KILO)), const CPrefix&>::value, "");
 }
 
-TEST(Prefixes, ArePlainRecordsThatAreCopied) {
+TEST(Prefixes, CanBeCopied) {
     CPrefix copy = prefix(KILO);
     copy.Factor = 2;
     copy.Symbol = "x";
@@ -196,7 +196,7 @@ TEST(Prefixes, ArePlainRecordsThatAreCopied) {
     static_assert(sizeof(ePrefix) == sizeof(int), "");
 }
 
-TEST(Prefixes, MicroIsOneCodePointAndDecaTheOnlyTwo) {
+TEST(Prefixes, MicroIsOneCodePointAndDecaIsTwo) {
     EXPECT_EQ(prefix(MICRO).Symbol.length(), 1U);
     EXPECT_EQ(prefix(MICRO).Symbol.size(), 2U);
     EXPECT_EQ(prefix(MICRO).Symbol[0], char_t{0xB5});
@@ -205,8 +205,8 @@ TEST(Prefixes, MicroIsOneCodePointAndDecaTheOnlyTwo) {
     }
 }
 
-// A unit of one's own: on the metre the registry has been before, and its units would be found.
-TEST(Prefixes, ScaleAUnitByTheFactorOfTheirRowAndDoNotLabelIt) {
+// A new unit, since the multiples of the metre are registered already.
+TEST(Prefixes, MultiplyAUnitByTheirFactorAndAttachNoLabel) {
     const CUnitPtr unit = CBaseUnit::getInstance(freshSymbol());
     for (const PrefixRow& row : Rows) {
         SCOPED_TRACE(row.Symbol);
@@ -218,7 +218,7 @@ TEST(Prefixes, ScaleAUnitByTheFactorOfTheirRowAndDoNotLabelIt) {
     }
 }
 
-TEST(Prefixes, OfTheMetreHaveTheirLabelsFromTheSameSymbolsAndFactors) {
+TEST(Prefixes, AreThePrefixesInTheLabelsOfTheMetre) {
     for (const PrefixRow& row : Rows) {
         SCOPED_TRACE(row.Symbol);
         const CUnitPtr scaled = CUnitFormat::unitFor(string_t(std::string(row.Symbol) + "m"));

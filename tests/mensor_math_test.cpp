@@ -1,4 +1,4 @@
-// mensor_math_test.cpp: the bits of a float and Euclid's rule, signs included.
+// mensor_math_test.cpp: the bits of a float, and Euclid's algorithm with its signs.
 #include "mensor/mensor_math.h"
 
 #include <gtest/gtest.h>
@@ -39,12 +39,12 @@ TEST(FloatToIntBits, AreTheIeee754BitsAsASignedInteger) {
     EXPECT_EQ(floatToIntBits(std::numeric_limits<float>::denorm_min()), 1);
 }
 
-TEST(FloatToIntBits, TellTheTwoZerosApart) {
+TEST(FloatToIntBits, DifferForTheTwoZeros) {
     EXPECT_EQ(floatToIntBits(0.0f), 0);
     EXPECT_EQ(floatToIntBits(-0.0f), Smallest);
 }
 
-TEST(FloatToIntBits, OfEveryNanAreThoseOfTheQuietOne) {
+TEST(FloatToIntBits, AreTheSameForAllNans) {
     for (const std::uint32_t bits : {0x7FC00000U, 0xFFC00000U, 0x7FC00001U, 0x7FFFFFFFU,
                                      0xFFFFFFFFU, 0x7F800001U, 0xFF800001U, 0x7FA00000U}) {
         ASSERT_TRUE(std::isnan(floatOf(bits)));
@@ -53,9 +53,9 @@ TEST(FloatToIntBits, OfEveryNanAreThoseOfTheQuietOne) {
     EXPECT_EQ(floatToIntBits(std::nanf("")), 2143289344);
 }
 
-TEST(FloatToIntBits, GiveBackEveryPatternThatIsANumber) {
+TEST(FloatToIntBits, AreThePatternOfEveryNumber) {
     constexpr std::uint32_t Step =
-        65521;  // a prime, so that all exponents and mantissas have a turn
+        65521;  // a prime, so that all exponents and many mantissas occur
     for (std::uint64_t bits = 0; bits <= 0xFFFFFFFFU; bits += Step) {
         const float f = floatOf(static_cast<std::uint32_t>(bits));
         if (!std::isnan(f)) {
@@ -79,7 +79,7 @@ TEST(GreatestCommonDivisor, HasTheSignOfTheLastDivisorThatIsNotZero) {
     }
 }
 
-TEST(GreatestCommonDivisor, DividesBothAndNoLargerNumberDoes) {
+TEST(GreatestCommonDivisor, IsTheLargestNumberThatDividesBoth) {
     for (int a = -40; a <= 40; ++a) {
         for (int b = -40; b <= 40; ++b) {
             const int divisor = std::abs(greatestCommonDivisor(a, b));
@@ -97,7 +97,7 @@ TEST(GreatestCommonDivisor, DividesBothAndNoLargerNumberDoes) {
     }
 }
 
-TEST(GreatestCommonDivisor, WorksAtTheEndsOfTheRange) {
+TEST(GreatestCommonDivisor, WorksAtTheLimitsOfInt) {
     EXPECT_EQ(greatestCommonDivisor(Largest, Largest), Largest);
     EXPECT_EQ(greatestCommonDivisor(Largest, Smallest), -1);
     EXPECT_EQ(greatestCommonDivisor(Smallest, 6), -2);
@@ -108,7 +108,7 @@ TEST(GreatestCommonDivisor, WorksAtTheEndsOfTheRange) {
     EXPECT_EQ(greatestCommonDivisor(Smallest, 1), 1);
 }
 
-// The quotient of these two does not fit an int, but the remainder is zero.
+// The quotient does not fit an int, but the remainder is 0.
 TEST(GreatestCommonDivisor, OfTheSmallestIntAndMinusOneIsMinusOne) {
     EXPECT_EQ(greatestCommonDivisor(Smallest, -1), -1);
     EXPECT_EQ(greatestCommonDivisor(-1, Smallest), -1);

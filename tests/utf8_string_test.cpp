@@ -1,5 +1,5 @@
-// utf8_string_test.cpp: our own string class: counting, indexing and cutting by code point, and
-// that all of them agree on malformed text.
+// utf8_string_test.cpp: counting, indexing and cutting texts by code point, and that all of these
+// agree on malformed text.
 #include "mensor/utf8_string.h"
 
 #include <gmock/gmock.h>
@@ -32,11 +32,11 @@ static_assert(std::is_nothrow_move_assignable_v<utf8_string>);
 static_assert(std::is_convertible_v<const char*, utf8_string>);
 static_assert(std::is_convertible_v<std::string, utf8_string>);
 static_assert(std::is_constructible_v<utf8_string, char32_t>);
-static_assert(!std::is_convertible_v<char32_t, utf8_string>);  // no text from a stray number
+static_assert(!std::is_convertible_v<char32_t, utf8_string>);  // no implicit conversion of a number
 
 std::u32string codePointsOf(const utf8_string& text) { return {text.begin(), text.end()}; }
 
-/// That every way to look at `text` shows the same code points.
+/// Expects that all functions of `text` give the same code points.
 void expectToAgree(const utf8_string& text) {
     const std::u32string codePoints = codePointsOf(text);
     ASSERT_EQ(text.length(), codePoints.size());
@@ -44,7 +44,8 @@ void expectToAgree(const utf8_string& text) {
     for (std::size_t i = 0; i < codePoints.size(); ++i) {
         ASSERT_EQ(text[i], codePoints[i]) << "index " << i;
         ASSERT_EQ(text.at(i), codePoints[i]) << "index " << i;
-        // One code point cut out of malformed text may, once alone, read as several: compare bytes.
+        // A code point that is cut out of malformed text may read as several, so the bytes are
+        // compared.
         joined.append(text.substr(i, 1));
         ASSERT_EQ(text.substr(0, i) + text.substr(i), text) << "index " << i;
     }
@@ -80,18 +81,16 @@ TEST(Utf8String, KeepsTheBytesOfAString) {
     EXPECT_EQ(text.cpp_str(), bytes);
     EXPECT_EQ(std::string(text.data(), text.size()), bytes);
     EXPECT_EQ(text.c_str()[3], '\0');
-    EXPECT_EQ(utf8_string(std::string(bytes)).cpp_str(), bytes);  // of a temporary, by value
+    EXPECT_EQ(utf8_string(std::string(bytes)).cpp_str(), bytes);  // by value for a temporary
     text = std::string("Ω");
     EXPECT_EQ(text[0], U'\u2126');
     text = "°C";
     EXPECT_EQ(text[0], U'°');
 }
 
-TEST(Utf8String, OfBytesWithoutASizeEndsAtTheFirstNul) {
-    EXPECT_EQ(utf8_string("k\0m").cpp_str(), "k");
-}
+TEST(Utf8String, FromAPointerEndsAtTheFirstNul) { EXPECT_EQ(utf8_string("k\0m").cpp_str(), "k"); }
 
-TEST(Utf8String, IsMadeOfOneCodePointOrManyEqual) {
+TEST(Utf8String, IsBuiltFromOneCodePointOrSeveralEqualOnes) {
     EXPECT_EQ(utf8_string(U'm'), "m");
     EXPECT_EQ(utf8_string(U'µ'), "µ");
     EXPECT_EQ(utf8_string(char32_t{0x1F30D}).size(), 4u);
@@ -102,7 +101,7 @@ TEST(Utf8String, IsMadeOfOneCodePointOrManyEqual) {
     EXPECT_EQ(utf8_string(0, U'Ω'), "");
 }
 
-TEST(Utf8String, IsCopiedAndMoved) {
+TEST(Utf8String, CanBeCopiedAndMoved) {
     utf8_string text("a text too long for the object itself");
     utf8_string copy(text);
     EXPECT_EQ(copy, text);
@@ -116,7 +115,7 @@ TEST(Utf8String, IsCopiedAndMoved) {
     EXPECT_EQ(text, moved);
 }
 
-TEST(Utf8String, KeepsAShortTextInTheObjectItself) {
+TEST(Utf8String, StoresAShortTextInsideTheObject) {
     const utf8_string text("kg·m²/s²");
     const auto inside = [&](const void* p) {
         const std::less<const void*> before;
@@ -135,7 +134,7 @@ TEST(Utf8String, ReadsMalformedTextAsTheDecoderDoes) {
     }
 }
 
-TEST(Utf8String, AgreesWithItselfOnEveryShortMixtureOfBytes) {
+TEST(Utf8String, ItsFunctionsAgreeOnEveryShortMixtureOfBytes) {
     const std::vector<std::string> texts = test::shortTexts(
         test::bytes({0x00, 'm', 0x7F, 0x80, 0xBF, 0xC2, 0xDF, 0xE2, 0xF0, 0xF8, 0xFC, 0xFE, 0xFF}));
     ASSERT_EQ(texts.size(), 1u + 13 + 13 * 13 + 13 * 13 * 13);
@@ -147,7 +146,7 @@ TEST(Utf8String, AgreesWithItselfOnEveryShortMixtureOfBytes) {
     }
 }
 
-TEST(Utf8String, AtPastTheEndNamesTheIndex) {
+TEST(Utf8String, AtPastTheEndThrowsAMessageWithTheIndex) {
     const utf8_string text("m/s²");
     EXPECT_THAT([&] { text.at(4); }, ThrowsMessage<std::out_of_range>(StrEq(
                                          "utf8_string::at: index 4 in a text of 4 code points")));
@@ -156,13 +155,13 @@ TEST(Utf8String, AtPastTheEndNamesTheIndex) {
                     StrEq("utf8_string::at: index 0 in a text of 0 code points")));
 }
 
-TEST(Utf8String, IndexedPastTheEndGivesNul) {
+TEST(Utf8String, IndexingPastTheEndReturnsNul) {
     const utf8_string text("s²");
     EXPECT_EQ(text[2], U'\0');
     EXPECT_EQ(text[1000000], U'\0');
 }
 
-TEST(Utf8String, IsCutByCodePoints) {
+TEST(Utf8String, SubstrCountsCodePoints) {
     const utf8_string text("µm²·Ω");
     EXPECT_EQ(text.substr(0), text);
     EXPECT_EQ(text.substr(0, 0), "");
@@ -177,7 +176,7 @@ TEST(Utf8String, IsCutByCodePoints) {
     EXPECT_EQ(utf8_string(std::string("a\0b", 3)).substr(1), utf8_string(std::string("\0b", 2)));
 }
 
-TEST(Utf8String, GrowsAtTheEnd) {
+TEST(Utf8String, CanBeAppendedTo) {
     utf8_string text("m");
     text.push_back(U'²');
     EXPECT_EQ(text, "m²");
@@ -195,7 +194,7 @@ TEST(Utf8String, GrowsAtTheEnd) {
     EXPECT_EQ(text[10], U'\uFFFD');
 }
 
-TEST(Utf8String, MayBeAppendedToItself) {
+TEST(Utf8String, CanBeAppendedToItself) {
     utf8_string text("µ");
     for (int i = 0; i < 5; ++i)
         text.append(text);
@@ -204,7 +203,7 @@ TEST(Utf8String, MayBeAppendedToItself) {
     EXPECT_EQ(text, utf8_string(64, U'µ'));
 }
 
-TEST(Utf8String, IsJoinedWithTextsBytesAndCodePoints) {
+TEST(Utf8String, CanBeConcatenatedWithTextsBytesAndCodePoints) {
     const utf8_string metre("m");
     EXPECT_EQ(metre + metre, "mm");
     EXPECT_EQ(metre + "²", "m²");
@@ -215,7 +214,7 @@ TEST(Utf8String, IsJoinedWithTextsBytesAndCodePoints) {
     EXPECT_EQ(metre, "m");
 }
 
-TEST(Utf8String, ComparesWithBytesOnEitherSide) {
+TEST(Utf8String, ComparesWithBytesOnBothSides) {
     const utf8_string text("m");
     EXPECT_TRUE(text == "m" && "m" == text && text == utf8_string("m"));
     EXPECT_FALSE(text == "s" || "s" == text || text == utf8_string("s"));
@@ -255,7 +254,7 @@ TEST(Utf8String, IsOrderedByCodePoints) {
         }
 }
 
-TEST(Utf8String, IsAKeyOfMaps) {
+TEST(Utf8String, CanBeAKeyOfMaps) {
     std::unordered_map<utf8_string, int> hashed;
     std::map<utf8_string, int> ordered;
     int n = 0;
@@ -274,7 +273,7 @@ TEST(Utf8String, IsAKeyOfMaps) {
     EXPECT_EQ(std::hash<utf8_string>()("Ω"), std::hash<utf8_string>()(utf8_string(U'\u2126')));
 }
 
-TEST(Utf8String, IsIteratedByCodePoints) {
+TEST(Utf8String, IteratesOverCodePoints) {
     using Iterator = utf8_string::const_iterator;
     static_assert(std::is_same_v<std::iterator_traits<Iterator>::value_type, char32_t>);
     const utf8_string text("m·µ");
@@ -285,8 +284,8 @@ TEST(Utf8String, IsIteratedByCodePoints) {
     EXPECT_EQ(*++it, U'µ');
     EXPECT_NE(it, text.end());
     EXPECT_EQ(++it, text.end());
-    EXPECT_EQ(*it, U'\0');        // harmless at the end
-    EXPECT_EQ(++it, text.end());  // and stays there
+    EXPECT_EQ(*it, U'\0');        // 0 at the end
+    EXPECT_EQ(++it, text.end());  // stays at the end
     EXPECT_EQ(Iterator(), Iterator());
     it = text.end();
     EXPECT_EQ(*it, U'\0');
@@ -299,7 +298,7 @@ TEST(Utf8String, IsIteratedByCodePoints) {
     EXPECT_EQ(seen, U"m·µ");
 }
 
-TEST(Utf8String, IsWrittenLikeAString) {
+TEST(Utf8String, IsWrittenLikeAStdString) {
     const std::string bytes = "µ" + std::string("\0m", 2);
     std::ostringstream plain, padded, expected;
     plain << utf8_string(bytes) << '|';

@@ -1,5 +1,4 @@
-// utf8_test.cpp: which code points bytes read as, whatever is wrong with them, and how code points
-// are written.
+// utf8_test.cpp: the code points of good and malformed bytes, and how code points are written.
 #include "mensor/utf8.h"
 
 #include <gmock/gmock.h>
@@ -28,7 +27,7 @@ std::u32string decodeAll(const char* position, const char* end) {
     return result;
 }
 
-TEST(Utf8, ReadsEveryTextAsItsCodePoints) {
+TEST(Utf8, ReadsTheCodePointsOfEveryText) {
     for (const test::Utf8Text& text : test::utf8Texts()) {
         SCOPED_TRACE(text.What);
         EXPECT_EQ(decodeAll(text.Bytes.data(), text.Bytes.data() + text.Bytes.size()),
@@ -36,19 +35,19 @@ TEST(Utf8, ReadsEveryTextAsItsCodePoints) {
     }
 }
 
-TEST(Utf8, ReadsNothingBehindTheEnd) {
+TEST(Utf8, ReadsNothingPastTheEnd) {
     for (const test::Utf8Text& text : test::utf8Texts()) {
         SCOPED_TRACE(text.What);
-        // Continuation bytes that would complete a sequence which the end cuts off.
+        // Continuation bytes after the end would complete the sequence.
         const std::string longer = text.Bytes + std::string(6, '\xBF');
         EXPECT_EQ(decodeAll(longer.data(), longer.data() + text.Bytes.size()), text.CodePoints);
-        // Not even a NUL behind the last byte: the address sanitizer sees every read too many.
+        // No NUL follows the last byte, so AddressSanitizer reports any read past the end.
         const std::vector<char> exact(text.Bytes.begin(), text.Bytes.end());
         EXPECT_EQ(decodeAll(exact.data(), exact.data() + exact.size()), text.CodePoints);
     }
 }
 
-TEST(Utf8, AtTheEndReadsNulAndStays) {
+TEST(Utf8, AtTheEndReturnsNulAndStays) {
     const std::string text = "m";
     const char* const end = text.data() + text.size();
     const char* position = end;
@@ -78,7 +77,7 @@ TEST(Utf8, WritesTheShortestForm) {
         {0x3FFFFFF, test::bytes({0xFB, 0xBF, 0xBF, 0xBF, 0xBF})},
         {0x4000000, test::bytes({0xFC, 0x84, 0x80, 0x80, 0x80, 0x80})},
         {0x7FFFFFFF, test::bytes({0xFD, 0xBF, 0xBF, 0xBF, 0xBF, 0xBF})},
-        // more than six bytes hold: the replacement character
+        // does not fit six bytes: the replacement character
         {0x80000000, test::bytes({0xEF, 0xBF, 0xBD})},
         {0xFFFFFFFF, test::bytes({0xEF, 0xBF, 0xBD})},
     };

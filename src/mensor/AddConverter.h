@@ -33,12 +33,12 @@ public:
     /// Whether `other` is an offset converter with the same offset in single precision.
     bool equals(CConverterPtr other) const override;
 
-    /// If `other` is an offset converter, a new one with the sum of both offsets. Otherwise the function of the
-    /// base class. Only a call through this class runs it, since it is not virtual.
+    /// If `other` is an offset converter, a new one with the sum of both offsets. Otherwise the
+    /// function of the base class. Only a call through this class runs it, since it is not virtual.
     CConverterPtr concatenate(CConverterPtr other);
 
-    /// The bits of the offset in single precision. Only a call through this class runs it. The identity of
-    /// units uses the function of the base class, which is the same for all offsets.
+    /// The bits of the offset in single precision. Only a call through this class runs it. The
+    /// identity of units uses the function of the base class, which is the same for all offsets.
     int hashCode() const;
 
     /// "[K+273.15]": the unit's symbol and the offset with six significant digits.

@@ -23,8 +23,8 @@ CAlternateUnitPtr CAlternateUnit::getInstance(const string_t& symbol, CUnitPtr p
     if (dynamic_cast<CBaseUnit*>(unit.get()) != nullptr && unit->getSymbol() == symbol) {
         throwSymbolIsTaken(symbol);
     }
-    // The hash code may belong to a unit of another kind. The result still points at it as an alternate unit.
-    // All functions that are called through the pointer are virtual.
+    // The hash code may belong to a unit of another kind. The result still points at it as an
+    // alternate unit. All functions that are called through the pointer are virtual.
     return CAlternateUnitPtr(unit, reinterpret_cast<CAlternateUnit*>(unit.get()));
 }
 

@@ -25,8 +25,8 @@ public:
     CAlternateUnit(string_t symbol, CUnitPtr baseUnits);
     ~CAlternateUnit() override;
 
-    /// Returns the alternate unit with this symbol, and registers it if it is new. A known symbol returns its
-    /// unit, even if `parent` is another one this time.
+    /// Returns the alternate unit with this symbol, and registers it if it is new. A known symbol
+    /// returns its unit, even if `parent` is another one this time.
     /// @throws std::logic_error  `parent` is not a system unit, or "The symbol: m is currently
     ///     associated to another unit.".
     /// @throws std::invalid_argument  `parent` is empty.

@@ -13,8 +13,8 @@ CBaseUnit::~CBaseUnit() = default;
 
 CBaseUnitPtr CBaseUnit::getInstance(const string_t& symbol) {
     CUnitPtr unit = CUnit::getInstance(CUnitPtr(new CBaseUnit(symbol)));
-    // The hash code may belong to a unit of another kind. The result still points at it as a base unit, and
-    // no function that is called through the pointer may rely on that.
+    // The hash code may belong to a unit of another kind. The result still points at it as a base
+    // unit, and no function that is called through the pointer may rely on that.
     return CBaseUnitPtr(unit, reinterpret_cast<CBaseUnit*>(unit.get()));
 }
 
@@ -38,8 +38,8 @@ CUnitPtr CBaseUnit::getBaseUnits() { return shared_from_this(); }
 
 void CBaseUnit::calculateHashCode() { m_HashCode = hashFromString(m_Symbol); }
 
-// A base unit without a dimension is its own dimension. That is not stored, so that concurrent calls write
-// nothing and the unit does not own itself.
+// A base unit without a dimension is its own dimension. That is not stored, so that concurrent
+// calls write nothing and the unit does not own itself.
 CUnitPtr CBaseUnit::getCtxDimension() { return m_Dimension ? m_Dimension : shared_from_this(); }
 
 CUnitPtr CBaseUnit::getSystemUnit() { return shared_from_this(); }

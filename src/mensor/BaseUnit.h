@@ -25,15 +25,15 @@ public:
 
     /// The base unit with this symbol, registered now if it is new.
     ///
-    /// Use at most five code points: longer symbols may have the same hash code, which alone decides identity.
-    /// If the hash code belongs to a unit of another kind, the result points at that unit, and `setDimension`
-    /// refuses it.
+    /// Use at most five code points: longer symbols may have the same hash code, which alone
+    /// decides identity. If the hash code belongs to a unit of another kind, the result points at
+    /// that unit, and `setDimension` refuses it.
     /// @throws std::logic_error  "The symbol: x is currently associated to another unit.".
     /// @par Threads  Any thread, locks mutex().
     static CBaseUnitPtr getInstance(const string_t& symbol);
 
-    /// Sets the dimension of this base unit, and the converter to it. Clears all cached dimensions and
-    /// converters, so that every unit that depends on this one follows.
+    /// Sets the dimension of this base unit, and the converter to it. Clears all cached dimensions
+    /// and converters, so that every unit that depends on this one follows.
     ///
     /// Empty pointers restore the default: the unit itself and the identity converter.
     /// @throws std::logic_error  this object is a unit of another kind, see `getInstance`.

@@ -40,8 +40,8 @@ const CConverterPtr& Chain::second(const CCompound& compound) {
 }
 
 void Chain::invertSecond(const CCompound& compound) {
-    // Recursive, because the converter to invert may itself have a second step to invert. All converters
-    // below are of the library's own classes and take no other lock.
+    // Recursive, because the converter to invert may itself have a second step to invert. All
+    // converters below are of the library's own classes and take no other lock.
     static std::recursive_mutex mutex;
     const Lock lock(mutex);
     if (!compound.m_SecondIsReady.load(std::memory_order_relaxed)) {

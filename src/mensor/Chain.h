@@ -1,7 +1,7 @@
 // Chain.h: walks over chains of compound converters. Not installed.
 //
-// A chain may be of any length, so no function here needs a stack in proportion to it: the first levels
-// of a chain are visited by recursion, which is fast, and the levels below with a list.
+// A chain may be of any length, so no function here needs a stack in proportion to it: the first
+// levels of a chain are visited by recursion, which is fast, and the levels below with a list.
 #ifndef MENSOR_CHAIN_H
 #define MENSOR_CHAIN_H
 
@@ -13,8 +13,8 @@ namespace mensor::detail {
 struct Chain {
     static constexpr int RecursionLevels = 16;
 
-    // The compound, or null if the converter is of another class. A class that a client derives from
-    // CCompound is another class: it may convert in its own way.
+    // The compound, or null if the converter is of another class. A class that a client derives
+    // from CCompound is another class: it may convert in its own way.
     static const CCompound* asCompound(const CConverter& converter) {
         return isExactly<CCompound>(converter) ? static_cast<const CCompound*>(&converter)
                                                : nullptr;
@@ -23,16 +23,16 @@ struct Chain {
     // The second step. Inverts it first if the compound was made by throughInverse().
     static const CConverterPtr& second(const CCompound& compound);
 
-    // toInvert->inverse()->concatenate(first), for the converter to a unit, which ends with the inverse of
-    // the converter from that unit. If all steps are of the library's own classes, they are inverted when
-    // the second step is first asked for. A client cannot see the difference.
+    // toInvert->inverse()->concatenate(first), for the converter to a unit, which ends with the
+    // inverse of the converter from that unit. If all steps are of the library's own classes, they
+    // are inverted when the second step is first asked for. A client cannot see the difference.
     static CConverterPtr throughInverse(const CConverterPtr& first, const CConverterPtr& toInvert);
 
     // The value of a chain that has no plan.
     static double convert(const CCompound& chain, double x);
 
-    // The slope of `converter` at `x`. Sets `x` to its value there, unless it is the last step. The slopes
-    // are multiplied in the order of the nesting, because the order decides the last bits.
+    // The slope of `converter` at `x`. Sets `x` to its value there, unless it is the last step. The
+    // slopes are multiplied in the order of the nesting, because the order decides the last bits.
     static double slope(const CConverter& converter, double& x, bool isLast,
                         int levels = RecursionLevels);
 

@@ -1,5 +1,5 @@
-// Converter.cpp: the base of converters, the identity, compounds and Convert. Chain.cpp walks over chains
-// of compounds, FlatPlan.cpp runs them.
+// Converter.cpp: the base of converters, the identity, compounds and Convert. Chain.cpp walks over
+// chains of compounds, FlatPlan.cpp runs them.
 #include "mensor/Converter.h"
 
 #include <cstring>
@@ -102,10 +102,11 @@ bool isLastOwnerOfCompound(const CConverterPtr& converter) {
 
 }  // namespace
 
-// Destroys a chain of any length without recursion, which would need a stack as deep as the chain, and
-// without a list, because there may be no memory for it. Compounds on the first step are rotated,
-// ((a b) c) to (a (b c)), until the first step is none, and then taken off one by one. The pointers are
-// copied, not moved: use_count() does not synchronise with former owners, but a copy does.
+// Destroys a chain of any length without recursion, which would need a stack as deep as the chain,
+// and without a list, because there may be no memory for it. Compounds on the first step are
+// rotated, ((a b) c) to (a (b c)), until the first step is none, and then taken off one by one. The
+// pointers are copied, not moved: use_count() does not synchronise with former owners, but a copy
+// does.
 CCompound::~CCompound() {
     while (true) {
         if (isLastOwnerOfCompound(m_First)) {
@@ -151,8 +152,8 @@ bool CCompound::isLinear() const {
     while (const CCompound* compound = Chain::asCompound(*first)) {
         first = compound->m_First.get();
     }
-    // The first step is asked twice and the second never. A client's class can observe this, and the
-    // identity of units depends on the answer.
+    // The first step is asked twice and the second never. A client's class can observe this, and
+    // the identity of units depends on the answer.
     return first->isLinear() && first->isLinear();
 }
 

@@ -7,8 +7,8 @@
 //     Convert(2.5, CUnit::fromString("km")).to(SI::Meter());  // 2500
 //
 // a->concatenate(b) applies b first and then a. Converters are immutable once built; any thread may
-// share them. Only CIdentity::inverse and concatenate need the object to be owned by a shared pointer,
-// because they may return the object itself.
+// share them. Only CIdentity::inverse and concatenate need the object to be owned by a shared
+// pointer, because they may return the object itself.
 #ifndef MENSOR_CONVERTER_H
 #define MENSOR_CONVERTER_H
 
@@ -52,17 +52,18 @@ public:
 
     /// Whether `other` is the same scaling: both linear, slopes equal in single precision.
     ///
-    /// Slopes are compared as floats on purpose, which allows for rounding. An empty pointer gives false.
+    /// Slopes are compared as floats on purpose, which allows for rounding. An empty pointer gives
+    /// false.
     virtual bool equals(CConverterPtr other) const;
 
-    /// The bits of the slope at zero in single precision. All pure offsets have the same hash, that of
-    /// the slope 1.
+    /// The bits of the slope at zero in single precision. All pure offsets have the same hash, that
+    /// of the slope 1.
     int hashCode() const;
 
     /// The converter that applies `other` first and then this one.
     ///
-    /// Returns this object when `other` is `identity()`, otherwise a new `CCompound(other, this)`. Constants
-    /// are not combined, so the shape of a chain tells how it was made.
+    /// Returns this object when `other` is `identity()`, otherwise a new `CCompound(other, this)`.
+    /// Constants are not combined, so the shape of a chain tells how it was made.
     /// @throws std::bad_weak_ptr  this object is not owned by a shared pointer.
     CConverterPtr concatenate(CConverterPtr other);
 
@@ -76,15 +77,16 @@ public:
     ///     Nothing is written then.
     void convertAll(const double* values, double* results, std::size_t count) const;
 
-    /// Returns the empty text. Only AddConverter and MultiplyConverter have a notation, and the function is
-    /// not virtual.
+    /// Returns the empty text. Only AddConverter and MultiplyConverter have a notation, and the
+    /// function is not virtual.
     string_t getSymbol(CUnitPtr unit) const;
 
     /// The identity converter. There is one object in the process, so its address identifies it.
     static CConverterPtr identity();
 
 protected:
-    /// Does the work of `convertAll` after the arrays are checked. The default calls `convert` for each.
+    /// Does the work of `convertAll` after the arrays are checked. The default calls `convert` for
+    /// each.
     virtual void convertArray(const double* values, double* results, std::size_t count) const;
 
     CConverter();
@@ -107,8 +109,8 @@ public:
     double derivative(double x) const override;
     bool isLinear() const override;
 
-    /// Returns `other`. Only a call through a pointer to CIdentity runs this, since `concatenate` is not
-    /// virtual.
+    /// Returns `other`. Only a call through a pointer to CIdentity runs this, since `concatenate`
+    /// is not virtual.
     CConverterPtr concatenate(CConverterPtr other);
 
 protected:
@@ -117,10 +119,11 @@ protected:
 
 /// Two converters one after the other, made by `concatenate`.
 ///
-/// A chain may have any length. Converting, inverting, comparing and destroying it needs a bounded stack.
+/// A chain may have any length. Converting, inverting, comparing and destroying it needs a bounded
+/// stack.
 ///
-/// Class contract: any thread. The second step of a converter between units may be computed when it is
-/// first asked for, under a lock of its own.
+/// Class contract: any thread. The second step of a converter between units may be computed when it
+/// is first asked for, under a lock of its own.
 class MENSOR_API CCompound : public CConverter {
 public:
     /// The converter that applies `first` and then `second`.
@@ -133,11 +136,11 @@ public:
     /// A new compound of the inverses in reverse order.
     CConverterPtr inverse() override;
     double convert(double x) const override;
-    /// The chain rule: the slope of the first step at `x`, times the slope of the second step at the value
-    /// of the first.
+    /// The chain rule: the slope of the first step at `x`, times the slope of the second step at
+    /// the value of the first.
     double derivative(double x) const override;
-    /// Whether the first step is linear. The second step is not asked, so a scaling followed by an offset
-    /// counts as linear.
+    /// Whether the first step is linear. The second step is not asked, so a scaling followed by an
+    /// offset counts as linear.
     bool isLinear() const override;
     /// Whether `other` is a compound and its steps equal these, pair by pair.
     bool equals(CConverterPtr other) const override;

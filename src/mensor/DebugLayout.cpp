@@ -12,7 +12,8 @@
 #include "mensor/UnitRationalPower.h"
 #include "mensor/ValueWithUnit.h"
 
-// Both compilers support offsetof in classes with virtual functions, as long as no base class is virtual.
+// Both compilers support offsetof in classes with virtual functions, as long as no base class is
+// virtual.
 #pragma GCC diagnostic ignored "-Winvalid-offsetof"
 
 namespace mensor {

@@ -1,9 +1,9 @@
 // DebugLayout.h: the offsets of the members that a debugger shows. Not installed.
 //
-// A stripped library has no debug information, and that of a program covers only the classes whose headers it
-// includes. So the library contains this table. The printers (tools/gdb/mensor_gdb.py) look up its exported name
-// and read everything else from memory. They call no function, so they work on a process that is stopped
-// anywhere and on a core file.
+// A stripped library has no debug information, and that of a program covers only the classes whose
+// headers it includes. So the library contains this table. The printers (tools/gdb/mensor_gdb.py)
+// look up its exported name and read everything else from memory. They call no function, so they
+// work on a process that is stopped anywhere and on a core file.
 #ifndef MENSOR_DEBUGLAYOUT_H
 #define MENSOR_DEBUGLAYOUT_H
 
@@ -13,8 +13,8 @@
 
 namespace mensor::detail {
 
-// All fields are machine words, and the printers know their order. Offsets are in bytes. To change a field or
-// its meaning, change the version here and in the printers.
+// All fields are machine words, and the printers know their order. Offsets are in bytes. To change
+// a field or its meaning, change the version here and in the printers.
 struct DebugLayout {
     static constexpr std::uintptr_t CurrentVersion = 1;
 

@@ -13,8 +13,8 @@ namespace mensor::detail {
 
 namespace {
 
-// Writes the path of the module to `path`, which has room for PATH_MAX bytes. The module is in a folder next to
-// the file of this library; symbolic links to the library are followed first.
+// Writes the path of the module to `path`, which has room for PATH_MAX bytes. The module is in a
+// folder next to the file of this library; symbolic links to the library are followed first.
 bool findModule(char* path) {
     Dl_info library;
     if (dladdr(reinterpret_cast<const void*>(&reportFailure), &library) == 0 ||
@@ -29,10 +29,11 @@ bool findModule(char* path) {
     return true;
 }
 
-// Whether log4cplus is in the process, but its static initialisers have not run. A program that links both
-// libraries may initialise this one first. Then log4cplus cannot be configured yet, and even dlopen() with
-// RTLD_NOLOAD would initialise it. The bytes of a constant std::string of log4cplus are zero until it is
-// initialised. If the constant is not found, log4cplus was loaded separately and so is initialised.
+// Whether log4cplus is in the process, but its static initialisers have not run. A program that
+// links both libraries may initialise this one first. Then log4cplus cannot be configured yet, and
+// even dlopen() with RTLD_NOLOAD would initialise it. The bytes of a constant std::string of
+// log4cplus are zero until it is initialised. If the constant is not found, log4cplus was loaded
+// separately and so is initialised.
 bool isNotInitialised() {
     const void* const empty = dlsym(RTLD_DEFAULT, "_ZN9log4cplus8internal9empty_strB5cxx11E");
     return empty != nullptr && static_cast<const std::string*>(empty)->data() == nullptr;

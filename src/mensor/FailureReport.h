@@ -1,10 +1,10 @@
 // FailureReport.h: logs a failure that occurs while the library is loaded. Not installed.
 //
-// The library does not link log4cplus, which would start threads in every program. If the process has loaded and
-// initialised log4cplus, the library loads a module that links it and passes the record on
-// (src/mensor_log4cplus). Otherwise the program cannot have configured where records go, and no record is
-// written. The library never loads or initialises log4cplus itself: to initialise it when memory is short would
-// end the program.
+// The library does not link log4cplus, which would start threads in every program. If the process
+// has loaded and initialised log4cplus, the library loads a module that links it and passes the
+// record on (src/mensor_log4cplus). Otherwise the program cannot have configured where records go,
+// and no record is written. The library never loads or initialises log4cplus itself: to initialise
+// it when memory is short would end the program.
 #ifndef MENSOR_FAILUREREPORT_H
 #define MENSOR_FAILUREREPORT_H
 
@@ -19,7 +19,8 @@ struct FailureReport {
     const char* Function;
 };
 
-/// Passes `report` to log4cplus if that is in this process. Ignores all errors and does not call operator new.
+/// Passes `report` to log4cplus if that is in this process. Ignores all errors and does not call
+/// operator new.
 void reportFailure(const FailureReport& report) noexcept;
 
 /// The folder of the module, beside the library, and its file.

@@ -11,12 +11,6 @@
 
 namespace mensor::detail {
 
-CFlatPlan::~CFlatPlan() {
-    if (m_OwnsArray) {
-        delete[] m_Steps;
-    }
-}
-
 inline CFlatPlan::Row CFlatPlan::rowOf(const CConverter& child, Step& own) {
     if (isExactly<CCompound>(child)) {
         const CFlatPlan& plan = static_cast<const CCompound&>(child).m_Plan;
@@ -36,6 +30,28 @@ inline CFlatPlan::Row CFlatPlan::rowOf(const CConverter& child, Step& own) {
         own.Converter = &child;
     }
     return {&own, 1};
+}
+
+inline void CFlatPlan::join(Row first, Row second, bool secondIsTemporary) {
+    const std::size_t count = first.Count + second.Count;
+    if (count > LongestPlan) {
+        return;
+    }
+    if (second.Count == 0) {
+        m_Steps = first.Steps;
+    } else if (first.Count == 0 && !secondIsTemporary) {
+        m_Steps = second.Steps;
+    } else if (count == 1) {
+        m_OwnStep = second.Steps[0];
+        m_Steps = &m_OwnStep;
+    } else {
+        Step* const steps = new Step[count];
+        std::copy_n(first.Steps, first.Count, steps);
+        std::copy_n(second.Steps, second.Count, steps + first.Count);
+        m_Steps = steps;
+        m_OwnsArray = true;
+    }
+    m_Count = static_cast<std::uint32_t>(count);
 }
 
 void CFlatPlan::set(const CConverter& first, const CConverter& second) {
@@ -66,28 +82,6 @@ bool CFlatPlan::canInvert(const CConverter& converter) {
                                                 [](const Step& step) { return step.Kind == CALL; });
 }
 
-void CFlatPlan::join(Row first, Row second, bool secondIsTemporary) {
-    const std::size_t count = first.Count + second.Count;
-    if (count > LongestPlan) {
-        return;
-    }
-    if (second.Count == 0) {
-        m_Steps = first.Steps;
-    } else if (first.Count == 0 && !secondIsTemporary) {
-        m_Steps = second.Steps;
-    } else if (count == 1) {
-        m_OwnStep = second.Steps[0];
-        m_Steps = &m_OwnStep;
-    } else {
-        Step* const steps = new Step[count];
-        std::copy_n(first.Steps, first.Count, steps);
-        std::copy_n(second.Steps, second.Count, steps + first.Count);
-        m_Steps = steps;
-        m_OwnsArray = true;
-    }
-    m_Count = static_cast<std::uint32_t>(count);
-}
-
 inline double CFlatPlan::run(const Step& step, double x) {
     if (step.Kind == MULTIPLY) {
         return x * step.Constant;
@@ -114,8 +108,8 @@ void CFlatPlan::runAll(const double* values, double* results, std::size_t count)
         runAll(*m_Steps, values, results, count);
         return;
     }
-    // All steps run over one piece before the next piece, so that the piece stays in the nearest cache of
-    // the processor. The first step reads `values`, all others change `results` in place.
+    // All steps run over one piece before the next piece, so that the piece stays in the nearest
+    // cache of the processor. The first step reads `values`, all others change `results` in place.
     constexpr std::size_t Piece = 1024;
     for (std::size_t done = 0; done < count;) {
         const std::size_t size = std::min(Piece, count - done);

@@ -1,12 +1,12 @@
 // FlatPlan.h: the steps of a compound converter in one row.
 //
-// A compound is a binary tree whose shape tells how it was made. Its value needs only the leaves of the
-// tree from left to right. The plan is this row, and convert() runs it in one loop. No constants are
-// combined: the same operations on the same operands in the same order give the same bits. Identities
-// are left out, because they return their argument bit for bit.
+// A compound is a binary tree whose shape tells how it was made. Its value needs only the leaves of
+// the tree from left to right. The plan is this row, and convert() runs it in one loop. No
+// constants are combined: the same operations on the same operands in the same order give the same
+// bits. Identities are left out, because they return their argument bit for bit.
 //
-// Clients do not use this class. The header is installed because each CCompound (Converter.h) holds a
-// plan.
+// Clients do not use this class. The header is installed because each CCompound (Converter.h) holds
+// a plan.
 #ifndef MENSOR_FLATPLAN_H
 #define MENSOR_FLATPLAN_H
 
@@ -28,20 +28,24 @@ class MENSOR_API CFlatPlan {
 public:
     /// No plan.
     CFlatPlan() = default;
-    MENSOR_LOCAL ~CFlatPlan();
+    ~CFlatPlan() {
+        if (m_OwnsArray) {
+            delete[] m_Steps;
+        }
+    }
     CFlatPlan(const CFlatPlan&) = delete;
     CFlatPlan& operator=(const CFlatPlan&) = delete;
 
-    /// Sets the steps of `first` and then those of `second`. The plan refers to both converters, so the
-    /// caller keeps them alive.
+    /// Sets the steps of `first` and then those of `second`. The plan refers to both converters, so
+    /// the caller keeps them alive.
     MENSOR_LOCAL void set(const CConverter& first, const CConverter& second);
 
     /// Sets the steps of `first` and then those of the inverse of `toInvert`, for which `canInvert`
     /// must hold.
     MENSOR_LOCAL void setInverse(const CConverter& first, const CConverter& toInvert);
 
-    /// Whether all steps of `converter` are known operations, so that the plan of its inverse follows
-    /// from its own.
+    /// Whether all steps of `converter` are known operations, so that the plan of its inverse
+    /// follows from its own.
     MENSOR_LOCAL static bool canInvert(const CConverter& converter);
 
     /// False for a chain of more than 32 steps. The functions below need a plan.
@@ -58,8 +62,8 @@ public:
     /// The value of the chain at `x`.
     MENSOR_LOCAL double run(double x) const;
 
-    /// The values of the chain at `count` values, with the same bits. The arrays are the same one or do
-    /// not overlap.
+    /// The values of the chain at `count` values, with the same bits. The arrays are the same one
+    /// or do not overlap.
     MENSOR_LOCAL void runAll(const double* values, double* results, std::size_t count) const;
 
 private:

@@ -1,7 +1,8 @@
 // Kept.h: objects that are built once and never destroyed. Not installed.
 //
-// Threads and the statics of clients may still use units while the process ends, so the library destroys
-// none of its objects at exit. A kept object lies inside its static, so leak checkers do not report it.
+// Threads and the statics of clients may still use units while the process ends, so the library
+// destroys none of its objects at exit. A kept object lies inside its static, so leak checkers do
+// not report it.
 #ifndef MENSOR_KEPT_H
 #define MENSOR_KEPT_H
 

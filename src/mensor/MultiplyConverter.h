@@ -32,8 +32,9 @@ public:
     double derivative(double x) const override;  ///< the factor
     bool isLinear() const override;              ///< true
 
-    /// If `other` is a multiply converter, a new one with the product of both factors. Otherwise the function of
-    /// the base class. Only a call through this class runs it, since it is not virtual.
+    /// If `other` is a multiply converter, a new one with the product of both factors. Otherwise
+    /// the function of the base class. Only a call through this class runs it, since it is not
+    /// virtual.
     CConverterPtr concatenate(CConverterPtr other);
 
     /// "[m*1000]": the unit's symbol and the factor with six significant digits.

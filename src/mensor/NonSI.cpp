@@ -1,5 +1,5 @@
-// NonSI.cpp: each unit is a multiple of an SI unit or of another unit in this file. The factors of such a chain
-// are multiplied step by step, and each product is rounded.
+// NonSI.cpp: each unit is a multiple of an SI unit or of another unit in this file. The factors of
+// such a chain are multiplied step by step, and each product is rounded.
 #include "mensor/NonSI.h"
 
 #include "mensor/Kept.h"
@@ -18,9 +18,9 @@ CUnitPtr Percent() {
     return *Percent;
 }
 
-// None and Psi are not built while the library is loaded. Building locks mutex(), and the initialisation of the
-// static has a lock, too. mutex() is locked first, because a caller may hold it already: with the other order
-// that caller and a thread that builds the unit would deadlock.
+// None and Psi are not built while the library is loaded. Building locks mutex(), and the
+// initialisation of the static has a lock, too. mutex() is locked first, because a caller may hold
+// it already: with the other order that caller and a thread that builds the unit would deadlock.
 CUnitPtr None() {
     const detail::Lock lock(CUnit::mutex());
     static const CKept<CUnitPtr> None(CUnitFormat::label(CProductUnit::one()->multiply(1.0), ""));

@@ -3,9 +3,9 @@
 //     NonSI::Hour()->getConverterTo(SI::Second())->convert(1.5);   // 5400
 //     CUnit::fromString("psi");                                    // unknown until NonSI::Psi()
 //
-// Each accessor builds and labels its unit once and then returns the same object. All units except Psi and None
-// are built while the library is loaded. If building throws, the accessor throws and the next call tries again.
-// The factors of the pressures are short decimals on purpose.
+// Each accessor builds and labels its unit once and then returns the same object. All units except
+// Psi and None are built while the library is loaded. If building throws, the accessor throws and
+// the next call tries again. The factors of the pressures are short decimals on purpose.
 //
 // Threads: any thread. Psi and None lock CUnit::mutex(); the others take no lock.
 #ifndef MENSOR_NONSI_H

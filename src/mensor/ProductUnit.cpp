@@ -1,5 +1,5 @@
-// ProductUnit.cpp: products of rational powers. Factors of the same unit object are merged. A registered
-// product is found by its hash code before a new one is built.
+// ProductUnit.cpp: products of rational powers. Factors of the same unit object are merged. A
+// registered product is found by its hash code before a new one is built.
 #include "mensor/ProductUnit.h"
 
 #include <cmath>
@@ -21,8 +21,8 @@ namespace {
 
 using Elements = std::vector<CUnitRationalPower>;
 
-// Calls `ofFactor` for the unit of each factor, raises the result to the exponent of the factor, and returns
-// the product of all.
+// Calls `ofFactor` for the unit of each factor, raises the result to the exponent of the factor,
+// and returns the product of all.
 template <class OfFactor>
 CUnitPtr fold(const Elements& elements, OfFactor ofFactor) {
     const detail::Lock lock(detail::tables().Mutex);
@@ -146,8 +146,8 @@ CUnitPtr CProductUnit::getCtxDimension() {
 }
 
 CUnitPtr CProductUnit::getSystemUnit() {
-    // Concurrent first calls compute the same registered unit. The shared pointer is read and written
-    // atomically, not under a mutex, because the caller may hold either of the two.
+    // Concurrent first calls compute the same registered unit. The shared pointer is read and
+    // written atomically, not under a mutex, because the caller may hold either of the two.
     CUnitPtr system = std::atomic_load(&m_SystemUnitCach);
     if (!system) {
         system = fold(m_Elements, [](CUnit& unit) { return unit.getSystemUnit(); });

@@ -4,9 +4,9 @@
 //     SI::Meter()->divide(SI::Meter());         // CProductUnit::one()
 //     (SI::Meter() ^ 2)->root(2);               // the metre itself
 //
-// The call that first builds a product decides the order of its factors: the merged factors of the left
-// side, then the remaining ones of the right side. The hash code does not depend on the order, so m·s and s·m
-// are one object.
+// The call that first builds a product decides the order of its factors: the merged factors of the
+// left side, then the remaining ones of the right side. The hash code does not depend on the order,
+// so m·s and s·m are one object.
 #ifndef MENSOR_PRODUCTUNIT_H
 #define MENSOR_PRODUCTUNIT_H
 
@@ -21,18 +21,20 @@ namespace mensor {
 
 /// A product of powers. Clients use the algebra of CUnit.
 ///
-/// Class contract: any thread. The static functions lock mutex(). The functions that multiply the results for
-/// all factors (`getSystemUnit`, `baseUnits`, `getCtxDimension`) lock what the algebra of CUnit locks.
+/// Class contract: any thread. The static functions lock mutex(). The functions that multiply the
+/// results for all factors (`getSystemUnit`, `baseUnits`, `getCtxDimension`) lock what the algebra
+/// of CUnit locks.
 class MENSOR_API CProductUnit : public CDerivedUnit {
 public:
     ~CProductUnit() override;
 
-    /// The dimensionless unit. Its symbol is "One", but it is not in CUnit::symbols(), so the text "One" does
-    /// not denote it.
+    /// The dimensionless unit. Its symbol is "One", but it is not in CUnit::symbols(), so the text
+    /// "One" does not denote it.
     static CUnitPtr one();
 
-    /// The registered product of both lists. Factors of the same unit object are merged, exponents are reduced,
-    /// and factors with the exponent 0 are dropped. A single factor to the power 1 is its unit.
+    /// The registered product of both lists. Factors of the same unit object are merged, exponents
+    /// are reduced, and factors with the exponent 0 are dropped. A single factor to the power 1 is
+    /// its unit.
     /// @throws std::invalid_argument  a factor has no unit.
     /// @throws std::overflow_error  an exponent leaves the range of `int`. Nothing is registered then.
     /// @par Threads  Any thread, locks mutex().
@@ -57,8 +59,9 @@ public:
     /// Whether `that` has the same factors in any order.
     bool equals(CUnitPtr that) const override;
     std::vector<CUnitRationalPower> elements() override;
-    /// A scaling by the product of the slopes of the factors' converters, each raised to the exponent of its
-    /// factor. It is computed with `pow` of the math library, so the last digit may differ between platforms.
+    /// A scaling by the product of the slopes of the factors' converters, each raised to the
+    /// exponent of its factor. It is computed with `pow` of the math library, so the last digit may
+    /// differ between platforms.
     /// @throws std::logic_error  "Unit element  is non-linear, cannot convert", with the symbol of the factor
     ///     that has an offset.
     CConverterPtr getCtxToDimension() override;
@@ -73,15 +76,16 @@ private:
 
     MENSOR_LOCAL explicit CProductUnit(std::vector<CUnitRationalPower> elements);
 
-    /// CUnit::getInstance of the product of `elements`. detail::Products cannot call that protected function.
+    /// CUnit::getInstance of the product of `elements`. detail::Products cannot call that protected
+    /// function.
     MENSOR_LOCAL static CUnitPtr registered(std::vector<CUnitRationalPower> elements);
 
     MENSOR_LOCAL bool elementsContainsOtherSingle(const CUnitRationalPower& element) const;
     MENSOR_LOCAL bool elementsContains(const std::vector<CUnitRationalPower>& elements) const;
 
     std::vector<CUnitRationalPower> m_Elements;  // never reordered, never changed
-    // Set by the first getSystemUnit(); atomic access only. If it is this product, the pointer does not own
-    // it.
+    // Set by the first getSystemUnit(); atomic access only. If it is this product, the pointer does
+    // not own it.
     CUnitPtr m_SystemUnitCach;
 };
 

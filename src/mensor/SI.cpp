@@ -1,5 +1,5 @@
-// SI.cpp: do not change the order of the operands. It decides the order of the factors in the products that are
-// built here, and so their text.
+// SI.cpp: do not change the order of the operands. It decides the order of the factors in the
+// products that are built here, and so their text.
 #include "mensor/SI.h"
 
 #include "mensor/Kept.h"

@@ -3,9 +3,9 @@
 //     SI::Newton()->getConverterTo(SI::Kilogram() * SI::Meter() / (SI::Second() ^ 2));
 //     SI::Kilo(SI::Meter());   // the kilometre, labelled "km" since the library was loaded
 //
-// Each accessor builds its unit once and then returns the same object. All units are built while the library is
-// loaded. If building throws, the accessor throws and the next call tries again. Definitions: SI brochure, 9th
-// edition.
+// Each accessor builds its unit once and then returns the same object. All units are built while
+// the library is loaded. If building throws, the accessor throws and the next call tries again.
+// Definitions: SI brochure, 9th edition.
 //
 // Threads: any thread. The accessors take no lock after loading. The prefixes lock what
 // CUnit::multiply(double) locks.
@@ -52,7 +52,8 @@ MENSOR_API CUnitPtr Lumen();    ///< lumen, lm = cd·sr: luminous flux
 MENSOR_API CUnitPtr Lux();      ///< lux, lx = lm/m²: illuminance
 MENSOR_API CUnitPtr Katal();    ///< katal, kat = mol/s: catalytic activity
 
-// Each prefix multiplies `unit`, which must not be empty, by its factor. It does not label the result.
+// Each prefix multiplies `unit`, which must not be empty, by its factor. It does not label the
+// result.
 
 MENSOR_API CUnitPtr Yotta(CUnitPtr unit);  ///< `unit->multiply(1e24)`
 MENSOR_API CUnitPtr Zetta(CUnitPtr unit);  ///< `unit->multiply(1e21)`

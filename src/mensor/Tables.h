@@ -1,9 +1,9 @@
-// Tables.h: the tables of the process, and when cached answers are valid. Not installed. Clients reach the
-// tables through the accessors of Unit.h and UnitFormat.h.
+// Tables.h: the tables of the process, and when cached answers are valid. Not installed. Clients
+// reach the tables through the accessors of Unit.h and UnitFormat.h.
 //
-// Two caches keep answers of the tables: each unit caches its entries in dimensions() and toDimensions()
-// (UnitConversion.h), and CTextCache caches which unit a text denotes. A cached answer is always the answer
-// of the tables:
+// Two caches keep answers of the tables: each unit caches its entries in dimensions() and
+// toDimensions() (UnitConversion.h), and CTextCache caches which unit a text denotes. A cached
+// answer is always the answer of the tables:
 //
 // - The library counts its own changes. contextEpoch changes when the dimensions are cleared, namesEpoch
 //   when a label or alias is added or removed. An entry of another epoch is not used. All other changes
@@ -47,7 +47,8 @@ inline Tables& tables() {
     return created != nullptr ? *created : createTables();
 }
 
-// Whether `unit` is the registered unit of its hash code. The caller of the second function holds the mutex.
+// Whether `unit` is the registered unit of its hash code. The caller of the second function holds
+// the mutex.
 bool isRegistered(const CUnitPtr& unit);
 bool isRegisteredLocked(const CUnitPtr& unit);
 
@@ -56,7 +57,8 @@ extern std::atomic<bool> tablesHandedOut;
 extern std::atomic<unsigned> contextEpoch;
 extern std::atomic<unsigned> namesEpoch;
 
-// Begins the next epoch. The caller holds the mutex; CBaseUnit::setDimension is serialised by its caller.
+// Begins the next epoch. The caller holds the mutex; CBaseUnit::setDimension is serialised by its
+// caller.
 inline void advance(std::atomic<unsigned>& epoch) {
     const unsigned next = epoch.load(std::memory_order_relaxed) + 1;
     if (next == 0) {

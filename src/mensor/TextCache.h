@@ -1,15 +1,15 @@
 // TextCache.h: caches which units texts denote. Not installed.
 //
-// Programs read the same few texts over and over. A text denotes the same unit until a label or alias
-// changes, so the cache returns the unit that parsing returned before (Tables.h says why that is exact).
-// Only texts of registered units are cached. Such a unit lives until the process ends, so its plain address
-// suffices.
+// Programs read the same few texts over and over. A text denotes the same unit until a label or
+// alias changes, so the cache returns the unit that parsing returned before (Tables.h says why that
+// is exact). Only texts of registered units are cached. Such a unit lives until the process ends,
+// so its plain address suffices.
 //
-// The size is fixed: EntryCount entries for texts of at most LongestText bytes. New texts replace old ones.
-// Reading takes no lock. Each entry has a sequence number, which is odd while the entry is written. A reader
-// that finds the number even, and unchanged after reading the entry, has read a complete entry. Every word
-// is atomic, so there is no data race; acquire and release on each word keep its reading between the two
-// readings of the number.
+// The size is fixed: EntryCount entries for texts of at most LongestText bytes. New texts replace
+// old ones. Reading takes no lock. Each entry has a sequence number, which is odd while the entry
+// is written. A reader that finds the number even, and unchanged after reading the entry, has read
+// a complete entry. Every word is atomic, so there is no data race; acquire and release on each
+// word keep its reading between the two readings of the number.
 #ifndef MENSOR_TEXTCACHE_H
 #define MENSOR_TEXTCACHE_H
 

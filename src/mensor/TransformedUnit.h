@@ -21,17 +21,17 @@ using CTransformedUnitPtr = std::shared_ptr<CTransformedUnit>;
 /// Class contract: any thread.
 class MENSOR_API CTransformedUnit : public CDerivedUnit {
 public:
-    /// Creates a unit that converts to `systemUnit` through `toSystem`, without registering it. Clients use the
-    /// algebra of CUnit or `getInstance`.
+    /// Creates a unit that converts to `systemUnit` through `toSystem`, without registering it.
+    /// Clients use the algebra of CUnit or `getInstance`.
     /// @throws std::invalid_argument  one of the two is empty.
     CTransformedUnit(CUnitPtr systemUnit, CConverterPtr toSystem);
     ~CTransformedUnit() override;
 
     /// Returns the unit that `toParent` converts to `parent`.
     ///
-    /// The unit refers to the system unit of `parent`, and the converters are chained. Units with the same
-    /// system unit and the same slope in single precision are one unit, even if their offsets differ. Empty if
-    /// the hash code belongs to a unit of another kind.
+    /// The unit refers to the system unit of `parent`, and the converters are chained. Units with
+    /// the same system unit and the same slope in single precision are one unit, even if their
+    /// offsets differ. Empty if the hash code belongs to a unit of another kind.
     /// @throws std::invalid_argument  one of the two is empty.
     /// @par Threads  Any thread, locks mutex(). If `parent` is a product, locks what the algebra of CUnit locks
     ///     before that.
@@ -46,7 +46,8 @@ public:
     /// Whether `that` is a transformed unit of the same system unit with an equal converter.
     bool equals(CUnitPtr that) const override;
     CConverterPtr getCtxToDimension() override;
-    /// Returns the empty text. Computes the converter to the system unit first, and throws what that throws.
+    /// Returns the empty text. Computes the converter to the system unit first, and throws what
+    /// that throws.
     /// @par Threads  Any thread, locks mutex().
     string_t getSymbol() override;
 

@@ -28,19 +28,20 @@ using detail::UnitConversion;
 
 namespace {
 
-// Powers and roots beyond this are not cached. A cache has an entry for each number up to the largest, so
-// the text "m^2000000000" would need all memory.
+// Powers and roots beyond this are not cached. A cache has an entry for each number up to the
+// largest, so the text "m^2000000000" would need all memory.
 constexpr int LargestCachedExponent = 4096;
 
-// A negative power is computed from the positive one, and the smallest int has no positive counterpart.
+// A negative power is computed from the positive one, and the smallest int has no positive
+// counterpart.
 void requireNegatable(int n) {
     if (n == std::numeric_limits<int>::min()) {
         throw std::overflow_error("Exponent " + std::to_string(n) + " is out of range");
     }
 }
 
-// The table of instances. If it is empty, the dimensionless unit is added with the hash code that it has at
-// this moment: it is never registered, so its hash code may not have been computed.
+// The table of instances. If it is empty, the dimensionless unit is added with the hash code that
+// it has at this moment: it is never registered, so its hash code may not have been computed.
 std::map<int, CUnitPtr>& seededInstances() {
     auto& instances = tables().Instances;
     if (instances.empty()) {
@@ -50,8 +51,8 @@ std::map<int, CUnitPtr>& seededInstances() {
     return instances;
 }
 
-// Removes from the tables what registering `unit` has added, unless it succeeds. Entries that were there
-// before stay: a conversion of the unit before its registration may have added them.
+// Removes from the tables what registering `unit` has added, unless it succeeds. Entries that were
+// there before stay: a conversion of the unit before its registration may have added them.
 class CRegistration {
 public:
     explicit CRegistration(const CUnitPtr& unit)
@@ -234,7 +235,8 @@ double CUnit::convertValueToUnit(double value, CUnitPtr that) {
     }
     return UnitConversion::useConverters(
         *this, that, [value](const CConverterPtr& ofThis, const CConverterPtr& ofThat) {
-            // If `that` is its own dimension, the chain would end with the identity, so none is built.
+            // If `that` is its own dimension, the chain would end with the identity, so none is
+            // built.
             return ofThat == detail::theIdentity()
                        ? ofThis->convert(value)
                        : UnitConversion::chain(ofThis, ofThat)->convert(value);
@@ -261,8 +263,8 @@ CUnitPtr CUnit::getUnitByIndexOrExpandTable(int index, std::vector<CUnitPtr>& ta
     return table[static_cast<std::size_t>(index)];
 }
 
-// Units that were never registered have id 0, like the dimensionless unit, and share its entry in the caches:
-// the first result there is the result for all of them.
+// Units that were never registered have id 0, like the dimensionless unit, and share its entry in
+// the caches: the first result there is the result for all of them.
 CUnitPtr CUnit::multiply(CUnitPtr that) {
     requireUnit(that, "CUnit::multiply");
     return UnitAlgebra::lookUp(*this, that->m_Id, m_MultiplyLookUp, [&] {

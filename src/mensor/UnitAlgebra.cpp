@@ -9,7 +9,8 @@ namespace mensor::detail {
 
 namespace {
 
-// The entry of a cache, or null if it is empty. fill() holds CUnit::mutex(), and so does the caller.
+// The entry of a cache, or null if it is empty. fill() holds CUnit::mutex(), and so does the
+// caller.
 const CUnitPtr* find(const std::vector<CUnitPtr>& cache, int index) {
     const auto entry = static_cast<std::size_t>(index);
     return entry < cache.size() && cache[entry] ? &cache[entry] : nullptr;

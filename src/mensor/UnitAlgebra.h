@@ -1,12 +1,12 @@
 // UnitAlgebra.h: the algebra of units, with and without filling the caches. Not installed.
 //
-// Each unit caches the results of multiply, divide, pow and root. A cache is a vector with one entry for
-// each id or exponent up to the largest one used.
+// Each unit caches the results of multiply, divide, pow and root. A cache is a vector with one
+// entry for each id or exponent up to the largest one used.
 //
-// A result that is found in a cache needs the unit's own mutex alone. Otherwise lookUp() releases that
-// mutex, and fill() locks the mutex of the process and then that of the unit. Two locks are always taken in
-// this order, so no deadlock is possible. tests/model/locks.pml models lookUp(), fill() and makeLocked(),
-// and scripts/check compares the lines that it quotes.
+// A result that is found in a cache needs the unit's own mutex alone. Otherwise lookUp() releases
+// that mutex, and fill() locks the mutex of the process and then that of the unit. Two locks are
+// always taken in this order, so no deadlock is possible. tests/model/locks.pml models lookUp(),
+// fill() and makeLocked(), and scripts/check compares the lines that it quotes.
 #ifndef MENSOR_UNITALGEBRA_H
 #define MENSOR_UNITALGEBRA_H
 
@@ -19,7 +19,8 @@
 namespace mensor::detail {
 
 struct UnitAlgebra {
-    // The entry `index` of `cache`, which belongs to `unit`. If the entry is empty, `make` makes it.
+    // The entry `index` of `cache`, which belongs to `unit`. If the entry is empty, `make` makes
+    // it.
     template <class Make>
     static CUnitPtr lookUp(CUnit& unit, int index, std::vector<CUnitPtr>& cache, const Make& make) {
         {
@@ -40,12 +41,13 @@ struct UnitAlgebra {
         return make();
     }
 
-    // left->multiply(right) and unit->pow(pow)->root(root) for texts and for folding a product. They read
-    // the caches but do not fill them: most units that a text or a fold passes through are never needed
-    // again, and a cache would be as long as the largest id. The caller holds CUnit::mutex().
+    // left->multiply(right) and unit->pow(pow)->root(root) for texts and for folding a product.
+    // They read the caches but do not fill them: most units that a text or a fold passes through
+    // are never needed again, and a cache would be as long as the largest id. The caller holds
+    // CUnit::mutex().
     //
-    // There is one exception. Units that were never registered share the entry 0 of a cache, and the first
-    // result there is the result for all of them. multiplyUncached() fills that entry.
+    // There is one exception. Units that were never registered share the entry 0 of a cache, and
+    // the first result there is the result for all of them. multiplyUncached() fills that entry.
     static CUnitPtr multiplyUncached(const CUnitPtr& left, const CUnitPtr& right);
     static CUnitPtr raiseUncached(const CUnitPtr& unit, int pow, int root);
 

@@ -29,8 +29,8 @@ const CUnitPtr& UnitConversion::dimensionLocked(const CUnitPtr& unit) {
     return dimensions.emplace(unit, dimension).first->second;
 }
 
-// Looks both units up in the tables under one lock. Returns copies: without the lock, the entry of a unit
-// that is not registered may be removed at any time.
+// Looks both units up in the tables under one lock. Returns copies: without the lock, the entry of
+// a unit that is not registered may be removed at any time.
 UnitConversion::Converters UnitConversion::lookUp(CUnit& from, const CUnitPtr& to) {
     const Lock lock(tables().Mutex);
     const CUnitPtr self = from.shared_from_this();
@@ -45,8 +45,8 @@ UnitConversion::Converters UnitConversion::lookUp(CUnit& from, const CUnitPtr& t
     return {std::move(ofFrom), toDimensionLocked(to, dimension)};
 }
 
-// The entry of `unit` in toDimensions(), which is made if there is none. If the unit throws, the entry
-// stays empty. The caller holds the mutex.
+// The entry of `unit` in toDimensions(), which is made if there is none. If the unit throws, the
+// entry stays empty. The caller holds the mutex.
 CConverterPtr UnitConversion::toDimensionLocked(const CUnitPtr& unit, const CUnitPtr& dimension) {
     auto& toDimensions = tables().ToDimensions;
     if (!toDimensions[unit]) {
@@ -58,8 +58,8 @@ CConverterPtr UnitConversion::toDimensionLocked(const CUnitPtr& unit, const CUni
     return toDimension;
 }
 
-// Caches what the tables hold for `unit`. `toDimension` is the entry itself, which stays where it is if the
-// unit is registered. Other units are not cached. The caller holds the mutex.
+// Caches what the tables hold for `unit`. `toDimension` is the entry itself, which stays where it
+// is if the unit is registered. Other units are not cached. The caller holds the mutex.
 void UnitConversion::cacheLocked(const CUnitPtr& unit, const CUnitPtr& dimension,
                                  const CConverterPtr& toDimension) {
     if (tablesHandedOut.load(std::memory_order_relaxed) || !isRegisteredLocked(unit)) {

@@ -1,7 +1,7 @@
 // UnitConversion.h: dimensions, converters between units, and their caches. Not installed.
 //
-// dimensions() and toDimensions() are tables, so a client may change them (Tables.h). Each registered unit
-// caches its two entries in members of its own, where they are read without a lock.
+// dimensions() and toDimensions() are tables, so a client may change them (Tables.h). Each
+// registered unit caches its two entries in members of its own, where they are read without a lock.
 #ifndef MENSOR_UNITCONVERSION_H
 #define MENSOR_UNITCONVERSION_H
 
@@ -13,8 +13,8 @@
 namespace mensor::detail {
 
 struct UnitConversion {
-    // The entry of `unit` in toDimensions() from the cache, or null if the cache has none. If it is there,
-    // m_CachedDimension holds the dimension.
+    // The entry of `unit` in toDimensions() from the cache, or null if the cache has none. If it is
+    // there, m_CachedDimension holds the dimension.
     static const CConverterPtr* cachedToDimension(const CUnit& unit) {
         if (unit.m_CachedEpoch.load(std::memory_order_acquire) !=
                 contextEpoch.load(std::memory_order_acquire) ||
@@ -30,8 +30,8 @@ struct UnitConversion {
                right.m_CachedDimension.load(std::memory_order_relaxed);
     }
 
-    // use(from, to) with the converters of the two units to their dimension.
-    // Throws std::invalid_argument if the units are not compatible.
+    // use(from, to) with the converters of the two units to their dimension. Throws
+    // std::invalid_argument if the units are not compatible.
     template <class Use>
     static auto useConverters(CUnit& from, const CUnitPtr& to, Use use) {
         const CConverterPtr* const ofFrom = cachedToDimension(from);
@@ -46,7 +46,8 @@ struct UnitConversion {
     // ofTo->inverse()->concatenate(ofFrom), where `ofTo` is most often the identity converter.
     static CConverterPtr chain(const CConverterPtr& ofFrom, const CConverterPtr& ofTo);
 
-    // The entry of `unit` in dimensions(), which is made if there is none. The caller holds the mutex.
+    // The entry of `unit` in dimensions(), which is made if there is none. The caller holds the
+    // mutex.
     static const CUnitPtr& dimensionLocked(const CUnitPtr& unit);
 
 private:

@@ -127,8 +127,8 @@ CUnitPtr CUnitFormat::label(CUnitPtr unit, const string_t& label) {
     if (isHeld && place->second == unit) {
         return unit;
     }
-    // A failing allocation must change nothing. So all allocations come first: a copy of the label, and the
-    // nodes for the new entries.
+    // A failing allocation must change nothing. So all allocations come first: a copy of the label,
+    // and the nodes for the new entries.
     string_t spare = label;
     const auto holder = isHeld ? place : unitOf.emplace_hint(place, label, nullptr);
     const auto former = labelOf.find(unit);

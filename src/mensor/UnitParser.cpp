@@ -16,9 +16,9 @@ namespace mensor::detail {
 
 namespace {
 
-// Multiplies and raises units as the algebra does, but registers nothing. The hash code decides identity
-// here as well: a product is the registered unit with its hash code, or else the first product of this text
-// with that hash code, even if the factors differ.
+// Multiplies and raises units as the algebra does, but registers nothing. The hash code decides
+// identity here as well: a product is the registered unit with its hash code, or else the first
+// product of this text with that hash code, even if the factors differ.
 class CTrialProduct {
 public:
     // Multiplies the product so far by unit->pow(pow)->root(root).
@@ -95,20 +95,6 @@ int CUnitParser::parseExponent(std::string_view text) {
     return static_cast<int>(negative ? -n : n);
 }
 
-CUnitPtr CUnitParser::tryParse(const string_t& text, std::string_view& unknownName) {
-    const std::string_view bytes(text.data(), text.size());
-    const bool usesCache = !tablesHandedOut.load(std::memory_order_acquire);
-    const unsigned epoch = namesEpoch.load(std::memory_order_acquire);
-    CUnitParser parser(bytes);
-    CUnitPtr unit = parser.parse();
-    if (!unit) {
-        unknownName = parser.m_Name;
-    } else if (usesCache && isRegistered(unit)) {
-        textCache.insert(bytes, epoch, unit.get());
-    }
-    return unit;
-}
-
 std::invalid_argument CUnitParser::unknownLabel(std::string_view name) {
     std::string message = "Label: ";
     message += name;
@@ -116,56 +102,59 @@ std::invalid_argument CUnitParser::unknownLabel(std::string_view name) {
     return std::invalid_argument(message);
 }
 
-// The unit of the text, or none if m_Name is unknown.
-CUnitPtr CUnitParser::parse() {
-    const char* const end = m_Text.data() + m_Text.size();
-    for (const char* position = m_Text.data(); position != end && !m_IsRefused;) {
-        const char* const at = position;
-        const char_t c = decodeUtf8(position, end);
-        step(c, at, position);
+// Returns false if the name is unknown.
+inline bool CUnitParser::addFactor() {
+    CUnitPtr unit = CUnitFormat::unitFor(string_t(std::string(m_Name)));
+    if (!unit) {
+        return false;
     }
-    if (!m_IsRefused) {
-        step(U' ', end, end);  // ends the last token
-        commit();
+    // parseExponent never returns the smallest int, so the power can be negated.
+    const int pow = parseExponent(m_Power);
+    const int root = parseExponent(m_Root);
+    if (root == 0) {
+        unit->root(root);  // throws
     }
-    if (m_IsRefused) {
-        return nullptr;
-    }
-    requireSmallExponents();
-    return product();
+    m_Factors.push_back({std::move(unit), m_Inverse ? -pow : pow, root});
+    return true;
 }
 
-CUnitPtr CUnitParser::product() const {
-    CUnitPtr result = CProductUnit::one();
-    for (const Factor& factor : m_Factors) {
-        const Lock lock(tables().Mutex);
-        result = UnitAlgebra::multiplyUncached(
-            result, UnitAlgebra::raiseUncached(factor.Unit, factor.Pow, factor.Root));
-    }
-    return result;
-}
-
-// Throws std::overflow_error if the product has an exponent beyond the range of int. Small exponents need
-// no trial.
-void CUnitParser::requireSmallExponents() const {
-    constexpr std::int64_t Harmless = 4096;
-    std::int64_t sum = 0;
-    bool isHarmless = !largeExponentsExist.load(std::memory_order_relaxed);
-    for (const Factor& factor : m_Factors) {
-        sum += factor.Pow < 0 ? -std::int64_t{factor.Pow} : factor.Pow;
-        isHarmless = isHarmless && factor.Root == 1 && sum <= Harmless;
-    }
-    if (isHarmless) {
+// Adds the factor that was read. If its name is unknown, m_Name stays as it is.
+inline void CUnitParser::commit() {
+    if (!m_Name.empty() && !addFactor()) {
+        m_IsRefused = true;
         return;
     }
-    CTrialProduct trial;
-    for (const Factor& factor : m_Factors) {
-        trial.multiply(factor.Unit, factor.Pow, factor.Root);
+    if (m_SlashPending) {
+        m_Inverse = !m_Inverse;
+    }
+    m_Name = m_Power = m_Root = std::string_view();
+    m_SlashPending = false;
+}
+
+// From the beginning of the token to `end`.
+inline std::string_view CUnitParser::slice(const char* end) const {
+    return std::string_view(m_Start, static_cast<std::size_t>(end - m_Start));
+}
+
+inline void CUnitParser::beginName(char_t c, const char* at) {
+    commit();
+    m_Start = at;
+    m_State = c == U'[' ? CUnitFormat::SYSTEM_NAME : CUnitFormat::NAME;
+}
+
+inline void CUnitParser::separate(char_t c) {
+    m_State = CUnitFormat::DEFAULT;
+    if (c == U'<') {
+        m_State = CUnitFormat::MARKUP;
+    } else if (c == U'&') {
+        m_State = CUnitFormat::ESCAPE;
+    } else if (c == U'/') {
+        m_SlashPending = true;
     }
 }
 
 // Applies the transition for `c`, which begins at `at` and ends before `next`.
-void CUnitParser::step(char_t c, const char* at, const char* next) {
+inline void CUnitParser::step(char_t c, const char* at, const char* next) {
     switch (m_State) {
         case CUnitFormat::DEFAULT:
             if (c == U'[' || CUnitFormat::isUnitIdentifierPart(c)) {
@@ -229,55 +218,66 @@ void CUnitParser::step(char_t c, const char* at, const char* next) {
     }
 }
 
-// From the beginning of the token to `end`.
-std::string_view CUnitParser::slice(const char* end) const {
-    return std::string_view(m_Start, static_cast<std::size_t>(end - m_Start));
-}
-
-void CUnitParser::beginName(char_t c, const char* at) {
-    commit();
-    m_Start = at;
-    m_State = c == U'[' ? CUnitFormat::SYSTEM_NAME : CUnitFormat::NAME;
-}
-
-void CUnitParser::separate(char_t c) {
-    m_State = CUnitFormat::DEFAULT;
-    if (c == U'<') {
-        m_State = CUnitFormat::MARKUP;
-    } else if (c == U'&') {
-        m_State = CUnitFormat::ESCAPE;
-    } else if (c == U'/') {
-        m_SlashPending = true;
+inline CUnitPtr CUnitParser::product() const {
+    CUnitPtr result = CProductUnit::one();
+    for (const Factor& factor : m_Factors) {
+        const Lock lock(tables().Mutex);
+        result = UnitAlgebra::multiplyUncached(
+            result, UnitAlgebra::raiseUncached(factor.Unit, factor.Pow, factor.Root));
     }
+    return result;
 }
 
-// Adds the factor that was read. If its name is unknown, m_Name stays as it is.
-void CUnitParser::commit() {
-    if (!m_Name.empty() && !addFactor()) {
-        m_IsRefused = true;
+// Throws std::overflow_error if the product has an exponent beyond the range of int. Small
+// exponents need no trial.
+inline void CUnitParser::requireSmallExponents() const {
+    constexpr std::int64_t Harmless = 4096;
+    std::int64_t sum = 0;
+    bool isHarmless = !largeExponentsExist.load(std::memory_order_relaxed);
+    for (const Factor& factor : m_Factors) {
+        sum += factor.Pow < 0 ? -std::int64_t{factor.Pow} : factor.Pow;
+        isHarmless = isHarmless && factor.Root == 1 && sum <= Harmless;
+    }
+    if (isHarmless) {
         return;
     }
-    if (m_SlashPending) {
-        m_Inverse = !m_Inverse;
+    CTrialProduct trial;
+    for (const Factor& factor : m_Factors) {
+        trial.multiply(factor.Unit, factor.Pow, factor.Root);
     }
-    m_Name = m_Power = m_Root = std::string_view();
-    m_SlashPending = false;
 }
 
-// Returns false if the name is unknown.
-bool CUnitParser::addFactor() {
-    CUnitPtr unit = CUnitFormat::unitFor(string_t(std::string(m_Name)));
+// The unit of the text, or none if m_Name is unknown.
+inline CUnitPtr CUnitParser::parse() {
+    const char* const end = m_Text.data() + m_Text.size();
+    for (const char* position = m_Text.data(); position != end && !m_IsRefused;) {
+        const char* const at = position;
+        const char_t c = decodeUtf8(position, end);
+        step(c, at, position);
+    }
+    if (!m_IsRefused) {
+        step(U' ', end, end);  // ends the last token
+        commit();
+    }
+    if (m_IsRefused) {
+        return nullptr;
+    }
+    requireSmallExponents();
+    return product();
+}
+
+CUnitPtr CUnitParser::tryParse(const string_t& text, std::string_view& unknownName) {
+    const std::string_view bytes(text.data(), text.size());
+    const bool usesCache = !tablesHandedOut.load(std::memory_order_acquire);
+    const unsigned epoch = namesEpoch.load(std::memory_order_acquire);
+    CUnitParser parser(bytes);
+    CUnitPtr unit = parser.parse();
     if (!unit) {
-        return false;
+        unknownName = parser.m_Name;
+    } else if (usesCache && isRegistered(unit)) {
+        textCache.insert(bytes, epoch, unit.get());
     }
-    // parseExponent never returns the smallest int, so the power can be negated.
-    const int pow = parseExponent(m_Power);
-    const int root = parseExponent(m_Root);
-    if (root == 0) {
-        unit->root(root);  // throws
-    }
-    m_Factors.push_back({std::move(unit), m_Inverse ? -pow : pow, root});
-    return true;
+    return unit;
 }
 
 }  // namespace mensor::detail

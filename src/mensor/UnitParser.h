@@ -1,9 +1,10 @@
 // UnitParser.h: reads the text of a unit. Not installed.
 //
-// The parser is a state machine. It visits each code point once and keeps slices of the text, not copies.
-// The power and the root of a name may stand anywhere before the next name, so a name is resolved when the
-// next name begins or the text ends (commit). The factors are multiplied when all are known, because units
-// live until the process ends: a refused text must not register a part of its product.
+// The parser is a state machine. It visits each code point once and keeps slices of the text, not
+// copies. The power and the root of a name may stand anywhere before the next name, so a name is
+// resolved when the next name begins or the text ends (commit). The factors are multiplied when all
+// are known, because units live until the process ends: a refused text must not register a part of
+// its product.
 #ifndef MENSOR_UNITPARSER_H
 #define MENSOR_UNITPARSER_H
 
@@ -25,9 +26,10 @@ class CUnitParser {
 public:
     // The unit that `text` denotes. Throws what CUnitFormat::parseUnit throws.
     //
-    // An unknown name is the most frequent error. Each function that an exception passes through costs about
-    // as much as throwing and catching it, and more if it has objects to destroy. So the exception is thrown
-    // here, when no objects are left, and this function is always inlined into the one that clients call.
+    // An unknown name is the most frequent error. Each function that an exception passes through
+    // costs about as much as throwing and catching it, and more if it has objects to destroy. So
+    // the exception is thrown here, when no objects are left, and this function is always inlined
+    // into the one that clients call.
     [[gnu::always_inline]] static CUnitPtr parse(const string_t& text) {
         if (CUnit* const cached = findCached(text)) {
             return cached->shared_from_this();

@@ -1,8 +1,8 @@
 // UnitRegistry.cpp: builds the catalogue and its labels while the library is loaded.
 //
-// Initialised last of all sources (see CMakeLists.txt), because it uses the others. The order of the lists
-// decides the ids of the units and their labels: if a unit gets two labels, such as "hPa" and "mbar" or "mK" and
-// "m°C", the later one stays.
+// Initialised last of all sources (see CMakeLists.txt), because it uses the others. The order of
+// the lists decides the ids of the units and their labels: if a unit gets two labels, such as "hPa"
+// and "mbar" or "mK" and "m°C", the later one stays.
 #include "mensor/UnitRegistry.h"
 
 #include <exception>
@@ -46,8 +46,8 @@ static void labelPrefixedGRAM() {
     }
 }
 
-// The hash code ignores offsets, so these units are the prefixed kelvins, and the labels replace theirs: "mK"
-// becomes "m°C".
+// The hash code ignores offsets, so these units are the prefixed kelvins, and the labels replace
+// theirs: "mK" becomes "m°C".
 static void labelPrefixedCelsius() {
     const string_t label = CUnitFormat::labelFor(SI::Celsius());
     for (int i = 0; i < NumberOfPrefixes; ++i) {
@@ -64,9 +64,9 @@ static void labelLiterPrefixes() {
     CUnitFormat::label(NonSI::Liter()->multiply(0.1), "dl");
 }
 
-// The two functions below are in namespace mensor itself, so that the log names them
-// "void mensor::registerSiUnits()". The siemens is in the list twice and the lumen is missing. Programs rely on
-// the labels that follow from this.
+// The two functions below are in namespace mensor itself, so that the log names them "void
+// mensor::registerSiUnits()". The siemens is in the list twice and the lumen is missing. Programs
+// rely on the labels that follow from this.
 static void registerSiUnits() {
     try {
         labelPrefixedUnit(SI::Ampere());

@@ -15,13 +15,13 @@
 
 namespace mensor {
 
-/// A number with a unit. All operations apply offsets: a value in °C is always a temperature, never a
-/// difference of temperatures.
+/// A number with a unit. All operations apply offsets: a value in °C is always a temperature, never
+/// a difference of temperatures.
 ///
 /// Every operation that converts throws what CUnit::getConverterTo throws.
 ///
-/// Class contract: caller serialises one object; distinct objects any thread. Converting, reading and writing
-/// lock what the functions of CUnit lock.
+/// Class contract: caller serialises one object; distinct objects any thread. Converting, reading
+/// and writing lock what the functions of CUnit lock.
 class MENSOR_API CValueWithUnit {
 public:
     /// `value` in `unit`.
@@ -41,9 +41,10 @@ public:
     CValueWithUnit operator+(const CValueWithUnit& other) const;  ///< in the left value's unit
     CValueWithUnit operator-(const CValueWithUnit& other) const;  ///< in the left value's unit
 
-    /// Returns a field of 63 bytes, a blank and the unit in the standard notation. The field holds the number as
-    /// "%f" writes it, cut off at 63 characters and padded with zero bytes. A reader that stops at the first zero
-    /// byte sees only the number. The decimal point is that of the C locale.
+    /// Returns a field of 63 bytes, a blank and the unit in the standard notation. The field holds
+    /// the number as "%f" writes it, cut off at 63 characters and padded with zero bytes. A reader
+    /// that stops at the first zero byte sees only the number. The decimal point is that of the C
+    /// locale.
     /// @throws std::invalid_argument  the unit has no text (see CUnitFormat::format) or is empty.
     string_t toString() const;
 
@@ -62,8 +63,8 @@ private:
     CUnitPtr m_Unit;  // shared with the registry
 };
 
-/// Whether both are equal in the unit of `a`, within 1e-12 of the smaller magnitude. Zero equals only zero, and
-/// NaN equals nothing.
+/// Whether both are equal in the unit of `a`, within 1e-12 of the smaller magnitude. Zero equals
+/// only zero, and NaN equals nothing.
 /// @par Threads  Any thread, locks what CUnit::getConverterTo locks. This holds for all comparisons.
 MENSOR_API bool operator==(const CValueWithUnit& a, const CValueWithUnit& b);
 /// The negation of `a == b`.

@@ -1,10 +1,11 @@
-// arrays.cpp: compiled with full vectorisation (see CMakeLists.txt). On x86-64 each loop is compiled three
-// times: with SSE2, which every such processor has, with AVX2 and with AVX-512. The processor decides at run
-// time which one runs. Each loop does one operation per value, so no operations can be contracted, and the
-// width of the vectors does not change a bit.
+// arrays.cpp: compiled with full vectorisation (see CMakeLists.txt). On x86-64 each loop is
+// compiled three times: with SSE2, which every such processor has, with AVX2 and with AVX-512. The
+// processor decides at run time which one runs. Each loop does one operation per value, so no
+// operations can be contracted, and the width of the vectors does not change a bit.
 //
-// Results that fit in no cache of the processor are written with streaming stores. An ordinary store first
-// reads the cache line that it fills, which is a third of all traffic when memory is the limit.
+// Results that fit in no cache of the processor are written with streaming stores. An ordinary
+// store first reads the cache line that it fills, which is a third of all traffic when memory is
+// the limit.
 #include "mensor/arrays.h"
 
 #include <algorithm>
@@ -19,8 +20,8 @@ namespace mensor::detail {
 
 namespace {
 
-// The pragma says that the iterations are independent. They are, even if both arrays are the same: each result
-// depends only on the value at its own index.
+// The pragma says that the iterations are independent. They are, even if both arrays are the same:
+// each result depends only on the value at its own index.
 template <class Operation>
 [[gnu::always_inline]] inline void loop(const double* values, double* results, std::size_t count,
                                         double c) {
@@ -37,7 +38,8 @@ void run(const double* values, double* results, std::size_t count, double c) {
 
 #if defined(__x86_64__)
 
-// Begins the vectors at a cache line of the results, because a store across two lines costs as much as two.
+// Begins the vectors at a cache line of the results, because a store across two lines costs as much
+// as two.
 template <class Operation>
 [[gnu::always_inline]] inline void loopByLines(const double* values, double* results,
                                                std::size_t count, double c) {
@@ -60,9 +62,9 @@ template <class Operation>
     loopByLines<Operation>(values, results, count, c);
 }
 
-// Stores two values at a time; memory is not faster with wider stores. A streaming store needs an address
-// divisible by 16. The fence orders these stores before later stores, so that another thread that sees a later
-// store also sees the results.
+// Stores two values at a time; memory is not faster with wider stores. A streaming store needs an
+// address divisible by 16. The fence orders these stores before later stores, so that another
+// thread that sees a later store also sees the results.
 template <class Operation>
 void stream(const double* values, double* results, std::size_t count, double c) {
     const Operation operation;

@@ -6,9 +6,9 @@
 
 namespace mensor::detail {
 
-// results[i] = values[i] + c and results[i] = values[i] * c for `count` values, with the same bits as the scalar
-// operations. `values` and `results` are the same array or do not overlap. `c` is not NaN: the result of two
-// NaNs is the first operand, and the compiler may swap the operands.
+// results[i] = values[i] + c and results[i] = values[i] * c for `count` values, with the same bits
+// as the scalar operations. `values` and `results` are the same array or do not overlap. `c` is not
+// NaN: the result of two NaNs is the first operand, and the compiler may swap the operands.
 void addAll(const double* values, double* results, std::size_t count, double c);
 void multiplyAll(const double* values, double* results, std::size_t count, double c);
 

@@ -35,8 +35,8 @@ std::int64_t sum(std::int64_t a, std::int64_t b) {
 
 // The factor `unit` to the power pow/root in lowest terms, if the root is not 1.
 Factor reducedFraction(const CUnitPtr* unit, std::int64_t pow, std::int64_t root) {
-    // Euclid's algorithm with the truncating remainder, as in greatestCommonDivisor: the sign of the result is
-    // that of the last divisor that is not zero.
+    // Euclid's algorithm with the truncating remainder, as in greatestCommonDivisor: the sign of
+    // the result is that of the last divisor that is not zero.
     std::int64_t divisor = pow < 0 ? -pow : pow;
     for (std::int64_t next = root; next != 0;) {
         const std::int64_t rest = divisor % next;

@@ -26,8 +26,8 @@ string_t nameOf(const CUnitPtr& unit) {
     }
 }
 
-// Appends the steps of `converter` in the order of their application, "*1.8+32". A chain may have any length, so
-// "..." replaces all steps after the eighth.
+// Appends the steps of `converter` in the order of their application, "*1.8+32". A chain may have
+// any length, so "..." replaces all steps after the eighth.
 void appendSteps(stringstream_t& text, const CConverter& converter) {
     constexpr int MostSteps = 8;
     int steps = 0;
@@ -66,8 +66,8 @@ string_t describeTransformed(const CTransformedUnit& unit, const CUnitPtr& syste
     return string_t(text.str());
 }
 
-// The product in the standard notation. If a factor has no text, which that notation would omit, the factors are
-// described one by one.
+// The product in the standard notation. If a factor has no text, which that notation would omit,
+// the factors are described one by one.
 string_t describeProduct(const CUnitPtr& unit, const CProductUnit& product) {
     string_t factors;
     bool isComplete = true;

@@ -18,9 +18,10 @@
 
 namespace mensor {
 
-/// Writes `unit` in the standard notation. A unit without a text is described in brackets: "[m*1609.34]" or
-/// "[K+273.15]" by its converter to the system unit, "[m*1609.34]·s^-1" for a product with such a factor,
-/// "[no unit]" for an empty pointer, "[unit without text]" for a client's kind.
+/// Writes `unit` in the standard notation. A unit without a text is described in brackets:
+/// "[m*1609.34]" or "[K+273.15]" by its converter to the system unit, "[m*1609.34]·s^-1" for a
+/// product with such a factor, "[no unit]" for an empty pointer, "[unit without text]" for a
+/// client's kind.
 ///
 /// Does not throw if the unit has no text. Applies the width of the stream, counted in bytes.
 /// @par Threads  Any thread, locks CUnit::mutex(); the caller serialises the stream.
@@ -35,8 +36,8 @@ operator<<(std::ostream& stream, const std::shared_ptr<Kind>& unit) {
     return stream << CUnitPtr(unit);
 }
 
-/// Writes the number with the settings of the stream (format, precision, width, locale), a blank and the unit as
-/// above.
+/// Writes the number with the settings of the stream (format, precision, width, locale), a blank
+/// and the unit as above.
 ///
 ///     std::cout << std::fixed << std::setprecision(2) << value;   // 2.50 km
 /// @par Threads  Any thread, locks CUnit::mutex(); the caller serialises the stream.

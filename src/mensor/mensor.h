@@ -5,8 +5,8 @@
 //     using namespace mensor;
 //     CValueWithUnit::fromString("2.5 km").valueAs(SI::Meter());   // 2500
 //
-// Each header below can also be included alone. The companion, mensor::checked, has its own headers in
-// mensor_checked/.
+// Each header below can also be included alone. The companion, mensor::checked, has its own headers
+// in mensor_checked/.
 #ifndef MENSOR_MENSOR_H
 #define MENSOR_MENSOR_H
 

@@ -1,6 +1,6 @@
 // mensor_export.h: which names the library exports. MENSOR_API exports a class or function from
-// libmensor.so. Everything else is compiled with hidden visibility. MENSOR_LOCAL hides a private member of
-// an exported class.
+// libmensor.so. Everything else is compiled with hidden visibility. MENSOR_LOCAL hides a private
+// member of an exported class.
 #ifndef MENSOR_MENSOR_EXPORT_H
 #define MENSOR_MENSOR_EXPORT_H
 

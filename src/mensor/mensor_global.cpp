@@ -16,9 +16,9 @@ const detail::CKept<std::vector<CPrefix>> Prefixes(std::vector<CPrefix>{
     {"n", 1e-9}, {"p", 1e-12}, {"f", 1e-15}, {"a", 1e-18}, {"z", 1e-21}, {"y", 1e-24},
 });
 
-// Rounds toward zero. Returns the largest int for a larger number and 0 for NaN. A plain conversion of a double
-// that does not fit differs between processors. A sum of code points is never negative, so there is no lower
-// bound.
+// Rounds toward zero. Returns the largest int for a larger number and 0 for NaN. A plain conversion
+// of a double that does not fit differs between processors. A sum of code points is never negative,
+// so there is no lower bound.
 int saturate(double x) {
     constexpr double Largest = std::numeric_limits<int>::max();
     if (x != x) {

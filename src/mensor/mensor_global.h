@@ -65,11 +65,11 @@ MENSOR_API const CPrefix& prefix(ePrefix p);
 /// @par Threads  Any thread; takes no lock.
 MENSOR_API std::string toStdString(const string_t& s);
 
-/// The hash code of a symbol: the sum of code point × 31^(number of code points after it), converted to `int`
-/// after every step.
+/// The hash code of a symbol: the sum of code point × 31^(number of code points after it),
+/// converted to `int` after every step.
 ///
-/// The sum ends at 2147483647. So all texts of eight or more code points have the same hash code (unless they
-/// begin with NUL), and so have most texts of six and seven. Use short symbols.
+/// The sum ends at 2147483647. So all texts of eight or more code points have the same hash code
+/// (unless they begin with NUL), and so have most texts of six and seven. Use short symbols.
 ///
 ///     hashFromString("m");    // 109
 ///     hashFromString("kg");   // 107 * 31 + 103

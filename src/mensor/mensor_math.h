@@ -14,7 +14,8 @@ MENSOR_API int floatToIntBits(float f);
 
 /// The greatest common divisor by Euclid's algorithm with the truncating remainder.
 ///
-/// The sign is that of the last divisor that is not zero: (4, -6) gives -2, (-4, 6) gives 2. (0, 0) gives 0.
+/// The sign is that of the last divisor that is not zero: (4, -6) gives -2, (-4, 6) gives 2. (0, 0)
+/// gives 0.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_API int greatestCommonDivisor(int a, int b);
 

@@ -17,8 +17,8 @@ inline void requireUnit(const CUnitPtr& unit, const char* function) {
     }
 }
 
-// Returns `given`, the result of a virtual function of a unit or converter. Refuses an empty pointer, which
-// only the class of a client can return.
+// Returns `given`, the result of a virtual function of a unit or converter. Refuses an empty
+// pointer, which only the class of a client can return.
 template <class Pointer>
 Pointer requireGiven(Pointer given, const char* function) {
     if (!given) {

@@ -5,8 +5,8 @@
 //     const char* const end = at + text.size();
 //     while (at != end) use(detail::decodeUtf8(at, end));
 //
-// Every byte sequence, even a malformed one, reads as some code points. Nothing outside [position, end) is
-// read. The lead byte alone decides how many bytes belong to a code point:
+// Every byte sequence, even a malformed one, reads as some code points. Nothing outside [position,
+// end) is read. The lead byte alone decides how many bytes belong to a code point:
 //
 //     0xxxxxxx                    1 byte, itself (a NUL is an ordinary code point)
 //     110xxxxx ... 1111110x       2 to 6 bytes: the x, then the low 6 bits of each further byte,
@@ -14,8 +14,8 @@
 //     a lead byte cut off by end  1 byte, its raw value
 //     10xxxxxx, 0xFE, 0xFF        1 byte, its raw value
 //
-// Further bytes are not validated on purpose. Counting, indexing and hashing all use this rule, so they agree
-// on every text.
+// Further bytes are not validated on purpose. Counting, indexing and hashing all use this rule, so
+// they agree on every text.
 #ifndef MENSOR_UTF8_H
 #define MENSOR_UTF8_H
 
@@ -39,8 +39,8 @@ inline std::size_t sequenceLength(const char* position, const char* end) {
     return length <= static_cast<std::size_t>(end - position) ? length : 1;
 }
 
-/// Returns the code point at `position` and moves `position` past it. At the end, returns 0 and leaves
-/// `position`.
+/// Returns the code point at `position` and moves `position` past it. At the end, returns 0 and
+/// leaves `position`.
 inline char32_t decodeUtf8(const char*& position, const char* end) {
     const std::size_t length = sequenceLength(position, end);
     if (length == 0)

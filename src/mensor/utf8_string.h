@@ -11,18 +11,20 @@
 //     for (char32_t c : speed) use(c);
 //     utf8_string(std::string("k\0m", 3))  // 3 code points: a NUL is kept
 //
-// This is mensor's string_t, unless mensor is built with tiny-utf8 (MENSOR_STRING). The class of tiny-utf8 has
-// the same interface as far as mensor and its clients use it. Write string_t, which mensor/mensor_global.h
-// declares, instead of this name.
+// This is mensor's string_t, unless mensor is built with tiny-utf8 (MENSOR_STRING). The class of
+// tiny-utf8 has the same interface as far as mensor and its clients use it. Write string_t, which
+// mensor/mensor_global.h declares, instead of this name.
 //
-// Any bytes are accepted and stored unchanged. In malformed text a lead byte takes as many bytes as it
-// announces, even if they are no continuation bytes. A lead byte whose sequence runs past the end of the text, a
-// continuation byte without a lead byte, 0xFE and 0xFF each are one code point with their own value. Counting,
-// indexing, cutting and iterating agree on this, and none reads outside the text.
+// Any bytes are accepted and stored unchanged. In malformed text a lead byte takes as many bytes as
+// it announces, even if they are no continuation bytes. A lead byte whose sequence runs past the
+// end of the text, a continuation byte without a lead byte, 0xFE and 0xFF each are one code point
+// with their own value. Counting, indexing, cutting and iterating agree on this, and none reads
+// outside the text.
 //
 // Threads: caller serialises changes of one text, as of a std::string; distinct texts any thread.
-// Cost: the bytes are one std::string, so short texts need no heap memory. A function that takes an index or
-// returns a number of code points walks the text up to that point. To visit every code point, iterate.
+// Cost: the bytes are one std::string, so short texts need no heap memory. A function that takes an
+// index or returns a number of code points walks the text up to that point. To visit every code
+// point, iterate.
 #ifndef MENSOR_UTF8_STRING_H
 #define MENSOR_UTF8_STRING_H
 
@@ -57,7 +59,8 @@ public:
     /// All of `bytes`, NULs included.
     utf8_string(std::string bytes) noexcept : m_Bytes(std::move(bytes)) {}
 
-    /// One code point. U+FFFD for a number beyond 0x7FFFFFFF, which does not fit six bytes of UTF-8.
+    /// One code point. U+FFFD for a number beyond 0x7FFFFFFF, which does not fit six bytes of
+    /// UTF-8.
     explicit utf8_string(char32_t codePoint) { push_back(codePoint); }
 
     /// `count` times the same code point.
@@ -107,7 +110,8 @@ public:
     const char* c_str() const noexcept { return m_Bytes.c_str(); }
     const char* data() const noexcept { return m_Bytes.data(); }
 
-    /// The bytes as a string. For a temporary text the string is moved out, so that it does not dangle.
+    /// The bytes as a string. For a temporary text the string is moved out, so that it does not
+    /// dangle.
     const std::string& cpp_str() const& noexcept { return m_Bytes; }
     std::string cpp_str() && noexcept { return std::move(m_Bytes); }
 

@@ -1,4 +1,4 @@
-// BadInput_test.cpp: what is refused, with which exception, and that a refusal leaves no trace.
+// BadInput_test.cpp: refused input, the exceptions, and that a refusal changes no table.
 #include <functional>
 #include <limits>
 #include <string>
@@ -30,8 +30,8 @@ struct Refusal {
     std::string Outcome;
 };
 
-// Each call ends as it says and leaves the tables as they were. The caches of dimensions do not
-// belong to them: asking whether two units are compatible fills those.
+// Each call has the given outcome and leaves the tables as they were. The tables of dimensions are
+// not compared, because isCompatible() fills them.
 void expectRefused(const std::vector<Refusal>& refusals) {
     for (const Refusal& refusal : refusals) {
         SCOPED_TRACE(refusal.What);
@@ -49,7 +49,7 @@ int wrappedProduct(int left, int right) {
     return static_cast<int>(static_cast<unsigned>(left) * static_cast<unsigned>(right));
 }
 
-TEST(BadInput, TextThatIsNoUnitIsRefused) {
+TEST(BadInput, ATextThatIsNotAUnitIsRefused) {
     expectRefused({
         parsing("xyz", "std::invalid_argument: Label: xyz not recognized"),
         parsing("[a b]", "std::invalid_argument: Label: [a b] not recognized"),
@@ -63,8 +63,8 @@ TEST(BadInput, TextThatIsNoUnitIsRefused) {
     });
 }
 
-// Factors that are good, and new to the process, stand before what is refused.
-TEST(BadInput, TextIsRefusedBeforeAnyOfItIsBuilt) {
+// Valid factors, whose product is new, precede the refused part.
+TEST(BadInput, ARefusedTextRegistersNothing) {
     expectRefused({
         parsing("kg^17·xyz", "std::invalid_argument: Label: xyz not recognized"),
         parsing("kg^17·cd·[x]", "std::invalid_argument: Label: [x] not recognized"),
@@ -82,7 +82,7 @@ TEST(BadInput, TextIsRefusedBeforeAnyOfItIsBuilt) {
     });
 }
 
-TEST(BadInput, TextIsTriedWithAUnitThatIsNotRegisteredAsItself) {
+TEST(BadInput, ATextWithAnUnregisteredUnitIsRefusedIfItsExponentOverflows) {
     const CUnitPtr registered = CBaseUnit::getInstance("bushel");
     CUnitFormat::alias(CClientUnit::make("", registered->hashCode()), "unregistered");
     CUnitFormat::unitFor("unregistered")->calculateHashCode();
@@ -90,7 +90,7 @@ TEST(BadInput, TextIsTriedWithAUnitThatIsNotRegisteredAsItself) {
                            "std::overflow_error: Exponent 2147483648 is out of range")});
 }
 
-TEST(BadInput, TextIsTriedWithANegativeRootUnderTheHashThatItWillHave) {
+TEST(BadInput, ATextWithANegativeRootIsRefusedIfItsExponentOverflows) {
     const CUnitPtr base = CBaseUnit::getInstance("firkin");
     const auto client = CClientUnit::make("", wrappedProduct(7, base->hashCode()));
     client->Elements = [=] { return std::vector{CUnitRationalPower(base, largest, 1)}; };
@@ -98,8 +98,8 @@ TEST(BadInput, TextIsTriedWithANegativeRootUnderTheHashThatItWillHave) {
     EXPECT_EQ(CUnit::fromString("firkin^1:-2·firkin^5000"), base->root(-2) * (base ^ 5000));
 }
 
-TEST(BadInput, ExponentsThatNoIntCanHoldAreRefused) {
-    // Good units at the edge, so that only what goes beyond it is refused below.
+TEST(BadInput, ExponentsThatDoNotFitAnIntAreRefused) {
+    // Valid units at the limit, so that only exponents beyond it are refused below.
     const CUnitPtr huge = SI::Meter()->pow(largest);
     const CUnitPtr deep = SI::Meter()->root(largest);
     const CUnitPtr root = SI::Meter()->root(2);
@@ -133,13 +133,13 @@ TEST(BadInput, ExponentsThatNoIntCanHoldAreRefused) {
         {"the smallest power by operator", [&] { static_cast<void>(second ^ smallest); },
          "std::overflow_error: Exponent -2147483648 is out of range"},
     });
-    // A refusal is not remembered either: what comes next is computed as ever.
+    // A refusal leaves nothing in a cache: later results are computed as before.
     EXPECT_EQ(huge->root(largest), SI::Meter());
     EXPECT_EQ(deep->pow(largest), SI::Meter());
     EXPECT_EQ(huge->divide(huge), CProductUnit::one());
 }
 
-TEST(BadInput, HugePowersAndRootsAreCanonicalButKeptInNoSlot) {
+TEST(BadInput, HugePowersAndRootsAreRegisteredButNotCached) {
     const CUnitPtr metre = SI::Meter();
     for (const int n : {4097, 1000003, 2000000000, largest}) {
         EXPECT_EQ(metre->pow(n), metre->pow(n)) << n;
@@ -149,7 +149,7 @@ TEST(BadInput, HugePowersAndRootsAreCanonicalButKeptInNoSlot) {
     }
     EXPECT_EQ(metre->pow(4096)->multiply(metre), metre->pow(4097));
     EXPECT_EQ(metre->pow(4097)->divide(metre), metre->pow(4096));
-    EXPECT_EQ(Inside::powLookUp(metre).size(), 4095U) << "slots for 2 to 4096";
+    EXPECT_EQ(Inside::powLookUp(metre).size(), 4095U) << "entries for 2 to 4096";
     EXPECT_LE(Inside::rootLookUp(metre).size(), 4095U);
 }
 
@@ -180,7 +180,7 @@ TEST(BadInput, SymbolsInUseAreRefused) {
     });
 }
 
-TEST(BadInput, UnitsThatAreNoSystemUnitsStandForNothing) {
+TEST(BadInput, AlternateUnitsOfUnitsThatAreNotSystemUnitsAreRefused) {
     const CUnitPtr kilometre = SI::Kilo(SI::Meter());
     const std::string message = "Unit with Id[ " + std::to_string(Inside::id(kilometre)) +
                                 "] and Symbol [] is not a system unit";
@@ -192,7 +192,7 @@ TEST(BadInput, UnitsThatAreNoSystemUnitsStandForNothing) {
     });
 }
 
-TEST(BadInput, UnitsOfDifferentDimensionsAreNotConverted) {
+TEST(BadInput, UnitsWithDifferentDimensionsDoNotConvert) {
     const CUnitPtr speed = SI::Meter() / SI::Second();
     const CUnitPtr rate = SI::Celsius() / SI::Second();
     const CUnitPtr perSecond = SI::Kelvin() / SI::Second();
@@ -208,7 +208,7 @@ TEST(BadInput, UnitsOfDifferentDimensionsAreNotConverted) {
     });
 }
 
-TEST(BadInput, AUnitWithoutTextIsNotWritten) {
+TEST(BadInput, WritingAUnitWithoutTextIsRefused) {
     const CUnitPtr unnamed = CBaseUnit::getInstance(freshSymbol())->multiply(7);
     const std::string outcome = "std::invalid_argument: Cannot format given Object as a Unit";
     expectRefused({
@@ -219,18 +219,18 @@ TEST(BadInput, AUnitWithoutTextIsNotWritten) {
     });
 }
 
-TEST(BadInput, EqualsIsFalseForNoUnitAndForAnotherKind) {
+TEST(BadInput, EqualsIsFalseForAnEmptyPointerAndForAnotherKind) {
     const CUnitPtr kilometre = SI::Kilo(SI::Meter());
     for (const CUnitPtr& unit : {CUnitPtr(SI::Meter()), SI::Newton(), kilometre,
                                  SI::Meter() / SI::Second(), CProductUnit::one()}) {
         EXPECT_FALSE(unit->equals(nullptr)) << unit->toStdString();
         EXPECT_TRUE(unit->equals(unit)) << unit->toStdString();
     }
-    EXPECT_FALSE(kilometre->equals(SI::Meter())) << "its own system unit is of another kind";
+    EXPECT_FALSE(kilometre->equals(SI::Meter())) << "the system unit is of another kind";
 }
 
-// A transformation whose identity belongs to a unit of another kind gives no unit.
-TEST(BadInput, AnEmptyUnitIsRefusedWhereverItIsGiven) {
+// A transformation returns an empty pointer if its hash code belongs to a unit of another kind.
+TEST(BadInput, AnEmptyUnitIsRefusedByEveryFunction) {
     const CUnitPtr none = SI::Meter()->multiply(0.0);
     EXPECT_EQ(none, nullptr);
     const CUnitPtr metre = SI::Meter();
@@ -274,7 +274,7 @@ TEST(BadInput, AnEmptyUnitIsRefusedWhereverItIsGiven) {
     EXPECT_EQ(CUnitFormat::unitFor("qzx"), nullptr);
 }
 
-TEST(BadInput, AValueWithoutABlankIsQuoted) {
+TEST(BadInput, TheMessageQuotesAValueWithoutABlank) {
     for (const std::string text : {"", "5", "2.5km", "5\tm"}) {
         const Tables before;
         const std::string outcome = outcomeOf([&] { CValueWithUnit::fromString(text); });
@@ -284,7 +284,7 @@ TEST(BadInput, AValueWithoutABlankIsQuoted) {
     }
 }
 
-TEST(BadInput, ANumberThatIsNoneIsRefusedThoughItsUnitIsGood) {
+TEST(BadInput, AValueWithAnInvalidNumberIsRefused) {
     expectRefused({
         {"no digits", [] { CValueWithUnit::fromString("x m"); }, "std::invalid_argument: stod"},
         {"too large", [] { CValueWithUnit::fromString("1e999 m"); }, "std::out_of_range: stod"},
@@ -292,7 +292,7 @@ TEST(BadInput, ANumberThatIsNoneIsRefusedThoughItsUnitIsGood) {
     });
 }
 
-TEST(BadInput, AnObjectThatNoPointerOwnsCannotHandItselfOut) {
+TEST(BadInput, AnObjectWithoutSharedOwnerThrowsWhereItWouldReturnItself) {
     CTransformedUnit kilometre(SI::Meter(), std::make_shared<CMultiplyConverter>(1000));
     EXPECT_EQ(outcomeOf([&] { kilometre.elements(); }), "std::bad_weak_ptr: bad_weak_ptr");
     EXPECT_EQ(outcomeOf([&] { kilometre.getDimension(); }), "std::bad_weak_ptr: bad_weak_ptr");
@@ -300,7 +300,7 @@ TEST(BadInput, AnObjectThatNoPointerOwnsCannotHandItselfOut) {
     CAddConverter adding(1);
     EXPECT_EQ(outcomeOf([&] { adding.concatenate(CConverter::identity()); }),
               "std::bad_weak_ptr: bad_weak_ptr");
-    EXPECT_THAT(adding.inverse()->convert(3), HasBitsOf(2.0)) << "a new object needs no owner";
+    EXPECT_THAT(adding.inverse()->convert(3), HasBitsOf(2.0)) << "inverse() returns a new object";
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// BeforeMain_test.cpp: threads that a client starts while its statics are initialised find the library
-// ready, and race for first uses as any other thread.
+// BeforeMain_test.cpp: threads that a client starts during the initialisation of its statics find
+// the library initialised and can use it.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -38,7 +38,7 @@ const std::vector<std::vector<CUnitPtr>> UsedBeforeMain = [] {
     return results;
 }();
 
-TEST(BeforeMain, ThreadsMeetTheSameUnitsAsAfterIt) {
+TEST(BeforeMain, ThreadsGetTheSameUnitsAsInMain) {
     EXPECT_THAT(UsedBeforeMain, Each(firstUses()));
     EXPECT_EQ(UsedBeforeMain.front()[3]->toStdString(), "Rp/(kW·h)");
     EXPECT_EQ(CUnit::fromString("CHF/kg"), UsedBeforeMain.front()[4]);

@@ -1,4 +1,4 @@
-// Boundary_test.cpp: what the headers show clients and must not let them touch.
+// Boundary_test.cpp: members that the headers show but clients cannot access.
 #include <gtest/gtest.h>
 
 #include <type_traits>
@@ -18,7 +18,7 @@
 namespace mensor {
 namespace {
 
-// REACHABLE(name): isReachable_name<Class>() tells whether a client may write &Class::name.
+// REACHABLE(name): Reachable_name<Class> tells whether a client can write &Class::name.
 #define REACHABLE(name)                           \
     template <class Class, class = void>          \
     struct Reachable_##name : std::false_type {}; \
@@ -57,12 +57,12 @@ REACHABLE(convertArray)
 REACHABLE(m_Value)
 REACHABLE(write)
 
-TEST(Boundary, PublicMembersAreSeenByThisTest) {
+TEST(Boundary, TheTestFindsPublicMembers) {
     EXPECT_TRUE(Reachable_getSymbol<CUnit>::value);
     EXPECT_TRUE(Reachable_toSystem<CTransformedUnit>::value);
 }
 
-TEST(Boundary, MembersThatAreNotPublicAreOutOfReach) {
+TEST(Boundary, ClientsCannotAccessMembersThatAreNotPublic) {
     EXPECT_FALSE(Reachable_m_Symbol<CUnit>::value);
     EXPECT_FALSE(Reachable_m_HashCode<CUnit>::value);
     EXPECT_FALSE(Reachable_m_Id<CUnit>::value);
@@ -97,7 +97,7 @@ TEST(Boundary, MembersThatAreNotPublicAreOutOfReach) {
     EXPECT_FALSE(Reachable_write<CStandardUnitFormat>::value);
 }
 
-TEST(Boundary, UnitsAreMadeByTheAlgebraAndNeverCopied) {
+TEST(Boundary, ClientsCannotCopyOrConstructUnits) {
     EXPECT_FALSE((std::is_constructible_v<CBaseUnit, string_t>));
     EXPECT_FALSE(std::is_default_constructible_v<CProductUnit>);
     EXPECT_FALSE(std::is_copy_constructible_v<CTransformedUnit>);

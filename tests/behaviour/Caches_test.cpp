@@ -1,5 +1,5 @@
-// Caches_test.cpp: a cached answer never differs from the tables. Asking for a table switches the caches off, so the
-// tests do it only where a comment or the name says so.
+// Caches_test.cpp: a cached answer never differs from the tables. Asking for a table switches the
+// caches off, so the tests do it only where a comment or the name says so.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -38,7 +38,8 @@ CUnitPtr parsedTwice(const string_t& text) {
     return first;
 }
 
-// Runs `action` in another thread while this one holds the mutex. Never returns if `action` needs the mutex.
+// Runs `action` in another thread while this one holds the mutex. Never returns if `action` needs
+// the mutex.
 void runInAnotherThreadWithTheMutexHeld(const std::function<void()>& action) {
     ASSERT_NE(CUnitFormat::namesVersion(), 0U) << "the caches are off";
     const std::lock_guard<std::recursive_mutex> lock(CUnit::mutex());
@@ -241,8 +242,8 @@ TEST(CachedDimensions, AreNotReadFromANodeThatAClientExtracts) {
 }
 
 TEST(CachedDimensions, AUnitWhoseRegistrationIsRefusedIsNotCached) {
-    // A kind of unit that computes its converter while it is registered, as transformed units do. Its registration is
-    // refused because of its symbol.
+    // A kind of unit that computes its converter while it is registered, as transformed units do.
+    // Its registration is refused because of its symbol.
     class CRefused : public CDerivedUnit {
     public:
         CRefused() : CDerivedUnit("m") {}

@@ -1,5 +1,5 @@
-// Catalogue_test.cpp: what the process knows right after the library was loaded: every name, what it
-// stands for, and nothing besides.
+// Catalogue_test.cpp: the tables right after load: every name, the unit that it denotes, and no
+// other names.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -28,8 +28,8 @@ std::set<std::string> textsOf(const std::map<string_t, CUnitPtr>& table) {
     return texts;
 }
 
-TEST(Catalogue, EveryNameStandsForItsUnit) {
-    for (const CatalogueRow& row : catalogue()) {
+TEST(Catalogue, EveryNameDenotesItsUnit) {
+    for (const CatalogueRow& row : catalogueRows()) {
         SCOPED_TRACE(row.Name);
         const CUnitPtr unit = CUnitFormat::unitFor(row.Name);
         ASSERT_NE(unit, nullptr);
@@ -54,7 +54,7 @@ TEST(Catalogue, EveryNameStandsForItsUnit) {
 
 TEST(Catalogue, NoOtherNameIsKnown) {
     std::set<std::string> symbols, labels;
-    for (const CatalogueRow& row : catalogue()) {
+    for (const CatalogueRow& row : catalogueRows()) {
         EXPECT_TRUE((row.isSystemUnit() ? symbols : labels).insert(row.Name).second) << row.Name;
     }
     EXPECT_EQ(textsOf(CUnit::symbols()), symbols);
@@ -63,7 +63,7 @@ TEST(Catalogue, NoOtherNameIsKnown) {
     EXPECT_EQ(labels.size(), 569U);
 }
 
-TEST(Catalogue, TheTablesOfLabelsAreExactInverses) {
+TEST(Catalogue, TheTwoLabelTablesAreInverse) {
     EXPECT_EQ(CUnitFormat::unitLabelMap().size(), CUnitFormat::labelUnitMap().size());
     for (const auto& [label, unit] : CUnitFormat::labelUnitMap()) {
         const auto back = CUnitFormat::unitLabelMap().find(unit);
@@ -74,28 +74,28 @@ TEST(Catalogue, TheTablesOfLabelsAreExactInverses) {
 
 TEST(Catalogue, HasNoAliases) { EXPECT_TRUE(CUnitFormat::aliasUnitMap().empty()); }
 
-TEST(Catalogue, IdsCountTheRegistrationsFromTwoOn) {
-    for (const CatalogueRow& row : catalogue()) {
+TEST(Catalogue, IdsCountTheRegistrationsFromTwo) {
+    for (const CatalogueRow& row : catalogueRows()) {
         EXPECT_EQ(Inside::id(CUnitFormat::unitFor(row.Name)), row.Id) << row.Name;
     }
-    EXPECT_EQ(Inside::id(SI::Ampere()), 2);  // the first unit of all
+    EXPECT_EQ(Inside::id(SI::Ampere()), 2);  // the first registered unit
     EXPECT_EQ(Inside::id(CProductUnit::one()), 0);
 
     std::set<int> ids;
     for (const auto& instance : CUnit::instances()) {
         ids.insert(Inside::id(instance.second));
     }
-    std::set<int> expected{0};  // 1 is the place of the dimensionless unit, which keeps id 0
+    std::set<int> expected{0};  // 1 would be that of the dimensionless unit, which keeps 0
     for (int id = 2; id <= static_cast<int>(CUnit::instances().size()); ++id) {
         expected.insert(id);
     }
     EXPECT_EQ(ids, expected);
 }
 
-// 652 units: one, 29 with a symbol, 569 with a label, the aeon, and 52 products that definitions and
-// dimensions brought about. Registering a transformed unit asks for its converter, so all 570 of them
-// are in the caches of dimensions, and what they are scaled from.
-TEST(Catalogue, FillsTheTablesAndTheCachesOfDimensions) {
+// 652 units: the dimensionless unit, 29 with a symbol, 569 with a label, the aeon, and 52 products
+// from definitions and dimensions. Registering a transformed unit computes its converter, so all
+// 570 of them and their system units are in the tables of dimensions.
+TEST(Catalogue, HasTheseNumbersOfUnitsNamesAndDimensions) {
     EXPECT_EQ(CUnit::instances().size(), 652U);
     EXPECT_EQ(CUnit::dimensions().size(), 601U);
     EXPECT_EQ(CUnit::toDimensions().size(), 601U);
@@ -105,7 +105,7 @@ TEST(Catalogue, FillsTheTablesAndTheCachesOfDimensions) {
     }
 }
 
-TEST(Catalogue, TheDimensionlessUnitStandsUnderTheKeyZero) {
+TEST(Catalogue, TheDimensionlessUnitHasTheKeyZero) {
     EXPECT_EQ(CUnit::instances().at(0), CProductUnit::one());
     EXPECT_EQ(CProductUnit::one()->hashCode(), 0);
     for (const auto& [hash, unit] : CUnit::instances()) {
@@ -113,15 +113,15 @@ TEST(Catalogue, TheDimensionlessUnitStandsUnderTheKeyZero) {
     }
 }
 
-TEST(Catalogue, TheDimensionlessUnitPrintsAsOneButOneDoesNotRead) {
+TEST(Catalogue, TheDimensionlessUnitPrintsAsOneButTheTextOneIsUnknown) {
     EXPECT_THAT(CProductUnit::one(), PrintsAs("One"));
     EXPECT_EQ(CUnitFormat::unitFor("One"), nullptr);
     EXPECT_THAT([] { CUnit::fromString("One"); },
                 ThrowsMessage<std::invalid_argument>(StrEq("Label: One not recognized")));
 }
 
-// In both notations, for the labelled and the named ones and all products that came about on the way.
-TEST(Catalogue, WhateverPrintsReadsBackAsTheSameObject) {
+// In both notations, for all units with a label or symbol and all products.
+TEST(Catalogue, EveryPrintedUnitReadsBackAsTheSameObject) {
     std::vector<CUnitPtr> units;
     for (const auto& instance : CUnit::instances()) {
         units.push_back(instance.second);
@@ -145,12 +145,12 @@ TEST(Catalogue, WhateverPrintsReadsBackAsTheSameObject) {
     EXPECT_THAT(unprintable[0], ConvertsTo(SI::Second(), 1, 31556952e9));
 }
 
-TEST(Catalogue, ProductsKeepTheOrderOfTheDefinitionThatMadeThem) {
+TEST(Catalogue, ProductsHaveTheOrderOfTheDefinitionThatMadeThem) {
     const struct {
         const char* Read;
         const char* Printed;
     } rows[] = {
-        {"kg·m²/s²", "m²·kg/s²"},  // the expansion of N·m, as m·kg/s² times m
+        {"kg·m²/s²", "m²·kg/s²"},  // the base units of N·m: m·kg/s² times m
         {"kg·m/s²", "m·kg/s²"},    // newton
         {"A·s", "s·A"},            // coulomb
         {"s·V", "V·s"},            // weber
@@ -163,8 +163,8 @@ TEST(Catalogue, ProductsKeepTheOrderOfTheDefinitionThatMadeThem) {
     }
 }
 
-// The hash alone decides: 3420 - 5 * 115 - 5 * 75 = 2795 - 5 * 65.
-TEST(Catalogue, UnitsOfOneHashAreOneUnitWhateverTheyMeasure) {
+// Both hash codes are the same: 3420 - 5 * 115 - 5 * 75 = 2795 - 5 * 65.
+TEST(Catalogue, UnitsWithTheSameHashCodeAreOneUnitEvenIfDimensionsDiffer) {
     EXPECT_EQ(CUnit::fromString("kg/(s·K)"), CUnit::fromString("Wb/A"));
     EXPECT_THAT(CUnit::fromString("kg/(s·K)"), PrintsAs("Wb/A"));
     EXPECT_TRUE(CUnit::fromString("kg/(s·K)")->isCompatible(SI::Henry()));

@@ -1,5 +1,5 @@
-// CommaLocale_test.cpp: what follows the locale, and what does not. Units and messages do not; the
-// numbers of CValueWithUnit, of streams and of the symbols of converters do (docs/reliability.md).
+// CommaLocale_test.cpp: what depends on the locale. Units and messages do not. The numbers of
+// CValueWithUnit, of streams and of the symbols of converters do (docs/reliability.md).
 #include <clocale>
 #include <iomanip>
 #include <map>
@@ -23,7 +23,7 @@ namespace {
 
 using test::CCommaLocale;
 
-// The number of the field, which ends at its first zero byte.
+// The number in the field, up to the first zero byte.
 std::string numberOf(const CValueWithUnit& value) { return text(value.toString()).c_str(); }
 
 TEST(CommaLocale, DoesNotChangeTheTextOfAnyUnit) {
@@ -43,25 +43,26 @@ TEST(CommaLocale, DoesNotChangeTheTextOfAnyUnit) {
     EXPECT_EQ(CUnit::fromString("m,s"), SI::Meter() * SI::Second());
 }
 
-TEST(CommaLocale, EndsTheNumberOfAValueAtItsPoint) {
+TEST(CommaLocale, ANumberEndsAtTheDecimalPoint) {
     EXPECT_EQ(CValueWithUnit::fromString("2.5 km").value(), 2.5);
     EXPECT_EQ(CValueWithUnit::fromString("2,5 km").value(), 2);
     const CCommaLocale comma;
     EXPECT_EQ(CValueWithUnit::fromString("2.5 km").value(), 2);
     EXPECT_EQ(CValueWithUnit::fromString("2,5 km").value(), 2.5);
-    EXPECT_EQ(CValueWithUnit::fromString("1.234,5 km").value(), 1) << "no points between thousands";
+    EXPECT_EQ(CValueWithUnit::fromString("1.234,5 km").value(), 1)
+        << "no points between groups of digits";
 }
 
-TEST(CommaLocale, WritesAValueWithAComma) {
+TEST(CommaLocale, AValueIsWrittenWithAComma) {
     const CValueWithUnit value(-1234.5, SI::Meter());
     EXPECT_EQ(numberOf(value), "-1234.500000");
     const CCommaLocale comma;
     EXPECT_EQ(numberOf(value), "-1234,500000");
-    EXPECT_EQ(text(value.toString()).substr(63), " m") << "the field keeps its length";
-    EXPECT_EQ(CValueWithUnit::fromString("-1234,500000 m"), value) << "reads its own";
+    EXPECT_EQ(text(value.toString()).substr(63), " m") << "the field has the same length";
+    EXPECT_EQ(CValueWithUnit::fromString("-1234,500000 m"), value) << "the written text reads back";
 }
 
-TEST(CommaLocale, OfNewStreamsIsThatOfTheirNumbers) {
+TEST(CommaLocale, NewStreamsWriteNumbersWithAComma) {
     const CCommaLocale comma;
     std::ostringstream german, classic;
     classic.imbue(std::locale::classic());
@@ -72,7 +73,7 @@ TEST(CommaLocale, OfNewStreamsIsThatOfTheirNumbers) {
     EXPECT_EQ(classic.str(), "1234.5 m");
 }
 
-TEST(CommaLocale, ShowsInTheSymbolsOfConverters) {
+TEST(CommaLocale, SymbolsOfConvertersHaveAComma) {
     const CMultiplyConverter mile(1609.344);
     const CAddConverter offset(273.15);
     EXPECT_EQ(text(mile.getSymbol(SI::Meter())), "[m*1609.34]");
@@ -83,7 +84,7 @@ TEST(CommaLocale, ShowsInTheSymbolsOfConverters) {
 
 TEST(CommaLocale, DoesNotChangeAnyMessage) {
     const CUnitPtr huge = SI::Meter()->pow(2147483647);
-    CUnitPtr late = SI::Meter();  // with an id of four digits, which a locale may group
+    CUnitPtr late = SI::Meter();  // an id with four digits, which a locale may group
     for (double factor = 2; Inside::id(late) < 1000; ++factor) {
         late = SI::Meter() * factor;
     }
@@ -102,8 +103,8 @@ TEST(CommaLocale, DoesNotChangeAnyMessage) {
     EXPECT_EQ(outcomeOf([&] { late->baseUnits(); }), classic);
 }
 
-// What a program does that otherwise wants the user's locale.
-TEST(CommaLocale, IsHarmlessWhereNumbersStayClassic) {
+// The user's locale with LC_NUMERIC set to "C".
+TEST(CommaLocale, HasNoEffectIfNumbersStayInTheCLocale) {
     test::provideCommaLocale();
     const std::locale german(test::CommaLocaleName);
     std::locale::global(std::locale(german, std::locale::classic(), std::locale::numeric));

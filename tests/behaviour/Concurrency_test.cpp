@@ -1,6 +1,6 @@
-// Concurrency_test.cpp: threads that race for the first use of a thing end with one object. Meant
-// above all for the tsan preset; elsewhere it shows that the results agree.
-// What could make threads wait for each other is in Locks_test.cpp.
+// Concurrency_test.cpp: threads that use something for the first time at once get one object. This
+// is mainly for the tsan preset. In others it shows that the results agree. Locks_test.cpp tests
+// the order of locks.
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -35,9 +35,9 @@ using ::testing::Each;
 using ::testing::Ne;
 
 constexpr int Threads = 4;
-constexpr int Rounds = 30;  // a race is lost now and then only
+constexpr int Rounds = 30;  // a race goes wrong only now and then
 
-// What each of some threads gets from `make`, all calling it at once.
+// The results of `make` in several threads that call it at once.
 template <class Make>
 auto raceFor(Make make) {
     std::vector<decltype(make())> results(Threads);
@@ -45,16 +45,14 @@ auto raceFor(Make make) {
     return results;
 }
 
-CBaseUnitPtr freshUnit() { return CBaseUnit::getInstance(freshSymbol()); }
-
-// Whatever was raced for, the tables are in order in the end.
+// After each test the tables must be consistent.
 class Concurrency : public ::testing::Test {
 protected:
     void TearDown() override { EXPECT_EQ(test::brokenInvariant(), ""); }
 };
 
 TEST_F(Concurrency, AnAccessorBuildsItsUnitOnce) {
-    ASSERT_EQ(CUnitFormat::unitFor("psi"), nullptr) << "built at its first use";
+    ASSERT_EQ(CUnitFormat::unitFor("psi"), nullptr) << "it must not be built yet";
     const std::size_t before = CUnit::instances().size();
     const std::vector<CUnitPtr> psis = raceFor(NonSI::Psi);
     EXPECT_THAT(psis, Each(AllOf(Ne(nullptr), NonSI::Psi())));
@@ -64,7 +62,7 @@ TEST_F(Concurrency, AnAccessorBuildsItsUnitOnce) {
     EXPECT_THAT(nones, Each(AllOf(Ne(nullptr), NonSI::None())));
 }
 
-TEST_F(Concurrency, WhatThereIsOneOfIsOneObjectInAllThreads) {
+TEST_F(Concurrency, SingletonsAreOneObjectInAllThreads) {
     EXPECT_THAT(raceFor(CASCIIUnitFormat::instance), Each(CASCIIUnitFormat::instance()));
     EXPECT_THAT(raceFor(CStandardUnitFormat::instance), Each(CStandardUnitFormat::instance()));
     EXPECT_THAT(raceFor(CConverter::identity), Each(CConverter::identity()));
@@ -84,7 +82,7 @@ TEST_F(Concurrency, ABaseUnitIsRegisteredOnce) {
     }
 }
 
-TEST_F(Concurrency, UnitsRegisteredAtOnceHaveIdsOfTheirOwn) {
+TEST_F(Concurrency, UnitsRegisteredConcurrentlyHaveDifferentIds) {
     constexpr int UnitsOfEach = 100;
     std::vector<string_t> symbols;
     std::set<std::string> chosen;
@@ -131,7 +129,7 @@ TEST_F(Concurrency, TheSameAlgebraGivesTheSameObjects) {
         std::vector<std::vector<CUnitPtr>> results(Threads, std::vector<CUnitPtr>(count));
         race(Threads, [&](int thread) {
             for (std::size_t i = 0; i < count; ++i) {
-                // Half of the threads go the same way, the others begin elsewhere.
+                // Half of the threads use the same order. The others begin at other operations.
                 const std::size_t at =
                     thread % 2 == 0 ? i : (i + static_cast<std::size_t>(thread)) % count;
                 results[static_cast<std::size_t>(thread)][at] = operations[at]();
@@ -168,21 +166,21 @@ TEST_F(Concurrency, ABaseUnitHasOneDimension) {
     }
 }
 
-TEST_F(Concurrency, AProductHasOneDimensionAndConvertsAlikeInAllThreads) {
+TEST_F(Concurrency, AProductHasOneDimensionAndConvertsTheSameInAllThreads) {
     for (int round = 0; round < Rounds; ++round) {
         const CUnitPtr a = freshUnit(), b = freshUnit();
         const CUnitPtr fast = (a * 1000.0) / b, slow = a / b;
         const auto dimensions = raceFor([&] { return fast->getDimension(); });
         ASSERT_THAT(dimensions, Each(slow));
         const CUnitPtr volume = (a * 10.0) ^ 3, reference = a ^ 3;
-        // 10 to the power 3 comes from pow, but it is the same pow in all threads.
+        // The factor is computed with pow, which gives the same result in all threads.
         const double expected = 2.5 * 1000;
         ASSERT_THAT(raceFor([&] { return volume->convertValueToUnit(2.5, reference); }),
                     Each(WithinOneUlp(expected)));
     }
 }
 
-TEST_F(Concurrency, ReadersAreRightWhileUnitsAreRegistered) {
+TEST_F(Concurrency, ReadersGetCorrectResultsWhileUnitsAreRegistered) {
     const CUnitPtr metre = SI::Meter(), kilometre = CUnit::fromString("km");
     const CUnitPtr speed = CUnit::fromString("km/h"), reference = SI::Meter() / SI::Second();
     const CConverterPtr shared = speed->getConverterTo(reference);
@@ -221,7 +219,7 @@ TEST_F(Concurrency, ReadersAreRightWhileUnitsAreRegistered) {
     }
 }
 
-TEST_F(Concurrency, TheSameLabelAndAliasMayBeGivenAtOnce) {
+TEST_F(Concurrency, ThreadsMayAttachTheSameLabelAndAliasConcurrently) {
     for (int round = 0; round < Rounds; ++round) {
         const CUnitPtr unit = freshUnit();
         const string_t label = freshSymbol();
@@ -233,7 +231,7 @@ TEST_F(Concurrency, TheSameLabelAndAliasMayBeGivenAtOnce) {
     }
 }
 
-TEST_F(Concurrency, OfUnitsThatWantOneLabelOneGetsIt) {
+TEST_F(Concurrency, OneOfSeveralUnitsGetsALabel) {
     for (int round = 0; round < Rounds; ++round) {
         const string_t label = freshSymbol();
         std::vector<CUnitPtr> units(Threads), winners(Threads);
@@ -245,7 +243,7 @@ TEST_F(Concurrency, OfUnitsThatWantOneLabelOneGetsIt) {
             try {
                 winners[i] = CUnitFormat::label(units[i], label);
             } catch (const std::invalid_argument&) {
-                // Another unit has it.
+                // Another unit has the label.
             }
         });
         const CUnitPtr holder = CUnitFormat::unitFor(label);
@@ -257,7 +255,7 @@ TEST_F(Concurrency, OfUnitsThatWantOneLabelOneGetsIt) {
     }
 }
 
-TEST_F(Concurrency, OfUnitsThatWantOneAliasOneGetsItInTheEyesOfAll) {
+TEST_F(Concurrency, OneOfSeveralUnitsGetsAnAliasAndAllThreadsSeeTheSame) {
     for (int round = 0; round < Rounds; ++round) {
         const string_t alias = freshSymbol();
         const std::vector<CUnitPtr> units = raceFor([&] {
@@ -268,7 +266,7 @@ TEST_F(Concurrency, OfUnitsThatWantOneAliasOneGetsItInTheEyesOfAll) {
     }
 }
 
-TEST_F(Concurrency, AUnitKeepsTheLastOfTheLabelsThatItIsGivenAtOnce) {
+TEST_F(Concurrency, AUnitKeepsTheLastOfItsConcurrentLabels) {
     for (int round = 0; round < Rounds; ++round) {
         const CUnitPtr unit = freshUnit();
         const std::vector<string_t> labels = raceFor([&] {
@@ -283,8 +281,7 @@ TEST_F(Concurrency, AUnitKeepsTheLastOfTheLabelsThatItIsGivenAtOnce) {
     }
 }
 
-// Reading, while the library remembers texts beside its tables and after a client has taken a table in
-// hand, which ends that.
+// Reading texts, with the caches on, and with the caches off after a table has been handed out.
 class ConcurrentReading : public Concurrency, public ::testing::WithParamInterface<bool> {
 protected:
     void SetUp() override {
@@ -307,7 +304,7 @@ TEST_P(ConcurrentReading, TheSameNewTextIsTheSameObject) {
     }
 }
 
-TEST_P(ConcurrentReading, OfMoreTextsThanAreRememberedEachGivesItsOwnUnit) {
+TEST_P(ConcurrentReading, MoreTextsThanTheCacheHoldsGiveTheirUnits) {
     const auto texts = test::manyTexts();
     ASSERT_GT(texts.size(), 512U);
     race(Threads, [&](int thread) {
@@ -316,14 +313,15 @@ TEST_P(ConcurrentReading, OfMoreTextsThanAreRememberedEachGivesItsOwnUnit) {
                 texts[(i * (2 * static_cast<std::size_t>(thread) + 1)) % texts.size()];
             ASSERT_EQ(CUnit::fromString(text), unit) << text;
             if (thread == 0 && i % 64 == 0) {
-                CUnitFormat::alias(unit, freshSymbol());  // what was remembered is void
+                CUnitFormat::alias(unit, freshSymbol());  // begins a new epoch of the cache
             }
         }
     });
 }
 
-// The names go from unit to unit. Whoever moves one sees that at once, everybody else sooner or later.
-TEST_P(ConcurrentReading, ALabelThatMovesIsReadAsAUnitThatHadIt) {
+// Labels move between units. The thread that moves one sees that at once, the others sooner or
+// later.
+TEST_P(ConcurrentReading, AMovingLabelReadsAsAUnitThatHadIt) {
     const CUnitPtr first = freshUnit(), second = freshUnit();
     const string_t wanderer = freshSymbol(), firstAtRest = freshSymbol(),
                    secondAtRest = freshSymbol();
@@ -353,8 +351,8 @@ TEST_P(ConcurrentReading, ALabelThatMovesIsReadAsAUnitThatHadIt) {
     });
 }
 
-// Whoever is last destroys the chain; the others must not have begun.
-TEST_F(Concurrency, AChainThatManyHoldIsDestroyedOnce) {
+// Only the last owner destroys the chain.
+TEST_F(Concurrency, AChainWithManyOwnersIsDestroyedOnce) {
     constexpr int Depth = 5000;
     for (int round = 0; round < Rounds; ++round) {
         const CConverterPtr leaf = std::make_shared<CAddConverter>(1);

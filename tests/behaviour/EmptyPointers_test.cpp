@@ -1,5 +1,5 @@
-// EmptyPointers_test.cpp: an empty pointer, which a lookup or a refused transformation may give, is
-// refused by name wherever it is handed in, and gets into no table.
+// EmptyPointers_test.cpp: every function refuses an empty pointer with a message that names the
+// function, and changes no table. A lookup or a refused transformation may return an empty pointer.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -25,7 +25,7 @@ namespace {
 using ::testing::StrEq;
 using ::testing::ThrowsMessage;
 
-TEST(EmptyPointers, AreRefusedByTheNameOfWhatWasCalled) {
+TEST(EmptyPointers, AreRefusedWithTheNameOfTheCalledFunction) {
     const CUnitPtr none;
     const CUnitPtr metre = SI::Meter();
     const CConverterPtr twice = std::make_shared<CMultiplyConverter>(2);
@@ -72,7 +72,7 @@ TEST(EmptyPointers, AreRefusedByTheNameOfWhatWasCalled) {
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(EmptyPointers, OfConvertersAreRefusedToo) {
+TEST(EmptyPointers, ToConvertersAreRefused) {
     const CConverterPtr none;
     const Tables before;
     EXPECT_THAT([&] { CTransformedUnit::getInstance(SI::Meter(), none); },
@@ -96,7 +96,7 @@ TEST(EmptyPointers, EqualNothing) {
     EXPECT_FALSE((SI::Meter() * 1000)->getConverterTo(SI::Meter())->equals(nullptr));
 }
 
-TEST(EmptyPointers, AnIdThatIsNegativeIsRefused) {
+TEST(EmptyPointers, ANegativeIdIsRefused) {
     class CNumbered : public CTransformedUnit {
     public:
         CNumbered() : CTransformedUnit(SI::Meter(), std::make_shared<CMultiplyConverter>(3)) {}

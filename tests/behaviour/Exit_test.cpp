@@ -1,9 +1,9 @@
-// Exit_test.cpp: nothing registered is destroyed when the process ends. behaviour/exit has programs whose
-// threads go on while it does.
+// Exit_test.cpp: registered units are not destroyed when the process ends. behaviour/exit has
+// programs whose threads run on while it ends.
 //
-// No test can look after main(). So a test leaves something to write in a stream of its own: flushing that
-// is the last thing that the process does, after all destructors, and ends it with a failure if a unit was
-// destroyed.
+// A test cannot run code after main(). So it leaves unwritten output in a stream with functions of
+// its own. Flushing that stream is the last act of the process, after all destructors. It makes the
+// process fail if a unit was destroyed.
 #include <unistd.h>
 
 #include <cstddef>
@@ -59,8 +59,8 @@ TEST(Exit, DestroysNoUnitOfAProduct) {
     EXPECT_EQ((unit / SI::Second())->getSystemUnit(), unit / SI::Second());
 }
 
-// A unit that is known by its alias alone, or by its dimension.
-TEST(Exit, DestroysNoUnitThatATableHolds) {
+// A unit that only the table of aliases or a table of dimensions owns.
+TEST(Exit, DestroysNoUnitThatATableOwns) {
     const string_t symbol = freshSymbol();
     const auto unit = std::make_shared<CObserved>(symbol, hashFromString(symbol));
     CUnitFormat::alias(unit, freshSymbol());

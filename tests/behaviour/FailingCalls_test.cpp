@@ -1,6 +1,6 @@
-// FailingCalls_test.cpp: what a call that throws leaves behind. Every call of the public interface that can
-// throw: symbols, labels and aliases are as they were; so are the units, but for calls that compute
-// products or dimensions before they fail (docs/reliability.md names them).
+// FailingCalls_test.cpp: the state after a call that throws, for every call of the public interface
+// that can throw. Symbols, labels and aliases are as before. So are the units, except after calls
+// that compute products or dimensions before they fail (docs/reliability.md lists them).
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -44,13 +44,13 @@ struct FailingCall {
     std::function<void()> Call;
 };
 
-// Units that nobody has asked anything yet. Each call is made in a process of its own.
+// New units, for which nothing is cached. Each call runs in a process of its own.
 CUnitPtr product() { return CUnit::fromString("cd²·mg"); }
 CUnitPtr offset() { return CUnit::fromString("°C·m"); }
 CUnitPtr none() { return {}; }
 
-// The object is of another class than the pointer says. The library refuses that; a sanitizer that checks
-// the class at each call would stop the test before.
+// The pointer has another class than its object. The library refuses that. A sanitizer that checks
+// the class at each call would stop the test earlier.
 __attribute__((no_sanitize("vptr"))) void setNoDimension(const CBaseUnitPtr& cast) {
     cast->setDimension(none(), {});
 }
@@ -161,9 +161,9 @@ const std::vector<FailingCall>& calls() {
 
 class FailingCalls : public ::testing::TestWithParam<std::size_t> {};
 
-TEST_P(FailingCalls, LeaveTheTablesAsTheyWere) {
+TEST_P(FailingCalls, LeaveTheTablesUnchanged) {
     const FailingCall& call = calls()[GetParam()];
-    product()->root(65536);  // what a caller has before the call
+    product()->root(65536);  // a unit that exists before the call
     offset();
     SI::Candela() * SI::Newton();
     (SI::Candela() * SI::Newton()) * SI::Mole();
@@ -184,9 +184,9 @@ TEST_P(FailingCalls, LeaveTheTablesAsTheyWere) {
 INSTANTIATE_TEST_SUITE_P(, FailingCalls, ::testing::Range(std::size_t{0}, calls().size()),
                          [](const auto& row) { return std::string(calls()[row.param].Name); });
 
-// A client's virtual function that gives an empty pointer.
+// Virtual functions of clients that return an empty pointer.
 
-TEST(AClientsKind, ThatGivesNoDimensionIsRefused) {
+TEST(AClientsKind, WithoutADimensionIsRefused) {
     const auto unit = freshClientUnit();
     unit->CtxDimension = [] { return CUnitPtr(); };
     EXPECT_THROW(unit->getDimension(), std::logic_error);
@@ -197,7 +197,7 @@ TEST(AClientsKind, ThatGivesNoDimensionIsRefused) {
     EXPECT_EQ(unit->getDimension(), unit);
 }
 
-TEST(AClientsKind, ThatGivesNoConverterIsRefused) {
+TEST(AClientsKind, WithoutAConverterIsRefused) {
     const auto unit = freshClientUnit();
     unit->CtxDimension = [] { return CUnitPtr(SI::Meter()); };
     unit->CtxToDimension = [] { return CConverterPtr(); };
@@ -213,7 +213,7 @@ TEST(AClientsKind, ThatGivesNoConverterIsRefused) {
     EXPECT_THROW(scaled->getCtxToDimension(), std::logic_error);
 }
 
-TEST(AClientsKind, ThatGivesNoSystemUnitIsRefused) {
+TEST(AClientsKind, WithoutASystemUnitIsRefused) {
     const auto unit = freshClientUnit();
     unit->SystemUnit = unit->BaseUnits = [] { return CUnitPtr(); };
     const CUnitPtr area = SI::Meter() * unit;
@@ -223,7 +223,7 @@ TEST(AClientsKind, ThatGivesNoSystemUnitIsRefused) {
     EXPECT_ANY_THROW(unit->alternate(freshSymbol()));
 }
 
-TEST(AClientsKind, WhoseConverterHasNoInverseIsRefused) {
+TEST(AClientsKind, WithAConverterWithoutInverseIsRefused) {
     class CNoInverse : public CConverter {
     public:
         CConverterPtr inverse() override { return nullptr; }
@@ -239,7 +239,7 @@ TEST(AClientsKind, WhoseConverterHasNoInverseIsRefused) {
     EXPECT_EQ(unit->convertValueToUnit(3, SI::Meter()), 3);
 }
 
-TEST(AClientsKind, ThatRegistersItsTwinWhileItIsAskedForItsSymbolIsOneUnit) {
+TEST(AClientsKind, MayRegisterAUnitWithItsHashCodeInGetSymbol) {
     const string_t symbol = freshSymbol();
     const int hash = hashFromString(symbol);
     const auto unit = CClientUnit::make(symbol, hash), twin = CClientUnit::make(symbol, hash);
@@ -255,8 +255,8 @@ TEST(AClientsKind, ThatRegistersItsTwinWhileItIsAskedForItsSymbolIsOneUnit) {
     EXPECT_EQ(twin->canonical(), twin);
 }
 
-// What is refused does not end what the library remembers, and its names are gone.
-TEST(RefusedDefinitions, LeaveNoNameAndGoOnRemembering) {
+// Refused definitions leave the caches on, and their names are free.
+TEST(RefusedDefinitions, LeaveNoNameAndTheCachesOn) {
     EXPECT_THROW(checked::defineUnits("qa = 3 m\nqb = 4 qa\nqc = 2 xyz\n"),
                  checked::CDefinitionError);
     EXPECT_NE(CUnitFormat::namesVersion(), 0U);
@@ -267,11 +267,11 @@ TEST(RefusedDefinitions, LeaveNoNameAndGoOnRemembering) {
     EXPECT_EQ(CUnit::fromString("qa"), SI::Meter() * 5.0);
 }
 
-TEST(DetachedNames, AreFreeForOthers) {
+TEST(DetachedNames, CanBeAttachedToOtherUnits) {
     const CUnitPtr unit = SI::Meter() * 3.5, other = SI::Meter() * 4.5;
     CUnitFormat::label(unit, "qa");
     CUnitFormat::alias(unit, "qb");
-    CUnitFormat::detach(other, "qa");  // not its own
+    CUnitFormat::detach(other, "qa");  // no name of this unit
     CUnitFormat::detach(unit, "m");
     EXPECT_EQ(CUnit::fromString("qa"), unit);
     CUnitFormat::detach(unit, "qa");
@@ -284,7 +284,7 @@ TEST(DetachedNames, AreFreeForOthers) {
     EXPECT_EQ(CUnit::fromString("qa"), other);
 }
 
-TEST(CheckedNotes, TellHowAUnitIsWrittenNow) {
+TEST(CheckedNotes, ContainTheCurrentLabelOfAUnit) {
     const auto notes = [] { return checked::tryReadUnit("N·mm").Notes; };
     checked::readUnit("mN·m");
     for (int i = 0; i < 3; ++i) {

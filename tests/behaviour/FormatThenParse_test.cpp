@@ -1,4 +1,4 @@
-// FormatThenParse_test.cpp: what is written reads as the very object that was written.
+// FormatThenParse_test.cpp: the text of a unit reads back as the same object.
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -13,7 +13,7 @@
 namespace mensor {
 namespace {
 
-// Everything that the catalogue has a name for.
+// All units of the catalogue that have a name.
 std::vector<CUnitPtr> namedUnits() {
     NonSI::Psi();
     std::vector<CUnitPtr> units;
@@ -44,7 +44,7 @@ private:
     std::uint32_t m_State;
 };
 
-TEST(FormatThenParse, GivesEveryNamedUnit) {
+TEST(FormatThenParse, ReturnsEveryNamedUnit) {
     const std::vector<CUnitPtr> units = namedUnits();
     EXPECT_EQ(units.size(), 599U);
     for (const CUnitPtr& unit : units) {
@@ -53,7 +53,7 @@ TEST(FormatThenParse, GivesEveryNamedUnit) {
     }
 }
 
-TEST(FormatThenParse, GivesEveryProductOfNamedUnits) {
+TEST(FormatThenParse, ReturnsEveryProductOfNamedUnits) {
     const std::vector<CUnitPtr> units = namedUnits();
     Random random(31415926);
     int checked = 0;
@@ -67,7 +67,7 @@ TEST(FormatThenParse, GivesEveryProductOfNamedUnits) {
             product = product->multiply(unit->pow(pow)->root(root));
         }
         if (product == CProductUnit::one()) {
-            continue;  // its symbol is not one to be read
+            continue;  // its symbol "One" does not read as it
         }
         if (CUnit::fromString(product->toString()) != product) {
             ++others;
@@ -81,7 +81,7 @@ TEST(FormatThenParse, GivesEveryProductOfNamedUnits) {
         checked += 2;
     }
     EXPECT_GT(checked, 3500);
-    EXPECT_LT(others, 60) << "too many accidents for a test to show anything";
+    EXPECT_LT(others, 60) << "with too many equal hash codes the test shows nothing";
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
-// Growth_test.cpp: what units that come from texts leave behind: themselves, and nothing that grows with
-// the number of all units.
+// Growth_test.cpp: the memory that units from texts need: that of the units, and nothing that grows
+// with the number of all units.
 //
-// The program's operator new counts the bytes, the library's included.
+// The operator new of this program counts the bytes, including those of the library.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -34,7 +34,7 @@ constexpr long BytesOfAUnit = 400, BytesOfAFactor = 16;
 constexpr long BytesOfAUnit = 700, BytesOfAFactor = 24;
 #endif
 
-// The same numbers in every run, below `end`.
+// Random numbers below `end`, the same in every run.
 class CRandom {
 public:
     std::size_t operator()(std::size_t end) {
@@ -46,7 +46,7 @@ private:
     std::uint64_t m_State = 1;
 };
 
-// The names that are letters alone, in the order of the table.
+// The names that consist of letters, in the order of the table.
 std::vector<std::string> names() {
     std::vector<std::string> names;
     for (const auto& entry : CUnitFormat::names()) {
@@ -79,8 +79,8 @@ std::string written(const Pieces& pieces) {
     return text;
 }
 
-// `count` texts of `length` factors, each of a random name of `names`, a random exponent up to `pow` and a
-// random root up to `root`.
+// `count` texts of `length` factors, each of a random name of `names`, a random exponent up to
+// `pow` and a random root up to `root`.
 std::vector<Pieces> shape(const std::vector<std::string>& names, std::size_t count,
                           std::size_t length, int pow = 1, int root = 1) {
     CRandom random;
@@ -122,15 +122,15 @@ std::map<std::string, std::vector<Pieces>> shapes() {
             {"prefixed names", shape(prefixed, 1000, 3, 2)}};
 }
 
-// The bytes on the heap, with what the allocator keeps beside each block.
+// The bytes on the heap, including the overhead of the allocator.
 long bytesOnTheHeap() { return liveBytes + liveBlocks * static_cast<long>(sizeof(std::size_t)); }
 
-// Bytes and units before and after.
+// Compares bytes and units before and after.
 class CGrowth {
 public:
     CGrowth() : m_Units(CUnit::instances().size()), m_Bytes(bytesOnTheHeap()) {}
 
-    // What all that was registered since may cost.
+    // Checks the bytes of all units that were registered since.
     void expectBounded(const std::string& name) const {
         const long bytes = bytesOnTheHeap() - m_Bytes;
         long units = 0, factors = 0;
@@ -154,7 +154,7 @@ private:
     long m_Bytes;
 };
 
-TEST(Growth, AUnitFromATextTakesABoundedNumberOfBytes) {
+TEST(Growth, AUnitFromATextNeedsABoundedNumberOfBytes) {
     for (const auto& [name, texts] : shapes()) {
         std::vector<string_t> read;
         for (const Pieces& pieces : texts) {
@@ -168,7 +168,7 @@ TEST(Growth, AUnitFromATextTakesABoundedNumberOfBytes) {
     }
 }
 
-TEST(Growth, AUnitThatIsAskedForItsDimensionTakesThoseBytesToo) {
+TEST(Growth, AUnitWithACachedDimensionNeedsABoundedNumberOfBytes) {
     for (const auto& [name, texts] : shapes()) {
         std::vector<string_t> read;
         for (const Pieces& pieces : texts) {
@@ -182,14 +182,14 @@ TEST(Growth, AUnitThatIsAskedForItsDimensionTakesThoseBytesToo) {
                 unit->getConverterTo(unit->getDimension());
                 unit->baseUnits();
             } catch (const std::logic_error&) {
-                // A factor has an offset, or is no system unit.
+                // A factor has an offset or is not a system unit.
             }
         }
         growth.expectBounded(name);
     }
 }
 
-// The slots of all caches of the algebra, without slot 0 of the products.
+// The number of entries in all caches of the algebra, without the entry 0 of the products.
 std::size_t slots() {
     std::size_t count = 0;
     for (const auto& entry : CUnit::instances()) {
@@ -202,7 +202,7 @@ std::size_t slots() {
     return count;
 }
 
-TEST(Growth, TextsAndFoldsFillNoSlotButTheFirst) {
+TEST(Growth, TextsAndFoldsFillNoCacheEntryExceptTheFirst) {
     CUnit::fromString("m");
     const std::size_t before = slots();
     for (const char* text :
@@ -216,7 +216,7 @@ TEST(Growth, TextsAndFoldsFillNoSlotButTheFirst) {
     EXPECT_EQ(slots(), before);
 }
 
-TEST(Growth, TheAlgebraOfAClientFillsItsSlotsAsBefore) {
+TEST(Growth, TheAlgebraOfAClientFillsTheCaches) {
     const CUnitPtr unit = SI::Meter();
     const CUnitPtr other = CUnit::fromString("cd^9");
     unit->multiply(other);
@@ -226,8 +226,8 @@ TEST(Growth, TheAlgebraOfAClientFillsItsSlotsAsBefore) {
     EXPECT_EQ(Inside::powLookUp(unit).size(), 16U);
 }
 
-// What a client puts into a slot is what a text gives.
-TEST(Growth, TextsUseTheSlotsThatAreFilled) {
+// A text gives the result that a client has put into a cache.
+TEST(Growth, TextsUseTheFilledCacheEntries) {
     const CUnitPtr m = SI::Meter(), s = SI::Second(), m5 = m->pow(5), one = CProductUnit::one();
     const CUnitPtr root = m->root(7), product = m->multiply(s), quotient = one->divide(m5);
     const CUnitPtr marker = SI::Lumen();
@@ -245,8 +245,8 @@ TEST(Growth, TextsUseTheSlotsThatAreFilled) {
     Inside::divideLookUp(one)[static_cast<std::size_t>(Inside::id(m5))] = quotient;
 }
 
-// Units that were never registered have the number 0, as the dimensionless unit has.
-TEST(Growth, TextsFillTheFirstSlotWhichUnregisteredUnitsShare) {
+// Units that were never registered have the id 0, like the dimensionless unit.
+TEST(Growth, TextsFillTheFirstCacheEntryWhichUnregisteredUnitsShare) {
     const auto first = CClientUnit::make("first", 777001),
                second = CClientUnit::make("second", 777002);
     CUnitFormat::label(first, "first");
@@ -262,7 +262,7 @@ TEST(Growth, TextsFillTheFirstSlotWhichUnregisteredUnitsShare) {
     EXPECT_EQ(CUnit::fromString("first^3:2"), first->pow(3)->root(2));
 }
 
-// All units in the order of their registration: number, hash code, symbol, label and factors.
+// All units in the order of their registration: id, hash code, symbol, label and factors.
 std::string dump() {
     std::map<int, std::string> lines;
     for (const auto& [hash, unit] : CUnit::instances()) {
@@ -281,7 +281,7 @@ std::string dump() {
     return all;
 }
 
-// The product of what `ofFactor` makes of each factor, by the algebra of clients.
+// Calls `ofFactor` for each factor and multiplies the results with the public algebra.
 template <class OfFactor>
 CUnitPtr folded(const CUnitPtr& unit, OfFactor ofFactor) {
     CUnitPtr product = CProductUnit::one();
@@ -292,8 +292,8 @@ CUnitPtr folded(const CUnitPtr& unit, OfFactor ofFactor) {
     return product;
 }
 
-// Every third unit is asked for its dimension, every fifth for its system unit, every seventh for its
-// base units, so that folds meet units that texts have not.
+// Computes the dimension of every third unit, the system unit of every fifth and the base units of
+// every seventh, so that folds use units that no text has used.
 template <class Read, class Fold>
 std::string dumpAfter(Read read, Fold fold) {
     const auto answer = [](const auto& ask) {
@@ -334,7 +334,7 @@ std::string dumpAfter(Read read, Fold fold) {
     return answers + dump();
 }
 
-TEST(Growth, TextsAndFoldsRegisterTheUnitsThatTheAlgebraOfAClientRegisters) {
+TEST(Growth, TextsAndFoldsRegisterTheSameUnitsAsTheAlgebraOfAClient) {
     const auto byTexts = inChild([](std::string& result) {
         result = dumpAfter([](const Pieces& pieces) { return CUnit::fromString(written(pieces)); },
                            [](const CUnitPtr&, const auto&) {});

@@ -1,6 +1,6 @@
-// HostileText_test.cpp: the longest and strangest texts end as short ones do, and what they leave in the
-// heap is what they registered; on the way they take memory in proportion. Bytes are counted, nothing is
-// timed; tests/budget counts instructions.
+// HostileText_test.cpp: very long and odd texts are read or refused like short ones. They leave
+// nothing in the heap except registered units, and need memory in proportion to their length. The
+// tests count bytes, not time; tests/budget counts instructions.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -21,7 +21,7 @@
 namespace mensor {
 namespace {
 
-// An emulator and the sanitizers take long.
+// Fewer cases under an emulator and the sanitizers, which are slow.
 #if defined(__arm__) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr int Many = 100000;
 #else
@@ -36,7 +36,7 @@ std::string repeated(const std::string& piece, int times) {
     return text;
 }
 
-// The bytes that parsing `text` leaves in the heap.
+// The bytes that remain in the heap after parsing `text`.
 long keptBy(const std::string& text, CUnitPtr& unit) {
     const string_t whole = text;
     const long before = liveBytes;
@@ -44,9 +44,8 @@ long keptBy(const std::string& text, CUnitPtr& unit) {
     return liveBytes - before;
 }
 
-// Each factor registers the product up to it; that is what it costs, and it does not cost more the more
-// units there are.
-TEST(HostileText, KeepsTheProductsOfItsFactorsAndNoTablesBesides) {
+// Each factor registers the product up to it. Its bytes do not depend on the number of units.
+TEST(HostileText, LeavesOnlyTheProductsOfItsFactors) {
     constexpr int Factors = 5000;
     const struct {
         const char* What;
@@ -68,12 +67,12 @@ TEST(HostileText, KeepsTheProductsOfItsFactorsAndNoTablesBesides) {
             text += factor(i);
         }
         const long before = liveBytes;
-        outcomeOf([&] { CUnit::fromString(text); });  // exponents may leave the range of int
+        outcomeOf([&] { CUnit::fromString(text); });  // exponents may be out of range
         EXPECT_LE(liveBytes - before, Factors * 2000L + 1000000);
     }
 }
 
-TEST(HostileText, OfManyFactorsIsTheProductThatTheAlgebraMakes) {
+TEST(HostileText, WithManyFactorsGivesTheProductOfTheAlgebra) {
     const auto own = CClientUnit::make("", 47110815);
     CUnitFormat::alias(own, "unregistered");
     const std::string piece = "m·kg^2/s^3·K^1:2·A^-1·mol^0/cd^2:-3·unregistered/pF^-1:-1/";
@@ -98,10 +97,11 @@ TEST(HostileText, OfManyFactorsIsTheProductThatTheAlgebraMakes) {
         by(picofarad, 1, -1);
     }
     EXPECT_EQ(product, unit);
-    EXPECT_EQ(CUnit::instances().size(), registered) << "the text made each of these products";
+    EXPECT_EQ(CUnit::instances().size(), registered)
+        << "the text has registered each of these products";
 }
 
-TEST(HostileText, OfManyFactorsTakesTheFirstUnregisteredUnitForTheOthersAsTheAlgebraDoes) {
+TEST(HostileText, WithUnregisteredUnitsGivesTheSharedResultOfTheAlgebra) {
     const CUnitPtr first = CClientUnit::make("", 47110816), other = CClientUnit::make("", 47110817);
     first->calculateHashCode();
     other->calculateHashCode();
@@ -113,14 +113,14 @@ TEST(HostileText, OfManyFactorsTakesTheFirstUnregisteredUnitForTheOthersAsTheAlg
     EXPECT_EQ(CUnit::fromString(factors)->multiply(other), product);
 }
 
-// How parsing `text` ends: as the unit's text, or as the exception.
+// The outcome of parsing `text`: the text of the unit, or the exception.
 std::string endOf(const string_t& text) {
     std::string unit;
     const std::string outcome = outcomeOf([&] { unit = CUnit::fromString(text)->toStdString(); });
     return outcome == "returned" ? unit : outcome;
 }
 
-TEST(HostileText, NeedsLittleStackAndMemoryInProportionAndLeavesNothingBehind) {
+TEST(HostileText, NeedsLittleStackAndProportionalMemoryWhichItFrees) {
     const std::string opening(Many, '['), closing(Many, ']'), nines(1000, '9'), xs(Many, 'x'),
         nuls(Many, '\0');
     const auto unknown = [](const std::string& name) {
@@ -160,14 +160,14 @@ TEST(HostileText, NeedsLittleStackAndMemoryInProportionAndLeavesNothingBehind) {
             const long held = liveBytes;
             peakBytes = held;
             const std::string found = endOf(whole);
-            EXPECT_TRUE(found == end) << "ends as " << found.substr(0, 60);
+            EXPECT_TRUE(found == end) << "the outcome is " << found.substr(0, 60);
             EXPECT_LE(peakBytes - held, 32 * static_cast<long>(text.size()) + 8192);
         }
     });
     EXPECT_LE(liveBytes - before, 4096);
 }
 
-TEST(HostileText, OfEachMalformedFormEndsInAUnitOrQuotesAName) {
+TEST(HostileText, OfEachMalformedFormGivesAUnitOrAMessageWithTheName) {
     for (const test::Utf8Text& row : test::utf8Texts()) {
         SCOPED_TRACE(row.What);
         const std::string text = repeated(row.Bytes, 5000);
@@ -183,7 +183,7 @@ TEST(HostileText, OfEachMalformedFormEndsInAUnitOrQuotesAName) {
     }
 }
 
-TEST(HostileText, OfAValueEndsAsItsShortFormsDo) {
+TEST(HostileText, OfAValueHasTheOutcomeOfItsShortForms) {
     const std::string digits = repeated("7", Many);
     const long before = liveBytes;
     const struct {

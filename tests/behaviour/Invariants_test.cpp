@@ -1,4 +1,4 @@
-// Invariants_test.cpp: what holds of the tables at all times, and that its breaking is noticed.
+// Invariants_test.cpp: the invariants of the tables hold, and the check finds each violation.
 #include "support/Invariants.h"
 
 #include <gmock/gmock.h>
@@ -29,59 +29,59 @@ TEST(Invariants, HoldAfterAlgebraTextsAndLabels) {
     EXPECT_EQ(test::brokenInvariant(), "");
 }
 
-TEST(Invariants, NoticeTheUnitUnderAnotherHash) {
+TEST(Invariants, FindAUnitUnderAnotherHashCode) {
     Inside::hashCode(freshClientUnit()) += 1;
     EXPECT_THAT(test::brokenInvariant(), StartsWith("another hash code of the unit under"));
 }
 
-TEST(Invariants, NoticeTheSkippedNumber) {
+TEST(Invariants, FindASkippedId) {
     freshClientUnit()->setId(static_cast<int>(CUnit::instances().size()) + 1);
     EXPECT_THAT(test::brokenInvariant(), StartsWith("the number "));
 }
 
-TEST(Invariants, NoticeTheNumberThatCameTwice) {
+TEST(Invariants, FindAnIdThatIsUsedTwice) {
     SI::Meter()->setId(Inside::id(SI::Second()));
     EXPECT_THAT(test::brokenInvariant(), StartsWith("again the number "));
 }
 
-TEST(Invariants, NoticeTheSymbolWithoutItsUnit) {
+TEST(Invariants, FindASymbolWithoutItsUnit) {
     CUnit::instances().erase(freshClientUnit()->hashCode());
     EXPECT_THAT(test::brokenInvariant(), StartsWith("no registered unit has the symbol"));
 }
 
-TEST(Invariants, NoticeTheUnitWithoutItsSymbol) {
+TEST(Invariants, FindAUnitWithoutItsSymbol) {
     CUnit::symbols().erase("mol");
     EXPECT_EQ(test::brokenInvariant(), "not in the table of symbols: \"mol\"");
 }
 
-TEST(Invariants, NoticeTheLabelWithoutItsInverse) {
+TEST(Invariants, FindALabelWithoutItsInverse) {
     CUnitFormat::unitLabelMap().erase(SI::Gram());
     EXPECT_EQ(test::brokenInvariant(), "the unit does not have the label \"g\"");
 }
 
-TEST(Invariants, NoticeTheInverseWithoutItsLabel) {
+TEST(Invariants, FindAnInverseWithoutItsLabel) {
     CUnitFormat::labelUnitMap().erase("g");
     EXPECT_EQ(test::brokenInvariant(), "a unit has a label that is another unit's or nobody's");
 }
 
-TEST(Invariants, NoticeTheAliasOfAUnitThatIsNotRegistered) {
+TEST(Invariants, FindAnAliasOfAnUnregisteredUnit) {
     const string_t alias = freshSymbol();
     CUnitFormat::alias(CClientUnit::make("x", 4711), alias);
     EXPECT_THAT(test::brokenName(), StartsWith("no registered unit has the name"));
     EXPECT_THAT(test::brokenInvariant(), StartsWith("the unit is not registered of the alias"));
 }
 
-TEST(Invariants, NoticeTheCachedResultThatIsNotCanonical) {
+TEST(Invariants, FindACachedResultThatIsNotRegistered) {
     Inside::powLookUp(SI::Meter()).push_back(CClientUnit::make("x", 4711));
     EXPECT_THAT(test::brokenInvariant(), StartsWith("a result that is not canonical in a cache"));
 }
 
-TEST(Invariants, NoticeTheDimensionThatIsNotCanonical) {
+TEST(Invariants, FindADimensionThatIsNotRegistered) {
     CUnit::dimensions()[SI::Meter()] = CClientUnit::make("x", 4711);
     EXPECT_THAT(test::brokenInvariant(), StartsWith("a unit or dimension that is not canonical"));
 }
 
-TEST(Invariants, CanBeAskedOfNamesWithoutEndingWhatIsRemembered) {
+TEST(Invariants, CheckNamesWithoutSwitchingTheCachesOff) {
     const unsigned version = CUnitFormat::namesVersion();
     EXPECT_EQ(test::brokenName(), "");
     EXPECT_EQ(CUnitFormat::namesVersion(), version);

@@ -1,6 +1,6 @@
-// Loading_test.cpp: how the library comes to life: in which order, without a word, and what is left
-// when memory runs out while its tables are filled. A program that loads the library with an
-// operator new of its own, which throws where it is told to, shows the latter (loading/).
+// Loading_test.cpp: the library loads in a fixed order and without output, and its state is sound
+// when memory runs out during that. A program that loads the library has an operator new of its
+// own, which throws at given allocations (loading/).
 #include <elf.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -46,7 +46,7 @@ std::string contentsOf(const std::string& path) {
     return contents.str();
 }
 
-// The program.
+// The program that loads the library.
 
 struct Record {
     std::string Level, Logger, File, Function, Message;
@@ -60,7 +60,7 @@ void PrintTo(const Record& record, std::ostream* out) {
 
 struct Outcome {
     int Status = -1;
-    std::string Error;  // what came on the standard error stream
+    std::string Error;  // the output on the standard error stream
     std::vector<Record> Records;
     long Allocations = 0;
     Names Labels;
@@ -71,7 +71,7 @@ struct Outcome {
 
 const char LINE_OF_THE_SI_UNITS[] = "registerSiUnits() exception\n";
 
-/// What the command writes.
+/// The output of the command.
 std::string outputOf(const std::string& command, int& status) {
     std::FILE* const pipe = popen(("ulimit -c 0; " + command).c_str(), "r");
     std::string output;
@@ -108,13 +108,13 @@ Outcome outcomeFrom(const std::string& output) {
         } else if (line + "\n" == LINE_OF_THE_SI_UNITS) {
             outcome.Error += line + "\n";
         } else {
-            ADD_FAILURE() << "The program says: " << line;
+            ADD_FAILURE() << "unknown line of the program: " << line;
         }
     }
     return outcome;
 }
 
-/// Who loads the library, and which file.
+/// The program that loads the library, and the file of the library.
 struct Host {
     const char* Program = WITH_LOG4CPLUS;
     const char* Library = MENSOR_LIBRARY;
@@ -126,7 +126,7 @@ struct Host {
 
 const Host Without{WITHOUT_LOG4CPLUS, MENSOR_LIBRARY};
 
-/// Loads the library while `what` is thrown at these allocations.
+/// Loads the library; these allocations throw `what`.
 Outcome load(const std::string& what, const std::vector<long>& failing = {},
              const Host& host = {}) {
     const std::string errors =
@@ -143,7 +143,7 @@ Outcome load(const std::string& what, const std::vector<long>& failing = {},
     return outcome;
 }
 
-/// Loads the library once for each of these allocations, which fails.
+/// Loads the library once for each of these allocations and lets that allocation fail.
 std::map<long, Outcome> loadForEach(const std::string& what, long first, long last, long step,
                                     const Host& host = {}) {
     int status = -1;
@@ -160,15 +160,15 @@ std::map<long, Outcome> loadForEach(const std::string& what, long first, long la
         const std::size_t line = attempt.find('\n');
         Outcome& outcome = outcomes[std::stol(attempt)];
         outcome = outcomeFrom(attempt.substr(line + 1));
-        outcome.Status = 0;  // another one is a fault
+        outcome.Status = 0;  // any other status is an error
         begin = end;
     }
     return outcomes;
 }
 
-// Of so many allocations one fails, in the tests that try them all: each time the library is loaded anew.
-// An odd number, lest it keep step with the loops over prefixes. MENSOR_STEP in the environment is another
-// one: with 1 it takes a minute.
+// Some tests let one allocation after the other fail and load the library for each. They try one of
+// every step() allocations. The number is odd, so that it does not follow the loops over prefixes.
+// MENSOR_STEP in the environment is another number; 1 takes a minute.
 long step() {
     const char* const requested = std::getenv("MENSOR_STEP");
     return requested != nullptr                  ? std::atol(requested)
@@ -176,8 +176,8 @@ long step() {
                                                  : 51;
 }
 
-// How many allocations loading takes. The first is the prefix table's; the registry's begin with
-// the second and end with the last.
+// The number of allocations during load. The first is that of the prefix table. Those of the
+// registry begin with the second and end with the last.
 long allocationsOfALoad() { return load("bad_alloc").Allocations; }
 
 constexpr long FIRST_OF_THE_REGISTRY = 2;
@@ -201,7 +201,7 @@ MATCHER_P2(Reports, function, message, "") {
            arg.Function == function && arg.Message == message;
 }
 
-// Which labels are there after so many steps of labelling the SI units, and then the others.
+// The labels after so many steps of labelling the SI units, and then the others.
 
 struct Labelling {
     std::string Label, Replaces;
@@ -263,7 +263,7 @@ MATCHER(AreThoseOfAnInterruptedSIRegistration, "") {
         }
         return result;
     }();
-    *result_listener << "which are after no number of steps";
+    *result_listener << "which match no number of steps";
     return all.count(arg) == 1;
 }
 
@@ -275,11 +275,11 @@ MATCHER(AreThoseOfAnInterruptedNonSIRegistration, "") {
         }
         return result;
     }();
-    *result_listener << "which are after no number of steps";
+    *result_listener << "which match no number of steps";
     return all.count(arg) == 1;
 }
 
-/// Whatever failed, the tables hold together and the next call builds what is missing.
+/// After any failure the tables are consistent, and the next call builds a missing unit.
 void expectSound(const Outcome& outcome) {
     EXPECT_EQ(outcome.Status, 0);
     EXPECT_THAT(outcome.Faults, IsEmpty());
@@ -291,14 +291,14 @@ void expectSound(const Outcome& outcome) {
                             "1000 3600"));
 }
 
-TEST(Loading, SaysNothingAndKnowsTheCatalogue) {
+TEST(Loading, HasNoOutputAndRegistersTheCatalogue) {
     const Outcome outcome = load("bad_alloc");
     EXPECT_EQ(outcome.Error, "");
     EXPECT_THAT(outcome.Records, IsEmpty());
     EXPECT_GT(outcome.Allocations, 1000);
     EXPECT_EQ(outcome.Units, 652U);
     Names labels;
-    for (const CatalogueRow& row : catalogue()) {
+    for (const CatalogueRow& row : catalogueRows()) {
         if (!row.isSystemUnit()) {
             labels.insert(row.Name);
         }
@@ -307,14 +307,14 @@ TEST(Loading, SaysNothingAndKnowsTheCatalogue) {
     expectSound(outcome);
 }
 
-TEST(Loading, AFailureAmongTheSIUnitsIsReportedAndTheOthersAreThere) {
+TEST(Loading, AFailureAmongTheSIUnitsIsReportedAndTheOthersAreRegistered) {
     const Outcome outcome = load("bad_alloc", {allocationsOfALoad() / 2});
     EXPECT_EQ(outcome.Error, LINE_OF_THE_SI_UNITS);
     EXPECT_THAT(outcome.Records, ElementsAre(Reports(SI_FUNCTION, "Exception: std::bad_alloc")));
 
     EXPECT_THAT(outcome.Labels, AreThoseOfAnInterruptedSIRegistration());
-    EXPECT_EQ(outcome.Labels.count("YA"), 1U);    // registered before it
-    EXPECT_EQ(outcome.Labels.count("kkat"), 0U);  // would have been registered after it
+    EXPECT_EQ(outcome.Labels.count("YA"), 1U);    // registered before the failure
+    EXPECT_EQ(outcome.Labels.count("kkat"), 0U);  // would be registered after the failure
     EXPECT_EQ(outcome.Labels.count("°C"), 0U);
     for (const Labelling& step : labellingsOfTheOthers()) {
         EXPECT_EQ(outcome.Labels.count(step.Label), 1U) << step.Label;
@@ -322,7 +322,7 @@ TEST(Loading, AFailureAmongTheSIUnitsIsReportedAndTheOthersAreThere) {
     expectSound(outcome);
 }
 
-TEST(Loading, AFailureAmongTheOthersIsReportedWithoutALineOnTheStandardErrorStream) {
+TEST(Loading, AFailureAmongTheOtherUnitsIsReportedWithoutALineOnStandardError) {
     const Outcome outcome = load("bad_alloc", {allocationsOfALoad() - 20});
     EXPECT_EQ(outcome.Error, "");
     EXPECT_THAT(outcome.Records,
@@ -333,7 +333,7 @@ TEST(Loading, AFailureAmongTheOthersIsReportedWithoutALineOnTheStandardErrorStre
     expectSound(outcome);
 }
 
-TEST(Loading, WhatIsNoStandardExceptionIsReportedAsUnknown) {
+TEST(Loading, AnExceptionThatIsNotStandardIsReportedAsUnknown) {
     const long count = allocationsOfALoad();
     const Outcome si = load("int", {count / 2});
     EXPECT_EQ(si.Error, LINE_OF_THE_SI_UNITS);
@@ -348,8 +348,9 @@ TEST(Loading, WhatIsNoStandardExceptionIsReportedAsUnknown) {
     expectSound(others);
 }
 
-// A hundred allocations after the first failure its report is done, and the others are under way.
-TEST(Loading, BothHalvesCanFailAndAreReportedInTurn) {
+// A hundred allocations after the first failure, it has been reported and the other units are being
+// registered.
+TEST(Loading, FailuresInBothGroupsAreReportedInOrder) {
     const long first = allocationsOfALoad() / 2;
     const Outcome outcome = load("bad_alloc", {first, first + 100});
     EXPECT_EQ(outcome.Error, LINE_OF_THE_SI_UNITS);
@@ -359,8 +360,8 @@ TEST(Loading, BothHalvesCanFailAndAreReportedInTurn) {
     expectSound(outcome);
 }
 
-// Where nobody uses log4cplus, a failure does not bring it in.
-TEST(Loading, WithoutLog4cplusInTheProcessAFailureIsTheLineAlone) {
+// A failure does not load log4cplus.
+TEST(Loading, WithoutLog4cplusAFailureWritesOnlyTheLineOnStandardError) {
     const long count = load("bad_alloc", {}, Without).Allocations;
     const Outcome si = load("bad_alloc", {count / 2}, Without);
     EXPECT_EQ(si.Error, LINE_OF_THE_SI_UNITS);
@@ -375,7 +376,7 @@ TEST(Loading, WithoutLog4cplusInTheProcessAFailureIsTheLineAlone) {
     expectSound(others);
 }
 
-TEST(Loading, WithoutLog4cplusSurvivesAFailureOfWhicheverAllocationOfTheRegistry) {
+TEST(Loading, WithoutLog4cplusSurvivesTheFailureOfAnyAllocation) {
     const long count = load("bad_alloc", {}, Without).Allocations;
     for (const char* const what : {"bad_alloc", "bad_alloc+onwards"}) {
         for (const auto& [number, outcome] :
@@ -387,15 +388,16 @@ TEST(Loading, WithoutLog4cplusSurvivesAFailureOfWhicheverAllocationOfTheRegistry
     }
 }
 
-TEST(Loading, StartsNoThreadAndBringsNoLog4cplus) {
+TEST(Loading, StartsNoThreadAndDoesNotLoadLog4cplus) {
     const Outcome outcome = load("bad_alloc", {}, Without);
     EXPECT_EQ(outcome.ThreadsStarted, 0);
     EXPECT_THAT(outcome.Mapped, IsEmpty());
-    EXPECT_THAT(load("bad_alloc").Mapped, ElementsAre("liblog4cplus"));  // the program's own
+    EXPECT_THAT(load("bad_alloc").Mapped,
+                ElementsAre("liblog4cplus"));  // the program itself links it
 }
 
-// The module is not installed: the line is all there is.
-TEST(Loading, WithoutTheModuleAFailureIsTheLineAlone) {
+// The module is not installed.
+TEST(Loading, WithoutTheModuleAFailureWritesOnlyTheLineOnStandardError) {
     const Outcome outcome =
         load("bad_alloc", {allocationsOfALoad() / 2}, {WITH_LOG4CPLUS, MENSOR_ALONE});
     EXPECT_EQ(outcome.Error, LINE_OF_THE_SI_UNITS);
@@ -403,15 +405,15 @@ TEST(Loading, WithoutTheModuleAFailureIsTheLineAlone) {
     expectSound(outcome);
 }
 
-TEST(Loading, FindsTheModuleBesideTheFileThatALinkLeadsTo) {
+TEST(Loading, FindsTheModuleNextToTheTargetOfASymbolicLink) {
     const Outcome outcome =
         load("bad_alloc", {allocationsOfALoad() / 2}, {WITH_LOG4CPLUS, MENSOR_LINKED});
     EXPECT_THAT(outcome.Records, ElementsAre(Reports(SI_FUNCTION, "Exception: std::bad_alloc")));
     expectSound(outcome);
 }
 
-// Two programs that link both libraries and run out of memory while mensor registers its units. They
-// differ in which library is initialised first.
+// Two programs that link both libraries and run out of memory during load. They differ in which
+// library is initialised first.
 
 struct LinkedOutcome {
     int Status = -1;
@@ -436,7 +438,7 @@ LinkedOutcome failInTheRegistry(const std::string& program, long firstOfTheRegis
     return startLinked(program, std::to_string(first) + " " + std::to_string(first + failures - 1));
 }
 
-// A second failure would meet log4cplus, if it were initialised then, and end the program.
+// If log4cplus were initialised at the first failure, the second would end the program.
 TEST(Loading, AFailureBeforeLog4cplusIsInitialisedDoesNotInitialiseIt) {
     for (const long failures : {1L, 2L}) {
         SCOPED_TRACE(failures);
@@ -448,17 +450,18 @@ TEST(Loading, AFailureBeforeLog4cplusIsInitialisedDoesNotInitialiseIt) {
     }
 }
 
-TEST(Loading, AFailureAfterLog4cplusIsInitialisedIsHandedOver) {
+TEST(Loading, AFailureAfterLog4cplusIsInitialisedIsLogged) {
     const long ofBoth = startLinked(LOG4CPLUS_FIRST).Allocations;
     const LinkedOutcome outcome =
         failInTheRegistry(LOG4CPLUS_FIRST, ofBoth - allocationsOfALoad(), 1);
     EXPECT_EQ(outcome.Status, 0);
     EXPECT_THAT(outcome.Output, HasSubstr("log4cplus\tready"));
     EXPECT_THAT(outcome.Error, StartsWith(LINE_OF_THE_SI_UNITS));
-    EXPECT_THAT(outcome.Error, HasSubstr("StdCoutLogger"));  // it has no appender yet
+    EXPECT_THAT(outcome.Error,
+                HasSubstr("StdCoutLogger"));  // log4cplus complains that it has no appender
 }
 
-// The report needs memory, too. Where it gets none it is cut short or missing, and loading goes on.
+// The report needs memory, too. If there is none, it is incomplete or missing, and loading goes on.
 TEST(Loading, SurvivesAFailureOfTheReportItself) {
     const long first = allocationsOfALoad() / 2;
     std::size_t complete = 0;
@@ -475,28 +478,28 @@ TEST(Loading, SurvivesAFailureOfTheReportItself) {
     EXPECT_LT(complete, 4U);
 }
 
-TEST(Loading, TheLineOnTheStandardErrorStreamComesEvenWhereTheLoggerIsOff) {
+TEST(Loading, TheLineOnStandardErrorIsWrittenEvenIfTheLoggerIsOff) {
     const Outcome outcome = load("bad_alloc+off", {allocationsOfALoad() / 2});
     EXPECT_EQ(outcome.Error, LINE_OF_THE_SI_UNITS);
     EXPECT_THAT(outcome.Records, IsEmpty());
 }
 
-// Without any configuration the logging library complains by itself, after the library's line.
-TEST(Loading, TheLineOnTheStandardErrorStreamComesFirst) {
+// Without a configuration log4cplus writes a complaint, after the line of mensor.
+TEST(Loading, TheLineOnStandardErrorComesFirst) {
     const Outcome outcome = load("bad_alloc+bare", {allocationsOfALoad() / 2});
     EXPECT_THAT(outcome.Error, StartsWith(LINE_OF_THE_SI_UNITS));
     EXPECT_THAT(outcome.Error, HasSubstr("StdCoutLogger"));
 }
 
-// Wherever memory runs out there is one report, of the half that it happened in, and sound tables.
-TEST(Loading, SurvivesAFailureOfWhicheverAllocationOfTheRegistry) {
+// Each failure is reported once, by the group that it happened in, and the tables are sound.
+TEST(Loading, SurvivesTheFailureOfAnyAllocation) {
     std::size_t reported = 0;
     const auto outcomes =
         loadForEach("bad_alloc", FIRST_OF_THE_REGISTRY, allocationsOfALoad(), step());
     for (const auto& [number, outcome] : outcomes) {
         SCOPED_TRACE(number);
         expectSound(outcome);
-        if (outcome.Records.empty()) {  // what can do without memory, such as a destructor
+        if (outcome.Records.empty()) {  // code that ignores the failure, such as a destructor
             EXPECT_EQ(outcome.Error, "");
             EXPECT_EQ(outcome.Units, 652U);
             EXPECT_EQ(outcome.Labels,
@@ -519,12 +522,12 @@ TEST(Loading, SurvivesAFailureOfWhicheverAllocationOfTheRegistry) {
     EXPECT_GT(reported, outcomes.size() * 9 / 10);
 }
 
-// There is no memory for the report, nor for the other half. Only the line needs none.
-TEST(Loading, SurvivesWithoutAnyMoreMemory) {
+// There is no memory for the report and for the other group. The line needs none.
+TEST(Loading, SurvivesWhenAllLaterAllocationsFail) {
     const auto outcomes =
         loadForEach("bad_alloc+onwards", FIRST_OF_THE_REGISTRY, allocationsOfALoad(), 5 * step());
     EXPECT_GT(outcomes.size(), 10U);
-    std::cout << outcomes.size() << " times no more memory\n";
+    std::cout << outcomes.size() << " times all later allocations failed\n";
     for (const auto& [number, outcome] : outcomes) {
         SCOPED_TRACE(number);
         expectSound(outcome);
@@ -538,17 +541,17 @@ TEST(Loading, SurvivesWithoutAnyMoreMemory) {
     }
 }
 
-// Nobody catches what leaves the initialisation of the prefix table, which comes before the registry.
-TEST(Loading, WithoutThePrefixTableThereIsNoProgram) {
+// The prefix table is initialised before the registry, and its exception is not caught.
+TEST(Loading, AFailureInThePrefixTableEndsTheProgram) {
     const Outcome outcome = load("bad_alloc", {FIRST_OF_THE_REGISTRY - 1});
     EXPECT_NE(outcome.Status, 0);
     EXPECT_THAT(outcome.Error, HasSubstr("std::bad_alloc"));
     EXPECT_THAT(outcome.Error, Not(HasSubstr("registerSiUnits")));
 }
 
-// Clients keep pointers to units, so the library stays when nobody needs it any more, and so does the
-// companion, by whose code units are converted and destroyed.
-TEST(Loading, UnloadedLibrariesKeepTheirUnits) {
+// Clients keep pointers to units, so dlclose() does not unload the library or the companion, whose
+// code converts and destroys units.
+TEST(Loading, UnitsStayAfterTheLibrariesAreClosed) {
     int status = -1;
     const std::string output = outputOf(RELOAD_MENSOR, status);
     EXPECT_EQ(status, 0);
@@ -610,8 +613,8 @@ std::map<std::uintptr_t, std::string> sourcesOfFunctions() {
     return sources;
 }
 
-/// The static initialisers of the loaded library in the order in which they ran, as addresses before
-/// relocation.
+/// The static initialisers of the loaded library in the order in which they ran, as addresses
+/// before relocation.
 std::vector<std::uintptr_t> initialisers() {
     std::vector<std::uintptr_t> addresses;
     dl_iterate_phdr(

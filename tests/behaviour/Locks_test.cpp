@@ -1,5 +1,5 @@
-// Locks_test.cpp: the one order in which the library takes its locks (docs/threads.md), that threads
-// which use units for the first time at once do not hang, and that no call keeps a lock.
+// Locks_test.cpp: the library takes its locks in one order (docs/threads.md). Threads that use
+// units for the first time at once do not deadlock, and every call releases its locks.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/syscall.h>
@@ -40,19 +40,17 @@ namespace {
 
 using Lock = std::lock_guard<std::recursive_mutex>;
 
-CUnitPtr freshUnit() { return CBaseUnit::getInstance(freshSymbol()); }
-
-// Whether the thread `id` of this process waits for something.
+// Whether the thread `id` of this process is blocked.
 bool isAsleep(pid_t id) {
     std::ifstream file("/proc/self/task/" + std::to_string(id) + "/stat");
     std::string stat;
     std::getline(file, stat);
-    const std::size_t end = stat.rfind(") ");  // of its name
+    const std::size_t end = stat.rfind(") ");  // the end of the name of the thread
     return end != std::string::npos && stat[end + 2] == 'S';
 }
 
-// Runs `action` in a thread of its own while this thread holds `held`, and calls `look` here when that
-// thread waits for something. False if it ends without waiting.
+// Runs `action` in another thread while this one holds `held`. Calls `look` when that thread is
+// blocked. Returns false if it ends without blocking.
 bool whileItWaits(std::recursive_mutex& held, const std::function<void()>& action,
                   const std::function<void()>& look) {
     std::atomic<pid_t> id{0};
@@ -78,7 +76,8 @@ bool whileItWaits(std::recursive_mutex& held, const std::function<void()>& actio
     return isWaiting;
 }
 
-// Whether `action` holds `other` while it waits for `held`. No value if it does not wait.
+// Whether `action` holds `other` while it waits for `held`. No value if it does not wait for
+// `held`.
 std::optional<bool> holdsWhileItWaits(std::recursive_mutex& held, std::recursive_mutex& other,
                                       const std::function<void()>& action) {
     std::optional<bool> result;
@@ -110,8 +109,8 @@ std::vector<Operation> algebraOf(const CUnitPtr& a, const CUnitPtr& b) {
     };
 }
 
-// The unit's mutex is not kept while the thread waits for that of the tables.
-TEST(LockOrder, OfFirstTimeAlgebraIsTheTablesAndThenTheUnit) {
+// The thread does not hold the mutex of the unit while it waits for that of the tables.
+TEST(LockOrder, FirstTimeAlgebraLocksTheTablesAndThenTheUnit) {
     const CUnitPtr a = freshUnit(), b = freshUnit();
     for (const auto& [name, run] : algebraOf(a, b)) {
         SCOPED_TRACE(name);
@@ -119,8 +118,8 @@ TEST(LockOrder, OfFirstTimeAlgebraIsTheTablesAndThenTheUnit) {
     }
 }
 
-// A power beyond those that are kept is made anew each time, as the first time.
-TEST(LockOrder, OfLargePowersIsThatOfFirstTimeAlgebraEachTime) {
+// A power beyond those that are cached is computed at each call.
+TEST(LockOrder, LargePowersAlwaysLockTheTablesAndThenTheUnit) {
     const CUnitPtr a = freshUnit();
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(holdsWhileItWaits(CUnit::mutex(), Inside::lookupMutex(a), [&] { a ^ 5000; }),
@@ -130,8 +129,8 @@ TEST(LockOrder, OfLargePowersIsThatOfFirstTimeAlgebraEachTime) {
     }
 }
 
-// A known power is looked up, and its unit let go, before the dimensionless unit is asked.
-TEST(LockOrder, OfKnownNegativePowersIsOneUnitAfterTheOther) {
+// A cached power is looked up and its unit unlocked before the dimensionless unit is locked.
+TEST(LockOrder, CachedNegativePowersLockOneUnitAfterTheOther) {
     const CUnitPtr a = freshUnit(), known = (a ^ -3) * a->root(-3);
     std::recursive_mutex &ofOne = Inside::lookupMutex(CProductUnit::one()),
                          &ofUnit = Inside::lookupMutex(a);
@@ -140,8 +139,9 @@ TEST(LockOrder, OfKnownNegativePowersIsOneUnitAfterTheOther) {
     EXPECT_EQ(holdsWhileItWaits(ofOne, CUnit::mutex(), [&] { a ^ -3; }), false);
 }
 
-// Folding a product and reading a text look into the caches of units under the mutex of the tables alone.
-TEST(LockOrder, OfAFirstDimensionAndOfAFirstTextIsTheTablesAlone) {
+// Folding a product and reading a text use the caches of units with only the mutex of the tables
+// locked.
+TEST(LockOrder, FirstDimensionsAndFirstTextsLockOnlyTheTables) {
     const CUnitPtr a = freshUnit(), b = freshUnit(), product = (a * 1000.0) * b;
     std::recursive_mutex& ofUnit = Inside::lookupMutex(a);
     const string_t text = a->getSymbol() + "^5·" + b->getSymbol();
@@ -152,8 +152,8 @@ TEST(LockOrder, OfAFirstDimensionAndOfAFirstTextIsTheTablesAlone) {
     EXPECT_EQ(holdsWhileItWaits(CUnit::mutex(), ofUnit, [&] { (a ^ 7)->getDimension(); }), false);
 }
 
-// The factory asks a client's kind of unit with both locks held.
-TEST(LockOrder, LetsProductsBeMadeWithBothLocksHeld) {
+// Building a product calls a client's unit with both locks held.
+TEST(LockOrder, ProductsAreBuiltWithBothLocksHeld) {
     const auto v = freshClientUnit();
     const CUnitPtr u = freshUnit(), unit = v;
     std::vector<std::pair<bool, bool>> held;
@@ -174,8 +174,9 @@ TEST(LockOrder, LetsProductsBeMadeWithBothLocksHeld) {
     v->Elements = nullptr;
 }
 
-// What is known needs one lock at a time, so it may be asked for by anybody who holds the other.
-TEST(LockOrder, IsNoneOnceTheProductsAndDimensionsAreKnown) {
+// A cached result needs at most one lock, so it can be read while another thread holds the other
+// one.
+TEST(LockOrder, CachedProductsAndDimensionsNeedAtMostOneLock) {
     const CUnitPtr a = freshUnit(), b = freshUnit();
     const auto algebra = [&] {
         return std::vector<CUnitPtr>{a * b, a / b, a ^ 2, a ^ -3, a->root(3)};
@@ -193,7 +194,8 @@ TEST(LockOrder, IsNoneOnceTheProductsAndDimensionsAreKnown) {
     }
 }
 
-// Two products of the same units, one to be made and the dimension of the other to be asked for.
+// Two products of the same units. The test builds the first and computes the dimension of the
+// second.
 struct Meeting {
     CUnitPtr A = freshUnit(), B = freshUnit();
     CUnitPtr Known = (A * 1000.0) / (B ^ 2);
@@ -210,8 +212,8 @@ void multiplyAndDivide(const Meeting& meeting) {
     ASSERT_EQ((product ^ -2)->root(-2), product);
 }
 
-// In each round half of the threads ask for the algebra of the same units whose dimensions the others
-// ask for.
+// In each round half of the threads use the algebra of the units whose dimensions the others
+// compute.
 void hammer(const std::vector<Meeting>& meetings,
             const std::function<void(const Meeting&)>& algebra) {
     race(Threads, static_cast<int>(meetings.size()), [&](int thread, int round) {
@@ -226,20 +228,20 @@ void hammer(const std::vector<Meeting>& meetings,
     EXPECT_EQ(test::brokenInvariant(), "");
 }
 
-TEST(LockOrder, LetsThreadsDoFirstTimeAlgebraAndAskForFirstDimensionsAtOnce) {
+TEST(LockOrder, NoDeadlockBetweenFirstTimeAlgebraAndFirstDimensions) {
     hammer(std::vector<Meeting>(Rounds), multiplyAndDivide);
 }
 
-TEST(LockOrder, LetsAThreadThatHoldsTheMutexDoTheSameAsOneThatDoesNot) {
+TEST(LockOrder, NoDeadlockWhenFirstTimeAlgebraHoldsTheMutex) {
     hammer(std::vector<Meeting>(Rounds), [](const Meeting& meeting) {
         const Lock lock(CUnit::mutex());
         multiplyAndDivide(meeting);
     });
 }
 
-// Two accessors build their unit at their first call. A thread that builds waits for the mutex; this one
-// has it and asks for the same unit, and does not wait for that thread.
-TEST(LockOrder, OfAccessorsThatBuildIsTheTablesAndThenTheirStatic) {
+// Two accessors build their unit at the first call. A thread that builds waits for the mutex. This
+// thread holds the mutex, calls the same accessor and must not wait for the other thread.
+TEST(LockOrder, AccessorsThatBuildLockTheTablesAndThenTheirStatic) {
     for (CUnitPtr (*const accessor)() : {NonSI::Psi, NonSI::None}) {
         CUnitPtr here, there;
         EXPECT_TRUE(whileItWaits(
@@ -249,7 +251,7 @@ TEST(LockOrder, OfAccessorsThatBuildIsTheTablesAndThenTheirStatic) {
     }
 }
 
-// Throws whatever it is asked, once it is told to.
+// A unit whose functions throw when they are told to.
 class CThrowing : public CClientUnit {
 public:
     CThrowing(const string_t& symbol, int hash) : CClientUnit(symbol, hash) {}
@@ -274,7 +276,7 @@ private:
     bool IsThrowing = false;
 };
 
-TEST(Locks, AreFreeAgainAfterAClientsUnitHasThrown) {
+TEST(Locks, AreReleasedAfterAClientsUnitHasThrown) {
     const string_t symbol = freshSymbol(), spare = freshSymbol();
     const auto own = std::make_shared<CThrowing>(symbol, hashFromString(symbol));
     own->canonical();

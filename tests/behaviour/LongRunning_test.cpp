@@ -1,8 +1,9 @@
-// LongRunning_test.cpp: what is asked again costs nothing, however often: a million requests leave as many
-// blocks of memory as there were, and register nothing (support/Thorough.h; else it is ten thousand).
+// LongRunning_test.cpp: repeated requests need no memory. After a million requests there are as
+// many blocks of memory and units as before. Without MENSOR_TESTS_THOROUGH it is ten thousand
+// requests.
 //
-// The program's operator new counts the blocks, the library's included. Where a million takes too long it
-// is fewer; MENSOR_REQUESTS in the environment says how many.
+// The operator new of this program counts the blocks, including those of the library.
+// MENSOR_REQUESTS in the environment sets another number of requests.
 #include <gtest/gtest.h>
 #include <malloc.h>
 
@@ -42,10 +43,10 @@ long requestedRequests() {
     return test::isThorough() ? Most : 10'000;
 }
 
-// The number of the unit registered last, after one more.
+// Registers a unit and returns its id.
 int lastId() { return Inside::id(CBaseUnit::getInstance(freshSymbol())); }
 
-// Asks, and lets the answer go. Whether there was one.
+// Makes the request and drops the answer. Returns whether there was one.
 bool isAnswered(const Request& request) {
     try {
         request.Ask();
@@ -55,8 +56,8 @@ bool isAnswered(const Request& request) {
     }
 }
 
-// Those whose refusal searches all names for similar ones take a hundred times as long as the others:
-// they come once in a hundred rounds.
+// Requests whose refusal searches all names for similar ones take a hundred times as long as the
+// others, so they are made once in a hundred rounds.
 bool isLengthy(const Request& request) {
     allocations = 0;
     beforeAllocation = [](long) {};
@@ -89,7 +90,7 @@ void expectNothingIsLeft(const Requests& requests, bool areAnswered, long count)
                 asked += askAll(lengthy);
             }
         }
-        return asked + askAll(usual);  // always ends with the same
+        return asked + askAll(usual);  // ends with the usual requests
     };
     askRounds(1000);  // warm-up
     const int id = lastId();
@@ -103,7 +104,7 @@ void expectNothingIsLeft(const Requests& requests, bool areAnswered, long count)
 
     const long blocksAfter = liveBlocks;
     EXPECT_EQ(blocksAfter, blocks);
-    EXPECT_LE(mallinfo2().uordblks, bytes + 4096) << "blocks that are not operator new's";
+    EXPECT_LE(mallinfo2().uordblks, bytes + 4096) << "blocks that did not come from operator new";
     EXPECT_EQ(CUnitFormat::namesVersion(), version);
     EXPECT_EQ(CUnitFormat::names().size(), names);
     EXPECT_EQ(lastId(), id + 1);
@@ -122,18 +123,18 @@ TEST(LongRunning, RefusedRequestsLeaveNothing) {
     expectNothingIsLeft(test::refused(), false, requestedRequests());
 }
 
-// For good, in the process of one test.
+// Switches the caches off for the rest of the process.
 void endRemembering() {
     CUnit::instances();
     ASSERT_EQ(CUnitFormat::namesVersion(), 0U);
 }
 
-TEST(LongRunning, AnsweredRequestsLeaveNothingWhereNothingIsRemembered) {
+TEST(LongRunning, AnsweredRequestsLeaveNothingWithTheCachesOff) {
     endRemembering();
     expectNothingIsLeft(test::asking(), true, requestedRequests());
 }
 
-TEST(LongRunning, RefusedRequestsLeaveNothingWhereNothingIsRemembered) {
+TEST(LongRunning, RefusedRequestsLeaveNothingWithTheCachesOff) {
     endRemembering();
     expectNothingIsLeft(test::refused(), false, requestedRequests() / 10);
 }

@@ -1,5 +1,5 @@
-// MalformedText_test.cpp: text that is not UTF-8 passes through hash, tables, parser and notations
-// by the decoder's rule, keeps its bytes, and harms nothing.
+// MalformedText_test.cpp: hash codes, tables, parser and notations read text that is not UTF-8 by
+// the rule of the decoder and keep its bytes.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -20,7 +20,7 @@ namespace mensor {
 namespace {
 using ::testing::StrEq, ::testing::ThrowsMessage;
 
-TEST(MalformedText, HasTheHashOfTheCodePointsItReadsAs) {
+TEST(MalformedText, HasTheHashCodeOfTheCodePointsItReadsAs) {
     for (const test::Utf8Text& row : test::utf8Texts()) {
         SCOPED_TRACE(row.What);
         std::string wellFormed;
@@ -35,7 +35,7 @@ TEST(MalformedText, HasTheHashOfTheCodePointsItReadsAs) {
     }
 }
 
-TEST(MalformedText, IsQuotedByteForByteWhenItNamesNoUnit) {
+TEST(MalformedText, IsQuotedByteForByteIfItIsNoUnit) {
     const struct {
         std::string Text, Name;
     } rows[] = {
@@ -43,7 +43,7 @@ TEST(MalformedText, IsQuotedByteForByteWhenItNamesNoUnit) {
         {"kg/\xC2", "\xC2"},                 // the micro sign, cut off
         {"m\xF0\x9F\x8C", "m\xF0\x9F\x8C"},  // cut off after a known name
         {"\x80\xBF", "\x80\xBF"},            // continuation bytes alone
-        {"m·\xFE\xFF·s", "\xFE\xFF"},        // bytes that UTF-8 never has
+        {"m·\xFE\xFF·s", "\xFE\xFF"},        // bytes that never occur in UTF-8
         {"\xED\xA0\x80", "\xED\xA0\x80"},    // a surrogate
         {"\xE2\x20\x20m", "\xE2\x20\x20m"},  // a lead byte takes two blanks: U+2820
         {"m\xC1\x8D", "m\xC1\x8D"},          // an overlong "M" is read as one, and kept
@@ -58,18 +58,18 @@ TEST(MalformedText, IsQuotedByteForByteWhenItNamesNoUnit) {
     }
 }
 
-TEST(MalformedText, IsQuotedByteForByteWhenItNamesNoUnitOfAValue) {
+TEST(MalformedText, IsQuotedByteForByteIfItIsNoUnitOfAValue) {
     EXPECT_THAT([] { CValueWithUnit::fromString("2.5 m\xE2\x84"); },
                 ThrowsMessage<std::invalid_argument>(StrEq("Label: m\xE2\x84 not recognized")));
 }
 
-TEST(MalformedText, MayTakeTheBracketThatWouldCloseAName) {
-    // Closed, the name is refused as unknown; not closed, it is dropped.
+TEST(MalformedText, MayContainTheBracketThatWouldCloseAName) {
+    // A closed name is refused as unknown. A name that is not closed is ignored.
     EXPECT_THROW(CUnit::fromString("[\xC2\xB5]"), std::invalid_argument);
     EXPECT_EQ(CUnit::fromString("[\xC2]"), CUnit::fromString(""));
 }
 
-TEST(MalformedText, AsASymbolOrLabelIsFoundAndPrintedByteForByte) {
+TEST(MalformedText, IsFoundAndPrintedByteForByteAsASymbolOrLabel) {
     for (const std::string name : {"q\xE2\x84", "\xFFq", "q\x80", "\xF8\xC2q", "q\xFD"}) {
         SCOPED_TRACE(::testing::PrintToString(name));
         const CUnitPtr unit = CBaseUnit::getInstance(name);
@@ -86,7 +86,7 @@ TEST(MalformedText, AsASymbolOrLabelIsFoundAndPrintedByteForByte) {
     }
 }
 
-TEST(MalformedText, OfFewBytesReadsAsAUnitThatReadsBackOrIsRefused) {
+TEST(MalformedText, GivesAUnitThatReadsBackOrIsRefused) {
     const std::vector<std::string> texts = test::shortTexts(
         test::bytes({0, 'm', '2', '/', '[', '<', 0x80, 0xB2, 0xC2, 0xE2, 0xF0, 0xFC, 0xFE}));
     int units = 0, refused = 0;

@@ -1,8 +1,9 @@
-// OutOfMemory_test.cpp: whichever allocation fails, what was asked throws std::bad_alloc and can be asked
-// again, as if nothing had happened.
+// OutOfMemory_test.cpp: if any allocation fails, the call throws std::bad_alloc, and a second call
+// succeeds as if nothing had happened.
 //
-// The program's operator new is the library's, too. Each request is tried with its first, second, third
-// ... allocation failing until it succeeds; each answer must be that of a process in which nothing failed.
+// The library uses the operator new of this program. Each request is repeated with its first,
+// second, third ... allocation failing until it succeeds. Each answer must be that of a process
+// without failures.
 #include <algorithm>
 #include <cstdio>
 #include <functional>
@@ -37,11 +38,14 @@ namespace {
 using test::Request;
 using test::Requests;
 
-// In processes of their own fail so few of the requests' allocations, in so few of the requests. In one
-// process fail all, or from so many of a request on ever fewer, since it copies a table or searches the
-// names; and the tables are looked at after so few failures.
+// How many of all cases the tests try.
 struct Effort {
-    long Stride, RequestStride, ManyOfARequest, LookEvery, WarmUpsTried;
+    long Stride;         // in a process of its own: every so many allocations of a request
+    long RequestStride;  // ... and every so many requests
+    long
+        ManyOfARequest;  // in one process: all allocations of a request up to this one, then ever fewer
+    long LookEvery;      // the tables are checked after every so many failures
+    long WarmUpsTried;  // the number of allocations of a warm-up that fail
 };
 constexpr Effort All{9, 1, 1'000'000, 1, 40}, Many{13, 3, 32, 32, 5}, Some{13, 9, 8, 128, 5};
 const Effort& effort() {
@@ -53,7 +57,7 @@ constexpr long Never = std::numeric_limits<long>::max();
 thread_local long firstFailing = Never;
 thread_local long lastFailing = 0;
 
-// While it lives, these allocations fail.
+// These allocations fail while the object exists.
 class CFailing {
 public:
     CFailing(long first, long last) {
@@ -74,7 +78,7 @@ public:
 struct Attempt {
     std::string Outcome;
     bool HasRunOut;    // std::bad_alloc
-    long Allocations;  // granted and failed ones
+    long Allocations;  // including the failed ones
 };
 
 Attempt attempt(const Request& request, long first, long last) {
@@ -88,11 +92,11 @@ Attempt attempt(const Request& request, long first, long last) {
     return result;
 }
 
-TEST(OutOfMemory, LeavesTheTablesOfUnitsAndTextsAsTheyWere) {
+TEST(OutOfMemory, LeavesTheTablesOfUnitsAndNamesUnchanged) {
     const CBaseUnitPtr a = CBaseUnit::getInstance(freshSymbol());
     const CBaseUnitPtr b = CBaseUnit::getInstance(freshSymbol());
     const CUnitPtr ratio = a / b;
-    ratio->baseUnits();  // registers what it is folded from, and that may stay
+    ratio->baseUnits();  // registers its factors, which may stay
     const string_t base = freshSymbol(), client = freshSymbol(), own = freshSymbol();
     const string_t label = freshSymbol(), alias = freshSymbol();
     const int hash = hashFromString(client);
@@ -128,14 +132,14 @@ TEST(OutOfMemory, LeavesTheTablesOfUnitsAndTextsAsTheyWere) {
             ASSERT_TRUE(isFree(Inside::lookupMutex(a)));
         }
         ASSERT_TRUE(result);
-        EXPECT_GT(granted, 0) << "or nothing was refused";
+        EXPECT_GT(granted, 0) << "otherwise nothing was refused";
         EXPECT_FALSE(Tables() == before);
         EXPECT_EQ(operation(), result);
         EXPECT_EQ(CUnit::instances().at(result->hashCode()), result);
     }
 }
 
-TEST(OutOfMemory, BaseUnitsAreComparedAsTheyAreOrNotAtAll) {
+TEST(OutOfMemory, EqualsOfBaseUnitsIsCorrectOrThrows) {
     const string_t symbol = "symbolOfMoreBytesThanAStringHolds";
     const CUnitPtr unit = CBaseUnit::getInstance(symbol), other = CClientUnit::make(symbol, 0);
     bool areEqual = false;
@@ -149,15 +153,15 @@ TEST(OutOfMemory, BaseUnitsAreComparedAsTheyAreOrNotAtAll) {
         }
     }
     EXPECT_TRUE(areEqual);
-    EXPECT_GT(granted, 0) << "or nothing was refused";
+    EXPECT_GT(granted, 0) << "otherwise nothing was refused";
 }
 
 void append(Requests& requests, const Requests& more) {
     requests.insert(requests.end(), more.begin(), more.end());
 }
 
-// First what registers, then all the rest, which then is asked again.
-Requests rememberedSession() {
+// First the requests that register units, then all others, some of them twice.
+Requests shortSession() {
     Requests requests = test::registering();
     append(requests, test::asking());
     append(requests, test::refused());
@@ -166,12 +170,13 @@ Requests rememberedSession() {
 }
 
 Requests session() {
-    Requests requests = rememberedSession();
+    Requests requests = shortSession();
     append(requests, test::registeringMany());
     return requests;
 }
 
-// What `work` returns in a process of its own; what it reports is reported there.
+// Runs `work` in a process of its own and returns its result. Failures of its expectations are
+// reported there.
 std::string inFreshProcess(const std::function<std::string()>& work) {
     const ChildEnd end = inChild([&](std::string& text) {
         text = work();
@@ -181,8 +186,9 @@ std::string inFreshProcess(const std::function<std::string()>& work) {
     return end.Text;
 }
 
-// Whether nobody holds the mutex of the process or that of a unit. Asked of the C library: under the
-// emulator a forked process cannot start the thread that would try to lock them.
+// Whether no thread holds the mutex of the process or that of a unit. Reads the mutexes of the C
+// library, because under the emulator a forked process cannot start a thread that tries to lock
+// them.
 bool areAllFree() {
     const auto isHeld = [](std::recursive_mutex& mutex) {
         return mutex.native_handle()->__data.__owner != 0;
@@ -194,7 +200,7 @@ bool areAllFree() {
     return areFree;
 }
 
-TEST(OutOfMemory, AHeldMutexIsSeen) {
+TEST(OutOfMemory, TheTestFindsAHeldMutex) {
     EXPECT_TRUE(areAllFree());
     {
         const std::lock_guard<std::recursive_mutex> lock(CUnit::mutex());
@@ -204,7 +210,7 @@ TEST(OutOfMemory, AHeldMutexIsSeen) {
     EXPECT_FALSE(areAllFree());
 }
 
-// All tables and caches of the process. Units stand by their ids.
+// All tables and caches of the process as a text, with ids for units.
 std::string everythingKnown() {
     std::string all;
     const auto put = [&](long number) { (all += std::to_string(number)) += ' '; };
@@ -230,7 +236,8 @@ std::string everythingKnown() {
             put(idOf(unit));
         }
     }
-    std::vector<std::pair<int, int>> dimensions;  // since those tables are sorted by address
+    std::vector<std::pair<int, int>>
+        dimensions;  // sorted below, since the tables are sorted by address
     for (const auto& [unit, dimension] : CUnit::dimensions()) {
         dimensions.emplace_back(idOf(unit), idOf(dimension));
     }
@@ -256,11 +263,20 @@ void report(long failures) {
     EXPECT_GT(failures, 50);
 }
 
-// One process in which one allocation after the other fails: what failed before must not add up. Where
-// nobody looks at the tables before the end, the library goes on remembering.
-void expectTheSameAnswers(bool alone, bool isWatched) {
+// Which allocations fail: one of a request, or that one and all later ones.
+enum class eFailing { ONE, ALL_LATER };
+
+long lastFailingOf(eFailing failing, long n) { return failing == eFailing::ONE ? n : Never; }
+
+// With the caches on, the test must not look at the tables before the end, since that switches the
+// caches off.
+enum class eCaches { ON, OFF };
+
+// In one process, lets one allocation after the other fail. All answers must be those of a process
+// without failures.
+void expectTheSameAnswers(eFailing failing, eCaches caches) {
     const std::string separator(1, '\x1E');
-    const Requests requests = isWatched ? session() : rememberedSession();
+    const Requests requests = caches == eCaches::OFF ? session() : shortSession();
     const std::string undisturbed = inFreshProcess([&] {
         std::string outcomes;
         for (const Request& request : requests) {
@@ -268,17 +284,19 @@ void expectTheSameAnswers(bool alone, bool isWatched) {
         }
         return outcomes;
     });
+    const long lookEvery = failing == eFailing::ONE ? effort().LookEvery : 4 * effort().LookEvery;
     std::string disturbed;
     long failures = 0;
     for (const Request& request : requests) {
         SCOPED_TRACE(request.Name);
-        ASSERT_TRUE(isWatched || CUnitFormat::namesVersion() != 0);
+        if (caches == eCaches::ON) {
+            ASSERT_NE(CUnitFormat::namesVersion(), 0U);
+        }
         std::string outcome;
         for (long n = 1;; n += 1 + n / effort().ManyOfARequest) {
             SCOPED_TRACE(n);
-            const Attempt now = attempt(request, n, alone ? n : Never);
-            if (isWatched &&
-                failures % (alone ? effort().LookEvery : 4 * effort().LookEvery) == 0) {
+            const Attempt now = attempt(request, n, lastFailingOf(failing, n));
+            if (caches == eCaches::OFF && failures % lookEvery == 0) {
                 ASSERT_NO_FATAL_FAILURE(expectSound());
             }
             failures += now.Allocations >= n ? 1 : 0;
@@ -298,39 +316,43 @@ void expectTheSameAnswers(bool alone, bool isWatched) {
     report(failures);
 }
 
-TEST(OutOfMemory, ASessionGoesOnAsIfNothingHadFailed) { expectTheSameAnswers(true, true); }
-
-TEST(OutOfMemory, ASessionGoesOnOnceThereIsMemoryAgain) { expectTheSameAnswers(false, true); }
-
-TEST(OutOfMemory, ASessionThatIsRememberedGoesOnAsIfNothingHadFailed) {
-    expectTheSameAnswers(true, false);
+TEST(OutOfMemory, AnswersAreTheSameAfterSingleFailures) {
+    expectTheSameAnswers(eFailing::ONE, eCaches::OFF);
 }
 
-TEST(OutOfMemory, ASessionThatIsRememberedGoesOnOnceThereIsMemoryAgain) {
-    expectTheSameAnswers(false, false);
+TEST(OutOfMemory, AnswersAreTheSameOnceThereIsMemoryAgain) {
+    expectTheSameAnswers(eFailing::ALL_LATER, eCaches::OFF);
 }
 
-// Whether allocation `n` of the request fails without a trace. False once there is no such allocation.
-bool isForgotten(const Request& request, long n, bool alone, bool isWatched,
-                 const std::string& undisturbed) {
+TEST(OutOfMemory, CachedAnswersAreTheSameAfterSingleFailures) {
+    expectTheSameAnswers(eFailing::ONE, eCaches::ON);
+}
+
+TEST(OutOfMemory, CachedAnswersAreTheSameOnceThereIsMemoryAgain) {
+    expectTheSameAnswers(eFailing::ALL_LATER, eCaches::ON);
+}
+
+// Whether the request leaves the answer and the tables of a process without failures if its
+// allocation `n` fails. False as well if there is no allocation `n`.
+bool leavesNoTrace(const Request& request, long n, eFailing failing, eCaches caches,
+                   const std::string& undisturbed) {
     const std::string end = inFreshProcess([&]() -> std::string {
-        const Attempt disturbed = attempt(request, n, alone ? n : Never);
-        if (isWatched) {
+        const Attempt disturbed = attempt(request, n, lastFailingOf(failing, n));
+        if (caches == eCaches::OFF) {
             expectSound();
         }
         const std::string outcome =
             disturbed.HasRunOut ? test::outcomeOf(request) : disturbed.Outcome;
         EXPECT_EQ(outcome + everythingKnown(), undisturbed);
         EXPECT_TRUE(areAllFree());
-        return disturbed.Allocations < n ? "no such allocation" : "forgotten";
+        return disturbed.Allocations < n ? "no such allocation" : "no trace";
     });
-    return end == "forgotten";
+    return end == "no trace";
 }
 
-// Each failure in a process of its own in which nothing has failed before. Where nobody looks at the
-// tables in between, the library goes on remembering. The longer a request takes the more alike are
-// its allocations: it copies a table.
-void expectTheSameTables(bool alone, bool isWatched) {
+// Lets each allocation fail in a process of its own, in which nothing has failed before. The later
+// allocations of a long request are alike, since it copies a table, so fewer of them are tried.
+void expectTheSameTables(eFailing failing, eCaches caches) {
     long failures = 0;
     long requests = 0;
     for (const Request& request : session()) {
@@ -344,7 +366,7 @@ void expectTheSameTables(bool alone, bool isWatched) {
             return outcome + everythingKnown();
         });
         for (long n = 1 + requests % effort().Stride;
-             isForgotten(request, n, alone, isWatched, undisturbed);
+             leavesNoTrace(request, n, failing, caches, undisturbed);
              n += effort().Stride + n / 32) {
             ++failures;
         }
@@ -354,13 +376,16 @@ void expectTheSameTables(bool alone, bool isWatched) {
     report(failures);
 }
 
-TEST(OutOfMemory, LeavesAllTablesAsIfNothingHadFailed) { expectTheSameTables(true, true); }
-
-TEST(OutOfMemory, LeavesAllThatIsRememberedAsIfNothingHadFailed) {
-    expectTheSameTables(false, false);
+TEST(OutOfMemory, TablesAreTheSameAfterASingleFailure) {
+    expectTheSameTables(eFailing::ONE, eCaches::OFF);
 }
 
-// On whichever side it is deep, whatever hangs on its other side.
+TEST(OutOfMemory, TablesAndCachesAreTheSameOnceThereIsMemoryAgain) {
+    expectTheSameTables(eFailing::ALL_LATER, eCaches::ON);
+}
+
+// Chains that are deep in the first step, in the second, in both, and with another chain on the
+// other side.
 TEST(OutOfMemory, ALongChainIsDestroyedOnASmallStack) {
     const auto nested = [](int depth, const auto& isFirst, const auto& step) {
         CConverterPtr chain = step();
@@ -372,9 +397,9 @@ TEST(OutOfMemory, ALongChainIsDestroyedOnASmallStack) {
     };
     const auto inFirst = [](int) { return true; };
     const auto inSecond = [](int) { return false; };
-    const auto byTurns = [](int i) { return i % 2 == 0; };
+    const auto alternately = [](int i) { return i % 2 == 0; };
     const auto alone = []() -> CConverterPtr { return std::make_shared<CAddConverter>(1.5); };
-    const auto several = [&] { return nested(50, byTurns, alone); };
+    const auto several = [&] { return nested(50, alternately, alone); };
     const auto destroy = [](CConverterPtr chain) {
         const CFailing failing(1, Never);
         chain.reset();
@@ -382,17 +407,17 @@ TEST(OutOfMemory, ALongChainIsDestroyedOnASmallStack) {
     runWithStack(256 * 1024, [&] {
         destroy(nested(20'000, inFirst, alone));
         destroy(nested(20'000, inSecond, alone));
-        destroy(nested(20'000, byTurns, alone));
+        destroy(nested(20'000, alternately, alone));
         destroy(nested(2'000, inFirst, several));
         destroy(nested(2'000, inSecond, several));
-        destroy(nested(2'000, byTurns, several));
+        destroy(nested(2'000, alternately, several));
         destroy(std::make_shared<CCompound>(nested(20'000, inFirst, alone),
                                             nested(20'000, inSecond, alone)));
     });
 }
 
-// Thousands of allocations, of which a few are tried.
-TEST(OutOfMemory, AWarmUpThatReturnsHasWarmedUp) {
+// The warm-up makes thousands of allocations, of which a few fail.
+TEST(OutOfMemory, AWarmUpThatReturnsIsComplete) {
     const Request warmUp{
         "warm-up", [] {
             return static_cast<double>(checked::warmUp({"km/h", "W/(m²·K)", "xyz"}).size());
@@ -406,7 +431,7 @@ TEST(OutOfMemory, AWarmUpThatReturnsHasWarmedUp) {
     ASSERT_GT(count, effort().WarmUpsTried);
     for (long n = 1; n <= count; n += count / effort().WarmUpsTried) {
         SCOPED_TRACE(n);
-        ASSERT_TRUE(isForgotten(warmUp, n, true, false, undisturbed));
+        ASSERT_TRUE(leavesNoTrace(warmUp, n, eFailing::ONE, eCaches::ON, undisturbed));
         ASSERT_FALSE(::testing::Test::HasFailure());
     }
 }

@@ -1,4 +1,4 @@
-// Pairs_test.cpp: every ordered pair of catalogue units converts consistently or is refused.
+// Pairs_test.cpp: every ordered pair of units of the catalogue converts consistently or is refused.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -27,17 +27,17 @@ constexpr std::size_t UNITS = 602;  // 29 symbols, 569 labels, one, aeon, psi, n
 constexpr std::size_t COMPATIBLE_PAIRS =
     17 * 21 * 21 + 2 * 22 * 22 + 31 * 31 + 52 * 52 + 2 * 42 * 42 + 26 * 26 + 7 * 7 + 1;
 
-/// A unit, what is known of it from outside the library, and how it is called in messages.
+/// A unit, its known factor from outside the library, and its symbol in messages.
 struct Member {
     CatalogueRow Row;
     CUnitPtr Unit;
-    std::string Symbol;  // what the refusal calls it
-    const CUnit* Kind;   // units with the same one can be converted
+    std::string Symbol;  // its symbol in the message of a refusal
+    const CUnit* Kind;   // units with the same kind are compatible
 };
 
-// All names that are known after load, and what an accessor gives besides.
+// All names after load, and the units of accessors that have no name.
 std::vector<Member> members() {
-    std::vector<CatalogueRow> rows = catalogue();
+    std::vector<CatalogueRow> rows = catalogueRows();
     std::map<std::string, CUnitPtr> units;
     for (const CatalogueRow& row : rows) {
         units[row.Name] = CUnitFormat::unitFor(row.Name);
@@ -51,7 +51,7 @@ std::vector<Member> members() {
     rows.push_back({"psi", 0, "Pa", {{'*', 6894.76}}, 0, 0});
     rows.push_back({"none", 0, "One", {{'*', 1.0}}, 0, 0});
 
-    // What measures the same kind of quantity, beyond the system unit itself.
+    // Other units of the same kind of quantity.
     const std::map<std::string, std::string> sameKind{{"rad", "One"}, {"sr", "One"}, {"bit", "One"},
                                                       {"Bq", "Hz"},   {"Sv", "Gy"},  {"lm", "cd"}};
     std::vector<Member> members;
@@ -65,15 +65,15 @@ std::vector<Member> members() {
     return members;
 }
 
-/// How far two ways of computing a quantity may be apart, in its system unit: some roundings of what
-/// it passes through. Beside the degree Celsius that is the offset, too.
+/// The allowed difference of two computations of a quantity, in its system unit: some roundings of
+/// each intermediate result. For the degree Celsius the offset is one of them.
 double rounding(const Member& from, const Member& to, const Member& by, double inSystem) {
     const bool hasOffset = from.Row.Name == "°C" || to.Row.Name == "°C" || by.Row.Name == "°C";
     return 16 * std::numeric_limits<double>::epsilon() *
            (std::fabs(inSystem) + (hasOffset ? 273.15 : 0.0));
 }
 
-TEST(Pairs, EveryAccessorsUnitIsAmongThem) {
+TEST(Pairs, TheyIncludeTheUnitOfEveryAccessor) {
     std::set<CUnitPtr> units;
     for (const Member& member : members()) {
         units.insert(member.Unit);
@@ -81,8 +81,8 @@ TEST(Pairs, EveryAccessorsUnitIsAmongThem) {
     EXPECT_EQ(units.size(), UNITS);
 }
 
-// The converter is that of the one unit to the system unit and then that of the other back: a value
-// passes the factors of the one and the reciprocals of the other, each rounded on its own.
+// The converter goes to the system unit and then to the other unit. So a value is multiplied by the
+// factors of the first and the reciprocals of the second, rounded at each step.
 TEST(Pairs, CompatibleUnitsConvertByTheirFactorsBitForBit) {
     const std::vector<Member> units = members();
     std::size_t pairs = 0;
@@ -107,7 +107,7 @@ TEST(Pairs, CompatibleUnitsConvertByTheirFactorsBitForBit) {
     EXPECT_EQ(pairs, COMPATIBLE_PAIRS);
 }
 
-TEST(Pairs, CompatibleUnitsConvertThereAndBackAndByWayOfAThird) {
+TEST(Pairs, CompatibleUnitsConvertThereAndBackAndThroughAThirdUnit) {
     std::map<const CUnit*, std::vector<Member>> kinds;
     for (const Member& member : members()) {
         kinds[member.Kind].push_back(member);
@@ -131,14 +131,14 @@ TEST(Pairs, CompatibleUnitsConvertThereAndBackAndByWayOfAThird) {
                 const double half = from.Unit->convertValueToUnit(x, by.Unit);
                 const double whole = by.Unit->convertValueToUnit(half, to.Unit);
                 ASSERT_NEAR(to.Row.toSystem(whole), to.Row.toSystem(there), tolerance)
-                    << from.Row.Name << " in " << to.Row.Name << " by way of " << by.Row.Name;
+                    << from.Row.Name << " in " << to.Row.Name << " through " << by.Row.Name;
             }
         }
     }
 }
 
-// The message names both by their own symbol; a scaled unit has none, whatever its label.
-TEST(Pairs, AllOthersAreRefusedByName) {
+// The message names both by their symbols. A scaled unit has none, even if it has a label.
+TEST(Pairs, IncompatibleUnitsAreRefusedByName) {
     const std::vector<Member> units = members();
     const std::size_t converters = CUnit::toDimensions().size();
     std::size_t pairs = 0;

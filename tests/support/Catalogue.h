@@ -1,7 +1,7 @@
-// Catalogue.h: what tests know of the catalogue, each name and what it stands for, from
-// data/labels.tsv (made by data/labels.py, which does not ask the library).
+// Catalogue.h: the expected catalogue, each name and its unit, from data/labels.tsv. data/labels.py
+// makes that file without the library.
 //
-//     for (const CatalogueRow& row : catalogue()) {
+//     for (const CatalogueRow& row : catalogueRows()) {
 //         SCOPED_TRACE(row.Name);
 //         EXPECT_EQ(bitsOf(unit->getConverterTo(system)->convert(2.5)), bitsOf(row.toSystem(2.5)));
 //     }
@@ -19,16 +19,16 @@
 
 namespace mensor {
 
-/// One step on the way from a unit to its system unit.
+/// One step of the conversion from a unit to its system unit.
 struct Step {
     char Kind;  ///< '*' multiplies, '+' adds
     double Number;
 };
 
-/// One name that is known after load.
+/// One name after load.
 struct CatalogueRow {
     std::string Name;         ///< symbol or label
-    int Id;                   ///< the number of registration
+    int Id;                   ///< the id of the unit
     std::string System;       ///< the text of the system unit
     std::vector<Step> Steps;  ///< to the system unit, in order; none for a system unit
     std::uint64_t SlopeBits;  ///< of the converter to the system unit at 0
@@ -51,7 +51,7 @@ struct CatalogueRow {
     bool isSystemUnit() const { return Steps.empty(); }
 };
 
-inline std::vector<CatalogueRow> catalogue() {
+inline std::vector<CatalogueRow> catalogueRows() {
     const std::string path = std::string(MENSOR_TEST_DATA) + "/labels.tsv";
     std::ifstream file(path);
     std::vector<CatalogueRow> rows;

@@ -1,5 +1,5 @@
-// ClientConverters.h: converters as clients may write them, which the library knows only through
-// their virtual members.
+// ClientConverters.h: converters as clients may write them. The library can only call their virtual
+// functions.
 #ifndef MENSOR_TESTS_CLIENTCONVERTERS_H
 #define MENSOR_TESTS_CLIENTCONVERTERS_H
 
@@ -13,7 +13,7 @@
 
 namespace mensor {
 
-/// A scaling that is no CMultiplyConverter.
+/// A scaling that is not a CMultiplyConverter.
 class CScaling : public CConverter {
 public:
     explicit CScaling(double factor) : m_Factor(factor) {}
@@ -26,7 +26,7 @@ private:
     double m_Factor;
 };
 
-/// x², or its inverse: level and power, for values that are not negative.
+/// x² or its inverse, for values that are not negative.
 class CSquare : public CConverter {
 public:
     explicit CSquare(bool isRoot = false) : m_IsRoot(isRoot) {}
@@ -39,8 +39,8 @@ private:
     bool m_IsRoot;
 };
 
-/// x / (1 + bend · x): a scale that bends, with a slope of 1 at zero. The four operations alone make
-/// it, so its bits are the same everywhere.
+/// x / (1 + bend · x): a non-linear scale with the slope 1 at zero. It needs only basic arithmetic,
+/// so its bits are the same on all platforms.
 class CBent : public CConverter {
 public:
     explicit CBent(double bend = 1.0) : m_Bend(bend) {}
@@ -55,7 +55,7 @@ private:
     double m_Bend;
 };
 
-/// Adds 1 and writes down what it is asked, as "name.member".
+/// Adds 1 and logs each call as "name.function".
 class CLogged : public CConverter {
 public:
     using Log = std::vector<std::string>;

@@ -1,4 +1,4 @@
-// ClientUnit.h: a kind of unit as a client may write one, and a look inside all units.
+// ClientUnit.h: a kind of unit as a client may write one.
 //
 //     const auto own = freshClientUnit();
 //     own->CtxToDimension = [] { return std::make_shared<CMultiplyConverter>(2); };
@@ -24,8 +24,8 @@
 
 namespace mensor {
 
-/// A system unit of its own dimension, unless a hook says otherwise. It counts as registered only
-/// after `canonical()`. Hooks must not own the unit.
+/// A system unit with a dimension of its own, unless a hook returns something else. `canonical()`
+/// registers it. A hook must not own the unit.
 class CClientUnit : public CUnit {
 public:
     CClientUnit(const string_t& symbol, int hash) : CUnit(symbol), Hash(hash) {}
@@ -34,15 +34,15 @@ public:
         return std::make_shared<CClientUnit>(symbol, hash);
     }
 
-    /// The canonical unit for this one, registered now if its hash is new.
+    /// The registered unit with the hash code of this one; registers this one if there is none.
     CUnitPtr canonical() { return getInstance(shared_from_this()); }
 
-    int Hash;  ///< what calculateHashCode() gives
+    int Hash;  ///< the result of calculateHashCode()
     std::function<CUnitPtr()> CtxDimension, SystemUnit, BaseUnits;
     std::function<CConverterPtr()> CtxToDimension;
     std::function<std::vector<CUnitRationalPower>()> Elements;
     std::function<string_t()> Symbol;
-    std::vector<std::string> Asked;  ///< the virtual members called, in order
+    std::vector<std::string> Asked;  ///< the virtual functions that were called, in order
 
     void calculateHashCode() override {
         Asked.push_back("calculateHashCode");
@@ -75,7 +75,7 @@ public:
     }
 };
 
-/// A registered one, with a symbol and a hash of its own, that has not been asked anything.
+/// A registered client unit with a new symbol. `Asked` is empty.
 inline std::shared_ptr<CClientUnit> freshClientUnit() {
     const string_t symbol = freshSymbol();
     auto unit = CClientUnit::make(symbol, hashFromString(symbol));

@@ -1,5 +1,5 @@
-// Documents.h: the pages of docs/ as tests read them, so that what a page shows is what happens. For
-// tests that are built with MENSOR_DOCS, the folder.
+// Documents.h: the pages of docs/ as tests read them, so that what a page shows is what happens.
+// For tests that are built with MENSOR_DOCS, the folder.
 //
 //     for (const auto& table : documentTables("reading.md", {"Written", "Is"}))
 //         for (const Row& row : table) ... row[0] ...
@@ -27,8 +27,8 @@ inline std::string document(const std::string& name) {
     return text.str();
 }
 
-/// The cells of a line "| a | `b` |" without blanks and back quotes around, "\x00" as that byte; none
-/// if the line is no row.
+/// The cells of a line "| a | `b` |" without blanks and back quotes around, "\x00" as that byte;
+/// none if the line is no row.
 inline Row cells(const std::string& line) {
     Row row;
     if (line.empty() || line[0] != '|') {

@@ -1,4 +1,5 @@
-// Everyday.h: the texts of data/everyday.tsv, about a thousand units of everyday, and what they mean.
+// Everyday.h: the texts of data/everyday.tsv, about a thousand units of everyday, and what they
+// mean.
 #ifndef MENSOR_TESTS_EVERYDAY_H
 #define MENSOR_TESTS_EVERYDAY_H
 

@@ -1,7 +1,8 @@
 // Fork.h: work in a process of its own, and a child process that can go on.
 //
-// A process may have threads that it did not start: those of log4cplus, or of a sanitizer. A child made
-// while one of them holds a lock, such as that of the sanitizers' allocator, would wait for it for ever.
+// A process may have threads that it did not start: those of log4cplus, or of a sanitizer. A child
+// made while one of them holds a lock, such as that of the sanitizers' allocator, would wait for it
+// for ever.
 #ifndef MENSOR_TESTS_FORK_H
 #define MENSOR_TESTS_FORK_H
 

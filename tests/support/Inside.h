@@ -1,4 +1,4 @@
-// Inside.h: what CUnit keeps for the kinds of units. Needs no GoogleTest.
+// Inside.h: gives tests access to the protected members of CUnit. Needs no GoogleTest.
 //
 //     Inside::id(SI::Ampere());                      // 2
 //     Inside::powLookUp(SI::Meter()).size();
@@ -13,7 +13,7 @@
 
 namespace mensor {
 
-/// Not to be instantiated.
+/// Never created; its functions are static.
 struct Inside : CUnit {
     static std::vector<CUnitPtr>& multiplyLookUp(const CUnitPtr& unit) {
         return (*unit).*(&Inside::m_MultiplyLookUp);

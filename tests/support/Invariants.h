@@ -1,5 +1,5 @@
-// Invariants.h: what holds of the tables of the process at all times, whatever was asked, refused or
-// interrupted. Needs no GoogleTest.
+// Invariants.h: what holds of the tables of the process at all times, whatever was asked, refused
+// or interrupted. Needs no GoogleTest.
 //
 //     EXPECT_EQ(test::brokenInvariant(), "");
 #ifndef MENSOR_TESTS_INVARIANTS_H
@@ -20,9 +20,9 @@ namespace mensor::test {
 
 /// The first invariant that is broken, in words; empty if none is. Changes no table.
 ///
-/// Looking at the tables ends for this process what the library remembers beside them; whoever wants
-/// to go on trying that asks `brokenName` instead. Of units that a client labels or aliases it
-/// expects that they are registered.
+/// Looking at the tables ends for this process what the library remembers beside them; whoever
+/// wants to go on trying that asks `brokenName` instead. Of units that a client labels or aliases
+/// it expects that they are registered.
 inline std::string brokenInvariant() {
     const std::lock_guard<std::recursive_mutex> lock(CUnit::mutex());
     const CUnitPtr one = CProductUnit::one();

@@ -1,10 +1,10 @@
-// Matchers.h: how tests look at texts, numbers, units and the tables of the process.
+// Matchers.h: matchers and helpers for texts, numbers, units and the tables of the process.
 //
 //     EXPECT_THAT(kilometre, ConvertsTo(SI::Meter(), 1, 1000));   // bit for bit
 //     EXPECT_THAT(factor, HasBitsOf(0.001));
 //     EXPECT_THAT(SI::Meter() / SI::Second(), PrintsAs("m/s"));
 //     EXPECT_EQ(text(unit->getSymbol()), "m");
-//     const CUnitPtr own = CBaseUnit::getInstance(freshSymbol());
+//     const CUnitPtr unit = freshUnit();
 //
 //     const Tables before;
 //     EXPECT_THROW(..., std::logic_error);
@@ -26,13 +26,14 @@
 #include <sstream>
 #include <string>
 
+#include "mensor/BaseUnit.h"
 #include "mensor/Unit.h"
 #include "mensor/UnitFormat.h"
 #include "mensor/mensor_global.h"
 
 namespace mensor {
 
-/// The bytes of `s`, so that a failure shows the text.
+/// The bytes of `s`. A failure prints a std::string as text.
 inline std::string text(const string_t& s) { return toStdString(s); }
 
 /// The IEEE 754 bits of `x`.
@@ -50,12 +51,12 @@ inline std::string exactly(double x) {
     return out.str();
 }
 
-/// A symbol that no unit bears, short enough to have a hash of its own: five letters, spread so that
-/// sums of their hashes, which are the hashes of products, do not meet by chance. The same symbols in
+/// A symbol that no unit has. Its five letters give it a hash code of its own, and sums of these
+/// hash codes, which are the hash codes of products, are not equal by chance. The same symbols in
 /// every run.
 ///
-/// The table of hashes is not asked: the library remembers nothing beside a table that was handed out,
-/// and a test that uses a fresh symbol is to see it as programs do.
+/// The function does not look at CUnit::instances(): that would switch the caches of the library
+/// off, which are on in most programs.
 inline string_t freshSymbol() {
     static std::uint32_t state = 1;
     const std::lock_guard<std::recursive_mutex> lock(CUnit::mutex());
@@ -71,7 +72,11 @@ inline string_t freshSymbol() {
     }
 }
 
-/// A text whose hash is `hash`, which must be positive: a symbol for the identity of another unit.
+/// A base unit with a new symbol.
+inline CBaseUnitPtr freshUnit() { return CBaseUnit::getInstance(freshSymbol()); }
+
+/// A text with the hash code `hash`, which must be positive: a symbol with the identity of another
+/// unit.
 inline string_t symbolWithHash(int hash) {
     constexpr int LargestCodePoint = 0xD7FF;  // below the surrogates
     if (hash <= LargestCodePoint) {
@@ -83,21 +88,21 @@ inline string_t symbolWithHash(int hash) {
     return symbol;
 }
 
-/// The very double `expected`.
+/// The double `expected`, bit for bit.
 MATCHER_P(HasBitsOf, expected, "is " + exactly(expected)) {
     *result_listener << "which is " << exactly(arg);
     return bitsOf(arg) == bitsOf(expected);
 }
 
-/// `expected` or one of its two neighbours; only for what comes out of the math library's `pow`,
-/// whose last place may differ between platforms.
+/// `expected` or one of its two neighbours. Only for results of `pow` of the math library, whose
+/// last bit may differ between platforms.
 MATCHER_P(WithinOneUlp, expected, "is within one unit in the last place of " + exactly(expected)) {
     *result_listener << "which is " << exactly(arg);
     constexpr double infinity = std::numeric_limits<double>::infinity();
     return std::nextafter(expected, -infinity) <= arg && arg <= std::nextafter(expected, infinity);
 }
 
-/// `x` of this unit is the very double `y` of `unit`.
+/// `x` of this unit is the double `y` of `unit`, bit for bit.
 MATCHER_P3(ConvertsTo, unit, x, y, "converts " + exactly(x) + " to " + exactly(y)) {
     const double converted = arg->convertValueToUnit(x, unit);
     *result_listener << "which converts it to " << exactly(converted);
@@ -111,8 +116,8 @@ MATCHER_P(PrintsAs, expected, std::string("prints as \"") + expected + "\"") {
     return printed == expected;
 }
 
-/// What the tables of identity and text hold at one moment. The caches of dimensions are not among
-/// them: a question alone fills those.
+/// A copy of the tables of units and names. The tables of dimensions are not included, because a
+/// mere query fills them.
 class Tables {
 public:
     Tables() {

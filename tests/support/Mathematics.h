@@ -395,8 +395,8 @@ private:
         return lowest(numerator, denominator);
     }
 
-    // All left to right; a root binds to the operand behind it, to which exponents have been applied
-    // by then, and the order of the two makes no difference.
+    // All left to right; a root binds to the operand behind it, to which exponents have been
+    // applied by then, and the order of the two makes no difference.
     void push(char op) {
         while (!m_Operators.empty() && m_Operators.back() != '(') {
             apply();

@@ -1,6 +1,6 @@
-// Notation.h: what docs/notation.md says of texts, in its words rather than the library's: what a text
-// asks for, how a unit is written, and when what is written must read as the same object. Needs no
-// GoogleTest.
+// Notation.h: what docs/notation.md says of texts, in its words rather than the library's: what a
+// text asks for, how a unit is written, and when what is written must read as the same object.
+// Needs no GoogleTest.
 //
 //     test::Asked asked = test::askedBy("m/s²");
 //     asked.Refusal;                    // "", or the outcome of reading it
@@ -28,8 +28,8 @@
 
 namespace mensor::test {
 
-/// The code points of any bytes, each with the byte behind it. A string_t of tiny-utf8 cannot be asked
-/// for those of malformed text.
+/// The code points of any bytes, each with the byte behind it. A string_t of tiny-utf8 cannot be
+/// asked for those of malformed text.
 struct CodePoints {
     explicit CodePoints(const std::string& text) {
         const char* const end = text.data() + text.size();
@@ -244,8 +244,8 @@ inline std::optional<std::string> written(const CUnitPtr& unit, Notation notatio
 // ---- what is written and read
 
 /// Whether the factors, multiplied one after the other, are a product of just those factors at each
-/// step. They need not be: the hash alone decides what is one unit, and the first few may make a unit
-/// that was there before with other factors, which then merge otherwise with what follows.
+/// step. They need not be: the hash alone decides what is one unit, and the first few may make a
+/// unit that was there before with other factors, which then merge otherwise with what follows.
 inline bool isBuiltFactorByFactor(const Factors& factors) try {
     CUnitPtr product = CProductUnit::one();
     for (std::size_t count = 1; count <= factors.size(); ++count) {

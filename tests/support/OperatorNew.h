@@ -1,5 +1,5 @@
-// OperatorNew.h: an operator new that counts and can fail. It takes the place of the program's, and so
-// of that of every library the program loads. Included by one source of a program.
+// OperatorNew.h: an operator new that counts and can fail. It takes the place of the program's, and
+// so of that of every library the program loads. Included by one source of a program.
 //
 //     beforeAllocation = [](long number) {
 //         if (number == 3) throw std::bad_alloc();

@@ -1,5 +1,5 @@
-// Session.h: what programs ask of the library in the course of their lives, once or again and again, as
-// a list of requests whose answers can be compared.
+// Session.h: what programs ask of the library in the course of their lives, once or again and
+// again, as a list of requests whose answers can be compared.
 //
 //     for (const test::Request& request : test::asking()) {
 //         std::cout << request.Name << ": " << test::outcomeOf(request) << '\n';
@@ -29,9 +29,9 @@
 #include "mensor/io.h"
 #include "mensor_checked/Audit.h"
 #include "mensor_checked/Choosing.h"
-#include "mensor_checked/OwnUnits.h"
 #include "mensor_checked/Differences.h"
 #include "mensor_checked/Making.h"
+#include "mensor_checked/OwnUnits.h"
 #include "mensor_checked/Packs.h"
 #include "mensor_checked/Reading.h"
 #include "mensor_checked/Values.h"
@@ -127,8 +127,8 @@ inline Requests registering() {
     };
 }
 
-/// Requests that register several units or none of them. Taking back the first ends what the library
-/// remembers.
+/// Requests that register several units or none of them. Taking back the first ends what the
+/// library remembers.
 inline Requests registeringMany() {
     return {
         {"pack of units",

@@ -1,5 +1,6 @@
 // Thorough.h: whether the tests that try very many cases are to try all that they can, as
-// "scripts/test --all" asks for with MENSOR_TESTS_THOROUGH in the environment. Otherwise they try a sample.
+// "scripts/test --all" asks for with MENSOR_TESTS_THOROUGH in the environment. Otherwise they try a
+// sample.
 #ifndef MENSOR_TESTS_THOROUGH_H
 #define MENSOR_TESTS_THOROUGH_H
 
