@@ -313,8 +313,8 @@ TEST(UnitAlgebra, TheFirstResultInTheSharedCacheEntryIsTheResultForAll) {
 // Powers and roots.
 
 TEST(UnitAlgebra, TheFirstPowerAndTheFirstRootAreTheUnitItself) {
-    for (const CUnitPtr& u : {freshUnit(), SI::Newton(), SI::Celsius(), SI::Meter() / SI::Second(),
-                              CProductUnit::one()}) {
+    for (const CUnitPtr& u : {CUnitPtr(freshUnit()), SI::Newton(), SI::Celsius(),
+                              SI::Meter() / SI::Second(), CProductUnit::one()}) {
         const std::size_t powers = Inside::powLookUp(u).size();
         const std::size_t roots = Inside::rootLookUp(u).size();
         EXPECT_EQ(u->pow(1), u);

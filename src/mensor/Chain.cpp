@@ -6,7 +6,6 @@
 #include <utility>
 #include <vector>
 
-#include "mensor/Tables.h"
 #include "mensor/identity.h"
 #include "mensor/require.h"
 
@@ -43,7 +42,7 @@ void Chain::invertSecond(const CCompound& compound) {
     // Recursive, because the converter to invert may itself have a second step to invert. All
     // converters below are of the library's own classes and take no other lock.
     static std::recursive_mutex mutex;
-    const Lock lock(mutex);
+    const std::lock_guard<std::recursive_mutex> lock(mutex);
     if (!compound.m_SecondIsReady.load(std::memory_order_relaxed)) {
         compound.m_Second = inverse(compound.m_Second);
         compound.m_SecondIsReady.store(true, std::memory_order_release);
