@@ -1,5 +1,5 @@
 #!/bin/sh
-# Writes the generated parts of the pages, or says which are not up to date.
+# Writes the generated parts of the pages, or reports those that are not up to date.
 #
 # usage: update.sh --check|--write SOURCE_FOLDER FOLDER_OF_PROGRAMS [EMULATOR...]
 #
@@ -10,7 +10,7 @@ work=$(mktemp -d) || exit 1
 trap 'rm -rf "$work"' EXIT
 status=0
 
-# settle PAGE: compares the new page, $work/page, with the one in the tree, or puts it there.
+# settle PAGE: compares the new page, $work/page, with the one in the tree, or writes it there.
 settle() {
     if [ "$mode" = --write ]; then
         cmp -s "$work/page" "$source/docs/$1" || cp "$work/page" "$source/docs/$1"
@@ -20,7 +20,7 @@ settle() {
     fi
 }
 
-# replace PAGE NAME: puts $work/part between the marks.
+# replace PAGE NAME: writes $work/part between the marks.
 replace() {
     grep -qxF "<!-- $2 -->" "$source/docs/$1" || { echo "docs/$1 has no mark $2"; exit 1; }
     awk -v begin="<!-- $2 -->" -v end="<!-- /$2 -->" -v part="$work/part" '
@@ -37,6 +37,9 @@ settle catalogue.md
 settle codes-tables.md
 awk -f "$source/docs/generate/parser_rows.awk" "$source/tests/data/parser.tsv" >"$work/part" || exit 1
 replace notation.md parser.tsv
+awk -f "$source/docs/generate/rooms.awk" "$source/docs/generate/rooms.txt" "$source"/src/mensor/*.h \
+    "$source"/src/mensor/*.cpp "$source"/src/mensor/*.h.in >"$work/part" || exit 1
+replace design.md rooms
 "$@" "$programs/generate_collisions" >"$work/part" || exit 1
 replace reliability.md collisions
 exit $status
