@@ -1,5 +1,5 @@
-// arrays.cpp: converts a whole block of samples at once, in place. Each result has the very bits that a
-// conversion of the single value has.
+// arrays.cpp: converts a whole block of samples at once, in place. Each result has the same bits as
+// the conversion of the single value.
 #include <iostream>
 #include <vector>
 
@@ -8,7 +8,7 @@
 using namespace mensor;
 
 int main() {
-    std::vector<double> samples;  // °C, as a logger has stored them
+    std::vector<double> samples;  // °C, from a logger
     samples.reserve(1000);
     for (int i = 0; i < 1000; ++i) {
         samples.push_back(20 + 0.001 * i);

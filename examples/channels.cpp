@@ -1,5 +1,5 @@
-// channels.cpp: a table of measuring channels. Each has a unit in which its sensor measures and one in
-// which people read it. The units are texts, as they stand in a configuration.
+// channels.cpp: a table of measuring channels. Each has the unit of its sensor and a unit for
+// display. The units are texts, as in a configuration.
 #include <cstdio>
 #include <string>
 #include <vector>

@@ -2,11 +2,11 @@
 # usage: check_output.sh RECORD NAME COMMAND...
 #
 # RECORD is a session with the program NAME, which COMMAND runs. A line that begins with "$ " is a
-# shell command; below it stand what the command writes to standard output, what it writes to
-# standard error behind "! ", and its status behind "? " unless that is 0.
+# shell command. Below it is the standard output of the command, its
+# standard error after "! ", and its status after "? " unless that is 0.
 #
-# Runs every command of RECORD again; prints the difference and fails if the session is another.
-# To make a record anew: write the "$ " lines and apply the difference that is printed.
+# Runs every command of RECORD again. Prints the difference and fails if there is one.
+# To make a new record, write the "$ " lines and apply the printed difference.
 set -eu
 record=$1 name=$2
 shift 2

@@ -1,5 +1,5 @@
-// compatible_units.cpp: what a drop-down offers beside a value: the units of the same kind, each with
-// the value in it, and first the one in which the value reads best.
+// compatible_units.cpp: the entries of a drop-down for a value: the units of the same kind, each
+// with the value in that unit, and first the unit in which the value reads best.
 #include <iostream>
 
 #include <mensor/mensor.h>
@@ -14,7 +14,7 @@ int main() {
 
     for (const checked::CChoice& choice : checked::choicesFor(given.unit())) {
         const double value = given.valueAs(choice.Unit);
-        if (value >= 0.001 && value < 10000) {  // nobody wants 4.2e+26 yPa
+        if (value >= 0.001 && value < 10000) {  // leaves out results such as 4.2e+26 yPa
             std::cout << "    " << value << ' ' << choice.Text << '\n';
         }
     }

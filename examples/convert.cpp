@@ -1,4 +1,4 @@
-// convert.cpp: converts a value that a person has typed.
+// convert.cpp: converts a value that a person typed.
 //
 //     $ convert "2.5 km" m
 //     2.5 km = 2500 m
@@ -23,7 +23,7 @@ int main(int argc, char** argv) {
             std::cout << checked::writeValue(given) << " = " << checked::writeValue(converted)
                       << '\n';
         }
-    } catch (const checked::CReadError& e) {  // what was typed, and where it is wrong
+    } catch (const checked::CReadError& e) {  // shows the typed text and the position of the error
         std::cerr << e.diagnosis().caret() << e.what() << '\n';
         return 1;
     } catch (const std::exception& e) {  // units of different kinds

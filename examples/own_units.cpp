@@ -1,9 +1,9 @@
-// own_units.cpp: units that a program brings itself, from a table such as a file may hold, and by calls.
+// own_units.cpp: units of a program's own, from a table, which may come from a file, and by calls.
 #include <iostream>
 
 #include <mensor/mensor.h>
-#include <mensor_checked/OwnUnits.h>
 #include <mensor_checked/Making.h>
+#include <mensor_checked/OwnUnits.h>
 #include <mensor_checked/Reading.h>
 #include <mensor_checked/Values.h>
 
@@ -15,7 +15,7 @@ int main() {
         "mi = 5280 ft\n");
     std::cout << checked::readValue("26.2 mi").valueAs(checked::readUnit("km")) << " km\n";
 
-    // By calls: a scale with an offset, and something the SI does not know.
+    // By calls: a scale with an offset, and a unit that the SI does not have.
     const CUnitPtr fahrenheit =
         checked::label(checked::affine(SI::Kelvin(), 5.0 / 9, 459.67 * 5 / 9), "°F");
     std::cout << CValueWithUnit(98.6, fahrenheit).convertTo(SI::Celsius()) << '\n';

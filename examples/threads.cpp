@@ -1,4 +1,4 @@
-// threads.cpp: units and converters are shared by all threads without a lock of yours.
+// threads.cpp: all threads share units and converters. The program needs no lock.
 #include <iostream>
 #include <thread>
 #include <vector>
@@ -20,7 +20,7 @@ int main() {
             double sum = 0;
             for (int i = 0; i < 1000; ++i) {
                 sum += toMetrePerSecond->convert(i);
-                // Every thread that reads a unit gets the one object that all others have.
+                // Every thread that reads a unit gets the same object.
                 sum += CUnit::fromString("km/h") == CUnit::fromString("km/h") ? 0 : 1;
             }
             sums[static_cast<std::size_t>(t)] = sum;

@@ -1,8 +1,8 @@
-// Algebra_fuzz.cpp: a stack machine whose operations are bytes of the input. Each result is the
-// canonical unit under the hash code that arithmetic on the factors gives, though perhaps, since the
-// hash alone decides, a unit of other factors; the same operation gives the same object again;
-// products commute; nothing but the documented exceptions is thrown. A converter is the one that the
-// two dimensions give, and its inverse undoes it.
+// Algebra_fuzz.cpp: a stack machine whose operations are the bytes of the input. Properties: each
+// result is the registered unit with the hash code of its factors, computed independently (it may
+// have other factors, since the hash code alone decides identity); the same operation returns the
+// same object again; products commute; only the documented exceptions are thrown. A converter is
+// the one between the two dimensions, and its inverse undoes it.
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -39,7 +39,7 @@ const std::vector<CUnitPtr>& catalogueUnits() {
     return units;
 }
 
-// ---- arithmetic of factors, in lowest terms; none where an exponent leaves the range of int
+// ---- arithmetic of factors, in lowest terms; no result if an exponent leaves the range of int
 
 using Product = std::optional<test::Factors>;
 
@@ -124,7 +124,8 @@ void requireCanonical(const CUnitPtr& unit, const char* operation) {
             operation, "gives a unit that is not canonical");
 }
 
-// `operation` gives a canonical unit of the hash code of `factors`, or refuses if there are none.
+// `operation` returns the registered unit with the hash code of `factors`, or refuses if there are
+// none.
 template <class Operation>
 CUnitPtr checkProduct(const char* name, const Product& factors, Operation operation) {
     CUnitPtr unit;
@@ -208,7 +209,7 @@ bool isNonLinear(const std::string& outcome) {
            endsWith(outcome, " is non-linear, cannot convert");
 }
 
-// Conversion may need units that do not exist yet, whose exponents may be out of range.
+// A conversion may need new units, whose exponents may be out of range.
 bool isRefusedConversion(const std::string& outcome) {
     return isNonLinear(outcome) || fuzz::isOverflow(outcome) ||
            (outcome.find("std::invalid_argument: ") == 0 &&
@@ -242,7 +243,7 @@ void checkConversion(const CUnitPtr& from, const CUnitPtr& to, double value) {
                 ("convert, or " + outcome).c_str());
         return;
     }
-    // Anew, whatever the library remembers.
+    // A new converter, so no cached one is used.
     CConverterPtr expected;
     const std::string ofContext = outcomeOf([&] {
         const CConverterPtr there = from->getCtxToDimension();
@@ -259,8 +260,8 @@ void checkConversion(const CUnitPtr& from, const CUnitPtr& to, double value) {
             "is converted otherwise at once");
     require(areSame(converter->derivative(value), expected->derivative(value)), "a converter",
             "has another slope");
-    // Where nothing is lost on the way: numbers of usual size, and offsets no larger than they, not even
-    // two that cancel out.
+    // Only if no digits are lost: numbers of usual size, and offsets that are not larger, not even
+    // two that cancel.
     const CConverterPtr inverse = converter->inverse();
     const CConverterPtr there = from->getCtxToDimension(), back = to->getCtxToDimension();
     const auto isUsual = [](double x) { return std::fabs(x) > 1e-90 && std::fabs(x) < 1e90; };
@@ -293,7 +294,7 @@ CUnitPtr checkTransformed(const CUnitPtr& unit, const CConverterPtr& step, bool 
         return nullptr;
     }
     if (!result) {
-        return nullptr;  // the hash code is that of a unit of another kind
+        return nullptr;  // the hash code belongs to a unit of another kind
     }
     requireCanonical(result, "a scaled or shifted unit");
     require(result->hashCode() == static_cast<int>(static_cast<unsigned>(system->hashCode()) +
@@ -392,7 +393,7 @@ private:
         }
     }
 
-    // From the top; below everything there is the metre.
+    // Counted from the top. The metre is below all others.
     CUnitPtr at(std::size_t depth) const {
         return depth < m_Stack.size() ? m_Stack[m_Stack.size() - 1 - depth] : SI::Meter();
     }
@@ -437,7 +438,7 @@ private:
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    constexpr std::size_t LongestInput = 96;  // units are kept for good
+    constexpr std::size_t LongestInput = 96;  // units stay until the process ends
     CMachine(fuzz::CInput(data, size < LongestInput ? size : LongestInput)).run();
     fuzz::checkTables();
     return 0;

@@ -1,6 +1,6 @@
-// CheckedRead_fuzz.cpp: whatever the companion accepts has, by direct calculation from the text, the
-// exponents, the factor and the offset by which the library converts the object it gives. What is
-// refused for its form has no unit, a place in the text and a sentence. Nothing else happens.
+// CheckedRead_fuzz.cpp: whatever the companion accepts has, by direct calculation from the text,
+// the exponents, the factor and the offset by which the library converts the object it gives. What
+// is refused for its form has no unit, a place in the text and a sentence. Nothing else happens.
 #include <cstddef>
 #include <cstdint>
 #include <string>

@@ -1,7 +1,8 @@
-// DefinitionFile_fuzz.cpp: a file of definitions is accepted as a whole or refused line by line. Each unit
-// of an accepted file has the form that the grammar tells, and means what a direct calculation with
-// doubles gives. Its definition in the catalogue means the same, exactly. Of a refused file nothing stays,
-// each finding has its place in its line, and what is offered in place of the line is accepted.
+// DefinitionFile_fuzz.cpp: a file of definitions is accepted as a whole or refused line by line.
+// Each unit of an accepted file has the form that the grammar tells, and means what a direct
+// calculation with doubles gives. Its definition in the catalogue means the same, exactly. Of a
+// refused file nothing stays, each finding has its place in its line, and what is offered in place
+// of the line is accepted.
 #include <cmath>
 #include <cstddef>
 #include <cstdint>

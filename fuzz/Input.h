@@ -1,4 +1,5 @@
-// Input.h: an input as one text, or its bytes as choices, one after the other; zeros when they are used up.
+// Input.h: an input as one text, or its bytes as choices, one after the other; zeros after the last
+// byte.
 //
 //     fuzz::CInput input(data, size);
 //     while (!input.empty()) {
@@ -18,8 +19,8 @@
 namespace mensor {
 namespace fuzz {
 
-/// The input as one text; none if it is longer than `longest`: units are kept for good, and long texts are
-/// only more of the same.
+/// The input as one text; none if it is longer than `longest`. Units stay until the process ends,
+/// and long texts show nothing new.
 inline std::optional<std::string> shortText(const std::uint8_t* data, std::size_t size,
                                             std::size_t longest) {
     return size <= longest ? std::optional<std::string>(std::in_place, data, data + size)
@@ -45,7 +46,7 @@ public:
         return result;
     }
 
-    /// Any double, by its bits.
+    /// Any double, from its bits.
     double real() {
         const std::uint64_t high = word();
         const std::uint64_t bits = high << 32 | word();
@@ -54,7 +55,7 @@ public:
         return result;
     }
 
-    /// At most `longest` bytes, as many as the next one says.
+    /// At most `longest` bytes; the next byte is their number.
     std::string text(std::size_t longest) {
         const auto left = static_cast<std::size_t>(m_End - m_Position);
         const std::size_t length = std::min(below(longest + 1), left > 0 ? left - 1 : 0);

@@ -1,11 +1,12 @@
-// Labels_fuzz.cpp: labels, aliases and symbols do, in any sequence, what a plain model of them does: a
-// unit has one label and a label one unit, the first alias wins, a label goes before an alias and that
-// before a symbol; a conflict is refused by the documented message and changes nothing; reading and
-// writing follow at once, whatever was read and written before. Bytes of the input are operations.
+// Labels_fuzz.cpp: compares labels, aliases and symbols with a simple model, in any sequence of
+// operations. A unit has one label and a label one unit. The first alias wins. A label is looked up
+// before an alias, and an alias before a symbol. A conflict is refused with the documented message
+// and changes nothing. Reading and writing follow each change at once. The bytes of the input are
+// operations.
 //
-// Names cannot be taken back, and a process tries many inputs. So that an input means the same
-// wherever it comes, its texts begin with a character that is its own, and each of the units that it
-// names has a label of its own at the beginning.
+// Names cannot be removed, and a process tries many inputs. So that an input means the same in any
+// order, its texts begin with a character of their own, and each of the units that it names gets a
+// label of its own first.
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -82,7 +83,7 @@ public:
 
     void alias(const CUnitPtr& unit, const std::string& alias) { m_Aliases.emplace(alias, unit); }
 
-    // `unit` came of registering `symbol`.
+    // `unit` is the result of registering `symbol`.
     void registered(const std::string& symbol, const CUnitPtr& unit) {
         if (toStdString(unit->getSymbol()) == symbol) {
             const bool isFirst = m_Symbols.emplace(symbol, unit).first->second == unit;
@@ -129,7 +130,7 @@ public:
         for (int i = 0; i < 4; ++i) {
             m_Texts.push_back(first + m_Input.text(3));
         }
-        m_Texts.push_back("k" + m_Texts[4]);  // what prefixes may make
+        m_Texts.push_back("k" + m_Texts[4]);  // a text that a prefix may give
         m_Texts.push_back("c" + m_Texts[4]);
         for (std::size_t i = 0; i < pool().size(); ++i) {
             label(pool()[i], "~" + std::to_string(i));

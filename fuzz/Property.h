@@ -1,4 +1,4 @@
-// Property.h: how a fuzzer tells what it found, and what every one of them asks after its inputs.
+// Property.h: how a fuzzer reports a broken property, and the properties that all fuzzers check.
 #ifndef MENSOR_FUZZ_PROPERTY_H
 #define MENSOR_FUZZ_PROPERTY_H
 
@@ -15,7 +15,7 @@
 namespace mensor {
 namespace fuzz {
 
-/// Tells that `about` breaks a property, and ends the process.
+/// Reports that `about` breaks a property, and ends the process.
 [[noreturn]] inline void fail(const std::string& about, const std::string& property) {
     std::fprintf(stderr, "\"");
     for (const char c : about) {
@@ -32,14 +32,14 @@ inline void require(bool holds, const std::string& about, const char* property) 
     }
 }
 
-/// Whether the library answers from its tables alone, since they have been handed out.
+/// Whether the caches of the library are off, because its tables have been handed out.
 inline bool isWithoutMemory() { return CUnitFormat::namesVersion() == 0; }
 
-/// The tables hold together. To be called after each input; it looks often enough.
+/// Checks the invariants of the tables. Call it after each input; it decides how often it checks.
 ///
-/// Looking into the tables ends what the library remembers beside them, so in the first inputs of a
-/// process only the names are looked at: those inputs try the remembering, the later ones the tables.
-/// The intervals grow with the tables, or looking would soon be all that is done.
+/// Looking at the tables switches the caches of the library off. So after the first inputs of a
+/// process it checks only the names: these inputs test the caches, the later ones the tables. The
+/// intervals grow with the tables, since checking takes time in proportion to them.
 inline void checkTables() {
     constexpr std::size_t RememberedInputs = 4000;
     static std::size_t inputs = 0;

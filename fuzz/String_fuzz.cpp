@@ -1,6 +1,6 @@
-// String_fuzz.cpp: the string class does with any bytes what a plain model does that reads the whole
-// text anew each time: it counts, indexes, cuts and iterates the same code points, and keeps every
-// byte. Bytes of the input are operations on three texts.
+// String_fuzz.cpp: compares the string class with a simple model that decodes the whole text at
+// each operation: it counts, indexes, cuts and iterates the same code points, and keeps every byte.
+// The bytes of the input are operations on three texts.
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -24,7 +24,7 @@ struct Piece {
     char32_t CodePoint;
 };
 
-// What the head of utf8_string.h says: as many bytes as the lead byte begins with ones.
+// The rule of utf8_string.h: as many bytes as the lead byte has leading ones.
 std::vector<Piece> piecesOf(const std::string& bytes) {
     std::vector<Piece> pieces;
     for (std::size_t i = 0; i < bytes.size(); i += pieces.back().Bytes.size()) {
@@ -54,7 +54,7 @@ std::string encoded(char32_t c) {
         return std::string(1, static_cast<char>(c));
     }
     std::string further;
-    std::uint32_t room = 0x40;  // what the lead byte of so many further bytes can hold
+    std::uint32_t room = 0x40;  // the first number that does not fit so many further bytes
     for (; further.empty() || c >= room; c >>= 6) {
         further.insert(further.begin(), static_cast<char>(0x80 | (c & 0x3F)));
         room = 0x40U >> further.size();
@@ -189,7 +189,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                 model = models[j] + models[(j + 1) % 3];
                 break;
             default:
-                // Code point by code point, a text of shortest forms is itself.
+                // A text in shortest form is the concatenation of its code points.
                 utf8_string copy;
                 std::string shortest;
                 for (const char32_t c : texts[j]) {

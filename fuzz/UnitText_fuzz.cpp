@@ -1,7 +1,7 @@
-// UnitText_fuzz.cpp: a text gives the unit that the notation makes of it, or exactly the exception
-// that the notation names, class and message, and what is refused registers nothing. The same text
-// gives the same object, remembered or not. The unit is written as the notation says, and what is
-// written reads as the same object wherever the notation allows it.
+// UnitText_fuzz.cpp: a text gives the unit that it denotes in the notation, or exactly the
+// exception of the notation, with its class and message. A refused text registers nothing. The same
+// text gives the same object, cached or not. The unit is written as the notation says, and its text
+// reads as the same object if the notation allows it.
 #include <cstddef>
 #include <cstdint>
 #include <string>

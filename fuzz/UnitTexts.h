@@ -1,4 +1,4 @@
-// UnitTexts.h: the properties of reading and writing units, for all fuzzers that do either.
+// UnitTexts.h: the properties of reading and writing units, for several fuzzers.
 #ifndef MENSOR_FUZZ_UNITTEXTS_H
 #define MENSOR_FUZZ_UNITTEXTS_H
 
@@ -14,7 +14,7 @@
 namespace mensor {
 namespace fuzz {
 
-/// Whether `outcome` is "std::overflow_error: Exponent -2147483649 is out of range", whatever the
+/// Whether `outcome` is "std::overflow_error: Exponent -2147483649 is out of range", with any
 /// number.
 inline bool isOverflow(const std::string& outcome) {
     const std::string before = "std::overflow_error: Exponent ", behind = " is out of range";
@@ -28,10 +28,10 @@ inline bool isOverflow(const std::string& outcome) {
     return number.find_first_not_of("0123456789", number[0] == '-' ? 1 : 0) == std::string::npos;
 }
 
-/// Units known so far, where they can be counted without ending what the library remembers.
+/// The number of registered units, if they can be counted without switching the caches off.
 inline std::size_t unitCount() { return isWithoutMemory() ? CUnit::instances().size() : 0; }
 
-/// Reads `text` and gives the outcome.
+/// Reads `text` and returns the outcome.
 inline std::string checkReading(const std::string& text) {
     const test::Asked asked = test::askedBy(text);
     const std::size_t before = unitCount();
@@ -39,7 +39,7 @@ inline std::string checkReading(const std::string& text) {
     const std::string outcome = outcomeOf([&] { unit = CUnit::fromString(text); });
     if (outcome != "returned") {
         require(unitCount() == before, text, "is refused and registers units");
-        // A message shows itself up to its first zero byte.
+        // what() ends at the first zero byte.
         const std::string expected =
             asked.Refusal.empty() ? outcomeOf([&] { asked.unit(); }) : asked.Refusal.c_str();
         require(outcome == expected, text, ("ends with " + outcome).c_str());
@@ -48,7 +48,7 @@ inline std::string checkReading(const std::string& text) {
     } else {
         require(unit == asked.unit(), text, "is another unit");
     }
-    // Texts of more than 31 bytes are never remembered, and blanks in front mean nothing.
+    // Texts of more than 31 bytes are never cached, and leading blanks have no meaning.
     for (const std::string& same : {text, std::string(32, ' ') + text}) {
         CUnitPtr again;
         require(outcomeOf([&] { again = CUnit::fromString(same); }) == outcome && again == unit,

@@ -1,7 +1,8 @@
-// ValueText_fuzz.cpp: a text gives the value of its first two pieces, or exactly the exception that
-// the notation of units or std::stod names, the unit's first. A value is written with a field of 63
-// bytes, and what is written reads as the number in that field. Of two values, one a line, sum,
-// difference, conversion and comparison are those of the converter between their units.
+// ValueText_fuzz.cpp: a text gives the value of its first two parts, or exactly the exception of
+// the notation of units or of std::stod, that of the unit first. A value is written with a field of
+// 63 bytes, and its text reads as the number in that field. For two values, one in each line, the
+// sum, the difference, the conversion and the comparisons are those of the converter between their
+// units.
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -32,7 +33,7 @@ struct Number {
     std::string Refusal;
 };
 
-// As std::stod reads it.
+// The number as std::stod reads it.
 Number numberIn(const std::string& text) {
     char* end = nullptr;
     errno = 0;
@@ -43,7 +44,7 @@ Number numberIn(const std::string& text) {
     return {value, errno == ERANGE ? "std::out_of_range: stod" : ""};
 }
 
-// The outcome, and the value in `value`.
+// Returns the outcome and stores the value in `value`.
 std::string checkReading(const std::string& text, CValueWithUnit& value) {
     const std::string outcome = outcomeOf([&] { value = CValueWithUnit::fromString(text); });
     const std::size_t blank = text.find(' ');

@@ -1,9 +1,10 @@
-// replay_main.cpp: tries the inputs in files, and in all files of folders. For builds without libFuzzer.
+// replay_main.cpp: runs a fuzzer on the inputs in files, and in all files of folders. For builds
+// without libFuzzer.
 //
 // usage: <What>_fuzz [--from-tables] FILE_OR_FOLDER...
 //
-// The library remembers what it was asked, until somebody looks into its tables; with --from-tables
-// that has happened before the first input.
+// The caches of the library are on until its tables are handed out. With --from-tables they are off
+// from the first input.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -45,7 +46,7 @@ int main(int count, char** arguments) try {
             files.emplace_back(arguments[i]);
         }
     }
-    std::sort(files.begin(), files.end());  // the same order everywhere
+    std::sort(files.begin(), files.end());  // the same order on every platform
     for (const fs::path& file : files) {
         const std::string input = contents(file);
         const std::vector<std::uint8_t> bytes(input.begin(), input.end());

@@ -1,21 +1,21 @@
 # shellcheck shell=bash
-# What the scripts share. Sourced by them, never run.
+# Functions of the scripts. Sourced by them, never run.
 set -euo pipefail
 
 source_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
 
-# Builds live beside the tree, where the presets put them too; MENSOR_BUILD_ROOT moves them.
+# Builds are next to the tree, as in the presets. MENSOR_BUILD_ROOT moves them.
 build_root=${MENSOR_BUILD_ROOT:-$source_dir-build}
 if ! mkdir -p "$build_root/logs" 2>/dev/null; then
     build_root=${XDG_CACHE_HOME:-$HOME/.cache}/mensor-build/$(cksum <<<"$source_dir" | cut -d' ' -f1)
     mkdir -p "$build_root/logs"
 fi
 
-# build PRESET DIRECTORY LOG [CMAKE OPTION...]: configures and builds, all output in the log.
+# build PRESET DIRECTORY LOG [CMAKE OPTION...]: configures and builds. All output goes to the log.
 build() {
     local preset=$1 directory=$2 log=$3
     shift 3
-    # The compiler cache may reuse objects compiled with the tests' precompiled header.
+    # Lets the compiler cache reuse objects that were compiled with the precompiled header of the tests.
     if command -v ccache >/dev/null; then
         export CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_SLOPPINESS=pch_defines,time_macros
     fi

@@ -28,7 +28,7 @@ NO_STATEMENT = {"return", "using", "class", "struct", "const", "static", "conste
 Mutation = collections.namedtuple("Mutation", "source kind start end new")
 
 
-# Finding what can be changed.
+# Finding mutations.
 
 TOKEN = re.compile(
     r"""(?P<comment>//[^\n]*|/\*.*?\*/)
@@ -209,7 +209,8 @@ class Sources:
         """Of each source the name, its mutations in the order of drawing, and how many are wanted."""
         total = sum(map(len, self.mutations.values()))
         for name, mutations in self.mutations.items():
-            # A generator for each source, so that a change of one leaves the others' samples alone.
+            # A generator for each source, so that a change of one does not change the samples of the
+            # others.
             chance = random.Random(f"{seed} {name}")
             kinds = collections.defaultdict(list)
             for mutation in mutations:
@@ -335,7 +336,7 @@ class Laboratory:
         self.originals = {}
 
     def targets(self, source):
-        # The tests' programs hold the code of headers, too: those that belong to the header.
+        # Test programs contain the code of headers, too, so the tests of a header are built.
         own = self.tests.own(source)
         return [*self.products, own] if source.endswith(".h") and own else [*self.products]
 
@@ -379,7 +380,7 @@ def main():
     parser.add_argument("--list", action="store_true")
     arguments = parser.parse_intermixed_args()
 
-    # What a million requests leave behind, a thousand do as well.
+    # A thousand requests show the same leaks as a million.
     os.environ["MENSOR_REQUESTS"] = "1000"
 
     sources = Sources(arguments.copy)

@@ -1,5 +1,5 @@
-// CommaLocale.h: a locale with a decimal comma, which the tests' build compiles: none needs to be
-// installed.
+// CommaLocale.h: a locale with a decimal comma. The build of the tests compiles it, so none needs
+// to be installed.
 #ifndef MENSOR_TESTS_COMMALOCALE_H
 #define MENSOR_TESTS_COMMALOCALE_H
 
@@ -11,11 +11,11 @@ namespace mensor::test {
 
 inline constexpr char CommaLocaleName[] = "de_DE.UTF-8";
 
-/// Makes it known to the C library. Another name stays as unknown as it was.
+/// Makes the locale known to the C library.
 inline void provideCommaLocale() { setenv("LOCPATH", MENSOR_TEST_LOCALES, 1); }
 
-/// While it lives, the locale of the process, for C and for C++, has a decimal comma, and points between
-/// thousands. @throws std::runtime_error  the locale is not there.
+/// While the object exists, the locale of the process, for C and for C++, has a decimal comma and points between
+/// groups of digits. @throws std::runtime_error  the locale does not exist.
 class CCommaLocale {
 public:
     CCommaLocale() {

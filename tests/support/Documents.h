@@ -1,5 +1,5 @@
-// Documents.h: the pages of docs/ as tests read them, so that what a page shows is what happens.
-// For tests that are built with MENSOR_DOCS, the folder.
+// Documents.h: reads the pages of docs/, so that tests can check what a page shows. For tests that
+// are built with MENSOR_DOCS, the folder.
 //
 //     for (const auto& table : documentTables("reading.md", {"Written", "Is"}))
 //         for (const Row& row : table) ... row[0] ...
@@ -16,7 +16,7 @@ namespace mensor::test {
 
 using Row = std::vector<std::string>;
 
-/// The page as it is. @throws std::runtime_error  there is none of this name.
+/// The text of the page. @throws std::runtime_error  there is no page with this name.
 inline std::string document(const std::string& name) {
     std::ifstream file(MENSOR_DOCS "/" + name);
     if (!file) {
@@ -28,7 +28,7 @@ inline std::string document(const std::string& name) {
 }
 
 /// The cells of a line "| a | `b` |" without blanks and back quotes around, "\x00" as that byte;
-/// none if the line is no row.
+/// none if the line is not a row.
 inline Row cells(const std::string& line) {
     Row row;
     if (line.empty() || line[0] != '|') {
@@ -51,7 +51,7 @@ inline Row cells(const std::string& line) {
     return row;
 }
 
-/// The rows of every table of the page that has this head.
+/// The rows of every table of the page with this header row.
 inline std::vector<std::vector<Row>> documentTables(const std::string& name, const Row& head) {
     std::vector<std::vector<Row>> tables;
     bool isInside = false;

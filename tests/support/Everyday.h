@@ -1,4 +1,4 @@
-// Everyday.h: the texts of data/everyday.tsv, about a thousand units of everyday, and what they
+// Everyday.h: the texts of data/everyday.tsv, about a thousand units in everyday use, and what they
 // mean.
 #ifndef MENSOR_TESTS_EVERYDAY_H
 #define MENSOR_TESTS_EVERYDAY_H
@@ -19,11 +19,11 @@ namespace mensor::test {
 /// A text and what it means.
 struct Expression {
     std::string Text;
-    Quantity Meaning;  ///< as the file has it
+    Quantity Meaning;  ///< as in the file
     std::string Field;
 };
 
-/// All of them, in the order of the file.
+/// All texts, in the order of the file.
 inline const std::vector<Expression>& everyday() {
     static const std::vector<Expression> Expressions = [] {
         std::vector<Expression> expressions;
@@ -55,7 +55,7 @@ inline const std::vector<Expression>& everyday() {
     return Expressions;
 }
 
-/// The numbers below `size` in an order that depends on `seed` alone.
+/// The numbers below `size` in a random order that depends only on `seed`.
 inline std::vector<std::size_t> order(std::uint32_t seed, std::size_t size) {
     std::vector<std::size_t> indices(size);
     for (std::size_t i = 0; i < size; ++i) {

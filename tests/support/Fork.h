@@ -1,8 +1,8 @@
-// Fork.h: work in a process of its own, and a child process that can go on.
+// Fork.h: runs work in a child process that cannot deadlock.
 //
 // A process may have threads that it did not start: those of log4cplus, or of a sanitizer. A child
-// made while one of them holds a lock, such as that of the sanitizers' allocator, would wait for it
-// for ever.
+// forked while one of them holds a lock, such as that of the sanitizers' allocator, would wait for
+// it for ever.
 #ifndef MENSOR_TESTS_FORK_H
 #define MENSOR_TESTS_FORK_H
 
@@ -21,20 +21,20 @@
 
 namespace mensor {
 
-/// The threads of this process that do something; this one does.
+/// The number of threads of this process that are not blocked, including this one.
 inline int busyThreads() {
     int count = 0;
     for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
         std::ifstream file(thread.path() / "stat");
         std::string stat;
         std::getline(file, stat);
-        const std::size_t end = stat.rfind(") ");  // of its name
+        const std::size_t end = stat.rfind(") ");  // the end of the name of the thread
         count += end != std::string::npos && stat[end + 2] != 'S' ? 1 : 0;
     }
     return count;
 }
 
-/// As fork(), when all other threads wait for something to do.
+/// fork(), at a moment when all other threads are blocked.
 inline pid_t forkAtRest() {
     while (busyThreads() > 1) {
         sched_yield();
@@ -44,7 +44,7 @@ inline pid_t forkAtRest() {
 
 struct ChildEnd {
     std::string Text;
-    int Status;  ///< as waitpid() tells it
+    int Status;  ///< the status of waitpid()
 };
 
 /// Runs `work`, which writes a text and returns an exit status, in a child process.

@@ -1,5 +1,5 @@
-// Invariants.h: what holds of the tables of the process at all times, whatever was asked, refused
-// or interrupted. Needs no GoogleTest.
+// Invariants.h: checks the invariants of the tables of the process, which hold after any call that
+// returned, was refused or threw. Needs no GoogleTest.
 //
 //     EXPECT_EQ(test::brokenInvariant(), "");
 #ifndef MENSOR_TESTS_INVARIANTS_H
@@ -18,11 +18,11 @@
 
 namespace mensor::test {
 
-/// The first invariant that is broken, in words; empty if none is. Changes no table.
+/// Describes the first invariant that is broken. Empty if none is. Changes no table.
 ///
-/// Looking at the tables ends for this process what the library remembers beside them; whoever
-/// wants to go on trying that asks `brokenName` instead. Of units that a client labels or aliases
-/// it expects that they are registered.
+/// Looking at the tables switches the caches of the library off. A test that needs the caches calls
+/// `brokenName` instead. The function expects that units with a label or an alias of a client are
+/// registered.
 inline std::string brokenInvariant() {
     const std::lock_guard<std::recursive_mutex> lock(CUnit::mutex());
     const CUnitPtr one = CProductUnit::one();
@@ -35,8 +35,8 @@ inline std::string brokenInvariant() {
         return " \"" + mensor::toStdString(name) + "\"";
     };
 
-    // The instances: each under its hash, and numbered from 2 on in the order of registration. The
-    // dimensionless unit has the place of the first one, but no number.
+    // The instances: each under its hash code, with ids from 2 in the order of registration. The
+    // dimensionless unit is counted as the first, but has no id.
     std::vector<bool> isTaken(instances.size() + 1);
     for (const auto& [hash, unit] : instances) {
         const std::string which = " of the unit under the hash " + std::to_string(hash);
@@ -81,7 +81,7 @@ inline std::string brokenInvariant() {
         }
     }
 
-    // Labels and units are each other's inverse.
+    // The two tables of labels are inverse.
     const auto& unitLabels = CUnitFormat::unitLabelMap();
     for (const auto& [label, unit] : CUnitFormat::labelUnitMap()) {
         if (!isCanonical(unit)) {
@@ -101,7 +101,7 @@ inline std::string brokenInvariant() {
         }
     }
 
-    // The caches of dimensions. A converter may be missing: its unit could not tell it.
+    // The tables of dimensions. A converter may be missing, because its unit threw.
     for (const auto& [unit, dimension] : CUnit::dimensions()) {
         if (!isCanonical(unit) || !isCanonical(dimension)) {
             return "a unit or dimension that is not canonical among the dimensions";
@@ -115,8 +115,8 @@ inline std::string brokenInvariant() {
     return "";
 }
 
-/// The same for what can be seen without looking at the tables: each name stands for a registered
-/// unit, which is found under its hash.
+/// The same for the names, without looking at the tables: each name denotes a registered unit,
+/// which is found by its hash code.
 inline std::string brokenName() {
     const CUnitPtr one = CProductUnit::one();
     for (const auto& [name, unit] : CUnitFormat::names()) {

@@ -1,4 +1,4 @@
-// ManyTexts.h: more texts than the library remembers at a time.
+// ManyTexts.h: more texts than the cache of the library holds.
 #ifndef MENSOR_TESTS_MANYTEXTS_H
 #define MENSOR_TESTS_MANYTEXTS_H
 

@@ -1,10 +1,10 @@
-// Mathematics.h: what a unit text means by mathematics, and what a unit does by the library, each
-// without the other and without the companion's own computing.
+// Mathematics.h: computes the meaning of a text by mathematics, and measures the meaning of a unit
+// with the library, each without the other and without the code of the companion.
 //
 //     EXPECT_THAT(calculated("km/h"), Means(measured(CUnit::fromString("km/h"))));
 //
-// calculated() reads with a table of its own and an operator stack, where the companion descends
-// through a grammar. It trusts the text to be one that the companion reads.
+// calculated() has a table of its own and uses an operator stack, while the companion uses
+// recursive descent for its grammar. The text must be one that the companion reads.
 #ifndef MENSOR_TESTS_MATHEMATICS_H
 #define MENSOR_TESTS_MATHEMATICS_H
 
@@ -32,7 +32,7 @@ inline Fraction lowest(std::int64_t numerator, std::int64_t denominator) {
 }
 
 struct Quantity {
-    std::map<std::string, Fraction> Exponents;  // none zero, in lowest terms
+    std::map<std::string, Fraction> Exponents;  // not zero, in lowest terms
     double Factor = 1.0;
     double Offset = 0.0;
 
@@ -87,8 +87,8 @@ inline std::ostream& operator<<(std::ostream& out, const Quantity& quantity) {
     return out << " + " << quantity.Offset;
 }
 
-/// Exponents exactly; factor and offset within a relative 1e-11, since both sides are chains of
-/// rounded factors and powers of them.
+/// Exponents must be equal; factor and offset within a relative 1e-11, since both sides are chains
+/// of rounded factors and powers of them.
 inline bool areSame(const Quantity& a, const Quantity& b) {
     const auto areClose = [](double x, double y) {
         return x == y || std::fabs(x - y) <= 1e-11 * std::fmax(std::fabs(x), std::fabs(y));
@@ -97,7 +97,7 @@ inline bool areSame(const Quantity& a, const Quantity& b) {
            areClose(a.Offset, b.Offset);
 }
 
-/// Every name known after load, with what it means by the SI brochure or by NonSI.h.
+/// Every name after load, with its meaning from the SI brochure or NonSI.h.
 inline const std::map<std::string, Quantity>& everyName() {
     static const std::map<std::string, Quantity> Names = [] {
         std::map<std::string, Quantity> u;
@@ -192,7 +192,7 @@ public:
     explicit Calculation(const std::string& text) : m_Text(plain(text)) {}
 
     Quantity result() {
-        bool isOperand = false;  // whether the latest token ends an operand
+        bool isOperand = false;  // whether the last token ends an operand
         for (std::size_t i = 0; i < m_Text.size();) {
             const char c = m_Text[i];
             if (c == ' ') {
@@ -277,7 +277,7 @@ private:
                 out += text[i++];
             }
         }
-        // Raised characters that follow each other are one exponent.
+        // Adjacent superscripts are one exponent.
         std::string result;
         bool isRaised = false;
         for (std::size_t i = 0; i < out.size(); ++i) {
@@ -293,8 +293,8 @@ private:
 
     static bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-    // A full stop between names multiplies; between digits it is a decimal point and belongs to an
-    // exponent, which is read as a whole.
+    // A full stop between names multiplies. Between digits it is a decimal point of an exponent,
+    // which is read as a whole.
     Quantity name(std::size_t& i) {
         if (isDigit(m_Text[i])) {  // the 1 of "1/s"
             ++i;
@@ -320,7 +320,7 @@ private:
         return found->second;
     }
 
-    // Digits directly behind a name, and the full stop that multiplies.
+    // Digits directly after a name, and the full stop that multiplies.
     void bindExponent(std::size_t& i) {
         if (i < m_Text.size() && (isDigit(m_Text[i]) || m_Text[i] == '-') &&
             !isDigit(m_Text[i - 1])) {
@@ -370,7 +370,7 @@ private:
             return at < m_Text.size() && isDigit(m_Text[at]);
         };
         if (i < m_Text.size() && m_Text[i] == '.' && isDigitAt(i + 1)) {
-            std::size_t places = 0;  // of zeros: at the end they would only overflow
+            std::size_t places = 0;  // zeros at the end are dropped, since they would only overflow
             for (++i; isDigitAt(i); ++i) {
                 ++places;
                 if (m_Text[i] == '0') {
@@ -395,8 +395,8 @@ private:
         return lowest(numerator, denominator);
     }
 
-    // All left to right; a root binds to the operand behind it, to which exponents have been
-    // applied by then, and the order of the two makes no difference.
+    // All from left to right. A root applies to the operand after it. Exponents of that operand
+    // have been applied already; the order of the two makes no difference.
     void push(char op) {
         while (!m_Operators.empty() && m_Operators.back() != '(') {
             apply();
@@ -422,11 +422,11 @@ private:
     std::vector<char> m_Operators;
 };
 
-/// What `text` means. @throws std::invalid_argument  a name is not in everyName().
+/// The meaning of `text`. @throws std::invalid_argument  a name is not in everyName().
 inline Quantity calculated(const std::string& text) { return Calculation(text).result(); }
 
-/// What the library converts `unit` by: the base units of its dimension and the converter to it.
-/// @throws std::runtime_error  the dimension is not made of base units.
+/// The meaning of `unit` in the library: the base units of its dimension and the converter to it.
+/// @throws std::runtime_error  the dimension does not consist of base units.
 inline Quantity measured(const CUnitPtr& unit) {
     const CUnitPtr dimension = unit->getDimension();
     Quantity quantity;

@@ -1,6 +1,5 @@
-// Notation.h: what docs/notation.md says of texts, in its words rather than the library's: what a
-// text asks for, how a unit is written, and when what is written must read as the same object.
-// Needs no GoogleTest.
+// Notation.h: an independent implementation of docs/notation.md: which unit a text denotes, how a
+// unit is written, and which texts must read back as the same object. Needs no GoogleTest.
 //
 //     test::Asked asked = test::askedBy("m/s²");
 //     asked.Refusal;                    // "", or the outcome of reading it
@@ -28,8 +27,8 @@
 
 namespace mensor::test {
 
-/// The code points of any bytes, each with the byte behind it. A string_t of tiny-utf8 cannot be
-/// asked for those of malformed text.
+/// The code points of any bytes, each with the position of the next byte. A string_t of tiny-utf8
+/// cannot return those of malformed text.
 struct CodePoints {
     explicit CodePoints(const std::string& text) {
         const char* const end = text.data() + text.size();
@@ -43,9 +42,9 @@ struct CodePoints {
     std::vector<std::size_t> Ends;
 };
 
-// ---- what is read
+// ---- reading
 
-/// What a text asks for: factors, or how it is refused for a name or a number.
+/// The meaning of a text: its factors, or the refusal of a name or a number.
 struct Asked {
     struct Factor {
         CUnitPtr Unit;
@@ -53,7 +52,7 @@ struct Asked {
         int Root;
     };
     std::vector<Factor> Factors;
-    std::string Refusal;  ///< as outcomeOf() tells it; empty if there is none
+    std::string Refusal;  ///< as outcomeOf() returns it; empty if there is none
 
     CUnitPtr unit() const {
         CUnitPtr product = CProductUnit::one();
@@ -64,7 +63,7 @@ struct Asked {
     }
 };
 
-// No states, unlike the library: a scanner that takes whole tokens.
+// A scanner of whole tokens, while the library has a state machine.
 class CAsking {
 public:
     explicit CAsking(const std::string& text)
@@ -103,7 +102,7 @@ public:
     }
 
 private:
-    // The code points [from, to), of which there is one at least.
+    // The code points [from, to), at least one.
     string_t cut(std::size_t from, std::size_t to) const {
         const std::size_t begin = from == 0 ? 0 : m_CodePoints.Ends[from - 1];
         return string_t(m_Text.substr(begin, m_CodePoints.Ends[to - 1] - begin));
@@ -116,7 +115,7 @@ private:
         return i;
     }
 
-    // 0 if the brackets never close.
+    // 0 if the bracket is never closed.
     std::size_t behindBrackets(std::size_t i) const {
         for (int open = 0; i < m_Points.size(); ++i) {
             open += m_Points[i] == U'[' ? 1 : m_Points[i] == U']' ? -1 : 0;
@@ -156,7 +155,7 @@ private:
         }
     }
 
-    // None if no int can hold it.
+    // None if it does not fit an int.
     static std::optional<int> number(const string_t& text) {
         bool isNegative = false;
         std::string digits = "0";
@@ -179,7 +178,7 @@ private:
     const CodePoints m_CodePoints;
     const std::u32string& m_Points;
     string_t m_Name;
-    std::vector<string_t> m_Numbers;  // behind the name: power, root, and what replaces it
+    std::vector<string_t> m_Numbers;  // power, root, and further numbers, which replace the root
     bool m_Slash = false;
     bool m_Divide = false;
     Asked m_Asked;
@@ -187,7 +186,7 @@ private:
 
 inline Asked askedBy(const std::string& text) { return CAsking(text).asked(); }
 
-// ---- what is written
+// ---- writing
 
 enum class Notation { STANDARD, ASCII };
 
@@ -241,11 +240,12 @@ inline std::optional<std::string> written(const CUnitPtr& unit, Notation notatio
            (divisorCount > 1 ? "(" + divisors + ")" : divisors);
 }
 
-// ---- what is written and read
+// ---- writing and reading back
 
-/// Whether the factors, multiplied one after the other, are a product of just those factors at each
-/// step. They need not be: the hash alone decides what is one unit, and the first few may make a
-/// unit that was there before with other factors, which then merge otherwise with what follows.
+/// Whether the factors, multiplied one after the other, give a product of exactly these factors at
+/// each step. That may fail, because the hash code alone decides identity: the first factors may
+/// give a unit that exists already with other factors, and these are merged with the following
+/// ones.
 inline bool isBuiltFactorByFactor(const Factors& factors) try {
     CUnitPtr product = CProductUnit::one();
     for (std::size_t count = 1; count <= factors.size(); ++count) {
@@ -259,10 +259,10 @@ inline bool isBuiltFactorByFactor(const Factors& factors) try {
     }
     return true;
 } catch (const std::overflow_error&) {
-    return false;  // the exponents of another unit, to which the hash led
+    return false;  // the exponents of another unit with the same hash code
 }
 
-/// Whether a text with `name` in it has it as one name, whatever follows, and it stands for `unit`.
+/// Whether the parser reads `name` as one name in any text, and the name denotes `unit`.
 inline bool isReadName(const string_t& name, const CUnitPtr& unit) {
     const std::string bytes = toStdString(name);
     const std::u32string points = CodePoints(bytes).Points;
@@ -283,10 +283,10 @@ inline bool isReadName(const string_t& name, const CUnitPtr& unit) {
     return isOfName && depth == 0 && shortest == bytes && CUnitFormat::unitFor(name) == unit;
 }
 
-/// Whether what a notation writes for `unit` must read as this very object.
+/// Whether the text of `unit` in a notation must read back as the same object.
 inline bool readsBack(const CUnitPtr& unit, Notation notation) {
     if (unit == CProductUnit::one()) {
-        return false;  // its symbol is not one to be read
+        return false;  // its symbol "One" does not read as it
     }
     const string_t name = CUnitFormat::labelFor(unit);
     if (!name.empty()) {

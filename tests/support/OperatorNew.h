@@ -1,5 +1,5 @@
-// OperatorNew.h: an operator new that counts and can fail. It takes the place of the program's, and
-// so of that of every library the program loads. Included by one source of a program.
+// OperatorNew.h: an operator new that counts and can fail. It replaces that of the program, and so
+// that of every library that the program loads. Include it in one source of a program.
 //
 //     beforeAllocation = [](long number) {
 //         if (number == 3) throw std::bad_alloc();
@@ -19,15 +19,15 @@
 
 namespace mensor {
 
-/// The blocks that operator new has given and operator delete has not taken back.
+/// The blocks from operator new that have not been deleted.
 inline std::atomic<long> liveBlocks{0};
 inline std::atomic<long> liveBytes{0};  ///< in these blocks
-inline std::atomic<long> peakBytes{0};  ///< the most that these have been since it was set
+inline std::atomic<long> peakBytes{0};  ///< the maximum of liveBytes since it was set
 
-/// Called at each allocation of this thread with its number, counted from 1; may throw. Must not
+/// Called at each allocation of this thread with its number, counted from 1. May throw. Must not
 /// allocate.
 inline thread_local void (*beforeAllocation)(long number) = nullptr;
-inline thread_local long allocations = 0;  ///< while there is such a function
+inline thread_local long allocations = 0;  ///< counts while there is such a function
 
 inline void* allocate(std::size_t size) {
     if (beforeAllocation != nullptr) {
@@ -45,7 +45,7 @@ inline void* allocate(std::size_t size) {
     return memory;
 }
 
-// Not inlined, lest the compiler see only half of the pair and warn of a mismatch.
+// Not inlined, because the compiler would warn about a mismatch if it inlined only one of the pair.
 [[gnu::noinline]] inline void release(void* memory) {
     if (memory != nullptr) {
         --liveBlocks;
@@ -63,7 +63,7 @@ void operator delete[](void* memory) noexcept { mensor::release(memory); }
 void operator delete(void* memory, std::size_t) noexcept { mensor::release(memory); }
 void operator delete[](void* memory, std::size_t) noexcept { mensor::release(memory); }
 
-// The memory resources of the standard library come here with the alignment that malloc gives.
+// The memory resources of the standard library call this with the alignment of malloc.
 void* operator new(std::size_t size, std::align_val_t alignment) {
     if (static_cast<std::size_t>(alignment) > alignof(std::max_align_t)) {
         throw std::bad_alloc();

@@ -1,4 +1,4 @@
-// Outcome.h: how a call ends, as one text to compare and to show.
+// Outcome.h: the outcome of a call as a text.
 //
 //     EXPECT_EQ(outcomeOf([] { CUnit::fromString("xyz"); }),
 //               "std::invalid_argument: Label: xyz not recognized");
@@ -16,7 +16,7 @@
 
 namespace mensor {
 
-/// "returned", or the very class of the exception, not one of its bases, and its message.
+/// "returned", or the class of the exception (not a base class) and its message.
 template <class Action>
 std::string outcomeOf(Action action) {
     try {

@@ -1,5 +1,5 @@
-// Session.h: what programs ask of the library in the course of their lives, once or again and
-// again, as a list of requests whose answers can be compared.
+// Session.h: typical requests of programs to the library, once or repeatedly, as a list whose
+// answers can be compared.
 //
 //     for (const test::Request& request : test::asking()) {
 //         std::cout << request.Name << ": " << test::outcomeOf(request) << '\n';
@@ -50,7 +50,7 @@ struct Request {
 
 using Requests = std::vector<Request>;
 
-/// The answer as text: a unit with its hash code and id, a number with its bits.
+/// The answer as a text: a unit with its hash code and id, a number with its bits.
 inline std::string described(const Answer& answer) {
     std::ostringstream out;
     if (const auto* unit = std::get_if<CUnitPtr>(&answer)) {
@@ -66,7 +66,7 @@ inline std::string described(const Answer& answer) {
     return out.str();
 }
 
-/// How the request ends: its answer, or the exception.
+/// The outcome of the request: its answer, or the exception.
 inline std::string outcomeOf(const Request& request) {
     Answer answer;
     const std::string end = mensor::outcomeOf([&] { answer = request.Ask(); });
@@ -82,7 +82,7 @@ inline std::string streamed(const CUnitPtr& unit) {
     return out.str();
 }
 
-/// Requests that register units, labels and aliases the first time. The others rely on them.
+/// Requests that register units, labels and aliases the first time. The other requests need them.
 inline Requests registering() {
     const auto box = [] { return CUnitFormat::unitFor("box"); };
     return {
@@ -127,8 +127,8 @@ inline Requests registering() {
     };
 }
 
-/// Requests that register several units or none of them. Taking back the first ends what the
-/// library remembers.
+/// Requests that register several units or none of them. A refusal that removes the first ones
+/// switches the caches off.
 inline Requests registeringMany() {
     return {
         {"pack of units",

@@ -1,6 +1,6 @@
-// Thorough.h: whether the tests that try very many cases are to try all that they can, as
-// "scripts/test --all" asks for with MENSOR_TESTS_THOROUGH in the environment. Otherwise they try a
-// sample.
+// Thorough.h: whether the tests that try very many cases try all of them. With
+// MENSOR_TESTS_THOROUGH in the environment, as "scripts/test --all" sets it, they do. Otherwise
+// they try a sample.
 #ifndef MENSOR_TESTS_THOROUGH_H
 #define MENSOR_TESTS_THOROUGH_H
 
@@ -13,7 +13,7 @@ inline bool isThorough() {
     return is;
 }
 
-/// Where a case takes many times as long as natively: under an emulator or a sanitizer.
+/// Whether a case takes many times as long as natively: under an emulator or a sanitizer.
 #if defined(__arm__) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool IsSlow = true;
 #else

@@ -13,8 +13,8 @@
 
 namespace mensor {
 
-/// Runs `work(thread, round)` in `count` threads for each of some rounds, and returns when all are
-/// done. No thread begins a round before all have ended the last one.
+/// Runs `work(thread, round)` in `count` threads for each of `rounds` rounds, and returns when all
+/// are done. No thread begins a round before all threads have ended the previous one.
 inline void race(int count, int rounds, const std::function<void(int, int)>& work) {
     std::atomic<int> arrivals{0};
     std::vector<std::thread> threads;

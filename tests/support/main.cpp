@@ -1,11 +1,11 @@
-// main.cpp: the main() of the test programs. Each test runs in a process of its own, since the tables of
-// the library live as long as the process and much can only be seen while they are new.
+// main.cpp: the main() of the test programs. Each test runs in a process of its own, since the
+// tables of the library live as long as the process, and many tests need them new.
 //
-// The processes are forked from one that has loaded the library and run no test: that takes a tenth of the
-// time of starting a program, and less under an emulator. A process that has had another thread cannot be
-// forked and go on in every respect, so then each test starts the program anew; likewise if
-// MENSOR_TESTS_START_ANEW is set. MENSOR_TEST_EMULATOR is the command that starts programs of another
-// processor, unless the build knows it. If the filter leaves one test only, it runs in this process, where a
+// The processes are forked from one that has loaded the library and run no test. That takes a tenth
+// of the time of starting a program, and less under an emulator. A process that has had another
+// thread cannot fork safely. In that case, or if MENSOR_TESTS_START_ANEW is set, each test starts
+// the program again. MENSOR_TEST_EMULATOR is the command that starts programs of another processor;
+// the build may define it. If the filter selects one test, it runs in this process, where a
 // debugger finds it.
 #include <fnmatch.h>
 #include <gmock/gmock.h>
@@ -30,7 +30,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr unsigned SecondsOfATest = 300;  // then a signal ends it
+constexpr unsigned SecondsOfATest = 300;  // after this time a signal ends the test
 
 // Whether one of the patterns, which are separated by colons, matches the whole name.
 bool isMatchedByAny(const std::string& patterns, const std::string& name) {
@@ -43,7 +43,7 @@ bool isMatchedByAny(const std::string& patterns, const std::string& name) {
     return false;
 }
 
-// The tests that --gtest_filter leaves: POSITIVE[-NEGATIVE], each a list of patterns.
+// The tests that --gtest_filter selects: POSITIVE[-NEGATIVE], each a list of patterns.
 std::vector<std::string> selectedTests() {
     const std::string filter = GTEST_FLAG_GET(filter);
     const std::size_t dash = filter.find('-');
@@ -66,7 +66,8 @@ std::vector<std::string> selectedTests() {
     return names;
 }
 
-// Replaces this process by one of the same program that runs one test, under the same emulator, if any.
+// Replaces this process by a new one of the same program that runs one test, under the same
+// emulator, if any.
 [[noreturn]] void startAnew(const std::string& name) {
     const char* const emulator = std::getenv("MENSOR_TEST_EMULATOR");
     std::istringstream command(emulator != nullptr ? emulator : MENSOR_TEST_EMULATOR);
@@ -87,15 +88,15 @@ std::vector<std::string> selectedTests() {
     _exit(127);
 }
 
-// The status of a process that runs the one test that the filter leaves. A test that skips itself, and a
-// filter that leaves none, have shown nothing.
+// Runs the one test that the filter selects and returns the exit status. A test that skips itself,
+// or a filter that selects none, counts as failed.
 int runTheOne() {
     const int status = RUN_ALL_TESTS();
     return status == 0 && ::testing::UnitTest::GetInstance()->successful_test_count() != 1 ? 1
                                                                                            : status;
 }
 
-// How the process of the test ended, as waitpid() tells it; 0 if the test passed.
+// Runs the test in a process and returns the status of waitpid(); 0 if the test passed.
 int statusOf(const std::string& name) {
     std::fflush(nullptr);
     const bool isForkEnough =

@@ -1,5 +1,5 @@
 #!/bin/sh
-# Starts a program many times. Each start must end well within a minute, and print nothing.
+# Starts a program many times. Each start must succeed within a minute and print nothing.
 #
 # usage: starts.sh COUNT COMMAND...
 count=$1
@@ -8,7 +8,7 @@ for start in $(seq "$count"); do
     printed=$(timeout -k 5 60 "$@" 2>&1)
     status=$?
     if [ $status -ne 0 ] || [ -n "$printed" ]; then
-        echo "start $start of $count: status $status (124: it hangs): $printed"
+        echo "start $start of $count: status $status (124: it hung): $printed"
         exit 1
     fi
 done

@@ -65,7 +65,7 @@ inline const std::vector<Utf8Text>& utf8Texts() {
          bytes({0xFC, 0x84, 0x80, 0x80, 0x80, 0x80, 0xFD, 0xBF, 0xBF, 0xBF, 0xBF, 0xBF}),
          codePoints({0x4000000, 0x7FFFFFFF})},
 
-        // longer than need be
+        // overlong
         {"overlong NUL", bytes({0xC0, 0x80}), codePoints({0})},
         {"overlong slash in 2 to 6 bytes",
          bytes({0xC0, 0xAF, 0xE0, 0x80, 0xAF, 0xF0, 0x80, 0x80, 0xAF, 0xF8,
@@ -81,7 +81,7 @@ inline const std::vector<Utf8Text>& utf8Texts() {
          bytes({0xFE, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0xFF, 0x80}),
          codePoints({0xFE, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0xFF, 0x80})},
 
-        // the lead byte takes what follows, whatever it is
+        // the lead byte takes any bytes that follow
         {"ASCII for a continuation byte", bytes({0xC2, 'm', 's'}), codePoints({0xAD, 's'})},
         {"NUL for a continuation byte", bytes({0xC2, 0, 's'}), codePoints({0x80, 's'})},
         {"a lead byte for a continuation byte", bytes({0xE2, 0xC2, 0xB5, 's'}),

@@ -1,4 +1,4 @@
-// busy.cpp: a plugin whose threads convert, read and write without end.
+// busy.cpp: a plugin whose threads convert, read and write until they are stopped.
 #include <atomic>
 #include <cstdlib>
 #include <iostream>
@@ -18,7 +18,7 @@ using namespace mensor;
 
 namespace {
 
-// Never destroyed, since a thread that is not stopped uses them to the end.
+// Never destroyed, since a thread that is not stopped uses them until the process ends.
 std::atomic<bool> isStopped{false};
 std::atomic<int> working{0};
 std::vector<std::thread>& threads = *new std::vector<std::thread>;
@@ -46,7 +46,7 @@ void work() {
 
 }  // namespace
 
-// Starts threads and returns when all of them work.
+// Starts threads and returns when all of them are working.
 extern "C" void startWork() {
     constexpr int Count = 4;
     for (int i = 0; i < Count; ++i) {
@@ -62,7 +62,7 @@ extern "C" void startWork() {
     }
 }
 
-// Ends them, and works once more.
+// Stops the threads, and works once more.
 extern "C" void stopWork() {
     isStopped = true;
     for (std::thread& thread : threads) {

@@ -1,6 +1,7 @@
-// host.cpp: a program that loads a plugin and ends while the plugin's threads use units. With "stop", a
-// static of the program ends them after main(); since the library was loaded later, all that it would
-// destroy at exit is destroyed by then. With "abandon", nobody ends them.
+// host.cpp: a program that loads a plugin and ends while the threads of the plugin use units. With
+// "stop", a static of the program stops them after main(). The library was loaded later, so
+// everything that it would destroy at exit is destroyed before that. With "abandon", they are not
+// stopped.
 //
 // usage: host stop|abandon PLUGIN
 #include <dlfcn.h>

@@ -1,6 +1,6 @@
-// linked_with_log4cplus [FIRST LAST]: a program that links mensor and log4cplus. The allocations FIRST
-// to LAST fail, counted from the start of the program. Both libraries are initialised before main(), in
-// the order that the linker chose. Written to standard output, separated by tabs:
+// linked_with_log4cplus [FIRST LAST]: a program that links mensor and log4cplus. The allocations
+// FIRST to LAST fail, counted from the start of the program. Both libraries are initialised before
+// main(), in the order of linking. Output, separated by tabs:
 //
 //     allocations  COUNT             until main()
 //     log4cplus    ready|not ready   when the first allocation failed
@@ -20,7 +20,7 @@ long first = 0, last = 0;
 long threadsAtStart = 0;
 bool isLog4cplusReady = false;
 
-// Allocates nothing by operator new.
+// Does not call operator new.
 long threads() {
     DIR* const tasks = opendir("/proc/self/task");
     long count = 0;
@@ -57,6 +57,6 @@ int main() {
     mensor::beforeAllocation = nullptr;
     std::cout << "allocations\t" << mensor::allocations << "\n"
               << "log4cplus\t" << (isLog4cplusReady ? "ready" : "not ready") << "\n";
-    // Uses both, so that the linker keeps both.
+    // Uses both libraries, so that the linker keeps both.
     return mensor::SI::Meter() != nullptr && log4cplus::Logger::exists("none") ? 1 : 0;
 }

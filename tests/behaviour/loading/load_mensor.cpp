@@ -1,10 +1,10 @@
 // load_mensor LIBRARY MODULE WHAT [NUMBER...]: loads the library while chosen allocations fail.
 //
-// WHAT is thrown by operator new while the library is loaded, at the allocations of these NUMBERs,
-// counted from 1: "bad_alloc" or "int"; "+off" behind it disables the logger, "+bare" leaves logging
-// as it is without configuration. With "+onwards" all allocations from the chosen one on fail, until the
-// library is loaded. With "+each" the NUMBERs are FIRST, LAST and STEP: each of these
-// allocations fails in a process of its own. Written to standard output, separated by tabs:
+// While the library is loaded, operator new throws WHAT at the allocations of these NUMBERs,
+// counted from 1: "bad_alloc" or "int". A suffix "+off" disables the logger, "+bare" leaves logging
+// without configuration. With "+onwards" all allocations from the first NUMBER fail, until the
+// library is loaded. With "+each" the NUMBERs are FIRST, LAST and STEP: each of these allocations
+// fails in a process of its own. Output, separated by tabs:
 //
 //     attempt  NUMBER                                          of each process; its errors follow, too
 //     record  LEVEL  LOGGER  FILE  LINE  FUNCTION  MESSAGE     one per record logged meanwhile
@@ -103,7 +103,7 @@ int loadForEach(const char* libraryFile, const char* moduleFile, const std::stri
             dup2(STDOUT_FILENO, STDERR_FILENO);
             const int status = load(libraryFile, moduleFile, what);
             std::cout.flush();
-            _exit(status);  // the threads that the logging library would wait for are not here
+            _exit(status);  // log4cplus would wait for threads that this process does not have
         }
         int status = -1;
         waitpid(child, &status, 0);

@@ -1,5 +1,5 @@
-// logging.h: what load_mensor has to do with log4cplus. There are two hosts: with_log4cplus.cpp, a program
-// that has configured it, and without_log4cplus.cpp, one that does not know it.
+// logging.h: the use of log4cplus in load_mensor. There are two programs: with_log4cplus.cpp
+// configures it, and without_log4cplus.cpp does not use it.
 #ifndef MENSOR_TESTS_LOADING_LOGGING_H
 #define MENSOR_TESTS_LOADING_LOGGING_H
 
@@ -8,7 +8,7 @@
 /// Configures logging as `what` says, see load_mensor.cpp.
 void startLogging(const std::string& what);
 
-/// Writes what was logged since, a line for each record.
+/// Writes the records since then, one in each line.
 void printRecords();
 
 #endif  // MENSOR_TESTS_LOADING_LOGGING_H

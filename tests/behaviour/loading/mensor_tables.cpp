@@ -1,11 +1,11 @@
-// mensor_tables: prints what the process knows, and whether the tables hold together.
+// mensor_tables: prints the labels of the process, and whether the invariants of the tables hold.
 //
 //     labels  LABEL LABEL ...  in the order of the table
 //     fault   WHAT             what should not be
 //     units   COUNT
 //
-// Then it calls all accessors, prints what each unit reads back as, and converts a little; each
-// line begins with "works".
+// Then it calls all accessors, prints the text of each unit that reads back, and converts a little.
+// Each line begins with "works".
 #include <iostream>
 
 #include "mensor/NonSI.h"
@@ -30,20 +30,64 @@ void printTables() {
     }
     std::cout << "units\t" << CUnit::instances().size() << "\n";
 
-    // What failed is built at the next call.
-    // clang-format off
-    const CUnitPtr units[] = {
-        SI::Ampere(), SI::Candela(), SI::Kelvin(), SI::Kilogram(), SI::Meter(), SI::Mole(),
-        SI::Second(), SI::Radian(), SI::Steradian(), SI::Bit(), SI::Hertz(), SI::Becquerel(),
-        SI::Gram(), SI::Newton(), SI::Joule(), SI::Watt(), SI::Volt(), SI::Ohm(), SI::Weber(),
-        SI::Henry(), SI::Gray(), SI::Sievert(), SI::Pascal(), SI::Coulomb(), SI::Farad(),
-        SI::Siemens(), SI::Tesla(), SI::Celsius(), SI::Lumen(), SI::Lux(), SI::Katal(),
-        NonSI::Percent(), NonSI::Revolution(), NonSI::DegreeAngle(), NonSI::MinuteAngle(),
-        NonSI::SecondAngle(), NonSI::CentiRadian(), NonSI::Grade(), NonSI::Byte(), NonSI::Octet(),
-        NonSI::Atmosphere(), NonSI::Bar(), NonSI::Psi(), NonSI::MilliBar(),
-        NonSI::MillimeterOfMercury(), NonSI::InchOfMercury(), NonSI::Liter(), NonSI::G(),
-        NonSI::Minute(), NonSI::Hour(), NonSI::Day(), NonSI::Week(), NonSI::YearCalendar(),
-        NonSI::Year(), NonSI::Month(), NonSI::DaySidereal(), NonSI::YearSidereal()};
+    // A unit whose building failed is built at the next call. clang-format off
+    const CUnitPtr units[] = {SI::Ampere(),
+                              SI::Candela(),
+                              SI::Kelvin(),
+                              SI::Kilogram(),
+                              SI::Meter(),
+                              SI::Mole(),
+                              SI::Second(),
+                              SI::Radian(),
+                              SI::Steradian(),
+                              SI::Bit(),
+                              SI::Hertz(),
+                              SI::Becquerel(),
+                              SI::Gram(),
+                              SI::Newton(),
+                              SI::Joule(),
+                              SI::Watt(),
+                              SI::Volt(),
+                              SI::Ohm(),
+                              SI::Weber(),
+                              SI::Henry(),
+                              SI::Gray(),
+                              SI::Sievert(),
+                              SI::Pascal(),
+                              SI::Coulomb(),
+                              SI::Farad(),
+                              SI::Siemens(),
+                              SI::Tesla(),
+                              SI::Celsius(),
+                              SI::Lumen(),
+                              SI::Lux(),
+                              SI::Katal(),
+                              NonSI::Percent(),
+                              NonSI::Revolution(),
+                              NonSI::DegreeAngle(),
+                              NonSI::MinuteAngle(),
+                              NonSI::SecondAngle(),
+                              NonSI::CentiRadian(),
+                              NonSI::Grade(),
+                              NonSI::Byte(),
+                              NonSI::Octet(),
+                              NonSI::Atmosphere(),
+                              NonSI::Bar(),
+                              NonSI::Psi(),
+                              NonSI::MilliBar(),
+                              NonSI::MillimeterOfMercury(),
+                              NonSI::InchOfMercury(),
+                              NonSI::Liter(),
+                              NonSI::G(),
+                              NonSI::Minute(),
+                              NonSI::Hour(),
+                              NonSI::Day(),
+                              NonSI::Week(),
+                              NonSI::YearCalendar(),
+                              NonSI::Year(),
+                              NonSI::Month(),
+                              NonSI::DaySidereal(),
+                              NonSI::YearSidereal()};
     // clang-format on
     std::cout << "works\t";
     for (const CUnitPtr& unit : units) {

@@ -1,5 +1,5 @@
-// mensor_units: registers units of its own and reads a text, by the library and by its companion, and prints
-// each unit, where it is, and its names.
+// mensor_units: registers units and reads a text, with the library and with its companion, and
+// prints each unit, its address and its names.
 #include <iostream>
 
 #include "mensor/BaseUnit.h"

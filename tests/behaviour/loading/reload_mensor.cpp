@@ -1,6 +1,6 @@
-// reload_mensor MODULE LIBRARY...: loads the libraries and the module, has the module print all units,
-// unloads everything and does it all again. Between the two prints comes the line "unloaded", with how many
-// of the libraries are still there.
+// reload_mensor MODULE LIBRARY...: loads the libraries and the module, lets the module print all
+// units, closes everything and repeats this once. Between the two prints is the line "unloaded"
+// with the number of libraries that are still loaded.
 #include <dlfcn.h>
 
 #include <algorithm>

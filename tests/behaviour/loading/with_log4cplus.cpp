@@ -14,7 +14,7 @@ namespace {
 const log4cplus::Initializer initializer;
 std::vector<std::string> records;
 
-// Keeps what was logged, as the application's appender would write it.
+// Stores the records as an appender of an application would write them.
 class Recorder : public log4cplus::Appender {
 public:
     ~Recorder() override { destructorImpl(); }

@@ -1,5 +1,5 @@
-// first_uses.cpp: a program that does nothing before its threads start. Each of them reads one value and
-// converts it, for the first time in this process. Prints nothing if all results are right.
+// first_uses.cpp: a program that does nothing before its threads start. Each thread reads one value
+// and converts it, for the first time in this process. Prints nothing if all results are right.
 #include <array>
 #include <atomic>
 #include <cmath>

@@ -1,7 +1,7 @@
-// statics_client: uses the library in the constructor and the destructor of a static object of another
-// source, in functions that run at exit, and in main(). FIRST_USE in the environment says which comes
-// first: before_main, in_main or after_main. What the library creates on first use must outlive all of
-// them.
+// statics_client: uses the library in the constructor and the destructor of a static object of
+// another source, in functions that run at exit, and in main(). FIRST_USE in the environment says
+// which is first: before_main, in_main or after_main. Objects that the library creates on first use
+// must outlive all of them.
 #include <cstdlib>
 #include <iostream>
 #include <string>

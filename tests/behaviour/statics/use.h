@@ -2,11 +2,11 @@
 #ifndef MENSOR_TESTS_STATICS_USE_H
 #define MENSOR_TESTS_STATICS_USE_H
 
-/// Uses all that the library and its companion create on first use, and ends the process if an answer
-/// is wrong.
+/// Uses all objects that the library and its companion create on first use, and ends the process if
+/// an answer is wrong.
 void useEverything();
 
-/// Whether the program is to use it first at this moment.
+/// Whether the first use is to be at this moment.
 bool isFirst(const char* moment);
 
 #endif  // MENSOR_TESTS_STATICS_USE_H
