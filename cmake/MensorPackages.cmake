@@ -101,7 +101,7 @@ This package holds the headers and what CMake and pkg-config need. The
 library was built with MENSOR_STRING=${MENSOR_STRING}.")
 mensor_package(mensor-tools utils foreign
   "libmensor1 (>= ${PROJECT_VERSION}), libmensor-exact1 (>= ${PROJECT_VERSION}), \
-libmensor-checked1 (>= ${PROJECT_VERSION})"
+libmensor-checked1 (>= ${PROJECT_VERSION}), libmensor-codes1 (>= ${PROJECT_VERSION})"
   "convert between units of measure on the command line" "${what}
 This package holds mensor, which converts, explains and lists units.")
 

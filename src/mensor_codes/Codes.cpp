@@ -107,6 +107,26 @@ const CSystem& systemOf(eSystem system) {
     return unece();
 }
 
+const char* shortNameOf(eSystem system) {
+    switch (system) {
+        case eSystem::UNECE: return "unece";
+        case eSystem::OPCUA: return "opcua";
+        case eSystem::UCUM: return "ucum";
+        case eSystem::SENML: return "senml";
+        case eSystem::OPENTELEMETRY: return "opentelemetry";
+    }
+    return "";
+}
+
+std::optional<eSystem> systemNamed(std::string_view shortName) {
+    for (const eSystem system : AllSystems) {
+        if (shortName == shortNameOf(system)) {
+            return system;
+        }
+    }
+    return std::nullopt;
+}
+
 const char* nameOf(eSystem system) { return systemOf(system).name(); }
 
 exact::CMeaning read(eSystem system, std::string_view code) {

@@ -45,6 +45,15 @@ inline constexpr eSystem AllSystems[] = {eSystem::UNECE, eSystem::OPCUA, eSystem
 /// @par Threads  Any thread; takes no lock.
 MENSOR_CODES_API const char* nameOf(eSystem system);
 
+/// The system by a short name, for command lines and configurations: "unece", "opcua", "ucum", "senml",
+/// "opentelemetry".
+/// @par Threads  Any thread; takes no lock.
+MENSOR_CODES_API std::optional<eSystem> systemNamed(std::string_view shortName);
+
+/// The short name of the system.
+/// @par Threads  Any thread; takes no lock.
+MENSOR_CODES_API const char* shortNameOf(eSystem system);
+
 /// Why a text is refused. It refers to the text, which must outlive it, and needs no memory.
 ///
 /// Class contract: caller serialises changes of one object; distinct objects any thread.

@@ -18,6 +18,78 @@ TEST(Codes, AreReadAsWhatTheyMean) {
     EXPECT_EQ(codes::read(eSystem::SENML, "m").toString(), "m");
 }
 
+TEST(Codes, HaveSystemsWithTwoNames) {
+    for (const eSystem system : codes::AllSystems) {
+        EXPECT_EQ(codes::systemNamed(codes::shortNameOf(system)), system);
+    }
+    EXPECT_EQ(codes::systemNamed("UCUM"), std::nullopt);
+    EXPECT_EQ(codes::systemNamed(""), std::nullopt);
+    EXPECT_STREQ(codes::nameOf(eSystem::UNECE), "UN/CEFACT");
+    EXPECT_STREQ(codes::nameOf(eSystem::OPCUA), "OPC UA");
+    EXPECT_STREQ(codes::nameOf(eSystem::SENML), "SenML");
+}
+
+TEST(Codes, ThatAreNearMeaningsAreNamedWithTheirDeviation) {
+    const exact::CMeaning psi = exact::read("psi");  // 6894.76 Pa; lbf/in² is 6894.757293... Pa
+    const codes::CMatch match = codes::codeFor(eSystem::UNECE, psi);
+    EXPECT_FALSE(match);
+    EXPECT_EQ(match.Nearest, "PS");
+    EXPECT_NEAR(match.Deviation, -3.926e-7, 1e-10);
+    EXPECT_EQ(
+        match.toString(eSystem::UNECE),
+        "no code of UN/CEFACT means exactly this; the nearest is PS, smaller by 3.9e-07 of it");
+
+    const codes::CMatch larger = codes::codeFor(eSystem::SENML, exact::read("dm"));
+    EXPECT_EQ(larger.Nearest, "m");
+    EXPECT_EQ(larger.Deviation, 9);
+    EXPECT_EQ(codes::codeFor(eSystem::SENML, exact::read("µm")).Nearest, "mm");
+    EXPECT_EQ(codes::codeFor(eSystem::SENML, exact::read("µm")).Deviation, 999);
+    EXPECT_THAT(codes::codeFor(eSystem::SENML, exact::read("µm")).toString(eSystem::SENML),
+                testing::HasSubstr("larger by 1e+03 of it"));
+    EXPECT_EQ(codes::codeFor(eSystem::OPCUA, psi).Nearest, "20563");
+}
+
+TEST(Codes, AreNotNamedForMeaningsOfOtherDimensionsOrMarks) {
+    const codes::CMatch none = codes::codeFor(eSystem::SENML, exact::CMeaning::base("mango"));
+    EXPECT_FALSE(none);
+    EXPECT_EQ(none.Nearest, "");
+    EXPECT_EQ(none.toString(eSystem::SENML), "no code of SenML means exactly this");
+    // An angle per time is no frequency.
+    EXPECT_EQ(codes::codeFor(eSystem::SENML, exact::read("rad/s")).Nearest, "");
+    EXPECT_EQ(codes::codeFor(eSystem::UNECE, exact::read("rad/s")).Code, "2A");
+}
+
+TEST(Codes, AreFoundForMeaningsTooLargeForTheTables) {
+    const exact::CMeaning huge = exact::read("m").scaled(
+        exact::CFactor(exact::CFraction::ofText("1234567890123456789012345678901234567891")));
+    const codes::CMatch match = codes::codeFor(eSystem::UNECE, huge);
+    EXPECT_FALSE(match);
+    EXPECT_EQ(match.Nearest, "C63");  // the parsec
+}
+
+TEST(Codes, OfScalesAreFoundByTheirZeros) {
+    EXPECT_EQ(codes::codeFor(eSystem::UNECE, exact::read("°C")).Code, "CEL");
+    EXPECT_EQ(codes::codeFor(eSystem::UNECE, exact::read("K")).Code, "KEL");
+    const exact::CMeaning shifted = exact::read("K").shifted(exact::CFraction(100));
+    EXPECT_EQ(codes::codeFor(eSystem::UNECE, shifted).Nearest, "");
+}
+
+TEST(Codes, AreSuggestedWhereOnlyCapitalLettersDiffer) {
+    const codes::CReading reading = codes::tryRead(eSystem::UNECE, "kgm");
+    ASSERT_FALSE(reading);
+    EXPECT_THAT(codes::diagnose(reading.Refusal).Suggestions, testing::ElementsAre("KGM"));
+}
+
+TEST(Codes, RefuseEmptyTextsAndTextsThatAreNoUtf8) {
+    for (const eSystem system : {eSystem::UNECE, eSystem::OPCUA, eSystem::SENML}) {
+        EXPECT_EQ(codes::tryRead(system, "").Refusal.Code, eRefusal::EMPTY);
+        EXPECT_EQ(codes::tryRead(system, "\xff").Refusal.Code, eRefusal::UNKNOWN_CODE);
+        EXPECT_EQ(codes::tryRead(system, std::string(1, '\0')).Refusal.Code,
+                  eRefusal::UNKNOWN_CODE);
+        EXPECT_THROW(codes::read(system, " MTR"), exact::CReadError);
+    }
+}
+
 TEST(Codes, OfCountedThingsHaveADimensionOfTheirOwn) {
     const exact::CMeaning piece = codes::read(eSystem::UNECE, "H87");
     EXPECT_EQ(piece, exact::CMeaning::base("piece"));

@@ -31,9 +31,11 @@ expect() {
     [ "$got" = "$expected" ] || fail "mensor $* is completed to \"$got\" in place of \"$expected\""
 }
 
-expect "convert explain list audit" ""
+expect "convert explain list audit code" ""
 expect "explain" ex
 expect "--differences --dimensionless" convert --di
+expect "ucum" convert --from uc
+expect "unece" code --to un
 expect "customary counting" convert --pack c
 expect "customary,offsets" list --pack customary,o
 expect "packs compatible" list ""

@@ -21,6 +21,15 @@ void addPacks(const std::string& names, std::vector<ePack>& packs) {
     }
 }
 
+mensor::codes::eSystem systemOf(const std::string& name) {
+    const auto system = mensor::codes::systemNamed(name);
+    if (!system) {
+        throw CUsageError("there is no system of codes " + quoted(name) +
+                          "; there are unece, opcua, ucum, senml and opentelemetry");
+    }
+    return *system;
+}
+
 // "-40 °F" and "-" are operands.
 bool isOption(const std::string& word) {
     return word.size() > 1 && word[0] == '-' && word[1] != '.' && (word[1] < '0' || word[1] > '9');
@@ -39,6 +48,10 @@ void requireOperands(const CArguments& arguments) {
     } else if (arguments.Command == "audit") {
         if (operands.size() != 1) {
             throw CUsageError("audit takes one file, or \"-\"");
+        }
+    } else if (arguments.Command == "code") {
+        if (operands.size() != 1) {
+            throw CUsageError("code takes one unit");
         }
     } else if (arguments.Command == "list") {
         const bool isKnown = operands.empty() || (operands.size() == 1 && operands[0] == "packs") ||
@@ -83,11 +96,21 @@ CArguments readArguments(const std::vector<std::string>& words) {
             arguments.UnitFiles.push_back(value());
             continue;
         }
+        if (option == "--from") {
+            arguments.From = systemOf(value());
+            continue;
+        }
+        if (option == "--to") {
+            arguments.To = systemOf(value());
+            continue;
+        }
         if (hasValue) {
             throw CUsageError("there is no option " + quoted(*word));
         }
         if (option == "--") {
             areOptionsOver = true;
+        } else if (option == "--ucum") {
+            arguments.From = mensor::codes::eSystem::UCUM;
         } else if (option == "--json") {
             arguments.Json = true;
         } else if (option == "--quiet") {
@@ -121,9 +144,13 @@ const char* help() {
            "       mensor explain [OPTION]... UNIT                   what a text means, and why\n"
            "       mensor list [OPTION]... [packs | compatible UNIT] what there is\n"
            "       mensor audit [OPTION]... FILE                     check a list of units\n"
+           "       mensor code [OPTION]... UNIT                      the codes that mean a unit\n"
            "\n"
            "  --pack NAME[,NAME]...  add packs of units; see mensor list packs\n"
            "  --units FILE           define units: lines of \"name = number unit\"\n"
+           "  --from SYSTEM          read codes: unece, opcua, ucum, senml, opentelemetry\n"
+           "  --to SYSTEM            write codes, or convert to what they mean\n"
+           "  --ucum                 the same as --from ucum\n"
            "  --differences          read \"J/°C\" as \"J/K\" and say so\n"
            "  --dimensionless        read a number without a unit\n"
            "  --json                 write one JSON object a line\n"

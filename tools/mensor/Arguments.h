@@ -2,10 +2,12 @@
 #ifndef MENSOR_TOOL_ARGUMENTS_H
 #define MENSOR_TOOL_ARGUMENTS_H
 
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include <mensor_codes/Codes.h>
 #include <mensor_exact/Definitions.h>
 #include <mensor_exact/Reading.h>
 
@@ -16,11 +18,13 @@ public:
 };
 
 struct CArguments {
-    std::string Command;                ///< "convert", "explain", "list", "audit"
+    std::string Command;                ///< "convert", "explain", "list", "audit", "code"
     std::vector<std::string> Operands;  ///< what is behind it, without the options
     std::vector<mensor::exact::ePack> Packs;
-    std::vector<std::string> UnitFiles;   ///< --units
-    mensor::exact::CReadOptions Reading;  ///< --differences, --dimensionless
+    std::vector<std::string> UnitFiles;          ///< --units
+    mensor::exact::CReadOptions Reading;         ///< --differences, --dimensionless
+    std::optional<mensor::codes::eSystem> From;  ///< --from, --ucum: whose codes are read
+    std::optional<mensor::codes::eSystem> To;    ///< --to: whose codes are written
     bool Json = false;
     bool Quiet = false;  ///< no progress
     bool Help = false;

@@ -5,7 +5,9 @@
 #include <optional>
 #include <string>
 
+#include <mensor_codes/Codes.h>
 #include <mensor_exact/Meaning.h>
+#include <mensor_exact/Reading.h>
 
 #include "Arguments.h"
 #include "Report.h"
@@ -15,6 +17,14 @@ void convert(const CArguments& arguments, const CUnits& units, CReport& report);
 void explain(const CArguments& arguments, const CUnits& units, CReport& report);
 void list(const CArguments& arguments, const CUnits& units, CReport& report);
 void audit(const CArguments& arguments, const CUnits& units, CReport& report);
+void code(const CArguments& arguments, const CUnits& units, CReport& report);
+
+/// The explanation of a code: --from, --ucum.
+void explainCode(const CArguments& arguments, CReport& report);
+
+/// The value "5 mg/dL", a number and behind blanks a code. Else `refusal` says why it is none.
+mensor::exact::CValueReading readCodedValue(const std::string& text, mensor::codes::eSystem system,
+                                            std::optional<mensor::exact::CDiagnosis>& refusal);
 
 /// A unit of the command line, which keeps its spelling.
 struct CTarget {

@@ -51,10 +51,14 @@ public:
 
     // `line` is 0 where the value stands on the command line.
     void convert(const std::string& text, std::size_t line) {
-        const CValueReading value = tryReadValue(text, m_Units.catalogue(), m_Arguments.Reading);
         std::optional<CDiagnosis> refusal;
+        const CValueReading value =
+            m_Arguments.From ? readCodedValue(text, *m_Arguments.From, refusal)
+                             : tryReadValue(text, m_Units.catalogue(), m_Arguments.Reading);
         if (!value) {
-            refusal = diagnose(value.Refusal, m_Units.catalogue());
+            if (!refusal) {
+                refusal = diagnose(value.Refusal, m_Units.catalogue());
+            }
         } else if (isBeyondDoubles(value.Value->Number)) {
             const std::string_view number =
                 trimmed(std::string_view(text).substr(0, value.Unit.Begin));
@@ -208,9 +212,22 @@ std::string noteOnDifference(std::string_view unit, const CArguments& arguments,
 
 std::optional<CTarget> readTarget(const std::string& text, const CArguments& arguments,
                                   const CUnits& units, CReport& report) {
-    CReading reading = tryRead(text, units.catalogue(), arguments.Reading);
+    const bool isCode = arguments.To && arguments.Command == "convert";
+    CReading reading;
+    CDiagnosis refusal;
+    if (isCode) {
+        const auto ofCode = mensor::codes::tryRead(*arguments.To, text);
+        reading.Meaning = ofCode.Meaning;
+        if (!ofCode) {
+            refusal = mensor::codes::diagnose(ofCode.Refusal);
+        }
+    } else {
+        reading = tryRead(text, units.catalogue(), arguments.Reading);
+        if (!reading) {
+            refusal = diagnose(reading.Refusal, units.catalogue());
+        }
+    }
     if (!reading) {
-        const CDiagnosis refusal = diagnose(reading.Refusal, units.catalogue());
         if (report.isJson()) {
             report.countRefused();
             report.line(CJsonObject().text("unit", text).raw("error", jsonOf(refusal)).toString());

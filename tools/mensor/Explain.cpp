@@ -209,6 +209,10 @@ private:
 }  // namespace
 
 void explain(const CArguments& arguments, const CUnits& units, CReport& report) {
+    if (arguments.From) {
+        explainCode(arguments, report);
+        return;
+    }
     const CExplanation explanation(arguments, units, report);
     if (report.isJson()) {
         explanation.tellAsJson();

@@ -1,7 +1,7 @@
 # Bash completion for mensor. Units and packs are asked of the program itself.
 _mensor() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
-    local command= options='--pack --units --differences --dimensionless --json --quiet --help --version'
+    local command= options='--pack --units --from --to --ucum --differences --dimensionless --json --quiet --help --version'
     local i words packs=()
     COMPREPLY=()
 
@@ -21,6 +21,9 @@ _mensor() {
             words=$("${COMP_WORDS[0]}" list packs 2>/dev/null | sed 's/ .*//')
             COMPREPLY=($(compgen -P "$done" -W "$words" -- "${word##*,}"))
             return ;;
+        --from | --to)
+            COMPREPLY=($(compgen -W 'unece opcua ucum senml opentelemetry' -- "$word"))
+            return ;;
         --units)
             COMPREPLY=($(compgen -f -- "$word"))
             return ;;
@@ -30,7 +33,7 @@ _mensor() {
         return
     fi
     case $command in
-        '') COMPREPLY=($(compgen -W 'convert explain list audit' -- "$word")) ;;
+        '') COMPREPLY=($(compgen -W 'convert explain list audit code' -- "$word")) ;;
         audit) COMPREPLY=($(compgen -f -- "$word")) ;;
         list)
             if [ "$before" = compatible ]; then
@@ -39,7 +42,7 @@ _mensor() {
             else
                 COMPREPLY=($(compgen -W 'packs compatible' -- "$word"))
             fi ;;
-        convert | explain)
+        convert | explain | code)
             words=$("${COMP_WORDS[0]}" list "${packs[@]}" 2>/dev/null | sed 's/ .*//')
             COMPREPLY=($(compgen -W "$words" -- "$word")) ;;
     esac

@@ -40,6 +40,7 @@ int run(const CArguments& arguments) {
     const auto command = arguments.Command == "convert"   ? convert
                          : arguments.Command == "explain" ? explain
                          : arguments.Command == "list"    ? list
+                         : arguments.Command == "code"    ? code
                                                           : audit;
     command(arguments, units, report);
     return report.refused() == 0 ? GOOD : REFUSED;
