@@ -91,8 +91,8 @@ protected:
 
 exact::CSmallMeaning meaningOf(const CUcumUnit& unit) {
     exact::CSmallMeaning meaning = CUcumAtoms::meaning(unit.Atom);
-    if (unit.Prefix != nullptr && !meaning.Factor.multiply(unit.Prefix->Factor)) {
-        meaning.Factor = exact::CSmallFraction();  // never: no atom has so large a factor
+    if (unit.Prefix != nullptr) {
+        meaning.Factor.multiply(unit.Prefix->Factor);  // fits: no atom has so large a factor
     }
     return meaning;
 }
@@ -398,7 +398,7 @@ private:
 
     // No component begins here.
     bool refuseComponent() {
-        const CSpan before{m_At - (m_At > 0 ? 1 : 0), m_At};
+        const CSpan before{m_At - 1, m_At};  // not looked at where nothing is
         switch (peek()) {
             case '.':
             case '/':
