@@ -10,7 +10,7 @@ namespace codes {
 namespace {
 
 // UCUM, also under the name of a system that takes its codes.
-class CUcum final : public CSystem {
+class CUcum : public CSystem {
 public:
     constexpr CUcum(eSystem system, const char* name) : m_System(system), m_Name(name) {}
 
@@ -43,8 +43,45 @@ private:
     const char* m_Name;
 };
 
+// The codes of UCUM, and "rpm": the conventions of OpenTelemetry have it for fans, and UCUM does not.
+class COpenTelemetry final : public CUcum {
+public:
+    constexpr COpenTelemetry() : CUcum(eSystem::OPENTELEMETRY, "OpenTelemetry") {}
+
+    CReading tryRead(std::string_view text) const override {
+        return CUcum::tryRead(text == Rpm ? SameAsRpm : text);
+    }
+
+    std::optional<CCode> find(std::string_view code) const override {
+        return code == Rpm ? rpm() : CUcum::find(code);
+    }
+
+    void forEach(const std::function<bool(const CCode&)>& visit) const override {
+        bool goesOn = true;
+        CUcum::forEach([&](const CCode& code) { return goesOn = visit(code); });
+        if (goesOn) {
+            visit(rpm());
+        }
+    }
+
+private:
+    static constexpr std::string_view Rpm = "rpm";
+    static constexpr std::string_view SameAsRpm = "circ/min";
+
+    static CCode rpm() {
+        CCode code;
+        code.Code = Rpm;
+        code.Symbol = Rpm;
+        code.Name = "revolution per minute";
+        code.Definition = "2π/60 rad/s";
+        code.Source = "OpenTelemetry's conventions for hardware";
+        code.SameAs = SameAsRpm;
+        return code;
+    }
+};
+
 constexpr CUcum Ucum(eSystem::UCUM, "UCUM");
-constexpr CUcum OpenTelemetry(eSystem::OPENTELEMETRY, "OpenTelemetry");
+constexpr COpenTelemetry OpenTelemetry;
 
 }  // namespace
 

@@ -119,18 +119,18 @@ public:
         if (m_IsOne && exponent == 1) {  // alone it keeps its offset
             m_Meaning = meaning;
         } else {
-            m_Fits = m_Fits && exponent <= Most && exponent >= -Most &&
-                     m_Meaning.multiply(meaning, 2 * exponent);
+            m_Fits = m_Fits && m_Meaning.multiply(meaning, 2 * exponent);
         }
         m_IsOne = false;
     }
 
-    bool fits() const { return m_Fits; }
+    bool fits() const {
+        return m_Fits &&
+               !exact::CFraction(m_Meaning.Factor).needsMoreThan(exact::CFactor::MostBits);
+    }
     const exact::CSmallMeaning& meaning() const { return m_Meaning; }
 
 private:
-    static constexpr int Most = exact::CSmallMeaning::LargestHalf / 2;
-
     exact::CSmallMeaning m_Meaning;  // of no meaning where it does not fit
     bool m_Fits = true;
     bool m_IsOne = true;

@@ -241,6 +241,23 @@ TEST(UcumAtoms, HaveRowsWithNamesAndSources) {
     EXPECT_EQ(inch.Symbol, "in");
     EXPECT_EQ(inch.Definition, "0.0254 m");
     EXPECT_EQ(inch.Source, "international yard and pound agreement, 1959");
+    const codes::CCode celsius = *codes::find(eSystem::UCUM, "Cel");
+    EXPECT_EQ(celsius.Name, "degree Celsius");
+    EXPECT_EQ(celsius.Symbol, "°C");
+    const codes::CCode becquerel = *codes::find(eSystem::UCUM, "Bq");
+    EXPECT_EQ(becquerel.Source, "SI brochure, 9th ed.");
+    EXPECT_EQ(becquerel.SameAs, "Hz");
+    const codes::CCode phot = *codes::find(eSystem::UCUM, "ph");
+    EXPECT_EQ(phot.Note, "NIST SP 811 has 10^4 lx");
+    const codes::CCode neper = *codes::find(eSystem::UCUM, "Np");
+    EXPECT_EQ(neper.Name, "neper");
+    EXPECT_EQ(neper.Symbol, "Np");
+    EXPECT_EQ(neper.Definition, "");
+    EXPECT_EQ(neper.Source, "its values are logarithms");
+    EXPECT_EQ(neper.Note, "the natural logarithm of a ratio");
+    const codes::CCode prism = *codes::find(eSystem::UCUM, "[p'diop]");
+    EXPECT_EQ(prism.Name, "prism dioptre");
+    EXPECT_EQ(prism.Symbol, "PD");
     for (const codes::CCode& code : codes::all(eSystem::UCUM)) {
         EXPECT_FALSE(code.Name.empty()) << code.Code;
         EXPECT_FALSE(code.Source.empty()) << code.Code;

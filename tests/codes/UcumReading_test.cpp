@@ -149,13 +149,29 @@ TEST(Ucum, GivesNoMeaningToACodeWhoseMeaningHasNoRoom) {
         EXPECT_EQ(reading.Refusal.Code, eRefusal::NO_MEANING) << code;
         EXPECT_EQ(codes::diagnose(reading.Refusal).message(), sentence) << code;
     }
+    for (const char* factor : {".10*99", ".10*40", "/10*49", ".Ym40"}) {
+        std::string large = "1";
+        for (int i = 0; i < 200; ++i) {
+            large += factor;
+            large += i % 2 == 0 ? ".m-40" : "";
+        }
+        const codes::CReading reading = tryRead(large);
+        EXPECT_FALSE(reading) << factor;
+        EXPECT_EQ(reading.Refusal.Code, eRefusal::NO_MEANING) << factor;
+    }
     std::string large = "m";
     for (int i = 0; i < 60; ++i) {
         large += ".10*99";
     }
-    EXPECT_EQ(tryRead(large).Refusal.Code, eRefusal::NO_MEANING);
     EXPECT_EQ(codes::diagnose(tryRead(large).Refusal).message(),
               "the exact factor needs more than 16384 bits");
+    // 10^n has about 3.32 n bits.
+    std::string longest = "10*99";
+    for (int i = 0; i < 48; ++i) {
+        longest += ".10*99";
+    }
+    EXPECT_TRUE(tryRead(longest));
+    EXPECT_FALSE(tryRead(longest + ".10*99"));
 }
 
 struct Refused {
@@ -164,6 +180,24 @@ struct Refused {
     std::size_t Position;
     const char* Token;
 };
+
+// What stands before and behind the text in memory does not matter.
+TEST(Ucum, LooksAtTheTextAlone) {
+    const std::string_view whole = "(m2.[in_i]{a}/s-12)";
+    for (std::size_t begin = 0; begin < whole.size(); ++begin) {
+        for (std::size_t size = 0; size <= whole.size() - begin; ++size) {
+            const std::string_view view = whole.substr(begin, size);
+            const std::string copy(view);
+            const codes::CReading reading = tryRead(view);
+            const codes::CReading expected = tryRead(copy);
+            ASSERT_EQ(reading.Meaning, expected.Meaning) << copy;
+            ASSERT_TRUE(reading || reading.Refusal.Code == expected.Refusal.Code) << copy;
+            ASSERT_EQ(isCode(view), UcumGrammar::accepts(copy)) << copy;
+        }
+    }
+    EXPECT_EQ(read(std::string_view("m22", 2)).toString(), "m²");
+    EXPECT_EQ(tryRead(std::string_view("()").substr(1)).Refusal.Code, eRefusal::STRAY_BRACKET);
+}
 
 TEST(Ucum, TellsWhatIsACodeAlsoWithoutAMeaning) {
     for (const char* code : {"m", "[pH]", "dB", "J/Cel", "m100", "0"}) {
@@ -565,10 +599,25 @@ TEST(OpenTelemetry, HasTheCodesOfUcum) {
         ASSERT_TRUE(reading) << unit;
         EXPECT_EQ(*reading.Meaning, read(unit)) << unit;
     }
+    EXPECT_EQ(codes::codeFor(eSystem::OPENTELEMETRY, read("circ/min")).Code, "circ/min");
     EXPECT_EQ(codes::tryRead(eSystem::OPENTELEMETRY, "bytes").Refusal.System,
               eSystem::OPENTELEMETRY);
     EXPECT_EQ(codes::tryRead(eSystem::OPENTELEMETRY, "").Refusal.Code, eRefusal::EMPTY);
     EXPECT_STREQ(codes::nameOf(eSystem::OPENTELEMETRY), "OpenTelemetry");
+}
+
+TEST(OpenTelemetry, HasRevolutionsPerMinuteThatUcumHasNot) {
+    EXPECT_EQ(codes::read(eSystem::OPENTELEMETRY, "rpm"), read("circ/min"));
+    EXPECT_FALSE(isCode("rpm"));
+    EXPECT_FALSE(codes::isCode(eSystem::OPENTELEMETRY, "krpm"));
+    EXPECT_FALSE(codes::isCode(eSystem::OPENTELEMETRY, "rpm/s"));
+    EXPECT_EQ(codes::find(eSystem::OPENTELEMETRY, "rpm")->SameAs, "circ/min");
+    EXPECT_EQ(codes::find(eSystem::OPENTELEMETRY, "m")->Name, "metre");
+    EXPECT_FALSE(codes::find(eSystem::UCUM, "rpm"));
+    const std::vector<codes::CCode> rows = codes::all(eSystem::OPENTELEMETRY);
+    EXPECT_EQ(rows.size(), codes::all(eSystem::UCUM).size() + 1);
+    EXPECT_EQ(rows.back().Code, "rpm");
+    EXPECT_EQ(exact::CCatalogue::builtIn().evaluate(rows.back().Definition), read("circ/min"));
 }
 
 }  // namespace
