@@ -1,5 +1,7 @@
 #include "mensor_exact/DefinitionFile.h"
 
+#include <functional>
+#include <map>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -29,13 +31,14 @@ struct CDefined {
 
 class CFileReader {
 public:
-    CFileReader(const CCatalogue& catalogue, std::string_view source)
-        : m_Given(catalogue), m_Source(source), m_Builder(catalogue) {}
+    CFileReader(std::string_view text, const CCatalogue& catalogue, std::string_view source)
+        : m_Text(text), m_Given(catalogue), m_Source(source), m_Builder(catalogue) {}
 
-    CDefinitionFile read(std::string_view text) {
+    CDefinitionFile read() {
         CDefinitionFile result{m_Given, {}, {}, {}};
-        for (CDefinitionLines lines(text); lines.next();) {
+        for (CDefinitionLines lines(m_Text); lines.next();) {
             try {
+                m_Number = lines.number();
                 define(lines.line(), lines.number(), result);
             } catch (Refused& refused) {
                 result.Findings.push_back({lines.number(), std::move(refused.Diagnosis)});
@@ -73,14 +76,14 @@ private:
     }
 
     // What becomes of a line, whose form is good.
-    CDefined evaluate(std::string_view line, const CDefinitionLine& parts) const {
+    CDefined evaluate(std::string_view line, const CDefinitionLine& parts) {
         requireName(line, parts.Name);
         CDefined defined = meaningOf(line, parts);
         requireFree(line, parts, defined.Meaning);
         return defined;
     }
 
-    bool isDefinition(std::string_view line) const {
+    bool isDefinition(std::string_view line) {
         CDefinitionLine parts;
         if (takeApart(line, parts)) {
             return false;
@@ -129,7 +132,7 @@ private:
         throw Refused{inLine(std::move(diagnosis), line, parts.Name)};
     }
 
-    CDefined meaningOf(std::string_view line, const CDefinitionLine& parts) const {
+    CDefined meaningOf(std::string_view line, const CDefinitionLine& parts) {
         const std::string_view name = parts.Name.of(line);
         if (!parts.Size) {
             return {"", CMeaning::base(name)};
@@ -152,7 +155,7 @@ private:
     }
 
     // The unit with a zero of its own.
-    CMeaning withZero(std::string_view line, const CMeaning& unit, const CLineValue& zero) const {
+    CMeaning withZero(std::string_view line, const CMeaning& unit, const CLineValue& zero) {
         const CMeaning zeroUnit = read(line, zero.Unit);
         if (!zeroUnit.isCompatibleWith(unit)) {
             refuse(eRefusal::DIFFERENT_DIMENSIONS, line, zero.Unit,
@@ -187,12 +190,37 @@ private:
     }
 
     // The meaning of the unit at `part` of the line.
-    CMeaning read(std::string_view line, CSpan part) const {
+    CMeaning read(std::string_view line, CSpan part) {
         CReading reading = tryRead(part.of(line), catalogue());
         if (!reading) {
-            throw Refused{inLine(diagnose(reading.Refusal, catalogue()), line, part)};
+            CDiagnosis diagnosis = diagnose(reading.Refusal, catalogue());
+            if (diagnosis.Code == eRefusal::UNKNOWN_NAME) {
+                tellOtherLine(diagnosis);
+            }
+            throw Refused{inLine(std::move(diagnosis), line, part)};
         }
         return *std::move(reading.Meaning);
+    }
+
+    // Says so if another line defines the name.
+    void tellOtherLine(CDiagnosis& diagnosis) {
+        if (m_Lines.empty()) {
+            for (CDefinitionLines lines(m_Text); lines.next();) {
+                CDefinitionLine parts;
+                if (!takeApart(lines.line(), parts) || parts.Name.End > 0) {
+                    m_Lines.emplace(parts.Name.of(lines.line()), lines.number());
+                }
+            }
+        }
+        const auto other = m_Lines.find(diagnosis.Token);
+        if (other == m_Lines.end() || other->second == m_Number) {
+            return;
+        }
+        const std::string number = std::to_string(other->second);
+        diagnosis.Sentence += other->second < m_Number
+                                  ? "; line " + number + ", which defines it, is refused"
+                                  : "; line " + number + " defines it, and has to stand above";
+        diagnosis.Suggestions.clear();
     }
 
     std::string sourceOf(std::size_t line) const {
@@ -205,16 +233,20 @@ private:
         throw Refused{diagnose(code, line, span, std::move(sentence))};
     }
 
+    const std::string_view m_Text;
     const CCatalogue& m_Given;
     const std::string_view m_Source;
     CCatalogueBuilder m_Builder;
+    std::size_t m_Number = 0;  // of the line that is read
+    std::map<std::string_view, std::size_t, std::less<>>
+        m_Lines;  // of each name, once it is asked for
 };
 
 }  // namespace
 
 CDefinitionFile tryReadDefinitions(std::string_view text, const CCatalogue& catalogue,
                                    std::string_view source) {
-    return CFileReader(catalogue, source).read(text);
+    return CFileReader(text, catalogue, source).read();
 }
 
 CCatalogue readDefinitions(std::string_view text, const CCatalogue& catalogue,

@@ -55,7 +55,7 @@ struct CDefinitionLine {
     std::optional<CLineValue> Zero;  ///< with its sign
 };
 
-/// Takes a line apart. Gives a diagnosis if it is refused for its form; `result` has no meaning then.
+/// Takes a line apart. Gives a diagnosis if it is refused for its form; `result` then has at most the name.
 MENSOR_EXACT_API std::optional<CDiagnosis> takeApart(std::string_view line,
                                                      CDefinitionLine& result);
 

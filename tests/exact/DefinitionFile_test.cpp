@@ -215,6 +215,25 @@ TEST(DefinitionFile, CountsAsAWholeOrNotAtAll) {
     EXPECT_TRUE(tryRead("km", file.Catalogue));
 }
 
+TEST(DefinitionFile, TellsWhichOtherLineDefinesAName) {
+    const CDefinitionFile file = tryReadDefinitions(
+        "qa = 3 qb\n"
+        "qc = 2 xyzzy\n"
+        "qb = 5 m\n"
+        "qd = 3 qc\n"
+        "qe = 3 qe\n"
+        "qf = 3,5 m\n"
+        "qg = 3 qf\n");
+    ASSERT_EQ(file.Findings.size(), 6U);
+    EXPECT_EQ(file.Findings[0].Refusal.message(),
+              "no unit has the name \"qb\"; line 3 defines it, and has to stand above");
+    EXPECT_EQ(file.Findings[2].Refusal.message(),
+              "no unit has the name \"qc\"; line 2, which defines it, is refused");
+    EXPECT_EQ(file.Findings[3].Refusal.Sentence, "no unit has the name \"qe\"") << "itself";
+    EXPECT_EQ(file.Findings[5].Refusal.message(),
+              "no unit has the name \"qf\"; line 6, which defines it, is refused");
+}
+
 TEST(DefinitionFile, LetsANameBeDefinedAgainWithTheSameMeaning) {
     const CDefinitionFile file =
         tryReadDefinitions("km = 1000 m\nqa = 3 m\nqa = 3000 mm\nkg = base unit\nOne = 100 %\n");
