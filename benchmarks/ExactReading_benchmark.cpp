@@ -1,6 +1,8 @@
 // ExactReading_benchmark.cpp: reading without the registry, which remembers nothing: every text is read
 // anew. UDUNITS-2 parses the same text.
 #include "Benchmark.h"
+#include "Programs.h"
+#include "mensor_exact/Conversion.h"
 #include "mensor_exact/Reading.h"
 
 using namespace mensor;
@@ -33,7 +35,34 @@ void addRefusal(const std::string& text) {
     });
 }
 
+// As a program does it that reads a value once and shows it in its own unit.
+void addRequest() {
+    add("read 2.5 km exactly, in m", "mensor::exact", [](benchmark::State& state) {
+        const exact::CCatalogue catalogue = exact::CCatalogue::builtIn();
+        const exact::CMeaning metre = exact::read("m", catalogue);
+        const std::string text = "2.5 km";
+        for (auto _ : state) {
+            const exact::CValue value = exact::readValue(text, catalogue);
+            const auto inMetres = exact::CConversion::convertOnce(value.Number, value.Unit, metre);
+            benchmark::DoNotOptimize(inMetres->toDouble());
+        }
+    });
+}
+
+void addFirstText() {
+    add("read exactly the first text", "mensor::exact",
+        [](benchmark::State& state) {
+            for (auto _ : state) {
+                state.SetIterationTime(1e-9 * std::stod(outputOf("first_text", {})));
+            }
+        })
+        ->UseManualTime()
+        ->Iterations(5);
+}
+
 const bool added = [] {
+    addRequest();
+    addFirstText();
     for (const char* text : {"m", "km", "m/s", "kg·m²/s²", "mol/(m^3*s)"}) {
         addText(text);
     }

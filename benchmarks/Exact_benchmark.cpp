@@ -44,13 +44,17 @@ const Pair Pairs[] = {
     {"ft to m", "ft", "m", "ft", "m", {3048, 0, 10000, 0, false}},
     {"m/s to km/h", "m/s", "km/h", "m/s", "km/h", {18, 0, 5, 0, false}},
     {"° to rad", "°", "rad", "degree", "radian", {1, 0, 1, 0, false}},
+    {"m to pc", "m", "pc", "m", "parsec", {1, 0, 1, 0, false}},  // the factor that needs the test
     {"°F to °C", "°F", "°C", "°F", "°C", {5, 160, 9, 0, true}},
     {"°C to °F", "°C", "°F", "°C", "°F", {9, 160, 5, 0, false}},
 };
 
 CConversion between(const char* from, const char* to) {
-    static const CCatalogue catalogue =
-        CCatalogue::builtIn().with(ePack::CUSTOMARY).with(ePack::US).with(ePack::OFFSETS);
+    static const CCatalogue catalogue = CCatalogue::builtIn()
+                                            .with(ePack::CUSTOMARY)
+                                            .with(ePack::US)
+                                            .with(ePack::SCIENCE)
+                                            .with(ePack::OFFSETS);
     return CConversion::between(from, to, catalogue);
 }
 

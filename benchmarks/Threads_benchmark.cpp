@@ -5,6 +5,7 @@
 #include "mensor/NonSI.h"
 #include "mensor/SI.h"
 #include "mensor/ValueWithUnit.h"
+#include "mensor_exact/Reading.h"
 
 using namespace mensor;
 
@@ -69,6 +70,11 @@ const bool added = [] {
     addWork("request", [](int which) {
         return [text = std::string(Requests[which]), to = CUnit::fromString(Targets[which])] {
             benchmark::DoNotOptimize(CValueWithUnit::fromString(text).valueAs(to));
+        };
+    });
+    addWork("read exactly", [](int which) {
+        return [text = std::string(Texts[which])] {
+            benchmark::DoNotOptimize(exact::tryRead(text, exact::CCatalogue::builtIn()));
         };
     });
     return true;

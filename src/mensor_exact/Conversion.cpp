@@ -118,6 +118,12 @@ CLeading leadingOf(const CWhole& numerator, const CWhole& denominator, std::int6
                                                             ": ", a.kind(), " and ", b.kind()}));
 }
 
+void requireCompatible(const CMeaning& from, const CMeaning& to) {
+    if (!from.isCompatibleWith(to)) {
+        throwDifferent(from.toString(), to.toString(), from, to);
+    }
+}
+
 }  // namespace
 
 // (A·x + B)/D with whole numbers, where the factor is a fraction.
@@ -248,12 +254,20 @@ struct CConversion::CPlan final : CSlowWay {
 };
 
 CConversion::CConversion(const CMeaning& from, const CMeaning& to) {
-    if (!from.isCompatibleWith(to)) {
-        throwDifferent(from.toString(), to.toString(), from, to);
-    }
+    requireCompatible(from, to);
     m_Plan = std::make_shared<const CPlan>(from, to);
     m_Form = &m_Plan->Fast;
     m_Convert = m_Form->One;
+}
+
+std::optional<CFraction> CConversion::convertOnce(const CFraction& x, const CMeaning& from,
+                                                  const CMeaning& to) {
+    if (!from.factor().isRational() || !to.factor().isRational()) {
+        return CConversion(from, to).convert(x);
+    }
+    requireCompatible(from, to);
+    const CFraction inBaseUnits = x * from.factor().radicand() + from.offset();
+    return (inBaseUnits - to.offset()) / to.factor().radicand();
 }
 
 CConversion::CConversion(const CConversion&) noexcept = default;

@@ -54,6 +54,12 @@ public:
     static CConversion between(std::string_view from, std::string_view to,
                                const CCatalogue& catalogue = CCatalogue::builtIn());
 
+    /// `x` of one unit in the other, exactly, if the result is a fraction. The same as
+    /// CConversion(from, to).convert(x), and quicker for a single value.
+    /// @throws CError  DIFFERENT_DIMENSIONS, TOO_LARGE, EXPONENT_RANGE, as the constructor and `convert`.
+    static std::optional<CFraction> convertOnce(const CFraction& x, const CMeaning& from,
+                                                const CMeaning& to);
+
     CConversion(const CConversion&) noexcept;
     CConversion& operator=(const CConversion&) noexcept;
     ~CConversion();

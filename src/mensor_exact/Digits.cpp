@@ -29,6 +29,16 @@ bool isDigit(char c) { return c >= '0' && c <= '9'; }
                  "\"" + shown + (text.size() > Shown ? "..." : "") + "\" is no decimal number");
 }
 
+// Multiplies by base^times. Returns false where 64 bits are too few.
+bool scale(std::uint64_t& number, std::uint64_t base, std::int64_t times) {
+    for (; times > 0; --times) {
+        if (__builtin_mul_overflow(number, base, &number)) {
+            return false;
+        }
+    }
+    return true;
+}
+
 void trim(std::string& digits) { digits.erase(digits.find_last_not_of('0') + 1); }
 
 // The exponent behind "e", as far as it fits; `at` stands behind the letter.
@@ -80,13 +90,19 @@ std::optional<CDigits> wholeDigits(const CParts& parts, std::size_t most) {
     if (difference > mostBits || -difference > mostBits) {
         return std::nullopt;
     }
-    const CWhole number = difference >= 0 ? parts.Numerator.shifted(difference)
-                                          : parts.Numerator * CWhole(5).power(-difference);
-    if (static_cast<std::int64_t>(number.bits()) > mostBits) {
-        return std::nullopt;
+    std::uint64_t small = parts.Numerator.low();
+    if (parts.Numerator.bits() <= 64 &&
+        scale(small, difference < 0 ? 5 : 2, difference < 0 ? -difference : difference)) {
+        result.Digits = std::to_string(small);
+    } else {
+        const CWhole number = difference >= 0 ? parts.Numerator.shifted(difference)
+                                              : parts.Numerator * CWhole(5).power(-difference);
+        if (static_cast<std::int64_t>(number.bits()) > mostBits) {
+            return std::nullopt;
+        }
+        result.Digits = number.toString();
     }
     result.Negative = parts.Negative;
-    result.Digits = number.toString();
     if (result.Digits.size() > most) {
         return std::nullopt;
     }

@@ -10,6 +10,7 @@
 #include "mensor_exact/Error.h"
 #include "mensor_exact/Parts.h"
 #include "mensor_exact/Rounding.h"
+#include "mensor_exact/ShortLine.h"
 
 namespace mensor {
 namespace exact {
@@ -42,6 +43,16 @@ std::size_t boundOfBits(std::size_t numerator, std::size_t denominator, std::int
                         std::int64_t fives) {
     return numerator + denominator + static_cast<std::size_t>(twos < 0 ? -twos : twos) +
            (fives == 0 ? 0 : bitsOfFives(fives < 0 ? -fives : fives));
+}
+
+// Multiplies by 5^times; not at all if that is below zero. Returns false where 64 bits are too few.
+bool multiplyByFives(std::uint64_t& number, std::int32_t times) {
+    for (; times > 0; --times) {
+        if (__builtin_mul_overflow(number, std::uint64_t{5}, &number)) {
+            return false;
+        }
+    }
+    return true;
 }
 
 // Divides `number` by `prime` as often as that gives a whole number. Returns how often.
@@ -194,6 +205,16 @@ bool CFraction::needsMoreThan(std::size_t most) const {
 }
 
 double CFraction::toDouble() const {
+    // Of numbers of everyday size numerator and denominator are one word each.
+    std::uint64_t numerator = m_Small.Numerator;
+    std::uint64_t denominator = m_Small.Denominator;
+    if (m_Big == nullptr && multiplyByFives(numerator, m_Small.Fives) &&
+        multiplyByFives(denominator, -m_Small.Fives)) {
+        const CShortLine quotient{numerator, 0, denominator, m_Small.Twos, false};
+        if (const auto nearest = quotient.convert({m_Small.Negative, 1, 0}, CFormat::ofDouble())) {
+            return doubleOfBits(nearest->Bits);
+        }
+    }
     const CParts parts(*this);
     return roundQuotient(parts.Negative, parts.numeratorWithFives(), parts.denominatorWithFives(),
                          parts.Twos)

@@ -21,10 +21,11 @@ constexpr std::uint64_t mostOddPart(int bits) { return std::uint64_t{1} << (bits
 /// most `mostOddPart(bits)`.
 constexpr bool hasTies(int bits, std::uint64_t numerator, std::uint64_t denominator) {
     // A tie is an odd number of bits + 1 bits. It is an odd multiple of the numerator, and the same multiple
-    // of the denominator is the number that it comes from, but for a power of two.
+    // of the denominator is the number that it comes from, but for a power of two. The numerator is so small
+    // that its first odd multiple from 2^bits on has no more bits.
     const std::uint64_t end = std::uint64_t{1} << bits;
     const std::uint64_t multiple = ((end + numerator - 1) / numerator) | 1;
-    return multiple * numerator < 2 * end && multiple * denominator < end;
+    return multiple * denominator < end;
 }
 
 /// Calls `visit(n)` for each n from 1 to `end` − 1, in their order, for which n·alpha is nearer than `reach`

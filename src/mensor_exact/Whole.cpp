@@ -85,7 +85,12 @@ std::size_t CWhole::bits() const {
 
 std::size_t CWhole::twos() const { return mp::lsb(number(*this)); }
 std::uint64_t CWhole::low() const {
-    return static_cast<std::uint64_t>(number(*this) & Number(~std::uint64_t{0}));
+    const auto& backend = number(*this).backend();
+    std::uint64_t low = backend.limbs()[0];
+    if constexpr (sizeof(mp::limb_type) < sizeof low) {
+        low |= backend.size() > 1 ? std::uint64_t{backend.limbs()[1]} << 32 : 0;
+    }
+    return low;
 }
 
 CWhole CWhole::operator-() const {

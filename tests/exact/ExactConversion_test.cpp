@@ -474,6 +474,31 @@ TEST(ExactConversion, RoundsProductsWithPiThatAreVeryNearTheMiddle) {
     EXPECT_EQ(styled((many + "9").c_str(), "π rad", "rad", style), "2");
 }
 
+TEST(ExactConversion, ConvertsASingleNumberAsABuiltConversionDoes) {
+    const CCatalogue catalogue = everything();
+    const CFraction x = CFraction::ofText("-98.6");
+    for (const auto& [from, to] : {std::pair{"km", "m"},
+                                   {"ft", "mi"},
+                                   {"°F", "°C"},
+                                   {"°C", "°F"},
+                                   {"°C", "K"},
+                                   {"rad", "°"},
+                                   {"°", "rad"},
+                                   {"°", "′"},
+                                   {"m^(1/2)", "km^(1/2)"}}) {
+        const CMeaning a = catalogue.evaluate(from);
+        const CMeaning b = catalogue.evaluate(to);
+        EXPECT_EQ(CConversion::convertOnce(x, a, b), CConversion(a, b).convert(x))
+            << from << " in " << to;
+    }
+    EXPECT_EQ(CConversion::convertOnce(0, catalogue.evaluate("°F"), catalogue.evaluate("°C")),
+              CFraction(-160, 9));
+    expectRefusal(
+        eError::DIFFERENT_DIMENSIONS,
+        [&] { CConversion::convertOnce(1, catalogue.evaluate("m"), catalogue.evaluate("s")); },
+        "cannot convert m to s: length and time");
+}
+
 TEST(ExactConversion, KnowsTheFirstBitsOfPi) {
     Number pi(PiBits + 2);
     mpfr_const_pi(pi, MPFR_RNDD);

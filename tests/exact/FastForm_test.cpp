@@ -1,8 +1,8 @@
 // FastForm_test.cpp: the fast ways give the bits of the slow way, on every kind of processor, and need it
 // only where they must. The judge is GMP.
 //
-// The environment variable MENSOR_EXACT_CASES is the number of values that are tried, about; without it
-// there is a sample.
+// The environment variable MENSOR_EXACT_CASES is the number of values that are tried, about. Without it there
+// is a sample, or all of them where the tests are to be thorough (support/Thorough.h).
 #include "mensor_exact/FastForm.h"
 
 #include <gtest/gtest.h>
@@ -17,14 +17,21 @@
 
 #include "exact/WholeLine.h"
 #include "mensor_exact/TwoWords.h"
+#include "support/Thorough.h"
 
 namespace mensor {
 namespace exact {
 namespace {
 
+// scripts/test --all asks for very many, and for fewer where each takes many times as long.
 long cases() {
+#if defined(__x86_64__) && defined(NDEBUG)
+    constexpr long Thorough = 100'000'000;
+#else
+    constexpr long Thorough = 1'000'000;
+#endif
     const char* const wanted = std::getenv("MENSOR_EXACT_CASES");
-    return wanted != nullptr ? std::atol(wanted) : 400000;
+    return wanted != nullptr ? std::atol(wanted) : test::isThorough() ? Thorough : 400'000;
 }
 
 // Everyday factors, factors of many bits, and factors at the ends of the doubles.
@@ -483,6 +490,44 @@ TEST(FastForm, EnclosesWhatIsMissingOfTheFactor) {
         EXPECT_GE(fractionOf(form.TailHigh), high) << describe(line, form);
         EXPECT_LT(fractionOf(std::nextafter(form.TailHigh, 0)), high) << describe(line, form);
     }
+}
+
+// Tails that begin far below the head, and slack that is just as much as there is.
+TEST(FastForm, KeepsTailsFarBelowTheHead) {
+    const WholeLine unused({1, 0, 1, 0, false});
+    const std::uint64_t highest = std::uint64_t{1} << 63;
+    const CLeading far = {{highest, 0, highest}, -191, true};
+    const CFastForm form(far, nullptr, &unused);
+    EXPECT_EQ(form.Head, 1);
+    EXPECT_EQ(form.Tail, 0x1p-128);
+    EXPECT_EQ(form.TailLow, 0);
+    EXPECT_EQ(form.TailHigh, 0x1p-100 + 0x1p-128);
+    const CLeading near = {{highest | 5, std::uint64_t{1} << 27, 0}, -191, true};
+    EXPECT_EQ(CFastForm(near, nullptr, &unused).TailLow, 5 * 0x1p-63);
+}
+
+TEST(FastForm, AsksTheSlowWayOnceForEachValue) {
+    const CShortLine line = {7, 0, 3, 1000, false};
+    const WholeLine judge(line);
+    forAllLoops([&](const CLoops& loops) {
+        const CFastForm slow = formOf(line, false, judge, loops);
+        ASSERT_EQ(slow.Way, SLOWLY);
+        const double values[] = {1, 2, 3};
+        double results[3] = {};
+        long before = WholeLine::Calls;
+        slow.convertAll(values, results, 3);
+        EXPECT_EQ(WholeLine::Calls, before + 3) << loops.Name;
+        // Of whole numbers only for those that are no doubles.
+        const CFastForm fast = formOf({9, 0, 5, 0, false}, false, judge, loops);
+        const std::int64_t most = std::int64_t{1} << 53;
+        const std::int64_t numbers[] = {1, -most, most, most + 1, -most - 1};
+        double converted[5] = {};
+        before = WholeLine::Calls;
+        fast.convertAll(numbers, converted, 3);
+        EXPECT_EQ(WholeLine::Calls, before) << loops.Name;
+        fast.convertAll(numbers, converted, 5);
+        EXPECT_EQ(WholeLine::Calls, before + 2) << loops.Name;
+    });
 }
 
 TEST(FastForm, HasTheLimitsOfItsArgument) {

@@ -129,6 +129,19 @@ TEST(ShortLine, TakesSumsOf127BitsAndNoLongerOnes) {
     EXPECT_TRUE((CShortLine{3, 0, 1, 0, false}.convert({false, 3, 900}, format).has_value()));
 }
 
+// A sum of 128 bits, whose last bit is dropped. The result is a tie.
+TEST(ShortLine, RoundsSumsOf128Bits) {
+    const CShortLine line = {(std::uint64_t{2051} << 52) + 1, ~std::uint64_t{0},
+                             (std::uint64_t{1} << 63) + 1, 0, false};
+    const CFormat format = CFormat::ofDouble();
+    for (const std::uint64_t x : {2047U, 2048U, 2049U}) {
+        const CNumber number = {false, x, -63};
+        const auto result = line.convert(number, format);
+        ASSERT_TRUE(result.has_value());
+        EXPECT_EQ(result->Bits, WholeLine(line).convert(number, format).Bits) << x;
+    }
+}
+
 TEST(ShortLine, HasAPositiveZeroWithAnOffsetAndTheSignOfXWithout) {
     const CFormat format = CFormat::ofDouble();
     EXPECT_EQ((CShortLine{1, 32, 1, 0, true}.convert({false, 32, 0}, format)->Bits),
@@ -157,6 +170,16 @@ TEST(Nearest, TakesDoublesAndWholeNumbersApart) {
     EXPECT_EQ(lowest.Mantissa, std::uint64_t{1} << 63);
     EXPECT_EQ(CNumber::ofWhole(7).Mantissa, 7U);
     EXPECT_FALSE(CNumber::ofWhole(7).IsNegative);
+}
+
+TEST(Nearest, GivesInfinityForAnyLargeNumber) {
+    const CFormat format = CFormat::ofDouble();
+    const std::uint64_t mantissa = std::uint64_t{1} << 63;
+    const std::uint64_t infinity = bitsOfDouble(std::numeric_limits<double>::infinity());
+    EXPECT_EQ(nearest(format, false, mantissa, true, 960).Bits, bitsOfDouble(0x1p1023));
+    for (const std::int64_t twos : {961, 3010, 3011, 3012, 100000}) {
+        EXPECT_EQ(nearest(format, false, mantissa, true, twos).Bits, infinity) << twos;
+    }
 }
 
 }  // namespace
