@@ -14,6 +14,7 @@
 #include <boost/units/systems/temperature/celsius.hpp>
 
 #include <cmath>
+#include <memory>
 
 using namespace mensor;
 
@@ -27,6 +28,31 @@ struct Pair {
     const char* UdunitsFrom;
     const char* UdunitsTo;
 };
+
+// The least that a look-up takes: a chain is a new object that shares its two steps, and is freed again.
+struct CChain {
+    virtual ~CChain() = default;
+    CConverterPtr First, Second;
+    char Rest[sizeof(CCompound) - 2 * sizeof(CConverterPtr) - sizeof(void*)] = {};
+};
+
+void addLeastLookup() {
+    add("look up km to m", "the least", [](benchmark::State& state) {
+        const CConverterPtr chain = CUnit::fromString("km")->getConverterTo(CUnit::fromString("m"));
+        const auto* const compound = dynamic_cast<const CCompound*>(chain.get());
+        if (compound == nullptr) {
+            state.SkipWithError("no chain");
+            return;
+        }
+        const CConverterPtr first = compound->first(), second = compound->second();
+        for (auto _ : state) {
+            const auto made = std::make_shared<CChain>();
+            made->First = first;
+            made->Second = second;
+            benchmark::DoNotOptimize(made.get());
+        }
+    });
+}
 
 void addLookup(const Pair& pair) {
     add(std::string("look up ") + pair.Name, "mensor", [pair](benchmark::State& state) {
@@ -148,6 +174,7 @@ const bool added = [] {
     const Pair hour = {"h to min", "h", "min", "h", "min"};
     const Pair product = {"kg·m²/s² to J", "kg·m²/s²", "J", "kg·m²/s²", "J"};
     const Pair year = {"year_calendar to s", "year_calendar", "s", "common_year", "s"};
+    addLeastLookup();
     for (const Pair& pair : {kilometre, celsius, hour, product}) {
         addLookup(pair);
     }

@@ -72,6 +72,7 @@ const bool added = [] {
         })->Iterations(1);
     };
     addOwn("mensor", "load_mensor", "load_nothing");
+    addOwn("the least", "load_least", "load_nothing");
     addOwn("UDUNITS-2", "load_udunits2", "load_nothing");
     return true;
 }();

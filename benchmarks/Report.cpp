@@ -43,6 +43,9 @@ const std::vector<CReport::Line>& CReport::lines() {
         against("start a process", "nothing");
         against("start a process", "UDUNITS-2");
         peer("own part of the start", 0.25);
+        against("own part of the start", "the least");
+        all.push_back({Line::AT_MOST, "own part of the start, the least of it",
+                       "own part of the start: the least", "own part of the start: UDUNITS-2", 0});
         for (const char* what : {"heap", "resident"}) {
             all.push_back({Line::BYTES, std::string("own memory after load, ") + what,
                            std::string("memory: mensor ") + what,
@@ -71,7 +74,8 @@ const std::vector<CReport::Line>& CReport::lines() {
         }
 
         heading("Look up a converter");
-        peer("look up km to m", 4);
+        peer("look up km to m", 2);
+        against("look up km to m", "the least");
         peer("look up °C to K");
         peer("look up h to min", 4.5);
         peer("look up kg·m²/s² to J");
