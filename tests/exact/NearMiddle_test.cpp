@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <numeric>
 #include <random>
 #include <vector>
@@ -87,6 +88,26 @@ TEST(NearMiddle, FindsEveryProductThatTheErrorCouldMove) {
         const std::uint64_t words[3] = {factor << (63 - Places), 0, 0};
         ASSERT_TRUE(isRight || !isNeverNearMiddle(Bits, words, compute)) << factor;
     }
+}
+
+// A product that is nearer to a middle than the known bits can tell, above it and below it.
+TEST(NearMiddle, TrustsNoProductNextToTheMiddle) {
+    constexpr int Bits = 8;
+    const auto isProved = [](const std::uint64_t(&twice)[3], std::uint64_t rounded) {
+        return isNeverNearMiddle(Bits, twice, [&](std::uint64_t n) {
+            const double product =
+                std::ldexp(static_cast<double>(twice[0]), -63) * static_cast<double>(n);
+            const double place = product < 256 ? 1 : 2;
+            return n == 129 ? rounded
+                            : static_cast<std::uint64_t>(std::nearbyint(product / place) * place);
+        });
+    };
+    // (259 ± 2^-61)/129, and (259 ± 2^-40)/129, which is far enough. Halved and times 129, they are next to
+    // 129.5.
+    EXPECT_FALSE(isProved({0x807F01FC07F01FC0, 0x82FA0BE82FA0BE82, 0xFA0BE82FA0BE82FA}, 130));
+    EXPECT_FALSE(isProved({0x807F01FC07F01FC0, 0x7B09EC27B09EC27B, 0x09EC27B09EC27B09}, 129));
+    EXPECT_TRUE(isProved({0x807F01FC07F09EC2, 0x7B09EC27B09EC27B, 0x09EC27B09EC27B09}, 130));
+    EXPECT_TRUE(isProved({0x807F01FC07EFA0BE, 0x82FA0BE82FA0BE82, 0xFA0BE82FA0BE82FA}, 129));
 }
 
 TEST(NearMiddle, VisitsAllNumbersWhoseMultiplesAreNearWholeOnes) {
