@@ -247,7 +247,7 @@ constexpr std::size_t LongBlockSize = 1024;
 
 // More results than any cache keeps for whoever reads them next are written past the caches. An ordinary
 // store would first read the line that it is about to fill, which is a third of all traffic when memory is
-// the limit.
+// the limit. With an offset the computation is the limit.
 constexpr std::size_t StreamedBytes = 32'000'000;
 
 // These blocks are short, so that reading the values and writing the results go on at the same time.
@@ -346,7 +346,8 @@ void convertBlocks(const CFastForm& form, const In* values, Out* results, std::s
     constexpr bool AreDoubles = std::is_same_v<In, double> && std::is_same_v<Out, double>;
     constexpr std::size_t Size = AreDoubles ? LongBlockSize : BlockSize;
     const bool isInPlace = static_cast<const void*>(values) == results;
-    const bool isStreamed = CanStream && !isInPlace && count >= StreamedBytes / sizeof(Out);
+    const bool isStreamed =
+        CanStream && !isInPlace && form.Way != OFFSET && count >= StreamedBytes / sizeof(Out);
     const std::size_t size = isStreamed ? StreamedBlockSize : Size;
     double wide[Size];
     [[maybe_unused]] double narrow[AreDoubles ? 1 : Size];
