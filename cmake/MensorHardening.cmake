@@ -1,15 +1,14 @@
-# mensor_hardened(<target>): what makes a fault of a library or a tool harder to use against its
-# process. The linker maps the tables of addresses read-only before main() runs (full RELRO, which
-# needs all names bound at load), functions with arrays check that nothing wrote past them, calls of
-# the C library know the size of what they write to, and indirect jumps land only where one may, on
-# processors that can tell.
+# mensor_hardened(<target>): makes faults of a library or a tool harder to exploit. The linker maps the
+# tables of addresses read-only before main() runs (full RELRO, which binds all names at load). Functions
+# with arrays check for writes past their end. Calls of the C library check the size of their buffers.
+# Indirect jumps may only land at marked places, on processors that support that.
 #
-# docs/performance.md says what it costs. MENSOR_HARDENING=OFF builds without, to measure that.
+# docs/performance.md has the costs. MENSOR_HARDENING=OFF builds without hardening, to measure them.
 include(CheckCXXCompilerFlag)
 option(MENSOR_HARDENING "Harden the libraries and the tool against faults" ON)
 mark_as_advanced(MENSOR_HARDENING)
 
-# clang only warns of a flag that its target ignores, so here a warning is a refusal.
+# clang only warns about a flag that its target ignores, so a warning counts as a refusal here.
 block(SCOPE_FOR VARIABLES)
   set(CMAKE_REQUIRED_FLAGS -Werror)
   check_cxx_compiler_flag(-fcf-protection=full MENSOR_HAS_CF_PROTECTION)                  # x86
@@ -24,7 +23,7 @@ function(mensor_hardened target)
     -fstack-protector-strong
     $<$<BOOL:${MENSOR_HAS_CF_PROTECTION}>:-fcf-protection=full>
     $<$<BOOL:${MENSOR_HAS_BRANCH_PROTECTION}>:-mbranch-protection=standard>
-    # The sizes are known only where the compiler optimises.
+    # Only optimised code knows the sizes.
     $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>)
   target_link_options(${target} PRIVATE -Wl,-z,relro -Wl,-z,now)
 endfunction()

@@ -1,10 +1,10 @@
-# Where things go, and how others find them: find_package(mensor 1 CONFIG) gives the targets
-# mensor::<name>, pkg-config mensor or mensor-<name>. All libraries that mensor_library() made.
+# Installs all libraries of mensor_library() so that others find them: find_package(mensor 1 CONFIG) gives
+# the targets mensor::<name>, and pkg-config knows mensor and mensor-<name>.
 include(CMakePackageConfigHelpers)
 set(MENSOR_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/mensor)
 get_property(MENSOR_LIBRARIES GLOBAL PROPERTY MENSOR_LIBRARIES)
 
-# The way from the folder of a .pc file up to the prefix, so that the installed tree may be moved.
+# The relative path from the folder of a .pc file to the prefix, so that the installed tree can be moved.
 file(RELATIVE_PATH MENSOR_PC_PREFIX
   ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 string(REGEX REPLACE "/$" "" MENSOR_PC_PREFIX "${MENSOR_PC_PREFIX}")
@@ -14,7 +14,7 @@ cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBDIR BASE_DIRECTORY ${CMAKE_INSTAL
   OUTPUT_VARIABLE MENSOR_PC_LIBDIR)
 set(MENSOR_PC_RUN_PATH "")
 if(NOT MENSOR_DEBIAN AND NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
-  # Outside the system's own folders a program must be told where its libraries are.
+  # Outside the folders of the system, a program needs the path of its libraries.
   set(MENSOR_PC_RUN_PATH "-Wl,-rpath,\${libdir} ")
 endif()
 
@@ -51,8 +51,8 @@ install(FILES
     ${PROJECT_BINARY_DIR}/mensorConfigVersion.cmake
   DESTINATION ${MENSOR_CMAKE_DIR} COMPONENT libmensor-dev)
 
-# gdb loads the printers with the library, whose whole path their place repeats, as it is when they
-# are installed. They read the library's own string only.
+# gdb loads the printers with the library. Their path repeats the whole path of the installed library. They
+# support only the library's own string class.
 if(MENSOR_STRING STREQUAL "own")
   install(FILES tools/gdb/mensor_gdb.py
     DESTINATION "${CMAKE_INSTALL_DATADIR}/gdb/auto-load\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}"
@@ -60,7 +60,7 @@ if(MENSOR_STRING STREQUAL "own")
     COMPONENT libmensor1)
 endif()
 
-# mensor_install_compressed(<file> <destination>.gz <component>): the same bytes for the same file.
+# mensor_install_compressed(<file> <destination>.gz <component>): always the same bytes for the same file.
 find_program(MENSOR_GZIP gzip)
 mark_as_advanced(MENSOR_GZIP)
 function(mensor_install_compressed file destination component)

@@ -1,19 +1,18 @@
 # mensor_library(<target>
-#   SUMMARY <line>               what it is, for pkg-config and Debian's package
-#   DESCRIPTION <lines>          the rest of what Debian's package says
+#   SUMMARY <line>               one line for pkg-config and the package of Debian
+#   DESCRIPTION <lines>          the rest of the description of the package of Debian
 #   SOURCES <file>...
-#   HEADERS <file>...            what clients include
-#   [LINKS mensor::<name>...])   libraries of the house whose headers its own headers include
+#   HEADERS <file>...            the public headers
+#   [LINKS mensor::<name>...])   libraries of this project whose headers its public headers include
 #
-# A shared library of the house. Everything that all of them have is here, and all their names follow
-# from <target>. For mensor_checked:
+# Adds a shared library of this project. All names follow from <target>. For mensor_checked:
 #
 #   mensor::checked                       the target in CMake, also where mensor is installed
-#   libmensor_checked.so.1, .map          the file, and the names that it exports
+#   libmensor_checked.so.1, .map          the file, and its exported names
 #   mensor-checked                        pkg-config
-#   libmensor-checked1                    Debian's package
+#   libmensor-checked1                    the package of Debian
 #
-# MensorInstall.cmake installs and MensorPackages.cmake packs all libraries that were made so.
+# MensorInstall.cmake installs and MensorPackages.cmake packages all these libraries.
 include_guard(DIRECTORY)
 include(MensorHardening)
 
@@ -52,31 +51,32 @@ function(mensor_library target)
   mensor_hardened(${target})
   mensor_run_path(${target} ${CMAKE_INSTALL_FULL_LIBDIR})
 
-  # A compiler cache may hand the compiler this instead of the absolute path.
+  # A compiler cache may pass this to the compiler instead of the absolute path.
   file(RELATIVE_PATH relative_source_dir ${CMAKE_BINARY_DIR} ${PROJECT_SOURCE_DIR})
   target_compile_options(${target} PRIVATE
-    # Nobody replaces single functions of a library at load time, so it may call and inline its own.
+    # Replacing single functions of a library at load time is not supported, so it may inline its own.
     -fno-semantic-interposition
-    # A fused multiply-add rounds once where two operations round twice: the same bits on every board.
+    # A fused multiply-add rounds once, two operations round twice. Without it all processors give the same
+    # bits.
     -ffp-contract=off
-    # __FILE__ is src/..., wherever the library was built.
+    # __FILE__ is src/... and does not depend on the folder of the build.
     -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=
     -fmacro-prefix-map=${relative_source_dir}/=)
   target_link_options(${target} PRIVATE
     -Wl,-Bsymbolic-functions
     -Wl,--version-script=${map}
-    # Clients keep pointers to units, and units hold code of the library that made them, for good: a
-    # dlclose() must not take either from under them.
+    # Clients keep pointers to units, and units use code of the library that made them, until the process
+    # ends. So dlclose() must not unload the library.
     -Wl,-z,nodelete)
   if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize=")
-    # The sanitizers' own functions come with the program, not with the library.
+    # The program has the functions of the sanitizers, not the library.
     target_link_options(${target} PRIVATE -Wl,--no-undefined)
   endif()
 endfunction()
 
-# mensor_run_path(<target> <folder>): the installed <target>, which lies in <folder>, finds the libraries
-# of the house wherever the tree was installed or is moved to. Debian's packages lose that path again
-# (packaging/debian/no_run_paths.cmake).
+# mensor_run_path(<target> <folder>): lets the installed <target> in <folder> find the libraries of this
+# project, even if the installed tree is moved. packaging/debian/no_run_paths.cmake removes the path from
+# the packages of Debian.
 function(mensor_run_path target folder)
   file(RELATIVE_PATH way ${folder} ${CMAKE_INSTALL_FULL_LIBDIR})
   string(REGEX REPLACE "/$" "" path "\$ORIGIN/${way}")

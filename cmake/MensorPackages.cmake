@@ -1,4 +1,4 @@
-# The Debian packages, made by CPack (scripts/package) for the architecture that is built for: one per
+# The Debian packages, which CPack makes (scripts/package) for the architecture of the build: one for each
 # library, libmensor1-log4cplus, libmensor-dev and mensor-tools.
 set(MENSOR_MAINTAINER "mensor developers <mensor@packages.debian.org>")
 set(MENSOR_LIBRARY_PACKAGES "")
@@ -25,8 +25,7 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(version ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
 set(CPACK_STRIP_FILES ON)
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/debian/no_run_paths.cmake)
-# Installed as into the system, below DESTDIR: the debugger's scripts lie under a path that repeats
-# the prefix.
+# Installed below DESTDIR: the path of the scripts for the debugger repeats the prefix.
 set(CPACK_SET_DESTDIR ON)
 set(CPACK_INSTALL_PREFIX /usr)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
@@ -46,7 +45,7 @@ if(CMAKE_LIBRARY_ARCHITECTURE)
     OUTPUT_VARIABLE CPACK_DEBIAN_PACKAGE_ARCHITECTURE OUTPUT_STRIP_TRAILING_WHITESPACE
     RESULT_VARIABLE failed ERROR_QUIET)
   if(NOT failed)
-    # dpkg-shlibdeps then looks for the libraries, and for objdump, of that architecture.
+    # dpkg-shlibdeps then uses the libraries, and the objdump, of that architecture.
     file(WRITE ${PROJECT_BINARY_DIR}/cpack_project_config.cmake
       "set(ENV{DEB_HOST_ARCH} ${CPACK_DEBIAN_PACKAGE_ARCHITECTURE})\n")
     set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_BINARY_DIR}/cpack_project_config.cmake)

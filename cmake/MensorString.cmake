@@ -1,11 +1,11 @@
-# Chooses the class behind string_t and generates mensor/string_type.h, the one header that names it.
+# Chooses the class of string_t and generates mensor/string_type.h, the one header that names it.
 #
 #   MENSOR_STRING=own       (default) mensor::utf8_string
-#   MENSOR_STRING=tinyutf8  tiny-utf8's utf8_string, or an error where its CMake package is not found
+#   MENSOR_STRING=tinyutf8  tiny-utf8's utf8_string, or an error if its CMake package is not found
 #
-# The two builds differ in their ABI, so only the caller chooses, never what happens to be installed,
-# and the installed package remembers the choice. With tinyutf8 the library links tinyutf8::tinyutf8
-# publicly; with own it compiles and installs utf8_string.
+# The two builds differ in their ABI. So the caller chooses, not the packages that happen to be installed,
+# and the installed package records the choice. With tinyutf8 the library links tinyutf8::tinyutf8 publicly;
+# with own it compiles and installs utf8_string.
 include_guard(DIRECTORY)
 
 set(MENSOR_STRING "own" CACHE STRING "The class behind string_t: own or tinyutf8")

@@ -1,11 +1,11 @@
-# What the folders of tests share.
+# Functions for the folders of tests.
 #
-# Labels say what kind a test is: scripts/test chooses by them what a preset runs, and the target
-# mensor_tests_<label> builds what these tests need.
+# The label of a test says what kind it is. scripts/test chooses the tests of a preset by label, and the
+# target mensor_tests_<label> builds what they need.
 #   unit         the test programs below
-#   sweep        those of them that take long, since they try the same in very many ways
+#   sweep        test programs that take long, because they try very many cases
 #   abi, certificates, docs, fuzz, statics, tool, transcript   the tests of a folder
-# Tests without a label run where all tests do.
+# Tests without a label run only where all tests run.
 
 # Code of tests alone is not optimised, which nearly halves the time of compiling it. Nor does the sanitizer
 # of undefined behaviour check it, which takes a third of that time in its build; the libraries are checked.
@@ -21,8 +21,8 @@ function(mensor_built_for_tests label)
   add_dependencies(mensor_tests_${label} ${ARGN})
 endfunction()
 
-# mensor_test(<file>_test.cpp [LABEL <label>]): a test program of that name, which is one test for ctest. Each
-# of its tests runs in a process of its own all the same: tests/support/main.cpp.
+# mensor_test(<file>_test.cpp [LABEL <label>]): adds a test program of that name, which is one test for
+# ctest. It runs each of its tests in a process of its own (tests/support/main.cpp).
 function(mensor_test file)
   cmake_parse_arguments(PARSE_ARGV 1 test "" LABEL "")
   if(NOT test_LABEL)
@@ -39,7 +39,7 @@ function(mensor_test file)
   mensor_built_for_tests(${test_LABEL} ${name})
 endfunction()
 
-# mensor_tests_are(<label>): labels all tests of this folder, also those that are added below.
+# mensor_tests_are(<label>): labels all tests of this folder, including those added after the call.
 macro(mensor_tests_are label)
   cmake_language(DEFER CALL _mensor_tests_are ${label})
 endmacro()
@@ -59,7 +59,8 @@ function(_mensor_tests_are label)
 endfunction()
 
 # mensor_starts_test(<name> <program> [<argument>...]): starts the program 1000 times; 200 times under a
-# sanitizer and 100 times in an emulator, which are slow. Each start must end with status 0 and print nothing.
+# sanitizer and 100 times in an emulator, which are slow. Each start must end with status 0 and print
+# nothing.
 function(mensor_starts_test name)
   set(starts 1000)
   if(CMAKE_CROSSCOMPILING)

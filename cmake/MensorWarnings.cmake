@@ -1,8 +1,8 @@
-# mensor_warnings(<target>): the warnings that every target of mensor is built with, by g++ and
-# clang++ alike. MENSOR_WERROR makes them errors (on in the presets, off for those who just build).
+# mensor_warnings(<target>): the warnings for every target of mensor, with g++ and clang++. MENSOR_WERROR
+# makes them errors (on in the presets, off by default).
 #
-# Not among them: -Wnon-virtual-dtor, since unit formats are singletons that nobody destroys through
-# their base, and their destructors are non-virtual by design.
+# Without -Wnon-virtual-dtor: unit formats are singletons that are never deleted through their base class,
+# and their destructors are not virtual on purpose.
 function(mensor_warnings target)
   target_compile_options(${target} PRIVATE
     -Wall -Wextra -Wpedantic

@@ -84,7 +84,7 @@ void compare(const utf8_string& text, const std::string& bytes) {
         ++index;
     }
     require(index == pieces.size(), bytes, "iterates too little");
-    require(text[index] == 0 && *text.end() == 0, bytes, "has something behind its end");
+    require(text[index] == 0 && *text.end() == 0, bytes, "is not 0 at its end");
     const auto end = text.end();
     require(++text.end() == end, bytes, "is left by its iterator");
 }

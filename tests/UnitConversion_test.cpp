@@ -176,22 +176,22 @@ TEST(UnitConversion, UnitsAreCalledOnceAndInAFixedOrder) {
     const auto unit = freshClientUnit();
     const auto other = freshClientUnit();
     std::vector<std::string> order;
-    const auto saysDimension = [&order](const char* who) {
-        return [&order, who]() -> CUnitPtr {
-            order.push_back(std::string(who) + " dimension");
+    const auto logsDimension = [&order](const char* name) {
+        return [&order, name]() -> CUnitPtr {
+            order.push_back(std::string(name) + " dimension");
             return SI::Meter();
         };
     };
-    const auto saysConverter = [&order](const char* who) {
-        return [&order, who]() -> CConverterPtr {
-            order.push_back(std::string(who) + " converter");
+    const auto logsConverter = [&order](const char* name) {
+        return [&order, name]() -> CConverterPtr {
+            order.push_back(std::string(name) + " converter");
             return factor(2);
         };
     };
-    unit->CtxDimension = saysDimension("this");
-    unit->CtxToDimension = saysConverter("this");
-    other->CtxDimension = saysDimension("that");
-    other->CtxToDimension = saysConverter("that");
+    unit->CtxDimension = logsDimension("this");
+    unit->CtxToDimension = logsConverter("this");
+    other->CtxDimension = logsDimension("that");
+    other->CtxToDimension = logsConverter("that");
     unit->getConverterTo(other);
     EXPECT_THAT(
         order, ElementsAre("this dimension", "that dimension", "this converter", "that converter"));

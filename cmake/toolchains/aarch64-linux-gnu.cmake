@@ -1,4 +1,4 @@
-# 64-bit ARM: otherwise as arm-linux-gnueabihf.cmake, beside it.
+# 64-bit ARM; otherwise the same as arm-linux-gnueabihf.cmake.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(CMAKE_LIBRARY_ARCHITECTURE aarch64-linux-gnu)

@@ -1,11 +1,11 @@
-// catalogue.cpp: what the library knows, asked of the library itself, as a page or as data.
+// catalogue.cpp: prints the catalogue of the library, as a page or as data.
 //
 //     catalogue markdown > docs/catalogue.md
 //     catalogue json > catalogue.json
 //     catalogue convert 2.5 km              "2500<tab>m" and so on: what the site is compared with
 //
-// Written here are the names of quantities, the definitions in words and the published values;
-// every symbol, label and factor comes from the library.
+// This source has the names of quantities, the definitions in words and the published values. Every
+// symbol, label and factor comes from the library.
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -160,7 +160,7 @@ std::string shortest(double number) {
     return std::string(digits, std::to_chars(digits, std::end(digits), number).ptr);
 }
 
-// A unit as it is in another: x -> factor x + offset.
+// A unit in terms of another: x -> factor x + offset.
 struct Affine {
     double Factor;
     double Offset;

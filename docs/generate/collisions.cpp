@@ -1,8 +1,8 @@
-// collisions.cpp: which products and quotients of two SI units have the hash code of another unit, as
-// a table of docs/reliability.md.
+// collisions.cpp: prints the products and quotients of two SI units that have the hash code of
+// another unit, as a table of docs/reliability.md.
 //
-// Computed from the hash codes alone, without building the products: the identity of a product is the
-// sum of its factors' hash codes, each times 3·power − 2·root. A row is one hash code.
+// They are computed from the hash codes, without building the products: the hash code of a product
+// is the sum of the hash codes of its factors, each times 3·power − 2·root. A row is one hash code.
 #include <iostream>
 #include <map>
 #include <set>

@@ -1,4 +1,4 @@
-// BaseUnit.h: a unit that stands for one independent dimension of measurement.
+// BaseUnit.h: the unit of an independent dimension.
 //
 //     CBaseUnitPtr currency = CBaseUnit::getInstance("EUR");
 //     CBaseUnit::getInstance("EUR") == currency;   // true: the symbol alone decides

@@ -23,7 +23,7 @@ struct FailureReport {
 /// operator new.
 void reportFailure(const FailureReport& report) noexcept;
 
-/// The folder of the module, beside the library, and its file.
+/// The file of the module, in a folder next to the library.
 constexpr char ModuleFile[] = "mensor/log4cplus.so";
 
 /// The one function of the module.

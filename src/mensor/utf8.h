@@ -10,7 +10,7 @@
 //
 //     0xxxxxxx                    1 byte, itself (a NUL is an ordinary code point)
 //     110xxxxx ... 1111110x       2 to 6 bytes: the x, then the low 6 bits of each further byte,
-//                                 whatever its two upper bits are
+//                                 its two upper bits are ignored
 //     a lead byte cut off by end  1 byte, its raw value
 //     10xxxxxx, 0xFE, 0xFF        1 byte, its raw value
 //

@@ -2,9 +2,9 @@
 # usage: abi.sh compare|update FILE names NM LIBRARY
 #        abi.sh compare|update FILE sizes COMMAND...
 #
-# What clients of the library are compiled against: the names it exports, sorted and demangled, tables
-# of virtual functions with their size; and the sizes that COMMAND prints. A difference from FILE is a
-# change of the ABI: decide about it, then let "update" (target update_abi) write FILE anew.
+# The binary interface of a library: its exported names, sorted and demangled, with the size of tables of
+# virtual functions; and the sizes that COMMAND prints. A difference from FILE is a change of the ABI:
+# decide about it, then let "update" (target update_abi) rewrite FILE.
 set -eu
 what=$1 file=$2 kind=$3
 shift 3

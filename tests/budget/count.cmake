@@ -1,5 +1,5 @@
-# count.cmake: runs `operations` under callgrind and fails where an operation takes more
-# instructions than budgets.txt allows.
+# count.cmake: runs `operations` under callgrind and fails if an operation needs more instructions than
+# budgets.txt allows.
 cmake_minimum_required(VERSION 3.25)
 set(repetitions 1000)  # as in operations.cpp
 include(${CMAKE_CURRENT_LIST_DIR}/counts.cmake)

@@ -1,6 +1,6 @@
-# linear.cmake: fails where a text ten times as long takes more than twenty times the instructions. Ten
-# would be the text itself; the rest is for tables that grow by its factors, and for the exponents, which
-# are tried first where their sum exceeds 4096. A square would be a hundred.
+# linear.cmake: fails if a text ten times as long needs more than twenty times the instructions. Ten times
+# are for the text itself. The rest is for tables that grow with its factors, and for the exponents, which
+# are tried first if their sum exceeds 4096. Quadratic time would be a hundred times.
 cmake_minimum_required(VERSION 3.25)
 include(${CMAKE_CURRENT_LIST_DIR}/counts.cmake)
 

@@ -1,5 +1,5 @@
-# names.cmake: fails where a text of up to 100 different names takes more than twice the instructions of a
-# text as long that repeats one name.
+# names.cmake: fails if a text of up to 100 different names needs more than twice the instructions of a text
+# of the same length that repeats one name.
 cmake_minimum_required(VERSION 3.25)
 include(${CMAKE_CURRENT_LIST_DIR}/counts.cmake)
 

@@ -1,6 +1,6 @@
-// names.cpp: parses products of different names under callgrind, each beside a text as long that repeats
-// one name, "<KIND> <NUMBER OF NAMES>". The products of different names have a factor more for each name;
-// those of the same name have one factor.
+// names.cpp: parses products of different names under callgrind, and for each a text of the same
+// length that repeats one name, "<KIND> <NUMBER OF NAMES>". The products of different names have a
+// factor more for each name; those of the same name have one factor.
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -13,7 +13,7 @@ using namespace mensor;
 
 namespace {
 
-// All names that are read as they are, in the order of the table.
+// All names that can be read unchanged, in the order of the table.
 std::vector<std::string> names() {
     std::vector<std::string> names;
     for (const auto& [name, unit] : CUnitFormat::names()) {
@@ -36,7 +36,7 @@ void count(const std::string& kind, std::size_t number, const std::string& text)
     CALLGRIND_DUMP_STATS_AT(name.c_str());
 }
 
-// `number` names from all over the table. `first` chooses others than another call does.
+// `number` names from the whole table. Another `first` gives other names.
 void countBoth(std::size_t first, std::size_t number, const std::string& repeated) {
     static const std::vector<std::string> all = names();
     std::string different, same;

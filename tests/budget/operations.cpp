@@ -1,8 +1,8 @@
-// operations.cpp: does fixed work under callgrind, one part per line of budgets.txt.
+// operations.cpp: runs fixed operations under callgrind, one part for each line of budgets.txt.
 //
-// Instructions are counted where time would be measured, because a count is the same on a busy
-// machine. Each part writes its count to a file of its own (CALLGRIND_DUMP_STATS_AT); what the loop
-// around the work costs is the part "nothing", which count.cmake takes off all others.
+// It counts instructions instead of time, because a count is the same on a busy machine. Each part
+// writes its count to a file of its own (CALLGRIND_DUMP_STATS_AT). The cost of the loop is the part
+// "nothing", which count.cmake subtracts from all others.
 #include <cstddef>
 #include <iterator>
 #include <stdexcept>
@@ -23,13 +23,13 @@ namespace {
 
 constexpr int Repetitions = 1000;  // as in count.cmake
 
-// Keeps the compiler from dropping work whose result nobody uses.
+// Keeps the compiler from removing work whose result is not used.
 template <class Result>
 void keep(const Result& result) {
     asm volatile("" : : "r"(&result) : "memory");
 }
 
-// The first rounds fill caches that live as long as the process; what comes after is the usual case.
+// The first rounds fill the caches of the library. The later rounds are the usual case.
 template <class Work>
 [[gnu::noinline]] void repeat(int times, const Work& work) {
     for (int i = 0; i < times; ++i) {
@@ -54,7 +54,7 @@ int main() {
     count("parse km", [&](int) { keep(CUnit::fromString(km)); });
     count("parse kg*m^2/s^2", [&](int) { keep(CUnit::fromString(energy)); });
 
-    // Repetitions is a multiple of the number of texts, so that each counts the same.
+    // Repetitions is a multiple of the number of texts, so that all texts count the same.
     const std::vector<string_t> mix(std::begin(TypicalTexts), std::end(TypicalTexts));
     static_assert(Repetitions % (std::size(TypicalTexts)) == 0);
     count("parse a mix of 50",
@@ -99,8 +99,8 @@ int main() {
     count("request 2.5 km in m",
           [&](int) { keep(CValueWithUnit::fromString(request).valueAs(metre)); });
 
-    // From here on the library takes the long way, since a client may change what it holds: each
-    // text is parsed, each name and converter looked up in the tables.
+    // Hands a table out, so the caches are off from here on: each text is parsed, and each name and
+    // converter is looked up in the tables.
     CUnit::symbols();
     count("parse km, tables handed out", [&](int) { keep(CUnit::fromString(km)); });
     count("parse kg*m^2/s^2, tables handed out", [&](int) { keep(CUnit::fromString(energy)); });

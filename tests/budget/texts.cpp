@@ -1,5 +1,5 @@
-// texts.cpp: parses texts of 1 kB to 1 MB under callgrind, each a part of its own, "KIND LENGTH". How a
-// text ends is the business of other tests; here it is parsed once.
+// texts.cpp: parses texts of 1 kB to 1 MB under callgrind, each in a part of its own, "KIND
+// LENGTH". Other tests check the results; this program only parses each text once.
 #include <exception>
 #include <string>
 
@@ -63,7 +63,7 @@ int main() {
         const std::string digits = repeated("7", length);
         count("value of many digits", length, [&] { CValueWithUnit::fromString(digits + " m"); });
     }
-    // Dearer, so no longer texts: the factors register products, or cancel each other.
+    // More expensive, so no longer texts: the factors register products, or cancel each other.
     for (const std::size_t length : {1000U, 10000U, 100000U}) {
         for (const char* piece : {"cd·", "cd/"}) {
             const std::string text = repeated(piece, length);

@@ -1,6 +1,5 @@
 #!/bin/sh
-# Runs every snippet of a page, each in a process of its own, and compares what they print with what
-# the page shows.
+# Runs every snippet of a page, each in a process of its own, and compares the output with that on the page.
 #
 # usage: check_page.sh PAGE.list PAGE.expected FOLDER PAGE [EMULATOR...]
 list=$1 expected=$2 folder=$3 page=$4

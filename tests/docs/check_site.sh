@@ -1,6 +1,6 @@
 #!/bin/sh
-# Checks the site: its links resolve, a browser shows the start page, and the search of a page of tables
-# leaves the rows that match, and the converter of the catalogue gives the numbers of the library.
+# Checks the site: its links resolve, a browser shows the start page, the search of a page of tables shows
+# the matching rows, and the converter of the catalogue gives the numbers of the library.
 #
 # usage: check_site.sh SITE CATALOGUE_PROGRAM
 site=$1 catalogue=$2
@@ -9,7 +9,7 @@ trap 'rm -rf "$work"' EXIT
 failures=0
 fail() { echo "site: $*"; failures=$((failures + 1)); }
 
-# dom PAGE: the page as it is after its scripts have run, one tag of a row to a line.
+# dom PAGE: prints the page after its scripts have run, with one tag of a table row on each line.
 dom() {
     timeout 120 chromium --headless --no-sandbox --disable-gpu --disable-quic --no-first-run \
         --disable-background-networking --disable-component-update --disable-sync \
@@ -17,7 +17,7 @@ dom() {
         sed 's/<tr/\n<tr/g; s/<\/tr>/<\/tr>\n/g'
 }
 
-# Links: every file that a page names is there, and every place in a page.
+# Links: every linked file exists, and every linked place in a page.
 for page in "$site"/*.html; do
     grep -oE '(href|src)="[^"]*"' "$page" | sed 's/^[^"]*"//; s/"$//' | sort -u |
         while read -r link; do
@@ -36,7 +36,7 @@ done >"$work/links"
 dom index.html >"$work/start"
 grep -q 'Every unit is one object' "$work/start" || fail "the start page is not shown"
 
-# Rows of the page's tables that are seen, heads left out.
+# The number of visible rows of tables, without header rows.
 rows() { grep -E '^<tr class="markdownTableRow' | grep -cv ' hidden'; }
 all=$(dom md_docs_catalogue.html | rows)
 few=$(dom 'md_docs_catalogue.html?search=sidereal' | rows)

@@ -1,8 +1,8 @@
 #!/bin/sh
 # usage: check_sizes.sh README COLUMN STRIP LIBRARY...
 #
-# The sizes in the table of README, in its COLUMN (1: x86-64, 2: 32-bit ARM), are those of the
-# libraries when they are stripped, to a tenth; and the table names no other library.
+# Checks that the sizes in the table of README, in its COLUMN (1: x86-64, 2: 32-bit ARM), are those of the
+# stripped libraries within a tenth, and that the table names no other library.
 set -eu
 readme=$1 column=$2 strip=$3
 shift 3

@@ -1,7 +1,7 @@
 #!/bin/sh
-# Checks that the headers say of every exported class and function who may use it in which thread:
-# any thread; any thread, locks something; caller serialises. A class says it in its "Class contract:",
-# a function in its "@par Threads", in that of the group it stands in, or in "// Threads:" of the file.
+# Checks that the headers say for every exported class and function which threads may use it: any thread;
+# any thread, locks something; caller serialises. For a class, that is in its "Class contract:", for a
+# function in its "@par Threads", in that of its group, or in "// Threads:" of the file.
 #
 # usage: check_threads.sh SOURCE_FOLDER
 awk '

@@ -1,6 +1,6 @@
-// snippet.h: compares the results that a page shows in comments with those that its snippets give.
-// snippets.awk includes it behind each snippet, so that a snippet sees what it includes itself and
-// nothing else. What snippets print is compared by check_page.sh.
+// snippet.h: compares the results in the comments of a page with those of its snippets.
+// snippets.awk includes it after each snippet, so that a snippet sees only its own includes.
+// check_page.sh compares the output of snippets.
 #ifndef MENSOR_TESTS_SNIPPET_H
 #define MENSOR_TESTS_SNIPPET_H
 

@@ -1,4 +1,4 @@
-// snippet_main.cpp: runs one of the snippets of a page, the one whose line is named on the command line.
+// snippet_main.cpp: runs one snippet of a page. The argument is its line.
 #include <cstdlib>
 
 #include "snippet.h"

@@ -1,4 +1,4 @@
-// What the debugger is shown; stop() is where it looks.
+// The program in the debugger, which stops in stop().
 #include <mensor/NonSI.h>
 #include <mensor/SI.h>
 #include <mensor/UnitFormat.h>

@@ -1,10 +1,10 @@
 #!/bin/sh
 # usage: session.sh ROOT TRIPLET WORK COMPILER
 #
-# Compiles debuggee.cpp against the packages unpacked in ROOT, whose library is stripped, looks at its
-# variables with gdb, and compares what gdb shows: once in the stopped process, once in its core file.
-# Nothing tells gdb of the printers but where they are installed. Then the same with printers that are
-# loaded by hand, before the program runs and while it is stopped.
+# Compiles debuggee.cpp against the packages unpacked in ROOT, whose library is stripped, prints its
+# variables with gdb, and compares the output: once in the stopped process, once in its core file. gdb finds
+# the printers only by their installed path. Then the same with printers that are loaded by hand, before the
+# program runs and while it is stopped.
 set -eu
 root=$1 triplet=$2 work=$3 compiler=$4
 here=$(dirname "$0")
@@ -36,7 +36,7 @@ session -ex 'break stop' -ex run -ex 'echo FRAME\n' -ex 'info args' \
     -ex 'up' -ex 'echo BEGIN\n' -x "$work/look" -ex 'echo END\n' \
     -ex "generate-core-file $work/core" -ex kill "$work/debuggee" > "$work/process.log" ||
     { cat "$work/process.log"; exit 1; }
-# By hand: no folder of printers is known to gdb.
+# By hand: gdb has no folder of printers.
 script=$(echo "$root"/usr/share/gdb/auto-load/usr/lib/"$triplet"/libmensor.so.*-gdb.py)
 by_hand() {
     LC_ALL=C.UTF-8 gdb -nx -batch -iex 'set auto-load python-scripts off' \
@@ -46,7 +46,7 @@ by_hand() {
 by_hand -ex "source $script" -ex 'break stop' -ex run > "$work/before.log"
 by_hand -ex 'break stop' -ex run -ex "source $script" > "$work/after.log"
 
-# A library of another version is not read as if it were of this one.
+# The printers refuse a library of another version.
 session -ex 'break stop' -ex run -ex up -ex "set {unsigned long} &'mensor::debugLayout' = 99" \
     -ex 'output metre' "$work/debuggee" > "$work/version.log"
 grep -q "debug layout is version 99, the printers know version 1" "$work/version.log" ||

@@ -1,13 +1,13 @@
 #!/bin/sh
 # usage: hardening.sh READELF OBJDUMP NM FILE...
 #
-# Reads from each FILE, a library or a program, that it is hardened: the tables of addresses are
-# read-only before main() (RELRO, and all names bound at load), the stack is not executable and is
-# checked, a program is position independent, and on x86 every exported function begins where an
-# indirect jump may land. Names every FILE that is not.
+# Checks that each FILE, a library or a program, is hardened: the tables of addresses are read-only before
+# main() (RELRO, and all names bound at load), the stack is not executable and is checked, a program is
+# position independent, and on x86 every exported function begins where an indirect jump may land. Names
+# every FILE that is not hardened.
 #
-# At least one FILE must call a function of the C library with the check of sizes, since a file that
-# calls none that has one cannot show it.
+# At least one FILE must call a function of the C library that checks sizes: a file that calls no such
+# function cannot show it.
 set -eu
 readelf=$1 objdump=$2 nm=$3
 shift 3

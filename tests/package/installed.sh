@@ -1,8 +1,8 @@
 #!/bin/sh
 # usage: installed.sh DEBS ROOT ARCHITECTURE TRIPLET CLIENT "COMPILER AND FLAGS" [EMULATOR...]
 #
-# Unpacks the packages in DEBS into the fresh folder ROOT, looks at what they say of themselves, runs
-# the tools, and builds and runs the client there.
+# Unpacks the packages in DEBS into the new folder ROOT, checks their descriptions, runs the tools, and
+# builds and runs the client there.
 set -eu
 debs=$1 root=$2 architecture=$3 triplet=$4 work=$5 compiler=$6
 shift 6

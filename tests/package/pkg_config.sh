@@ -1,8 +1,8 @@
 #!/bin/sh
 # usage: pkg_config.sh LIBDIR WORK EXPECTED "COMPILER AND FLAGS" [EMULATOR...]
 #
-# Compiles the client with what pkg-config says of the mensor installed in LIBDIR, which is not the
-# folder it was configured for, and compares what it prints.
+# Compiles the client with the flags of pkg-config for the mensor installed in LIBDIR, which is not the
+# folder it was configured for, and compares the output.
 set -eu
 libdir=$1 work=$2 expected=$3 compiler=$4
 shift 4

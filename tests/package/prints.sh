@@ -1,5 +1,5 @@
 #!/bin/sh
-# usage: prints.sh EXPECTED COMMAND...: COMMAND succeeds and prints what the file EXPECTED holds.
+# usage: prints.sh EXPECTED COMMAND...: checks that COMMAND succeeds and prints the contents of the file EXPECTED.
 set -eu
 expected=$1
 shift

@@ -1,8 +1,8 @@
 #!/bin/sh
 # usage: subproject.sh CMAKE BUILD PREFIX EXPECTED [EMULATOR...]
 #
-# Runs the client of the project built in BUILD there, and where it is installed with what it needs of
-# mensor: no environment says where the library is.
+# Runs the client of the project in BUILD, and runs it again where it is installed with the parts of mensor
+# that it needs. No variable of the environment has the path of the library.
 set -eu
 cmake=$1 build=$2 prefix=$3 expected=$4
 shift 4
@@ -11,7 +11,7 @@ unset LD_LIBRARY_PATH
 
 "$here/prints.sh" "$expected" "$@" "$build/client"
 rm -rf "$prefix"
-# The project's own part, and the package of the library that its client needs; the others are not built.
+# The project's own part, and the library that its client needs. The others are not built.
 for component in client libmensor1; do
     "$cmake" --install "$build" --prefix "$prefix" --component $component > "$build/install.log"
 done

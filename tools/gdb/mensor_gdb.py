@@ -7,13 +7,12 @@
 #     (gdb) print converter
 #     $3 = *1000 -> +273.15
 #
-# gdb loads it by itself when it loads the installed library (see "info auto-load"). "source
-# mensor_gdb.py" loads it by hand, before or after the program is started. "print/r" shows what is
-# behind.
+# gdb loads it automatically with the installed library (see "info auto-load"). "source mensor_gdb.py" loads
+# it by hand, before or after the program is started. "print/r" shows the members.
 #
-# Everything is read from memory, nothing is called, so a core file is as good as a process, wherever
-# it stopped. The library tells by the table mensor::debugLayout where the members are; it needs no
-# debug information. The layouts of std::string, vector, map and shared_ptr are those of libstdc++.
+# It reads memory and calls no function, so it works on a core file and on a process, wherever it stopped.
+# The table mensor::debugLayout of the library has the offsets of the members. It needs no debug
+# information. The layouts of std::string, vector, map and shared_ptr are those of libstdc++.
 import re
 import struct
 from fractions import Fraction
