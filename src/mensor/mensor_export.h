@@ -1,4 +1,4 @@
-// mensor_export.h: which names the library exports. MENSOR_API exports a class or function from
+// mensor_export.h: the names that the library exports. MENSOR_API exports a class or function from
 // libmensor.so. Everything else is compiled with hidden visibility. MENSOR_LOCAL hides a private
 // member of an exported class.
 #ifndef MENSOR_MENSOR_EXPORT_H

@@ -190,7 +190,7 @@ TEST(Growth, AUnitWithACachedDimensionNeedsABoundedNumberOfBytes) {
 }
 
 // The number of entries in all caches of the algebra, without the entry 0 of the products.
-std::size_t slots() {
+std::size_t cacheEntries() {
     std::size_t count = 0;
     for (const auto& entry : CUnit::instances()) {
         const CUnitPtr& unit = entry.second;
@@ -204,7 +204,7 @@ std::size_t slots() {
 
 TEST(Growth, TextsAndFoldsFillNoCacheEntryExceptTheFirst) {
     CUnit::fromString("m");
-    const std::size_t before = slots();
+    const std::size_t before = cacheEntries();
     for (const char* text :
          {"m·kg·cd", "m^5", "m^-7/kg^3", "m^1:3", "m^-1:3", "cd^4:3/(s·mol^2)"}) {
         const CUnitPtr unit = CUnit::fromString(text);
@@ -213,7 +213,7 @@ TEST(Growth, TextsAndFoldsFillNoCacheEntryExceptTheFirst) {
         unit->baseUnits();
         unit->getConverterTo(unit->getDimension());
     }
-    EXPECT_EQ(slots(), before);
+    EXPECT_EQ(cacheEntries(), before);
 }
 
 TEST(Growth, TheAlgebraOfAClientFillsTheCaches) {

@@ -49,10 +49,10 @@ bool isAsleep(pid_t id) {
     return end != std::string::npos && stat[end + 2] == 'S';
 }
 
-// Runs `action` in another thread while this one holds `held`. Calls `look` when that thread is
+// Runs `action` in another thread while this one holds `held`. Calls `whileWaiting` when that thread is
 // blocked. Returns false if it ends without blocking.
 bool whileItWaits(std::recursive_mutex& held, const std::function<void()>& action,
-                  const std::function<void()>& look) {
+                  const std::function<void()>& whileWaiting) {
     std::atomic<pid_t> id{0};
     std::atomic<bool> isDone{false};
     bool isWaiting = false;
@@ -69,7 +69,7 @@ bool whileItWaits(std::recursive_mutex& held, const std::function<void()>& actio
         }
         isWaiting = !isDone;
         if (isWaiting) {
-            look();
+            whileWaiting();
         }
     }
     thread.join();
@@ -156,10 +156,10 @@ TEST(LockOrder, FirstDimensionsAndFirstTextsLockOnlyTheTables) {
 TEST(LockOrder, ProductsAreBuiltWithBothLocksHeld) {
     const auto v = freshClientUnit();
     const CUnitPtr u = freshUnit(), unit = v;
-    std::vector<std::pair<bool, bool>> held;
+    std::vector<bool> areBothHeld;
     CUnitPtr receiver = u;
     v->Elements = [&]() -> std::vector<CUnitRationalPower> {
-        held.emplace_back(!isFree(CUnit::mutex()), !isFree(Inside::lookupMutex(receiver)));
+        areBothHeld.push_back(!isFree(CUnit::mutex()) && !isFree(Inside::lookupMutex(receiver)));
         return {CUnitRationalPower(unit, 1, 1)};
     };
     u->multiply(v);
@@ -169,8 +169,7 @@ TEST(LockOrder, ProductsAreBuiltWithBothLocksHeld) {
         v->pow(n);
         v->root(n);
     }
-    EXPECT_THAT(held,
-                ::testing::AllOf(::testing::SizeIs(10), ::testing::Each(std::pair(true, true))));
+    EXPECT_THAT(areBothHeld, ::testing::AllOf(::testing::SizeIs(10), ::testing::Each(true)));
     v->Elements = nullptr;
 }
 
@@ -194,48 +193,47 @@ TEST(LockOrder, CachedProductsAndDimensionsNeedAtMostOneLock) {
     }
 }
 
-// Two products of the same units. The test builds the first and computes the dimension of the
-// second.
-struct Meeting {
+// New units, and a product of them whose dimension has not been computed.
+struct NewUnits {
     CUnitPtr A = freshUnit(), B = freshUnit();
-    CUnitPtr Known = (A * 1000.0) / (B ^ 2);
-    CUnitPtr DimensionOfKnown = A / (B ^ 2);
+    CUnitPtr Product = (A * 1000.0) / (B ^ 2);
+    CUnitPtr Dimension = A / (B ^ 2);
 };
 
 constexpr int Threads = 4;
 constexpr int Rounds = 200;
 
-void multiplyAndDivide(const Meeting& meeting) {
-    const CUnitPtr product = meeting.A * meeting.B;
-    ASSERT_EQ(product / meeting.B, meeting.A);
-    ASSERT_EQ(meeting.B * meeting.A, product);
+void multiplyAndDivide(const NewUnits& units) {
+    const CUnitPtr product = units.A * units.B;
+    ASSERT_EQ(product / units.B, units.A);
+    ASSERT_EQ(units.B * units.A, product);
     ASSERT_EQ((product ^ -2)->root(-2), product);
 }
 
 // In each round half of the threads use the algebra of the units whose dimensions the others
 // compute.
-void hammer(const std::vector<Meeting>& meetings,
-            const std::function<void(const Meeting&)>& algebra) {
-    race(Threads, static_cast<int>(meetings.size()), [&](int thread, int round) {
-        const Meeting& meeting = meetings[static_cast<std::size_t>(round)];
+void runAlgebraAndDimensions(const std::vector<NewUnits>& rounds,
+                             const std::function<void(const NewUnits&)>& algebra) {
+    race(Threads, static_cast<int>(rounds.size()), [&](int thread, int round) {
+        const NewUnits& units = rounds[static_cast<std::size_t>(round)];
         if (thread % 2 == 0) {
-            algebra(meeting);
+            algebra(units);
         } else {
-            ASSERT_EQ(meeting.Known->getDimension(), meeting.DimensionOfKnown);
-            ASSERT_THAT(meeting.Known, ConvertsTo(meeting.DimensionOfKnown, 2.5, 2500.0));
+            ASSERT_EQ(units.Product->getDimension(), units.Dimension);
+            ASSERT_THAT(units.Product, ConvertsTo(units.Dimension, 2.5, 2500.0));
         }
     });
     EXPECT_EQ(test::brokenInvariant(), "");
 }
 
 TEST(LockOrder, NoDeadlockBetweenFirstTimeAlgebraAndFirstDimensions) {
-    hammer(std::vector<Meeting>(Rounds), multiplyAndDivide);
+    runAlgebraAndDimensions(std::vector<NewUnits>(Rounds), multiplyAndDivide);
 }
 
 TEST(LockOrder, NoDeadlockWhenFirstTimeAlgebraHoldsTheMutex) {
-    hammer(std::vector<Meeting>(Rounds), [](const Meeting& meeting) {
+    runAlgebraAndDimensions(std::vector<NewUnits>(Rounds), [](const NewUnits& units) {
         const Lock lock(CUnit::mutex());
-        multiplyAndDivide(meeting);
+        multiplyAndDivide(units);
     });
 }
 
