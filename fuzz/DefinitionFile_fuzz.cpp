@@ -46,7 +46,7 @@ std::vector<std::string> linesOf(std::string text) {
 
 // The line without its comment and the blanks at its ends.
 std::string definitionIn(const std::string& line) {
-    static const std::regex Comment("(^|[ \t])#.*$");
+    static const std::regex Comment("(^|[ \t])#[^]*$");
     static const std::regex Ends("^[ \t]+|[ \t]+$");
     return std::regex_replace(std::regex_replace(line, Comment, ""), Ends, "");
 }
@@ -69,7 +69,7 @@ double numberOf(const std::string& above, const std::string& below) {
 // Checks one line that was accepted; gives the name.
 std::string checkLine(const std::string& line, const CDefinitionFile& file) {
     static const std::string Number = "([0-9]*\\.?[0-9]*(?:[eE][+-]?[0-9]+)?)";
-    static const std::regex Form("^(?:replace[ \t]+)?(.*?)[ \t]*=[ \t]*(?:(base[ \t]+unit)|" +
+    static const std::regex Form("^(?:replace[ \t]+)?([^]*?)[ \t]*=[ \t]*(?:(base[ \t]+unit)|" +
                                  Number + "(?:/" + Number +
                                  ")?[ \t]*([^,]*?)[ \t]*(?:,[ \t]*zero[ \t]+at[ \t]*([^0-9.\\s]+)" +
                                  "[ \t]*" + Number + "(?:/" + Number + ")?[ \t]*([^,]*))?)$");
