@@ -195,8 +195,8 @@ public:
 
 private:
     struct COpenBracket {
-        std::uint16_t Position;
-        std::int8_t SignOutside;
+        std::size_t Position;
+        int SignOutside;
     };
 
     char peek() const { return m_At < m_Text.size() ? m_Text[m_At] : End; }
@@ -238,8 +238,7 @@ private:
             return refuse(eRefusal::TOO_DEEP, here(),
                           "more than 64 brackets stand inside each other");
         }
-        m_Brackets[m_Depth++] = {static_cast<std::uint16_t>(m_At),
-                                 static_cast<std::int8_t>(m_Sign)};
+        m_Brackets[m_Depth++] = {m_At, m_Sign};
         m_Sign *= sign;
         ++m_At;
         return true;

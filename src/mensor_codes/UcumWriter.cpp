@@ -7,6 +7,7 @@
 #include "mensor_codes/UcumWriter.h"
 
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <string>
 #include <utility>
@@ -299,7 +300,7 @@ private:
     static bool bases(const CSmallMeaning& meaning, std::vector<CPower>& powers) {
         constexpr std::size_t Order[] = {3, 4, 5, 2, 0, 1, 6, 7, 8, 9};  // kg first, then m
         for (const std::size_t slot : Order) {
-            const int halves = meaning.Halves[slot];
+            const std::int8_t halves = meaning.Halves[slot];
             if (halves % 2 != 0) {
                 return false;
             }
