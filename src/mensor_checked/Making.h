@@ -20,6 +20,7 @@
 #include "mensor/mensor_global.h"
 #include "mensor_checked/Verify.h"
 #include "mensor_checked/checked_export.h"
+#include "mensor_exact/Meaning.h"
 
 namespace mensor {
 namespace checked {
@@ -51,6 +52,14 @@ MENSOR_CHECKED_API CUnitPtr product(const CUnitPtr& left, const CUnitPtr& right)
 MENSOR_CHECKED_API CUnitPtr quotient(const CUnitPtr& left, const CUnitPtr& right);
 MENSOR_CHECKED_API CUnitPtr power(const CUnitPtr& unit, int n);
 MENSOR_CHECKED_API CUnitPtr root(const CUnitPtr& unit, int n);
+
+/// A unit with this meaning, as codes (mensor_codes/Codes.h) and the exact readers give it: a product of
+/// powers of base units, radian, steradian and bit, with the doubles nearest to factor and offset. Another
+/// dimension is the base unit with its name.
+///
+///     checked::unitOf(codes::read(codes::eSystem::UNECE, "KMH"));  // converts as km/h does
+/// @throws std::invalid_argument  also: factor or offset are beyond the range of doubles.
+MENSOR_CHECKED_API CUnitPtr unitOf(const exact::CMeaning& meaning);
 
 /// Labels `unit`; gives `unit`. The text must be a name (isName).
 ///
