@@ -26,9 +26,14 @@ struct Expression {
 
 std::map<int, std::vector<Expression>> expressions;
 
+// A radian, a steradian and a bit count as 1.
+bool haveSameSize(const CMeaning& a, const CMeaning& b) {
+    return a.isCompatibleWith(b) && a.factor() == b.factor() && a.offset() == b.offset();
+}
+
 void add(unsigned hash, const std::string& text, const CMeaning& meaning) {
     for (const Expression& other : expressions[static_cast<int>(hash)]) {
-        if (other.Meaning == meaning) {
+        if (haveSameSize(other.Meaning, meaning)) {
             return;  // the same by another name is no harm
         }
     }

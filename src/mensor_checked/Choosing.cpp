@@ -8,12 +8,15 @@
 #include <tuple>
 
 #include "mensor/UnitFormat.h"
-#include "mensor_checked/Differences.h"
+#include "mensor_checked/Converting.h"
 #include "mensor_checked/Lock.h"
 #include "mensor_checked/Meaning.h"
 #include "mensor_checked/Names.h"
+#include "mensor_checked/Rounding.h"
 #include "mensor_checked/Values.h"
 #include "mensor_checked/Words.h"
+#include "mensor_exact/Conversion.h"
+#include "mensor_exact/Spelling.h"
 
 namespace mensor {
 namespace checked {
@@ -22,8 +25,11 @@ namespace {
 
 bool isClose(double a, double b) { return std::fabs(a - b) <= 1e-12 * std::fabs(b); }
 
-bool isPowerOf1000(const CPrefix& prefix) {
-    return prefix.Factor >= 1000.0 || prefix.Factor <= 0.001;
+bool isPowerOf1000(const exact::CPrefix& prefix) { return prefix.Power % 3 == 0; }
+
+// How values of differences go from one unit to the other.
+exact::CConversion ratio(const CUnitPtr& from, const CUnitPtr& to) {
+    return {meaningOf(from).difference(), meaningOf(to).difference()};
 }
 
 std::set<CUnitPtr> namedUnits() {
@@ -34,24 +40,31 @@ std::set<CUnitPtr> namedUnits() {
     return units;
 }
 
+// Whether `unit` is of the size of `prefix` times `root`, but for the rounding of a client's own factors.
+bool isPrefixed(const CUnitPtr& unit, const exact::CPrefix& prefix, const CUnitPtr& root) {
+    const exact::CFactor ten(exact::CFraction(10));
+    const std::optional<CMeaning> meaning = tryMeaningOf(unit);
+    const std::optional<CMeaning> ofRoot = tryMeaningOf(root);
+    return meaning && ofRoot && areSame(*meaning, ofRoot->scaled(ten.power(prefix.Power)), unit);
+}
+
 // The unit named `prefix` and `name`, if it is `prefix` times the unit `root` of that name.
-CUnitPtr prefixedForm(const CPrefix& prefix, const std::string& name, const CUnitPtr& root) {
-    const CUnitPtr unit = unitNamed(mensor::toStdString(prefix.Symbol) + name);
-    const bool isForm = unit && !hasOffset(unit) &&
-                        meaningOf(unit) == meaningOf(root).scaled(prefix.Factor) && textOf(unit);
+CUnitPtr prefixedForm(const exact::CPrefix& prefix, const std::string& name, const CUnitPtr& root) {
+    const CUnitPtr unit = unitNamed(std::string(prefix.Symbol) + name);
+    const bool isForm = unit && !hasOffset(unit) && isPrefixed(unit, prefix, root) && textOf(unit);
     return isForm ? unit : nullptr;
 }
 
 // The unit without prefix of which `unit` is a prefixed form, and its name; `unit` itself if none.
 std::pair<CUnitPtr, std::string> rootOf(const CUnitPtr& unit, const std::string& text) {
-    for (const CPrefix& prefix : prefixes()) {
-        const std::string symbol = mensor::toStdString(prefix.Symbol);
+    for (const exact::CPrefix& prefix : exact::Prefixes) {
+        const std::string symbol = std::string(prefix.Symbol);
         if (text.size() <= symbol.size() || text.compare(0, symbol.size(), symbol) != 0) {
             continue;
         }
         const std::string name = text.substr(symbol.size());
         const CUnitPtr root = unitNamed(name);
-        if (root && !hasOffset(root) && meaningOf(unit) == meaningOf(root).scaled(prefix.Factor)) {
+        if (root && !hasOffset(root) && isPrefixed(unit, prefix, root)) {
             return {root, name};
         }
     }
@@ -63,15 +76,17 @@ std::pair<CUnitPtr, std::string> rootOf(const CUnitPtr& unit, const std::string&
 std::vector<CChoice> choicesFor(const CUnitPtr& unit) {
     requireUnit(unit, "choicesFor");
     const Lock lock;
+    unitNamed("psi");  // which the library names on demand
     const CMeaning meaning = meaningOf(unit);
     std::vector<CChoice> choices;
     for (const CUnitPtr& candidate : namedUnits()) {
         // The meaning is asked, too: the library tells dimensions apart by their hash codes alone.
-        if (!meaningOf(candidate).hasDimensionOf(meaning) || !unit->isCompatible(candidate)) {
+        const std::optional<CMeaning> own = tryMeaningOf(candidate);
+        if (!own || !own->isCompatibleWith(meaning) || !unit->isCompatible(candidate)) {
             continue;
         }
         if (auto text = textOf(candidate)) {
-            choices.push_back({candidate, std::move(*text), convertDifference(1, candidate, unit)});
+            choices.push_back({candidate, std::move(*text), ratio(candidate, unit).convert(1.0)});
         }
     }
     std::sort(choices.begin(), choices.end(), [](const CChoice& a, const CChoice& b) {
@@ -93,8 +108,8 @@ CUnitPtr readableUnit(double value, const CUnitPtr& unit) {
     const auto [root, name] = rootOf(unit, *text);
     std::vector<CUnitPtr> family;  // largest first
     bool isRootIn = false;
-    for (const CPrefix& prefix : prefixes()) {
-        if (!isRootIn && prefix.Factor < 1.0) {
+    for (const exact::CPrefix& prefix : exact::Prefixes) {
+        if (!isRootIn && prefix.Power < 0) {
             family.push_back(root);
             isRootIn = true;
         }
@@ -109,17 +124,18 @@ CUnitPtr readableUnit(double value, const CUnitPtr& unit) {
         return unit;
     }
     for (const CUnitPtr& member : family) {
-        const double converted = std::fabs(convertDifference(value, unit, member));
-        if (converted >= 1.0 || isClose(converted, 1.0)) {
+        const double converted = std::fabs(ratio(unit, member).convert(value));
+        if (std::isfinite(converted) && (converted >= 1.0 || isClose(converted, 1.0))) {
             return member;
         }
     }
-    return family.back();
+    return std::isfinite(ratio(unit, family.back()).convert(value)) ? family.back() : unit;
 }
 
 CValueWithUnit readable(const CValueWithUnit& value) {
     const Lock lock;
-    return value.convertTo(readableUnit(value.value(), value.unit()));
+    const CUnitPtr unit = readableUnit(value.value(), value.unit());
+    return {converter(value.unit(), unit)->convert(value.value()), unit};
 }
 
 }  // namespace checked

@@ -20,7 +20,7 @@ namespace checked {
 struct CChoice {
     CUnitPtr Unit;
     std::string Text;  ///< reads back as the same object
-    double Factor;     ///< its size in the unit that was asked about
+    double Factor;     ///< its size in the unit that was asked about, the double nearest to it
 };
 
 /// All units with a label or symbol that are compatible with `unit`, by size, then by text. Units
@@ -40,7 +40,7 @@ MENSOR_CHECKED_API std::vector<CChoice> choicesFor(const CUnitPtr& unit);
 /// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
 MENSOR_CHECKED_API CUnitPtr readableUnit(double value, const CUnitPtr& unit);
 
-/// `value` converted to its readableUnit.
+/// `value` converted to its readableUnit, rounded once (Converting.h). A finite value stays finite.
 /// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
 MENSOR_CHECKED_API CValueWithUnit readable(const CValueWithUnit& value);
 

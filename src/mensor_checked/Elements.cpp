@@ -7,12 +7,14 @@
 namespace mensor {
 namespace checked {
 
-void multiplyInto(std::vector<CElement>& product, const CUnitPtr& unit, const CRational& exponent) {
+using exact::CExponent;
+
+void multiplyInto(std::vector<CElement>& product, const CUnitPtr& unit, CExponent exponent) {
     const std::vector<CUnitRationalPower> elements = unit->elements();
     product.reserve(product.size() + elements.size());
     for (const CUnitRationalPower& element : elements) {
         const CUnitPtr part = element.getUnit();
-        const CRational power = CRational(element.getPow(), element.getRoot()) * exponent;
+        const CExponent power = CExponent(element.getPow(), element.getRoot()) * exponent;
         const auto known = std::find_if(product.begin(), product.end(),
                                         [&](const CElement& e) { return e.Unit == part; });
         if (known == product.end()) {
@@ -26,7 +28,7 @@ void multiplyInto(std::vector<CElement>& product, const CUnitPtr& unit, const CR
 bool haveSameElements(const std::vector<CElement>& a, const std::vector<CElement>& b) {
     std::size_t present = 0;
     for (const CElement& mine : a) {
-        if (mine.Exponent == CRational(0)) {
+        if (mine.Exponent.isZero()) {
             continue;
         }
         ++present;
@@ -37,8 +39,8 @@ bool haveSameElements(const std::vector<CElement>& a, const std::vector<CElement
             return false;
         }
     }
-    const auto inB = std::count_if(
-        b.begin(), b.end(), [](const CElement& other) { return other.Exponent != CRational(0); });
+    const auto inB = std::count_if(b.begin(), b.end(),
+                                   [](const CElement& other) { return !other.Exponent.isZero(); });
     return present == static_cast<std::size_t>(inB);
 }
 

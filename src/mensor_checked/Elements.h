@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "mensor/Unit.h"
-#include "mensor_checked/Meaning.h"
+#include "mensor_exact/Exponent.h"
 
 namespace mensor {
 namespace checked {
@@ -13,11 +13,12 @@ namespace checked {
 /// A unit to a power, as products of units are made of.
 struct CElement {
     CUnitPtr Unit;
-    CRational Exponent;
+    exact::CExponent Exponent;
 };
 
 /// Multiplies `unit` to the power `exponent` into a product, element by element.
-void multiplyInto(std::vector<CElement>& product, const CUnitPtr& unit, const CRational& exponent);
+/// @throws exact::CError  EXPONENT_RANGE.
+void multiplyInto(std::vector<CElement>& product, const CUnitPtr& unit, exact::CExponent exponent);
 
 /// Whether both are the same product, whatever the order. Products of the same elements mean the same,
 /// without any computing, and are written alike.

@@ -1,44 +1,73 @@
 #include "mensor_checked/Faults.h"
 
+#include <cmath>
+
+#include "mensor_checked/Rounding.h"
+#include "mensor_checked/Words.h"
+
 namespace mensor {
 namespace checked {
 
 namespace {
+
+using exact::CFactor;
+using exact::CFraction;
 
 // What `meaning` is, without offset, where base units are mapped onto others by
 // CBaseUnit::setDimension; none where none of its base units is.
 std::optional<CMeaning> mapped(const CMeaning& meaning) {
     CMeaning product;
     bool isMapped = false;
-    for (const CExponent& exponent : meaning.exponents()) {
-        CMeaning factor = CMeaning::base(exponent.Base);
-        const CUnitPtr base = CUnit::searchSymbol(exponent.Base);
+    for (const exact::CPower& power : meaning.dimensions()) {
+        CMeaning factor = CMeaning::base(power.Name);
+        const CUnitPtr base = CUnit::searchSymbol(power.Name);
         const CUnitPtr dimension = base ? base->getCtxDimension() : nullptr;
         if (dimension && dimension != base) {
             isMapped = true;
-            factor = meaningOf(dimension).scaled(base->getCtxToDimension()->derivative(0.0));
+            const double slope = base->getCtxToDimension()->derivative(0.0);
+            factor = meaningOf(dimension).difference().scaled(CFactor(CFraction::ofDouble(slope)));
         }
-        product = product * factor.power(exponent.Exponent);
+        product = product * factor.power(power.Exponent);
     }
     return isMapped ? std::optional<CMeaning>(product.scaled(meaning.factor())) : std::nullopt;
 }
 
+// What a unit means that is converted to `dimension` like this.
+std::string known(const CRounded& given, const CMeaning& meaning, const CMeaning& dimension) {
+    if (!std::isnormal(given.Slope) || given.Slope < 0 || !std::isfinite(given.Zero)) {
+        return shortest(given.Slope) + " " + dimension.unitsText();
+    }
+    const double factor = meaning.factor().toDouble();
+    const bool isFactorRight =
+        std::fabs(given.Slope - factor) <= given.Roundings * 0x1p-53 * factor;
+    const CFactor slope =
+        isFactorRight ? meaning.factor() : CFactor(CFraction::ofText(shortest(given.Slope)));
+    const CMeaning scaled = dimension.difference().scaled(slope);
+    return given.Zero == 0.0 ? scaled.toString()
+                             : scaled.toString() + (given.Zero < 0 ? " - " : " + ") +
+                                   shortest(std::fabs(given.Zero));
+}
+
 }  // namespace
 
-std::optional<CDimensionFault> dimensionFault(const CUnitPtr& unit, const CMeaning& meaning) {
+std::optional<CFault> faultOf(const CUnitPtr& unit, const CMeaning& meaning) {
     const CUnitPtr dimension = unit->getDimension();
-    const CConverterPtr converter = unit->getCtxToDimension();
-    CMeaning known =
-        meaningOf(dimension).shifted(converter->convert(0.0)).scaled(converter->derivative(0.0));
+    const std::optional<CMeaning> target = tryMeaningOf(dimension);
+    if (!target) {
+        return CFault{dimension, "no unit"};
+    }
+    CRounded given = roundedToDimension(unit);
     CMeaning expected = meaning;
     if (const auto other = mapped(meaning)) {
         expected = *other;
-        known = known.power(1);  // how offsets go through a mapping is the client's affair
+        given.Zero = given.ZeroSize =
+            0.0;  // how offsets go through a mapping is the client's affair
     }
-    if (known == expected) {
+    const bool isDimensionRight = expected.isCompatibleWith(*target);
+    if (isDimensionRight && converts(given, expected, *target)) {
         return std::nullopt;
     }
-    return CDimensionFault{dimension, known};
+    return CFault{isDimensionRight ? nullptr : dimension, known(given, meaning, *target)};
 }
 
 }  // namespace checked

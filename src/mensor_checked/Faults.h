@@ -3,6 +3,7 @@
 #define MENSOR_CHECKED_FAULTS_H
 
 #include <optional>
+#include <string>
 
 #include "mensor/Unit.h"
 #include "mensor_checked/Meaning.h"
@@ -10,15 +11,16 @@
 namespace mensor {
 namespace checked {
 
-/// A unit that the library would convert wrongly.
-struct CDimensionFault {
-    CUnitPtr Dimension;  ///< what the library takes for its dimension
-    CMeaning Known;      ///< what the unit means by that dimension and the converter to it
+/// How the library would convert a unit wrongly.
+struct CFault {
+    CUnitPtr Dimension;  ///< what the library takes for its dimension, if that is another one's
+    std::string Known;   ///< what the unit means by its dimension and the converter to it
 };
 
 /// Compares the dimension of `unit` and the converter to it with `meaning`, its meaning, in the
-/// current context. Passes on what the library throws. The caller holds the lock.
-std::optional<CDimensionFault> dimensionFault(const CUnitPtr& unit, const CMeaning& meaning);
+/// current context, within the stated rounding (Rounding.h). Passes on what the library throws. The
+/// caller holds the lock.
+std::optional<CFault> faultOf(const CUnitPtr& unit, const CMeaning& meaning);
 
 }  // namespace checked
 }  // namespace mensor

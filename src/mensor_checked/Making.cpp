@@ -23,6 +23,10 @@ namespace checked {
 
 namespace {
 
+using exact::CExponent;
+using exact::CFactor;
+using exact::CFraction;
+
 std::string requireName(const string_t& text, const char* function) {
     std::string name = mensor::toStdString(text);
     if (!isName(name)) {
@@ -32,9 +36,30 @@ std::string requireName(const string_t& text, const char* function) {
     return name;
 }
 
-void requireNumber(double x, bool isAllowed, const char* function) {
-    if (!std::isfinite(x) || !isAllowed) {
-        throw std::invalid_argument(std::string(function) + ": " + shortest(x) + " makes no unit");
+[[noreturn]] void refuseNumber(double x, const char* function) {
+    throw std::invalid_argument(std::string(function) + ": " + shortest(x) + " makes no unit");
+}
+
+CFraction requireOffset(double x, const char* function) {
+    if (!std::isfinite(x)) {
+        refuseNumber(x, function);
+    }
+    return CFraction::ofDouble(x);
+}
+
+CFactor requireFactor(double x, const char* function) {
+    if (!std::isfinite(x) || x <= 0.0) {
+        refuseNumber(x, function);
+    }
+    return CFactor(CFraction::ofDouble(x));
+}
+
+// Asked before anything is built: what is built stays.
+void requireRange(const CMeaning& meaning, const char* function) {
+    if (!std::isnormal(meaning.factor().toDouble()) ||
+        !std::isfinite(meaning.offset().toDouble())) {
+        throw std::invalid_argument(std::string(function) +
+                                    ": a unit of this size is beyond the range of numbers");
     }
 }
 
@@ -52,14 +77,14 @@ void requireFree(const std::string& name, const CUnitPtr& unit) {
     const CUnitPtr holder = unitNamed(name);
     if (holder && holder != unit) {
         throw CIdentityError("the name " + quoted(name) + " belongs to " + describe(holder) +
-                                 ", which means " + quoted(meaningOf(holder).toString()),
+                                 ", which means " + meaningInWords(holder),
                              holder);
     }
 }
 
 [[noreturn]] void throwInTheWay(const std::string& wanted, const CUnitPtr& inTheWay) {
     throw CIdentityError(wanted + " is the same object as " + describe(inTheWay) +
-                             " here, which means " + quoted(meaningOf(inTheWay).toString()),
+                             " here, which means " + meaningInWords(inTheWay),
                          inTheWay);
 }
 
@@ -80,10 +105,10 @@ CUnitPtr requireMeaning(const CUnitPtr& unit, const CUnitPtr& parent, double slo
         const unsigned hash = static_cast<unsigned>(system->hashCode()) +
                               static_cast<unsigned>(floatToIntBits(static_cast<float>(toSystem)));
         if (const CUnitPtr inTheWay = CUnit::searchHashCode(static_cast<int>(hash))) {
-            throwInTheWay(quoted(meaning.toString()), inTheWay);
+            throwInTheWay(inWords(meaning), inTheWay);
         }
-        throw CIdentityError(
-            quoted(meaning.toString()) + " is the same object as another unit here", nullptr);
+        throw CIdentityError(inWords(meaning) + " is the same object as another unit here",
+                             nullptr);
     }
     verify(unit, meaning);
     return unit;
@@ -94,27 +119,48 @@ CUnitPtr requireElements(const CUnitPtr& unit, const std::vector<CElement>& elem
     std::vector<CElement> given;
     multiplyInto(given, unit, 1);
     if (!haveSameElements(systemElements(given), systemElements(elements))) {
-        throwInTheWay(quoted(meaning.toString()), unit);
+        throwInTheWay(inWords(meaning), unit);
     }
     verify(unit, meaning);
     return unit;
+}
+
+// An alternate unit stands for the base units alone.
+CMeaning withoutMarks(CMeaning meaning) {
+    for (const exact::CPower& mark : meaning.marks()) {
+        meaning = meaning / CMeaning::base(mark.Name).power(mark.Exponent);
+    }
+    return meaning;
 }
 
 CUnitPtr productOf(const CUnitPtr& left, const CUnitPtr& right, int sign, const char* function) {
     requireSize(left, function);
     requireSize(right, function);
     const Lock lock;
+    const CMeaning meaning = meaningOf(left) * meaningOf(right).power(sign);
+    requireRange(meaning, function);
     std::vector<CElement> elements;
     multiplyInto(elements, left, 1);
     multiplyInto(elements, right, sign);
     return requireElements(sign > 0 ? left->multiply(right) : left->divide(right), elements,
-                           meaningOf(left) * meaningOf(right).power(sign));
+                           meaning);
 }
 
-CUnitPtr powerOf(const CUnitPtr& unit, const CUnitPtr& raised, const CRational& exponent) {
+template <class Raise>
+CUnitPtr powerOf(const CUnitPtr& unit, CExponent exponent, const char* function, Raise raise) {
+    const CMeaning meaning = meaningOf(unit).power(exponent);
+    requireRange(meaning, function);
     std::vector<CElement> elements;
     multiplyInto(elements, unit, exponent);
-    return requireElements(raised, elements, meaningOf(unit).power(exponent));
+    return requireElements(raise(), elements, meaning);
+}
+
+// Builds on `unit`, with a converter of this slope, what means `meaning`.
+template <class Build>
+CUnitPtr transformed(const CUnitPtr& unit, double slope, const CMeaning& meaning,
+                     const char* function, Build build) {
+    requireRange(meaning, function);
+    return requireMeaning(build(), unit, slope, meaning);
 }
 
 }  // namespace
@@ -137,34 +183,36 @@ CUnitPtr alternateUnit(const string_t& symbol, const CUnitPtr& parent) {
     const std::string name = requireName(symbol, "alternateUnit");
     requireFree(name, CUnit::searchSymbol(symbol));
     const CUnitPtr unit = requireSymbol(parent->alternate(symbol), symbol);
-    verify(unit, meaningOf(parent));
+    verify(unit, withoutMarks(meaningOf(parent)));
     return unit;
 }
 
 CUnitPtr scaled(const CUnitPtr& unit, double factor) {
     requireUnit(unit, "scaled");
-    requireNumber(factor, factor != 0.0, "scaled");
+    const CFactor exactly = requireFactor(factor, "scaled");
     if (factor == 1.0) {
         return unit;
     }
     const Lock lock;
-    return requireMeaning(unit->multiply(factor), unit, factor, meaningOf(unit).scaled(factor));
+    return transformed(unit, factor, meaningOf(unit).scaled(exactly), "scaled",
+                       [&] { return unit->multiply(factor); });
 }
 
 CUnitPtr shifted(const CUnitPtr& unit, double offset) {
     requireUnit(unit, "shifted");
-    requireNumber(offset, true, "shifted");
+    const CFraction exactly = requireOffset(offset, "shifted");
     if (offset == 0.0) {
         return unit;
     }
     const Lock lock;
-    return requireMeaning(unit->add(offset), unit, 1.0, meaningOf(unit).shifted(offset));
+    return transformed(unit, 1.0, meaningOf(unit).shifted(exactly), "shifted",
+                       [&] { return unit->add(offset); });
 }
 
 CUnitPtr affine(const CUnitPtr& unit, double factor, double offset) {
     requireUnit(unit, "affine");
-    requireNumber(factor, factor != 0.0, "affine");
-    requireNumber(offset, true, "affine");
+    const CFactor exactFactor = requireFactor(factor, "affine");
+    const CFraction exactOffset = requireOffset(offset, "affine");
     if (factor == 1.0) {
         return shifted(unit, offset);
     }
@@ -172,10 +220,12 @@ CUnitPtr affine(const CUnitPtr& unit, double factor, double offset) {
         return scaled(unit, factor);
     }
     const Lock lock;
-    const auto converter = std::make_shared<CCompound>(std::make_shared<CMultiplyConverter>(factor),
-                                                       std::make_shared<CAddConverter>(offset));
-    return requireMeaning(CTransformedUnit::getInstance(unit, converter), unit, factor,
-                          meaningOf(unit).shifted(offset).scaled(factor));
+    return transformed(
+        unit, factor, meaningOf(unit).shifted(exactOffset).scaled(exactFactor), "affine", [&] {
+            return CTransformedUnit::getInstance(
+                unit, std::make_shared<CCompound>(std::make_shared<CMultiplyConverter>(factor),
+                                                  std::make_shared<CAddConverter>(offset)));
+        });
 }
 
 CUnitPtr product(const CUnitPtr& left, const CUnitPtr& right) {
@@ -189,14 +239,16 @@ CUnitPtr quotient(const CUnitPtr& left, const CUnitPtr& right) {
 CUnitPtr power(const CUnitPtr& unit, int n) {
     requireSize(unit, "power");
     const Lock lock;
-    return powerOf(unit, unit->pow(n), n);
+    return powerOf(unit, n, "power", [&] { return unit->pow(n); });
 }
 
 CUnitPtr root(const CUnitPtr& unit, int n) {
     requireSize(unit, "root");
     const Lock lock;
-    const CUnitPtr raised = unit->root(n);  // refuses an order of zero
-    return powerOf(unit, raised, CRational(1, n));
+    if (n == 0) {
+        return unit->root(n);  // refuses it
+    }
+    return powerOf(unit, CExponent(1, n), "root", [&] { return unit->root(n); });
 }
 
 CUnitPtr label(const CUnitPtr& unit, const string_t& text) {

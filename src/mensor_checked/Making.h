@@ -32,7 +32,7 @@ MENSOR_CHECKED_API CUnitPtr baseUnit(const string_t& symbol);
 /// stands for something else.
 MENSOR_CHECKED_API CUnitPtr alternateUnit(const string_t& symbol, const CUnitPtr& parent);
 
-/// The unit of the size of `factor` of `unit`, which must be finite and not zero.
+/// The unit of the size of `factor` of `unit`, which must be finite and above zero.
 ///
 /// The offset of `unit` stays where it is: a thousand degrees Celsius to the unit is refused where
 /// the library would give the thousandfold kelvin.

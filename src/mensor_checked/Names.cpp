@@ -3,9 +3,12 @@
 #include <unordered_map>
 #include <utility>
 
+#include "mensor/NonSI.h"
 #include "mensor/ProductUnit.h"
 #include "mensor/TransformedUnit.h"
 #include "mensor/UnitFormat.h"
+#include "mensor_checked/Meaning.h"
+#include "mensor_exact/Definitions.h"
 #include "mensor_exact/Spelling.h"
 
 namespace mensor {
@@ -21,8 +24,23 @@ bool startsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;
 }
 
+// Whether the unit with this name is a litre, with its prefix.
+bool isLitre(const CUnitPtr& unit, std::string_view name) {
+    const auto row = exact::CCatalogue::builtIn().meaning(name);
+    return row && tryMeaningOf(unit) == row;
+}
+
+CUnitPtr registeredUnit(std::string_view name) {
+    CUnitPtr unit = exact::lookUpSpellings(name, [name](std::string_view spelling) {
+        const CUnitPtr found = lookUp(spelling);
+        const bool isFolded = name.back() == 'L' && spelling.back() == 'l';
+        return found && isFolded && !isLitre(found, spelling) ? nullptr : found;
+    });
+    return unit == nullptr && name == "One" ? CProductUnit::one() : unit;
+}
+
 CName makeName(std::string_view name) {
-    CName known{unitNamed(name), lookUp(name) != nullptr, false, std::nullopt};
+    CName known{registeredUnit(name), lookUp(name) != nullptr, false, std::nullopt};
     if (known.Unit) {
         known.HasOffset = hasOffset(known.Unit);
         known.Prefixed = prefixedOffset(name, known.Unit);
@@ -30,7 +48,8 @@ CName makeName(std::string_view name) {
     return known;
 }
 
-// Never destroyed: threads and the statics of clients may still read units while the process ends. Names that the library does not know, or not by this spelling, are not
+// Never destroyed: threads and the statics of clients may still read units while the process ends.
+// Names that the library does not know, or not by this spelling, are not
 // kept: a new symbol may make them known, and does not change the version.
 std::unordered_map<std::string, CName>& keptNames = *new std::unordered_map<std::string, CName>;
 unsigned versionOfNames = 0;
@@ -39,9 +58,10 @@ CName& passingName = *new CName;
 }  // namespace
 
 CUnitPtr unitNamed(std::string_view name) {
-    CUnitPtr unit = exact::lookUpSpellings(name, lookUp);
-    return unit == nullptr && name == "One" ? CProductUnit::one() : unit;
+    return isLateName(name) ? NonSI::Psi() : registeredUnit(name);
 }
+
+bool isLateName(std::string_view name) { return name == "psi" && lookUp(name) == nullptr; }
 
 bool hasOffset(const CUnitPtr& unit) {
     const auto* transformed = dynamic_cast<CTransformedUnit*>(unit.get());

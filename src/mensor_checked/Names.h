@@ -19,7 +19,11 @@ namespace checked {
 ///
 /// What the library knows by exactly this name comes first. Then the name in the library's own
 /// spelling: characters that Unicode has twice, "L" for the litre, and "One", which the library
-/// prints for the dimensionless unit but does not read.
+/// prints for the dimensionless unit but does not read. "ML" is only the unit "Ml" if that is the
+/// megalitre: a client's own "Ml" keeps its one spelling.
+///
+/// The library has no "psi" before NonSI::Psi() is called, which this function does when it is asked
+/// for that name.
 CUnitPtr unitNamed(std::string_view name);
 
 /// Whether `unit` is a scale with a zero of its own, as the degree Celsius.
@@ -43,8 +47,11 @@ struct CName {
 };
 
 /// The same, remembered while the library's names stay as they are; none if there is no such name.
-/// Good until the next call.
+/// Good until the next call. Changes nothing in the library: "psi" may have no unit yet (isLateName).
 const CName* knownName(std::string_view name);
+
+/// Whether unitNamed would have the library make and name a unit.
+bool isLateName(std::string_view name);
 
 /// Adds all known names but those of scales that have lost their offset.
 void addNamesTo(exact::CNearestNames& nearest);

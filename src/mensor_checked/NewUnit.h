@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "mensor/Unit.h"
+#include "mensor_checked/Meaning.h"
 
 namespace mensor {
 namespace checked {
@@ -19,6 +20,7 @@ struct CDefinition {
     CUnitPtr Unit;
     double Offset;
     bool IsAlternate = false;
+    const CMeaning* Row = nullptr;  ///< of a pack: what the unit means exactly
 };
 
 /// The names given since it began, which it takes back unless it is told to keep them.

@@ -7,10 +7,12 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "mensor_checked/Lock.h"
 #include "mensor_checked/NewUnit.h"
 #include "mensor_checked/Reading.h"
+#include "mensor_checked/Rows.h"
 #include "mensor_checked/Verify.h"
 #include "mensor_checked/Words.h"
 #include "mensor_exact/Conversion.h"
@@ -36,7 +38,7 @@ constexpr CPackRow Rows[] = {
     {ePack::COUNTING, exact::ePack::COUNTING},
 };
 
-const CPackRow& rowOf(ePack pack) {
+const CPackRow& packRow(ePack pack) {
     for (const CPackRow& row : Rows) {
         if (row.Pack == pack) {
             return row;
@@ -82,17 +84,15 @@ bool isIn(const std::string_view (&symbols)[N], std::string_view symbol) {
     return std::find(std::begin(symbols), std::end(symbols), symbol) != std::end(symbols);
 }
 
-// What the unit is built on: "K" for "5/9 K, offset 459.67", "One" for a number alone.
-std::string_view unitUnder(const exact::CDefinition& definition) {
+// What the unit is built on.
+std::string_view baseOf(const exact::CDefinition& definition) {
     for (const CBuiltOn& row : BuiltOn) {
         if (isIn(row.Symbols, definition.Name)) {
             return row.Unit;
         }
     }
-    const std::string_view text = definition.Text.substr(0, definition.Text.find(','));
-    const bool hasNumber = text[0] >= '0' && text[0] <= '9';
-    const std::size_t space = text.find(' ');
-    return !hasNumber ? text : space == std::string_view::npos ? "One" : text.substr(space + 1);
+    const std::string_view unit = unitUnder(definition.Text);
+    return unit.empty() ? "One" : unit;
 }
 
 CPackUnit unitOf(const CPackRow& pack, const exact::CDefinition& definition,
@@ -103,7 +103,7 @@ CPackUnit unitOf(const CPackRow& pack, const exact::CDefinition& definition,
     unit.Definition = definition.Text;
     unit.Name = definition.English;
     unit.Source = definition.Source;
-    unit.Unit = unitUnder(definition);
+    unit.Unit = baseOf(definition);
     unit.IsAlternate = isIn(Alternates, definition.Name);
     const exact::CConversion conversion(
         *catalogue.meaning(definition.Name),
@@ -126,10 +126,10 @@ exact::CCatalogue catalogueOf(const CPackRow& pack) {
                          inTheWay);
 }
 
-void define(CNaming& naming, const CPackUnit& row) {
+CUnitPtr define(CNaming& naming, const CPackUnit& row, const CMeaning& meaning) {
     try {
-        naming.define(
-            {std::string(row.Symbol), row.Factor, readUnit(row.Unit), row.Offset, row.IsAlternate});
+        return naming.define({std::string(row.Symbol), row.Factor, readUnit(row.Unit), row.Offset,
+                              row.IsAlternate, &meaning});
     } catch (const CIdentityError& e) {
         refuse(row, e, e.inTheWay());
     } catch (const std::bad_alloc&) {
@@ -189,9 +189,9 @@ const std::vector<ePack>& allPacks() {
     return Packs;
 }
 
-const char* nameOf(ePack pack) { return exact::nameOf(rowOf(pack).Definitions); }
+const char* nameOf(ePack pack) { return exact::nameOf(packRow(pack).Definitions); }
 
-const char* descriptionOf(ePack pack) { return exact::descriptionOf(rowOf(pack).Definitions); }
+const char* descriptionOf(ePack pack) { return exact::descriptionOf(packRow(pack).Definitions); }
 
 std::optional<ePack> packNamed(std::string_view name) {
     for (const CPackRow& row : Rows) {
@@ -203,16 +203,23 @@ std::optional<ePack> packNamed(std::string_view name) {
 }
 
 void registerPack(ePack pack) {
-    rowOf(pack);
+    packRow(pack);
     const Lock lock;
     if (pack == ePack::US || pack == ePack::IMPERIAL) {
         registerPack(ePack::CUSTOMARY);
     }
+    const exact::CCatalogue catalogue = catalogueOf(packRow(pack));
+    std::vector<std::pair<CUnitPtr, CMeaning>> rows;
     CNaming naming;
     for (const CPackUnit& row : packUnits()) {
         if (row.Pack == pack) {
-            define(naming, row);
+            CMeaning meaning = *catalogue.meaning(row.Symbol);
+            const CUnitPtr unit = define(naming, row, meaning);
+            rows.emplace_back(unit, std::move(meaning));
         }
+    }
+    for (const auto& [unit, meaning] : rows) {
+        setRow(unit, meaning);
     }
     naming.keep();
 }

@@ -16,27 +16,32 @@ class CRegistryNames final : public exact::CResolver {
 public:
     std::uint32_t find(std::string_view name) override {
         const CName* const known = knownName(name);
-        if (known == nullptr) {
+        if (known == nullptr && !isLateName(name)) {
             return None;
         }
-        m_Found.push_back({known->Unit,
-                           known->Unit,
-                           {},
-                           known->IsExact,
-                           known->HasOffset,
-                           known->Prefixed.has_value()});
+        // A unit that the library has yet to make is made when the whole text has been parsed.
+        m_Found.push_back(known != nullptr ? CFactor{known->Unit,
+                                                     known->Unit,
+                                                     {},
+                                                     known->IsExact,
+                                                     known->HasOffset,
+                                                     known->Prefixed.has_value()}
+                                           : CFactor{nullptr, nullptr, {}, true, false, false});
         return static_cast<std::uint32_t>(m_Found.size());
     }
 
     void addNamesTo(exact::CNearestNames& nearest) override { checked::addNamesTo(nearest); }
 
     // What is found is in the order of the factors.
-    std::vector<CFactor> take(const exact::CNamedFactors& factors) {
+    std::vector<CFactor> take(const exact::CNamedFactors& factors, std::string_view text) {
         for (const exact::CNamedFactor& factor : factors) {
             CFactor& found = m_Found[factor.Unit - 1];
             found.Name = factor.Name;
             found.Pow = factor.Pow;
             found.Root = factor.Root;
+            if (!found.Unit) {
+                found.Unit = found.Named = unitNamed(factor.Name.of(text));
+            }
         }
         return std::move(m_Found);
     }
@@ -54,7 +59,7 @@ std::vector<CFactor> factorsOf(std::string_view text, const CReadOptions& option
     if (!exact::parse(text, 0, options.Dimensionless, names, factors, refusal)) {
         throw Refused{exact::diagnose(refusal, names)};
     }
-    return names.take(factors);
+    return names.take(factors, text);
 }
 
 }  // namespace checked

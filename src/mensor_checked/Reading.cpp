@@ -21,5 +21,18 @@ CUnitPtr readUnit(std::string_view text, const CReadOptions& options) {
     return reading.Unit;
 }
 
+CMeaningReading tryReadMeaning(std::string_view text, const CReadOptions& options) {
+    const Lock lock;
+    return readForMeaning(text, options);
+}
+
+CMeaning readMeaning(std::string_view text, const CReadOptions& options) {
+    CMeaningReading reading = tryReadMeaning(text, options);
+    if (reading.Refusal) {
+        throw CReadError(std::move(*reading.Refusal));
+    }
+    return *std::move(reading.Meaning);
+}
+
 }  // namespace checked
 }  // namespace mensor

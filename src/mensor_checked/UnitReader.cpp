@@ -18,13 +18,20 @@
 #include "mensor_checked/Memory.h"
 #include "mensor_checked/Names.h"
 #include "mensor_checked/Parsing.h"
+#include "mensor_checked/Rounding.h"
 #include "mensor_checked/Words.h"
-#include "mensor_exact/Parser.h"
+#include "mensor_exact/Error.h"
 
 namespace mensor {
 namespace checked {
 
 namespace {
+
+using exact::CExponent;
+
+// Where there is no object for a unit, there is its meaning.
+constexpr const char* OtherWay =
+    "; its values convert by checked::readMeaning and checked::converter";
 
 class CReader {
 public:
@@ -32,12 +39,13 @@ public:
         : m_Text(text), m_Options(options), m_Factors(factorsOf(text, options)) {}
 
     CReading read(bool isKept) {
-        checkScales();
+        meaning();
+        requireRange();
         // A name stands for its unit as it is, whatever the exponents in it.
         const CUnitPtr unit = isAlone() ? m_Factors[0].Unit : product();
         CMemory& memory = CMemory::instance(m_Options);
         if (!memory.isSound(unit)) {
-            checkDimension(unit);
+            checkConversion(unit);
             memory.setSound(unit);
         }
         if (isKept || memory.isWorth(m_Text)) {
@@ -45,6 +53,13 @@ public:
         }
         return {unit, std::nullopt, std::move(m_Notes)};
     }
+
+    const CMeaning& meaning() {
+        checkScales();
+        return m_Meaning = calculate();
+    }
+
+    std::vector<std::string> notes() { return std::move(m_Notes); }
 
 private:
     bool isAlone() const {
@@ -81,7 +96,7 @@ private:
         }
         factor.Unit = difference;
         m_Notes.push_back(quoted(name) + " is read as a difference, " +
-                          quoted(meaningOf(difference).power(1).toString()));
+                          inWords(meaningOf(difference).difference()));
     }
 
     // The unit of differences on the scale of `unit`, none if the library has none. Identity ignores
@@ -98,7 +113,7 @@ private:
 
     void checkPrefixedOffset(const CFactor& factor, const std::string& name,
                              const CPrefixedOffset& prefixed) {
-        const std::string size = quoted(meaningOf(factor.Unit).toString());
+        const std::string size = meaningInWords(factor.Unit);
         const bool isAmbiguous = !isAlone() && unitNamed(prefixed.Prefix);  // "W/m°C"
         if (m_Options.Differences && !isAmbiguous) {
             m_Notes.push_back(quoted(name) + " is read as a difference, " + size);
@@ -121,39 +136,51 @@ private:
     }
 
     // What the text means, from its factors alone.
-    CMeaning meaning() const {
-        if (isAlone()) {
-            return meaningOf(m_Factors[0].Unit);
-        }
+    CMeaning calculate() const {
         CMeaning product;
         for (const CFactor& factor : m_Factors) {
-            product = product * meaningOf(factor.Unit).power(CRational(factor.Pow, factor.Root));
-        }
-        return product;
-    }
-
-    CUnitPtr product() {
-        const std::vector<CElement> elements = this->elements();
-        CUnitPtr unit = build(elements);
-        checkIdentity(unit, elements);
-        return unit;
-    }
-
-    std::vector<CElement> elements() const {
-        std::vector<CElement> product;
-        for (const CFactor& factor : m_Factors) {
-            multiplyInto(product, factor.Unit, CRational(factor.Pow, factor.Root));
-            for (const CElement& element : product) {
-                const std::int64_t pow = element.Exponent.numerator();
-                if (pow > exact::LargestExponent || pow < -exact::LargestExponent ||
-                    element.Exponent.denominator() > exact::LargestExponent) {
-                    refuse(eRefusal::EXPONENT_RANGE, factor.Name,
-                           "here the exponents of " + describe(element.Unit) +
-                               " come together to one beyond 99");
+            try {
+                const CMeaning unit = meaningOf(factor.Unit);
+                if (isAlone()) {
+                    return unit;
                 }
+                product = product * unit.difference().power(CExponent(factor.Pow, factor.Root));
+            } catch (const exact::CError& error) {
+                refuseMeaning(factor, error);
             }
         }
         return product;
+    }
+
+    [[noreturn]] void refuseMeaning(const CFactor& factor, const exact::CError& error) const {
+        if (error.code() == exact::eError::EXPONENT_RANGE) {
+            refuse(eRefusal::EXPONENT_RANGE, factor.Name,
+                   "here the exponents of " + quoted(nameOf(factor)) +
+                       " come together to one beyond 99");
+        }
+        refuse(eRefusal::FACTOR_RANGE, isAlone() ? factor.Name : whole(),
+               std::string("the size of this unit is no number to count with: ") + error.what());
+    }
+
+    void requireRange() const {
+        if (!std::isnormal(m_Meaning.factor().toDouble())) {
+            refuse(eRefusal::FACTOR_RANGE, whole(),
+                   "a unit of this size is beyond the range of numbers");
+        }
+    }
+
+    CUnitPtr product() {
+        std::vector<CElement> elements;
+        for (const CFactor& factor : m_Factors) {
+            try {
+                multiplyInto(elements, factor.Unit, CExponent(factor.Pow, factor.Root));
+            } catch (const exact::CError& error) {
+                refuseMeaning(factor, error);
+            }
+        }
+        CUnitPtr unit = build(elements);
+        checkIdentity(unit, elements);
+        return unit;
     }
 
     // Made of all elements at once. The library's parser multiplies one after the other, and where a
@@ -162,9 +189,9 @@ private:
         std::vector<CUnitRationalPower> factors;
         factors.reserve(elements.size());
         for (const CElement& element : elements) {
-            if (element.Exponent != CRational(0)) {
-                factors.emplace_back(element.Unit, static_cast<int>(element.Exponent.numerator()),
-                                     static_cast<int>(element.Exponent.denominator()));
+            if (!element.Exponent.isZero()) {
+                factors.emplace_back(element.Unit, element.Exponent.numerator(),
+                                     element.Exponent.denominator());
             }
         }
         return CProductUnit::getInstance(factors, {});
@@ -187,50 +214,56 @@ private:
     // units to the same powers, of the same size. That is said, but not refused.
     void checkIdentity(const CUnitPtr& unit, const std::vector<CElement>& elements) {
         std::vector<CElement> given;
-        multiplyInto(given, unit, 1);
+        try {
+            multiplyInto(given, unit, 1);
+        } catch (const exact::CError&) {  // exponents that no text has
+            refuseCollision(unit, std::nullopt);
+        }
         if (haveSameElements(given, elements)) {
             return;
         }
-        const CMeaning meaning = this->meaning();
-        const CMeaning other = meaningOf(unit);
-        if (other != meaning ||
+        const std::optional<CMeaning> other = tryMeaningOf(unit);
+        if (!other || !areSame(*other, m_Meaning, unit) ||
             !haveSameElements(systemElements(given), systemElements(elements))) {
-            refuseCollision(unit, meaning, other);
+            refuseCollision(unit, other);
         }
         m_Notes.push_back(quoted(slice(whole())) + " is the same object as " + describe(unit) +
                           " here, and is written so");
     }
 
-    [[noreturn]] void refuseCollision(const CUnitPtr& unit, const CMeaning& meaning,
-                                      const CMeaning& other) const {
+    [[noreturn]] void refuseCollision(const CUnitPtr& unit,
+                                      const std::optional<CMeaning>& other) const {
         std::string sentence =
             quoted(slice(whole())) + " is the same object as " + describe(unit) + " here";
-        sentence += other == meaning ? ", which means the same but is another unit"
-                                     : ": it would mean " + quoted(other.toString()) +
-                                           " in place of " + quoted(meaning.toString());
-        CDiagnosis diagnosis = diagnose(eRefusal::COLLISION, m_Text, whole(), std::move(sentence));
-        diagnosis.Readings = {meaning.toString(), other.toString()};
-        throw Refused{std::move(diagnosis)};
+        sentence += other == m_Meaning ? ", which means the same but is another unit"
+                                       : ": it would mean " + meaningInWords(unit) +
+                                             " in place of " + inWords(m_Meaning);
+        refuseObject(eRefusal::COLLISION, std::move(sentence),
+                     other ? other->toString() : meaningInWords(unit));
     }
 
-    void checkDimension(const CUnitPtr& unit) const {
-        const CMeaning meaning = this->meaning();
-        if (!std::isnormal(meaning.factor())) {
+    // The library must convert the unit by its meaning.
+    void checkConversion(const CUnitPtr& unit) const {
+        const auto fault = faultOf(unit, m_Meaning);
+        if (!fault) {
+            return;
+        }
+        if (!fault->Dimension) {
             refuse(eRefusal::FACTOR_RANGE, whole(),
-                   "a unit of this size is beyond the range of numbers");
+                   "the library would convert " + quoted(slice(whole())) + " as " +
+                       quoted(fault->Known) + " in place of " + inWords(m_Meaning) + OtherWay);
         }
-        if (const auto fault = dimensionFault(unit, meaning)) {
-            refuseDimension(*fault, meaning);
-        }
+        refuseObject(eRefusal::DIMENSION_COLLISION,
+                     "the dimension of " + quoted(slice(whole())) + " is the same object as " +
+                         describe(fault->Dimension) + " here: it would count as " +
+                         quoted(fault->Known) + " in place of " + inWords(m_Meaning),
+                     fault->Known);
     }
 
-    [[noreturn]] void refuseDimension(const CDimensionFault& fault, const CMeaning& meaning) const {
-        CDiagnosis diagnosis = diagnose(
-            eRefusal::DIMENSION_COLLISION, m_Text, whole(),
-            "the dimension of " + quoted(slice(whole())) + " is the same object as " +
-                describe(fault.Dimension) + " here: it would count as " +
-                quoted(fault.Known.toString()) + " in place of " + quoted(meaning.toString()));
-        diagnosis.Readings = {meaning.toString(), fault.Known.toString()};
+    [[noreturn]] void refuseObject(eRefusal code, std::string sentence,
+                                   const std::string& other) const {
+        CDiagnosis diagnosis = diagnose(code, m_Text, whole(), std::move(sentence) + OtherWay);
+        diagnosis.Readings = {m_Meaning.toString(), other};
         throw Refused{std::move(diagnosis)};
     }
 
@@ -255,9 +288,27 @@ private:
     const CReadOptions& m_Options;
     std::vector<CFactor> m_Factors;
     std::vector<std::string> m_Notes;
+    CMeaning m_Meaning;
 };
 
 }  // namespace
+
+// What `read` gives of a text, as an outcome; the caller holds the lock.
+template <class Outcome, class Read>
+Outcome readOrRefuse(std::string_view text, Read read) {
+    Outcome outcome;
+    try {
+        return read();
+    } catch (Refused& refused) {
+        outcome.Refusal = std::move(refused.Diagnosis);
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& e) {
+        outcome.Refusal = diagnose(eRefusal::REFUSED_BY_LIBRARY, text, {0, text.size()},
+                                   std::string("the library refuses this unit: ") + e.what());
+    }
+    return outcome;
+}
 
 CReading read(std::string_view text, const CReadOptions& options, bool isKept) {
     if (!isKept) {
@@ -265,18 +316,15 @@ CReading read(std::string_view text, const CReadOptions& options, bool isKept) {
             return {known->Unit, std::nullopt, known->Notes};
         }
     }
-    try {
-        return CReader(text, options).read(isKept);
-    } catch (Refused& refused) {
-        return {nullptr, std::move(refused.Diagnosis), {}};
-    } catch (const std::bad_alloc&) {
-        throw;
-    } catch (const std::exception& e) {
-        return {nullptr,
-                diagnose(eRefusal::REFUSED_BY_LIBRARY, text, {0, text.size()},
-                         std::string("the library refuses this unit: ") + e.what()),
-                {}};
-    }
+    return readOrRefuse<CReading>(text, [&] { return CReader(text, options).read(isKept); });
+}
+
+CMeaningReading readForMeaning(std::string_view text, const CReadOptions& options) {
+    return readOrRefuse<CMeaningReading>(text, [&] {
+        CReader reader(text, options);
+        CMeaning meaning = reader.meaning();
+        return CMeaningReading{std::move(meaning), std::nullopt, reader.notes()};
+    });
 }
 
 }  // namespace checked

@@ -12,6 +12,9 @@ namespace checked {
 /// tryReadUnit; what is read with `isKept` is remembered for good. The caller holds the lock.
 CReading read(std::string_view text, const CReadOptions& options, bool isKept);
 
+/// tryReadMeaning. The caller holds the lock.
+CMeaningReading readForMeaning(std::string_view text, const CReadOptions& options);
+
 }  // namespace checked
 }  // namespace mensor
 

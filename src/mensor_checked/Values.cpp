@@ -13,6 +13,7 @@
 #include "mensor_checked/Parsing.h"
 #include "mensor_checked/UnitReader.h"
 #include "mensor_checked/Words.h"
+#include "mensor_exact/Exponent.h"
 #include "mensor_exact/NumberText.h"
 #include "mensor_exact/Utf8.h"
 
@@ -86,6 +87,50 @@ private:
     exact::CNumberText m_Number;
 };
 
+// The first name that reads as `unit`.
+std::optional<std::string> readableName(const CUnitPtr& unit) {
+    for (std::string& name : namesOf(unit)) {
+        if (read(name, {}, false).Unit == unit) {
+            return std::move(name);
+        }
+    }
+    return std::nullopt;
+}
+
+std::string powerText(const std::string& name, exact::CExponent exponent) {
+    if (exponent == 1) {
+        return name;
+    }
+    if (exponent == 2 || exponent == 3) {
+        return name + (exponent == 2 ? "²" : "³");
+    }
+    const std::string digits = exponent.toString();
+    return name + "^" + (exponent.denominator() == 1 ? digits : "(" + digits + ")");
+}
+
+// A product by names that read back, where the library writes one that does not: it writes the millikelvin
+// as "m°C", even where a pack has given it the alias "mK".
+std::optional<std::string> productText(const CUnitPtr& unit) {
+    std::string numerator;
+    std::string denominator;
+    int divisors = 0;
+    for (const CUnitRationalPower& element : unit->elements()) {
+        const std::optional<std::string> name = readableName(element.getUnit());
+        if (!name) {
+            return std::nullopt;
+        }
+        const exact::CExponent exponent(element.getPow(), element.getRoot());
+        const bool divides = exponent.numerator() < 0;
+        std::string& side = divides ? denominator : numerator;
+        side += (side.empty() ? "" : "·") + powerText(*name, divides ? -exponent : exponent);
+        divisors += divides ? 1 : 0;
+    }
+    if (divisors > 1) {
+        denominator = "(" + denominator + ")";
+    }
+    return (numerator.empty() ? "1" : numerator) + (divisors > 0 ? "/" + denominator : "");
+}
+
 std::optional<std::string> ifReadBack(std::string text, const CUnitPtr& unit) {
     return read(text, {}, false).Unit == unit ? std::optional<std::string>(std::move(text))
                                               : std::nullopt;
@@ -130,12 +175,11 @@ std::optional<std::string> textOf(const CUnitPtr& unit) {
             return readable;
         }
     }
-    for (const std::string& name : namesOf(unit)) {
-        if (auto readable = ifReadBack(name, unit)) {
-            return readable;
-        }
+    if (dynamic_cast<CProductUnit*>(unit.get()) == nullptr) {
+        return readableName(unit);
     }
-    return std::nullopt;
+    std::optional<std::string> text = productText(unit);
+    return text ? ifReadBack(*std::move(text), unit) : std::nullopt;
 }
 
 std::string writeValue(double value, const CUnitPtr& unit, const CReadOptions& options) {

@@ -55,7 +55,7 @@ public:
 };
 
 /// The text of `unit` that reads back as the same object: the standard notation, else the ASCII one,
-/// else an alias; none if there is no such text. The dimensionless unit is "One".
+/// else an alias, of a product the aliases of its factors; none if there is no such text. The dimensionless unit is "One".
 /// @throws std::invalid_argument  `unit` is empty.
 /// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
 MENSOR_CHECKED_API std::optional<std::string> textOf(const CUnitPtr& unit);

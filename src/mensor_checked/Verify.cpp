@@ -4,6 +4,7 @@
 
 #include "mensor_checked/Faults.h"
 #include "mensor_checked/Lock.h"
+#include "mensor_checked/Rounding.h"
 #include "mensor_checked/Words.h"
 
 namespace mensor {
@@ -21,17 +22,24 @@ void verify(const CUnitPtr& unit, const CMeaning& meaning) {
     requireUnit(unit, "verify");
     const Lock lock;
     const CMeaning own = meaningOf(unit);
-    if (own != meaning) {
-        throw CIdentityError(quoted(meaning.toString()) + " was asked for, but the object is " +
-                                 describe(unit) + ", which means " + quoted(own.toString()),
+    if (!areSame(own, meaning, unit)) {
+        throw CIdentityError(inWords(meaning) + " was asked for, but the object is " +
+                                 describe(unit) + ", which means " + inWords(own),
                              unit);
     }
-    if (const auto fault = dimensionFault(unit, meaning)) {
-        throw CIdentityError(describe(unit) + " would count as " + quoted(fault->Known.toString()) +
-                                 ", since its dimension is the " + "same object as " +
-                                 describe(fault->Dimension) + " here",
-                             fault->Dimension);
+    const auto fault = faultOf(unit, meaning);
+    if (!fault) {
+        return;
     }
+    if (!fault->Dimension) {
+        throw CIdentityError("the library would convert " + describe(unit) + " as " +
+                                 quoted(fault->Known) + " in place of " + inWords(meaning),
+                             unit);
+    }
+    throw CIdentityError(describe(unit) + " would count as " + quoted(fault->Known) +
+                             ", since its dimension is the same object as " +
+                             describe(fault->Dimension) + " here",
+                         fault->Dimension);
 }
 
 }  // namespace checked

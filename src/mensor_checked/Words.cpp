@@ -2,13 +2,23 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <new>
 #include <stdexcept>
 
-#include "mensor_checked/Meaning.h"
+#include "mensor_exact/Error.h"
 
 namespace mensor {
 namespace checked {
+
+namespace {
+
+using exact::CFactor;
+using exact::CFraction;
+
+bool isLong(const std::string& number) { return number.size() > 24; }
+
+}  // namespace
 
 void requireUnit(const CUnitPtr& unit, const char* function) {
     if (!unit) {
@@ -32,7 +42,32 @@ std::string describe(const CUnitPtr& unit) {
         throw;
     } catch (const std::exception&) {  // a transformed unit without a label
     }
-    return quoted(text.empty() ? meaningOf(unit).toString() : text);
+    return text.empty() ? meaningInWords(unit) : quoted(text);
+}
+
+std::string inWords(const CMeaning& meaning) {
+    CMeaning size = meaning.difference();
+    const double factor = meaning.factor().toDouble();
+    if (isLong(meaning.factor().toString()) && std::isnormal(factor)) {
+        const CFactor few(CFraction::ofText(shortest(factor)));
+        size = size.scaled(few / meaning.factor());
+    }
+    std::string text = size.toString();
+    if (!meaning.offset().isZero()) {
+        const CFraction& offset = meaning.offset();
+        const std::string digits = (offset.isNegative() ? -offset : offset).toString();
+        text += offset.isNegative() ? " - " : " + ";
+        text += isLong(digits) ? shortest(std::fabs(offset.toDouble())) : digits;
+    }
+    return quoted(text);
+}
+
+std::string meaningInWords(const CUnitPtr& unit) {
+    try {
+        return inWords(meaningOf(unit));
+    } catch (const exact::CError& error) {
+        return quoted(error.what());
+    }
 }
 
 }  // namespace checked

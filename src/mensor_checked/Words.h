@@ -5,6 +5,7 @@
 #include <string>
 
 #include "mensor/Unit.h"
+#include "mensor_checked/Meaning.h"
 
 namespace mensor {
 namespace checked {
@@ -20,6 +21,13 @@ std::string shortest(double x);
 
 /// `unit` for a message: its text, else what it means. Quoted.
 std::string describe(const CUnitPtr& unit);
+
+/// `meaning` for a message, quoted. Numbers that are only exact with many digits, as doubles mostly are,
+/// come with the shortest digits of the nearest double.
+std::string inWords(const CMeaning& meaning);
+
+/// What `unit` means for a message; if it has no exact meaning, why.
+std::string meaningInWords(const CUnitPtr& unit);
 
 }  // namespace checked
 }  // namespace mensor

@@ -158,6 +158,7 @@ TEST(Everyday, NoUnitIsSilentlyWrongInAnyOrder) {
             std::getline(in, index, '\t');
             std::getline(in, code, '\t');
             std::getline(in, sentence);
+            sentence.resize(std::min(sentence.size(), sentence.find("; its values convert by")));
             Refused& what = refused[std::stoul(index)];
             what.Sentence = what.Orders.empty() ? sentence : what.Sentence;
             what.Orders.insert(seed);

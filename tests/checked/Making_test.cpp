@@ -218,6 +218,31 @@ TEST(Making, RefusesNumbersThatMakeNoUnit) {
                 ThrowsMessage<std::invalid_argument>("Root's order of zero"));
 }
 
+TEST(Making, RefusesNegativeFactors) {
+    EXPECT_THROW(checked::scaled(SI::Meter(), -1), std::invalid_argument);
+    EXPECT_THROW(checked::affine(SI::Meter(), -2, 1), std::invalid_argument);
+}
+
+// Infinity is equal to everything, and nothing to a number that has passed through the subnormal ones.
+TEST(Making, RefusesUnitsBeyondTheRangeOfNumbersBeforeTheLibraryIsAsked) {
+    const CUnitPtr large = checked::power(checked::readUnit("Ym"), 10);
+    const CUnitPtr small = checked::power(checked::readUnit("ys"), 10);
+    const Tables before;
+    EXPECT_THAT([&] { checked::scaled(large, 1e100); },
+                ThrowsMessage<std::invalid_argument>(
+                    "scaled: a unit of this size is beyond the range of numbers"));
+    EXPECT_THROW(checked::scaled(small, 1e-100), std::invalid_argument);
+    EXPECT_THROW(checked::scaled(small, 1e-69), std::invalid_argument) << "subnormal";
+    EXPECT_THROW(checked::affine(large, 1e100, 1), std::invalid_argument);
+    EXPECT_THROW(checked::shifted(large, 1e100), std::invalid_argument);
+    EXPECT_THROW(checked::product(large, large), std::invalid_argument);
+    EXPECT_THROW(checked::quotient(large, small), std::invalid_argument);
+    EXPECT_THROW(checked::power(large, 2), std::invalid_argument);
+    EXPECT_THROW(checked::power(large, -2), std::invalid_argument);
+    EXPECT_THROW(checked::power(small, 3), std::invalid_argument);
+    EXPECT_EQ(Tables(), before);
+}
+
 TEST(Making, SurvivesEmptyPointers) {
     const CUnitPtr none;
     const auto refuses = [](const std::function<void()>& make, const std::string& function) {

@@ -65,7 +65,10 @@ void expectToBeAsTheTableSays(const CPackUnit& row) {
     const auto written = textOf(unit);
     ASSERT_TRUE(written);
     EXPECT_EQ(readUnit(*written), unit);
-    EXPECT_EQ(meaningOf(unit), meaningOf(parent).shifted(row.Offset).scaled(row.Factor));
+    using exact::CFraction;
+    EXPECT_NO_THROW(verify(unit, meaningOf(parent)
+                                     .shifted(CFraction::ofDouble(row.Offset))
+                                     .scaled(exact::CFactor(CFraction::ofDouble(row.Factor)))));
 }
 
 TEST(Packs, AreNotThereUntilTheyAreRegistered) {

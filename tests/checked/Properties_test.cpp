@@ -102,12 +102,11 @@ void expectMeaning(const std::string& text, const CUnitPtr& unit) {
     EXPECT_TRUE(areSame(measured(unit), meaning)) << measured(unit) << " not " << meaning;
     const checked::CMeaning own = checked::meaningOf(unit);
     Quantity told;
-    for (const checked::CExponent& exponent : own.exponents()) {
-        told.Exponents[exponent.Base] = {exponent.Exponent.numerator(),
-                                         exponent.Exponent.denominator()};
+    for (const exact::CPower& power : own.dimensions()) {
+        told.Exponents[power.Name] = {power.Exponent.numerator(), power.Exponent.denominator()};
     }
-    told.Factor = own.factor();
-    told.Offset = own.offset();
+    told.Factor = own.factor().toDouble();
+    told.Offset = own.offset().toDouble();
     EXPECT_TRUE(areSame(told, meaning)) << told << " not " << meaning;
 }
 

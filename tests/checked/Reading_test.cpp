@@ -18,6 +18,10 @@
 #include "mensor/SI.h"
 #include "mensor/TransformedUnit.h"
 #include "mensor/UnitFormat.h"
+#include "mensor_checked/Choosing.h"
+#include "mensor_checked/Making.h"
+#include "mensor_checked/Meaning.h"
+#include "mensor_checked/OwnUnits.h"
 #include "mensor_checked/Values.h"
 #include "support/ClientUnit.h"
 #include "support/Documents.h"
@@ -39,6 +43,7 @@ using test::Row;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::StartsWith;
 using ::testing::StrEq;
 
 const char* const Page = "reading.md";
@@ -439,12 +444,25 @@ TEST(Reading, LeavesTheOffsetOfAMappingToTheClient) {
     EXPECT_EQ(base->convertValueToUnit(0, SI::Kelvin()), 273.15);
 }
 
-TEST(Reading, TakesANameForWhatItIsWhateverItsExponents) {
-    const CUnitPtr high = CUnitFormat::label(SI::Meter() ^ 150, "hyp");
-    EXPECT_EQ(readUnit("hyp"), high);
-    EXPECT_EQ(readUnit("hyp")->getDimension(), high);
-    EXPECT_EQ(refusalOf("hyp·s"), eRefusal::EXPONENT_RANGE) << "what is written stays below 100";
+// What has no exact meaning cannot be compared with what the library makes of it.
+TEST(Reading, RefusesANameWhoseExponentsAreBeyond99) {
+    CUnitFormat::label(SI::Meter() ^ 99, "hyp");
+    EXPECT_EQ(readUnit("hyp"), SI::Meter() ^ 99);
+    CUnitFormat::label(SI::Meter() ^ 150, "hypp");
+    EXPECT_EQ(refusalOf("hypp"), eRefusal::EXPONENT_RANGE);
+    EXPECT_EQ(refusalOf("hyp·m"), eRefusal::EXPONENT_RANGE);
     EXPECT_EQ(refusalOf("hyp²"), eRefusal::EXPONENT_RANGE);
+}
+
+TEST(Reading, RefusesANameWhoseUnitHasNoPositiveSize) {
+    CUnitFormat::label(SI::Meter()->multiply(-3.0), "hyp");
+    const CReading reading = tryReadUnit("hyp");
+    ASSERT_TRUE(reading.Refusal);
+    EXPECT_EQ(reading.Refusal->Code, eRefusal::FACTOR_RANGE);
+    EXPECT_THAT(reading.Refusal->Sentence,
+                StartsWith("the size of this unit is no number to count with: "));
+    EXPECT_EQ(refusalOf("hyp·s"), eRefusal::FACTOR_RANGE);
+    EXPECT_THAT(checked::choicesFor(SI::Meter()), ::testing::SizeIs(::testing::Gt(20U)));
 }
 
 TEST(Reading, ForgetsPassingTextsButStaysRight) {
@@ -455,6 +473,61 @@ TEST(Reading, ForgetsPassingTextsButStaysRight) {
                       CUnit::fromString("km"));
         }
     }
+}
+
+// A name of a client's own keeps its one spelling.
+TEST(Reading, ReadsACapitalLitreOnlyWhereTheSmallOneIsTheLitre) {
+    EXPECT_EQ(readUnit("L"), NonSI::Liter());
+    EXPECT_EQ(readUnit("mL"), readUnit("ml"));
+    EXPECT_EQ(refusalOf("ML"), eRefusal::UNKNOWN_NAME);
+    CUnitFormat::label(SI::Meter()->multiply(12345.0), "Ml");
+    EXPECT_EQ(readUnit("Ml"), SI::Meter()->multiply(12345.0));
+    EXPECT_EQ(refusalOf("ML"), eRefusal::UNKNOWN_NAME);
+    EXPECT_EQ(refusalOf("ML/s"), eRefusal::UNKNOWN_NAME);
+    CUnitFormat::label(NonSI::Liter()->multiply(1000.0), "kl");
+    EXPECT_EQ(readUnit("kL"), NonSI::Liter()->multiply(1000.0)) << "the thousand litres that it is";
+}
+
+TEST(Reading, KnowsPsiBeforeAnybodyAsksTheLibraryForIt) {
+    const CUnitPtr psi = readUnit("psi");
+    EXPECT_EQ(psi, NonSI::Psi());
+    EXPECT_EQ(checked::meaningOf(psi).toString(), "6894.76 kg/(m·s²)");
+}
+
+TEST(Reading, DoesNotLetPsiBeDefinedOtherwise) {
+    EXPECT_THROW(checked::label(SI::Pascal()->multiply(6894.757), "psi"), checked::CIdentityError);
+    EXPECT_FALSE(checked::tryDefineUnits("psi = 6894.757293168361 Pa"));
+    const CUnitPtr psi = readUnit("psi");
+    NonSI::Psi();
+    EXPECT_EQ(readUnit("psi"), psi);
+}
+
+TEST(Reading, DoesNotMakePsiForATextThatIsRefusedForItsForm) {
+    const Tables before;
+    EXPECT_EQ(refusalOf("psi psi^x"), eRefusal::MALFORMED_EXPONENT);
+    EXPECT_EQ(Tables(), before);
+}
+
+TEST(Reading, GivesTheMeaningWithoutRegisteringAnything) {
+    readUnit("Wb/A");
+    const Tables before;
+    EXPECT_EQ(checked::readMeaning("kg/(s·K)").toString(), "kg/(K·s)");
+    EXPECT_EQ(checked::readMeaning("rad/s").toString(), "rad/s");
+    EXPECT_EQ(checked::readMeaning("Ym^50·m^49").factor().toString(), "1e1200");
+    EXPECT_EQ(Tables(), before);
+    EXPECT_THROW(checked::readMeaning("kg/m/s"), checked::CReadError);
+    EXPECT_EQ(checked::tryReadMeaning("m^60·km^60").Refusal->Code, eRefusal::EXPONENT_RANGE);
+    CReadOptions options = differences();
+    const checked::CMeaningReading difference = checked::tryReadMeaning("J/°C", options);
+    ASSERT_TRUE(difference);
+    EXPECT_EQ(difference.Meaning->toString(), "kg·m²/(K·s²)");
+    EXPECT_EQ(difference.Notes.size(), 1U);
+}
+
+// A client's name wins, whatever it means.
+TEST(Reading, GivesTheMeaningOfAClientsNames) {
+    CUnitFormat::label(SI::Meter()->multiply(0.25), "qspan");
+    EXPECT_EQ(checked::readMeaning("qspan/s").toString(), "0.25 m/s");
 }
 
 }  // namespace

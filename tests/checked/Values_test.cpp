@@ -18,6 +18,7 @@
 #include "mensor/SI.h"
 #include "mensor/UnitFormat.h"
 #include "mensor_checked/Meaning.h"
+#include "mensor_checked/Packs.h"
 #include "support/CommaLocale.h"
 #include "support/Documents.h"
 #include "support/Matchers.h"
@@ -231,6 +232,21 @@ TEST(Values, ReadBackAsTheSameBitsAndTheSameUnit) {
     }
     EXPECT_GT(written, named + 200);
     EXPECT_LT(without, units.size() / 4) << "too many units without a text";
+}
+
+// The library writes the millikelvin as "m°C", which is refused in a product.
+TEST(Values, WritesProductsByNamesThatReadBack) {
+    checked::registerPack(checked::ePack::SI);
+    for (const char* text : {"nV/mK", "mK/W", "1/mK", "m²/(mK·s)", "nV·mK^(-1/2)", "mK²·s"}) {
+        const CUnitPtr unit = checked::readUnit(text);
+        const auto written = checked::textOf(unit);
+        ASSERT_TRUE(written) << text;
+        EXPECT_EQ(checked::readUnit(*written), unit) << *written;
+    }
+    EXPECT_EQ(checked::textOf(checked::readUnit("nV/mK")), "nV/mK");
+    EXPECT_EQ(checked::textOf(checked::readUnit("m²/(mK·s)")), "m²/(mK·s)");
+    EXPECT_EQ(checked::textOf(checked::readUnit("mK^(-1/2)")), "1/mK^(1/2)");
+    EXPECT_EQ(writeValue(2.5, checked::readUnit("nV/mK")), "2.5 nV/mK");
 }
 
 }  // namespace

@@ -63,12 +63,17 @@ CRegistered askRegistry(const std::string& text, const CReadOptions& options) {
     return result;
 }
 
+std::string meaningText(const CUnitPtr& unit) {
+    const auto meaning = mensor::checked::tryMeaningOf(unit);
+    return meaning ? meaning->toString() : "a unit without an exact meaning";
+}
+
 // The unit as the library writes it, which need not read back.
 std::string libraryText(const CUnitPtr& unit) {
     try {
         return unit->toStdString();
     } catch (const std::exception&) {  // a scaled unit without a label
-        return mensor::checked::meaningOf(unit).toString();
+        return meaningText(unit);
     }
 }
 
@@ -120,9 +125,9 @@ public:
         }
         CJsonObject library;
         if (m_Registered.Unit) {
-            const auto meaning = mensor::checked::meaningOf(m_Registered.Unit);
             library.text("unit", libraryText(m_Registered.Unit))
-                .raw("meaning", CJsonObject().text("text", meaning.toString()).toString());
+                .raw("meaning",
+                     CJsonObject().text("text", meaningText(m_Registered.Unit)).toString());
         } else {
             library.text("error", m_Registered.Refusal);
         }
@@ -187,7 +192,7 @@ private:
             row("library", "reads the same");
         } else {
             row("library", "reads " + libraryText(m_Registered.Unit) + ", which is " +
-                               mensor::checked::meaningOf(m_Registered.Unit).toString());
+                               meaningText(m_Registered.Unit));
         }
         if (m_Reading && !m_Registered.Companion.empty()) {
             row("checked", "refuses it: " + m_Registered.Companion);

@@ -1,0 +1,36 @@
+#include "mensor_checked/Converting.h"
+
+#include <memory>
+
+#include "mensor_checked/ExactConverter.h"
+#include "mensor_checked/Faults.h"
+#include "mensor_checked/Lock.h"
+#include "mensor_checked/Rounding.h"
+#include "mensor_checked/Words.h"
+
+namespace mensor {
+namespace checked {
+
+CConverterPtr converter(const CUnitPtr& from, const CUnitPtr& to) {
+    requireUnit(from, "converter");
+    requireUnit(to, "converter");
+    if (from == to) {
+        return CConverter::identity();
+    }
+    const Lock lock;
+    if (!isOfNumbers(from) || !isOfNumbers(to)) {
+        return from->getConverterTo(to);
+    }
+    const CMeaning source = meaningOf(from);
+    const CMeaning target = meaningOf(to);
+    const bool isMapped = !source.isCompatibleWith(target) && from->isCompatible(to) &&
+                          !faultOf(from, source) && !faultOf(to, target);
+    return isMapped ? from->getConverterTo(to) : converter(source, target);
+}
+
+CConverterPtr converter(const CMeaning& from, const CMeaning& to) {
+    return std::make_shared<CExactConverter>(exact::CConversion(from, to));
+}
+
+}  // namespace checked
+}  // namespace mensor
