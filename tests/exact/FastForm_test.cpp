@@ -502,6 +502,9 @@ TEST(FastForm, KeepsTailsFarBelowTheHead) {
     EXPECT_EQ(form.Tail, 0x1p-128);
     EXPECT_EQ(form.TailLow, 0);
     EXPECT_EQ(form.TailHigh, 0x1p-100 + 0x1p-128);
+    // A tail of 64 bits does not end within 53, and is rounded up.
+    const CLeading longer = {{highest, highest | 1, 0}, -191, true};
+    EXPECT_EQ(CFastForm(longer, nullptr, &unused).TailHigh, 0x1p-64 + 0x1p-100 + 0x1p-116);
     const CLeading near = {{highest | 5, std::uint64_t{1} << 27, 0}, -191, true};
     EXPECT_EQ(CFastForm(near, nullptr, &unused).TailLow, 5 * 0x1p-63);
 }
