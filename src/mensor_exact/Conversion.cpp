@@ -266,8 +266,11 @@ std::optional<CFraction> CConversion::convertOnce(const CFraction& x, const CMea
         return CConversion(from, to).convert(x);
     }
     requireCompatible(from, to);
-    const CFraction inBaseUnits = x * from.factor().radicand() + from.offset();
-    return (inBaseUnits - to.offset()) / to.factor().radicand();
+    CFraction inBaseUnits = x * from.factor().radicand();
+    if (!from.offset().isZero() || !to.offset().isZero()) {
+        inBaseUnits = inBaseUnits + from.offset() - to.offset();
+    }
+    return inBaseUnits / to.factor().radicand();
 }
 
 CConversion::CConversion(const CConversion&) noexcept = default;
