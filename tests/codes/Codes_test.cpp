@@ -67,6 +67,16 @@ TEST(Codes, AreFoundForMeaningsTooLargeForTheTables) {
     EXPECT_EQ(match.Nearest, "C63");  // the parsec
 }
 
+TEST(Codes, ThatAreNearAreNeverAngleForNumberNorSynonyms) {
+    const exact::CFactor huge(exact::CFraction::ofText("1234567890123456789012345678901234567891"));
+    // The largest angle, and not the largest number.
+    EXPECT_EQ(codes::codeFor(eSystem::UNECE, exact::read("rad").scaled(huge)).Nearest, "M44");
+    const exact::CFactor nearly(exact::CFraction::ofText("1.0001"));
+    EXPECT_EQ(codes::codeFor(eSystem::UNECE, exact::read("kg/m³").scaled(nearly)).Nearest, "KMQ");
+    EXPECT_EQ(codes::codeFor(eSystem::UNECE, exact::read("kg/m³")).Synonyms,
+              (std::vector<std::string>{"F23", "GL"}));
+}
+
 TEST(Codes, OfScalesAreFoundByTheirZeros) {
     EXPECT_EQ(codes::codeFor(eSystem::UNECE, exact::read("°C")).Code, "CEL");
     EXPECT_EQ(codes::codeFor(eSystem::UNECE, exact::read("K")).Code, "KEL");
