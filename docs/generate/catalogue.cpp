@@ -216,11 +216,11 @@ std::string quantityOf(const std::string& dimension) {
 void writeMarkdown() {
     std::cout << R"(# Catalogue
 
-Every unit, symbol, label and factor of the library, written by the library itself; a test compares
-this page with what the library says. `scripts/docs --update` writes it anew.
+Every unit, symbol, label and factor of the library, written by a program that uses the library. A test
+compares this page with its output. `scripts/docs --update` rewrites it.
 
-All units are built while the library is loaded, but for `NonSI::Psi` and `NonSI::None`, which come with
-the first call. Definitions and prefixes are those of the SI brochure, 9th edition (BIPM, 2019).
+All units are built while the library is loaded, except `NonSI::Psi` and `NonSI::None`, which the first call
+builds. Definitions and prefixes are those of the SI brochure, 9th edition (BIPM, 2019).
 
 ## SI
 
@@ -236,11 +236,11 @@ the first call. Definitions and prefixes are those of the SI brochure, 9th editi
                   << (size.Factor == 1 && size.Offset == 0 ? text : size.in(text)) << " |\n";
     }
     std::cout << R"(
-## Beside the SI
+## Outside the SI
 
-"Factor" is what the library converts with, all digits of the double. "Off by" is how far, relatively,
-that is from the published value; the chains of factors are rounded step by step, which explains what
-is left in the sixteenth digit.
+"Factor" is the factor of the library, with all digits of the double. "Off by" is its relative difference from
+the published value. Differences in the sixteenth digit come from chains of factors, which are rounded at
+each step.
 
 | Accessor | Text | Factor | Off by | Source, or why it differs |
 |---|---|---|---|---|
@@ -271,11 +271,10 @@ is left in the sixteenth digit.
         std::cout << "| `SI::" << names[i] << "` | `" << toStdString(prefixes()[i].Symbol) << "` | "
                   << shortest(prefixes()[i].Factor) << " |\n";
     std::cout << R"(
-Prefixes are not split off names: each prefixed name below is a label of its own. All twenty go with every
-SI unit but the kilogram (the gram has them), the lumen and the bit. The litre has six. Where two
-labels come to one unit, the later stays: `hPa` has become `mbar`, `crad` has become `centiradian`,
-and `mK` has become `m°C`, with all prefixed kelvins, since identity does not look at offsets; so
-1 m°C is 0.001 K.
+Names are not split into prefix and unit: each prefixed name below is a label. Every SI unit has all twenty
+prefixes, except the kilogram (the gram has them), the lumen and the bit. The litre has six. If a unit gets two
+labels, the later one stays: `mbar` replaced `hPa`, and `centiradian` replaced `crad`. `m°C` replaced `mK`, and so
+for all prefixed kelvins, because the hash code ignores offsets. So 1 m°C is 0.001 K.
 
 ## Every name
 

@@ -1,4 +1,4 @@
-# parser_rows.awk: tests/data/parser.tsv as tables of Markdown, the comments between them as text.
+# parser_rows.awk: writes tests/data/parser.tsv as tables of Markdown, with its comments as text.
 
 function cell(text) {
     gsub(/\|/, "\\|", text)
