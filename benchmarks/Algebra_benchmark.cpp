@@ -1,6 +1,6 @@
-// Algebra_benchmark.cpp: multiplying, dividing and raising units that are ready. mensor remembers
-// results, so the second time differs from the first; UDUNITS-2 makes a new object every time, and
-// its free belongs to the work.
+// Algebra_benchmark.cpp: multiplying, dividing and raising existing units. mensor caches results,
+// so the second call differs from the first. UDUNITS-2 makes a new object at each call, and freeing
+// it is part of the measured work.
 #include "Benchmark.h"
 #include "Programs.h"
 #include "mensor/Unit.h"

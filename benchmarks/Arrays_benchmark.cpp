@@ -1,5 +1,5 @@
-// Arrays_benchmark.cpp: many values at once, from one array into another, beside what the machine
-// can do at all: copying the bytes, and a plain loop y = x * a + b compiled for this very processor.
+// Arrays_benchmark.cpp: many values at once, from one array into another, compared with the limits
+// of the machine: copying the bytes, and a plain loop y = x * a + b compiled for this processor.
 #include "Benchmark.h"
 #include "mensor/Converter.h"
 #include "mensor/Unit.h"
@@ -11,8 +11,8 @@ using namespace mensor;
 
 namespace {
 
-// One pair of arrays for all: what a benchmark finds in the caches is then what it left there.
-// Allocated apart and touched, so that no page is new when the clock runs.
+// One pair of arrays for all, so that a benchmark finds its own data in the caches of the
+// processor. Allocated separately and written once, so that no page is new during the measurement.
 struct Arrays {
     std::vector<double> Values = std::vector<double>(10'000'000, 2.5);
     std::vector<double> Results = std::vector<double>(10'000'000, 0.0);

@@ -74,7 +74,7 @@ int main(int argc, char** argv) {
     std::string folder;
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--handed-out") == 0) {
-            mensor::CUnit::symbols();  // once a client holds a table, nothing is remembered
+            mensor::CUnit::symbols();  // hands a table out, so the caches are off
         } else {
             folder = argv[i];
         }

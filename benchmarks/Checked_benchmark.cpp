@@ -1,5 +1,5 @@
-// Checked_benchmark.cpp: what the checked companion takes for reading, beside the library's own parser
-// on the same texts.
+// Checked_benchmark.cpp: reading with the checked companion, compared with the parser of the
+// library on the same texts.
 #include "Benchmark.h"
 #include "mensor/Unit.h"
 #include "mensor_checked/Reading.h"
@@ -16,7 +16,7 @@ void addText(const std::string& text) {
     });
 }
 
-// More texts than either remembers, of units that both know.
+// More texts than either cache holds, of units that both know.
 const std::vector<std::string>& manyTexts() {
     static const std::vector<std::string> texts = [] {
         std::vector<std::string> all;

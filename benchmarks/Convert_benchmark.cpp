@@ -1,8 +1,8 @@
 // Convert_benchmark.cpp: getting a converter, and converting one value with it.
 //
-// mensor's converter between two units is a chain of the steps that define them, UDUNITS-2's a
-// single one made anew, which has to be freed; Boost.Units knows the factor while compiling, which
-// is the least that one conversion can cost.
+// A converter of mensor is a chain of the steps that define the two units. A converter of UDUNITS-2
+// is a single new object, which must be freed. Boost.Units knows the factor at compile time, which
+// is the minimum cost of a conversion.
 #include "Benchmark.h"
 #include "mensor/NonSI.h"
 #include "mensor/SI.h"
@@ -20,7 +20,7 @@ using namespace mensor;
 
 namespace {
 
-// One pair of units; UDUNITS-2 has other names for some.
+// One pair of units. UDUNITS-2 has other names for some.
 struct Pair {
     const char* Name;
     const char* From;
@@ -29,7 +29,8 @@ struct Pair {
     const char* UdunitsTo;
 };
 
-// The least that a look-up takes: a chain is a new object that shares its two steps, and is freed again.
+// The minimum cost of a lookup: a chain is a new object that shares its two steps, and it is freed
+// again.
 struct CChain {
     virtual ~CChain() = default;
     CConverterPtr First, Second;
@@ -92,8 +93,8 @@ void addLookup(const Pair& pair) {
         });
 }
 
-// How conversions are measured. Dependent: each needs the result of the one before, there and back
-// so that the values stay what they are. Independent: the processor may overlap them.
+// Dependent: each conversion needs the result of the previous one, there and back so that the
+// values stay the same. Independent: the processor may overlap them.
 constexpr std::size_t Values = 1024;
 
 template <class There, class Back>

@@ -1,6 +1,6 @@
-// Format_benchmark.cpp: from a unit to its text. mensor gives a string_t; UDUNITS-2 fills a buffer
-// that is there already. It prints the kilometre as "1000 m"; a product it writes in base units only
-// when told to (UT_DEFINITION), since it would find the joule in kg·m²/s².
+// Format_benchmark.cpp: from a unit to its text. mensor returns a string_t. UDUNITS-2 fills an
+// existing buffer. It prints the kilometre as "1000 m". It writes a product in base units only with
+// UT_DEFINITION; otherwise it writes kg·m²/s² as the joule.
 #include "Benchmark.h"
 #include "mensor/UnitFormat.h"
 

@@ -1,8 +1,8 @@
-// Load_benchmark.cpp: what a process pays for linking the library: time from start to end, heap and
-// resident memory.
+// Load_benchmark.cpp: the cost of linking the library for a process: time from start to end, heap
+// and resident memory.
 //
-// The own part of a library is what a process with it needs more than an empty one. What UDUNITS-2 needs
-// for the same state, a database in memory, is reading its XML files.
+// The own part of a library is the difference between a process with it and an empty one. For the
+// same state, a database in memory, UDUNITS-2 reads its XML files.
 #include "Benchmark.h"
 #include "Programs.h"
 
@@ -16,7 +16,7 @@ double median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
-constexpr int Starts = 15;  // per repetition, of which the median is taken
+constexpr int Starts = 15;  // per repetition; the median counts
 
 void startOf(benchmark::State& state, const std::string& program) {
     for (auto _ : state) {
@@ -28,7 +28,7 @@ void startOf(benchmark::State& state, const std::string& program) {
     }
 }
 
-// Both are started by turns, so that a change of the machine's mood meets both.
+// Starts both alternately, so that a change of the machine's speed affects both.
 void moreThan(benchmark::State& state, const std::string& program, const std::string& base) {
     for (auto _ : state) {
         std::vector<double> differences;

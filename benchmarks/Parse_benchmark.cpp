@@ -1,6 +1,6 @@
-// Parse_benchmark.cpp: from the text of a unit to the unit. Each library gets the text as it takes
-// it, a string_t or a C string that is ready, and gives up what it returned: mensor a pointer to the
-// one object that the unit is, UDUNITS-2 a new object.
+// Parse_benchmark.cpp: from the text of a unit to the unit. Each library gets an existing text in
+// its own type, a string_t or a C string. The result is released: in mensor a pointer to the only
+// object of the unit, in UDUNITS-2 a new object.
 #include "Benchmark.h"
 #include "Programs.h"
 #include "TypicalTexts.h"
@@ -52,7 +52,7 @@ void mixUdunits(benchmark::State& state) {
     }
 }
 
-// The least that a refusal by exception costs.
+// The minimum cost of a refusal by exception.
 void bareThrow(benchmark::State& state) {
     for (auto _ : state) {
         try {
