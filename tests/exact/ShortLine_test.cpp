@@ -173,6 +173,22 @@ TEST(Nearest, TakesDoublesAndWholeNumbersApart) {
     EXPECT_FALSE(CNumber::ofWhole(7).IsNegative);
 }
 
+TEST(Nearest, LooksAtEveryBitThatIsDropped) {
+    const CFormat format = CFormat::ofDouble();
+    const std::uint64_t one = std::uint64_t{1} << 63;
+    const std::uint64_t half = 0x400;
+    const auto bitsOf = [&](std::uint64_t mantissa, bool isWhole) {
+        return nearest(format, false, mantissa, isWhole, -63).Bits;
+    };
+    EXPECT_EQ(bitsOf(one | half, true), bitsOfDouble(1));
+    EXPECT_EQ(bitsOf(one | half, false), bitsOfDouble(1 + 0x1p-52));
+    for (std::uint64_t bit = 1; bit < half; bit *= 2) {
+        EXPECT_EQ(bitsOf(one | half | bit, true), bitsOfDouble(1 + 0x1p-52)) << bit;
+        EXPECT_EQ(bitsOf(one | (half - bit), true), bitsOfDouble(1)) << bit;
+        EXPECT_FALSE(nearest(format, false, one | bit, true, -63).IsExact) << bit;
+    }
+}
+
 TEST(Nearest, GivesInfinityForAnyLargeNumber) {
     const CFormat format = CFormat::ofDouble();
     const std::uint64_t mantissa = std::uint64_t{1} << 63;
