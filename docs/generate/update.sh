@@ -20,14 +20,19 @@ settle() {
     fi
 }
 
-# replace PAGE NAME: writes $work/part between the marks.
-replace() {
-    grep -qxF "<!-- $2 -->" "$source/docs/$1" || { echo "docs/$1 has no mark $2"; exit 1; }
+# insert FILE NAME: the file with $work/part between the marks.
+insert() {
     awk -v begin="<!-- $2 -->" -v end="<!-- /$2 -->" -v part="$work/part" '
         $0 == end { skipping = 0 }
         !skipping { print }
         $0 == begin { while ((getline line < part) > 0) print line; skipping = 1 }
-    ' "$source/docs/$1" >"$work/page"
+    ' "$1"
+}
+
+# replace PAGE NAME: puts $work/part between the marks.
+replace() {
+    grep -qxF "<!-- $2 -->" "$source/docs/$1" || { echo "docs/$1 has no mark $2"; exit 1; }
+    insert "$source/docs/$1" "$2" >"$work/page"
     settle "$1"
 }
 
@@ -42,4 +47,12 @@ awk -f "$source/docs/generate/rooms.awk" "$source/docs/generate/rooms.txt" "$sou
 replace design.md rooms
 "$@" "$programs/generate_collisions" >"$work/part" || exit 1
 replace reliability.md collisions
+cp "$source/docs/everyday.md" "$work/everyday" || exit 1
+for table in spellings words traps notes refusals; do
+    "$@" "$programs/generate_everyday" $table >"$work/part" || exit 1
+    grep -qxF "<!-- $table -->" "$work/everyday" || { echo "docs/everyday.md has no mark $table"; exit 1; }
+    insert "$work/everyday" $table >"$work/page"
+    cp "$work/page" "$work/everyday"
+done
+settle everyday.md
 exit $status

@@ -67,8 +67,9 @@ void requireRange(const CMeaning& meaning, const char* function) {
 void requireSize(const CUnitPtr& unit, const char* function) {
     requireUnit(unit, function);
     if (hasOffset(unit)) {
-        throw std::invalid_argument(std::string(function) + ": " + describe(unit) +
-                                    " counts from a zero of its own and has no place in a product");
+        throw std::invalid_argument(
+            std::string(function) + ": " + describe(unit) +
+            " is a scale with its own zero and cannot be part of a product");
     }
 }
 

@@ -30,7 +30,27 @@ public:
         return static_cast<std::uint32_t>(m_Found.size());
     }
 
+    bool knows(std::string_view name) override { return knownName(name) != nullptr; }
+
+    // The registry has labels of the program as it has those of the library.
+    bool isOwn(std::string_view) override { return false; }
+
     void addNamesTo(exact::CNearestNames& nearest) override { checked::addNamesTo(nearest); }
+
+    // Spellings are no units to register.
+    bool offers(exact::ePack pack) override { return pack != exact::ePack::EVERYDAY; }
+
+    // By its names and its form: whether the library has an object for it is not asked.
+    exact::eFit fit(std::string_view text, std::size_t begin, exact::CRefusal& refusal) override {
+        CRegistryNames names;
+        exact::CNamedFactors factors;
+        return exact::parse(text, begin, false, names, factors, refusal) ? exact::eFit::READ
+                                                                         : exact::eFit::REFUSED;
+    }
+
+    void addWords(const exact::CRefusal&, std::vector<std::string>&) override {}
+
+    std::string sumOf(const std::vector<exact::CNamedNumber>&) override { return {}; }
 
     // What is found is in the order of the factors.
     std::vector<CFactor> take(const exact::CNamedFactors& factors, std::string_view text) {
@@ -51,6 +71,22 @@ private:
 };
 
 }  // namespace
+
+CDiagnosis diagnosisOf(const exact::CRefusal& refusal) {
+    CRegistryNames names;
+    return exact::diagnose(refusal, names);
+}
+
+std::optional<CDiagnosis> formFault(std::string_view text, std::size_t begin,
+                                    const CReadOptions& options) {
+    CRegistryNames names;
+    exact::CNamedFactors factors;
+    exact::CRefusal refusal;
+    if (exact::parse(text, begin, options.Dimensionless, names, factors, refusal)) {
+        return std::nullopt;
+    }
+    return diagnosisOf(refusal);
+}
 
 std::vector<CFactor> factorsOf(std::string_view text, const CReadOptions& options) {
     CRegistryNames names;

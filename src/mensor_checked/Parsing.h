@@ -2,6 +2,7 @@
 #ifndef MENSOR_CHECKED_PARSING_H
 #define MENSOR_CHECKED_PARSING_H
 
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -31,6 +32,14 @@ struct CFactor {
     int Pow = 1;
     int Root = 1;  ///< positive; the fraction is in lowest terms
 };
+
+/// A refusal in words, with what to write instead. The caller holds the lock.
+CDiagnosis diagnosisOf(const exact::CRefusal& refusal);
+
+/// Why the unit that begins at the byte `begin` of a value is refused for its form; none if it is not.
+/// The caller holds the lock.
+std::optional<CDiagnosis> formFault(std::string_view text, std::size_t begin,
+                                    const CReadOptions& options);
 
 /// The factors of the unit written in `text`, in their order. The dimensionless unit has none.
 ///

@@ -82,21 +82,36 @@ private:
     void takeDifference(CFactor& factor, const std::string& name) {
         const CUnitPtr difference = differenceOf(factor.Unit);
         if (!m_Options.Differences || !difference) {
-            CDiagnosis diagnosis =
-                diagnose(eRefusal::OFFSET_IN_PRODUCT, m_Text, factor.Name,
-                         quoted(name) +
-                             " counts from a zero of its own and has no place in a "
-                             "product; of its differences " +
-                             (difference ? "the unit is " + describe(difference)
-                                         : std::string("there is no unit here")));
+            CDiagnosis diagnosis = diagnose(
+                eRefusal::OFFSET_IN_PRODUCT, m_Text, factor.Name,
+                quoted(name) + " is a scale with its own zero and cannot be part of a product; " +
+                    wordsOnDifference(factor, difference));
             if (difference && difference != factor.Unit) {
-                diagnosis.Readings = {replaced(factor.Name, difference->toStdString())};
+                addReadings(replaced(factor.Name, difference->toStdString()), diagnosis);
             }
             throw Refused{std::move(diagnosis)};
         }
         factor.Unit = difference;
         m_Notes.push_back(quoted(name) + " is read as a difference, " +
                           inWords(meaningOf(difference).difference()));
+    }
+
+    static std::string wordsOnDifference(const CFactor& factor, const CUnitPtr& difference) {
+        return !difference ? "its differences have no unit here"
+               : difference == factor.Unit
+                   ? "the option Differences (--differences) reads it as a difference"
+                   : "for differences write " + describe(difference);
+    }
+
+    // Adds a text that may be meant, or what may be meant by it, if that is refused, too.
+    void addReadings(const std::string& text, CDiagnosis& diagnosis) const {
+        try {
+            CReader(text, m_Options).checkScales();
+            diagnosis.Readings.push_back(text);
+        } catch (const Refused& refused) {
+            const std::vector<std::string>& readings = refused.Diagnosis.Readings;
+            diagnosis.Readings.insert(diagnosis.Readings.end(), readings.begin(), readings.end());
+        }
     }
 
     // The unit of differences on the scale of `unit`, none if the library has none. Identity ignores
@@ -120,16 +135,17 @@ private:
             return;
         }
         CDiagnosis diagnosis = diagnose(eRefusal::PREFIXED_OFFSET, m_Text, factor.Name,
-                                        quoted(name) + " has lost the zero of " +
-                                            quoted(prefixed.Name) + " here: it is just " + size);
+                                        quoted(name) + " would be read without the zero of " +
+                                            quoted(prefixed.Name) + ", as " + size);
         const CUnitPtr difference = differenceOf(unitNamed(prefixed.Name));
         if (isAmbiguous && difference) {
-            diagnosis.Readings = {replaced(
-                factor.Name, "(" + prefixed.Prefix + "·" + difference->toStdString() + ")")};
+            addReadings(replaced(factor.Name,
+                                 "(" + prefixed.Prefix + "·" + difference->toStdString() + ")"),
+                        diagnosis);
         }
         for (const std::string& other : namesOf(factor.Unit)) {
             if (!prefixedOffset(other, factor.Unit)) {
-                diagnosis.Readings.push_back(replaced(factor.Name, other));
+                addReadings(replaced(factor.Name, other), diagnosis);
             }
         }
         throw Refused{std::move(diagnosis)};
@@ -155,8 +171,7 @@ private:
     [[noreturn]] void refuseMeaning(const CFactor& factor, const exact::CError& error) const {
         if (error.code() == exact::eError::EXPONENT_RANGE) {
             refuse(eRefusal::EXPONENT_RANGE, factor.Name,
-                   "here the exponents of " + quoted(nameOf(factor)) +
-                       " come together to one beyond 99");
+                   "the exponents of " + quoted(nameOf(factor)) + " add up to more than 99");
         }
         refuse(eRefusal::FACTOR_RANGE, isAlone() ? factor.Name : whole(),
                std::string("the size of this unit is no number to count with: ") + error.what());

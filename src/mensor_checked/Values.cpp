@@ -33,11 +33,15 @@ public:
     CValueReading read() {
         exact::CRefusal refusal;
         if (!exact::findNumber(m_Text, m_Options.NotFinite, m_Number, refusal)) {
-            throw Refused{refusal.diagnosis()};
+            throw Refused{diagnosisOf(refusal)};
         }
         const double size = number();
         CReading reading = checked::read(m_Text.substr(m_Number.UnitBegin), m_Options, false);
         if (reading.Refusal) {
+            // What is wrong with the form may be the fault of the number before it.
+            if (auto fault = formFault(m_Text, m_Number.UnitBegin, m_Options)) {
+                throw Refused{std::move(*fault)};
+            }
             throw Refused{ofWhole(std::move(*reading.Refusal))};
         }
         return {m_Number.IsNegative ? -size : size, std::move(reading.Unit), std::nullopt,

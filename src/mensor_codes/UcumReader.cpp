@@ -247,7 +247,7 @@ private:
     bool closeAll() {
         while (peek() == ')') {
             if (m_Depth == 0) {
-                return refuse(eRefusal::STRAY_BRACKET, here(), "no bracket is open here");
+                return refuse(eRefusal::STRAY_BRACKET, here(), "unmatched closing bracket");
             }
             m_Sign = m_Brackets[--m_Depth].SignOutside;
             ++m_At;
@@ -408,11 +408,11 @@ private:
                                   "nothing stands between these brackets");
                 }
                 return m_Depth == 0
-                           ? refuse(eRefusal::STRAY_BRACKET, here(), "no bracket is open here")
+                           ? refuse(eRefusal::STRAY_BRACKET, here(), "unmatched closing bracket")
                            : refuse(eRefusal::MISSING_UNIT, before,
                                     "no unit stands behind this sign");
             case ']':
-            case '}': return refuse(eRefusal::STRAY_BRACKET, here(), "no bracket is open here");
+            case '}': return refuse(eRefusal::STRAY_BRACKET, here(), "unmatched closing bracket");
             case '*':
             case '^':
                 return refuse(eRefusal::UNEXPECTED_CHARACTER, here(),
@@ -456,7 +456,7 @@ private:
 
     bool refuseOpen(std::size_t bracket) {
         return refuse(eRefusal::OPEN_BRACKET, {bracket, bracket + 1},
-                      "nothing closes this bracket");
+                      "this bracket is never closed");
     }
 
     bool refuseForeign() {
@@ -487,7 +487,7 @@ private:
     bool requireMeaning() {
         if (m_Scale.End > 0 && (m_Components > 1 || m_IsScaleRaised)) {
             addMeaningless(m_Scale,
-                           "{} counts from a zero of its own and has no place in a product");
+                           "{} is a scale with its own zero and cannot be part of a product");
         }
         return !m_IsMeaningless;
     }
@@ -527,7 +527,7 @@ CReading readUcum(eSystem system, std::string_view text) {
                           text,
                           {0, text.size()},
                           large.isExponentBeyond()
-                              ? "the exponents of a unit come together to one beyond 99"
+                              ? "the exponents of a unit add up to more than 99"
                               : "the exact factor needs more than 16384 bits"};
     }
     return result;

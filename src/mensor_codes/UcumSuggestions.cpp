@@ -182,8 +182,8 @@ private:
         for (std::size_t row = 0; row < CUcumAtoms::size(); ++row) {
             nearest.add(CUcumAtoms::codeOf(row));
         }
-        for (std::string& code : nearest.best()) {
-            add(std::move(code));
+        for (const exact::CNearestNames::CNear& near : nearest.best()) {
+            add(near.Name);
         }
     }
 

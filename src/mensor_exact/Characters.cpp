@@ -1,7 +1,32 @@
 #include "mensor_exact/Characters.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace mensor {
 namespace exact {
+
+namespace {
+
+struct CRange {
+    char32_t First;
+    char32_t Last;
+};
+
+constexpr CRange Invisible[] = {
+#define MENSOR_INVISIBLE(first, last) {first, last},
+#include "mensor_exact/invisible.def"
+#undef MENSOR_INVISIBLE
+};
+
+}  // namespace
+
+bool isInvisible(char32_t c) {
+    const CRange* const range =
+        std::lower_bound(std::begin(Invisible), std::end(Invisible), c,
+                         [](const CRange& r, char32_t point) { return r.Last < point; });
+    return range != std::end(Invisible) && c >= range->First;
+}
 
 eKind kindBeyondAscii(char32_t c, int& digit) {
     switch (c) {
@@ -52,17 +77,11 @@ eKind kindBeyondAscii(char32_t c, int& digit) {
         case U'\u207A': return eKind::RAISED_PLUS;
         case U'\u207B': return eKind::RAISED_MINUS;
         case NotUtf8:
-        case U'\u00AD':  // soft hyphen
         case U'\u2028':
-        case U'\u2029':
-        case U'\uFEFF':  // byte order mark
-            return eKind::FOREIGN;
+        case U'\u2029': return eKind::FOREIGN;
         default: break;
     }
-    if (c < 0xA0 ||                      // controls
-        (c >= 0x200B && c <= 0x200F) ||  // zero-width characters and marks of direction
-        (c >= 0x202A && c <= 0x202E) ||  // more of these
-        (c >= 0x2060 && c <= 0x206F)) {  // and of these
+    if (c < 0xA0 || isInvisible(c)) {  // controls, and what nobody sees
         return eKind::FOREIGN;
     }
     if (c >= 0x2000 && c <= 0x200A) {  // typographic spaces

@@ -72,6 +72,10 @@ inline constexpr std::array<eKind, 128> AsciiKinds = asciiKinds();
 /// The kind of a character that is not ASCII or is NotUtf8, and for digits the value in `digit`.
 MENSOR_EXACT_API eKind kindBeyondAscii(char32_t c, int& digit);
 
+/// Whether nobody sees the character: Unicode's default-ignorable and format characters, and the Braille
+/// pattern blank (invisible.def).
+MENSOR_EXACT_API bool isInvisible(char32_t c);
+
 /// Walks over a text, one character at a time.
 class CCursor {
 public:

@@ -55,8 +55,9 @@ std::vector<CChoice> choicesFor(const CMeaning& meaning, const CCatalogue& catal
     catalogue.forEach([&](const CDefinition& definition) {
         CMeaning other = *catalogue.meaning(definition.Name);
         const bool isOtherSpelling =
-            definition.Pack == ePack::SI &&
-            (respelled(definition.Name) != definition.Name || isCapitalLitre(definition.Name));
+            definition.Pack == ePack::EVERYDAY ||
+            (definition.Pack == ePack::SI &&
+             (respelled(definition.Name) != definition.Name || isCapitalLitre(definition.Name)));
         if (!isOtherSpelling && other.isCompatibleWith(meaning)) {
             const double size = other.factor().toDouble();
             found.push_back({size, {definition.Name, std::move(other)}});

@@ -29,6 +29,8 @@ inline constexpr char Texts[] =
 #define MENSOR_MARK(set, name, english, source) name english source
 #define MENSOR_UNIT(set, name, definition, english, source) name definition english source
 #include "mensor_exact/definitions.def"
+#define MENSOR_SPELLING(text, definition, english, why) text definition english why
+#include "mensor_exact/spellings.def"
     ;
 
 struct CLengths {
@@ -49,6 +51,9 @@ inline constexpr CLengths Lengths[] = {
 #define MENSOR_UNIT(set, name, definition, english, source) \
     {ePack::set, sizeof name - 1, sizeof definition - 1, sizeof english - 1, sizeof source - 1},
 #include "mensor_exact/definitions.def"
+#define MENSOR_SPELLING(text, definition, english, why) \
+    {ePack::EVERYDAY, sizeof text - 1, sizeof definition - 1, sizeof english - 1, sizeof why - 1},
+#include "mensor_exact/spellings.def"
 };
 // NOLINTEND(bugprone-macro-parentheses)
 
@@ -106,6 +111,7 @@ struct CRow {
     std::int8_t Exponents[SlotCount];
     std::int8_t Pi;
     std::uint8_t Offset;  // its place in the offsets; 0: none
+    std::uint16_t Own;    // the row of a dimension of its own and 1; 0: none
     bool IsDone;
 };
 
@@ -162,7 +168,7 @@ constexpr bool multiplyBy(CMeanings& all, CRow& product, const CTerm& term, std:
             return false;
         }
         const CRow& unit = all.Row[other];
-        if (unit.Offset != 0) {
+        if (unit.Offset != 0 || unit.Own != 0) {
             return false;
         }
         factor = unit.Factor;
@@ -193,16 +199,27 @@ constexpr bool evaluateRow(CMeanings& all, std::size_t row, std::size_t depth) {
     result.IsDone = true;
     if (Lengths[row].Definition == 0) {
         const std::size_t slot = slotOf(nameOf(row));
-        if (slot == SlotCount) {
+        if (slot != SlotCount) {
+            result.Exponents[slot] = 1;
+        } else if (Lengths[row].Pack == ePack::EVERYDAY) {
+            result.Own = static_cast<std::uint16_t>(row + 1);
+        } else {
             return false;
         }
-        result.Exponents[slot] = 1;
         all.Row[row] = result;
         return true;
     }
     // A name that two packs have stands in no definition but those of its own pack.
     const std::uint32_t packs =
         ~(bitOf(ePack::US) | bitOf(ePack::IMPERIAL)) | bitOf(Lengths[row].Pack);
+    const std::size_t same = findRow(definitionOf(row), packs);
+    if (same != None) {  // another name of the same unit, which may be a scale
+        if (!evaluateRow(all, same, depth + 1)) {
+            return false;
+        }
+        all.Row[row] = all.Row[same];
+        return true;
+    }
     CDefinitionReader reader(definitionOf(row));
     for (CTerm term = reader.next(); term.Kind != eTerm::END; term = reader.next()) {
         if (term.Kind == eTerm::OFFSET) {
@@ -242,10 +259,11 @@ constexpr CMeanings makeNothing() {
 
 // In parts, since clang takes no more than a million steps for one constant unless it is told to. All
 // rows together need two millions.
-inline constexpr CMeanings FirstPart = makePart(makeNothing(), 0, 4);
-inline constexpr CMeanings SecondPart = makePart(FirstPart, 1, 4);
-inline constexpr CMeanings ThirdPart = makePart(SecondPart, 2, 4);
-inline constexpr CMeanings Meanings = makePart(ThirdPart, 3, 4);
+inline constexpr CMeanings FirstPart = makePart(makeNothing(), 0, 5);
+inline constexpr CMeanings SecondPart = makePart(FirstPart, 1, 5);
+inline constexpr CMeanings ThirdPart = makePart(SecondPart, 2, 5);
+inline constexpr CMeanings FourthPart = makePart(ThirdPart, 3, 5);
+inline constexpr CMeanings Meanings = makePart(FourthPart, 4, 5);
 
 static_assert(
     Meanings.IsGood,

@@ -149,7 +149,7 @@ private:
     void requireUnit(const CLineValue& value) {
         if (value.Unit.Begin == value.Unit.End) {
             CDiagnosis diagnosis =
-                exact::diagnose(eRefusal::EMPTY, m_Line, value.Unit, "no unit is written");
+                exact::diagnose(eRefusal::EMPTY, m_Line, value.Unit, "the unit is missing");
             diagnosis.Readings = {before(value.Unit.End) + " One" + from(value.Unit.End)};
             throw Refused{std::move(diagnosis)};
         }
@@ -216,16 +216,15 @@ private:
     }
 
     void refuseComma(CSpan number) {
-        CRefusal refusal;
-        refusal.Code = eRefusal::DECIMAL_COMMA;
-        refusal.Text = m_Line.substr(0, m_Definition.End);
-        refusal.Token = {number.End, number.End + 1};
-        refusal.Sentence = "a comma stands in this number; the decimal sign is a point";
-        refusal.Readings = eReadings::COMMA;
-        CDiagnosis diagnosis = refusal.diagnosis();
-        diagnosis.Text = m_Line;
-        for (std::string& reading : diagnosis.Readings) {
-            reading.erase(0, m_Definition.Begin);
+        CDiagnosis diagnosis =
+            exact::diagnose(eRefusal::DECIMAL_COMMA, m_Line, {number.End, number.End + 1},
+                            "there is a comma in this number; the decimal sign is a point");
+        diagnosis.Readings = {before(number.End) + "." + from(number.End + 1)};
+        std::size_t end = number.End + 1;
+        skipDigits(end);
+        constexpr std::size_t Group = 3;
+        if (end - number.End - 1 == Group) {  // perhaps thousands
+            diagnosis.Readings.push_back(before(number.End) + from(number.End + 1));
         }
         throw Refused{std::move(diagnosis)};
     }

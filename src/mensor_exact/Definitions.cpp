@@ -5,11 +5,13 @@
 #include <string>
 #include <utility>
 
+#include "mensor_exact/Characters.h"
 #include "mensor_exact/Concatenate.h"
 #include "mensor_exact/DefinitionReader.h"
 #include "mensor_exact/Error.h"
 #include "mensor_exact/OwnDefinitions.h"
 #include "mensor_exact/Table.h"
+#include "mensor_exact/Utf8.h"
 
 namespace mensor {
 namespace exact {
@@ -35,6 +37,8 @@ constexpr CPackRow Packs[] = {
     {ePack::SCIENCE, "science", "energy, physics, astronomy, chemistry"},
     {ePack::OFFSETS, "offsets", "the degree Fahrenheit and gauge pressures"},
     {ePack::COUNTING, "counting", "parts, revolutions, counts, binary multiples of the byte"},
+    {ePack::EVERYDAY, "everyday",
+     "what people write for units that have other names: degC, kOhm, barg, Nm, litres"},
 };
 
 [[noreturn]] void throwSyntax(std::string_view text) {
@@ -64,11 +68,20 @@ CFraction offsetOf(std::string_view text) {
                                            : offset / CFraction::ofText(text.substr(slash + 1));
 }
 
-// A name as definitions can use it: one word without an exponent.
+// A name as definitions can use it: one word without an exponent, all of which can be seen.
 bool isName(std::string_view text) {
     CDefinitionReader reader(text);
     const CTerm term = reader.next();
-    return term.Kind == eTerm::NAME && term.Text == text && reader.next().Kind == eTerm::END;
+    if (term.Kind != eTerm::NAME || term.Text != text || reader.next().Kind != eTerm::END) {
+        return false;
+    }
+    std::size_t length = 0;
+    for (std::size_t at = 0; at < text.size(); at += length) {
+        if (isInvisible(decode(text.substr(at), length))) {
+            return false;
+        }
+    }
+    return true;
 }
 
 // Multiplies the factors of a definition.
@@ -148,8 +161,9 @@ public:
                              concatenate({quoted(definition.Name), " cannot be a name"}));
             }
             const std::optional<CDefinition> there = m_Catalogue.find(definition.Name);
-            const bool isFree = !there || (definition.TakesAway && there->Pack != ePack::OWN &&
-                                           !there->Text.empty());
+            const bool isFree =
+                !there || there->Pack == ePack::EVERYDAY ||
+                (definition.TakesAway && there->Pack != ePack::OWN && !there->Text.empty());
             if (!isFree ||
                 !m_Rows
                      .emplace(definition.Name, CRow{definition, {}, eState::NEW, there.has_value()})
@@ -291,7 +305,11 @@ CCatalogue CCatalogue::with(ePack pack) const {
     }
     for (std::size_t row = 0; row < CTable::size(); ++row) {
         const CDefinition definition = CTable::definition(row);
-        if (definition.Pack == pack && find(definition.Name)) {
+        if (definition.Pack != pack || pack == ePack::EVERYDAY) {
+            continue;
+        }
+        const std::optional<CDefinition> taken = find(definition.Name);
+        if (taken && taken->Pack != ePack::EVERYDAY) {
             throwTaken(definition.Name);
         }
     }
@@ -337,7 +355,7 @@ std::optional<CMeaning> CCatalogue::meaning(std::string_view name) const {
 
 // Whether the program has this name, perhaps in the place of a built-in unit.
 bool CCatalogue::takesAway(std::string_view name) const noexcept {
-    return m_Own != nullptr && m_Own->TakesAway &&
+    return m_Own != nullptr && (m_Own->TakesAway || has(ePack::EVERYDAY)) &&
            m_Own->Entries.find(name) != m_Own->Entries.end();
 }
 
@@ -364,7 +382,13 @@ std::vector<CDefinition> CCatalogue::definitions() const {
 void CCatalogue::forEach(const std::function<bool(const CDefinition&)>& visit) const {
     for (std::size_t row = 0; row < CTable::size(); ++row) {
         const CDefinition definition = CTable::definition(row);
-        if (has(definition.Pack) && !takesAway(definition.Name) && !visit(definition)) {
+        if (!has(definition.Pack) || takesAway(definition.Name)) {
+            continue;
+        }
+        if (definition.Pack == ePack::EVERYDAY && find(definition.Name)->Pack != ePack::EVERYDAY) {
+            continue;  // another pack has this name
+        }
+        if (!visit(definition)) {
             return;
         }
     }

@@ -46,6 +46,7 @@ enum class ePack : std::uint8_t {
     SCIENCE,    ///< energy and science
     OFFSETS,    ///< scales with a zero of their own
     COUNTING,   ///< parts, bytes and rates
+    EVERYDAY,   ///< what people write for units that have other names: degC, kOhm, barg, Nm, litres
     OWN,        ///< of the program, by CCatalogue::with
 };
 
@@ -86,12 +87,17 @@ class MENSOR_EXACT_API CCatalogue {
 public:
     static CCatalogue builtIn() noexcept { return {}; }  ///< CATALOGUE and SI
 
-    /// This catalogue and the names of a pack.
+    /// This catalogue and the names of a pack. A name that another pack has with the same meaning is
+    /// there once.
     /// @throws CError  NAME_TAKEN: of US and IMPERIAL only one can be there; OPTIONS: the pack is OWN.
     CCatalogue with(ePack pack) const;
 
+    /// Whether the pack was added. Always true of CATALOGUE and SI, and false of OWN.
+    bool has(ePack pack) const noexcept;
+
     /// This catalogue and further definitions, which may use each other in any order. An empty text
-    /// makes a dimension with the name of the unit. Texts are copied; the pack is always OWN.
+    /// makes a dimension with the name of the unit. Texts are copied; the pack is always OWN. A
+    /// program's own name takes the place of a spelling of the pack EVERYDAY.
     ///
     /// A name that is taken away from a built-in unit no longer finds that unit. What rests on that unit
     /// keeps its meaning. The names of base units and marks cannot be taken away.
@@ -121,7 +127,6 @@ private:
 
     CCatalogue() noexcept = default;
 
-    bool has(ePack pack) const noexcept;
     bool takesAway(std::string_view name) const noexcept;
     std::optional<CDefinition> findOwn(std::string_view name) const noexcept;
 

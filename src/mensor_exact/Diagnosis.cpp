@@ -57,6 +57,7 @@ const char* nameOf(eRefusal code) {
         case eRefusal::NO_MEANING: return "NO_MEANING";
         case eRefusal::NAME_TAKEN: return "NAME_TAKEN";
         case eRefusal::DIFFERENT_DIMENSIONS: return "DIFFERENT_DIMENSIONS";
+        case eRefusal::MISLEADING: return "MISLEADING";
     }
     return "?";
 }
@@ -69,6 +70,13 @@ std::string CDiagnosis::message() const {
     }
     if (!Suggestions.empty()) {
         message += " (did you mean " + quotedList(Suggestions) + "?)";
+    }
+    if (!Packs.empty()) {
+        std::string enumerator = Packs[0];
+        for (char& c : enumerator) {
+            c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+        }
+        message += " (type --pack " + Packs[0] + ", or ask for ePack::" + enumerator + ")";
     }
     return message;
 }

@@ -58,8 +58,11 @@ enum class eRefusal : int {
     UNKNOWN_CODE,  ///< no code of this system
     NO_MEANING,    ///< a code of this system that has no exact meaning
     // Definitions (DefinitionFile.h).
-    NAME_TAKEN,           ///< the name of a definition means something else already
-    DIFFERENT_DIMENSIONS  ///< the unit of a zero measures something else than the unit defined
+    NAME_TAKEN,            ///< the name of a definition means something else already
+    DIFFERENT_DIMENSIONS,  ///< the unit of a zero measures something else than the unit defined
+    // What people write.
+    MISLEADING  ///< would be read as something else than is meant: "300° K", "W/mK", "30 psi g";
+                ///< with CReadOptions::Strict also "pH", the picohenry
 };
 
 /// The enumerator's own name, for logs and tables: "SECOND_DIVISION".
@@ -67,6 +70,9 @@ enum class eRefusal : int {
 MENSOR_EXACT_API const char* nameOf(eRefusal code);
 
 /// What is wrong with a text, and where.
+///
+/// What is offered was tried before: each reading is read, and so is the text with each suggestion in
+/// place of the token.
 ///
 /// Class contract: caller serialises changes of one object; distinct objects any thread.
 struct MENSOR_EXACT_API CDiagnosis {
@@ -79,10 +85,13 @@ struct MENSOR_EXACT_API CDiagnosis {
     /// What the text may have meant, each to be written instead; for a collision the two meanings:
     /// the text's and the one the library gives.
     std::vector<std::string> Readings;
-    std::vector<std::string>
-        Suggestions;  ///< the known names nearest to an unknown one, best first
+    /// Known names near to an unknown one, best first.
+    std::vector<std::string> Suggestions;
+    /// The packs that have the unknown name, by their names: "customary".
+    std::vector<std::string> Packs;
 
-    /// All of it on one line: the sentence, then "(did you mean ...?)" or "(write ... or ...)".
+    /// All of it on one line: the sentence, then "(write ... or ...)", "(did you mean ...?)" and how to
+    /// get a pack.
     std::string message() const;
 
     /// Two lines: the text, and carets under the token, each line ended. Characters that would break

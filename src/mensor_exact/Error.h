@@ -36,6 +36,7 @@ enum class eError {
     NUMBER_RANGE,          ///< a result that must be rounded, and is beyond the doubles
     OPTIONS,               ///< options that contradict each other or are out of range
     ARRAYS,                ///< arrays that overlap in part, or a null one
+    DIFFERENT_MARKS,  ///< a conversion in which the radian, the steradian or the bit counts as 1
 };
 
 /// A refusal.

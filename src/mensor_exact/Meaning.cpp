@@ -299,6 +299,28 @@ std::string CMeaning::toString() const {
     return text;
 }
 
+// Null where the library has no name for these dimensions.
+const char* CMeaning::nameOfKind() const noexcept {
+    if (!m_Others.empty()) {
+        return nullptr;
+    }
+    for (const CKind& kind : Kinds) {
+        const std::array<CExponent, Dimensions> exponents = {kind.A, kind.K,   kind.cd, kind.kg,
+                                                             kind.m, kind.mol, kind.s};
+        if (std::equal(exponents.begin(), exponents.end(), m_Exponents.begin())) {
+            return kind.Name;
+        }
+    }
+    return nullptr;
+}
+
+bool CMeaning::hasNamedKind() const noexcept {
+    const bool hasNone =
+        m_Others.empty() && std::all_of(m_Exponents.begin(), m_Exponents.begin() + Dimensions,
+                                        [](CExponent e) { return e == CExponent(0); });
+    return hasNone || nameOfKind() != nullptr;
+}
+
 std::string CMeaning::kind() const {
     const std::vector<CPower> own = dimensions();
     if (own.empty()) {
@@ -310,14 +332,8 @@ std::string CMeaning::kind() const {
         }
         return "number";
     }
-    if (m_Others.empty()) {
-        for (const CKind& kind : Kinds) {
-            const std::array<CExponent, Dimensions> exponents = {kind.A, kind.K,   kind.cd, kind.kg,
-                                                                 kind.m, kind.mol, kind.s};
-            if (std::equal(exponents.begin(), exponents.end(), m_Exponents.begin())) {
-                return kind.Name;
-            }
-        }
+    if (const char* const name = nameOfKind()) {
+        return name;
     }
     CUnitsWriter writer;
     for (const CPower& power : own) {

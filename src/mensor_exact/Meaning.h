@@ -117,6 +117,9 @@ public:
     /// it, the base units.
     std::string kind() const;
 
+    /// Whether the library has a name for what is measured.
+    bool hasNamedKind() const noexcept;
+
 private:
     friend class CTable;
 
@@ -127,6 +130,8 @@ private:
 
     CMeaning(const CSmallFraction& factor, CExponent pi, const CSmallFraction& offset) noexcept
         : m_Factor(factor, pi), m_Offset(offset) {}
+
+    const char* nameOfKind() const noexcept;
 
     void multiplyRest(const CMeaning& other, CExponent exponent);
 

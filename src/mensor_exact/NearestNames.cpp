@@ -4,6 +4,7 @@
 #include <bitset>
 #include <tuple>
 
+#include "mensor_exact/Table.h"
 #include "mensor_exact/Utf8.h"
 
 namespace mensor {
@@ -35,6 +36,22 @@ std::size_t editDistance(const Letters& a, std::size_t aSize, const Letters& b, 
         std::swap(last, row);
     }
     return (*last)[bSize];
+}
+
+// Whether the name is that of a unit with one of the prefixes beyond tera and pico.
+bool isRare(std::string_view name) {
+    const std::size_t row = CTable::find(name, CTable::AllPacks);
+    if (row == CTable::None) {
+        return false;
+    }
+    const std::string_view text = CTable::definition(row).Text;
+    for (const std::string_view factor :
+         {"10^24 ", "10^21 ", "10^18 ", "10^15 ", "10^-15 ", "10^-18 ", "10^-21 ", "10^-24 "}) {
+        if (text.substr(0, factor.size()) == factor) {
+            return true;
+        }
+    }
+    return false;
 }
 
 std::size_t countBits(std::uint64_t bits) { return std::bitset<64>(bits).count(); }
@@ -91,27 +108,27 @@ void CNearestNames::add(std::string_view known) {
     std::size_t distance = 0;
     if (measure(known, letters, distance)) {
         m_Found.push_back(
-            {distance, editDistance(m_Unknown.Exact, m_Unknown.Size, letters.Exact, letters.Size),
-             std::string(known)});
+            {std::string(known), distance,
+             editDistance(m_Unknown.Exact, m_Unknown.Size, letters.Exact, letters.Size),
+             isRare(known)});
     }
 }
 
-std::vector<std::string> CNearestNames::best() const {
-    constexpr std::size_t Most = 5;
-    std::vector<const CCandidate*> order;
-    order.reserve(m_Found.size());
-    for (const CCandidate& candidate : m_Found) {
-        order.push_back(&candidate);
+std::vector<CNearestNames::CNear> CNearestNames::best() const {
+    constexpr std::size_t Most = 12;
+    std::vector<CNear> nearest;
+    nearest.reserve(m_Found.size());
+    for (const CNear& found : m_Found) {
+        nearest.push_back(found);
     }
-    std::sort(order.begin(), order.end(), [](const CCandidate* a, const CCandidate* b) {
-        return std::tie(a->Distance, a->ExactDistance, a->Name) <
-               std::tie(b->Distance, b->ExactDistance, b->Name);
+    std::sort(nearest.begin(), nearest.end(), [](const CNear& a, const CNear& b) {
+        return std::tie(a.Distance, a.IsRare, a.ExactDistance, a.Name) <
+               std::tie(b.Distance, b.IsRare, b.ExactDistance, b.Name);
     });
-    std::vector<std::string> names;
-    for (std::size_t i = 0; i < order.size() && i < Most; ++i) {
-        names.push_back(order[i]->Name);
+    if (nearest.size() > Most) {
+        nearest.resize(Most);
     }
-    return names;
+    return nearest;
 }
 
 }  // namespace exact

@@ -15,7 +15,8 @@ namespace mensor {
 namespace exact {
 
 /// Collects the known names that are nearest to an unknown one: the same letters in other case, then
-/// by the number of insertions, deletions, replacements and swaps of neighbours.
+/// by the number of insertions, deletions, replacements and swaps of neighbours; names with usual
+/// prefixes first.
 class MENSOR_EXACT_API CNearestNames {
 public:
     explicit CNearestNames(std::string_view unknown);
@@ -25,8 +26,16 @@ public:
 
     void add(std::string_view known);
 
-    /// The nearest ones, best first, at most five.
-    std::vector<std::string> best() const;
+    /// A known name.
+    struct CNear {
+        std::string Name;
+        std::size_t Distance;       ///< whatever the case
+        std::size_t ExactDistance;  ///< with it
+        bool IsRare;                ///< has a prefix that is hardly used, as "Eg"
+    };
+
+    /// The nearest ones, best first, at most twelve.
+    std::vector<CNear> best() const;
 
 private:
     static constexpr std::size_t Longest = 24;  // code points of an unknown name
@@ -40,19 +49,13 @@ private:
         std::uint64_t Set = 0;  // a bit for each small letter, which others may share
     };
 
-    struct CCandidate {
-        std::size_t Distance;       // whatever the case
-        std::size_t ExactDistance;  // with it
-        std::string Name;
-    };
-
     static bool read(std::string_view text, CLetters& letters);
     bool measure(std::string_view known, CLetters& letters, std::size_t& distance) const;
 
     CLetters m_Unknown;
     std::size_t m_Farthest = 0;
     bool m_HasNone = false;  // the name is too long
-    std::vector<CCandidate> m_Found;
+    std::vector<CNear> m_Found;
 };
 
 }  // namespace exact

@@ -30,19 +30,19 @@ public:
     bool find(bool mayBeNotFinite) {
         if (m_Text.size() > LongestText && countCodePoints(m_Text) > LongestText) {
             return refuse(eRefusal::TOO_LONG, {0, 0},
-                          "a text of more than 4096 characters is no value");
+                          "a value cannot have more than 4096 characters");
         }
         CCursor cursor(m_Text);
         cursor.skipBlanks();
         m_Number.Whole.Begin = cursor.position();
         m_Number.IsNegative = cursor.kind() == eKind::MINUS;
-        if (m_Number.IsNegative) {
+        if (m_Number.IsNegative || cursor.kind() == eKind::PLUS) {
             cursor.advance();
         }
         const std::size_t begin = cursor.position();
         if (at(begin) == '0' && (at(begin + 1) | 0x20) == 'x') {
             return refuse(eRefusal::HEXADECIMAL, {m_Number.Whole.Begin, begin + 2},
-                          "numbers are decimal");
+                          "a number must be decimal");
         }
         const bool isDecimal = isDigit(at(begin)) || (at(begin) == '.' && isDigit(at(begin + 1)));
         if (!(isDecimal ? decimal(begin) : word(begin, mayBeNotFinite))) {
@@ -70,8 +70,8 @@ private:
         m_Number.Size = {begin, end};
         return at(end) != ',' ||
                refuse(eRefusal::DECIMAL_COMMA, {end, end + 1},
-                      "a comma stands in this number; the decimal sign is a point",
-                      eReadings::COMMA);
+                      "there is a comma in this number; the decimal sign is a point",
+                      eReadings::VALUE);
     }
 
     bool word(std::size_t begin, bool mayBeNotFinite) {
@@ -83,16 +83,14 @@ private:
             m_Number.Size = {begin, begin + name.size()};
             return mayBeNotFinite ||
                    refuse(eRefusal::NOT_FINITE, {m_Number.Whole.Begin, m_Number.Size.End},
-                          "a value is a finite number");
+                          "the number of a value must be finite");
         }
         CCursor cursor(m_Text, begin);
-        const bool isPlus = cursor.kind() == eKind::PLUS;
         if (cursor.kind() != eKind::END) {
             cursor.advance();
         }
         return refuse(eRefusal::NO_NUMBER, {m_Number.Whole.Begin, cursor.position()},
-                      isPlus ? "a value begins with a number, which has no plus sign"
-                             : "a value begins with a number");
+                      "a value must begin with a number");
     }
 
     // Alone "1" is a unit; behind a number it is rather a slip of the pen.
@@ -108,12 +106,12 @@ private:
         cursor.skipBlanks();
         return cursor.kind() != eKind::END ||
                refuse(eRefusal::STRAY_NUMBER, {begin, end},
-                      "two numbers stand here; the dimensionless unit is \"One\"");
+                      "there are two numbers; the unit without a dimension is \"One\"");
     }
 
     bool refuse(eRefusal code, CSpan span, const char* sentence,
                 eReadings readings = eReadings::NONE) {
-        m_Refusal = {code, m_Text, span, sentence, readings, {}, 0};
+        m_Refusal = {code, m_Text, span, sentence, readings, {}, 0, nullptr};
         return false;
     }
 

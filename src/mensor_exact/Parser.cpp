@@ -17,8 +17,8 @@
 #include <numeric>
 
 #include "mensor_exact/Characters.h"
-#include "mensor_exact/NearestNames.h"
 #include "mensor_exact/Reading.h"
+#include "mensor_exact/Traps.h"
 #include "mensor_exact/Utf8.h"
 
 namespace mensor {
@@ -46,6 +46,9 @@ bool isInRange(Fraction fraction) {
     return std::abs(fraction.Pow) <= LargestExponent && fraction.Root <= LargestExponent;
 }
 
+constexpr const char* InvisibleCharacter = "there is an invisible character here";
+constexpr const char* UnmatchedBracket = "unmatched closing bracket";
+
 bool isSign(eKind kind) { return kind == eKind::PLUS || kind == eKind::MINUS; }
 
 bool isRaised(eKind kind) {
@@ -54,18 +57,18 @@ bool isRaised(eKind kind) {
 
 const char* sentenceOnForeign(char32_t c) {
     switch (c) {
-        case U'\'': return "no apostrophe stands in a unit; the minute of arc is \"′\"";
-        case U'"': return "no quotation mark stands in a unit; the second of arc is \"″\"";
-        case U',': return "no comma stands in a unit";
+        case U'\'': return "a unit cannot contain an apostrophe; the minute of arc is \"′\"";
+        case U'"': return "a unit cannot contain a quotation mark; the second of arc is \"″\"";
+        case U',': return "a unit cannot contain a comma";
         case U'<':
         case U'>':
         case U'&':
-        case U';': return "no markup stands in a unit";
+        case U';': return "a unit cannot contain markup";
         case U'\n':
-        case U'\r': return "a unit stands on one line";
+        case U'\r': return "a unit cannot contain a line break";
         default:
-            return c < 0x80 && c > 0x20 ? "no unit is written with this character"
-                                        : "an invisible character stands here";
+            return c < 0x80 && c > 0x20 ? "a unit cannot contain this character"
+                                        : InvisibleCharacter;
     }
 }
 
@@ -84,20 +87,20 @@ public:
         const std::string_view unit = m_Text.substr(m_Begin);
         if (unit.size() > LongestText && countCodePoints(unit) > LongestText) {
             return refuse(eRefusal::TOO_LONG, {m_Begin, m_Begin},
-                          "a text of more than 4096 characters is no unit");
+                          "a unit cannot have more than 4096 characters");
         }
         if (!requireWellFormed()) {
             return false;
         }
         m_Cursor.skipBlanks();
         if (kind() == eKind::END) {
-            return mayBeEmpty || refuse(eRefusal::EMPTY, {at(), at()}, "no unit is written");
+            return mayBeEmpty || refuse(eRefusal::EMPTY, {at(), at()}, "the unit is missing");
         }
         if (!expression(0)) {
             return false;
         }
         return kind() == eKind::END ||
-               refuse(eRefusal::STRAY_BRACKET, here(), "no bracket is open here");
+               refuse(eRefusal::STRAY_BRACKET, here(), UnmatchedBracket, eReadings::REMOVE);
     }
 
 private:
@@ -130,9 +133,15 @@ private:
             return false;
         }
         const CSpan right = trimmed(begin);
+        const bool hadBlank = kind() == eKind::BLANK;
         m_Cursor.skipBlanks();
         const bool goesOn = kind() == eKind::SLASH || isOperator() || beginsFactor();
-        return !goesOn || refuseChain(depth, left, right);
+        if (!goesOn) {
+            return requireNoQuotientTrap(left, right);
+        }
+        return (!hadBlank ||
+                (requireNoPair(lastWord(right), right) && requireNoPair(lastWord(left), right))) &&
+               refuseChain(left);
     }
 
     // The "1" of "1/s", or the whole of a text or parentheses.
@@ -155,12 +164,15 @@ private:
         }
         for (;;) {
             const bool hadBlank = kind() == eKind::BLANK;
+            const bool isPlain = m_PlainName.End == at();  // a name without an exponent
             m_Cursor.skipBlanks();
             if (isOperator()) {
                 m_Cursor.advance();
                 m_Cursor.skipBlanks();
             } else if (!beginsFactor() || !hadBlank) {
                 return true;
+            } else if (isPlain && !requireNoPair(m_PlainName, m_PlainName)) {
+                return false;
             }
             if (!factor(depth)) {
                 return false;
@@ -171,7 +183,7 @@ private:
     bool factor(int depth) {
         if (depth > DeepestNesting) {
             return refuse(eRefusal::TOO_DEEP, here(),
-                          "more than 64 brackets or roots stand inside each other");
+                          "brackets and roots cannot be nested more than 64 deep");
         }
         const std::size_t begin = m_Factors.size();
         const std::size_t beginText = at();
@@ -181,7 +193,7 @@ private:
                 m_Cursor.skipBlanks();
                 return factor(depth + 1) && raise(begin, {1, 2}, {beginText, at()});
             case eKind::NAME:
-                if (!name()) {
+                if (!name() || !requireNoPowerTrap()) {
                     return false;
                 }
                 if (kind() == eKind::DIGIT ||
@@ -209,7 +221,52 @@ private:
         while (kind() == eKind::NAME) {
             m_Cursor.advance();
         }
-        return push({begin, at()});
+        if (kind() == eKind::DIGIT || kind() == eKind::OPEN || kind() == eKind::POINT) {
+            extendName(begin);
+        }
+        m_PlainName = {begin, at()};
+        return push(m_PlainName);
+    }
+
+    // Takes a sign, too, where by the grammar the text would be refused, and the resolver has a name with
+    // that sign in it: "mmH2O", "bar(g)", "in.".
+    void extendName(std::size_t begin) {
+        CCursor ahead = m_Cursor;
+        switch (kind()) {
+            case eKind::DIGIT:
+                while (ahead.kind() == eKind::DIGIT) {
+                    ahead.advance();
+                }
+                if (ahead.kind() != eKind::NAME) {
+                    return;  // an exponent
+                }
+                while (ahead.kind() == eKind::NAME || ahead.kind() == eKind::DIGIT) {
+                    ahead.advance();
+                }
+                break;
+            case eKind::OPEN:
+                ahead.advance();
+                while (ahead.kind() == eKind::NAME) {
+                    ahead.advance();
+                }
+                if (ahead.kind() != eKind::CLOSE) {
+                    return;
+                }
+                ahead.advance();
+                break;
+            default: {
+                ahead.advance();
+                CCursor next = ahead;
+                next.skipBlanks();
+                if (next.kind() == eKind::NAME || next.kind() == eKind::OPEN_NAME ||
+                    next.kind() == eKind::OPEN || next.kind() == eKind::ROOT) {
+                    return;  // the point is an operator
+                }
+            }
+        }
+        if (m_Resolver.knows(m_Text.substr(begin, ahead.position() - begin))) {
+            m_Cursor = ahead;
+        }
     }
 
     bool bracketedName() {
@@ -235,7 +292,7 @@ private:
         m_Cursor.skipBlanks();
         if (kind() == eKind::CLOSE) {
             return refuse(eRefusal::MISSING_UNIT, {opening.Begin, here().End},
-                          "nothing stands between these brackets");
+                          "these brackets are empty");
         }
         if (kind() == eKind::END) {
             return refuseOpen(opening);
@@ -286,7 +343,7 @@ private:
         }
         if (kind() != eKind::RAISED_DIGIT) {
             return refuse(eRefusal::MALFORMED_EXPONENT, {begin, at()},
-                          "a raised sign without a digit");
+                          "superscript sign without a digit");
         }
         int n = 0;
         if (!digits(eKind::RAISED_DIGIT, n)) {
@@ -321,7 +378,8 @@ private:
         }
         const int sign = this->sign();
         if (kind() != eKind::DIGIT) {
-            return refuse(eRefusal::MALFORMED_EXPONENT, {begin, at()}, "no number follows");
+            return refuse(eRefusal::MALFORMED_EXPONENT, {begin, at()},
+                          "an exponent must be a number");
         }
         Fraction fraction{0, 1};
         if (!digits(eKind::DIGIT, fraction.Pow)) {
@@ -336,7 +394,8 @@ private:
                 return false;
             }
             if (fraction.Root == 0) {
-                return refuse(eRefusal::MALFORMED_EXPONENT, {begin, at()}, "a fraction of nothing");
+                return refuse(eRefusal::MALFORMED_EXPONENT, {begin, at()},
+                              "the denominator is zero");
             }
         }
         power = multiplied({sign, 1}, fraction);
@@ -350,7 +409,7 @@ private:
         }
         if (kind() != eKind::CLOSE) {
             return refuse(eRefusal::MALFORMED_EXPONENT, {begin, at()},
-                          "more than a number stands in the brackets of this exponent");
+                          "the brackets of an exponent can only contain a number");
         }
         m_Cursor.advance();
         return true;
@@ -394,7 +453,7 @@ private:
         const std::int64_t divisor = std::gcd(numerator, denominator);
         if (isLonger || denominator / divisor > LargestExponent) {
             return refuse(eRefusal::INEXACT_EXPONENT, {begin, at()},
-                          "this decimal is no exact small fraction; write a fraction as ^(1/3)");
+                          "this exponent is not a small fraction");
         }
         if (numerator / divisor > LargestExponent) {
             return refuseRange({begin, at()});
@@ -470,7 +529,7 @@ private:
     bool push(CSpan span) {
         const std::uint32_t unit = m_Resolver.find(span.of(m_Text));
         if (unit == CResolver::None) {
-            return refuse(eRefusal::UNKNOWN_NAME, span, "no unit has the name \"{}\"");
+            return refuseUnknown(span);
         }
         m_Factors.push_back({span, unit, 1, 1});
         return true;
@@ -491,14 +550,15 @@ private:
     // Refusals. All return false.
 
     bool refuse(eRefusal code, CSpan span, const char* sentence,
-                eReadings readings = eReadings::NONE, CSpan a = {}, CSpan b = {}, CSpan c = {}) {
-        m_Refusal = {code, m_Text, span, sentence, readings, {a, b, c}, m_Begin};
+                eReadings readings = eReadings::NONE, CSpan a = {}, const CTrap* trap = nullptr) {
+        m_Refusal = {code, m_Text, span, sentence, readings, {a}, m_Begin, trap};
         return false;
     }
 
     // First of all: who reads a part of such a text may read another text than was written.
     bool requireWellFormed() {
         std::size_t length = 1;
+        CSpan invisible;
         for (std::size_t at = m_Begin; at < m_Text.size(); at += length) {
             const auto byte = static_cast<unsigned char>(m_Text[at]);
             length = 1;
@@ -506,14 +566,21 @@ private:
                 continue;
             }
             if (byte == 0) {
-                return refuse(eRefusal::MALFORMED_TEXT, {at, at + 1}, "a NUL stands in the text");
+                return refuse(eRefusal::MALFORMED_TEXT, {at, at + 1}, "the text contains a NUL");
             }
-            if (decode(m_Text.substr(at), length) == NotUtf8) {
+            const char32_t c = decode(m_Text.substr(at), length);
+            if (c == NotUtf8) {
                 return refuse(eRefusal::MALFORMED_TEXT, {at, at + length},
                               "the text is not UTF-8 here");
             }
+            constexpr char32_t SoftHyphen = 0xAD;
+            constexpr char32_t NextInvisible = 0x34F;
+            if ((c == SoftHyphen || c >= NextInvisible) && isInvisible(c) && invisible.End == 0) {
+                invisible = {at, at + length};
+            }
         }
-        return true;
+        return invisible.End == 0 || refuse(eRefusal::UNEXPECTED_CHARACTER, invisible,
+                                            InvisibleCharacter, eReadings::REMOVE);
     }
 
     bool refuseForeign() {
@@ -522,11 +589,12 @@ private:
     }
 
     bool refuseOpen(CSpan opening) {
-        return refuse(eRefusal::OPEN_BRACKET, opening, "nothing closes this bracket");
+        return refuse(eRefusal::OPEN_BRACKET, opening, "this bracket is never closed",
+                      eReadings::CLOSE);
     }
 
     bool refuseRange(CSpan span) {
-        return refuse(eRefusal::EXPONENT_RANGE, span, "an exponent beyond 99");
+        return refuse(eRefusal::EXPONENT_RANGE, span, "an exponent cannot be beyond 99");
     }
 
     // "m^1/2", which mathematics reads as m/2.
@@ -542,18 +610,19 @@ private:
             case eKind::FOREIGN: return refuseForeign();
             case eKind::DIGIT:
                 return refuse(eRefusal::STRAY_NUMBER, number(),
-                              "the number {} stands for nothing in a unit");
+                              "a unit cannot contain the number {}", eReadings::JOIN);
             case eKind::CLOSE_NAME:
-                return refuse(eRefusal::STRAY_BRACKET, here(), "no bracket is open here");
+                return refuse(eRefusal::STRAY_BRACKET, here(), UnmatchedBracket, eReadings::REMOVE);
             case eKind::CLOSE:
                 return m_Factors.empty()
-                           ? refuse(eRefusal::STRAY_BRACKET, here(), "no bracket is open here")
+                           ? refuse(eRefusal::STRAY_BRACKET, here(), UnmatchedBracket,
+                                    eReadings::REMOVE)
                            : refuse(eRefusal::MISSING_UNIT, here(), "a unit is missing here");
             case eKind::PLUS:
             case eKind::MINUS:
             case eKind::COLON:
                 return refuse(eRefusal::UNEXPECTED_CHARACTER, here(),
-                              "this sign belongs behind a unit, in an exponent");
+                              "this sign can only be part of an exponent", eReadings::JOIN);
             default: break;
         }
         const bool isFirstSlash = kind() == eKind::SLASH && m_Factors.empty() && at() == m_Begin;
@@ -570,14 +639,17 @@ private:
             case eKind::OPEN_NAME:
             case eKind::OPEN:
             case eKind::ROOT:
+                if (m_PlainName.End == at() && !requireNoPair(m_PlainName, m_PlainName)) {
+                    return false;  // "kPa(g)"
+                }
                 return refuse(eRefusal::MISSING_OPERATOR, here(),
-                              "no operator stands between these units", eReadings::TIMES);
+                              "there is no operator between these units", eReadings::TIMES);
             case eKind::RAISED_DIGIT:
             case eKind::RAISED_MINUS:
             case eKind::RAISED_PLUS:
             case eKind::CARET:
                 return refuse(eRefusal::MALFORMED_EXPONENT, here(),
-                              "an exponent stands directly behind its unit");
+                              "no blank is allowed before an exponent", eReadings::JOIN);
             default: return refuseFactor();
         }
     }
@@ -594,26 +666,165 @@ private:
         CCursor afterwards = ahead;
         afterwards.advance();
         return refuse(eRefusal::SECOND_EXPONENT, {ahead.position(), afterwards.position()},
-                      "a second exponent follows the first", eReadings::POWER, {begin, at()});
+                      "a unit can have one exponent only", eReadings::POWER, {begin, at()});
     }
 
-    // Behind left/right the cursor is at another operator: mathematics and habit read on differently.
-    bool refuseChain(int depth, CSpan left, CSpan right) {
-        const bool isDivision = kind() == eKind::SLASH;
-        const CSpan token = here();
-        if (!beginsFactor()) {
-            m_Cursor.advance();
-            m_Cursor.skipBlanks();
+    // Behind a/b the cursor is at another operator: mathematics and habit read on differently.
+    bool refuseChain(CSpan left) {
+        CCursor ahead = m_Cursor;
+        ahead.advance();
+        ahead.skipBlanks();
+        if (kind() == eKind::SLASH && ahead.kind() == eKind::END) {
+            return refuse(eRefusal::MISSING_UNIT, here(), "a unit is missing behind this sign",
+                          eReadings::REMOVE);
         }
-        const std::size_t begin = at();
-        // If the rest is no unit either, there are no readings.
-        const eReadings readings = factor(depth) ? eReadings::DIVISION : eReadings::NONE;
-        const CSpan third{begin, at()};
-        return isDivision ? refuse(eRefusal::SECOND_DIVISION, token,
-                                   "a second division needs brackets", readings, left, right, third)
-                          : refuse(eRefusal::PRODUCT_AFTER_DIVISION, token,
-                                   "a product behind a division needs brackets", readings, left,
-                                   right, third);
+        return kind() == eKind::SLASH
+                   ? refuse(eRefusal::SECOND_DIVISION, here(), "a second division needs brackets",
+                            eReadings::CHAIN, left)
+                   : refuse(eRefusal::PRODUCT_AFTER_DIVISION, here(),
+                            "a product behind a division needs brackets", eReadings::CHAIN, left);
+    }
+
+    // Behind a name that no unit has.
+    bool refuseUnknown(CSpan span) {
+        const std::string_view name = span.of(m_Text);
+        const CTrap* const cubed = isCubed() ? findTrap(ePlace::CUBED, name) : nullptr;
+        if (cubed != nullptr) {
+            return refuseCubed(span, *cubed);
+        }
+        CCursor ahead(m_Text, span.End);
+        while (ahead.kind() == eKind::NAME || ahead.kind() == eKind::DIGIT) {
+            ahead.advance();
+        }
+        const CSpan whole{span.Begin, ahead.position()};  // "kgCO2"
+        const CTrap* trap = findTrap(ePlace::UNKNOWN, whole.of(m_Text));
+        if (trap != nullptr) {
+            span = whole;
+        } else {
+            trap = findTrap(ePlace::UNKNOWN, name);
+        }
+        if (trap != nullptr) {
+            return refuse(eRefusal::UNKNOWN_NAME, span, trap->Sentence, eReadings::TRAP, span,
+                          trap);
+        }
+        return refuse(eRefusal::UNKNOWN_NAME, span, "no unit has the name \"{}\"");
+    }
+
+    // Traps. All return false where the text is refused.
+
+    // Behind a name: "Nm³", "Nm²".
+    bool requireNoPowerTrap() {
+        const std::string_view name = m_PlainName.of(m_Text);
+        CCursor ahead = m_Cursor;
+        ahead.skipBlanks();
+        const bool hasExponent = isRaised(kind()) || kind() == eKind::DIGIT ||
+                                 (kind() == eKind::MINUS && m_Cursor.peek() == eKind::DIGIT) ||
+                                 ahead.kind() == eKind::CARET ||
+                                 (ahead.kind() == eKind::STAR && ahead.peek() == eKind::STAR);
+        if (!hasExponent || name.size() < 2) {
+            return true;
+        }
+        const CTrap* trap = findTrap(ePlace::POWER, name);
+        if (trap == nullptr || m_Resolver.isOwn(name)) {
+            return true;
+        }
+        const CTrap* const cubed = isCubed() ? findTrap(ePlace::CUBED, name) : nullptr;
+        if (cubed != nullptr) {
+            return refuseCubed(m_PlainName, *cubed);
+        }
+        return refuse(eRefusal::MISLEADING, m_PlainName, trap->Sentence, eReadings::TRAP,
+                      m_PlainName, trap);
+    }
+
+    // Whether the exponent 3 is next.
+    bool isCubed() const { return !cube().of(m_Text).empty(); }
+
+    // Where it is; empty if it is not next.
+    CSpan cube() const {
+        CCursor ahead = m_Cursor;
+        if (!isRaised(ahead.kind()) && ahead.kind() != eKind::DIGIT) {
+            ahead.skipBlanks();
+            if (ahead.kind() == eKind::STAR && ahead.peek() == eKind::STAR) {
+                ahead.advance();
+            } else if (ahead.kind() != eKind::CARET) {
+                return {};
+            }
+            ahead.advance();
+            ahead.skipBlanks();
+        }
+        const eKind digit = ahead.kind();
+        const bool isThree =
+            (digit == eKind::DIGIT || digit == eKind::RAISED_DIGIT) && ahead.digit() == 3;
+        ahead.advance();
+        return isThree && ahead.kind() != digit ? CSpan{at(), ahead.position()} : CSpan{};
+    }
+
+    bool refuseCubed(CSpan name, const CTrap& trap) {
+        const CSpan token{name.Begin, cube().End};
+        return refuse(eRefusal::MISLEADING, token, trap.Sentence, eReadings::TRAP, token, &trap);
+    }
+
+    // Before a name with a blank before it: "psi g". `before` tells the class of the name; `kept` stays.
+    bool requireNoPair(CSpan before, CSpan kept) {
+        if (kind() != eKind::NAME && kind() != eKind::OPEN) {
+            return true;
+        }
+        CCursor ahead = m_Cursor;
+        const bool isBracketed = ahead.kind() == eKind::OPEN;
+        if (isBracketed) {
+            ahead.advance();
+        }
+        while (ahead.kind() == eKind::NAME || ahead.kind() == eKind::DIGIT) {
+            ahead.advance();
+        }
+        if (isBracketed) {
+            if (ahead.kind() != eKind::CLOSE) {
+                return true;
+            }
+            ahead.advance();
+        }
+        const CSpan next{at(), ahead.position()};
+        const bool isBelow =
+            m_Text.substr(m_Begin, before.Begin - m_Begin).find('/') != std::string_view::npos;
+        const CTrap* const trap = findPair(before.of(m_Text), next.of(m_Text), isBelow);
+        if (trap == nullptr || m_Resolver.isOwn(next.of(m_Text))) {
+            return true;
+        }
+        return refuse(eRefusal::MISLEADING, {kept.Begin, next.End}, trap->Sentence, eReadings::TRAP,
+                      kept, trap);
+    }
+
+    // A quotient that has two meanings: "W/mK".
+    bool requireNoQuotientTrap(CSpan left, CSpan right) {
+        CSpan name = right;
+        const std::string_view text = right.of(m_Text);
+        if (text.size() > 2 && text.front() == '(' && text.back() == ')') {
+            name = {right.Begin + 1, right.End - 1};
+        }
+        constexpr std::size_t Longest = 4;
+        if (name.End - name.Begin > Longest) {
+            return true;
+        }
+        const CTrap* const trap =
+            findTrap(ePlace::QUOTIENT, name.of(m_Text), lastWord(left).of(m_Text));
+        if (trap == nullptr || m_Resolver.isOwn(name.of(m_Text))) {
+            return true;
+        }
+        return refuse(eRefusal::MISLEADING, {lastWord(left).Begin, right.End}, trap->Sentence,
+                      eReadings::TRAP, left, trap);
+    }
+
+    // The characters of a name at the end of a piece of the text.
+    CSpan lastWord(CSpan span) const {
+        CSpan word{span.Begin, span.End};
+        for (CCursor walk(m_Text.substr(0, span.End), span.Begin); walk.kind() != eKind::END;) {
+            const bool isName = walk.kind() == eKind::NAME;
+            walk.advance();
+            if (!isName) {
+                word.Begin = walk.position();
+            }
+        }
+        return word;
     }
 
     const std::string_view m_Text;
@@ -623,6 +834,7 @@ private:
     CRefusal& m_Refusal;
     CCursor m_Cursor;
     CSpan m_CaretPower;  // what stands behind the latest "^"
+    CSpan m_PlainName;   // the latest name without brackets
 };
 
 }  // namespace
@@ -630,16 +842,6 @@ private:
 bool parse(std::string_view text, std::size_t begin, bool mayBeEmpty, CResolver& resolver,
            CNamedFactors& factors, CRefusal& refusal) {
     return CParser(text, begin, resolver, factors, refusal).parse(mayBeEmpty);
-}
-
-CDiagnosis diagnose(const CRefusal& refusal, CResolver& resolver) {
-    CDiagnosis diagnosis = refusal.diagnosis();
-    if (refusal.Code == eRefusal::UNKNOWN_NAME) {
-        CNearestNames nearest(refusal.token());
-        resolver.addNamesTo(nearest);
-        diagnosis.Suggestions = nearest.best();
-    }
-    return diagnosis;
 }
 
 bool isName(std::string_view text) {

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "mensor_exact/Definitions.h"
 #include "mensor_exact/Refusal.h"
 #include "mensor_exact/exact_export.h"
 
@@ -20,6 +21,20 @@ constexpr int LargestExponent = 99;
 
 class CNearestNames;
 
+/// How well a text fits that is to be offered.
+enum class eFit : std::uint8_t {
+    REFUSED,
+    READ,
+    KIND,   ///< read, and of a kind that has a name
+    TARGET  ///< read, and of the kind that is asked for
+};
+
+/// A number and the name of a unit, as they are written.
+struct CNamedNumber {
+    std::string_view Number;
+    std::string_view Name;
+};
+
 /// Where the parser asks for names.
 class CResolver {
 public:
@@ -28,8 +43,29 @@ public:
     /// A number of the resolver's choice for the unit with this name, in any spelling, or None.
     virtual std::uint32_t find(std::string_view name) = 0;
 
+    /// Whether a unit has this name, in any spelling.
+    virtual bool knows(std::string_view name) = 0;
+
+    /// Whether the name is the program's own, which is no trap.
+    virtual bool isOwn(std::string_view name) = 0;
+
+    // For the words of a refusal.
+
     /// Adds all names that may be suggested.
     virtual void addNamesTo(CNearestNames& nearest) = 0;
+
+    /// Whether a program can ask for this pack.
+    virtual bool offers(ePack pack) = 0;
+
+    /// Reads the unit that begins at the byte `begin` of `text` as the refused one was read. REFUSED
+    /// comes with the reason.
+    virtual eFit fit(std::string_view text, std::size_t begin, CRefusal& refusal) = 0;
+
+    /// Adds what may be written for the token of a refusal that only the resolver understands.
+    virtual void addWords(const CRefusal& refusal, std::vector<std::string>& words) = 0;
+
+    /// The sum of values of one kind, in the unit of the last one: "90 min"; empty if there is none.
+    virtual std::string sumOf(const std::vector<CNamedNumber>& values) = 0;
 
 protected:
     CResolver() = default;
@@ -85,8 +121,8 @@ private:
 MENSOR_EXACT_API bool parse(std::string_view text, std::size_t begin, bool mayBeEmpty,
                             CResolver& resolver, CNamedFactors& factors, CRefusal& refusal);
 
-/// All words of a refusal of parse(), with the names of the resolver that are nearest to an unknown
-/// one.
+/// All words of a refusal of parse() or findNumber(), with what to write instead. Whatever is offered
+/// was read by the resolver's fit().
 MENSOR_EXACT_API CDiagnosis diagnose(const CRefusal& refusal, CResolver& resolver);
 
 }  // namespace exact

@@ -1,18 +1,23 @@
 #include "mensor_exact/Reading.h"
 
 #include <array>
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "mensor_exact/Conversion.h"
 #include "mensor_exact/Error.h"
 #include "mensor_exact/NearestNames.h"
 #include "mensor_exact/NumberText.h"
 #include "mensor_exact/OwnDefinitions.h"
 #include "mensor_exact/Parser.h"
 #include "mensor_exact/Spelling.h"
+#include "mensor_exact/Table.h"
+#include "mensor_exact/Traps.h"
 #include "mensor_exact/UnitsWriter.h"
 
 namespace mensor {
@@ -22,8 +27,18 @@ namespace {
 
 bool hasOffset(const CMeaning& meaning) { return !meaning.offset().isZero(); }
 
+// What a word of the pack EVERYDAY means, "kilometres".
+std::optional<CMeaning> wordMeaning(std::string_view name) {
+    const std::optional<CWord> word = everydayWord(name);
+    if (!word) {
+        return std::nullopt;
+    }
+    CMeaning meaning = CTable::meaning(CTable::find(word->Symbol, CTable::AllPacks));
+    return word->Power == 0 ? meaning : meaning.scaled(CFactor(CFraction(10)).power(word->Power));
+}
+
 // What a name means in `catalogue`, in any spelling; "One" is the dimensionless unit. Tells the
-// catalogue's spelling if it is asked for.
+// catalogue's spelling if it is asked for, an empty one if no definition can have that.
 std::optional<CMeaning> meaningOf(std::string_view name, const CCatalogue& catalogue,
                                   std::string* known = nullptr) {
     std::optional<CMeaning> meaning =
@@ -34,15 +49,27 @@ std::optional<CMeaning> meaningOf(std::string_view name, const CCatalogue& catal
                                    catalogue.find(spelling)->Pack == ePack::OWN;
             std::optional<CMeaning> found =
                 isAnother ? std::optional<CMeaning>() : catalogue.meaning(spelling);
-            if (found && known != nullptr) {
-                *known = spelling;
+            if (found && known != nullptr) {  // "bar(g)" and "in." stand in no definition
+                *known = spelling.find_first_of("(.") == std::string_view::npos
+                             ? spelling
+                             : std::string_view();
             }
             return found;
         });
     if (!meaning && name == "One") {
         meaning.emplace();
+    } else if (!meaning && catalogue.has(ePack::EVERYDAY)) {
+        meaning = wordMeaning(name);
+        if (meaning && known != nullptr) {
+            known->clear();
+        }
     }
     return meaning;
+}
+
+bool isOwn(std::string_view name, const CCatalogue& catalogue) {
+    const std::optional<CDefinition> definition = catalogue.find(name);
+    return definition && definition->Pack == ePack::OWN;
 }
 
 // A name that is a prefix and a scale with a zero of its own, as "m°C".
@@ -73,7 +100,9 @@ std::optional<CPrefixedScale> prefixedScale(std::string_view name, const CCatalo
 // differences of a scale behind a prefix.
 class CCatalogueNames final : public CResolver {
 public:
-    explicit CCatalogueNames(const CCatalogue& catalogue) : m_Catalogue(catalogue) {}
+    /// `target` is what advice is to fit; it may be null.
+    explicit CCatalogueNames(const CCatalogue& catalogue, const CMeaning* target = nullptr)
+        : m_Catalogue(catalogue), m_Target(target) {}
 
     std::uint32_t find(std::string_view name) override {
         std::optional<CMeaning> meaning = meaningOf(name, m_Catalogue);
@@ -94,12 +123,22 @@ public:
         return static_cast<std::uint32_t>(2 * m_Count + (isPlain ? 0 : 1));
     }
 
+    bool knows(std::string_view name) override { return meaningOf(name, m_Catalogue).has_value(); }
+
+    bool isOwn(std::string_view name) override { return exact::isOwn(name, m_Catalogue); }
+
     void addNamesTo(CNearestNames& nearest) override {
         m_Catalogue.forEach([&](const CDefinition& definition) {
             nearest.add(definition.Name);
             return true;
         });
     }
+
+    bool offers(ePack) override { return true; }
+
+    eFit fit(std::string_view text, std::size_t begin, CRefusal& refusal) override;
+    void addWords(const CRefusal& refusal, std::vector<std::string>& words) override;
+    std::string sumOf(const std::vector<CNamedNumber>& values) override;
 
     static bool isPrefixedScale(const CNamedFactor& factor) { return factor.Unit % 2 != 0; }
 
@@ -110,6 +149,7 @@ public:
 
 private:
     const CCatalogue& m_Catalogue;
+    const CMeaning* m_Target;
     std::array<std::optional<CMeaning>, 6> m_Few;  // needs no memory beside the object
     std::vector<CMeaning> m_Many;
     std::size_t m_Count = 0;
@@ -132,6 +172,9 @@ public:
         const bool isAlone = factors.isOneName();
         for (const CNamedFactor& factor : factors) {
             CMeaning& unit = names.meaning(factor);
+            if (!takeNote(factor.Name, result)) {
+                return result;
+            }
             if (CCatalogueNames::isPrefixedScale(factor)) {
                 if (!takePrefixedScale(factor.Name, isAlone, result)) {
                     return result;
@@ -151,6 +194,22 @@ public:
     }
 
 private:
+    // A name that people use for something else.
+    bool takeNote(CSpan name, CReading& result) const {
+        const CTrap* const trap = findNote(name.of(m_Text));
+        if (trap == nullptr || isOwn(name.of(m_Text), m_Catalogue)) {
+            return true;
+        }
+        const bool isUnusual = trap->Place == ePlace::UNUSUAL;
+        if (isUnusual && m_Options.Strict) {
+            result.Refusal = {eRefusal::MISLEADING, m_Text, name,    trap->Sentence,
+                              eReadings::TRAP,      {name}, m_Begin, trap};
+            return false;
+        }
+        result.Notes.add({trap->Sentence, name, isUnusual});
+        return true;
+    }
+
     // "W/m°C" may be meant as W/(m·K), so the prefix is refused where it is a unit, too.
     bool takePrefixedScale(CSpan name, bool isAlone, CReading& result) const {
         const std::string_view prefix = prefixedScale(name.of(m_Text), m_Catalogue)->Prefix;
@@ -163,17 +222,18 @@ private:
         result.Refusal = {eRefusal::PREFIXED_OFFSET,
                           m_Text,
                           name,
-                          "\"{}\" is a prefix before a scale with a zero of its own",
+                          "\"{}\" is a prefix before a scale with its own zero",
                           eReadings::NONE,
                           {unit},
-                          m_Begin};
+                          m_Begin,
+                          nullptr};
         return false;
     }
 
     bool takeDifference(CSpan name, CMeaning& unit, CReading& result) const {
         if (!m_Options.Differences) {
             refuse(eRefusal::OFFSET_IN_PRODUCT, name,
-                   "\"{}\" counts from a zero of its own and has no place in a product", result);
+                   "\"{}\" is a scale with its own zero and cannot be part of a product", result);
             return false;
         }
         unit = unit.difference();
@@ -189,7 +249,7 @@ private:
             } catch (const CError& error) {
                 if (error.code() == eError::EXPONENT_RANGE) {
                     refuse(eRefusal::EXPONENT_RANGE, factor.Name,
-                           "here the exponents of \"{}\" come together to one beyond 99", result);
+                           "the exponents of \"{}\" add up to more than 99", result);
                 } else {
                     refuse(eRefusal::FACTOR_RANGE, {m_Begin, m_Text.size()},
                            "the exact factor of this unit needs more than 16384 bits", result);
@@ -201,7 +261,7 @@ private:
     }
 
     void refuse(eRefusal code, CSpan token, const char* sentence, CReading& result) const {
-        result.Refusal = {code, m_Text, token, sentence, eReadings::NONE, {}, m_Begin};
+        result.Refusal = {code, m_Text, token, sentence, eReadings::NONE, {}, m_Begin, nullptr};
     }
 
     const std::string_view m_Text;
@@ -231,37 +291,86 @@ std::string namedInProduct(std::string_view name, bool isAlone, const CCatalogue
                                            : std::string(nameOf(meaning->difference(), catalogue));
 }
 
+// The name of the differences of a scale, empty if they have none.
+std::string_view differenceName(const CMeaning& scale, const CCatalogue& catalogue) {
+    return nameOf(scale.difference(), catalogue);
+}
+
+// "; for differences write ..." behind the sentence on a scale in a product.
 void tellDifference(const CRefusal& refusal, const CCatalogue& catalogue, CDiagnosis& diagnosis) {
     const std::optional<CMeaning> scale = meaningOf(refusal.token(), catalogue);
     if (!scale) {
         return;
     }
-    const CMeaning difference = scale->difference();
-    const std::string_view name = nameOf(difference, catalogue);
-    diagnosis.Sentence += "; of its differences the unit is \"" +
-                          (name.empty() ? difference.toString() : std::string(name)) + "\"";
+    const std::string_view name = differenceName(*scale, catalogue);
     if (!name.empty()) {
-        diagnosis.Readings = {refusal.replaced(name)};
+        diagnosis.Sentence += "; for differences write \"" + std::string(name) + "\"";
+    } else {
+        diagnosis.Sentence += "; its differences are " + scale->difference().toString() +
+                              ", as the option Differences (--differences) reads them";
     }
 }
 
-void tellPrefixedScale(const CRefusal& refusal, const CCatalogue& catalogue,
-                       CDiagnosis& diagnosis) {
-    const std::optional<CPrefixedScale> scale = prefixedScale(refusal.token(), catalogue);
+eFit CCatalogueNames::fit(std::string_view text, std::size_t begin, CRefusal& refusal) {
+    const CReadOptions options;
+    CReading reading = CUnitReader(text, begin, m_Catalogue, options).read();
+    if (!reading) {
+        refusal = reading.Refusal;
+        return eFit::REFUSED;
+    }
+    if (m_Target != nullptr && reading.Meaning->isCompatibleWith(*m_Target)) {
+        return eFit::TARGET;
+    }
+    return reading.Meaning->hasNamedKind() ? eFit::KIND : eFit::READ;
+}
+
+void CCatalogueNames::addWords(const CRefusal& refusal, std::vector<std::string>& words) {
+    if (refusal.Code == eRefusal::OFFSET_IN_PRODUCT) {
+        const std::optional<CMeaning> scale = meaningOf(refusal.token(), m_Catalogue);
+        if (scale) {
+            words.emplace_back(differenceName(*scale, m_Catalogue));
+        }
+        return;
+    }
+    if (refusal.Code != eRefusal::PREFIXED_OFFSET) {
+        return;
+    }
+    const std::optional<CPrefixedScale> scale = prefixedScale(refusal.token(), m_Catalogue);
     if (!scale) {
         return;
     }
     const std::string_view prefix = refusal.Pieces[0].of(refusal.Text);  // if it is a unit, too
     const std::string_view unprefixed =
-        nameOf(meaningOf(scale->Scale, catalogue)->difference(), catalogue);
+        differenceName(*meaningOf(scale->Scale, m_Catalogue), m_Catalogue);
     if (!prefix.empty() && !unprefixed.empty()) {
-        diagnosis.Readings.push_back(
-            refusal.replaced("(" + std::string(prefix) + "·" + std::string(unprefixed) + ")"));
+        words.push_back("(" + std::string(prefix) + "·" + std::string(unprefixed) + ")");
     }
-    const std::string_view name = nameOf(scale->Meaning, catalogue);
-    if (!name.empty()) {
-        diagnosis.Readings.push_back(refusal.replaced(name));
+    words.emplace_back(nameOf(scale->Meaning, m_Catalogue));
+}
+
+std::string CCatalogueNames::sumOf(const std::vector<CNamedNumber>& values) {
+    const std::string_view unit = values.back().Name;
+    const std::optional<CMeaning> last = meaningOf(unit, m_Catalogue);
+    CFraction sum;
+    for (const CNamedNumber& value : values) {
+        const std::optional<CMeaning> meaning = meaningOf(value.Name, m_Catalogue);
+        if (!meaning || !last || hasOffset(*meaning) || !meaning->isCompatibleWith(*last)) {
+            return {};
+        }
+        try {
+            const std::optional<CFraction> size =
+                CConversion(*meaning, *last).convert(CFraction::ofText(value.Number));
+            if (!size) {
+                return {};
+            }
+            sum = sum + *size;
+        } catch (const CError&) {  // numbers that are too long
+            return {};
+        }
     }
+    char digits[32];
+    const auto end = std::to_chars(digits, std::end(digits), sum.toDouble()).ptr;
+    return std::string(digits, end).append(" ").append(unit);
 }
 
 }  // namespace
@@ -302,13 +411,11 @@ std::string notationOf(std::string_view text, const CCatalogue& catalogue,
     return writer.text();
 }
 
-CDiagnosis diagnose(const CRefusal& refusal, const CCatalogue& catalogue) {
-    CCatalogueNames names(catalogue);
+CDiagnosis diagnose(const CRefusal& refusal, const CCatalogue& catalogue, const CMeaning* target) {
+    CCatalogueNames names(catalogue, target);
     CDiagnosis diagnosis = diagnose(refusal, names);
     if (refusal.Code == eRefusal::OFFSET_IN_PRODUCT) {
         tellDifference(refusal, catalogue, diagnosis);
-    } else if (refusal.Code == eRefusal::PREFIXED_OFFSET) {
-        tellPrefixedScale(refusal, catalogue, diagnosis);
     }
     return diagnosis;
 }
@@ -330,11 +437,13 @@ CValueReading tryReadValue(std::string_view text, const CCatalogue& catalogue,
                           "this number is too long or too large",
                           eReadings::NONE,
                           {},
-                          0};
+                          0,
+                          nullptr};
         return result;
     }
     CReading unit = CUnitReader(text, number.UnitBegin, catalogue, options).read();
     result.HasDifference = unit.HasDifference;
+    result.Notes = unit.Notes;
     result.Unit = {number.UnitBegin, text.size()};
     if (unit) {
         result.Value =

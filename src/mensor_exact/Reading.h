@@ -21,6 +21,7 @@
 #include "mensor_exact/Diagnosis.h"
 #include "mensor_exact/Fraction.h"
 #include "mensor_exact/Meaning.h"
+#include "mensor_exact/Notes.h"
 #include "mensor_exact/Refusal.h"
 #include "mensor_exact/exact_export.h"
 
@@ -32,6 +33,8 @@ struct CReadOptions {
     bool Dimensionless = false;  ///< the empty text is the dimensionless unit
     bool Differences = false;    ///< an offset unit in a product is its difference: "J/°C" is J/K
                                  ///< (but "W/m°C" stays refused: W/(m·K)?)
+    bool Strict = false;     ///< names that people use for something else are refused, too: "pH";
+                             ///< not by the companion, where a name may be the program's own
     bool NotFinite = false;  ///< values may be "nan", "inf", "infinity", with a sign; only where
                              ///< they are doubles
 };
@@ -43,6 +46,7 @@ struct CReading {
     std::optional<CMeaning> Meaning;  ///< empty when refused
     CRefusal Refusal;                 ///< why; it refers to the text. Of no meaning when read
     bool HasDifference = false;       ///< a scale with a zero of its own was read as a difference
+    CNotes Notes;                     ///< what to say beside the meaning
 
     explicit operator bool() const { return Meaning.has_value(); }
 };
@@ -50,7 +54,8 @@ struct CReading {
 /// What the unit written in `text`, UTF-8, means.
 ///
 /// "1" and "One" are the dimensionless unit. A name is looked up as it is written; then with
-/// characters that Unicode has twice as the catalogue spells them, and the litre's "L" as "l".
+/// characters that Unicode has twice as the catalogue spells them, and the litre's "L" as "l"; and if
+/// the catalogue has the pack EVERYDAY, as a word ("kilometres"), and with "u" as the micro sign.
 /// @throws CReadError  the text is refused.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_EXACT_API CMeaning read(std::string_view text,
@@ -65,10 +70,13 @@ MENSOR_EXACT_API CReading tryRead(std::string_view text,
                                   const CCatalogue& catalogue = CCatalogue::builtIn(),
                                   const CReadOptions& options = {});
 
-/// The refusal in words, with readings and suggestions. The catalogue is the one that was read with.
+/// The refusal in words, with what to write instead. The catalogue is the one that was read with. Of
+/// names that are equally near, those are offered that make the text compatible with `target`, if it is
+/// not null.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_EXACT_API CDiagnosis diagnose(const CRefusal& refusal,
-                                     const CCatalogue& catalogue = CCatalogue::builtIn());
+                                     const CCatalogue& catalogue = CCatalogue::builtIn(),
+                                     const CMeaning* target = nullptr);
 
 /// The unit written in `text` in one plain notation, which definitions (Definitions.h) and the reader
 /// both read: "W/(m²·K)" for "W·m**-2 K^-1", with the names as the catalogue spells them.
@@ -94,6 +102,7 @@ struct CValueReading {
     CRefusal Refusal;             ///< as in CReading
     CSpan Unit;                   ///< where the unit is written
     bool HasDifference = false;   ///< as in CReading
+    CNotes Notes;                 ///< as in CReading
 
     explicit operator bool() const { return Value.has_value(); }
 };

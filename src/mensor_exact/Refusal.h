@@ -22,6 +22,8 @@ struct CSpan {
     std::string_view of(std::string_view text) const { return text.substr(Begin, End - Begin); }
 };
 
+struct CTrap;  // inside the library
+
 /// How the readings of a refused text are made from its pieces.
 enum class eReadings : std::uint8_t {
     NONE,
@@ -29,8 +31,12 @@ enum class eReadings : std::uint8_t {
     ONE,       ///< "1" before the unit: "/s" is "1/s"
     FRACTION,  ///< brackets around the exponent Pieces[0] and the token: "m^1/2" is "m^(1/2)"
     POWER,     ///< brackets around the power Pieces[0]: "m^2^3" is "(m^2)^3"
-    DIVISION,  ///< Pieces are a, b and c of "a/b/c": "a/(b·c)" or "a·c/b"
-    COMMA      ///< the token is a comma in a number: "2,5" is "2.5", "2,500" perhaps "2500"
+    CHAIN,     ///< Pieces[0] is a of "a/b/c": "a/(b·c)" or "a·c/b"
+    VALUE,     ///< of the number of a value: "2,5" is "2.5", "2,500" perhaps "2500"
+    TRAP,      ///< what Trap has, in place of the token; Pieces[0] is the name in it
+    JOIN,      ///< no blank before the token: "m ²" is "m²"
+    CLOSE,     ///< a closing bracket at the end
+    REMOVE     ///< nothing in place of the token
 };
 
 /// A refusal. It refers to the text, which must outlive it, and needs no memory.
@@ -44,6 +50,8 @@ struct MENSOR_EXACT_API CRefusal {
     eReadings Readings = eReadings::NONE;
     std::array<CSpan, 3> Pieces;
     std::size_t UnitBegin = 0;  ///< where the unit begins, behind a number
+    const CTrap* Trap =
+        nullptr;  ///< the row of the library's tables of such texts, if there is one
 
     std::string_view token() const noexcept { return Token.of(Text); }
     std::size_t position() const noexcept;  ///< where the token begins, in code points from 0
@@ -51,7 +59,7 @@ struct MENSOR_EXACT_API CRefusal {
     /// The text with other words for the token.
     std::string replaced(std::string_view words) const;
 
-    /// What can be said without a catalogue: no suggestions.
+    /// What can be said without a catalogue: nothing is offered.
     CDiagnosis diagnosis() const;
 };
 

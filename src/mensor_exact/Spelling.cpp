@@ -1,5 +1,11 @@
 #include "mensor_exact/Spelling.h"
 
+#include <array>
+#include <cstdint>
+#include <iterator>
+
+#include "mensor_exact/Table.h"
+
 namespace mensor {
 namespace exact {
 
@@ -9,7 +15,80 @@ bool startsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;
 }
 
+struct CWordRow {
+    std::string_view Singular;
+    std::string_view Plural;
+    std::string_view Symbol;
+    bool HasPrefixes;
+};
+
+constexpr CWordRow Words[] = {
+#define MENSOR_WORD(singular, plural, symbol, prefixes) {singular, plural, symbol, prefixes},
+#include "mensor_exact/spellings.def"
+};
+
+// The names of the prefixes, in the order of their symbols.
+constexpr std::string_view PrefixNames[] = {
+    "yotta", "zetta", "exa",   "peta",  "tera", "giga", "mega",  "kilo", "hecto", "deca",
+    "deci",  "centi", "milli", "micro", "nano", "pico", "femto", "atto", "zepto", "yocto",
+};
+static_assert(std::size(PrefixNames) == std::size(Prefixes));
+
+// Without a prefix.
+const CWordRow* plainWord(std::string_view name) {
+    for (const CWordRow& word : Words) {
+        if (name == word.Singular || name == word.Plural) {
+            return &word;
+        }
+    }
+    return nullptr;
+}
+
+bool isSmall(char c) { return c >= 'a' && c <= 'z'; }
+
+// "um" for "\u00B5m". Only symbols of the built-in catalogue: a program's own "µx" need not be meant.
+std::optional<CWord> micro(std::string_view name) {
+    constexpr std::uint32_t BuiltIn = 3;  // CATALOGUE and SI
+    const std::string_view stem = name.substr(1);
+    if (stem.empty() || CTable::find(std::string("\u00B5").append(stem), BuiltIn) == CTable::None) {
+        return std::nullopt;
+    }
+    return CWord{"\u00B5", stem, -6};
+}
+
 }  // namespace
+
+std::optional<CWord> everydayWord(std::string_view name) {
+    constexpr std::size_t Longest = 24;
+    if (name.size() < 2 || name.size() > Longest) {
+        return std::nullopt;
+    }
+    if (name[0] == 'u') {
+        if (auto word = micro(name)) {
+            return word;
+        }
+    }
+    std::array<char, Longest> letters{};
+    letters[0] = static_cast<char>(name[0] | 0x20);  // a word may begin with a capital letter
+    std::copy(name.begin() + 1, name.end(), letters.begin() + 1);
+    const std::string_view word(letters.data(), name.size());
+    if (!std::all_of(word.begin(), word.end(), isSmall)) {
+        return std::nullopt;
+    }
+    if (const CWordRow* const row = plainWord(word)) {
+        return CWord{{}, row->Symbol, 0};
+    }
+    for (std::size_t i = 0; i < std::size(PrefixNames); ++i) {
+        if (!startsWith(word, PrefixNames[i])) {
+            continue;
+        }
+        const CWordRow* const row = plainWord(word.substr(PrefixNames[i].size()));
+        if (row != nullptr && row->HasPrefixes) {
+            return CWord{Prefixes[i].Symbol, row->Symbol, Prefixes[i].Power};
+        }
+    }
+    return std::nullopt;
+}
 
 std::string respelled(std::string_view name) {
     struct Spelling {

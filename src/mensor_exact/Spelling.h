@@ -3,6 +3,7 @@
 #define MENSOR_EXACT_SPELLING_H
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -30,6 +31,19 @@ inline constexpr CPrefix Prefixes[] = {
 
 /// Whether `name` is the litre's "L", alone or behind a prefix of the SI. The catalogue writes "l".
 MENSOR_EXACT_API bool isCapitalLitre(std::string_view name);
+
+/// A word of spellings.def: what it stands for is 10^Power of the unit with this symbol.
+struct CWord {
+    std::string_view Prefix;  ///< the symbol of the prefix, which may be empty
+    std::string_view Symbol;
+    int Power = 0;
+
+    std::string text() const { return std::string(Prefix).append(Symbol); }
+};
+
+/// What the pack EVERYDAY reads though it has no row for it: a word such as "kilometres", or "u" for the
+/// micro sign as in "um". None for any other name.
+MENSOR_EXACT_API std::optional<CWord> everydayWord(std::string_view name);
 
 /// What `lookUp` finds for `name`: as it is written, else respelled, else with the litre's small "l".
 /// A result that converts to false counts as nothing.

@@ -20,6 +20,9 @@ CDefinition CTable::definition(std::size_t row) noexcept {
 
 CMeaning CTable::meaning(std::size_t row) {
     const CRow& data = Meanings.Row[row];
+    if (data.Own != 0) {
+        return CMeaning::base(nameOf(data.Own - std::size_t{1}));
+    }
     CMeaning result(data.Factor, static_cast<int>(data.Pi), Meanings.Offsets[data.Offset]);
     for (std::size_t slot = 0; slot < SlotCount; ++slot) {
         if (data.Exponents[slot] != 0) {

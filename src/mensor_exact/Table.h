@@ -17,6 +17,7 @@ namespace exact {
 class CTable {
 public:
     static constexpr std::size_t None = static_cast<std::size_t>(-1);
+    static constexpr std::uint32_t AllPacks = ~std::uint32_t{0};
 
     static std::size_t size() noexcept;
     static CDefinition definition(std::size_t row) noexcept;

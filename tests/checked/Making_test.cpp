@@ -150,7 +150,7 @@ TEST(Making, AcceptsAPrefixThatHasMovedInAProduct) {
 
 TEST(Making, RefusesScalesInProducts) {
     const char* const message =
-        "quotient: \"°C\" counts from a zero of its own and has no place in a product";
+        "quotient: \"°C\" is a scale with its own zero and cannot be part of a product";
     EXPECT_THAT([] { checked::quotient(SI::Joule(), SI::Celsius()); },
                 ThrowsMessage<std::invalid_argument>(StrEq(message)));
     EXPECT_THROW(checked::product(SI::Celsius(), SI::Joule()), std::invalid_argument);

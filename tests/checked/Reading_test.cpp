@@ -399,7 +399,8 @@ TEST(Reading, HasNoUnitForDifferencesOnAScaleThatCountsAsNonLinear) {
         std::make_shared<CAddConverter>(459.67), std::make_shared<CMultiplyConverter>(5.0 / 9.0));
     CUnitFormat::label(CTransformedUnit::getInstance(SI::Kelvin(), converter), "°F");
     EXPECT_EQ(refusalOf("J/°F", differences()), eRefusal::OFFSET_IN_PRODUCT);
-    EXPECT_THAT(tryReadUnit("J/°F").Refusal->Sentence, HasSubstr("there is no unit here"));
+    EXPECT_THAT(tryReadUnit("J/°F").Refusal->Sentence,
+                HasSubstr("its differences have no unit here"));
 }
 
 TEST(Reading, KeepsThePrefixedScaleOutOfProductsWhereThePrefixIsAUnit) {

@@ -136,7 +136,7 @@ TEST(UcumAtoms, WithAZeroOfTheirOwnHaveNoMeaningInProducts) {
     EXPECT_EQ(reading.Refusal.Token.Begin, 6U);
     EXPECT_EQ(reading.Refusal.Token.End, 9U);
     EXPECT_EQ(messageOn("W/(m2.Cel)"),
-              "\"Cel\" counts from a zero of its own and has no place in a product");
+              "\"Cel\" is a scale with its own zero and cannot be part of a product");
     EXPECT_EQ(read("Cel1"), read("Cel"));
     EXPECT_EQ(read("Cel+1"), read("Cel"));
 }

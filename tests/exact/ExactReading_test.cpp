@@ -202,8 +202,8 @@ TEST(ExactReading, RefusesAScaleWithAZeroOfItsOwnInAProduct) {
     EXPECT_EQ(diagnosis.Code, eRefusal::OFFSET_IN_PRODUCT);
     EXPECT_EQ(diagnosis.Token, "°C");
     EXPECT_EQ(diagnosis.Sentence,
-              "\"°C\" counts from a zero of its own and has no place in a product; of its "
-              "differences the unit is \"K\"");
+              "\"°C\" is a scale with its own zero and cannot be part of a product; for "
+              "differences write \"K\"");
     EXPECT_THAT(diagnosis.Readings, ElementsAre("J/K"));
     EXPECT_EQ(diagnosisOf("°C²").Code, eRefusal::OFFSET_IN_PRODUCT);
     EXPECT_EQ(read("(°C)"), read("°C"));
@@ -211,7 +211,10 @@ TEST(ExactReading, RefusesAScaleWithAZeroOfItsOwnInAProduct) {
 
 TEST(ExactReading, SaysTheSizeOfDifferencesThatHaveNoName) {
     const CDiagnosis diagnosis = diagnosisOf("J/°X", withUnit("°X", "5/4 K, offset 10"));
-    EXPECT_THAT(diagnosis.Sentence, HasSubstr("of its differences the unit is \"1.25 K\""));
+    EXPECT_THAT(
+        diagnosis.Sentence,
+        HasSubstr(
+            "its differences are 1.25 K, as the option Differences (--differences) reads them"));
     EXPECT_THAT(diagnosis.Readings, IsEmpty());
 }
 
@@ -227,9 +230,9 @@ TEST(ExactReading, ReadsDifferencesByOption) {
 TEST(ExactReading, RefusesAPrefixBeforeAScale) {
     const CDiagnosis alone = diagnosisOf("m°C");
     EXPECT_EQ(alone.Code, eRefusal::PREFIXED_OFFSET);
-    EXPECT_EQ(alone.Sentence, "\"m°C\" is a prefix before a scale with a zero of its own");
+    EXPECT_EQ(alone.Sentence, "\"m°C\" is a prefix before a scale with its own zero");
     EXPECT_THAT(alone.Readings, ElementsAre("mK"));
-    EXPECT_THAT(diagnosisOf("W/m°C").Readings, ElementsAre("W/(m·K)", "W/mK"));
+    EXPECT_THAT(diagnosisOf("W/m°C").Readings, ElementsAre("W/(m·K)", "kW/K"));
 }
 
 TEST(ExactReading, ReadsAPrefixedScaleAsADifferenceWhereThatIsClear) {
@@ -243,7 +246,7 @@ TEST(ExactReading, RefusesExponentsThatComeTogetherBeyond99) {
     const CDiagnosis diagnosis = diagnosisOf("m^60·s·m^40");
     EXPECT_EQ(diagnosis.Code, eRefusal::EXPONENT_RANGE);
     EXPECT_EQ(diagnosis.Byte, 9U);
-    EXPECT_EQ(diagnosis.Sentence, "here the exponents of \"m\" come together to one beyond 99");
+    EXPECT_EQ(diagnosis.Sentence, "the exponents of \"m\" add up to more than 99");
     EXPECT_EQ(meaningText("m^60·m^39"), "m^99");
 }
 

@@ -42,7 +42,7 @@ expect "packs compatible" list ""
 expect "compatible" list c
 expect "min" convert "1 h" mi
 expect "mi min" convert --pack customary "1 h" mi
-expect "Pa" list compatible Pa
+expect "kat" list compatible kat
 expect "" convert "1 h" xyzzy
 
 options=$(mensor --help | grep -o -e '--[a-z]*' | sort -u)

@@ -14,7 +14,7 @@ void addPacks(const std::string& names, std::vector<ePack>& packs) {
         const std::string name = names.substr(begin, end - begin);
         const auto pack = packNamed(name);
         if (!pack) {
-            throw CUsageError("there is no pack " + quoted(name) + "; see mensor list packs");
+            throw CUsageError("unknown pack " + quoted(name) + "; see mensor list packs");
         }
         packs.push_back(*pack);
         begin = end + 1;
@@ -62,7 +62,7 @@ void requireOperands(const CArguments& arguments) {
     } else {
         throw CUsageError(arguments.Command.empty()
                               ? std::string("a command is missing")
-                              : "there is no command " + quoted(arguments.Command));
+                              : "unknown command " + quoted(arguments.Command));
     }
 }
 
@@ -84,7 +84,7 @@ CArguments readArguments(const std::vector<std::string>& words) {
                 return word->substr(option.size() + 1);
             }
             if (++word == words.end()) {
-                throw CUsageError(option + " needs a word behind it");
+                throw CUsageError(option + " needs a value");
             }
             return *word;
         };
@@ -105,7 +105,7 @@ CArguments readArguments(const std::vector<std::string>& words) {
             continue;
         }
         if (hasValue) {
-            throw CUsageError("there is no option " + quoted(*word));
+            throw CUsageError("unknown option " + quoted(*word));
         }
         if (option == "--") {
             areOptionsOver = true;
@@ -119,12 +119,16 @@ CArguments readArguments(const std::vector<std::string>& words) {
             arguments.Reading.Differences = true;
         } else if (option == "--dimensionless") {
             arguments.Reading.Dimensionless = true;
+        } else if (option == "--strict") {
+            arguments.Reading.Strict = true;
+        } else if (option == "--kinds") {
+            arguments.Kinds = true;
         } else if (option == "--help" || option == "-h") {
             arguments.Help = true;
         } else if (option == "--version") {
             arguments.Version = true;
         } else {
-            throw CUsageError("there is no option " + quoted(*word));
+            throw CUsageError("unknown option " + quoted(*word));
         }
     }
     if (arguments.Help || arguments.Version) {
@@ -153,6 +157,8 @@ const char* help() {
            "  --ucum                 the same as --from ucum\n"
            "  --differences          read \"J/°C\" as \"J/K\" and say so\n"
            "  --dimensionless        read a number without a unit\n"
+           "  --strict               refuse names that people use for something else: \"pH\"\n"
+           "  --kinds                refuse to count rad, sr or bit as 1\n"
            "  --json                 write one JSON object a line\n"
            "  --quiet                show no progress\n"
            "  --help, --version\n"

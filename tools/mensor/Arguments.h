@@ -22,9 +22,10 @@ struct CArguments {
     std::vector<std::string> Operands;  ///< what is behind it, without the options
     std::vector<mensor::exact::ePack> Packs;
     std::vector<std::string> UnitFiles;          ///< --units
-    mensor::exact::CReadOptions Reading;         ///< --differences, --dimensionless
+    mensor::exact::CReadOptions Reading;         ///< --differences, --dimensionless, --strict
     std::optional<mensor::codes::eSystem> From;  ///< --from, --ucum: whose codes are read
     std::optional<mensor::codes::eSystem> To;    ///< --to: whose codes are written
+    bool Kinds = false;  ///< no conversion counts the radian, the steradian or the bit as 1
     bool Json = false;
     bool Quiet = false;  ///< no progress
     bool Help = false;

@@ -8,6 +8,7 @@
 
 #include <mensor_exact/Conversion.h>
 #include <mensor_exact/Error.h>
+#include <mensor_exact/Notes.h>
 #include <mensor_exact/Reading.h>
 #include <mensor_exact/Refusal.h>
 
@@ -57,7 +58,8 @@ public:
                              : tryReadValue(text, m_Units.catalogue(), m_Arguments.Reading);
         if (!value) {
             if (!refusal) {
-                refusal = diagnose(value.Refusal, m_Units.catalogue());
+                refusal = diagnose(value.Refusal, m_Units.catalogue(),
+                                   m_Targets.empty() ? nullptr : &m_Targets[0].Meaning);
             }
         } else if (isBeyondDoubles(value.Value->Number)) {
             const std::string_view number =
@@ -112,6 +114,12 @@ private:
                     quoted(unit) + " is not compatible with " + quoted(to.Text) + ": " +
                         value.Unit.kind() + " and " + to.Meaning.kind()};
         }
+        if (m_Arguments.Kinds) {
+            const std::string note = noteOnKinds(target, value, unit);
+            if (!note.empty()) {
+                return {{}, "DIFFERENT_MARKS", note};
+            }
+        }
         if (m_Conversions[target]) {
             try {
                 const std::optional<CFraction> exact = m_Conversions[target]->convert(value.Number);
@@ -129,6 +137,33 @@ private:
                 "the value in " + quoted(to.Text) + " is beyond the range of numbers"};
     }
 
+    // What counts as 1 in the conversion, empty if nothing does.
+    std::string noteOnKinds(std::size_t target, const CValue& value, std::string_view unit) const {
+        const CMeaning& to = m_Targets[target].Meaning;
+        return value.Unit.isCompatibleWith(to)
+                   ? noteOnMarks(written(value.Number), unit, value.Unit, to)
+                   : std::string();
+    }
+
+    // All that is to be said beside the results.
+    std::vector<std::string> notesOn(const std::string& text, const CValueReading& value,
+                                     std::string_view unit) const {
+        std::vector<std::string> notes;
+        if (value.HasDifference) {
+            notes.push_back(noteOnDifference(unit, m_Arguments, m_Units));
+        }
+        for (const CNote& note : value.Notes) {
+            notes.push_back(note.words(text));
+        }
+        for (std::size_t i = 0; i < m_Targets.size() && !m_Arguments.Kinds; ++i) {
+            std::string note = noteOnKinds(i, *value.Value, unit);
+            if (!note.empty()) {
+                notes.push_back(std::move(note));
+            }
+        }
+        return notes;
+    }
+
     // The unit as it was written.
     static std::string_view unitIn(const std::string& text, const CValueReading& value) {
         const std::string_view unit = trimmed(value.Unit.of(text));
@@ -142,8 +177,8 @@ private:
             return;
         }
         const std::string_view unit = unitIn(text, value);
-        if (value.HasDifference) {
-            m_Report.note(where, noteOnDifference(unit, m_Arguments, m_Units));
+        for (const std::string& note : notesOn(text, value, unit)) {
+            m_Report.note(where, note);
         }
         prepare(value.Value->Unit);
         std::string given;
@@ -187,9 +222,12 @@ private:
             results.push_back(entry.toString());
         }
         json.raw("results", jsonArray(results));
-        if (value.HasDifference) {
-            const std::string note = noteOnDifference(unit, m_Arguments, m_Units);
-            json.raw("notes", jsonArray(std::vector<std::string>{jsonText(note)}));
+        std::vector<std::string> notes;
+        for (const std::string& note : notesOn(text, value, unit)) {
+            notes.push_back(jsonText(note));
+        }
+        if (!notes.empty()) {
+            json.raw("notes", jsonArray(notes));
         }
         m_Report.line(json.toString());
     }
@@ -239,6 +277,9 @@ std::optional<CTarget> readTarget(const std::string& text, const CArguments& arg
     const std::string_view unit = trimmed(text);
     if (reading.HasDifference) {
         report.note("", noteOnDifference(unit, arguments, units));
+    }
+    for (const CNote& note : reading.Notes) {
+        report.note("", note.words(text));
     }
     return CTarget{std::string(unit.empty() ? "One" : unit), *std::move(reading.Meaning)};
 }

@@ -26,10 +26,10 @@ std::optional<std::string> fromLeftToRight(const CDiagnosis& refusal, const CUni
     for (int i = 0; i < 100; ++i) {
         const bool isDivision = next.Code == eRefusal::SECOND_DIVISION;
         const bool isProduct = next.Code == eRefusal::PRODUCT_AFTER_DIVISION;
-        if ((!isDivision && !isProduct) || next.Readings.size() < 2) {
+        if ((!isDivision && !isProduct) || next.Readings.empty()) {
             return std::nullopt;
         }
-        const std::string text = next.Readings[isDivision ? 0 : 1];
+        const std::string text = isDivision ? next.Readings.front() : next.Readings.back();
         const CReading reading = tryRead(text, units.catalogue(), options);
         if (reading) {
             return text;
@@ -114,8 +114,12 @@ public:
             json.text("unit", m_Notation)
                 .raw("meaning", jsonOf(*m_Reading.Meaning))
                 .raw("certificate", m_Certificate.toJson());
-            if (m_Reading.HasDifference) {
-                json.raw("notes", jsonArray(std::vector<std::string>{jsonText(note())}));
+            std::vector<std::string> texts;
+            for (const std::string& note : notes()) {
+                texts.push_back(jsonText(note));
+            }
+            if (!texts.empty()) {
+                json.raw("notes", jsonArray(texts));
             }
         } else {
             json.raw("error", jsonOf(m_Refusal));
@@ -144,7 +148,16 @@ private:
         m_Report.line(padded(label, LabelColumns) + shown(text));
     }
 
-    std::string note() const { return noteOnDifference(m_Text, m_Arguments, m_Units); }
+    std::vector<std::string> notes() const {
+        std::vector<std::string> notes;
+        if (m_Reading.HasDifference) {
+            notes.push_back(noteOnDifference(m_Text, m_Arguments, m_Units));
+        }
+        for (const CNote& note : m_Reading.Notes) {
+            notes.push_back(note.words(m_Text));
+        }
+        return notes;
+    }
 
     void tellMeaning() const {
         row("text", m_Text);
@@ -152,8 +165,8 @@ private:
         const std::string kind = m_Reading.Meaning->kind();
         const bool hasKind = kind != m_Reading.Meaning->unitsText();
         row("mathematics", m_Reading.Meaning->toString() + (hasKind ? ", " + kind : ""));
-        if (m_Reading.HasDifference) {
-            row("note", note());
+        for (const std::string& note : notes()) {
+            row("note", note);
         }
         std::istringstream lines(m_Certificate.toText());
         std::string label = "certificate";
@@ -182,6 +195,9 @@ private:
         }
         for (std::size_t i = 0; i < m_Refusal.Suggestions.size(); ++i) {
             row(i == 0 ? "known" : "", m_Refusal.Suggestions[i]);
+        }
+        for (std::size_t i = 0; i < m_Refusal.Packs.size(); ++i) {
+            row(i == 0 ? "type" : "  or", "--pack " + m_Refusal.Packs[i]);
         }
     }
 

@@ -87,6 +87,7 @@ std::string jsonOf(const CDiagnosis& diagnosis) {
         .text("message", diagnosis.message())
         .raw("readings", jsonArray(jsonTexts(diagnosis.Readings)))
         .raw("suggestions", jsonArray(jsonTexts(diagnosis.Suggestions)))
+        .raw("packs", jsonArray(jsonTexts(diagnosis.Packs)))
         .toString();
 }
 

@@ -72,6 +72,9 @@ bool CUnits::registerAll(CReport* report) const {
     mensor::NonSI::Psi();  // the one named unit that the library does not register by itself
     bool isGood = true;
     for (const ePack pack : m_Packs) {
+        if (pack == ePack::EVERYDAY) {
+            continue;  // spellings of units that the registry has
+        }
         try {
             mensor::checked::registerPack(*mensor::checked::packNamed(nameOf(pack)));
         } catch (const mensor::checked::CIdentityError& error) {

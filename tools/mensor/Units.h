@@ -10,7 +10,8 @@
 #include "Arguments.h"
 #include "Report.h"
 
-/// The catalogue of one run: the built-in one, the packs and the files of the command line.
+/// The catalogue of one run: the built-in one, everyday spellings, the packs and the files of the command
+/// line.
 class CUnits {
 public:
     /// Tells the report what is refused.
@@ -32,7 +33,8 @@ private:
     void addPacks(CReport& report);
     void addFile(const std::string& name, CReport& report);
 
-    mensor::exact::CCatalogue m_Catalogue = mensor::exact::CCatalogue::builtIn();
+    mensor::exact::CCatalogue m_Catalogue =
+        mensor::exact::CCatalogue::builtIn().with(mensor::exact::ePack::EVERYDAY);
     const std::vector<mensor::exact::ePack> m_Packs;
     std::vector<CFile> m_Files;
 };

@@ -1,0 +1,655 @@
+// Advice.cpp: what to write instead of a refused text. Every offer is read before it is made. Where a
+// corrected text is refused for a second fault, it is corrected again.
+#include <algorithm>
+#include <cstdint>
+#include <iterator>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "mensor_exact/Characters.h"
+#include "mensor_exact/Definitions.h"
+#include "mensor_exact/NearestNames.h"
+#include "mensor_exact/NumberAdvice.h"
+#include "mensor_exact/NumberText.h"
+#include "mensor_exact/Parser.h"
+#include "mensor_exact/Refusal.h"
+#include "mensor_exact/Spelling.h"
+#include "mensor_exact/Table.h"
+#include "mensor_exact/Traps.h"
+#include "mensor_exact/Utf8.h"
+
+namespace mensor {
+namespace exact {
+
+namespace {
+
+// A text to be tried.
+struct CCandidate {
+    std::string Text;
+    std::size_t UnitBegin;
+};
+
+std::string joined(const std::vector<std::string>& factors) {
+    std::string product;
+    for (const std::string& factor : factors) {
+        product += (product.empty() ? "" : "·") + factor;
+    }
+    return product;
+}
+
+// One factor of "a/b/c·d", behind the first one.
+struct CChained {
+    bool Divides;
+    std::string Text;
+};
+
+// Takes the rest of a chain of divisions and products apart, up to its end or a closing bracket.
+class CChainReader {
+public:
+    CChainReader(std::string_view text, std::size_t begin, CResolver& resolver)
+        : m_Text(text), m_Resolver(resolver), m_Cursor(text, begin) {}
+
+    // False where something stands in the chain that is no factor.
+    bool read() {
+        for (;;) {
+            m_Cursor.skipBlanks();
+            if (m_Cursor.kind() == eKind::END || m_Cursor.kind() == eKind::CLOSE) {
+                return true;
+            }
+            CChained next{m_Cursor.kind() == eKind::SLASH, {}};
+            if (next.Divides || m_Cursor.kind() == eKind::TIMES || m_Cursor.kind() == eKind::STAR ||
+                m_Cursor.kind() == eKind::POINT) {
+                m_Cursor.advance();
+                m_Cursor.skipBlanks();
+            }
+            const std::size_t begin = m_Cursor.position();
+            if (!factor()) {
+                return false;
+            }
+            next.Text = m_Text.substr(begin, m_Cursor.position() - begin);
+            m_End = m_Cursor.position();
+            Chain.push_back(std::move(next));
+        }
+    }
+
+    std::size_t end() const { return m_End; }
+
+    std::vector<CChained> Chain;
+
+private:
+    bool factor() {
+        while (m_Cursor.kind() == eKind::ROOT) {
+            m_Cursor.advance();
+            m_Cursor.skipBlanks();
+        }
+        if (m_Cursor.kind() == eKind::NAME) {
+            name();
+        } else if (m_Cursor.kind() == eKind::OPEN) {
+            if (!brackets(eKind::OPEN, eKind::CLOSE)) {
+                return false;
+            }
+        } else if (m_Cursor.kind() != eKind::OPEN_NAME ||
+                   !brackets(eKind::OPEN_NAME, eKind::CLOSE_NAME)) {
+            return false;
+        }
+        return exponent();
+    }
+
+    bool brackets(eKind open, eKind close) {
+        int depth = 0;
+        do {
+            depth += m_Cursor.kind() == open ? 1 : m_Cursor.kind() == close ? -1 : 0;
+            if (m_Cursor.kind() == eKind::END) {
+                return false;
+            }
+            m_Cursor.advance();
+        } while (depth > 0);
+        return true;
+    }
+
+    bool exponent() {
+        while (m_Cursor.kind() == eKind::RAISED_MINUS || m_Cursor.kind() == eKind::RAISED_PLUS ||
+               m_Cursor.kind() == eKind::RAISED_DIGIT) {
+            m_Cursor.advance();
+        }
+        CCursor ahead = m_Cursor;
+        ahead.skipBlanks();
+        const bool isStarred = ahead.kind() == eKind::STAR && ahead.peek() == eKind::STAR;
+        if (!isStarred && ahead.kind() != eKind::CARET) {
+            return true;
+        }
+        ahead.advance();
+        if (isStarred) {
+            ahead.advance();
+        }
+        ahead.skipBlanks();
+        m_Cursor = ahead;
+        if (m_Cursor.kind() == eKind::OPEN) {
+            return brackets(eKind::OPEN, eKind::CLOSE);
+        }
+        while (m_Cursor.kind() == eKind::MINUS || m_Cursor.kind() == eKind::PLUS ||
+               m_Cursor.kind() == eKind::DIGIT || m_Cursor.kind() == eKind::COLON ||
+               (m_Cursor.kind() == eKind::POINT && m_Cursor.peek() == eKind::DIGIT)) {
+            m_Cursor.advance();
+        }
+        return true;
+    }
+
+    // A name with the digits behind it, which may be a part of the name as in "mmH2O".
+    void name() {
+        const std::size_t begin = m_Cursor.position();
+        while (m_Cursor.kind() == eKind::NAME) {
+            m_Cursor.advance();
+        }
+        if (m_Cursor.kind() == eKind::MINUS && m_Cursor.peek() == eKind::DIGIT) {
+            m_Cursor.advance();
+        }
+        while (m_Cursor.kind() == eKind::DIGIT) {
+            m_Cursor.advance();
+        }
+        CCursor ahead = m_Cursor;
+        while (ahead.kind() == eKind::NAME || ahead.kind() == eKind::DIGIT) {
+            ahead.advance();
+        }
+        if (m_Resolver.knows(m_Text.substr(begin, ahead.position() - begin))) {
+            m_Cursor = ahead;
+        }
+    }
+
+    std::string_view m_Text;
+    CResolver& m_Resolver;
+    CCursor m_Cursor;
+    std::size_t m_End = 0;
+};
+
+// Finds what may be meant by a refused text. Nothing is tried here.
+class CCandidates {
+public:
+    CCandidates(const CRefusal& refusal, CResolver& resolver)
+        : m_Refusal(refusal), m_Text(refusal.Text), m_Resolver(resolver) {}
+
+    std::vector<CCandidate> find() {
+        addValues();
+        if (!m_Found.empty()) {
+            return std::move(m_Found);
+        }
+        const CSpan token = m_Refusal.Token;
+        const CSpan first = m_Refusal.Pieces[0];
+        switch (m_Refusal.Readings) {
+            case eReadings::NONE:
+            case eReadings::VALUE: break;
+            case eReadings::TIMES: replace({token.Begin, token.Begin}, "·"); break;
+            case eReadings::ONE: replace({token.Begin, token.Begin}, "1"); break;
+            case eReadings::FRACTION:
+                replace({first.Begin, token.End}, "(" + slice(first) + "/" + slice(token) + ")");
+                break;
+            case eReadings::POWER: replace(first, "(" + slice(first) + ")"); break;
+            case eReadings::CHAIN: addChain(); break;
+            case eReadings::TRAP: addTrap(*m_Refusal.Trap); break;
+            case eReadings::JOIN: addJoined(); break;
+            case eReadings::CLOSE: replace({m_Text.size(), m_Text.size()}, ")"); break;
+            case eReadings::REMOVE: addWithout(); break;
+        }
+        if (m_Refusal.Code == eRefusal::UNKNOWN_NAME) {
+            addOtherSpelling();
+        } else if (m_Refusal.Code == eRefusal::INEXACT_EXPONENT) {
+            addSmallFraction();
+        } else if (m_Refusal.Code == eRefusal::UNEXPECTED_CHARACTER && slice(token) == "<") {
+            addWithoutMarkup();
+        }
+        std::vector<std::string> words;
+        m_Resolver.addWords(m_Refusal, words);
+        for (const std::string& word : words) {
+            if (!word.empty()) {
+                replace(token, word);
+            }
+        }
+        return std::move(m_Found);
+    }
+
+    /// Why the text is refused, where that is not what its refusal says; null otherwise.
+    const char* sentence() const { return m_Sentence; }
+
+    // The unknown name taken apart into known ones, as "N·m".
+    std::vector<CCandidate> split() {
+        const std::string_view name = m_Refusal.token();
+        for (std::size_t at = 1; at < name.size(); ++at) {
+            const bool isBoundary = (static_cast<unsigned char>(name[at]) & 0xC0U) != 0x80U;
+            const bool isDoubled = name[at] == name[at - 1];  // rather a slip of the finger
+            if (isBoundary && !isDoubled && isPiece(name.substr(0, at)) &&
+                isPiece(name.substr(at))) {
+                replace(m_Refusal.Token,
+                        std::string(name.substr(0, at)).append("·").append(name.substr(at)));
+            }
+        }
+        return std::move(m_Found);
+    }
+
+private:
+    // Whether the name is one that people run together with others; words are not.
+    bool isPiece(std::string_view piece) {
+        constexpr std::uint32_t Everyday = std::uint32_t{1}
+                                           << static_cast<unsigned>(ePack::EVERYDAY);
+        const bool isSpelling = CTable::find(piece, Everyday) != CTable::None &&
+                                CTable::find(piece, ~Everyday) == CTable::None;
+        return piece != "One" && !isSpelling && !everydayWord(piece) && m_Resolver.knows(piece);
+    }
+
+    void addValues() {
+        if (m_Refusal.UnitBegin == 0 && m_Refusal.Readings != eReadings::VALUE) {
+            return;
+        }
+        CValuesMeant meant = valuesMeant(m_Text, m_Resolver);
+        m_Sentence = meant.Sentence;
+        for (std::string& value : meant.Values) {
+            CNumberText number;
+            CRefusal refusal;
+            if (findNumber(value, true, number, refusal)) {
+                m_Found.push_back({std::move(value), number.UnitBegin});
+            }
+        }
+    }
+
+    // "a/b/c" and longer ones. Habit puts all behind the first stroke below it; mathematics goes from
+    // left to right.
+    void addChain() {
+        const CSpan left = m_Refusal.Pieces[0];
+        CChainReader reader(m_Text, left.End, m_Resolver);
+        if (!reader.read()) {
+            return;
+        }
+        std::vector<std::string> all;
+        std::vector<std::string> above;
+        std::vector<std::string> below;
+        const std::string first = slice(left);
+        if (first != "1") {
+            above.push_back(first);
+        }
+        for (const CChained& factor : reader.Chain) {
+            all.push_back(factor.Text);
+            (factor.Divides ? below : above).push_back(factor.Text);
+        }
+        const CSpan span{left.Begin, reader.end()};
+        replace(span, first + "/(" + joined(all) + ")");
+        const auto quotient = [](const std::vector<std::string>& a,
+                                 const std::vector<std::string>& b) {
+            return (a.empty() ? "1" : joined(a)) + "/" +
+                   (b.size() > 1 ? "(" + joined(b) + ")" : joined(b));
+        };
+        if (below.size() < all.size()) {
+            replace(span, quotient(above, below));
+        } else if (all.size() == 2) {  // perhaps a/(b/c)
+            above.push_back(all[1]);
+            replace(span, quotient(above, {all[0]}));
+        }
+    }
+
+    void addTrap(const CTrap& trap) {
+        for (const std::string_view words : {trap.first(), trap.second()}) {
+            if (words.empty()) {
+                continue;
+            }
+            std::string text(words);
+            const std::size_t place = text.find("{}");
+            if (place != std::string::npos) {
+                text.replace(place, 2, slice(m_Refusal.Pieces[0]));
+            }
+            replace(m_Refusal.Token, text);
+        }
+    }
+
+    void addJoined() {
+        const std::string_view token = m_Refusal.token();
+        if (m_Refusal.Code == eRefusal::STRAY_NUMBER && token != "2" && token != "3") {
+            return;
+        }
+        std::size_t end = m_Refusal.Token.Begin;
+        while (end > m_Refusal.UnitBegin && (m_Text[end - 1] == ' ' || m_Text[end - 1] == '\t')) {
+            --end;
+        }
+        if (end < m_Refusal.Token.Begin && end > m_Refusal.UnitBegin) {
+            replace({end, m_Refusal.Token.Begin}, "");
+        }
+    }
+
+    // Without the token, or without all characters that cannot be seen.
+    void addWithout() {
+        if (m_Refusal.Code != eRefusal::UNEXPECTED_CHARACTER) {
+            replace(m_Refusal.Token, "");
+            return;
+        }
+        std::string unit;
+        std::size_t length = 0;
+        for (std::size_t at = m_Refusal.UnitBegin; at < m_Text.size(); at += length) {
+            if (!isInvisible(decode(m_Text.substr(at), length))) {
+                unit += m_Text.substr(at, length);
+            }
+        }
+        replace({m_Refusal.UnitBegin, m_Text.size()}, unit);
+    }
+
+    // "m<sup>2</sup>".
+    void addWithoutMarkup() {
+        constexpr std::string_view Open = "<sup>";
+        constexpr std::string_view Close = "</sup>";
+        std::string unit(m_Text.substr(m_Refusal.UnitBegin));
+        for (std::size_t at = unit.find(Open); at != std::string::npos; at = unit.find(Open)) {
+            unit.replace(at, Open.size(), "^");
+        }
+        for (std::size_t at = unit.find(Close); at != std::string::npos; at = unit.find(Close)) {
+            unit.erase(at, Close.size());
+        }
+        replace({m_Refusal.UnitBegin, m_Text.size()}, unit);
+    }
+
+    // "^0.333" is ^(1/3) to three places.
+    void addSmallFraction() {
+        const std::string token = slice(m_Refusal.Token);
+        const std::size_t digits = token.find_first_of("0123456789");
+        const std::size_t point = token.find('.');
+        if (point == std::string::npos || digits > point || token.size() > point + 16) {
+            return;
+        }
+        const double exponent = std::stod(token.substr(digits));
+        double half = 0.5;  // of the last place
+        for (std::size_t at = point + 1; at < token.size() && token[at] >= '0' && token[at] <= '9';
+             ++at) {
+            half /= 10;
+        }
+        constexpr int LargestDenominator = 12;
+        for (int root = 2; root <= LargestDenominator; ++root) {
+            const int pow = static_cast<int>(exponent * root + 0.5);
+            const double difference = exponent - static_cast<double>(pow) / root;
+            if (pow > 0 && std::abs(difference) <= 2 * half) {
+                const bool isNegative = token.find('-') != std::string::npos;
+                replace(m_Refusal.Token, "^(" + std::string(isNegative ? "-" : "") +
+                                             std::to_string(pow) + "/" + std::to_string(root) +
+                                             ")");
+                return;
+            }
+        }
+    }
+
+    // What the pack EVERYDAY has for the name, or for the same word in small letters: "WATT".
+    void addOtherSpelling() {
+        const std::string_view name = m_Refusal.token();
+        const std::size_t row =
+            CTable::find(name, std::uint32_t{1} << static_cast<unsigned>(ePack::EVERYDAY));
+        if (row != CTable::None) {
+            const std::string_view text = CTable::definition(row).Text;
+            if (!text.empty() && (text[0] < '0' || text[0] > '9')) {
+                replace(m_Refusal.Token, std::string(text));
+            }
+            return;
+        }
+        std::optional<CWord> word = everydayWord(name);
+        constexpr std::size_t Shortest = 3;
+        if (!word && name.size() >= Shortest) {
+            std::string small(name);
+            for (char& c : small) {
+                c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+            }
+            word = everydayWord(small);
+        }
+        if (word) {
+            replace(m_Refusal.Token, word->text());
+        }
+    }
+
+    // The text with `words` in place of a piece of it.
+    void replace(CSpan span, const std::string& words) {
+        std::string text(m_Text.substr(0, span.Begin));
+        text.append(words).append(m_Text.substr(span.End));
+        std::size_t begin = m_Refusal.UnitBegin;
+        if (begin > 0 && ((text[begin - 1] >= '0' && text[begin - 1] <= '9') ||
+                          text[begin - 1] == '.')) {  // a blank between a number and its unit
+            text.insert(begin, 1, ' ');
+            ++begin;
+        }
+        m_Found.push_back({std::move(text), begin});
+    }
+
+    std::string slice(CSpan span) const { return std::string(span.of(m_Text)); }
+
+    const CRefusal& m_Refusal;
+    const std::string_view m_Text;
+    CResolver& m_Resolver;
+    std::vector<CCandidate> m_Found;
+    const char* m_Sentence = nullptr;
+};
+
+bool contains(const std::vector<std::string>& texts, const std::string& text) {
+    return std::find(texts.begin(), texts.end(), text) != texts.end();
+}
+
+class CAdviser {
+public:
+    CAdviser(const CRefusal& refusal, CResolver& resolver)
+        : m_Refusal(refusal), m_Resolver(resolver), m_Diagnosis(refusal.diagnosis()) {}
+
+    CDiagnosis diagnose() {
+        if (m_Refusal.Code == eRefusal::TOO_LONG || m_Refusal.Code == eRefusal::MALFORMED_TEXT) {
+            return std::move(m_Diagnosis);
+        }
+        CCandidates candidates(m_Refusal, m_Resolver);
+        tryAll(candidates.find(), Deepest);
+        if (candidates.sentence() != nullptr) {
+            m_Diagnosis.Sentence = candidates.sentence();
+        } else if (isRange()) {
+            m_Diagnosis.Sentence = "a value has one number and cannot be a range";
+        }
+        if (m_Refusal.Code == eRefusal::UNKNOWN_NAME && candidates.sentence() == nullptr) {
+            if (m_Refusal.Trap == nullptr && addPacks(m_Refusal.token())) {
+                m_Diagnosis.Sentence = m_PackSentence;
+            } else if (m_Diagnosis.Readings.empty() && m_Refusal.Trap == nullptr) {
+                addNames();
+            }
+        }
+        const bool isNothingOffered = m_Diagnosis.Readings.empty() &&
+                                      m_Diagnosis.Suggestions.empty() && m_Diagnosis.Packs.empty();
+        if (!m_Missing.empty() && (isNothingOffered || m_Refusal.Trap != nullptr)) {
+            addPacks(m_Missing);
+            m_Diagnosis.Sentence += "; " + m_PackSentence;
+        }
+        return std::move(m_Diagnosis);
+    }
+
+private:
+    static constexpr int Deepest = 4;      // corrections of one text
+    static constexpr int MostTrials = 40;  // of one refusal
+    static constexpr std::size_t MostOffers = 3;
+
+    void tryAll(const std::vector<CCandidate>& candidates, int depth) {
+        for (const CCandidate& candidate : candidates) {
+            tryOne(candidate, depth);
+        }
+    }
+
+    // Offers the candidate if it is read, or else what it may mean.
+    void tryOne(const CCandidate& candidate, int depth) {
+        std::vector<std::string>& readings = m_Diagnosis.Readings;
+        if (++m_Trials > MostTrials || readings.size() == MostOffers) {
+            return;
+        }
+        CRefusal refusal;
+        if (m_Resolver.fit(candidate.Text, candidate.UnitBegin, refusal) != eFit::REFUSED) {
+            if (!contains(readings, candidate.Text)) {
+                readings.push_back(candidate.Text);
+            }
+            return;
+        }
+        if (refusal.Code == eRefusal::UNKNOWN_NAME && m_Missing.empty() &&
+            isInPack(refusal.token())) {
+            m_Missing = refusal.token();
+        }
+        if (depth > 0) {
+            tryAll(CCandidates(refusal, m_Resolver).find(), depth - 1);
+        }
+    }
+
+    static constexpr ePack Packs[] = {ePack::CUSTOMARY, ePack::US,      ePack::IMPERIAL,
+                                      ePack::SCIENCE,   ePack::OFFSETS, ePack::COUNTING,
+                                      ePack::EVERYDAY};
+
+    static bool isIn(ePack pack, std::string_view name) {
+        const std::uint32_t bit = std::uint32_t{1} << static_cast<unsigned>(pack);
+        return CTable::find(name, bit) != CTable::None ||
+               (pack == ePack::EVERYDAY && everydayWord(name));
+    }
+
+    bool isInPack(std::string_view name) const {
+        return std::any_of(std::begin(Packs), std::end(Packs),
+                           [&](ePack pack) { return m_Resolver.offers(pack) && isIn(pack, name); });
+    }
+
+    // The packs that have a name which the resolver does not know. Returns false if there are none.
+    bool addPacks(std::string_view name) {
+        std::string list;
+        for (const ePack pack : Packs) {
+            if (m_Resolver.offers(pack) && isIn(pack, name)) {
+                m_Diagnosis.Packs.emplace_back(nameOf(pack));
+                list += (list.empty() ? "" : " and ") + m_Diagnosis.Packs.back();
+            }
+        }
+        m_PackSentence = "\"" + std::string(name) + "\" is in the pack" +
+                         (m_Diagnosis.Packs.size() > 1 ? "s " : " ") + list;
+        return !m_Diagnosis.Packs.empty();
+    }
+
+    // "4-20 mA".
+    bool isRange() const {
+        return m_Refusal.UnitBegin > 0 && m_Refusal.Token.Begin == m_Refusal.UnitBegin &&
+               CCursor(m_Refusal.Text, m_Refusal.UnitBegin).kind() == eKind::MINUS;
+    }
+
+    // The name of a pack that differs from the unknown one in case only, as "hp" for "Hp".
+    std::string_view inOtherCase(std::string_view name) const {
+        const auto small = [](char c) {
+            return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+        };
+        for (std::size_t row = 0; row < CTable::size(); ++row) {
+            const std::string_view known = CTable::definition(row).Name;
+            if (known.size() == name.size() &&
+                std::equal(known.begin(), known.end(), name.begin(),
+                           [&](char a, char b) { return small(a) == small(b); }) &&
+                isInPack(known)) {
+                return known;
+            }
+        }
+        return {};
+    }
+
+    struct COffer {
+        CNearestNames::CNear Near;
+        eFit Fit;
+    };
+
+    // Names that are near, or the name taken apart.
+    void addNames() {
+        const std::string_view name = m_Refusal.token();
+        CNearestNames nearest(name);
+        m_Resolver.addNamesTo(nearest);
+        const std::vector<CNearestNames::CNear> found = nearest.best();
+        const bool isOtherCase = !found.empty() && found[0].Distance == 0 && !found[0].IsRare;
+        const std::string_view ofPack = isOtherCase ? std::string_view() : inOtherCase(name);
+        if (isSplitFirst(isOtherCase || !ofPack.empty())) {
+            tryAll(CCandidates(m_Refusal, m_Resolver).split(), Deepest);
+            if (!m_Diagnosis.Readings.empty()) {
+                return;
+            }
+        }
+        if (!ofPack.empty()) {
+            addPacks(ofPack);
+            m_Diagnosis.Sentence += "; " + m_PackSentence;
+            return;
+        }
+        std::vector<COffer> offers;
+        for (const CNearestNames::CNear& near : found) {
+            CRefusal refusal;
+            const eFit fit =
+                m_Resolver.fit(m_Refusal.replaced(near.Name), m_Refusal.UnitBegin, refusal);
+            if (fit != eFit::REFUSED) {
+                offers.push_back({near, fit});
+            }
+        }
+        if (offers.empty()) {  // the text has another fault behind this one
+            for (const CNearestNames::CNear& near : found) {
+                tryOne({m_Refusal.replaced(near.Name), m_Refusal.UnitBegin}, Deepest);
+            }
+        }
+        offer(offers);
+        if (m_Diagnosis.Suggestions.empty() && m_Diagnosis.Readings.empty()) {
+            addNearestOfPacks();
+        }
+    }
+
+    // The pack that has the nearest name, if none that is known is near.
+    void addNearestOfPacks() {
+        CNearestNames nearest(m_Refusal.token());
+        for (std::size_t row = 0; row < CTable::size(); ++row) {
+            const CDefinition definition = CTable::definition(row);
+            const bool isOfPack =
+                definition.Pack != ePack::CATALOGUE && definition.Pack != ePack::SI;
+            if (isOfPack && m_Resolver.offers(definition.Pack)) {
+                nearest.add(definition.Name);
+            }
+        }
+        const std::vector<CNearestNames::CNear> found = nearest.best();
+        constexpr std::size_t Shortest = 3;  // of two letters, any two names are near
+        if (countCodePoints(m_Refusal.token()) >= Shortest && !found.empty() &&
+            found[0].Distance <= 1 && !m_Resolver.knows(found[0].Name) && addPacks(found[0].Name)) {
+            m_Diagnosis.Sentence += "; " + m_PackSentence;
+        }
+    }
+
+    // "Nm" is rather N·m than nm, but "Kg" rather kg than K·g, "KWh" rather kWh, and "FT" rather ft.
+    bool isSplitFirst(bool isOtherCase) const {
+        const std::string_view name = m_Refusal.token();
+        const bool hasSmall =
+            std::any_of(name.begin(), name.end(), [](char c) { return c >= 'a' && c <= 'z'; });
+        return !isOtherCase || (name.size() == 2 && name[0] != 'K' && hasSmall);
+    }
+
+    // Less is better. A name that gives the whole text a kind with a name goes before one that is a
+    // little nearer, and before one with a prefix that is hardly used.
+    std::size_t scoreOf(const COffer& offer) const {
+        const bool isWhole = m_Refusal.Token.Begin == m_Refusal.UnitBegin &&
+                             m_Refusal.Token.End == m_Refusal.Text.size();
+        constexpr std::size_t Step = 2;
+        constexpr std::size_t Penalty = 3;
+        constexpr std::size_t Other = 100;  // than the kind that is asked for
+        return Step * offer.Near.Distance + (!isWhole && offer.Fit == eFit::READ ? Penalty : 0) +
+               (offer.Near.IsRare ? Penalty : 0) + (offer.Fit == eFit::TARGET ? 0 : Other);
+    }
+
+    void offer(std::vector<COffer>& offers) {
+        std::stable_sort(offers.begin(), offers.end(), [this](const COffer& a, const COffer& b) {
+            return scoreOf(a) < scoreOf(b);
+        });
+        for (const COffer& offer : offers) {
+            const bool isAsGood = scoreOf(offer) == scoreOf(offers.front()) &&
+                                  (offer.Near.Distance == 0 || !offer.Near.IsRare);
+            if (isAsGood && m_Diagnosis.Suggestions.size() < MostOffers) {
+                m_Diagnosis.Suggestions.push_back(offer.Near.Name);
+            }
+        }
+    }
+
+    const CRefusal& m_Refusal;
+    CResolver& m_Resolver;
+    CDiagnosis m_Diagnosis;
+    std::string m_Missing;       // a name that a tried text lacks, and a pack has
+    std::string m_PackSentence;  // which packs
+    int m_Trials = 0;
+};
+
+}  // namespace
+
+CDiagnosis diagnose(const CRefusal& refusal, CResolver& resolver) {
+    return CAdviser(refusal, resolver).diagnose();
+}
+
+}  // namespace exact
+}  // namespace mensor

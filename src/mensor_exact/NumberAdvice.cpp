@@ -1,0 +1,300 @@
+#include "mensor_exact/NumberAdvice.h"
+
+#include <charconv>
+#include <cstdint>
+#include <iterator>
+#include <numeric>
+
+#include "mensor_exact/Characters.h"
+
+namespace mensor {
+namespace exact {
+
+namespace {
+
+std::string shortest(double number) {
+    char digits[32];
+    return {digits, std::to_chars(digits, std::end(digits), number).ptr};
+}
+
+// Walks over a value, and takes pieces that follow each other.
+class CValueText {
+public:
+    explicit CValueText(std::string_view text) : m_Text(text), m_Cursor(text) {
+        m_Cursor.skipBlanks();
+    }
+
+    bool isAtEnd() const { return m_Cursor.kind() == eKind::END; }
+    std::string rest() const { return std::string(m_Text.substr(m_Cursor.position())); }
+
+    // "-" or nothing.
+    std::string sign() {
+        const bool isMinus = m_Cursor.kind() == eKind::MINUS;
+        if (isMinus || m_Cursor.kind() == eKind::PLUS) {
+            m_Cursor.advance();
+        }
+        return isMinus ? "-" : "";
+    }
+
+    // Digits, empty if there are none.
+    std::string digits(eKind kind = eKind::DIGIT) {
+        std::string result;
+        while (m_Cursor.kind() == kind && result.size() < Longest) {
+            result += static_cast<char>('0' + m_Cursor.digit());
+            m_Cursor.advance();
+        }
+        return result;
+    }
+
+    // Digits and perhaps a point and more of them.
+    std::string decimal() {
+        std::string result = digits();
+        if (m_Cursor.kind() == eKind::POINT && m_Cursor.peek() == eKind::DIGIT) {
+            m_Cursor.advance();
+            result += "." + digits();
+        }
+        return result;
+    }
+
+    std::string_view name() {
+        const std::size_t begin = m_Cursor.position();
+        while (m_Cursor.kind() == eKind::NAME) {
+            m_Cursor.advance();
+        }
+        return m_Text.substr(begin, m_Cursor.position() - begin);
+    }
+
+    bool skip(eKind kind) {
+        if (m_Cursor.kind() != kind) {
+            return false;
+        }
+        m_Cursor.advance();
+        return true;
+    }
+
+    bool skipCharacter(char32_t c) {
+        if (isAtEnd() || m_Cursor.character() != c) {
+            return false;
+        }
+        m_Cursor.advance();
+        return true;
+    }
+
+    bool skipBlanks() {
+        const bool isBlank = m_Cursor.kind() == eKind::BLANK;
+        m_Cursor.skipBlanks();
+        return isBlank;
+    }
+
+private:
+    static constexpr std::size_t Longest = 18;  // more is no slip of the pen
+
+    std::string_view m_Text;
+    CCursor m_Cursor;
+};
+
+// "2,5 km", "1,234.5 m".
+void addComma(std::string_view value, std::vector<std::string>& meant) {
+    CValueText text(value);
+    const std::string sign = text.sign();
+    const std::string whole = text.digits();
+    if (whole.empty() || !text.skipCharacter(U',')) {
+        return;
+    }
+    std::string groups = text.digits();
+    const bool isOneGroup = groups.size() == 3;
+    if (groups.empty()) {
+        return;
+    }
+    if (!text.skipCharacter(U',')) {
+        const std::string fraction = text.skip(eKind::POINT) ? "." + text.digits() : "";
+        if (fraction.empty()) {
+            meant.push_back(sign + whole + "." + groups + text.rest());
+        }
+        if (isOneGroup && whole.size() <= 3) {
+            meant.push_back(sign + whole + groups + fraction + text.rest());
+        }
+        return;
+    }
+    do {  // "1,234,567 m"
+        const std::string group = text.digits();
+        if (group.size() != 3 || !isOneGroup) {
+            return;
+        }
+        groups += group;
+    } while (text.skipCharacter(U','));
+    const std::string fraction = text.skip(eKind::POINT) ? "." + text.digits() : "";
+    meant.push_back(sign + whole + groups + fraction + text.rest());
+}
+
+// "1 000 m", "1'000 m".
+void addGroups(std::string_view value, std::vector<std::string>& meant) {
+    CValueText text(value);
+    std::string number = text.sign() + text.digits();
+    int groups = 0;
+    for (;;) {
+        CValueText ahead = text;
+        if (!ahead.skipCharacter(U'\'') && !ahead.skipCharacter(U'\u2019') &&
+            !ahead.skipCharacter(U'_') && !ahead.skip(eKind::BLANK)) {
+            break;
+        }
+        const std::string group = ahead.digits();
+        if (group.size() != 3) {
+            break;
+        }
+        number += group;
+        text = ahead;
+        ++groups;
+    }
+    if (groups > 0) {
+        if (text.skip(eKind::POINT)) {
+            number += "." + text.digits();
+        }
+        meant.push_back(number + text.rest());
+    }
+}
+
+// "1/2 in", "1 1/2 in", "1-1/2 in".
+void addFraction(std::string_view value, std::vector<std::string>& meant) {
+    CValueText text(value);
+    const std::string sign = text.sign();
+    std::string whole = "0";
+    std::string numerator = text.digits();
+    CValueText ahead = text;
+    if (ahead.skipBlanks() || ahead.skip(eKind::MINUS)) {
+        const std::string second = ahead.digits();
+        if (!second.empty()) {
+            whole = numerator;
+            numerator = second;
+            text = ahead;
+        }
+    }
+    if (numerator.empty() || !text.skip(eKind::SLASH)) {
+        return;
+    }
+    const std::string denominator = text.digits();
+    constexpr std::size_t Most = 9;  // digits
+    if (denominator.empty() || denominator.size() > Most || numerator.size() > Most ||
+        whole.size() > Most) {
+        return;
+    }
+    const auto n = std::stoll(numerator);
+    const auto d = std::stoll(denominator);
+    if (d == 0) {
+        return;
+    }
+    std::int64_t left = d / std::gcd(n, d);
+    for (const int prime : {2, 5}) {
+        while (left % prime == 0) {
+            left /= prime;
+        }
+    }
+    if (left == 1) {  // else no decimal is the fraction
+        meant.push_back(
+            sign + shortest(std::stod(whole) + static_cast<double>(n) / static_cast<double>(d)) +
+            text.rest());
+    }
+}
+
+// "10^3 m", "2×10³ m", "2 x 10^-3 m".
+void addPowerOfTen(std::string_view value, std::vector<std::string>& meant) {
+    CValueText text(value);
+    std::string number = text.sign();
+    std::string mantissa = text.decimal();
+    if (mantissa != "10") {
+        text.skipBlanks();
+        if (mantissa.empty() || !(text.skip(eKind::TIMES) || text.skip(eKind::STAR) ||
+                                  text.skipCharacter(U'x') || text.skipCharacter(U'X'))) {
+            return;
+        }
+        text.skipBlanks();
+        if (text.digits() != "10") {
+            return;
+        }
+        number += mantissa;
+    } else {
+        number += "1";
+    }
+    std::string power;
+    if (text.skip(eKind::CARET) || (text.skip(eKind::STAR) && text.skip(eKind::STAR))) {
+        const bool isBracketed = text.skip(eKind::OPEN);
+        power = text.sign();
+        const std::string digits = text.digits();
+        if (digits.empty() || (isBracketed && !text.skip(eKind::CLOSE))) {
+            return;
+        }
+        power += digits;
+    } else {
+        power = text.skip(eKind::RAISED_MINUS) ? "-" : "";
+        const std::string digits = text.digits(eKind::RAISED_DIGIT);
+        if (digits.empty()) {
+            return;
+        }
+        power += digits;
+    }
+    meant.push_back(number + "e" + power + text.rest());
+}
+
+// "1 h 30 min", "5 ft 6 in".
+void addSum(std::string_view value, CResolver& resolver, std::vector<std::string>& meant) {
+    constexpr std::size_t Most = 4;
+    CValueText text(value);
+    const std::string sign = text.sign();
+    std::vector<std::string> numbers;
+    std::vector<CNamedNumber> values;
+    while (!text.isAtEnd()) {
+        numbers.push_back(text.decimal());
+        text.skipBlanks();
+        const std::string_view name = text.name();
+        text.skipBlanks();
+        if (numbers.back().empty() || name.empty() || numbers.size() > Most ||
+            !resolver.knows(name)) {
+            return;
+        }
+        values.push_back({{}, name});
+    }
+    if (values.size() < 2) {
+        return;
+    }
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        values[i].Number = numbers[i];
+    }
+    const std::string sum = resolver.sumOf(values);
+    if (!sum.empty()) {
+        meant.push_back(sign + sum);
+    }
+}
+
+}  // namespace
+
+CValuesMeant valuesMeant(std::string_view text, CResolver& resolver) {
+    CValuesMeant meant;
+    const auto isFound = [&meant](const char* sentence) {
+        meant.Sentence = sentence;
+        return !meant.Values.empty();
+    };
+    addComma(text, meant.Values);
+    if (isFound(nullptr)) {
+        return meant;
+    }
+    addGroups(text, meant.Values);
+    if (isFound("a number cannot contain blanks or apostrophes")) {
+        return meant;
+    }
+    addFraction(text, meant.Values);
+    if (isFound("a number must be a decimal number, not a fraction")) {
+        return meant;
+    }
+    addPowerOfTen(text, meant.Values);
+    if (isFound("a power of ten in a number is written with an e")) {
+        return meant;
+    }
+    addSum(text, resolver, meant.Values);
+    if (!isFound("a value has one number and one unit")) {
+        meant.Sentence = nullptr;
+    }
+    return meant;
+}
+
+}  // namespace exact
+}  // namespace mensor

@@ -1,0 +1,28 @@
+// NumberAdvice.h: what a refused value may have meant where its number is at fault. For the library's own
+// use; not installed.
+#ifndef MENSOR_EXACT_NUMBERADVICE_H
+#define MENSOR_EXACT_NUMBERADVICE_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "mensor_exact/Parser.h"
+
+namespace mensor {
+namespace exact {
+
+/// What a value may have meant.
+struct CValuesMeant {
+    const char* Sentence = nullptr;   ///< why it is refused; null if its own refusal says that well
+    std::vector<std::string> Values;  ///< to be tried, empty if the number is not at fault
+};
+
+/// "2.5 km" for "2,5 km", "0.5 in" for "1/2 in", "1000 m" for "1 000 m", "2e3 m" for "2×10³ m",
+/// "90 min" for "1 h 30 min".
+CValuesMeant valuesMeant(std::string_view text, CResolver& resolver);
+
+}  // namespace exact
+}  // namespace mensor
+
+#endif  // MENSOR_EXACT_NUMBERADVICE_H

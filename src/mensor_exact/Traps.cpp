@@ -1,0 +1,137 @@
+#include "mensor_exact/Traps.h"
+
+#include <cstddef>
+#include <iterator>
+
+#include "mensor_exact/NameIndex.h"
+
+namespace mensor {
+namespace exact {
+
+namespace {
+
+// All texts one behind the other: pointers would have to be relocated at load.
+constexpr char Texts[] =
+#define MENSOR_TRAP(place, text, sentence, first, second) text first second
+#define MENSOR_QUOTIENT(left, right, sentence, first, second) right left first second
+#define MENSOR_NAMED(verdict, text, sentence, first, second) text first second
+#include "mensor_exact/traps.def"
+#define MENSOR_REFUSAL(text, sentence, first, second) text first second
+#include "mensor_exact/refusals.def"
+    ;
+
+struct CRow {
+    ePlace Place;
+    const char* Sentence;
+    std::size_t Lengths[4];
+};
+
+constexpr CRow Written[] = {
+#define MENSOR_TRAP(place, text, sentence, first, second) \
+    {ePlace::place, sentence, {sizeof text - 1, 0, sizeof first - 1, sizeof second - 1}},
+#define MENSOR_QUOTIENT(left, right, sentence, first, second) \
+    {ePlace::QUOTIENT,                                        \
+     sentence,                                                \
+     {sizeof right - 1, sizeof left - 1, sizeof first - 1, sizeof second - 1}},
+#define MENSOR_NAMED(verdict, text, sentence, first, second) \
+    {ePlace::verdict, sentence, {sizeof text - 1, 0, sizeof first - 1, sizeof second - 1}},
+#include "mensor_exact/traps.def"
+#define MENSOR_REFUSAL(text, sentence, first, second) \
+    {ePlace::UNKNOWN, sentence, {sizeof text - 1, 0, sizeof first - 1, sizeof second - 1}},
+#include "mensor_exact/refusals.def"
+};
+
+constexpr std::size_t RowCount = std::size(Written);
+
+struct CRows {
+    CTrap Rows[RowCount] = {};
+};
+
+constexpr CRows makeRows() {
+    static_assert(sizeof Texts < 65536);
+    CRows rows;
+    std::size_t start = 0;
+    for (std::size_t row = 0; row < RowCount; ++row) {
+        CTrap& trap = rows.Rows[row];
+        trap.Place = Written[row].Place;
+        trap.Sentence = Written[row].Sentence;
+        trap.Start = static_cast<std::uint16_t>(start);
+        for (std::size_t i = 0; i < 4; ++i) {
+            trap.Lengths[i] = static_cast<std::uint8_t>(Written[row].Lengths[i]);
+            start += Written[row].Lengths[i];
+        }
+    }
+    return rows;
+}
+
+constexpr CRows All = makeRows();
+
+struct CMember {
+    ePlace Class;
+    std::string_view Name;
+};
+
+constexpr CMember Members[] = {
+#define MENSOR_CLASS(place, text) {ePlace::place, text},
+#include "mensor_exact/traps.def"
+};
+
+constexpr std::string_view textOf(std::size_t row) {
+    return {Texts + All.Rows[row].Start, All.Rows[row].Lengths[0]};
+}
+
+constexpr CNameIndex<RowCount> Index(textOf);
+
+// The first row with this text that `isRight` says is the right one.
+template <class IsRight>
+const CTrap* find(std::string_view text, const IsRight& isRight) {
+    const std::size_t row = Index.find(
+        text, [&](std::size_t i) { return isEqual(textOf(i), text) && isRight(All.Rows[i]); });
+    return row == Index.None ? nullptr : &All.Rows[row];
+}
+
+bool isMember(std::string_view name, ePlace place) {
+    for (const CMember& member : Members) {
+        if (member.Class == place && member.Name == name) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+std::string_view CTrap::piece(std::size_t index) const noexcept {
+    std::size_t start = Start;
+    for (std::size_t i = 0; i < index; ++i) {
+        start += Lengths[i];
+    }
+    return {Texts + start, Lengths[index]};
+}
+
+const CTrap* trapsBegin() noexcept { return std::begin(All.Rows); }
+const CTrap* trapsEnd() noexcept { return std::end(All.Rows); }
+
+const CTrap* findTrap(ePlace place, std::string_view text, std::string_view behind) noexcept {
+    return find(text,
+                [&](const CTrap& row) { return row.Place == place && row.behind() == behind; });
+}
+
+const CTrap* findNote(std::string_view name) noexcept {
+    return find(name, [](const CTrap& row) {
+        return row.Place == ePlace::UNUSUAL || row.Place == ePlace::TOLD;
+    });
+}
+
+const CTrap* findPair(std::string_view name, std::string_view next, bool isBelow) noexcept {
+    const CTrap* const below = isBelow ? findTrap(ePlace::MASS_BELOW, next) : nullptr;
+    if (below != nullptr && isMember(name, ePlace::MASS)) {
+        return below;
+    }
+    return find(next, [&](const CTrap& row) {
+        return row.Place <= ePlace::PERCENT && isMember(name, row.Place);
+    });
+}
+
+}  // namespace exact
+}  // namespace mensor

@@ -1,0 +1,627 @@
+// WhatPeopleWrite_test.cpp: everyday spellings are read, texts that would be read as something else are
+// refused or noted, and whatever a refusal offers is read.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <new>
+#include <random>
+#include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "mensor_exact/Characters.h"
+#include "mensor_exact/Conversion.h"
+#include "mensor_exact/Error.h"
+#include "mensor_exact/Notes.h"
+#include "mensor_exact/Reading.h"
+#include "mensor_exact/Spelling.h"
+#include "mensor_exact/Traps.h"
+#include "support/Everyday.h"
+#include "support/OperatorNew.h"
+
+namespace mensor {
+namespace exact {
+namespace {
+
+using test::everyday;
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+
+constexpr ePack OtherPacks[] = {ePack::CUSTOMARY, ePack::US, ePack::SCIENCE, ePack::OFFSETS,
+                                ePack::COUNTING};
+
+CCatalogue plain() { return CCatalogue::builtIn(); }
+CCatalogue people() { return CCatalogue::builtIn().with(ePack::EVERYDAY); }
+
+CCatalogue withoutEveryday() {
+    CCatalogue catalogue = plain();
+    for (const ePack pack : OtherPacks) {
+        catalogue = catalogue.with(pack);
+    }
+    return catalogue;
+}
+
+CCatalogue everything() { return withoutEveryday().with(ePack::EVERYDAY); }
+
+std::string meaningText(std::string_view text, const CCatalogue& catalogue = people()) {
+    const CReading reading = tryRead(text, catalogue);
+    return reading ? reading.Meaning->toString() : "refused";
+}
+
+CDiagnosis diagnosisOf(std::string_view text, const CCatalogue& catalogue = people(),
+                       const CReadOptions& options = {}) {
+    const CReading reading = tryRead(text, catalogue, options);
+    EXPECT_FALSE(reading) << text << " is read";
+    return reading ? CDiagnosis() : diagnose(reading.Refusal, catalogue);
+}
+
+CDiagnosis diagnosisOfValue(std::string_view text, const CCatalogue& catalogue = people()) {
+    const CValueReading reading = tryReadValue(text, catalogue);
+    EXPECT_FALSE(reading) << text << " is read";
+    return reading ? CDiagnosis() : diagnose(reading.Refusal, catalogue);
+}
+
+std::vector<std::string> notesOf(std::string_view text, const CCatalogue& catalogue = people()) {
+    std::vector<std::string> notes;
+    const CReading reading = tryRead(text, catalogue);
+    EXPECT_TRUE(reading) << text;
+    for (const CNote& note : reading.Notes) {
+        notes.push_back(note.words(text));
+    }
+    return notes;
+}
+
+std::vector<CDefinition> spellings() {
+    std::vector<CDefinition> rows;
+    people().forEach([&](const CDefinition& definition) {
+        if (definition.Pack == ePack::EVERYDAY) {
+            rows.push_back(definition);
+        }
+        return true;
+    });
+    return rows;
+}
+
+// Whether the whole diagnosis offers only what is read.
+void expectOffersToBeRead(const std::string& text, const CDiagnosis& diagnosis,
+                          const CCatalogue& catalogue, bool isValue) {
+    const auto isRead = [&](const std::string& offered) {
+        return isValue ? static_cast<bool>(tryReadValue(offered, catalogue))
+                       : static_cast<bool>(tryRead(offered, catalogue));
+    };
+    for (const std::string& reading : diagnosis.Readings) {
+        ASSERT_TRUE(isRead(reading)) << text << " offers " << reading;
+    }
+    for (const std::string& name : diagnosis.Suggestions) {
+        std::string offered = text;
+        offered.replace(diagnosis.Byte, diagnosis.Token.size(), name);
+        ASSERT_TRUE(isRead(offered)) << text << " suggests " << name;
+    }
+}
+
+// ---- Spellings ----
+
+TEST(EverydaySpellings, MeanWhatTheirRowsSay) {
+    ASSERT_GE(spellings().size(), 190U);
+    for (const CDefinition& row : spellings()) {
+        SCOPED_TRACE(row.Name);
+        const CReading reading = tryRead(row.Name, people());
+        ASSERT_TRUE(reading);
+        if (!row.Text.empty() && row.Text != "%RH" && row.Text != "°R") {
+            EXPECT_EQ(*reading.Meaning, everything().evaluate(row.Text));
+        }
+        EXPECT_FALSE(row.English.empty());
+        EXPECT_FALSE(row.Source.empty()) << "why nobody can mean anything else";
+    }
+}
+
+TEST(EverydaySpellings, TakeNoNameFromAnotherPack) {
+    for (const CDefinition& row : spellings()) {
+        for (const ePack pack : OtherPacks) {
+            const CCatalogue catalogue = plain().with(pack);
+            const CReading reading = tryRead(row.Name, catalogue);
+            if (reading) {
+                EXPECT_EQ(*reading.Meaning, read(row.Name, people())) << row.Name;
+            }
+        }
+    }
+}
+
+TEST(EverydaySpellings, HaveTheSizesOfTheirSources) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"mmHg", "133.322387415 kg/(m·s²)"},
+        {"inHg", "3386.388640341 kg/(m·s²)"},
+        {"mmH2O", "9.80665 kg/(m·s²)"},
+        {"inH2O", "249.08891 kg/(m·s²)"},
+        {"mmWC", "9.80665 kg/(m·s²)"},
+        {"barg", "100000 kg/(m·s²) + 101325"},
+        {"kPa(g)", "1000 kg/(m·s²) + 101325"},
+        {"bara", "100000 kg/(m·s²)"},
+        {"bar(a)", "100000 kg/(m·s²)"},
+        {"psia", "6894.76 kg/(m·s²)"},
+        {"kgf/cm2", "98066.5 kg/(m·s²)"},
+        {"degC", "K + 273.15"},
+        {"deg", "π/180 rad"},
+        {"kOhm", "1000 kg·m²/(A²·s³)"},
+        {"um", "0.000001 m"},
+        {"uS/cm", "0.0001 A²·s³/(kg·m³)"},
+        {"ug", "1e-9 kg"},
+        {"ul", "1e-9 m³"},
+        {"hrs", "3600 s"},
+        {"in.", "0.0254 m"},
+        {"lbs", "0.45359237 kg"},
+        {"kVA", "1000 kg·m²/s³"},
+        {"kWh", "3600000 kg·m²/s²"},
+        {"mAh", "3.6 A·s"},
+        {"gpm", "0.0000630901964 m³/s"},
+        {"lpm", "1/60000 m³/s"},
+        {"RPM", "π/30 rad/s"},
+        {"ppmv", "0.000001"},
+        {"%RH", "%RH"},
+        {"Mt", "1000000000 kg"},
+        {"MB", "8000000 bit"},
+        {"KiB", "8192 bit"},
+        {"mTorr", "6755/50666 kg/(m·s²)"},
+        {"Nm", "kg·m²/s²"},
+        {"\u03A9m", "kg·m³/(A²·s³)"},
+        {"mPas", "0.001 kg/(m·s)"},
+        {"t", "1000 kg"},
+        {"kilometres", "1000 m"},
+        {"Volt", "kg·m²/(A·s³)"},
+        {"millilitres", "0.000001 m³"},
+        {"megaohm", "1000000 kg·m²/(A²·s³)"},
+        {"percent", "0.01"},
+        {"degrees", "π/180 rad"},
+    };
+    for (const auto& [text, meaning] : rows) {
+        if (std::string(text) != "mTorr") {
+            EXPECT_EQ(meaningText(text), meaning) << text;
+        }
+    }
+    EXPECT_EQ(read("mTorr", people()), everything().evaluate("101325/760000 Pa"));
+}
+
+TEST(EverydaySpellings, AreNamesAlsoWhereASignFollows) {
+    EXPECT_EQ(meaningText("lbf/in.²", everything()), meaningText("lbf/in²", everything()));
+    EXPECT_EQ(meaningText("mmH2O/m"), "9.80665 kg/(m²·s²)");
+    EXPECT_EQ(meaningText("1/(bar(a))"), meaningText("1/bar"));
+    EXPECT_EQ(meaningText("in. s", everything()), meaningText("in·s", everything()))
+        << "before a unit the point stays an operator";
+    EXPECT_EQ(meaningText("kg.m2.s-2"), "kg·m²/s²");
+}
+
+TEST(EverydaySpellings, AreRefusedWithoutThePack) {
+    EXPECT_EQ(meaningText("degC", plain()), "refused");
+    EXPECT_EQ(meaningText("um", plain()), "refused");
+    EXPECT_EQ(meaningText("metres", plain()), "refused");
+    EXPECT_EQ(meaningText("mmH2O", plain()), "refused");
+    EXPECT_FALSE(plain().has(ePack::EVERYDAY));
+    EXPECT_TRUE(people().has(ePack::EVERYDAY));
+}
+
+TEST(EverydaySpellings, GiveWayToAProgramsOwnNames) {
+    const CCatalogue after = people().with({{"barg", "5 m"}, {"um", "7 s"}});
+    EXPECT_EQ(meaningText("barg", after), "5 m");
+    EXPECT_EQ(meaningText("um", after), "7 s");
+    EXPECT_EQ(after.find("barg")->Pack, ePack::OWN);
+    EXPECT_THAT(notesOf("barg", after), IsEmpty());
+    const CCatalogue before = plain().with({{"barg", "5 m"}}).with(ePack::EVERYDAY);
+    EXPECT_EQ(meaningText("barg", before), "5 m");
+    int seen = 0;
+    before.forEach([&](const CDefinition& definition) {
+        seen += definition.Name == "barg" ? 1 : 0;
+        return true;
+    });
+    EXPECT_EQ(seen, 1);
+}
+
+TEST(EverydaySpellings, AreThereOnceBesideAnotherPackWithTheSameName) {
+    std::set<std::string_view> names;
+    everything().forEach([&](const CDefinition& definition) {
+        EXPECT_TRUE(names.insert(definition.Name).second) << definition.Name;
+        return true;
+    });
+}
+
+TEST(EverydaySpellings, NeverGuessAboutCase) {
+    for (const char* const text : {"KW", "Mhz", "kwh", "KPa", "hZ", "Kg", "BARG", "NM"}) {
+        EXPECT_EQ(meaningText(text, everything()), "refused") << text;
+    }
+}
+
+TEST(EverydayWords, TakeNoNameFromTheCatalogue) {
+    withoutEveryday().forEach([&](const CDefinition& definition) {
+        const auto word = everydayWord(definition.Name);
+        if (word) {
+            CMeaning meaning = *everything().meaning(word->Symbol);
+            meaning = meaning.scaled(CFactor(CFraction(10)).power(word->Power));
+            EXPECT_EQ(meaning, *withoutEveryday().meaning(definition.Name)) << definition.Name;
+        }
+        return true;
+    });
+}
+
+TEST(EverydayWords, AreReadWithPrefixesAndInThePlural) {
+    for (const char* const text : {"meter", "meters", "metre", "metres", "Meter", "Metres"}) {
+        EXPECT_EQ(meaningText(text), "m") << text;
+    }
+    EXPECT_EQ(meaningText("microfarads"), meaningText("\u00B5F"));
+    EXPECT_EQ(meaningText("Kilowatt"), "1000 kg·m²/s³");
+    EXPECT_EQ(meaningText("kilobytes"), "8000 bit");
+    EXPECT_EQ(meaningText("kilominutes"), "refused") << "minutes have no prefixes";
+    EXPECT_EQ(meaningText("METER"), "refused");
+    EXPECT_EQ(meaningText("kiloMeter"), "refused");
+    EXPECT_EQ(meaningText("u"), "refused");
+    EXPECT_EQ(meaningText("ukm"), "refused");
+}
+
+TEST(EverydaySpellings, ChangeNothingThatIsReadWithoutThem) {
+    const CCatalogue without = withoutEveryday();
+    const CCatalogue with = everything();
+    for (const test::Expression& expression : everyday()) {
+        EXPECT_EQ(read(expression.Text, with), read(expression.Text)) << expression.Text;
+    }
+    std::vector<std::string> names;
+    without.forEach([&](const CDefinition& definition) {
+        names.emplace_back(definition.Name);
+        return true;
+    });
+    const char* const signs[] = {"·", "/", " ", ".", "²·", "-1 ", "*", "(", ")", "", "2"};
+    std::mt19937 random(20);
+    int count = 0;
+    for (int i = 0; i < 40000; ++i) {
+        std::string text = names[random() % names.size()];
+        for (auto n = random() % 3; n > 0; --n) {
+            text += signs[random() % std::size(signs)] + names[random() % names.size()];
+        }
+        const CReading before = tryRead(text, without);
+        if (before) {
+            ++count;
+            const CReading after = tryRead(text, with);
+            ASSERT_TRUE(after) << text;
+            ASSERT_EQ(*after.Meaning, *before.Meaning) << text;
+        }
+    }
+    EXPECT_GT(count, 10000);
+}
+
+// ---- Traps ----
+
+TEST(Traps, AreRefusedWithWhatIsMeant) {
+    const std::pair<const char*, std::vector<std::string>> rows[] = {
+        {"300° K", {"300 K"}},
+        {"20° C", {"20 °C"}},
+        {"68° F", {"68 °F"}},
+        {"5 W/(m²·° K)", {"5 W/(m²·K)"}},
+        {"5 deg C", {"5 °C"}},
+        {"5 degrees Celsius", {"5 °C"}},
+        {"5 W/mK", {"5 W/(m·K)", "5 kW/K"}},
+        {"5 W/(mK)", {"5 W/(m·K)", "5 kW/K"}},
+        {"5 mW/mK", {"5 mW/(m·K)", "5 W/K"}},
+        {"5 J/kgK", {"5 J/(kg·K)", "5 J·K/kg"}},
+        {"5 kJ/kgK", {"5 kJ/(kg·K)", "5 kJ·K/kg"}},
+        {"5 bar g", {"5 barg", "5 bar_g"}},
+        {"5 bar (g)", {"5 barg", "5 bar_g"}},
+        {"30 psi g", {"30 psig", "30 psi_g"}},
+        {"30 psi d", {"30 psi"}},
+        {"1 bar abs", {"1 bar"}},
+        {"230 V ac", {"230 V"}},
+        {"24 V DC", {"24 V"}},
+        {"120 kg N/ha", {"120 kg/ha"}},
+        {"50 mg N/l", {"50 mg/l"}},
+        {"50 mg CaCO3/l", {"50 mg/l"}},
+        {"10 mg/l N", {"10 mg/l"}},
+        {"3 g C/m²", {"3 g/m²"}},
+        {"4 J/(kg C)", {"4 J/(kg·K)"}},
+        {"50 % RH", {"50 %RH"}},
+        {"5 kt", {"5 kn", "5 Gg"}},
+        {"100 Nm³/h", {"100 m³/h"}},
+        {"100 Nm3/h", {"100 m³/h"}},
+        {"100 Sm^3/h", {"100 m³/h"}},
+        {"5 Nm²", {"5 N·m²", "5 (N·m)²"}},
+        {"5 grad", {"5 °", "5 grade"}},
+        {"5 kmh", {"5 km/h"}},
+    };
+    const CCatalogue catalogue = everything();
+    for (const auto& [text, readings] : rows) {
+        EXPECT_EQ(diagnosisOfValue(text, catalogue).Readings, readings) << text;
+    }
+}
+
+TEST(Traps, AreThereInEveryCatalogue) {
+    for (const char* const text : {"° K", "W/mK", "bar g", "psi d", "V ac", "kg N/m²", "mg N/l"}) {
+        EXPECT_EQ(diagnosisOf(text, plain()).Code, eRefusal::MISLEADING) << text;
+    }
+    EXPECT_EQ(diagnosisOf("kPa(g)", plain()).Code, eRefusal::MISLEADING);
+    EXPECT_THAT(diagnosisOf("kPa(g)", plain()).Packs, ElementsAre("everyday"));
+}
+
+TEST(Traps, EachOfTheTableOffersWhatIsRead) {
+    const CCatalogue catalogue = everything();
+    int count = 0;
+    for (const CTrap* trap = trapsBegin(); trap != trapsEnd(); ++trap) {
+        const std::string text = std::string(trap->text());
+        const bool isNote = trap->Place == ePlace::UNUSUAL || trap->Place == ePlace::TOLD;
+        SCOPED_TRACE(text);
+        ++count;
+        if (isNote) {
+            EXPECT_EQ(notesOf(text, catalogue).size(), 1U);
+            continue;
+        }
+        if (trap->Place != ePlace::UNKNOWN) {
+            continue;
+        }
+        const CDiagnosis diagnosis = diagnosisOf(text, catalogue);
+        EXPECT_EQ(diagnosis.Code, eRefusal::UNKNOWN_NAME);
+        expectOffersToBeRead(text, diagnosis, catalogue, false);
+        if (trap->first() != "" && trap->first() != "/") {
+            EXPECT_THAT(diagnosis.Readings, Contains(std::string(trap->first())));
+        }
+    }
+    EXPECT_GT(count, 200);
+}
+
+TEST(Traps, LeaveUsualProductsAlone) {
+    for (const char* const text :
+         {"W/K", "nV/mK", "mK", "K/mK", "J/(kg K)", "J/(kg·K)", "bar m³", "bar·g", "V·A", "V A",
+          "kg m", "kg·N", "mg·N/l", "N·m²", "° ", "°/s", "m³/h", "psi·d", "W·mK^-1"}) {
+        EXPECT_TRUE(tryRead(text, everything())) << text;
+    }
+}
+
+TEST(Traps, AreNoneWhereTheNameIsTheProgramsOwn) {
+    const CCatalogue catalogue = plain().with({{"abs", "5 m"}, {"kt", "3 s"}});
+    EXPECT_TRUE(tryRead("bar abs", catalogue));
+    EXPECT_EQ(meaningText("kt", catalogue), "3 s");
+    EXPECT_EQ(diagnosisOf("bar abs", plain()).Code, eRefusal::MISLEADING);
+}
+
+TEST(Traps, NeedNoMemory) {
+    const CCatalogue catalogue = people();
+    for (const char* const text : {"° K", "W/mK", "bar g", "pH", "Nm³", "5 bar(g)", "kt"}) {
+        beforeAllocation = [](long) { throw std::bad_alloc(); };
+        bool hasThrown = false;
+        try {
+            tryRead(text, catalogue);
+        } catch (const std::bad_alloc&) {
+            hasThrown = true;
+        }
+        beforeAllocation = nullptr;
+        EXPECT_FALSE(hasThrown) << text;
+    }
+}
+
+// ---- Notes ----
+
+TEST(Notes, TellWhatANameIs) {
+    EXPECT_THAT(notesOf("pH"),
+                ElementsAre("\"pH\" is the picohenry; the pH of a liquid has no unit"));
+    EXPECT_THAT(notesOf("PS"), ElementsAre(HasSubstr("petasiemens")));
+    EXPECT_THAT(notesOf("Grad"), ElementsAre(HasSubstr("10⁹ rad")));
+    EXPECT_THAT(notesOf("Gs"), ElementsAre(HasSubstr("gauss")));
+    EXPECT_THAT(notesOf("st", everything()), ElementsAre(HasSubstr("stone")));
+    EXPECT_THAT(notesOf("psig"),
+                ElementsAre("\"psig\" counts from one standard atmosphere, 101325 Pa"));
+    EXPECT_THAT(notesOf("kg·m²/s²"), IsEmpty());
+    EXPECT_EQ(notesOf("pH/PS").size(), 2U);
+    const CValueReading value = tryReadValue("7 pH");
+    ASSERT_EQ(value.Notes.size(), 1U);
+    EXPECT_EQ(value.Notes.begin()->words("7 pH"),
+              "\"pH\" is the picohenry; the pH of a liquid has no unit");
+    EXPECT_TRUE(value.Notes.begin()->IsUnusual);
+}
+
+TEST(Notes, AreRefusalsByOption) {
+    CReadOptions strict;
+    strict.Strict = true;
+    for (const char* const text : {"pH", "PS", "Grad", "Gs", "m/PS"}) {
+        EXPECT_EQ(diagnosisOf(text, people(), strict).Code, eRefusal::MISLEADING) << text;
+    }
+    EXPECT_THAT(diagnosisOf("Grad", people(), strict).Readings, ElementsAre("°", "grade"));
+    EXPECT_TRUE(tryRead("barg", people(), strict)) << "the note only tells which unit it is";
+    EXPECT_EQ(tryReadValue("7 pH", people(), strict).Refusal.Code, eRefusal::MISLEADING);
+}
+
+TEST(Notes, AreAtMostFour) { EXPECT_EQ(notesOf("pH·PS·Grad·Gs·pH").size(), 4U); }
+
+TEST(NotesOnMarks, SayWhatCountsAsOne) {
+    const CMeaning rpm = read("rpm", people());
+    const CMeaning perMinute = read("1/min");
+    EXPECT_EQ(
+        noteOnMarks("3000", "rpm", rpm, perMinute),
+        "rad counts as 1 here: 3000 rpm is 314.159 rad/s; turns per minute are rpm, turns per "
+        "second rev/s");
+    EXPECT_EQ(noteOnMarks("5", "byte", read("byte"), read("rad")),
+              "bit and rad count as 1 here: 5 byte is 40 bit");
+    EXPECT_THAT(noteOnMarks("1", "Hz", read("Hz"), read("rad/s")),
+                HasSubstr("rad counts as 1 here"));
+    EXPECT_EQ(noteOnMarks("1", "rpm", rpm, read("rad/s")), "");
+    EXPECT_EQ(noteOnMarks("1", "Hz", read("Hz"), perMinute), "");
+}
+
+TEST(NotesOnMarks, AreRefusalsOnDemand) {
+    EXPECT_NO_THROW(requireSameMarks(read("rev/min"), read("rad/s")));
+    try {
+        requireSameMarks(read("rev/min"), read("1/min"));
+        FAIL() << "not refused";
+    } catch (const CError& error) {
+        EXPECT_EQ(error.code(), eError::DIFFERENT_MARKS);
+        EXPECT_THAT(error.what(), HasSubstr("rad counts as 1 here"));
+    }
+}
+
+// ---- Refusals ----
+
+TEST(Advice, OffersWholeChains) {
+    EXPECT_THAT(diagnosisOfValue("10 kg·m/s/s/h").Readings, ElementsAre("10 kg·m/(s·s·h)"));
+    EXPECT_THAT(diagnosisOf("J/kg·K/s").Readings, ElementsAre("J/(kg·K·s)", "J·K/(kg·s)"));
+    EXPECT_THAT(diagnosisOf("a/b").Readings, IsEmpty());
+    EXPECT_THAT(diagnosisOf("1/m/s").Readings, ElementsAre("1/(m·s)", "s/m"));
+    EXPECT_THAT(diagnosisOf("(W/m/K)²").Readings, ElementsAre("(W/(m·K))²", "(W·K/m)²"));
+    EXPECT_THAT(diagnosisOf("J/kg/°C").Readings, ElementsAre("J/(kg·K)", "J·K/kg"));
+    EXPECT_THAT(diagnosisOf("W/m2K").Readings, ElementsAre("W/(m2·K)", "W·K/m2"));
+}
+
+TEST(Advice, MendsNumbers) {
+    const CCatalogue all = everything();
+    const std::pair<const char*, const char*> rows[] = {
+        {"1/2 in", "0.5 in"},         {"1 1/2 in", "1.5 in"}, {"1h30min", "90 min"},
+        {"1 h 30 min", "90 min"},     {"5 ft 6 in", "66 in"}, {"1 000 m", "1000 m"},
+        {"1'000'000 m", "1000000 m"}, {"10^3 m", "1e3 m"},    {"2×10³ m", "2e3 m"},
+        {"2 x 10^-3 m", "2e-3 m"},    {"2,5 km", "2.5 km"},   {"1,234,567 m", "1234567 m"},
+    };
+    for (const auto& [text, meant] : rows) {
+        EXPECT_THAT(diagnosisOfValue(text, all).Readings, ElementsAre(meant)) << text;
+    }
+    EXPECT_THAT(diagnosisOfValue("1/3 m").Readings, IsEmpty()) << "no decimal is 1/3";
+    EXPECT_THAT(diagnosisOfValue("1 h 30 m").Readings, IsEmpty()) << "no sum";
+    EXPECT_EQ(readValue("+5 m").Number, CFraction(5));
+}
+
+TEST(Advice, NamesThePackOfAName) {
+    const CDiagnosis pound = diagnosisOf("lb");
+    EXPECT_EQ(pound.message(),
+              "\"lb\" is in the pack customary (type --pack customary, or ask for "
+              "ePack::CUSTOMARY)");
+    EXPECT_THAT(pound.Packs, ElementsAre("customary"));
+    EXPECT_THAT(diagnosisOf("gal").Packs, ElementsAre("us", "imperial"));
+    EXPECT_THAT(diagnosisOf("degC", plain()).Packs, ElementsAre("everyday"));
+    EXPECT_THAT(diagnosisOf("metres", plain()).Packs, ElementsAre("everyday"));
+    EXPECT_THAT(diagnosisOf("Hp").Packs, ElementsAre("customary")) << "hp";
+}
+
+TEST(Advice, OffersTheNameTakenApartBeforeNearNames) {
+    EXPECT_THAT(diagnosisOf("Nm", plain()).Readings, ElementsAre("N·m"));
+    EXPECT_THAT(diagnosisOf("Nm", plain()).Suggestions, Not(Contains("nm")));
+    EXPECT_THAT(diagnosisOf("ug", plain()).Readings, ElementsAre("\u00B5g"));
+    EXPECT_THAT(diagnosisOf("mcg", plain()).Suggestions, Not(Contains("mg")));
+    EXPECT_THAT(diagnosisOf("grad", plain()).Suggestions, Not(Contains("Grad")));
+    EXPECT_THAT(diagnosisOf("kgK/s").Readings, ElementsAre("kg·K/s"));
+}
+
+TEST(Advice, PutsTheRightCaseFirst) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"KW", "kW"},   {"Mhz", "MHz"}, {"kwh", "kWh"}, {"Kg", "kg"},    {"KPA", "kPa"},
+        {"PSI", "psi"}, {"HZ", "Hz"},   {"Km", "km"},   {"MBAR", "mbar"}};
+    for (const auto& [text, name] : rows) {
+        const CDiagnosis diagnosis = diagnosisOf(text);
+        ASSERT_FALSE(diagnosis.Suggestions.empty()) << text;
+        EXPECT_EQ(diagnosis.Suggestions[0], name);
+        EXPECT_LE(diagnosis.Suggestions.size(), 3U);
+    }
+    EXPECT_THAT(diagnosisOf("Kg").Suggestions, ElementsAre("kg"));
+}
+
+TEST(Advice, PrefersTheKindThatIsAskedFor) {
+    const CMeaning power = read("W");
+    const CMeaning mass = read("kg");
+    const CReading reading = tryRead("mw", people());
+    EXPECT_THAT(diagnose(reading.Refusal, people(), &power).Suggestions, ElementsAre("mW", "MW"));
+    const CReading near = tryRead("kgg", people());
+    for (const std::string& name : diagnose(near.Refusal, people(), &mass).Suggestions) {
+        EXPECT_TRUE(read(name, people()).isCompatibleWith(mass)) << name;
+    }
+    EXPECT_THAT(diagnosisOf("km/hh").Suggestions, Contains("h"));
+}
+
+TEST(Advice, IsPlain) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"m^1:0", "the denominator is zero"},
+        {"m)", "unmatched closing bracket"},
+        {"(m", "this bracket is never closed"},
+        {"m⁻", "superscript sign without a digit"},
+        {"m 1000", "a unit cannot contain the number 1000"},
+        {"J/°C",
+         "\"°C\" is a scale with its own zero and cannot be part of a product; for differences "
+         "write \"K\""},
+        {"m ²", "no blank is allowed before an exponent"},
+        {"", "the unit is missing"},
+    };
+    for (const auto& [text, sentence] : rows) {
+        EXPECT_EQ(diagnosisOf(text).Sentence, sentence) << text;
+    }
+}
+
+TEST(Advice, OffersOnlyWhatIsRead) {
+    const CCatalogue catalogues[] = {plain(), people(), everything()};
+    std::vector<std::string> texts = {
+        "W/(m²·K)",     "kg·m/s/s/h", "10 kJ/kg·K", "5 bar(g)", "1 h 30 min", "1/2 in",
+        "20 °C/min",    "lbf/in.²",   "100 Nm³/h",  "2,5 km",   "50 mg N/l",  "V/√Hz",
+        "m^(1/2)",      "7 degC",     "3 ° C",      "5 mmH2O",  "KWh",        "J/kgK",
+        "BTU/hr/ft2/F", "kmol",       "1e3 m3/h",   "[abc]",    "(m/s)²"};
+    for (const test::Expression& expression : everyday()) {
+        texts.push_back(expression.Text);
+    }
+    const std::string pieces[] = {"/", "·",   " ", "(", ")", "²",      "^",  "-",  "1", "2",
+                                  ",", ".",   "K", "g", "m", "°",      "°C", "N",  "k", "M",
+                                  "u", "bar", "[", "]", "√", "\u2060", "3",  "**", "h", "%"};
+    std::mt19937 random(2020);
+    int offered = 0;
+    for (int i = 0; i < 12000; ++i) {
+        std::string text = texts[random() % texts.size()];
+        for (auto edits = 1 + random() % 3; edits > 0; --edits) {
+            const std::size_t at = random() % (text.size() + 1);
+            if ((at < text.size() && (text[at] & 0x80) != 0) || text.size() > 60) {
+                continue;
+            }
+            switch (random() % 3) {
+                case 0: text.insert(at, pieces[random() % std::size(pieces)]); break;
+                case 1:
+                    if (at < text.size()) {
+                        text.erase(at, 1);
+                    }
+                    break;
+                default: text.insert(at, texts[random() % texts.size()].substr(0, 3));
+            }
+        }
+        const CCatalogue& catalogue = catalogues[random() % std::size(catalogues)];
+        const CReading unit = tryRead(text, catalogue);
+        if (!unit) {
+            const CDiagnosis diagnosis = diagnose(unit.Refusal, catalogue);
+            ASSERT_NO_FATAL_FAILURE(expectOffersToBeRead(text, diagnosis, catalogue, false));
+            offered += diagnosis.Readings.empty() ? 0 : 1;
+        }
+        const CValueReading value = tryReadValue(text, catalogue);
+        if (!value) {
+            const CDiagnosis diagnosis = diagnose(value.Refusal, catalogue);
+            ASSERT_NO_FATAL_FAILURE(expectOffersToBeRead(text, diagnosis, catalogue, true));
+        }
+    }
+    EXPECT_GT(offered, 1000);
+}
+
+// ---- Characters ----
+
+TEST(InvisibleCharacters, AreRefusedInTexts) {
+    for (const char32_t c :
+         {0x00ADU, 0x034FU, 0x061CU, 0x115FU, 0x180EU, 0x200BU, 0x202EU, 0x2060U, 0x2800U, 0x3164U,
+          0xFE0FU, 0xFEFFU, 0xFFA0U, 0xFFF9U, 0x1D173U, 0xE0020U, 0xE01EFU}) {
+        EXPECT_TRUE(isInvisible(c)) << std::hex << c;
+    }
+    for (const char32_t c : {0x41U, 0xB5U, 0xB0U, 0x3A9U, 0x606U, 0x2126U, 0x27FFU, 0x2801U,
+                             0x3163U, 0x3165U, 0xFFFCU, 0xE1000U}) {
+        EXPECT_FALSE(isInvisible(c)) << std::hex << c;
+    }
+    for (const char* const text : {"m\uFE0F", "\u3164m", "k\u061Cm", "m\u2800", "m\U000E0020"}) {
+        const CDiagnosis diagnosis = diagnosisOf(text);
+        EXPECT_EQ(diagnosis.Code, eRefusal::UNEXPECTED_CHARACTER) << text;
+        EXPECT_EQ(diagnosis.Sentence, "there is an invisible character here");
+        EXPECT_EQ(diagnosis.Readings.size(), 1U);
+    }
+}
+
+TEST(InvisibleCharacters, AreRefusedInNames) {
+    EXPECT_THROW(plain().with({{"sm\uFE0Foot", "5 m"}}), CError);
+    EXPECT_THROW(plain().with({{"\u3164", "5 m"}}), CError);
+    EXPECT_FALSE(isName("m\u2800"));
+}
+
+}  // namespace
+}  // namespace exact
+}  // namespace mensor
