@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 #include <iostream>
 #include <optional>
@@ -48,7 +49,8 @@ public:
           m_Arguments(arguments),
           m_Units(units),
           m_Report(report),
-          m_Conversions(m_Targets.size()) {}
+          m_Conversions(m_Targets.size()),
+          m_Faults(m_Targets.size()) {}
 
     // `line` is 0 where the value stands on the command line.
     void convert(const std::string& text, std::size_t line) {
@@ -97,10 +99,12 @@ private:
         m_Unit = unit;
         for (std::size_t i = 0; i < m_Targets.size(); ++i) {
             m_Conversions[i].reset();
+            m_Faults[i].clear();
             if (unit.isCompatibleWith(m_Targets[i].Meaning)) {
                 try {
                     m_Conversions[i].emplace(unit, m_Targets[i].Meaning);
-                } catch (const CError&) {  // the ratio of the two sizes is too large a number
+                } catch (const CError& error) {
+                    m_Faults[i] = error.what();
                 }
             }
         }
@@ -132,6 +136,12 @@ private:
             } catch (const CError&) {
             }
         }
+        if (!m_Faults[target].empty()) {
+            return {{},
+                    "FACTOR_RANGE",
+                    quoted(unit) + " in " + quoted(to.Text) +
+                        " cannot be computed exactly: " + m_Faults[target]};
+        }
         return {{},
                 "NUMBER_RANGE",
                 "the value in " + quoted(to.Text) + " is beyond the range of numbers"};
@@ -157,7 +167,8 @@ private:
         }
         for (std::size_t i = 0; i < m_Targets.size() && !m_Arguments.Kinds; ++i) {
             std::string note = noteOnKinds(i, *value.Value, unit);
-            if (!note.empty()) {
+            const bool isNew = std::find(notes.begin(), notes.end(), note) == notes.end();
+            if (!note.empty() && isNew) {
                 notes.push_back(std::move(note));
             }
         }
@@ -238,6 +249,7 @@ private:
     CReport& m_Report;
     std::optional<CMeaning> m_Unit;                         // of the value before
     std::vector<std::optional<CConversion>> m_Conversions;  // from it, one for each target
+    std::vector<std::string> m_Faults;                      // why there is none
 };
 
 }  // namespace

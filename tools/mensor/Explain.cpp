@@ -129,9 +129,9 @@ public:
         }
         CJsonObject library;
         if (m_Registered.Unit) {
+            const auto meaning = mensor::checked::tryMeaningOf(m_Registered.Unit);
             library.text("unit", libraryText(m_Registered.Unit))
-                .raw("meaning",
-                     CJsonObject().text("text", meaningText(m_Registered.Unit)).toString());
+                .raw("meaning", meaning ? jsonOf(*meaning) : "null");
         } else {
             library.text("error", m_Registered.Refusal);
         }
