@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 #include <random>
+#include <utility>
 
 #include "exact/WholeLine.h"
 #include "mensor_exact/TwoWords.h"
@@ -130,16 +131,20 @@ TEST(ShortLine, TakesSumsOf127BitsAndNoLongerOnes) {
     EXPECT_TRUE((CShortLine{3, 0, 1, 0, false}.convert({false, 3, 900}, format).has_value()));
 }
 
-// A sum of 128 bits, whose last bit is dropped. The result is a tie.
+// Sums of 128 bits, whose last bit is dropped. The results in the middle are ties, of which one is rounded down
+// and the other up.
 TEST(ShortLine, RoundsSumsOf128Bits) {
-    const CShortLine line = {(std::uint64_t{2051} << 52) + 1, ~std::uint64_t{0},
-                             (std::uint64_t{1} << 63) + 1, 0, false};
     const CFormat format = CFormat::ofDouble();
-    for (const std::uint64_t x : {2047U, 2048U, 2049U}) {
-        const CNumber number = {false, x, -63};
-        const auto result = line.convert(number, format);
-        ASSERT_TRUE(result.has_value());
-        EXPECT_EQ(result->Bits, WholeLine(line).convert(number, format).Bits) << x;
+    const std::pair<std::uint64_t, std::uint64_t> ties[] = {{2051, 2048}, {2049, 6144}};
+    for (const auto& [high, middle] : ties) {
+        const CShortLine line = {(high << 52) + 1, ~std::uint64_t{0}, (std::uint64_t{1} << 63) + 1,
+                                 0, false};
+        for (const std::uint64_t x : {middle - 1, middle, middle + 1}) {
+            const CNumber number = {false, x, -63};
+            const auto result = line.convert(number, format);
+            ASSERT_TRUE(result.has_value());
+            EXPECT_EQ(result->Bits, WholeLine(line).convert(number, format).Bits) << x;
+        }
     }
 }
 
