@@ -530,7 +530,7 @@ private:
             return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
         };
         for (std::size_t row = 0; row < CTable::size(); ++row) {
-            const std::string_view known = CTable::definition(row).Name;
+            const std::string_view known = CTable::name(row);
             if (known.size() == name.size() &&
                 std::equal(known.begin(), known.end(), name.begin(),
                            [&](char a, char b) { return small(a) == small(b); }) &&
@@ -589,11 +589,9 @@ private:
     void addNearestOfPacks() {
         CNearestNames nearest(m_Refusal.token());
         for (std::size_t row = 0; row < CTable::size(); ++row) {
-            const CDefinition definition = CTable::definition(row);
-            const bool isOfPack =
-                definition.Pack != ePack::CATALOGUE && definition.Pack != ePack::SI;
-            if (isOfPack && m_Resolver.offers(definition.Pack)) {
-                nearest.add(definition.Name);
+            const ePack pack = CTable::pack(row);
+            if (pack != ePack::CATALOGUE && pack != ePack::SI && m_Resolver.offers(pack)) {
+                nearest.add(CTable::name(row));
             }
         }
         const std::vector<CNearestNames::CNear> found = nearest.best();

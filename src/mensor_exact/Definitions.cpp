@@ -381,11 +381,14 @@ std::vector<CDefinition> CCatalogue::definitions() const {
 
 void CCatalogue::forEach(const std::function<bool(const CDefinition&)>& visit) const {
     for (std::size_t row = 0; row < CTable::size(); ++row) {
-        const CDefinition definition = CTable::definition(row);
-        if (!has(definition.Pack) || takesAway(definition.Name)) {
+        if (!has(CTable::pack(row))) {
             continue;
         }
-        if (definition.Pack == ePack::EVERYDAY && find(definition.Name)->Pack != ePack::EVERYDAY) {
+        const CDefinition definition = CTable::definition(row);
+        if (takesAway(definition.Name)) {
+            continue;
+        }
+        if (definition.Pack == ePack::EVERYDAY && CTable::find(definition.Name, m_Packs) != row) {
             continue;  // another pack has this name
         }
         if (!visit(definition)) {

@@ -81,10 +81,28 @@ bool CNearestNames::read(std::string_view text, CLetters& letters) {
     return true;
 }
 
+// Whether a name cannot be near, by its length and, if it is ASCII, its letters. Most names end here.
+bool CNearestNames::isFar(std::string_view known) const {
+    if (known.size() + m_Farthest < m_Unknown.Size) {
+        return true;
+    }
+    std::uint64_t set = 0;
+    for (const char c : known) {
+        if ((c & 0x80) != 0) {
+            return false;
+        }
+        const char small = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+        set |= std::uint64_t{1} << (static_cast<unsigned char>(small) % 64);
+    }
+    return known.size() > m_Unknown.Size + m_Farthest ||
+           countBits(set & ~m_Unknown.Set) > m_Farthest ||
+           countBits(m_Unknown.Set & ~set) > m_Farthest;
+}
+
 // Finds out how far a name is, whatever the case. Returns false where it is not near.
 bool CNearestNames::measure(std::string_view known, CLetters& letters,
                             std::size_t& distance) const {
-    if (m_HasNone || known.empty() || !read(known, letters) ||
+    if (m_HasNone || known.empty() || isFar(known) || !read(known, letters) ||
         letters.Size > m_Unknown.Size + m_Farthest || m_Unknown.Size > letters.Size + m_Farthest) {
         return false;
     }

@@ -50,6 +50,7 @@ private:
     };
 
     static bool read(std::string_view text, CLetters& letters);
+    bool isFar(std::string_view known) const;
     bool measure(std::string_view known, CLetters& letters, std::size_t& distance) const;
 
     CLetters m_Unknown;

@@ -18,6 +18,9 @@ CDefinition CTable::definition(std::size_t row) noexcept {
     return {name, text, english, source, lengths.Pack};
 }
 
+std::string_view CTable::name(std::size_t row) noexcept { return nameOf(row); }
+ePack CTable::pack(std::size_t row) noexcept { return Lengths[row].Pack; }
+
 CMeaning CTable::meaning(std::size_t row) {
     const CRow& data = Meanings.Row[row];
     if (data.Own != 0) {

@@ -21,6 +21,8 @@ public:
 
     static std::size_t size() noexcept;
     static CDefinition definition(std::size_t row) noexcept;
+    static std::string_view name(std::size_t row) noexcept;
+    static ePack pack(std::size_t row) noexcept;
     static CMeaning meaning(std::size_t row);
 
     /// The row with this name in one of these packs (a bit for each), or None.
