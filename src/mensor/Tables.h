@@ -17,6 +17,7 @@
 #define MENSOR_TABLES_H
 
 #include <atomic>
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -32,6 +33,7 @@ struct Tables {
     std::recursive_mutex Mutex;  // guards all maps
     std::map<string_t, CUnitPtr> Symbols;
     std::map<int, CUnitPtr> Instances;
+    std::size_t MostInstances = static_cast<std::size_t>(-1);  // see RegistrationBound.h
     std::map<CUnitPtr, CUnitPtr> Dimensions;
     std::map<CUnitPtr, CConverterPtr> ToDimensions;
     std::map<string_t, CUnitPtr> LabelUnit;

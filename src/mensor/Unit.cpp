@@ -9,6 +9,7 @@
 #include "mensor/AlternateUnit.h"
 #include "mensor/MultiplyConverter.h"
 #include "mensor/ProductUnit.h"
+#include "mensor/RegistrationBound.h"
 #include "mensor/Tables.h"
 #include "mensor/TextStream.h"
 #include "mensor/TransformedUnit.h"
@@ -132,6 +133,9 @@ CUnitPtr CUnit::getInstance(CUnitPtr unit) {
     const auto found = known.find(unit->m_HashCode);
     if (found != known.end()) {
         return found->second;
+    }
+    if (known.size() >= tables().MostInstances) {
+        throw CTooManyUnits();
     }
     CRegistration registration(unit);
     const string_t symbol = unit->getSymbol();

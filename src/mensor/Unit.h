@@ -239,6 +239,7 @@ protected:
     /// and returns it. Nothing else is compared: the hash code alone decides identity.
     /// @throws std::logic_error  "The symbol: x is currently associated to another unit.". After any
     ///     exception the tables are as they were.
+    /// @throws CTooManyUnits  a CRegistrationBound (RegistrationBound.h) does not allow a new unit.
     /// @par Threads  Any thread, locks mutex().
     static CUnitPtr getInstance(CUnitPtr unit);
 

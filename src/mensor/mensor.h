@@ -18,6 +18,7 @@
 #include "mensor/MultiplyConverter.h"
 #include "mensor/NonSI.h"
 #include "mensor/ProductUnit.h"
+#include "mensor/RegistrationBound.h"
 #include "mensor/SI.h"
 #include "mensor/TransformedUnit.h"
 #include "mensor/Unit.h"

@@ -94,6 +94,8 @@ private:
                 e.inTheWay()};
         } catch (const CReadError& e) {  // the new unit's own text
             refuse(e.diagnosis().Code, m_Parts.Name, e.what());
+        } catch (const CTooManyUnits& e) {
+            refuse(eRefusal::LIMIT_REACHED, m_Parts.Name, e.what());
         } catch (const std::bad_alloc&) {
             throw;
         } catch (const std::exception& e) {

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "mensor/ProductUnit.h"
+#include "mensor/RegistrationBound.h"
 #include "mensor/TransformedUnit.h"
 #include "mensor_checked/Elements.h"
 #include "mensor_checked/Faults.h"
@@ -316,6 +317,9 @@ Outcome readOrRefuse(std::string_view text, Read read) {
         return read();
     } catch (Refused& refused) {
         outcome.Refusal = std::move(refused.Diagnosis);
+    } catch (const CTooManyUnits&) {
+        outcome.Refusal = diagnose(eRefusal::LIMIT_REACHED, text, {0, text.size()},
+                                   "this unit is new, and no more units may be registered");
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception& e) {

@@ -58,6 +58,7 @@ const char* nameOf(eRefusal code) {
         case eRefusal::NAME_TAKEN: return "NAME_TAKEN";
         case eRefusal::DIFFERENT_DIMENSIONS: return "DIFFERENT_DIMENSIONS";
         case eRefusal::MISLEADING: return "MISLEADING";
+        case eRefusal::LIMIT_REACHED: return "LIMIT_REACHED";
     }
     return "?";
 }

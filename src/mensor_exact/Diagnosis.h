@@ -61,8 +61,10 @@ enum class eRefusal : int {
     NAME_TAKEN,            ///< the name of a definition means something else already
     DIFFERENT_DIMENSIONS,  ///< the unit of a zero measures something else than the unit defined
     // What people write.
-    MISLEADING  ///< would be read as something else than is meant: "300° K", "W/mK", "30 psi g";
-                ///< with CReadOptions::Strict also "pH", the picohenry
+    MISLEADING,  ///< would be read as something else than is meant: "300° K", "W/mK", "30 psi g";
+                 ///< with CReadOptions::Strict also "pH", the picohenry
+    // Registering (mensor_checked/RegistrationLimit.h).
+    LIMIT_REACHED  ///< the companion has registered as many units as it may
 };
 
 /// The enumerator's own name, for logs and tables: "SECOND_DIVISION".
