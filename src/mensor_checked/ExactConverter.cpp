@@ -14,8 +14,8 @@ bool areEqual(const exact::COffset& a, const exact::COffset& b) {
 
 }  // namespace
 
-CExactConverter::CExactConverter(exact::CConversion conversion)
-    : m_Conversion(std::move(conversion)),
+CExactConverter::CExactConverter(const exact::CConversion& conversion)
+    : m_Conversion(conversion),
       m_Slope(m_Conversion.exactFactor().toDouble()),
       m_HasOffset(m_Conversion.exactOffset().Sign != 0) {}
 CExactConverter::~CExactConverter() = default;

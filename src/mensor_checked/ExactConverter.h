@@ -14,7 +14,7 @@ namespace checked {
 /// Class contract: any thread.
 class CExactConverter final : public CConverter {
 public:
-    explicit CExactConverter(exact::CConversion conversion);
+    explicit CExactConverter(const exact::CConversion& conversion);
     ~CExactConverter() override;
 
     CConverterPtr inverse() override;

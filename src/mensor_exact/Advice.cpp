@@ -352,7 +352,11 @@ private:
         if (point == std::string::npos || digits > point || token.size() > point + 16) {
             return;
         }
-        const double exponent = std::stod(token.substr(digits));
+        double exponent = 0.0;
+        std::from_chars(token.data() + digits, token.data() + token.size(), exponent);
+        if (exponent > LargestExponent) {
+            return;
+        }
         double half = 0.5;  // of the last place
         for (std::size_t at = point + 1; at < token.size() && token[at] >= '0' && token[at] <= '9';
              ++at) {
@@ -360,7 +364,7 @@ private:
         }
         constexpr int LargestDenominator = 12;
         for (int root = 2; root <= LargestDenominator; ++root) {
-            const int pow = static_cast<int>(exponent * root + 0.5);
+            const long pow = std::lround(exponent * root);
             const double difference = exponent - static_cast<double>(pow) / root;
             if (pow > 0 && std::abs(difference) <= 2 * half) {
                 const bool isNegative = token.find('-') != std::string::npos;

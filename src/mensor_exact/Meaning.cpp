@@ -83,7 +83,7 @@ CMeaning::CMeaning(const CSmallMeaning& small)
     : m_Factor(small.Factor, static_cast<int>(small.Pi)), m_Offset(small.Offset) {
     static_assert(CSmallMeaning::Slots == Slots);
     for (std::size_t slot = 0; slot < Slots; ++slot) {
-        const std::int8_t halves = small.Halves[slot];
+        const int halves{small.Halves[slot]};
         m_Exponents[slot] = halves % 2 == 0 ? CExponent(halves / 2) : CExponent(halves, 2);
     }
     if (small.OwnHalves != 0) {

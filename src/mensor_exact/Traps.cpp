@@ -26,6 +26,7 @@ struct CRow {
     std::size_t Lengths[4];
 };
 
+// NOLINTBEGIN(bugprone-macro-parentheses): the arguments are literals, and the rows lists.
 constexpr CRow Written[] = {
 #define MENSOR_TRAP(place, text, sentence, first, second) \
     {ePlace::place, sentence, {sizeof text - 1, 0, sizeof first - 1, sizeof second - 1}},
@@ -40,6 +41,7 @@ constexpr CRow Written[] = {
     {ePlace::UNKNOWN, sentence, {sizeof text - 1, 0, sizeof first - 1, sizeof second - 1}},
 #include "mensor_exact/refusals.def"
 };
+// NOLINTEND(bugprone-macro-parentheses)
 
 constexpr std::size_t RowCount = std::size(Written);
 
