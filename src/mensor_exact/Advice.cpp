@@ -1,6 +1,8 @@
 // Advice.cpp: what to write instead of a refused text. Every offer is read before it is made. Where a
 // corrected text is refused for a second fault, it is corrected again.
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <cstdint>
 #include <iterator>
 #include <optional>
@@ -364,7 +366,7 @@ private:
         }
         constexpr int LargestDenominator = 12;
         for (int root = 2; root <= LargestDenominator; ++root) {
-            const long pow = std::lround(exponent * root);
+            const int pow = static_cast<int>(std::lround(exponent * root));
             const double difference = exponent - static_cast<double>(pow) / root;
             if (pow > 0 && std::abs(difference) <= 2 * half) {
                 const bool isNegative = token.find('-') != std::string::npos;
