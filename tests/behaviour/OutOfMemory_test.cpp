@@ -47,7 +47,7 @@ struct Effort {
     long LookEvery;      // the tables are checked after every so many failures
     long WarmUpsTried;  // the number of allocations of a warm-up that fail
 };
-constexpr Effort All{9, 1, 1'000'000, 1, 40}, Many{13, 3, 32, 32, 5}, Some{13, 9, 8, 128, 5};
+constexpr Effort All{9, 1, 1'000'000, 1, 40}, Many{13, 3, 32, 32, 5}, Some{13, 3, 8, 128, 5};
 const Effort& effort() {
     return test::isThorough() ? (test::IsSlow ? Many : All) : (test::IsSlow ? Some : Many);
 }

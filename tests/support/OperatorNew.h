@@ -58,6 +58,14 @@ inline void* allocate(std::size_t size) {
 
 void* operator new(std::size_t size) { return mensor::allocate(size); }
 void* operator new[](std::size_t size) { return mensor::allocate(size); }
+// Algorithms of the standard library ask for temporary memory in this way.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    try {
+        return mensor::allocate(size);
+    } catch (...) {
+        return nullptr;
+    }
+}
 void operator delete(void* memory) noexcept { mensor::release(memory); }
 void operator delete[](void* memory) noexcept { mensor::release(memory); }
 void operator delete(void* memory, std::size_t) noexcept { mensor::release(memory); }

@@ -114,7 +114,8 @@ CValueReading readCodedValue(const std::string& text, eSystem system,
 
     CReadOptions options;
     options.Dimensionless = true;
-    CValueReading value = tryReadValue(text.substr(0, end), CCatalogue::builtIn(), options);
+    CValueReading value =
+        tryReadValue(std::string_view(text).substr(0, end), CCatalogue::builtIn(), options);
     const bool isNumber = value && value.Unit.Begin == value.Unit.End;
     if (!value && isOfNumbers(value.Refusal.Code)) {
         refusal = diagnose(value.Refusal);
