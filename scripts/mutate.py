@@ -333,6 +333,7 @@ class Laboratory:
         self.products = {library.name: build / "src" / library.name / f"lib{library.name}.so"
                          for library in (sources.directory / "src").iterdir()}
         self.products["mensor_tool"] = build / "tools" / "mensor" / "mensor"
+        self.products["mensor_registry"] = build / "src" / "mensor_exact" / "mensor" / "registry.so"
         self.originals = {}
 
     def targets(self, source):

@@ -1,6 +1,7 @@
 # CPack runs this on the files that it is about to pack. Debian wants no run paths in its packages: the
 # system looks into their folder anyway.
-file(GLOB_RECURSE libraries LIST_DIRECTORIES false ${CPACK_TEMPORARY_DIRECTORY}/libmensor*.so.*.*)
+file(GLOB_RECURSE libraries LIST_DIRECTORIES false ${CPACK_TEMPORARY_DIRECTORY}/libmensor*.so.*.*
+  ${CPACK_TEMPORARY_DIRECTORY}/registry.so)
 file(GLOB_RECURSE tools LIST_DIRECTORIES false ${CPACK_TEMPORARY_DIRECTORY}/mensor)
 list(FILTER libraries EXCLUDE REGEX "\\.py$")  # the printers for gdb
 list(FILTER tools INCLUDE REGEX "/bin/mensor$")

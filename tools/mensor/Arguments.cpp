@@ -123,6 +123,8 @@ CArguments readArguments(const std::vector<std::string>& words) {
             arguments.Reading.Strict = true;
         } else if (option == "--kinds") {
             arguments.Kinds = true;
+        } else if (option == "--library") {
+            arguments.Library = true;
         } else if (option == "--help" || option == "-h") {
             arguments.Help = true;
         } else if (option == "--version") {
@@ -159,6 +161,7 @@ const char* help() {
            "  --dimensionless        read a number without a unit\n"
            "  --strict               refuse names that people use for something else: \"pH\"\n"
            "  --kinds                refuse to count rad, sr or bit as 1\n"
+           "  --library              with explain, tell what the library's reader makes of it\n"
            "  --json                 write one JSON object a line\n"
            "  --quiet                show no progress\n"
            "  --help, --version\n"

@@ -25,7 +25,8 @@ struct CArguments {
     mensor::exact::CReadOptions Reading;         ///< --differences, --dimensionless, --strict
     std::optional<mensor::codes::eSystem> From;  ///< --from, --ucum: whose codes are read
     std::optional<mensor::codes::eSystem> To;    ///< --to: whose codes are written
-    bool Kinds = false;  ///< no conversion counts the radian, the steradian or the bit as 1
+    bool Kinds = false;    ///< no conversion counts the radian, the steradian or the bit as 1
+    bool Library = false;  ///< "explain" tells of the library's reader, too
     bool Json = false;
     bool Quiet = false;  ///< no progress
     bool Help = false;

@@ -4,11 +4,10 @@
 #include <stdexcept>
 #include <string>
 
-#include <mensor_checked/Reading.h>
-
 #include "Commands.h"
 #include "Display.h"
 #include "Lines.h"
+#include "Registry.h"
 
 void audit(const CArguments& arguments, const CUnits& units, CReport& report) {
     if (!units.registerAll(&report)) {
@@ -33,9 +32,8 @@ void audit(const CArguments& arguments, const CUnits& units, CReport& report) {
             continue;
         }
         ++texts;
-        const mensor::checked::CReading reading =
-            mensor::checked::tryReadUnit(line, arguments.Reading);
-        if (reading) {
+        const auto refusal = registry().refusalOf(line, arguments.Reading);
+        if (!refusal) {
             continue;
         }
         if (report.isJson()) {
@@ -44,10 +42,10 @@ void audit(const CArguments& arguments, const CUnits& units, CReport& report) {
                             .text("file", name)
                             .count("line", lines.number())
                             .text("text", line)
-                            .raw("error", jsonOf(*reading.Refusal))
+                            .raw("error", jsonOf(*refusal))
                             .toString());
         } else {
-            report.refuse(name + ":" + std::to_string(lines.number()) + ": ", *reading.Refusal);
+            report.refuse(name + ":" + std::to_string(lines.number()) + ": ", *refusal);
         }
     }
     report.endProgress();

@@ -4,19 +4,16 @@
 #include <string>
 #include <vector>
 
-#include <mensor/Unit.h>
-#include <mensor_checked/Meaning.h>
-#include <mensor_checked/Reading.h>
 #include <mensor_exact/Certificate.h>
 #include <mensor_exact/Reading.h>
 
 #include "Commands.h"
 #include "Display.h"
+#include "Registry.h"
 
 namespace {
 
 using namespace mensor::exact;
-using mensor::CUnit, mensor::CUnitPtr;
 
 // What a refused text says if operations of one rank are done from left to right, as mathematics has
 // it; none where it says nothing.
@@ -39,42 +36,11 @@ std::optional<std::string> fromLeftToRight(const CDiagnosis& refusal, const CUni
     return std::nullopt;
 }
 
-// What the registry makes of a text, read by the library alone and by the companion.
-struct CRegistered {
-    CUnitPtr Unit;          // of the library's own reader
-    std::string Refusal;    // its message, if there is no unit
-    bool IsSame = false;    // the companion gives the same unit
-    std::string Companion;  // why the companion refuses the text; empty if it does not
-};
-
-CRegistered askRegistry(const std::string& text, const CReadOptions& options) {
-    CRegistered result;
-    const mensor::checked::CReading reading = mensor::checked::tryReadUnit(text, options);
-    if (!reading) {
-        result.Companion =
-            std::string(nameOf(reading.Refusal->Code)) + ": " + reading.Refusal->Sentence;
-    }
-    try {
-        result.Unit = CUnit::fromString(text);
-        result.IsSame = result.Unit == reading.Unit;
-    } catch (const std::exception& e) {
-        result.Refusal = e.what();
-    }
-    return result;
-}
-
-std::string meaningText(const CUnitPtr& unit) {
-    const auto meaning = mensor::checked::tryMeaningOf(unit);
-    return meaning ? meaning->toString() : "a unit without an exact meaning";
-}
-
-// The unit as the library writes it, which need not read back.
-std::string libraryText(const CUnitPtr& unit) {
-    try {
-        return unit->toStdString();
-    } catch (const std::exception&) {  // a scaled unit without a label
-        return meaningText(unit);
-    }
+// The refusal of the checked reader in one line; empty if there is none.
+std::string checkedRefusal(const CLibraryAnswer& answer) {
+    return answer.Checked
+               ? std::string(nameOf(answer.Checked->Code)) + ": " + answer.Checked->Sentence
+               : "";
 }
 
 // Everything that there is to say of one text.
@@ -94,8 +60,10 @@ public:
             m_Refusal = diagnose(m_Reading.Refusal, units.catalogue());
             m_LeftToRight = fromLeftToRight(m_Refusal, units, arguments.Reading);
         }
-        units.registerAll(nullptr);
-        m_Registered = askRegistry(m_Text, arguments.Reading);
+        if (arguments.Library) {
+            units.registerAll(nullptr);
+            m_Library = registry().ask(m_Text, arguments.Reading);
+        }
     }
 
     void tell() const {
@@ -104,7 +72,9 @@ public:
         } else {
             tellRefusal();
         }
-        tellRegistry();
+        if (m_Library) {
+            tellLibrary(*m_Library);
+        }
     }
 
     void tellAsJson() const {
@@ -127,18 +97,10 @@ public:
                 json.text("leftToRight", *m_LeftToRight);
             }
         }
-        CJsonObject library;
-        if (m_Registered.Unit) {
-            const auto meaning = mensor::checked::tryMeaningOf(m_Registered.Unit);
-            library.text("unit", libraryText(m_Registered.Unit))
-                .raw("meaning", meaning ? jsonOf(*meaning) : "null");
-        } else {
-            library.text("error", m_Registered.Refusal);
+        if (m_Library) {
+            json.raw("library", libraryAsJson(*m_Library));
         }
-        if (m_Reading && !m_Registered.Companion.empty()) {
-            library.text("checked", m_Registered.Companion);
-        }
-        m_Report.line(json.raw("library", library.toString()).toString());
+        m_Report.line(json.toString());
     }
 
 private:
@@ -201,18 +163,33 @@ private:
         }
     }
 
-    void tellRegistry() const {
-        if (!m_Registered.Unit) {
-            row("library", "refuses it: " + m_Registered.Refusal);
-        } else if (m_Registered.IsSame) {
+    void tellLibrary(const CLibraryAnswer& answer) const {
+        if (!answer.Unit) {
+            row("library", "refuses it: " + answer.Refusal);
+        } else if (answer.IsSame) {
             row("library", "reads the same");
         } else {
-            row("library", "reads " + libraryText(m_Registered.Unit) + ", which is " +
-                               meaningText(m_Registered.Unit));
+            row("library", "reads " + *answer.Unit + ", which is " +
+                               (answer.Meaning ? answer.Meaning->toString()
+                                               : "a unit without an exact meaning"));
         }
-        if (m_Reading && !m_Registered.Companion.empty()) {
-            row("checked", "refuses it: " + m_Registered.Companion);
+        if (m_Reading && answer.Checked) {
+            row("checked", "refuses it: " + checkedRefusal(answer));
         }
+    }
+
+    std::string libraryAsJson(const CLibraryAnswer& answer) const {
+        CJsonObject library;
+        if (answer.Unit) {
+            library.text("unit", *answer.Unit)
+                .raw("meaning", answer.Meaning ? jsonOf(*answer.Meaning) : "null");
+        } else {
+            library.text("error", answer.Refusal);
+        }
+        if (m_Reading && answer.Checked) {
+            library.text("checked", checkedRefusal(answer));
+        }
+        return library.toString();
     }
 
     const std::string m_Text;
@@ -224,7 +201,7 @@ private:
     CCertificate m_Certificate;                // likewise
     CDiagnosis m_Refusal;                      // if it was not
     std::optional<std::string> m_LeftToRight;  // likewise
-    CRegistered m_Registered;
+    std::optional<CLibraryAnswer> m_Library;   // if it was asked for
 };
 
 }  // namespace

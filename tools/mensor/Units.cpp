@@ -4,13 +4,11 @@
 #include <stdexcept>
 #include <utility>
 
-#include <mensor/NonSI.h>
-#include <mensor_checked/OwnUnits.h>
-#include <mensor_checked/Packs.h>
 #include <mensor_exact/DefinitionFile.h>
 #include <mensor_exact/Error.h>
 
 #include "Display.h"
+#include "Registry.h"
 
 namespace {
 
@@ -69,25 +67,18 @@ void CUnits::addFile(const std::string& name, CReport& report) {
 }
 
 bool CUnits::registerAll(CReport* report) const {
-    mensor::NonSI::Psi();  // the one named unit that the library does not register by itself
     bool isGood = true;
     for (const ePack pack : m_Packs) {
-        if (pack == ePack::EVERYDAY) {
-            continue;  // spellings of units that the registry has
-        }
-        try {
-            mensor::checked::registerPack(*mensor::checked::packNamed(nameOf(pack)));
-        } catch (const mensor::checked::CIdentityError& error) {
+        if (const auto refusal = registry().addPack(pack)) {
             isGood = false;
             if (report != nullptr) {
-                report->refuse("", error.what());
+                report->refuse("", *refusal);
             }
         }
     }
     for (const CFile& file : m_Files) {
-        const auto result = mensor::checked::tryDefineUnits(file.Text);
-        isGood = isGood && result;
-        for (const auto& finding : result.Findings) {
+        for (const auto& finding : registry().addDefinitions(file.Text)) {
+            isGood = false;
             if (report != nullptr) {
                 report->refuse(placeOf(file.Name, finding.Line), finding.Refusal);
             }

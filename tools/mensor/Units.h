@@ -20,8 +20,9 @@ public:
 
     const mensor::exact::CCatalogue& catalogue() const { return m_Catalogue; }
 
-    /// Registers the same units with the library's registry, which only some commands ask. Tells the
-    /// report, if there is one, what is refused. Returns whether nothing was.
+    /// Registers the same units with the library's registry. Tells the report, if there is one, what is
+    /// refused. Returns whether nothing was.
+    /// @throws std::runtime_error  The registry cannot be loaded.
     bool registerAll(CReport* report) const;
 
 private:

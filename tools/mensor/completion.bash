@@ -1,7 +1,7 @@
 # Bash completion for mensor. Units and packs are asked of the program itself.
 _mensor() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
-    local command= options='--pack --units --from --to --ucum --differences --dimensionless --strict --kinds --json --quiet --help --version'
+    local command= options='--pack --units --from --to --ucum --differences --dimensionless --strict --kinds --library --json --quiet --help --version'
     local i words packs=()
     COMPREPLY=()
 

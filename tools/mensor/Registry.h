@@ -1,0 +1,56 @@
+// Registry.h: what the library's registry makes of texts.
+//
+// The registry is in libmensor, which this program does not link. Only the command "audit" and the option
+// --library ask the registry. They load the module registry.so, which links libmensor.
+#ifndef MENSOR_TOOL_REGISTRY_H
+#define MENSOR_TOOL_REGISTRY_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <mensor_exact/DefinitionFile.h>
+#include <mensor_exact/Definitions.h>
+#include <mensor_exact/Diagnosis.h>
+#include <mensor_exact/Meaning.h>
+#include <mensor_exact/Reading.h>
+
+/// What the library's own reader and the checked reader make of one text.
+struct CLibraryAnswer {
+    std::optional<std::string> Unit;  ///< as the library writes it, if it reads the text
+    std::optional<mensor::exact::CMeaning> Meaning;  ///< of the unit, if it has one
+    std::string Refusal;                             ///< the library's message, if there is no unit
+    std::optional<mensor::exact::CDiagnosis> Checked;  ///< why the checked reader refuses the text
+    bool IsSame = false;                               ///< both readers give one unit
+};
+
+/// The registry of this process. The module implements it.
+class CRegistry {
+public:
+    /// Registers the units of a pack. Returns why it is refused; none if it is not.
+    virtual std::optional<std::string> addPack(mensor::exact::ePack pack) = 0;
+
+    /// Registers the units of a definition file. Returns the refused lines.
+    virtual std::vector<mensor::exact::CLineFinding> addDefinitions(const std::string& text) = 0;
+
+    /// Returns why the checked reader refuses a text; none if it reads it.
+    virtual std::optional<mensor::exact::CDiagnosis> refusalOf(
+        const std::string& text, const mensor::exact::CReadOptions& options) = 0;
+
+    /// Asks both readers.
+    virtual CLibraryAnswer ask(const std::string& text,
+                               const mensor::exact::CReadOptions& options) = 0;
+
+protected:
+    ~CRegistry() = default;
+};
+
+/// Loads the module on the first call.
+/// @throws std::runtime_error  The module, or a library that it needs, cannot be loaded.
+CRegistry& registry();
+
+/// The function of the module that gives its one object.
+using GetRegistry = CRegistry*();
+constexpr const char* GetRegistryName = "mensorToolRegistry";
+
+#endif  // MENSOR_TOOL_REGISTRY_H
