@@ -107,7 +107,7 @@ TEST(Meaning, OfEveryNameOfTheCatalogueIsItsRow) {
 
 TEST(Meaning, OfThePrefixedKelvinsIsTheirs) {
     const CUnitPtr millikelvin = SI::Kelvin()->multiply(0.001);
-    ASSERT_EQ(CUnitFormat::labelFor(millikelvin), "m°C");
+    ASSERT_EQ(toStdString(CUnitFormat::labelFor(millikelvin)), "m°C");
     EXPECT_EQ(meaningOf(millikelvin).toString(), "0.001 K");
 }
 

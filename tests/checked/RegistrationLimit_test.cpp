@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -19,6 +18,7 @@
 #include "mensor_checked/Reading.h"
 #include "support/Matchers.h"
 #include "support/OperatorNew.h"
+#include "support/Thorough.h"
 
 namespace mensor {
 namespace {
@@ -88,9 +88,9 @@ TEST(RegistrationLimit, RefusesNewUnitsAndReadsKnownOnes) {
     EXPECT_TRUE(tryReadUnit("km^3·mol^5"));
 }
 
-// 10^6 lines if all tests are run.
+// 10^6 lines if all tests are run, fewer where that takes many times as long.
 TEST(RegistrationLimit, KeepsUnitsAndBytesBoundedWhateverIsRead) {
-    const int lines = std::getenv("MENSOR_TESTS_THOROUGH") != nullptr ? 1000000 : 20000;
+    const int lines = !test::isThorough() ? 20000 : test::IsSlow ? 100000 : 1000000;
     constexpr std::size_t Limit = 1000;
     setRegistrationLimit(Limit);
     CRandom random;

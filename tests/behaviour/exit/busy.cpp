@@ -37,7 +37,8 @@ void work() {
     require((CUnit::fromString("W/m²")->root(2) ^ 2)->toStdString() == "W/m²", "notation");
     require(SI::Kilo(NonSI::Hour())->convertValueToUnit(1, NonSI::Hour()) == 1000, "prefix");
     require(prefix(KILO).Factor == 1000 && CProductUnit::one() != nullptr, "catalogue");
-    require(CASCIIUnitFormat::instance()->format(SI::Newton() / SI::Meter(), "") == "N m^-1",
+    require(toStdString(CASCIIUnitFormat::instance()->format(SI::Newton() / SI::Meter(), "")) ==
+                "N m^-1",
             "ASCII");
     require(NonSI::Psi()->isCompatible(SI::Pascal()) && NonSI::None() != nullptr, "accessors");
     require(checked::readUnit("W/(m² K)") != nullptr, "checked unit");
