@@ -276,7 +276,7 @@ TEST(DetachedNames, CanBeAttachedToOtherUnits) {
     EXPECT_EQ(CUnit::fromString("qa"), unit);
     CUnitFormat::detach(unit, "qa");
     EXPECT_THROW(CUnit::fromString("qa"), std::invalid_argument);
-    EXPECT_EQ(CUnitFormat::labelFor(unit), "");
+    EXPECT_EQ(toStdString(CUnitFormat::labelFor(unit)), "");
     EXPECT_EQ(CUnit::fromString("qb"), unit);
     CUnitFormat::detach(unit, "qb");
     EXPECT_THROW(CUnit::fromString("qb"), std::invalid_argument);
