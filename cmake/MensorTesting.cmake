@@ -4,7 +4,10 @@
 # target mensor_tests_<label> builds what they need.
 #   unit         the test programs below
 #   sweep        test programs that take long, because they try very many cases
-#   abi, certificates, docs, fuzz, statics, tool, transcript   the tests of a folder
+#   starts       programs that are started very often
+#   vectors      loops with narrower vectors than the processor has
+#   abi, budget, certificates, docs, examples, fuzz, gdb, package, statics, tool, transcript
+#                the tests of a folder
 # Tests without a label run only where all tests run.
 
 # Code of tests alone is not optimised, which nearly halves the time of compiling it. Nor does the sanitizer
@@ -18,7 +21,9 @@ function(mensor_built_for_tests label)
   if(NOT TARGET mensor_tests_${label})
     add_custom_target(mensor_tests_${label})
   endif()
-  add_dependencies(mensor_tests_${label} ${ARGN})
+  if(ARGN)
+    add_dependencies(mensor_tests_${label} ${ARGN})
+  endif()
 endfunction()
 
 # mensor_test(<file>_test.cpp [LABEL <label>]): adds a test program of that name, which is one test for
@@ -48,27 +53,28 @@ function(_mensor_tests_are label)
   get_property(tests DIRECTORY PROPERTY TESTS)
   if(tests)
     set_tests_properties(${tests} PROPERTIES LABELS ${label})
+    mensor_built_for_tests(${label})
   endif()
   get_property(targets DIRECTORY PROPERTY BUILDSYSTEM_TARGETS)
   foreach(target IN LISTS targets)
     get_target_property(type ${target} TYPE)
-    if(type STREQUAL "EXECUTABLE")
+    if(type MATCHES "EXECUTABLE|LIBRARY")
       mensor_built_for_tests(${label} ${target})
     endif()
   endforeach()
 endfunction()
 
-# mensor_starts_test(<name> <program> [<argument>...]): starts the program 1000 times; 200 times under a
-# sanitizer and 100 times in an emulator, which are slow. Each start must end with status 0 and print
-# nothing.
+# mensor_starts_test(<name> <program> [<argument>...]): starts the program 200 times, and 1000 times if all
+# tests are run; 200 times under a sanitizer and 100 times in an emulator, which are slow. Each start must end
+# with status 0 and print nothing.
 function(mensor_starts_test name)
-  set(starts 1000)
+  set(starts 200 1000)
   if(CMAKE_CROSSCOMPILING)
-    set(starts 100)
+    set(starts 100 100)
   elseif(CMAKE_CXX_FLAGS MATCHES "-fsanitize=")
-    set(starts 200)
+    set(starts 200 200)
   endif()
   add_test(NAME ${name}
     COMMAND ${PROJECT_SOURCE_DIR}/tests/support/starts.sh ${starts} ${CMAKE_CROSSCOMPILING_EMULATOR} ${ARGN})
-  set_tests_properties(${name} PROPERTIES TIMEOUT 900)
+  set_tests_properties(${name} PROPERTIES LABELS starts TIMEOUT 900)
 endfunction()
