@@ -53,4 +53,4 @@ converted=$(LD_LIBRARY_PATH=$libdir ${emulator-} "$root/usr/bin/mensor" convert 
 gzip -dc "$root/usr/share/man/man1/mensor.1.gz" | grep -qi "^\.TH mensor 1" ||
     fail "no page of the manual for mensor"
 
-exec "$here/pkg_config.sh" "$libdir" "$work" "$here/client/client.expected" "$compiler" ${emulator-}
+exec "$here/pkg_config.sh" "$libdir" "$work" "$compiler" ${emulator-}
