@@ -6,18 +6,20 @@
 #include <cstddef>
 #include <string_view>
 
+#include "mensor_exact/ShortText.h"
+
 namespace mensor {
 namespace exact {
 
 /// Sorted by name: the base units of the SI, then the marks.
-inline constexpr std::string_view SlotNames[] = {"A",   "K", "cd",  "kg",  "m",
-                                                 "mol", "s", "bit", "rad", "sr"};
+inline constexpr CShortText<3> SlotNames[] = {"A",   "K", "cd",  "kg",  "m",
+                                              "mol", "s", "bit", "rad", "sr"};
 inline constexpr std::size_t SlotCount = sizeof SlotNames / sizeof SlotNames[0];
 
 /// The place of `name`, SlotCount if it has none.
 constexpr std::size_t slotOf(std::string_view name) {
     for (std::size_t slot = 0; slot < SlotCount; ++slot) {
-        if (SlotNames[slot] == name) {
+        if (std::string_view(SlotNames[slot]) == name) {
             return slot;
         }
     }

@@ -16,9 +16,9 @@ bool startsWith(std::string_view text, std::string_view start) {
 }
 
 struct CWordRow {
-    std::string_view Singular;
-    std::string_view Plural;
-    std::string_view Symbol;
+    CShortText<15> Singular;
+    CShortText<15> Plural;
+    CShortText<7> Symbol;
     bool HasPrefixes;
 };
 
@@ -28,7 +28,7 @@ constexpr CWordRow Words[] = {
 };
 
 // The names of the prefixes, in the order of their symbols.
-constexpr std::string_view PrefixNames[] = {
+constexpr CShortText<5> PrefixNames[] = {
     "yotta", "zetta", "exa",   "peta",  "tera", "giga", "mega",  "kilo", "hecto", "deca",
     "deci",  "centi", "milli", "micro", "nano", "pico", "femto", "atto", "zepto", "yocto",
 };

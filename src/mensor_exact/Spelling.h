@@ -3,10 +3,12 @@
 #define MENSOR_EXACT_SPELLING_H
 
 #include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "mensor_exact/ShortText.h"
 #include "mensor_exact/exact_export.h"
 
 namespace mensor {
@@ -19,8 +21,8 @@ MENSOR_EXACT_API std::string respelled(std::string_view name);
 
 /// A prefix of the SI.
 struct CPrefix {
-    std::string_view Symbol;
-    int Power;  ///< of ten
+    CShortText<2> Symbol;
+    std::int8_t Power;  ///< of ten
 };
 
 inline constexpr CPrefix Prefixes[] = {

@@ -1,0 +1,36 @@
+// ShortText.h: a short text for tables of constants. For the library's own use; not installed.
+#ifndef MENSOR_EXACT_SHORTTEXT_H
+#define MENSOR_EXACT_SHORTTEXT_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace mensor {
+namespace exact {
+
+/// A text of at most `Longest` bytes inside the object. A table with pointers to texts needs 24 more bytes
+/// in the file for each, since the loader relocates them.
+template <std::size_t Longest>
+class CShortText {
+public:
+    template <std::size_t Size>
+    constexpr CShortText(const char (&text)[Size]) : m_Size(Size - 1) {
+        static_assert(Size - 1 <= Longest);
+        for (std::size_t i = 0; i < Size - 1; ++i) {
+            m_Bytes[i] = text[i];
+        }
+    }
+
+    constexpr operator std::string_view() const { return {m_Bytes, m_Size}; }
+    constexpr std::size_t size() const { return m_Size; }
+
+private:
+    std::uint8_t m_Size;
+    char m_Bytes[Longest] = {};
+};
+
+}  // namespace exact
+}  // namespace mensor
+
+#endif  // MENSOR_EXACT_SHORTTEXT_H
