@@ -535,9 +535,10 @@ private:
         const auto small = [](char c) {
             return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
         };
+        const std::uint32_t letters = letterSet(name);
         for (std::size_t row = 0; row < CTable::size(); ++row) {
             const std::string_view known = CTable::name(row);
-            if (known.size() == name.size() &&
+            if (CTable::letters(row) == letters && known.size() == name.size() &&
                 std::equal(known.begin(), known.end(), name.begin(),
                            [&](char a, char b) { return small(a) == small(b); }) &&
                 isInPack(known)) {
@@ -557,7 +558,7 @@ private:
         const std::string_view name = m_Refusal.token();
         CNearestNames nearest(name);
         m_Resolver.addNamesTo(nearest);
-        const std::vector<CNearestNames::CNear> found = nearest.best();
+        const std::vector<CNearestNames::CNear>& found = nearest.best();
         const bool isOtherCase = !found.empty() && found[0].Distance == 0 && !found[0].IsRare;
         const std::string_view ofPack = isOtherCase ? std::string_view() : inOtherCase(name);
         if (isSplitFirst(isOtherCase || !ofPack.empty())) {
@@ -596,11 +597,13 @@ private:
         CNearestNames nearest(m_Refusal.token());
         for (std::size_t row = 0; row < CTable::size(); ++row) {
             const ePack pack = CTable::pack(row);
-            if (pack != ePack::CATALOGUE && pack != ePack::SI && m_Resolver.offers(pack)) {
-                nearest.add(CTable::name(row));
+            const std::string_view name = CTable::name(row);
+            if (nearest.mayBeNear(CTable::letters(row), name.size()) && pack != ePack::CATALOGUE &&
+                pack != ePack::SI && m_Resolver.offers(pack)) {
+                nearest.add(name);
             }
         }
-        const std::vector<CNearestNames::CNear> found = nearest.best();
+        const std::vector<CNearestNames::CNear>& found = nearest.best();
         constexpr std::size_t Shortest = 3;  // of two letters, any two names are near
         if (countCodePoints(m_Refusal.token()) >= Shortest && !found.empty() &&
             found[0].Distance <= 1 && !m_Resolver.knows(found[0].Name) && addPacks(found[0].Name)) {

@@ -4,7 +4,7 @@
 //     constexpr std::size_t row = table::findRow("in", ~std::uint32_t{0});
 //     table::Meanings.Row[row].Factor;  // 0.0254
 //
-// Table.cpp makes the table of the exact library of it. Tables of other libraries, whose definitions
+// Table.cpp packs the table of the exact library from it. Tables of other libraries, whose definitions
 // use the same names, look them up here while they are compiled.
 #ifndef MENSOR_EXACT_CONSTANTTABLE_H
 #define MENSOR_EXACT_CONSTANTTABLE_H
@@ -23,13 +23,13 @@ namespace mensor {
 namespace exact {
 namespace table {
 
-// All texts one behind the other: an array of pointers would have to be relocated at load.
+// All texts but the sources, one behind the other. An array of pointers would have to be relocated at load.
 inline constexpr char Texts[] =
-#define MENSOR_BASE(set, name, english, source) name english source
-#define MENSOR_MARK(set, name, english, source) name english source
-#define MENSOR_UNIT(set, name, definition, english, source) name definition english source
+#define MENSOR_BASE(set, name, english, source) name english
+#define MENSOR_MARK(set, name, english, source) name english
+#define MENSOR_UNIT(set, name, definition, english, source) name definition english
 #include "mensor_exact/definitions.def"
-#define MENSOR_SPELLING(text, definition, english, why) text definition english why
+#define MENSOR_SPELLING(text, definition, english, why) text definition english
 #include "mensor_exact/spellings.def"
     ;
 
@@ -38,21 +38,20 @@ struct CLengths {
     std::uint8_t Name;
     std::uint8_t Definition;
     std::uint8_t English;
-    std::uint8_t Source;
 };
 
 // A text of more than 255 bytes does not compile: the braces allow no narrowing.
 // NOLINTBEGIN(bugprone-macro-parentheses): the arguments are literals, and the array's initialiser a list.
 inline constexpr CLengths Lengths[] = {
 #define MENSOR_BASE(set, name, english, source) \
-    {ePack::set, sizeof name - 1, 0, sizeof english - 1, sizeof source - 1},
+    {ePack::set, sizeof name - 1, 0, sizeof english - 1},
 #define MENSOR_MARK(set, name, english, source) \
-    {ePack::set, sizeof name - 1, 0, sizeof english - 1, sizeof source - 1},
+    {ePack::set, sizeof name - 1, 0, sizeof english - 1},
 #define MENSOR_UNIT(set, name, definition, english, source) \
-    {ePack::set, sizeof name - 1, sizeof definition - 1, sizeof english - 1, sizeof source - 1},
+    {ePack::set, sizeof name - 1, sizeof definition - 1, sizeof english - 1},
 #include "mensor_exact/definitions.def"
 #define MENSOR_SPELLING(text, definition, english, why) \
-    {ePack::EVERYDAY, sizeof text - 1, sizeof definition - 1, sizeof english - 1, sizeof why - 1},
+    {ePack::EVERYDAY, sizeof text - 1, sizeof definition - 1, sizeof english - 1},
 #include "mensor_exact/spellings.def"
 };
 // NOLINTEND(bugprone-macro-parentheses)
@@ -66,19 +65,20 @@ struct CArray {  // std::array cannot be changed in a constant expression of C++
     constexpr const T& operator[](std::size_t i) const { return Elements[i]; }
 };
 
-constexpr CArray<std::uint32_t, Rows> makeStarts() {
-    CArray<std::uint32_t, Rows> starts;
-    std::uint32_t start = 0;
+static_assert(sizeof Texts <= 65536, "the starts of the texts have 16 bits");
+
+constexpr CArray<std::uint16_t, Rows> makeStarts() {
+    CArray<std::uint16_t, Rows> starts;
+    std::size_t start = 0;
     for (std::size_t row = 0; row < Rows; ++row) {
         const CLengths& lengths = Lengths[row];
-        starts[row] = start;
-        start += static_cast<std::uint32_t>(lengths.Name) + lengths.Definition + lengths.English +
-                 lengths.Source;
+        starts[row] = static_cast<std::uint16_t>(start);
+        start += std::size_t{lengths.Name} + lengths.Definition + lengths.English;
     }
     return starts;
 }
 
-inline constexpr CArray<std::uint32_t, Rows> Starts = makeStarts();
+inline constexpr CArray<std::uint16_t, Rows> Starts = makeStarts();
 
 constexpr std::string_view nameOf(std::size_t row) {
     return {Texts + Starts[row], Lengths[row].Name};

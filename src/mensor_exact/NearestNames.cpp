@@ -1,7 +1,6 @@
 #include "mensor_exact/NearestNames.h"
 
 #include <algorithm>
-#include <bitset>
 #include <tuple>
 
 #include "mensor_exact/Table.h"
@@ -54,7 +53,11 @@ bool isRare(std::string_view name) {
     return false;
 }
 
-std::size_t countBits(std::uint64_t bits) { return std::bitset<64>(bits).count(); }
+// Less is better.
+bool isNearer(const CNearestNames::CNear& a, const CNearestNames::CNear& b) {
+    return std::tie(a.Distance, a.IsRare, a.ExactDistance, a.Name) <
+           std::tie(b.Distance, b.IsRare, b.ExactDistance, b.Name);
+}
 
 }  // namespace
 
@@ -75,40 +78,17 @@ bool CNearestNames::read(std::string_view text, CLetters& letters) {
         const char32_t small = c >= U'A' && c <= U'Z' ? c + (U'a' - U'A') : c;
         letters.Exact[letters.Size] = c;
         letters.Small[letters.Size] = small;
-        letters.Set |= std::uint64_t{1} << (small % 64);
+        letters.Set |= letterBit(small);
         ++letters.Size;
     }
     return true;
 }
 
-// Whether a name cannot be near, by its length and, if it is ASCII, its letters. Most names end here.
-bool CNearestNames::isFar(std::string_view known) const {
-    if (known.size() + m_Farthest < m_Unknown.Size) {
-        return true;
-    }
-    std::uint64_t set = 0;
-    for (const char c : known) {
-        if ((c & 0x80) != 0) {
-            return false;
-        }
-        const char small = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-        set |= std::uint64_t{1} << (static_cast<unsigned char>(small) % 64);
-    }
-    return known.size() > m_Unknown.Size + m_Farthest ||
-           countBits(set & ~m_Unknown.Set) > m_Farthest ||
-           countBits(m_Unknown.Set & ~set) > m_Farthest;
-}
-
 // Finds out how far a name is, whatever the case. Returns false where it is not near.
 bool CNearestNames::measure(std::string_view known, CLetters& letters,
                             std::size_t& distance) const {
-    if (m_HasNone || known.empty() || isFar(known) || !read(known, letters) ||
+    if (known.empty() || !mayBeNear(letterSet(known), known.size()) || !read(known, letters) ||
         letters.Size > m_Unknown.Size + m_Farthest || m_Unknown.Size > letters.Size + m_Farthest) {
-        return false;
-    }
-    // One edit adds at most one letter and takes at most one away.
-    if (countBits(letters.Set & ~m_Unknown.Set) > m_Farthest ||
-        countBits(m_Unknown.Set & ~letters.Set) > m_Farthest) {
         return false;
     }
     distance = editDistance(m_Unknown.Small, m_Unknown.Size, letters.Small, letters.Size);
@@ -122,31 +102,21 @@ bool CNearestNames::isNear(std::string_view known) const {
 }
 
 void CNearestNames::add(std::string_view known) {
+    constexpr std::size_t Most = 12;
     CLetters letters;
     std::size_t distance = 0;
-    if (measure(known, letters, distance)) {
-        m_Found.push_back(
-            {std::string(known), distance,
-             editDistance(m_Unknown.Exact, m_Unknown.Size, letters.Exact, letters.Size),
-             isRare(known)});
+    if (!measure(known, letters, distance)) {
+        return;
     }
-}
-
-std::vector<CNearestNames::CNear> CNearestNames::best() const {
-    constexpr std::size_t Most = 12;
-    std::vector<CNear> nearest;
-    nearest.reserve(m_Found.size());
-    for (const CNear& found : m_Found) {
-        nearest.push_back(found);
+    m_Found.push_back({std::string(known), distance,
+                       editDistance(m_Unknown.Exact, m_Unknown.Size, letters.Exact, letters.Size),
+                       isRare(known)});
+    for (std::size_t i = m_Found.size() - 1; i > 0 && isNearer(m_Found[i], m_Found[i - 1]); --i) {
+        std::swap(m_Found[i], m_Found[i - 1]);
     }
-    std::sort(nearest.begin(), nearest.end(), [](const CNear& a, const CNear& b) {
-        return std::tie(a.Distance, a.IsRare, a.ExactDistance, a.Name) <
-               std::tie(b.Distance, b.IsRare, b.ExactDistance, b.Name);
-    });
-    if (nearest.size() > Most) {
-        nearest.resize(Most);
+    if (m_Found.size() > Most) {
+        m_Found.pop_back();
     }
-    return nearest;
 }
 
 }  // namespace exact

@@ -14,6 +14,21 @@
 namespace mensor {
 namespace exact {
 
+/// The letters of a name, whatever their case: a bit for each, which other letters share. Bit 0 is for all
+/// letters that are not ASCII.
+constexpr std::uint32_t letterBit(char32_t letter) {
+    return letter < 0x80 ? std::uint32_t{1} << (letter % 32) : 1;
+}
+
+constexpr std::uint32_t letterSet(std::string_view name) {
+    std::uint32_t letters = 0;
+    for (const char c : name) {
+        // All bytes of other letters are beyond ASCII.
+        letters |= letterBit(static_cast<unsigned char>(c));
+    }
+    return letters;
+}
+
 /// Collects the known names that are nearest to an unknown one: the same letters in other case, then
 /// by the number of insertions, deletions, replacements and swaps of neighbours; names with usual
 /// prefixes first.
@@ -21,9 +36,20 @@ class MENSOR_EXACT_API CNearestNames {
 public:
     explicit CNearestNames(std::string_view unknown);
 
-    /// Whether add() would keep this name.
+    /// Whether add() might keep a name of so many bytes with this letterSet(). Most names end here.
+    bool mayBeNear(std::uint32_t letters, std::size_t bytes) const {
+        return !m_HasNone && bytes + m_Farthest >= m_Unknown.Size &&
+               // The size of a name in ASCII is that of its bytes.
+               ((letters & 1) != 0 || bytes <= m_Unknown.Size + m_Farthest) &&
+               // One edit adds at most one letter and takes at most one away.
+               isAtMost(letters & ~m_Unknown.Set, m_Farthest) &&
+               isAtMost(m_Unknown.Set & ~letters, m_Farthest);
+    }
+
+    /// Whether add() would keep this name, were it the only one.
     bool isNear(std::string_view known) const;
 
+    /// Keeps a name if it is near and one of the nearest twelve.
     void add(std::string_view known);
 
     /// A known name.
@@ -35,7 +61,7 @@ public:
     };
 
     /// The nearest ones, best first, at most twelve.
-    std::vector<CNear> best() const;
+    const std::vector<CNear>& best() const { return m_Found; }
 
 private:
     static constexpr std::size_t Longest = 24;  // code points of an unknown name
@@ -46,17 +72,24 @@ private:
         std::array<char32_t, Longest + MostEdits> Exact;
         std::array<char32_t, Longest + MostEdits> Small;
         std::size_t Size = 0;
-        std::uint64_t Set = 0;  // a bit for each small letter, which others may share
+        std::uint32_t Set = 0;  // letterSet()
     };
 
+    // Whether no more than `most` bits are set. `most` is at most MostEdits.
+    static constexpr bool isAtMost(std::uint32_t bits, std::size_t most) {
+        static_assert(MostEdits == 2);
+        bits = most > 0 ? bits & (bits - 1) : bits;
+        bits = most > 1 ? bits & (bits - 1) : bits;
+        return bits == 0;
+    }
+
     static bool read(std::string_view text, CLetters& letters);
-    bool isFar(std::string_view known) const;
     bool measure(std::string_view known, CLetters& letters, std::size_t& distance) const;
 
     CLetters m_Unknown;
     std::size_t m_Farthest = 0;
-    bool m_HasNone = false;  // the name is too long
-    std::vector<CNear> m_Found;
+    bool m_HasNone = false;      // the name is too long
+    std::vector<CNear> m_Found;  // sorted
 };
 
 }  // namespace exact

@@ -41,6 +41,9 @@ class CCatalogueBuilder {
 public:
     explicit CCatalogueBuilder(const CCatalogue& catalogue);
 
+    /// What a program has added to a catalogue, null if nothing.
+    static const COwnDefinitions* own(const CCatalogue& catalogue) { return catalogue.m_Own.get(); }
+
     /// What is there so far. It changes with every name that is added.
     const CCatalogue& catalogue() const { return m_Catalogue; }
 

@@ -128,10 +128,22 @@ public:
     bool isOwn(std::string_view name) override { return exact::isOwn(name, m_Catalogue); }
 
     void addNamesTo(CNearestNames& nearest) override {
-        m_Catalogue.forEach([&](const CDefinition& definition) {
-            nearest.add(definition.Name);
-            return true;
-        });
+        for (std::size_t row = 0; row < CTable::size(); ++row) {
+            const std::string_view name = CTable::name(row);
+            if (nearest.mayBeNear(CTable::letters(row), name.size()) &&
+                m_Catalogue.has(CTable::pack(row))) {
+                // The catalogue may have this name from another pack or from the program.
+                const std::optional<CDefinition> known = m_Catalogue.find(name);
+                if (known && known->Name.data() == name.data()) {
+                    nearest.add(name);
+                }
+            }
+        }
+        if (const COwnDefinitions* const own = CCatalogueBuilder::own(m_Catalogue)) {
+            for (const auto& [name, entry] : own->Entries) {
+                nearest.add(name);
+            }
+        }
     }
 
     bool offers(ePack) override { return true; }

@@ -23,6 +23,7 @@ public:
     static CDefinition definition(std::size_t row) noexcept;
     static std::string_view name(std::size_t row) noexcept;
     static ePack pack(std::size_t row) noexcept;
+    static std::uint32_t letters(std::size_t row) noexcept;  ///< letterSet() of the name
     static CMeaning meaning(std::size_t row);
 
     /// The row with this name in one of these packs (a bit for each), or None.
