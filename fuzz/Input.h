@@ -16,8 +16,7 @@
 #include <string>
 #include <utility>
 
-namespace mensor {
-namespace fuzz {
+namespace mensor::fuzz {
 
 /// The input as one text; none if it is longer than `longest`. Units stay until the process ends,
 /// and long texts show nothing new.
@@ -69,7 +68,6 @@ private:
     const std::uint8_t* m_End;
 };
 
-}  // namespace fuzz
-}  // namespace mensor
+}  // namespace mensor::fuzz
 
 #endif  // MENSOR_FUZZ_INPUT_H

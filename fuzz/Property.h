@@ -12,8 +12,7 @@
 #include "mensor/UnitFormat.h"
 #include "support/Invariants.h"
 
-namespace mensor {
-namespace fuzz {
+namespace mensor::fuzz {
 
 /// Reports that `about` breaks a property, and ends the process.
 [[noreturn]] inline void fail(const std::string& about, const std::string& property) {
@@ -56,7 +55,6 @@ inline void checkTables() {
     next = inputs + 1 + std::min(inputs / 16, often);
 }
 
-}  // namespace fuzz
-}  // namespace mensor
+}  // namespace mensor::fuzz
 
 #endif  // MENSOR_FUZZ_PROPERTY_H

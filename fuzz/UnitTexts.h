@@ -11,8 +11,7 @@
 #include "support/Notation.h"
 #include "support/Outcome.h"
 
-namespace mensor {
-namespace fuzz {
+namespace mensor::fuzz {
 
 /// Whether `outcome` is "std::overflow_error: Exponent -2147483649 is out of range", with any
 /// number.
@@ -81,7 +80,6 @@ inline void checkWriting(const CUnitPtr& unit) {
     }
 }
 
-}  // namespace fuzz
-}  // namespace mensor
+}  // namespace mensor::fuzz
 
 #endif  // MENSOR_FUZZ_UNITTEXTS_H

@@ -11,8 +11,7 @@
 #include "mensor_exact/Parts.h"
 #include "mensor_exact/Table.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -196,5 +195,4 @@ CCertificate certify(std::string_view from, std::string_view to, const CCatalogu
     return result;
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

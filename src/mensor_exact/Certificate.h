@@ -18,8 +18,7 @@
 #include "mensor_exact/Definitions.h"
 #include "mensor_exact/exact_export.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// One definition of a certificate.
 struct CCertifiedDefinition {
@@ -73,7 +72,6 @@ struct MENSOR_EXACT_API CCertificate {
 MENSOR_EXACT_API CCertificate certify(std::string_view from, std::string_view to,
                                       const CCatalogue& catalogue = CCatalogue::builtIn());
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_CERTIFICATE_H

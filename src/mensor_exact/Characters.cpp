@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -101,5 +100,4 @@ eKind kindBeyondAscii(char32_t c, int& digit) {
     return eKind::NAME;
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

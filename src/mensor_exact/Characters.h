@@ -10,8 +10,7 @@
 #include "mensor_exact/Utf8.h"
 #include "mensor_exact/exact_export.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// What a character is to the grammar. Variants of a sign are the sign.
 enum class eKind : std::uint8_t {
@@ -132,7 +131,6 @@ private:
     int m_Digit = 0;
 };
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_CHARACTERS_H

@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 std::string concatenate(std::initializer_list<std::string_view> texts) {
     std::size_t size = 0;
@@ -28,5 +27,4 @@ std::string quoted(std::string_view text) {
     return concatenate({"\"", text.substr(0, end), end < text.size() ? "...\"" : "\""});
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -6,8 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// All of `texts`, one behind the other. One call is a fraction of the code that as many "+" are.
 std::string concatenate(std::initializer_list<std::string_view> texts);
@@ -15,7 +14,6 @@ std::string concatenate(std::initializer_list<std::string_view> texts);
 /// `text` in quotation marks, shortened where it is long.
 std::string quoted(std::string_view text);
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_CONCATENATE_H

@@ -19,9 +19,7 @@
 #include "mensor_exact/Slots.h"
 #include "mensor_exact/SmallFraction.h"
 
-namespace mensor {
-namespace exact {
-namespace table {
+namespace mensor::exact::table {
 
 // All texts but the sources, one behind the other. An array of pointers would have to be relocated at load.
 inline constexpr char Texts[] =
@@ -270,8 +268,6 @@ static_assert(
     "a row of definitions.def is no definition, leads back to itself, or needs a root, more "
     "than 64 bits or a unit with an offset");
 
-}  // namespace table
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact::table
 
 #endif  // MENSOR_EXACT_CONSTANTTABLE_H

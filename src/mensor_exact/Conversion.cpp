@@ -15,8 +15,7 @@
 #include "mensor_exact/Parts.h"
 #include "mensor_exact/Rounding.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -424,5 +423,4 @@ bool CConversion::keepsMarks() const noexcept { return from().hasMarksOf(to()); 
 
 CConversion CConversion::inverse() const { return {to(), from()}; }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -26,8 +26,7 @@
 #include "mensor_exact/Meaning.h"
 #include "mensor_exact/exact_export.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 struct CFastForm;  // what the fast ways know of a conversion
 
@@ -153,7 +152,6 @@ private:
     double (*m_Convert)(const CFastForm& form, double x) = nullptr;
 };
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_CONVERSION_H

@@ -7,8 +7,7 @@
 #ifndef MENSOR_EXACT_DECIMAL_H
 #define MENSOR_EXACT_DECIMAL_H
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// Where the point stands, and whether there is an exponent.
 enum class eNotation {
@@ -30,7 +29,6 @@ struct CDecimalStyle {
     bool DecimalComma = false;
 };
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_DECIMAL_H

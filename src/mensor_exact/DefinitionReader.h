@@ -18,8 +18,7 @@
 #include "mensor_exact/Exponent.h"
 #include "mensor_exact/SmallFraction.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 enum class eTerm {
     NUMBER,     ///< a decimal number
@@ -320,7 +319,6 @@ constexpr bool readSmall(std::string_view text, CSmallFraction& result) {
     return true;
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_DEFINITIONREADER_H

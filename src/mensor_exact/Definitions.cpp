@@ -13,8 +13,7 @@
 #include "mensor_exact/Table.h"
 #include "mensor_exact/Utf8.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -405,5 +404,4 @@ void CCatalogue::forEach(const std::function<bool(const CDefinition&)>& visit) c
     }
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

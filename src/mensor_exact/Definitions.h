@@ -31,8 +31,7 @@
 #include "mensor_exact/Meaning.h"
 #include "mensor_exact/exact_export.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 struct COwnDefinitions;  // inside the library
 
@@ -134,7 +133,6 @@ private:
     std::shared_ptr<const COwnDefinitions> m_Own;
 };
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_DEFINITIONS_H

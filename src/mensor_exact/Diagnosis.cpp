@@ -5,8 +5,7 @@
 
 #include "mensor_exact/Utf8.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -110,5 +109,4 @@ CReadError::~CReadError() = default;
 
 const CDiagnosis& CReadError::diagnosis() const noexcept { return m_Diagnosis; }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -17,8 +17,7 @@
 
 #include "mensor_exact/exact_export.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// Why a text was refused. The numbers are part of the interface; new ones are added at the end.
 enum class eRefusal : int {
@@ -117,7 +116,6 @@ private:
     CDiagnosis m_Diagnosis;
 };
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_DIAGNOSIS_H

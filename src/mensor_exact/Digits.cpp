@@ -8,8 +8,7 @@
 
 #include "mensor_exact/Error.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -255,5 +254,4 @@ CParts readDecimal(std::string_view text) {
     return parts;
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

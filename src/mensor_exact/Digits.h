@@ -10,8 +10,7 @@
 #include "mensor_exact/Decimal.h"
 #include "mensor_exact/Parts.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// ±0.d1d2d3...·10^Point, where Digits is "d1d2d3...", begins and ends with no zero, and is empty for
 /// zero.
@@ -43,7 +42,6 @@ void requireStyle(const CDecimalStyle& style);
 /// A decimal number as its parts, as CFraction::ofText.
 CParts readDecimal(std::string_view text);
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_DIGITS_H

@@ -3,8 +3,7 @@
 #include "mensor_exact/Parts.h"
 #include "mensor_exact/Pi.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -138,5 +137,4 @@ CEnclosure enclose(const CFactor& factor, int bits) {
     return shortened(result, working);
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -7,8 +7,7 @@
 #include "mensor_exact/Factor.h"
 #include "mensor_exact/Whole.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// The greatest whole number whose power `order` is not above `number`. Both are positive.
 CWhole rootOf(const CWhole& number, int order);
@@ -24,7 +23,6 @@ struct CEnclosure {
 /// for.
 CEnclosure enclose(const CFactor& factor, int bits);
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_ENCLOSURE_H

@@ -1,7 +1,6 @@
 #include "mensor_exact/Error.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 CError::CError(eError code, const std::string& message)
     : std::invalid_argument(message), m_Code(code) {}
@@ -9,5 +8,4 @@ CError::CError(const CError&) = default;
 CError& CError::operator=(const CError&) = default;
 CError::~CError() = default;
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

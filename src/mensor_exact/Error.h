@@ -16,8 +16,7 @@
 
 #include "mensor_exact/exact_export.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// What was refused.
 enum class eError {
@@ -55,7 +54,6 @@ private:
     eError m_Code;
 };
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_ERROR_H

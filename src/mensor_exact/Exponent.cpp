@@ -2,8 +2,7 @@
 
 #include "mensor_exact/Error.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 std::string CExponent::toString() const {
     std::string text = std::to_string(m_Numerator);
@@ -16,5 +15,4 @@ void CExponent::throwDivisionByZero() {
 
 void CExponent::throwRange() { throw CError(eError::EXPONENT_RANGE, "an exponent beyond 99"); }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -12,8 +12,7 @@
 
 #include "mensor_exact/exact_export.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// An exact fraction in lowest terms. Neither the numerator nor the denominator is beyond 99 in size;
 /// the denominator is positive.
@@ -88,7 +87,6 @@ private:
     std::int8_t m_Denominator = 1;
 };
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_EXPONENT_H

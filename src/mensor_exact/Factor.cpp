@@ -10,8 +10,7 @@
 #include "mensor_exact/Parts.h"
 #include "mensor_exact/Rounding.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -194,5 +193,4 @@ std::string CFactor::toString() const {
                          : concatenate({above, "/(", below, "·", pi, ")"});
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -13,8 +13,7 @@
 #include "mensor_exact/Fraction.h"
 #include "mensor_exact/exact_export.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// A positive number radicand^(1/root)·π^pi, where the radicand is a fraction and the root the least
 /// that is possible. Two factors are equal if the numbers are.
@@ -74,7 +73,6 @@ private:
     CExponent m_Pi;
 };
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_FACTOR_H

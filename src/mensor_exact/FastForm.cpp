@@ -14,8 +14,7 @@
 #include "mensor_exact/NearMiddle.h"
 #include "mensor_exact/TwoWords.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -450,5 +449,4 @@ void CFastForm::convertAll(const std::int64_t* values, float* results, std::size
     convertBlocks(*this, values, results, count);
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

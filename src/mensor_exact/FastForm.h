@@ -21,8 +21,7 @@
 #include "mensor_exact/Loops.h"
 #include "mensor_exact/ShortLine.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// The leading 192 bits of a positive number: it is (Word[0]·2^128 + Word[1]·2^64 + Word[2])·2^Twos if
 /// IsWhole, else greater by less than 2^Twos. The highest bit of Word[0] is set.
@@ -118,7 +117,6 @@ struct CFastForm {
     const CLoops* Loops = nullptr;
 };
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_FASTFORM_H

@@ -12,8 +12,7 @@
 #include "mensor_exact/Rounding.h"
 #include "mensor_exact/ShortLine.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -340,5 +339,4 @@ bool operator==(const CFraction& a, const CFraction& b) noexcept {
                                   a.m_Big->Denominator == b.m_Big->Denominator);
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

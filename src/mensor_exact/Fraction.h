@@ -19,8 +19,7 @@
 #include "mensor_exact/SmallFraction.h"
 #include "mensor_exact/exact_export.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 struct CParts;     // inside the library
 struct CQuotient;  // inside the library
@@ -91,7 +90,6 @@ private:
     std::shared_ptr<const CQuotient> m_Big;
 };
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_FRACTION_H

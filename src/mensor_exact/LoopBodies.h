@@ -16,8 +16,7 @@
 #define MENSOR_FUSED 0
 #endif
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -345,5 +344,4 @@ const CLoops MENSOR_LOOPS = {
     narrowAll,
 };
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -1,7 +1,6 @@
 #include "mensor_exact/Loops.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -27,5 +26,4 @@ const CLoops* const* availableLoops() {
     return Plain;
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

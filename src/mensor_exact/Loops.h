@@ -6,8 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 struct CFastForm;
 
@@ -64,7 +63,6 @@ const CLoops* const* availableLoops();
 /// The best for this processor.
 inline const CLoops& bestLoops() { return *availableLoops()[0]; }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_LOOPS_H

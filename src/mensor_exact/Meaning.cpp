@@ -9,8 +9,7 @@
 #include "mensor_exact/Slots.h"
 #include "mensor_exact/UnitsWriter.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -342,5 +341,4 @@ std::string CMeaning::kind() const {
     return writer.text();
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -31,8 +31,7 @@
 #include "mensor_exact/SmallMeaning.h"
 #include "mensor_exact/exact_export.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// One dimension or mark of a meaning.
 struct CPower {
@@ -141,7 +140,6 @@ private:
     CFraction m_Offset;
 };
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_MEANING_H

@@ -6,8 +6,7 @@
 #include <cstdint>
 #include <string_view>
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// The same as ==, but quickly computed by the compiler, too.
 constexpr bool isEqual(std::string_view a, std::string_view b) {
@@ -77,7 +76,6 @@ private:
     std::uint16_t m_Places[Places] = {};  // a row + 1 where one is
 };
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_NAMEINDEX_H

@@ -10,8 +10,7 @@
 
 #include "mensor_exact/TwoWords.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// Odd parts of numerator and denominator up to this keep every product that is no tie far enough from the
 /// middle.
@@ -120,7 +119,6 @@ bool isNeverNearMiddle(int bits, const std::uint64_t (&twice)[3], Compute comput
     });
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_NEARMIDDLE_H

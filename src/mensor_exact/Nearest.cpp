@@ -4,8 +4,7 @@
 
 #include "mensor_exact/TwoWords.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 std::uint64_t bitsOfDouble(double value) {
     std::uint64_t bits = 0;
@@ -76,5 +75,4 @@ CNearest nearest(const CFormat& format, bool isNegative, std::uint64_t mantissa,
     return {sign | bits, dropped == 0 && isWhole};
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

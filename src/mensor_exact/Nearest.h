@@ -5,8 +5,7 @@
 
 #include <cstdint>
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 std::uint64_t bitsOfDouble(double value);
 double doubleOfBits(std::uint64_t bits);
@@ -48,7 +47,6 @@ struct CNearest {
 CNearest nearest(const CFormat& format, bool isNegative, std::uint64_t mantissa, bool isWhole,
                  std::int64_t twos);
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_NEAREST_H

@@ -6,8 +6,7 @@
 #include "mensor_exact/Table.h"
 #include "mensor_exact/Utf8.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -119,5 +118,4 @@ void CNearestNames::add(std::string_view known) {
     }
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

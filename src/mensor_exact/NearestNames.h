@@ -11,8 +11,7 @@
 
 #include "mensor_exact/exact_export.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// The letters of a name, whatever their case: a bit for each, which other letters share. Bit 0 is for all
 /// letters that are not ASCII.
@@ -92,7 +91,6 @@ private:
     std::vector<CNear> m_Found;  // sorted
 };
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_NEARESTNAMES_H

@@ -5,8 +5,7 @@
 #include "mensor_exact/Characters.h"
 #include "mensor_exact/Parser.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -137,5 +136,4 @@ bool findNumber(std::string_view text, bool mayBeNotFinite, CNumberText& number,
     return CNumberFinder(text, number, refusal).find(mayBeNotFinite);
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -9,8 +9,7 @@
 #include "mensor_exact/Refusal.h"
 #include "mensor_exact/exact_export.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 enum class eNumber : std::uint8_t { DECIMAL, NAN_WORD, INFINITY_WORD };
 
@@ -30,7 +29,6 @@ struct CNumberText {
 MENSOR_EXACT_API bool findNumber(std::string_view text, bool mayBeNotFinite, CNumberText& number,
                                  CRefusal& refusal) noexcept;
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_NUMBERTEXT_H

@@ -4,8 +4,7 @@
 #include "mensor_exact/DefinitionReader.h"
 #include "mensor_exact/Parts.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -69,5 +68,4 @@ CCatalogueBuilder::CCatalogueBuilder(const CCatalogue& catalogue)
     m_Catalogue.m_Own = m_Own;
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -11,8 +11,7 @@
 
 #include "mensor_exact/Definitions.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// A program's definitions.
 struct COwnDefinitions {
@@ -63,7 +62,6 @@ bool uses(std::string_view text, std::string_view name);
 /// A definition of this meaning by base units alone: "1000 m", "π/180 rad", "K, offset 273.15".
 std::string definitionOf(const CMeaning& meaning);
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_OWNDEFINITIONS_H

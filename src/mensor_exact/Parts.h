@@ -8,8 +8,7 @@
 #include "mensor_exact/Fraction.h"
 #include "mensor_exact/Whole.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// What CFraction keeps beside the object.
 struct CQuotient {
@@ -45,7 +44,6 @@ struct CParts {
     bool Negative = false;
 };
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_PARTS_H

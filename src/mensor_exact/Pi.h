@@ -4,8 +4,7 @@
 
 #include <cstdint>
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// π·2^PiBits, rounded down, the highest word first.
 constexpr int PiBits = 384;
@@ -17,7 +16,6 @@ constexpr std::uint64_t PiWords[] = {0x3,
                                      0x452821E638D01377,
                                      0xBE5466CF34E90C6C};
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_PI_H

@@ -4,8 +4,7 @@
 
 #include "mensor_exact/Utf8.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -42,5 +41,4 @@ CDiagnosis diagnose(eRefusal code, std::string_view text, CSpan token, std::stri
     return diagnosis;
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

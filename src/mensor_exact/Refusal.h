@@ -11,8 +11,7 @@
 #include "mensor_exact/Diagnosis.h"
 #include "mensor_exact/exact_export.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// A piece of a text, in bytes.
 struct CSpan {
@@ -67,7 +66,6 @@ struct MENSOR_EXACT_API CRefusal {
 MENSOR_EXACT_API CDiagnosis diagnose(eRefusal code, std::string_view text, CSpan token,
                                      std::string sentence);
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_REFUSAL_H

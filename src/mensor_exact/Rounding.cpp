@@ -1,7 +1,6 @@
 #include "mensor_exact/Rounding.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 CNearest nearestQuotient(const CFormat& format, bool negative, const CWhole& numerator,
                          const CWhole& denominator, std::int64_t twos) {
@@ -26,5 +25,4 @@ CRounded roundQuotient(bool negative, const CWhole& numerator, const CWhole& den
     return {doubleOfBits(result.Bits), result.IsExact};
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

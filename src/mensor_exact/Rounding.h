@@ -8,8 +8,7 @@
 #include "mensor_exact/Nearest.h"
 #include "mensor_exact/Whole.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// ±numerator/denominator·2^twos, rounded once to the nearest number of a format, ties to even. Subnormal
 /// numbers are rounded at their last place, too; beyond the largest number by half a place or more is
@@ -29,7 +28,6 @@ struct CRounded {
 CRounded roundQuotient(bool negative, const CWhole& numerator, const CWhole& denominator,
                        std::int64_t twos);
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_ROUNDING_H

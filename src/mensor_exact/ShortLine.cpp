@@ -2,8 +2,7 @@
 
 #include "mensor_exact/TwoWords.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -74,5 +73,4 @@ std::optional<CNearest> CShortLine::convert(const CNumber& x, const CFormat& for
                    std::int64_t{sum.Twos} - left + up + Twos);
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -8,8 +8,7 @@
 
 #include "mensor_exact/Nearest.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// y = (A·x ± B)·2^Twos/D with whole numbers that fit into one word each. A and D are not zero.
 ///
@@ -26,7 +25,6 @@ struct CShortLine {
     std::optional<CNearest> convert(const CNumber& x, const CFormat& format) const;
 };
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_SHORTLINE_H

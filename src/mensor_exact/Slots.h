@@ -8,8 +8,7 @@
 
 #include "mensor_exact/ShortText.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// Sorted by name: the base units of the SI, then the marks.
 inline constexpr CShortText<3> SlotNames[] = {"A",   "K", "cd",  "kg",  "m",
@@ -26,7 +25,6 @@ constexpr std::size_t slotOf(std::string_view name) {
     return SlotCount;
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_SLOTS_H

@@ -6,8 +6,7 @@
 #include <cstdint>
 #include <numeric>
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// ±Numerator/Denominator·2^Twos·5^Fives in lowest terms. Powers of 2 and 5 are apart since powers of
 /// ten are everywhere in units: all prefixes together need no more room than one.
@@ -154,7 +153,6 @@ private:
     }
 };
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_SMALLFRACTION_H

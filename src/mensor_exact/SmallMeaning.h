@@ -15,8 +15,7 @@
 
 #include "mensor_exact/SmallFraction.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// Exponents of the dimensions and marks that have a place of their own, at most one dimension with
 /// another name, a factor Factor·π^Pi of 64 bits above and below, and an offset in base units.
@@ -100,7 +99,6 @@ private:
     }
 };
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_SMALLMEANING_H

@@ -3,8 +3,7 @@
 #include "mensor_exact/ConstantTable.h"
 #include "mensor_exact/NearestNames.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 using namespace table;
 
@@ -250,5 +249,4 @@ std::size_t CTable::find(std::string_view name, std::uint32_t packs) noexcept {
     return findRow(name, packs);
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

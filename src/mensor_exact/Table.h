@@ -9,8 +9,7 @@
 
 #include "mensor_exact/Definitions.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// The rows of definitions.def. The compiler has evaluated them and sorted them into a hash table:
 /// nothing is done when the library is loaded, and nothing is written later.
@@ -30,7 +29,6 @@ public:
     static std::size_t find(std::string_view name, std::uint32_t packs) noexcept;
 };
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_TABLE_H

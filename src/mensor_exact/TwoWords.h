@@ -8,8 +8,7 @@
 #include <cstdint>
 #include <initializer_list>
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// High·2^64 + Low
 struct CTwoWords {
@@ -110,7 +109,6 @@ inline std::uint64_t quotient(const CTwoWords& a, std::uint64_t divisor, std::ui
 #endif
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_TWOWORDS_H

@@ -1,7 +1,6 @@
 #include "mensor_exact/UnitsWriter.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -40,5 +39,4 @@ std::string CUnitsWriter::text() const {
     return text;
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -7,8 +7,7 @@
 
 #include "mensor_exact/Exponent.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// Writes "kg·m/(A·s²)": the negative powers stand behind a stroke. Definitions (Definitions.h) and the
 /// reader (Reading.h) both read it.
@@ -24,7 +23,6 @@ private:
     int m_Divisors = 0;
 };
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_UNITSWRITER_H

@@ -5,8 +5,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 constexpr char32_t NotUtf8 = 0xFFFFFFFF;
 
@@ -52,7 +51,6 @@ inline std::size_t countCodePoints(std::string_view text) {
     return count;
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_UTF8_H

@@ -14,8 +14,7 @@
 #endif
 #include <boost/multiprecision/cpp_int.hpp>
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -221,5 +220,4 @@ CDivision::CDivision(const CWhole& dividend, const CWhole& divisor) {
     mp::divide_qr(number(dividend), number(divisor), number(Quotient), number(Rest));
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -10,8 +10,7 @@
 #include <string>
 #include <string_view>
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// A whole number. Those of everyday conversions, also of the smallest doubles, need no memory beside
 /// the object.
@@ -80,7 +79,6 @@ struct CDivision {
     CWhole Rest;
 };
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_WHOLE_H

@@ -9,8 +9,7 @@
 #include "mensor_exact/Conversion.h"
 #include "mensor_exact/Error.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 namespace {
 
 CConversion between(const char* from, const char* to) {
@@ -148,5 +147,4 @@ TEST(ConvertArrays, RefusesCountsOfNothing) {
 }
 
 }  // namespace
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -12,8 +12,7 @@
 #include "mensor_exact/Conversion.h"
 #include "mensor_exact/Reading.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 namespace {
 
 using ::testing::ElementsAre, ::testing::IsEmpty, ::testing::StrEq, ::testing::ThrowsMessage;
@@ -356,5 +355,4 @@ TEST(DefinitionFile, ReadsAsManyLinesAsThereAre) {
 }
 
 }  // namespace
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

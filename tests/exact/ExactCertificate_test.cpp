@@ -9,8 +9,7 @@
 
 #include "exact/Refusal.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 namespace {
 
 using ::testing::ElementsAre, ::testing::HasSubstr, ::testing::Not;
@@ -143,5 +142,4 @@ TEST(ExactCertificate, WritesByBaseUnitsWhatRestsOnANameThatWasTakenAway) {
 }
 
 }  // namespace
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -10,8 +10,7 @@
 
 #include "mensor_exact/Reading.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 namespace {
 
 using ::testing::AllOf;
@@ -90,5 +89,4 @@ TEST(ExactReadable, LeavesOthersAsTheyAre) {
 }
 
 }  // namespace
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

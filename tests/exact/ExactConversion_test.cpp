@@ -15,8 +15,7 @@
 #include "exact/Refusal.h"
 #include "mensor_exact/Pi.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 namespace {
 
 constexpr double Infinity = std::numeric_limits<double>::infinity();
@@ -543,5 +542,4 @@ TEST(ExactConversion, TakesNumbersThatAreExactAlready) {
 }
 
 }  // namespace
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

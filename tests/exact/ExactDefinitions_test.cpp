@@ -11,8 +11,7 @@
 #include "exact/DefinitionTable.h"
 #include "exact/Refusal.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 namespace {
 
 using ::testing::HasSubstr;
@@ -343,5 +342,4 @@ TEST(ExactDefinitions, PacksHaveNames) {
 }
 
 }  // namespace
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -13,8 +13,7 @@
 #include "mensor_exact/Exponent.h"
 #include "mensor_exact/Fraction.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 namespace {
 
 CFraction text(const std::string& digits) { return CFraction::ofText(digits); }
@@ -216,5 +215,4 @@ TEST(ExactExponent, IsInLowestTermsUpToNinetyNine) {
 }
 
 }  // namespace
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -9,8 +9,7 @@
 #include "exact/Refusal.h"
 #include "mensor_exact/Definitions.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 namespace {
 
 using ::testing::ElementsAre, ::testing::IsEmpty;
@@ -214,5 +213,4 @@ TEST(ExactMeaning, RefusesExponentsBeyondNinetyNine) {
 }
 
 }  // namespace
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

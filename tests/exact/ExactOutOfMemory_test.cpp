@@ -13,8 +13,7 @@
 #include "mensor_exact/DefinitionFile.h"
 #include "support/OperatorNew.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 namespace {
 
 long failing = 0;
@@ -175,5 +174,4 @@ TEST(ExactOutOfMemory, LeavesCertificatesOut) {
 }
 
 }  // namespace
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -22,8 +22,7 @@
 #include "support/OperatorNew.h"
 #include "support/Threads.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 namespace {
 
 using test::documentTables;
@@ -456,5 +455,4 @@ TEST(ExactReading, KnowsWhatIsAName) {
 }
 
 }  // namespace
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -17,8 +17,7 @@
 #include "exact/Judge.h"
 #include "mensor_exact/Conversion.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 namespace {
 
 constexpr long Thorough =
@@ -216,5 +215,4 @@ TEST(ExactRounding, HardCasesAreTiesAndNumbersNextToTies) {
 }
 
 }  // namespace
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -11,8 +11,7 @@
 #include "mensor_exact/Error.h"
 #include "support/Threads.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 namespace {
 
 constexpr int Threads = 8;
@@ -66,5 +65,4 @@ TEST(ExactThreads, MayAllBeTheFirst) {
 }
 
 }  // namespace
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

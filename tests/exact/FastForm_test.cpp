@@ -19,8 +19,7 @@
 #include "mensor_exact/TwoWords.h"
 #include "support/Thorough.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 namespace {
 
 // scripts/test --all asks for very many, and for fewer where each takes many times as long.
@@ -888,5 +887,4 @@ TEST(FastForm, HasTheWaysOfThisProcessorInTheOrderOfTheirSpeed) {
 }
 
 }  // namespace
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -11,8 +11,7 @@
 
 #include "mensor_exact/FastForm.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 namespace {
 
 int bitsOfWhole(std::uint64_t number) { return bitsOf(number); }
@@ -234,5 +233,4 @@ TEST(NearMiddle, KnowsWhichEverydayFactorsHaveTies) {
 }
 
 }  // namespace
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

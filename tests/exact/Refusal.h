@@ -8,8 +8,7 @@
 
 #include "mensor_exact/Error.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// Expects that `work` throws CError with this code, and with this sentence if one is given.
 template <class Work>
@@ -25,7 +24,6 @@ void expectRefusal(eError code, const Work& work, const std::string& sentence = 
     }
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_TESTS_REFUSAL_H

@@ -11,8 +11,7 @@
 #include "exact/WholeLine.h"
 #include "mensor_exact/TwoWords.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 namespace {
 
 mpz_class wholeOf(const CTwoWords& number) {
@@ -205,5 +204,4 @@ TEST(Nearest, GivesInfinityForAnyLargeNumber) {
 }
 
 }  // namespace
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -22,8 +22,7 @@
 #include "support/Everyday.h"
 #include "support/OperatorNew.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 namespace {
 
 using test::everyday;
@@ -623,5 +622,4 @@ TEST(InvisibleCharacters, AreRefusedInNames) {
 }
 
 }  // namespace
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -12,8 +12,7 @@
 
 #include "mensor_exact/FastForm.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 inline mpz_class wholeOf(std::uint64_t number) {
     return (mpz_class(static_cast<unsigned long>(number >> 32)) << 32) +
@@ -81,7 +80,6 @@ private:
     CShortLine m_Line;
 };
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_TESTS_WHOLELINE_H
