@@ -1,4 +1,4 @@
-// Avx512Loops.cpp: see LoopBodies.h. CMakeLists.txt says what the compiler may use here.
+// Avx512Loops.cpp: LoopBodies.h compiled for AVX-512. CMakeLists.txt has the options of the compiler.
 #define MENSOR_LOOPS Avx512Loops
 #define MENSOR_LOOPS_NAME "AVX-512"
 #include "mensor_exact/LoopBodies.h"

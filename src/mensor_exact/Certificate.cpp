@@ -15,14 +15,15 @@ namespace mensor::exact {
 
 namespace {
 
-// The definitions that a text rests on. Not recursive: definitions may be long chains.
+// Collects the definitions that a text uses, also through other definitions. Not recursive, since a chain
+// of definitions may be long.
 class CCollector {
 public:
     explicit CCollector(const CCatalogue& catalogue) : m_Catalogue(catalogue) {}
 
     void add(std::string_view text) { addNames(text, m_Waiting); }
 
-    // Each before those that it uses.
+    // Returns the definitions. Each is before the ones that it uses.
     std::vector<CCertifiedDefinition> collect() {
         std::vector<CCertifiedDefinition> result;
         while (!m_Waiting.empty()) {
@@ -49,8 +50,8 @@ public:
 private:
     static constexpr std::uint32_t AllPacks = 0xFFFFFFFF;
 
-    // The units are evaluated before: every name is there, and no definition leads to itself. Units of
-    // a pack may rest on those of another pack, which the catalogue need not have.
+    // The conversion was built before, so every name is known, and no definition leads back to itself.
+    // A unit of a pack may be defined by one of another pack, which the catalogue need not have.
     CDefinition definitionOf(std::string_view name) const {
         const std::optional<CDefinition> found = m_Catalogue.find(name);
         return found ? *found : CTable::definition(CTable::find(name, AllPacks));
@@ -70,8 +71,8 @@ private:
         }
     }
 
-    // The definition. A built-in one that uses a name which the program has taken away is written by
-    // base units, since that name means something else in this certificate.
+    // Returns the text of the definition. If a built-in definition uses a name that the program has given
+    // another meaning, its text is written in base units instead.
     std::string textOf(const CDefinition& definition) const {
         CDefinitionReader reader(definition.Text);
         for (CTerm term = reader.next(); term.isFactor() && definition.Pack != ePack::OWN;

@@ -1,13 +1,14 @@
-// Certificate.h: why a conversion is what it is, for people and for programs that check it.
+// Certificate.h: the proof of a conversion, for people and for programs that check it.
 //
 //     certify("mph", "km/h", catalogue).toText();
 //
-//     1 mph = 1.609344 km/h
-//     mph   mi/h       NIST SP 811 (2008), B.8
-//     ...
+//     x mph = 1.609344·x km/h
+//       km = 10^3 m (kilometre): SI brochure, 9th ed., table 7
+//       mph = mi/h (mile per hour): NIST SP 811 (2008), B.8
+//       ...
 //
-// A certificate lists the definition of every name that the two units rest on, down to the base units,
-// with its source. A program that has nothing of this library can multiply them and compare.
+// A certificate lists every definition that the two units need, down to the base units, with its source.
+// A program that does not use this library can multiply them and compare.
 #ifndef MENSOR_EXACT_CERTIFICATE_H
 #define MENSOR_EXACT_CERTIFICATE_H
 
@@ -23,7 +24,7 @@ namespace mensor::exact {
 /// One definition of a certificate.
 struct CCertifiedDefinition {
     std::string Name;
-    std::string Text;  ///< empty: a base unit or a mark
+    std::string Text;  ///< empty for a base unit or a mark
     std::string English;
     std::string Source;
 };
@@ -35,7 +36,7 @@ struct CCertifiedNumber {
     std::string Denominator;  ///< decimal digits
     int Root = 1;
     std::string Pi;    ///< "0", "-1", "1/2"
-    std::string Text;  ///< all of it, as CConversion::factor and offset write it
+    std::string Text;  ///< the whole number, as CConversion::factor and offset write it
 };
 
 /// The proof of a conversion: a value x in `From` is Factor·x + Offset in `To`.
@@ -44,18 +45,18 @@ struct CCertifiedNumber {
 struct MENSOR_EXACT_API CCertificate {
     std::string From;
     std::string To;
-    std::string Units;       ///< the base units that both come down to: "m/s"
-    bool KeepsMarks = true;  ///< as CConversion::keepsMarks
-    std::vector<CCertifiedDefinition> Definitions;  ///< each behind those that use it
+    std::string Units;                              ///< the base units of both: "m/s"
+    bool KeepsMarks = true;                         ///< as CConversion::keepsMarks
+    std::vector<CCertifiedDefinition> Definitions;  ///< each after the definitions that use it
     CCertifiedNumber Factor;
     CCertifiedNumber Offset;
-    std::string Rounded;  ///< what is rounded, and by how much at most
-    std::string Version;  ///< of the library
+    std::string Rounded;  ///< what is rounded, and the largest error
+    std::string Version;  ///< the version of the library
 
-    /// Lines for people.
+    /// Returns lines for people, as above.
     std::string toText() const;
 
-    /// One JSON object, with these keys; numbers of any size are strings.
+    /// Returns one JSON object. Numbers of any size are strings.
     ///
     ///     {"from": "°F", "to": "°C", "units": "K", "keepsMarks": true,
     ///      "definitions": [{"name": "°F", "definition": "5/9 K, offset 459.67",
@@ -67,8 +68,8 @@ struct MENSOR_EXACT_API CCertificate {
     std::string toJson() const;
 };
 
-/// The certificate of CConversion::between(from, to, catalogue).
-/// @throws CError  as that does.
+/// Returns the certificate of CConversion::between(from, to, catalogue).
+/// @throws CError  what CConversion::between throws.
 MENSOR_EXACT_API CCertificate certify(std::string_view from, std::string_view to,
                                       const CCatalogue& catalogue = CCatalogue::builtIn());
 

@@ -80,13 +80,13 @@ eKind kindBeyondAscii(char32_t c, int& digit) {
         case U'\u2029': return eKind::FOREIGN;
         default: break;
     }
-    if (c < 0xA0 || isInvisible(c)) {  // controls, and what nobody sees
+    if (c < 0xA0 || isInvisible(c)) {  // control characters and invisible ones
         return eKind::FOREIGN;
     }
     if (c >= 0x2000 && c <= 0x200A) {  // typographic spaces
         return eKind::BLANK;
     }
-    if (c >= 0x2010 && c <= 0x2013) {  // hyphens and the dash of numbers
+    if (c >= 0x2010 && c <= 0x2013) {  // hyphens, figure dash and en dash
         return eKind::MINUS;
     }
     if (c == 0x2070 || (c >= 0x2074 && c <= 0x2079)) {

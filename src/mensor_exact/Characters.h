@@ -12,13 +12,13 @@
 
 namespace mensor::exact {
 
-/// What a character is to the grammar. Variants of a sign are the sign.
+/// The role of a character in the grammar. Variants of a sign have the role of the sign.
 enum class eKind : std::uint8_t {
     END,
     BLANK,
     TIMES,  ///< "·", "⋅", "×" and their like
-    STAR,   ///< "*", which may be half of "**"
-    POINT,  ///< ".", between names or in a decimal
+    STAR,   ///< "*", also half of "**"
+    POINT,  ///< ".", between names or in a decimal number
     SLASH,
     CARET,
     COLON,
@@ -26,7 +26,7 @@ enum class eKind : std::uint8_t {
     MINUS,
     OPEN,
     CLOSE,
-    OPEN_NAME,   ///< "[", which opens a name in brackets
+    OPEN_NAME,   ///< "[", the begin of a name in brackets
     CLOSE_NAME,  ///< "]"
     ROOT,
     DIGIT,
@@ -68,17 +68,18 @@ constexpr std::array<eKind, 128> asciiKinds() {
 
 inline constexpr std::array<eKind, 128> AsciiKinds = asciiKinds();
 
-/// The kind of a character that is not ASCII or is NotUtf8, and for digits the value in `digit`.
+/// Returns the kind of a character that is not ASCII, or is NotUtf8. Sets `digit` to the value of a
+/// digit.
 MENSOR_EXACT_API eKind kindBeyondAscii(char32_t c, int& digit);
 
-/// Whether nobody sees the character: Unicode's default-ignorable and format characters, and the Braille
+/// Whether the character is invisible: a default-ignorable or format character of Unicode, or the Braille
 /// pattern blank (invisible.def).
 MENSOR_EXACT_API bool isInvisible(char32_t c);
 
-/// Walks over a text, one character at a time.
+/// Steps through a text, one character at a time.
 class CCursor {
 public:
-    /// Begins at the byte `at` of the text.
+    /// Starts at the byte `at` of the text.
     explicit CCursor(std::string_view text, std::size_t at = 0) : m_Text(text), m_At(at) { read(); }
 
     eKind kind() const { return m_Kind; }

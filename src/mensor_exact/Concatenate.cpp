@@ -22,7 +22,7 @@ std::string quoted(std::string_view text) {
     constexpr std::size_t Shown = 60;
     std::size_t end = std::min(text.size(), Shown);
     while (end > 0 && end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {
-        --end;  // not within a character
+        --end;  // cut between two characters
     }
     return concatenate({"\"", text.substr(0, end), end < text.size() ? "...\"" : "\""});
 }

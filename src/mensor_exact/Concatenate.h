@@ -1,4 +1,4 @@
-// Concatenate.h: texts put together. For the library's own use; not installed.
+// Concatenate.h: joins and quotes texts, for messages. Not installed.
 #ifndef MENSOR_EXACT_CONCATENATE_H
 #define MENSOR_EXACT_CONCATENATE_H
 
@@ -8,10 +8,10 @@
 
 namespace mensor::exact {
 
-/// All of `texts`, one behind the other. One call is a fraction of the code that as many "+" are.
+/// Joins `texts`. One call needs much less code than a chain of "+".
 std::string concatenate(std::initializer_list<std::string_view> texts);
 
-/// `text` in quotation marks, shortened where it is long.
+/// Returns `text` in quotation marks. A long text is cut and ends in "...".
 std::string quoted(std::string_view text);
 
 }  // namespace mensor::exact

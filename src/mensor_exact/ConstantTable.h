@@ -1,5 +1,5 @@
-// ConstantTable.h: what definitions.def says, evaluated by the compiler. For the libraries' own use; not
-// installed.
+// ConstantTable.h: the meanings of the rows of definitions.def, computed by the compiler. For mensor's
+// own libraries; not installed.
 //
 //     constexpr std::size_t row = table::findRow("in", ~std::uint32_t{0});
 //     table::Meanings.Row[row].Factor;  // 0.0254
@@ -38,7 +38,7 @@ struct CLengths {
     std::uint8_t English;
 };
 
-// A text of more than 255 bytes does not compile: the braces allow no narrowing.
+// A text of more than 255 bytes does not compile, since braces do not allow narrowing.
 // NOLINTBEGIN(bugprone-macro-parentheses): the arguments are literals, and the array's initialiser a list.
 inline constexpr CLengths Lengths[] = {
 #define MENSOR_BASE(set, name, english, source) \
@@ -100,22 +100,22 @@ constexpr std::size_t findRow(std::string_view name, std::uint32_t packs) {
     });
 }
 
-// What the rows mean.
+// The meanings of the rows.
 
 inline constexpr std::size_t MostOffsets = 32;
 
 struct CRow {
-    CSmallFraction Factor;  // π apart
+    CSmallFraction Factor;  // without the power of π
     std::int8_t Exponents[SlotCount];
     std::int8_t Pi;
-    std::uint8_t Offset;  // its place in the offsets; 0: none
-    std::uint16_t Own;    // the row of a dimension of its own and 1; 0: none
+    std::uint8_t Offset;  // the index in Offsets; 0: no offset
+    std::uint16_t Own;    // the row of a dimension that is not of the SI, plus 1; 0: none
     bool IsDone;
 };
 
 struct CMeanings {
     CArray<CRow, Rows> Row;
-    CArray<CSmallFraction, MostOffsets> Offsets;  // the first one is zero
+    CArray<CSmallFraction, MostOffsets> Offsets;  // the first is zero
     std::size_t OffsetCount = 1;
     bool IsGood = true;
 };
@@ -138,18 +138,18 @@ constexpr bool readOffset(std::string_view text, CSmallFraction& offset) {
 
 constexpr bool evaluateRow(CMeanings& all, std::size_t row, std::size_t depth);
 
-// Adds a multiple to an exponent. Returns false where it leaves the range.
+// Adds number·times to an exponent. Returns false if the result is out of range.
 constexpr bool addTo(std::int8_t& exponent, int number, int times) {
     const int sum = exponent + number * times;
     exponent = static_cast<std::int8_t>(sum);
     return sum >= -CExponent::Largest && sum <= CExponent::Largest;
 }
 
-// Multiplies `product` by one factor of its definition.
+// Multiplies `product` by one factor of its definition. Returns false if the result does not fit.
 constexpr bool multiplyBy(CMeanings& all, CRow& product, const CTerm& term, std::uint32_t packs,
                           std::size_t depth) {
     if (term.Denominator != 1) {
-        return false;  // no row needs roots
+        return false;  // a root, which no row has
     }
     if (term.Kind == eTerm::PI) {
         return addTo(product.Pi, 1, term.Numerator);
@@ -183,9 +183,10 @@ constexpr bool multiplyBy(CMeanings& all, CRow& product, const CTerm& term, std:
            product.Factor.multiply(term.Numerator < 0 ? factor.inverse() : factor);
 }
 
-// Computes one row, and those that it needs. False: the row cannot be what it says.
+// Computes one row and the rows that it needs. Returns false if the definition is wrong or the meaning
+// does not fit.
 constexpr bool evaluateRow(CMeanings& all, std::size_t row, std::size_t depth) {
-    constexpr std::size_t Deepest = 30;  // of a definition by others; a cycle is deeper
+    constexpr std::size_t Deepest = 30;  // a chain of definitions that is longer must be a cycle
     if (all.Row[row].IsDone) {
         return true;
     }
@@ -207,11 +208,11 @@ constexpr bool evaluateRow(CMeanings& all, std::size_t row, std::size_t depth) {
         all.Row[row] = result;
         return true;
     }
-    // A name that two packs have stands in no definition but those of its own pack.
+    // A name that two packs have is used only in definitions of its own pack.
     const std::uint32_t packs =
         ~(bitOf(ePack::US) | bitOf(ePack::IMPERIAL)) | bitOf(Lengths[row].Pack);
     const std::size_t same = findRow(definitionOf(row), packs);
-    if (same != None) {  // another name of the same unit, which may be a scale
+    if (same != None) {  // another name of a unit, which may be an offset unit
         if (!evaluateRow(all, same, depth + 1)) {
             return false;
         }
@@ -255,8 +256,8 @@ constexpr CMeanings makeNothing() {
     return all;
 }
 
-// In parts, since clang takes no more than a million steps for one constant unless it is told to. All
-// rows together need two millions.
+// Computed in parts, since clang limits one constant to a million steps. All rows together need two
+// millions.
 inline constexpr CMeanings FirstPart = makePart(makeNothing(), 0, 5);
 inline constexpr CMeanings SecondPart = makePart(FirstPart, 1, 5);
 inline constexpr CMeanings ThirdPart = makePart(SecondPart, 2, 5);

@@ -19,18 +19,18 @@ namespace mensor::exact {
 
 namespace {
 
-// The precision that the bounds of an irrational factor begin with. A random double and 53 bits of its
-// result need about 110; the worst of all doubles about 60 more.
+// The precision, in bits, of the first bounds of an irrational factor. A random double needs about 110
+// bits to be rounded, and the hardest double about 60 more.
 constexpr int FirstBits = 256;
 
-// numerator/denominator·2^twos, the numerator with its sign.
+// Numerator/Denominator·2^Twos. The numerator has the sign.
 struct CSigned {
     CWhole Numerator;
     CWhole Denominator;
     std::int64_t Twos;
 };
 
-// Both fractions over one denominator, added.
+// The sum of both, over a common denominator.
 CSigned sum(const CSigned& a, const CSigned& b) {
     const std::int64_t twos = std::min(a.Twos, b.Twos);
     return {a.Numerator.shifted(a.Twos - twos) * b.Denominator +
@@ -67,8 +67,8 @@ bool isSame(const CNearest& a, const CNearest& b) { return a.Bits == b.Bits; }
 bool isSame(double a, double b) { return bitsOfDouble(a) == bitsOfDouble(b); }
 bool isSame(const CDigits& a, const CDigits& b) { return a == b; }
 
-// Rounds factor·u + offset, which is irrational, by bounds that come nearer until both are rounded to the
-// same. That ends: only at a border between two roundings would it not, and the borders are fractions.
+// Rounds factor·u + offset, which is irrational. The bounds become closer until both round to the same
+// result. This ends: it could fail only at a border between two results, and borders are rational.
 template <class Round>
 auto roundIrrational(const CFactor& factor, CEnclosure bounds, const CFraction& u,
                      const CFraction& offset, const Round& round) {
@@ -87,7 +87,7 @@ auto roundIrrational(const CFactor& factor, CEnclosure bounds, const CFraction& 
     }
 }
 
-// The leading bits of number·2^twos; it is positive.
+// The leading bits of number·2^twos, where `number` is positive.
 CLeading leadingOf(const CWhole& number, std::int64_t twos) {
     const auto extra = static_cast<std::int64_t>(number.bits()) - 192;
     const CWhole kept = number.shifted(-extra);
@@ -96,12 +96,12 @@ CLeading leadingOf(const CWhole& number, std::int64_t twos) {
             kept.shifted(extra) == number};
 }
 
-// The leading bits of numerator/denominator·2^twos; both are positive.
+// The leading bits of numerator/denominator·2^twos, where both are positive.
 CLeading leadingOf(const CWhole& numerator, const CWhole& denominator, std::int64_t twos) {
     if (numerator.bits() <= 64 && denominator.bits() <= 64) {
         return CLeading::ofQuotient(numerator.low(), denominator.low(), twos);
     }
-    // A quotient of 193 or 194 bits.
+    // The quotient has 193 or 194 bits.
     const std::int64_t up = 193 - static_cast<std::int64_t>(numerator.bits()) +
                             static_cast<std::int64_t>(denominator.bits());
     const CDivision division(up > 0 ? numerator.shifted(up) : numerator,
@@ -125,7 +125,7 @@ void requireCompatible(const CMeaning& from, const CMeaning& to) {
 
 }  // namespace
 
-// (A·x + B)/D with whole numbers, where the factor is a fraction.
+// The conversion (A·x + B)/D with whole numbers, if the factor is a fraction.
 struct CConversion::CLinear {
     CLinear() = default;
     CLinear(const CFraction& factor, const CFraction& offset) {
@@ -139,7 +139,7 @@ struct CConversion::CLinear {
         TwosOfB = d.Twos;
     }
 
-    /// The same in one word each, if they are short enough.
+    /// The same conversion with 64-bit numbers, if they suffice.
     std::optional<CShortLine> shortLine() const {
         const std::int64_t twos = B.isZero() ? TwosOfA : std::min(TwosOfA, TwosOfB);
         constexpr std::int64_t Most = 64;
@@ -163,7 +163,8 @@ struct CConversion::CLinear {
     std::int64_t TwosOfB = 0;
 };
 
-// factor·(x + Shift) + Offset. Where the factor is a fraction, the shift is zero; else one of the two is.
+// The conversion Factor·(x + Shift) + Offset. If the factor is a fraction, Shift is zero. If it is not,
+// Shift or Offset is zero.
 struct CConversion::CPlan final : CSlowWay {
     CPlan(const CMeaning& from, const CMeaning& to)
         : From(from), To(to), Factor(CFactor::ratio(from.factor(), to.factor())) {
@@ -196,7 +197,7 @@ struct CConversion::CPlan final : CSlowWay {
             return CFastForm(factor, center, !Linear.B.isNegative(), line ? &*line : nullptr, this);
         }
         if (!hasOffset()) {
-            // Bounds whose leading bits are the same enclose nothing but numbers with these.
+            // If both bounds have the same leading bits, the factor has them, too.
             CLeading low = leadingOf(Bounds.Low, Bounds.Twos);
             const CLeading high = leadingOf(Bounds.High, Bounds.Twos);
             if (std::equal(low.Word, low.Word + 3, high.Word) && low.Twos == high.Twos) {

@@ -1,4 +1,4 @@
-// Decimal.h: how results are written.
+// Decimal.h: the style of the decimal numbers that the library writes.
 //
 //     CDecimalStyle style;
 //     style.Notation = eNotation::ENGINEERING;
@@ -9,21 +9,23 @@
 
 namespace mensor::exact {
 
-/// Where the point stands, and whether there is an exponent.
+/// The place of the decimal point, and whether there is an exponent.
 enum class eNotation {
-    AUTOMATIC,    ///< PLAIN from 1e-6 to below 1e21, SCIENTIFIC beyond
-    PLAIN,        ///< "0.000025", "1500000"
-    SCIENTIFIC,   ///< "2.5e-5", "1.5e6"
-    ENGINEERING,  ///< "25e-6", "1.5e6": exponents are multiples of three, and none where it is 0
+    AUTOMATIC,   ///< PLAIN from 1e-6 to below 1e21, SCIENTIFIC beyond
+    PLAIN,       ///< "0.000025", "1500000"
+    SCIENTIFIC,  ///< "2.5e-5", "1.5e6"
+    ENGINEERING,  ///< "25e-6", "1.5e6", "150": the exponent is a multiple of three, and left out if 0
 };
 
-/// How a result is written. Never depends on the locale.
+/// The style of a written result. It never depends on the locale.
 struct CDecimalStyle {
     static constexpr int MostDigits = 50;
 
-    /// 0: a result whose decimal expansion ends within 17 significant digits is written whole, any
-    /// other as the shortest text that reads back as the nearest double. 1 to 50: rounded to so many
-    /// significant digits, ties to even; zeros at the end of a fraction are not written.
+    /// The number of significant digits, 1 to 50. The result is rounded to it, ties to even. Zeros at the
+    /// end of a fraction are not written.
+    ///
+    /// 0: a result of at most 17 significant digits is written in full. Any other result is written as
+    /// the shortest text that reads back as the nearest double.
     int Digits = 0;
     eNotation Notation = eNotation::AUTOMATIC;
     bool DecimalComma = false;

@@ -1,5 +1,4 @@
-// DefinitionReader.h: reads the text of a definition, also while compiling. For the library's own use;
-// not installed.
+// DefinitionReader.h: reads the text of a definition, also at compile time. Not installed.
 //
 //     CDefinitionReader reader("π/180 rad");
 //     reader.next();  // PI, exponent 1
@@ -24,31 +23,31 @@ enum class eTerm {
     NUMBER,     ///< a decimal number
     PI,         ///< π
     NAME,       ///< the name of a unit
-    OFFSET,     ///< the number behind "offset", always last
-    END,        ///< nothing more
-    SYNTAX,     ///< no definition
+    OFFSET,     ///< the number after "offset", always the last term
+    END,        ///< the end of the text
+    SYNTAX,     ///< the text is not a definition
     RANGE,      ///< an exponent out of range
     ZERO_ROOT,  ///< an exponent with the denominator zero
 };
 
-/// One factor of a definition.
+/// One term of a definition: a factor, an offset, the end or an error.
 struct CTerm {
     eTerm Kind = eTerm::SYNTAX;
     std::string_view Text;
-    int Numerator = 1;  ///< of the exponent, negative behind a stroke
-    int Denominator = 1;
+    int Numerator = 1;    ///< of the exponent; negative for a divisor
+    int Denominator = 1;  ///< of the exponent
 
     constexpr bool isFactor() const {
         return Kind == eTerm::NUMBER || Kind == eTerm::PI || Kind == eTerm::NAME;
     }
 };
 
-/// Gives the factors of a definition, one at a time.
+/// Reads the terms of a definition, one at a time.
 class CDefinitionReader {
 public:
     explicit constexpr CDefinitionReader(std::string_view text) : m_Text(text) {}
 
-    /// The next factor. Behind END, OFFSET and errors nothing is to be asked for.
+    /// Returns the next term. After END, OFFSET or an error, the caller must not call it again.
     constexpr CTerm next() {
         bool isApart = skipBlanks();
         if (m_IsInGroup && !m_IsFirst && skip(")")) {
@@ -157,7 +156,7 @@ private:
     constexpr void skipName() {
         int digit = 0;
         bool isMinus = false;
-        if (at(m_At) == '[') {  // up to the bracket that closes it, with all signs between
+        if (at(m_At) == '[') {  // a name in brackets, which may contain any character
             int depth = 0;
             do {
                 depth += at(m_At) == '[' ? 1 : at(m_At) == ']' ? -1 : 0;
@@ -177,7 +176,7 @@ private:
         }
     }
 
-    // The bytes of the raised digit or minus sign at `position`, 0 if there is none.
+    // Returns the length in bytes of the raised digit or minus sign at `position`, or 0 if there is none.
     constexpr std::size_t raised(std::size_t position, int& digit, bool& isMinus) const {
         const std::string_view rest =
             m_Text.substr(position < m_Text.size() ? position : m_Text.size());
@@ -196,7 +195,7 @@ private:
         return 0;
     }
 
-    // Reads an exponent if there is one. Returns END if all is well.
+    // Reads an exponent if there is one. Returns END, or the error.
     constexpr eTerm exponent(CTerm& term) {
         if (skip("^")) {
             const bool isInParentheses = skip("(");
@@ -243,7 +242,7 @@ private:
     }
 
     static constexpr int append(int value, int digit) {
-        constexpr int Enough = 1000;  // out of range anyway
+        constexpr int Enough = 1000;  // out of range, whatever follows
         return value >= Enough ? Enough : 10 * value + digit;
     }
 
@@ -268,8 +267,8 @@ private:
     bool m_IsBehindNumber = false;
 };
 
-/// A decimal number of a definition, as CFraction::ofText. Returns false where 64 bits are too few or
-/// the text is none.
+/// Reads a decimal number as CFraction::ofText does. Returns false if 64 bits are too few or the text
+/// is not a number.
 constexpr bool readSmall(std::string_view text, CSmallFraction& result) {
     std::size_t at = 0;
     const bool isNegative = !text.empty() && text[0] == '-';

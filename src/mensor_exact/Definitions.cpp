@@ -67,7 +67,7 @@ CFraction offsetOf(std::string_view text) {
                                            : offset / CFraction::ofText(text.substr(slash + 1));
 }
 
-// A name as definitions can use it: one word without an exponent, all of which can be seen.
+// Whether definitions can use `text` as a name: one visible word without an exponent.
 bool isName(std::string_view text) {
     CDefinitionReader reader(text);
     const CTerm term = reader.next();
@@ -96,7 +96,7 @@ public:
     void multiplyBy(const CMeaning& unit, const CTerm& term) {
         const CExponent exponent(term.Numerator, term.Denominator);
         if (m_Units == 0 && !m_HasNumber) {
-            m_Meaning = unit.power(exponent);  // which refuses an offset, unless the exponent is 1
+            m_Meaning = unit.power(exponent);  // an offset unit alone is allowed
         } else {
             m_Meaning = m_Meaning * unit.power(exponent);
         }
@@ -148,7 +148,7 @@ CMeaning evaluateBy(std::string_view text, const Resolve& resolve) {
     }
 }
 
-// Adds definitions to a catalogue, in an order in which each follows those that it needs.
+// Adds definitions to a catalogue, each after the ones that it uses.
 class CAdder {
 public:
     explicit CAdder(const CCatalogue& catalogue) : m_Catalogue(catalogue), m_Result(catalogue) {}
@@ -190,7 +190,7 @@ private:
         CDefinition Definition;
         CMeaning Meaning;
         eState State;
-        bool TakesAway;  // the name of a built-in unit
+        bool TakesAway;  // a built-in unit has the name, too
     };
 
     CRow* find(std::string_view name) {
@@ -198,7 +198,8 @@ private:
         return place != m_Rows.end() ? &place->second : nullptr;
     }
 
-    // Computes a row behind all that it needs. Not recursive: definitions may be long chains.
+    // Computes the rows that `first` needs, then `first`. Not recursive, since a chain of definitions
+    // may be long.
     void resolve(CRow& first) {
         std::vector<CRow*> waiting{&first};
         while (!waiting.empty()) {
@@ -218,7 +219,7 @@ private:
         }
     }
 
-    // Whether there is any.
+    // Adds the rows that `row` needs and that are not computed yet. Returns whether there are any.
     bool pushNeeded(const CRow& row, std::vector<CRow*>& waiting) {
         const std::size_t before = waiting.size();
         CDefinitionReader reader(row.Definition.Text);
@@ -352,7 +353,7 @@ std::optional<CMeaning> CCatalogue::meaning(std::string_view name) const {
     return std::nullopt;
 }
 
-// Whether the program has this name, perhaps in the place of a built-in unit.
+// Whether the program has defined this name although a built-in unit may have it, too.
 bool CCatalogue::takesAway(std::string_view name) const noexcept {
     return m_Own != nullptr && (m_Own->TakesAway || has(ePack::EVERYDAY)) &&
            m_Own->Entries.find(name) != m_Own->Entries.end();
@@ -388,7 +389,7 @@ void CCatalogue::forEach(const std::function<bool(const CDefinition&)>& visit) c
             continue;
         }
         if (definition.Pack == ePack::EVERYDAY && CTable::find(definition.Name, m_Packs) != row) {
-            continue;  // another pack has this name
+            continue;  // another pack has this name, too
         }
         if (!visit(definition)) {
             return;

@@ -1,4 +1,4 @@
-// Definitions.h: what each name means, with its definition as its source has it.
+// Definitions.h: catalogues of units, each with its definition and the source of the definition.
 //
 //     const CCatalogue catalogue = CCatalogue::builtIn().with(ePack::CUSTOMARY);
 //     catalogue.find("in")->Text;                        // "25.4 mm"
@@ -6,17 +6,18 @@
 //     catalogue.evaluate("lbf/in²").kind();              // "pressure"
 //     catalogue.with({{"smoot", "67 in"}}).meaning("smoot")->toString();  // "1.7018 m"
 //
-// A definition is a product of numbers and units, and perhaps an offset:
+// A definition is a product of numbers and units, with an optional offset:
 //
 //     definition = product [ ", offset " number ]
-//     product    = factor { ( " " | "·" | "/" ) ( factor | group ) }     a group only behind "/"
+//     product    = factor { ( " " | "·" | "/" ) ( factor | group ) }     a group only after "/"
 //     group      = "(" factor { ( " " | "·" | "/" ) factor } ")"
-//     factor     = ( number | "π" | name ) [ exponent ]                 "2π" needs nothing between
+//     factor     = ( number | "π" | name ) [ exponent ]                 "2π" needs no sign between
 //     exponent   = raised digits | "^" [ "-" ] digits | "^(" [ "-" ] digits [ "/" digits ] ")"
-//     number     = decimal, as CFraction::ofText; behind "offset" also with "/" and a second one
+//     number     = a decimal, as CFraction::ofText reads it; after "offset" also a quotient of two
 //
-// A stroke divides by the factor or group behind it and no more: "5/9 K" is 5/9 of a kelvin, "J/kg/K"
-// and "J/(kg·K)" are the same. "5/9 K, offset 459.67" means that x of the unit are (x + 459.67)·5/9 K.
+// A slash divides by the next factor or group only: "5/9 K" is 5/9 of a kelvin, and "J/kg/K" is
+// "J/(kg·K)". "5/9 K, offset 459.67" means that the value x in this unit is (x + 459.67)·5/9 in
+// kelvins.
 #ifndef MENSOR_EXACT_DEFINITIONS_H
 #define MENSOR_EXACT_DEFINITIONS_H
 
@@ -33,92 +34,90 @@
 
 namespace mensor::exact {
 
-struct COwnDefinitions;  // inside the library
+struct COwnDefinitions;  // OwnDefinitions.h, not installed
 
-/// Where a definition comes from.
+/// The set of units to which a definition belongs.
 enum class ePack : std::uint8_t {
-    CATALOGUE,  ///< what libmensor knows after it is loaded, and psi; always there
-    SI,         ///< spellings of the SI that libmensor lacks; always there
-    CUSTOMARY,  ///< US customary and imperial units, whose names say which where they differ
-    US,         ///< the names without a country as the United States have them
-    IMPERIAL,   ///< the names without a country as the United Kingdom had them
-    SCIENCE,    ///< energy and science
-    OFFSETS,    ///< scales with a zero of their own
+    CATALOGUE,  ///< the units that libmensor knows after it is loaded, and psi; in every catalogue
+    SI,         ///< spellings of the SI that libmensor lacks; in every catalogue
+    CUSTOMARY,  ///< US customary and imperial units; the names have a country where the units differ
+    US,         ///< "gal", "ton" and their like, with the meanings of the United States
+    IMPERIAL,   ///< the same names, with the meanings of the United Kingdom
+    SCIENCE,    ///< units of energy and science
+    OFFSETS,    ///< offset units: °F and gauge pressures
     COUNTING,   ///< parts, bytes and rates
-    EVERYDAY,   ///< what people write for units that have other names: degC, kOhm, barg, Nm, litres
-    OWN,        ///< of the program, by CCatalogue::with
+    EVERYDAY,   ///< everyday spellings of other units: degC, kOhm, barg, Nm, litres
+    OWN,        ///< definitions of the program, added by CCatalogue::with
 };
 
-/// The name of a pack for people and command lines: "customary".
+/// Returns the name of a pack for people and command lines: "customary".
 /// @par Threads  Any thread; takes no lock.
 MENSOR_EXACT_API const char* nameOf(ePack pack) noexcept;
 
-/// What is in a pack, in a few words.
+/// Returns a few words about the units of a pack.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_EXACT_API const char* descriptionOf(ePack pack) noexcept;
 
-/// The packs that CCatalogue::with takes, in the order of their numbers.
+/// Returns the packs that CCatalogue::with accepts, in the order of the enumerators.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_EXACT_API std::vector<ePack> allPacks();
 
-/// The one of these with this name, none if there is none.
+/// Returns the one of allPacks() with this name, or nothing.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_EXACT_API std::optional<ePack> packNamed(std::string_view name) noexcept;
 
-/// One name. The texts are UTF-8; they live as long as the library, or with the pack OWN as long as a
-/// catalogue that has them.
+/// One name and its definition. The texts are UTF-8. They live as long as the library. Those of the
+/// pack OWN live as long as a catalogue that has them.
 struct CDefinition {
     std::string_view Name;
-    std::string_view Text{};     ///< empty: a base unit, or a mark
-    std::string_view English{};  ///< what the unit is called
-    std::string_view Source{};   ///< where the definition is from
+    std::string_view Text{};     ///< the definition; empty for a base unit or a mark
+    std::string_view English{};  ///< the name of the unit in English
+    std::string_view Source{};   ///< the document that has the definition
     ePack Pack = ePack::OWN;
-    /// In CCatalogue::with: whether the name is taken away from a built-in unit.
+    /// For CCatalogue::with: allows a name that a built-in unit has. That unit then has it no longer.
     bool TakesAway = false;
 };
 
-/// Names and what they mean. Immutable: packs and definitions are added to copies. A copy costs next to
-/// nothing.
+/// Names and their meanings. A catalogue is immutable: `with` returns a changed copy. Copies are cheap.
 ///
 /// Class contract: caller serialises changes of one object; distinct objects any thread. Any number of
-/// threads may share one that nobody changes.
+/// threads may share an object that does not change.
 class MENSOR_EXACT_API CCatalogue {
 public:
     static CCatalogue builtIn() noexcept { return {}; }  ///< CATALOGUE and SI
 
-    /// This catalogue and the names of a pack. A name that another pack has with the same meaning is
-    /// there once.
-    /// @throws CError  NAME_TAKEN: of US and IMPERIAL only one can be there; OPTIONS: the pack is OWN.
+    /// Returns this catalogue and the names of a pack. A name that several packs have is listed once.
+    /// @throws CError  NAME_TAKEN: the program has defined a name of the pack, or the catalogue has US and
+    ///                 gets IMPERIAL, or the reverse; OPTIONS: the pack is OWN.
     CCatalogue with(ePack pack) const;
 
-    /// Whether the pack was added. Always true of CATALOGUE and SI, and false of OWN.
+    /// Whether the catalogue has the pack. Always true for CATALOGUE and SI, and false for OWN.
     bool has(ePack pack) const noexcept;
 
-    /// This catalogue and further definitions, which may use each other in any order. An empty text
-    /// makes a dimension with the name of the unit. Texts are copied; the pack is always OWN. A
-    /// program's own name takes the place of a spelling of the pack EVERYDAY.
+    /// Returns this catalogue and further definitions, which may use each other in any order. An empty
+    /// text defines a base unit with a dimension of its own. Texts are copied, and the pack is set to
+    /// OWN. A name of the program replaces the same name of the pack EVERYDAY.
     ///
-    /// A name that is taken away from a built-in unit no longer finds that unit. What rests on that unit
-    /// keeps its meaning. The names of base units and marks cannot be taken away.
-    /// @throws CError  SYNTAX, BAD_NUMBER, UNKNOWN_NAME, NAME_TAKEN, CYCLE, and whatever evaluate()
-    ///                 throws.
+    /// With TakesAway, the name may be that of a built-in unit, but not of a base unit or a mark. Units
+    /// that are defined by that built-in unit keep their meanings.
+    /// @throws CError  SYNTAX, BAD_NUMBER, UNKNOWN_NAME, NAME_TAKEN, CYCLE, and what evaluate() throws.
     CCatalogue with(const std::vector<CDefinition>& definitions) const;
 
-    /// What has this name, exactly as it is written.
+    /// Returns the definition of the name, spelled exactly so, or nothing.
     std::optional<CDefinition> find(std::string_view name) const noexcept;
 
-    /// What this name means.
+    /// Returns the meaning of the name, or nothing.
     std::optional<CMeaning> meaning(std::string_view name) const;
 
-    /// What a definition means; the grammar is above.
+    /// Returns the meaning of a definition. The grammar is at the top of this file.
     /// @throws CError  SYNTAX, BAD_NUMBER, UNKNOWN_NAME, DIVISION_BY_ZERO, NOT_POSITIVE,
     ///                 OFFSET_IN_PRODUCT, OFFSET_NOT_RATIONAL, EXPONENT_RANGE, TOO_LARGE.
     CMeaning evaluate(std::string_view definition) const;
 
-    /// All of them: the built-in ones in the order of the table, then one's own, sorted.
+    /// Returns all definitions: the built-in ones in the order of the table, then the program's, sorted.
     std::vector<CDefinition> definitions() const;
 
-    /// Calls `visit` for each of them, in the same order, until it returns false.
+    /// Calls `visit` for each definition, in the same order, until it returns false.
     void forEach(const std::function<bool(const CDefinition&)>& visit) const;
 
 private:
@@ -129,7 +128,7 @@ private:
     bool takesAway(std::string_view name) const noexcept;
     std::optional<CDefinition> findOwn(std::string_view name) const noexcept;
 
-    std::uint32_t m_Packs = 3;  // a bit for each
+    std::uint32_t m_Packs = 3;  // one bit for each pack: CATALOGUE and SI
     std::shared_ptr<const COwnDefinitions> m_Own;
 };
 

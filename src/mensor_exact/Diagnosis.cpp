@@ -65,7 +65,7 @@ const char* nameOf(eRefusal code) {
 std::string CDiagnosis::message() const {
     std::string message = Sentence;
     const bool isCollision = Code == eRefusal::COLLISION || Code == eRefusal::DIMENSION_COLLISION;
-    if (!Readings.empty() && !isCollision) {  // a collision's sentence names its two meanings
+    if (!Readings.empty() && !isCollision) {  // the sentence of a collision names both meanings
         message += " (write " + quotedList(Readings) + ")";
     }
     if (!Suggestions.empty()) {

@@ -12,7 +12,7 @@ namespace mensor::exact {
 
 namespace {
 
-// A double cannot tell a number of more digits; the limit of bits (Fraction.h) is lower.
+// The limit of bits (Fraction.h) allows fewer digits than that.
 constexpr std::size_t MostCharacters = 25000;
 constexpr std::int64_t MostTens = 100000;
 
@@ -28,7 +28,7 @@ bool isDigit(char c) { return c >= '0' && c <= '9'; }
                  "\"" + shown + (text.size() > Shown ? "..." : "") + "\" is no decimal number");
 }
 
-// Multiplies by base^times. Returns false where 64 bits are too few.
+// Multiplies by base^times. Returns false if 64 bits are too few.
 bool scale(std::uint64_t& number, std::uint64_t base, std::int64_t times) {
     for (; times > 0; --times) {
         if (__builtin_mul_overflow(number, base, &number)) {
@@ -40,7 +40,7 @@ bool scale(std::uint64_t& number, std::uint64_t base, std::int64_t times) {
 
 void trim(std::string& digits) { digits.erase(digits.find_last_not_of('0') + 1); }
 
-// The exponent behind "e", as far as it fits; `at` stands behind the letter.
+// Reads the exponent after "e". `at` is the position after the letter. A very large exponent is cut off.
 std::int64_t readTens(std::string_view text, std::size_t at) {
     bool isNegative = false;
     std::string_view digits = text.substr(at);
@@ -58,9 +58,9 @@ std::int64_t readTens(std::string_view text, std::size_t at) {
     return isNegative ? -tens : tens;
 }
 
-// The powers of ten at or below the number.
+// Returns the greatest exponent of a power of ten that is not above the number.
 std::int64_t pointOf(const CWhole& numerator, const CWhole& denominator) {
-    // From bits, which gives it or one less: log10(2) = 0.30102999...
+    // The number of bits gives it or one less: log10(2) = 0.30102999...
     const std::int64_t bits = static_cast<std::int64_t>(numerator.bits()) -
                               static_cast<std::int64_t>(denominator.bits()) - 1;
     const std::int64_t scaled = bits * 30103;
@@ -168,7 +168,7 @@ std::string write(const CDigits& digits, const CDecimalStyle& style) {
     }
     const std::int64_t point = digits.Point;
     const auto size = static_cast<std::int64_t>(digits.Digits.size());
-    // So many digits stand before the point.
+    // The number of digits before the point.
     std::int64_t before = point;
     switch (style.Notation) {
         case eNotation::PLAIN: break;

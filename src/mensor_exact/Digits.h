@@ -1,4 +1,4 @@
-// Digits.h: numbers as decimal digits. For the library's own use; not installed.
+// Digits.h: decimal digits of exact numbers. Not installed.
 #ifndef MENSOR_EXACT_DIGITS_H
 #define MENSOR_EXACT_DIGITS_H
 
@@ -12,7 +12,7 @@
 
 namespace mensor::exact {
 
-/// ±0.d1d2d3...·10^Point, where Digits is "d1d2d3...", begins and ends with no zero, and is empty for
+/// The number ±0.d1d2d3...·10^Point. Digits is "d1d2d3...", without zeros at both ends. It is empty for
 /// zero.
 struct CDigits {
     bool Negative = false;
@@ -24,22 +24,24 @@ struct CDigits {
     }
 };
 
-/// All digits of a number, if it ends after at most `most` significant ones.
+/// Returns all digits of a number if it has at most `most` significant ones, else nothing.
 std::optional<CDigits> wholeDigits(const CParts& parts, std::size_t most);
 
-/// The shortest digits that read back as `value`, which is finite.
+/// Returns the shortest digits that read back as `value`. `value` is finite.
 CDigits shortestDigits(double value);
 
-/// The number rounded to `count` significant digits, ties to even.
+/// Returns the number rounded to `count` significant digits, ties to even.
 CDigits roundedDigits(const CParts& parts, int count);
 
+/// Writes the number in a style.
 /// @throws CError  OPTIONS.
 std::string write(const CDigits& digits, const CDecimalStyle& style);
 
-/// @throws CError  OPTIONS: digits out of range.
+/// Checks a style.
+/// @throws CError  OPTIONS: the number of digits is out of range.
 void requireStyle(const CDecimalStyle& style);
 
-/// A decimal number as its parts, as CFraction::ofText.
+/// Reads a decimal number as CFraction::ofText does.
 CParts readDecimal(std::string_view text);
 
 }  // namespace mensor::exact

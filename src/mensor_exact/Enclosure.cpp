@@ -7,7 +7,7 @@ namespace mensor::exact {
 
 namespace {
 
-// The same bounds or ones a little further apart, with about `bits` bits.
+// Returns the same bounds with about `bits` bits. They may be a little further apart.
 CEnclosure shortened(const CEnclosure& x, int bits) {
     const std::int64_t drop = static_cast<std::int64_t>(x.High.bits()) - bits;
     if (drop <= 0) {
@@ -44,7 +44,7 @@ CEnclosure root(const CEnclosure& x, int order, int bits) {
     if (order == 1) {
         return x;
     }
-    // Enough bits for a root of `bits`, and a power of two that has a root.
+    // Shifted, so that the root has enough bits and the exponent of two is a multiple of the order.
     std::int64_t twos =
         static_cast<std::int64_t>(order) * bits - static_cast<std::int64_t>(x.Low.bits());
     twos = twos < 0 ? 0 : twos;
@@ -55,7 +55,7 @@ CEnclosure root(const CEnclosure& x, int order, int bits) {
             (x.Twos - twos) / order};
 }
 
-// arctan(1/n)·2^bits, below it by at most the number of its terms.
+// Returns arctan(1/n)·2^bits. The error is less than the number of terms.
 CWhole arctanOfInverse(int n, int bits, int& terms) {
     const int square = n * n;
     CWhole power = CWhole(1).shifted(bits) / n;
@@ -70,8 +70,9 @@ CWhole arctanOfInverse(int n, int bits, int& terms) {
     return sum;
 }
 
-// The first bits are kept, and the others computed with Machin's formula: π = 16·arctan(1/5) − 4·arctan(1/239). Each term is truncated twice, and so off by
-// less than 2; what follows the last term is less than 1.
+// Few bits come from a table. More bits are computed with Machin's formula: π = 16·arctan(1/5) −
+// 4·arctan(1/239). Each term is truncated twice, so its error is less than 2. The rest of the series is
+// less than 1.
 CEnclosure pi(int bits) {
     if (bits <= PiBits) {
         CWhole low = 0;
@@ -107,7 +108,7 @@ CWhole rootOf(const CWhole& number, int order) {
     if (order == 1) {
         return number;
     }
-    // Newton's method from above, which falls until it is there.
+    // Newton's method. It starts above the root, and each step is lower until the root is reached.
     const auto bits = static_cast<std::int64_t>(number.bits());
     CWhole x = CWhole(1).shifted((bits - 1) / order + 1);
     while (true) {
@@ -120,7 +121,7 @@ CWhole rootOf(const CWhole& number, int order) {
 }
 
 CEnclosure enclose(const CFactor& factor, int bits) {
-    // Each of the few steps loses some bits, a power of 99 no more than eight.
+    // Each of the few steps loses some bits. A power of 99 loses at most eight.
     const int working = bits + 64;
     CEnclosure result = fraction(factor.radicand(), working);
     result = root(result, factor.root(), working);

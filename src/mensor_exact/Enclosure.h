@@ -1,4 +1,4 @@
-// Enclosure.h: bounds of numbers that are no fractions. For the library's own use; not installed.
+// Enclosure.h: lower and upper bounds of irrational numbers. Not installed.
 #ifndef MENSOR_EXACT_ENCLOSURE_H
 #define MENSOR_EXACT_ENCLOSURE_H
 
@@ -9,7 +9,7 @@
 
 namespace mensor::exact {
 
-/// The greatest whole number whose power `order` is not above `number`. Both are positive.
+/// Returns the root of `number` of this order, rounded down. Both are positive.
 CWhole rootOf(const CWhole& number, int order);
 
 /// A positive number between Low·2^Twos and High·2^Twos, both included.
@@ -19,8 +19,7 @@ struct CEnclosure {
     std::int64_t Twos = 0;
 };
 
-/// Bounds of `factor` that differ by less than 2^-bits of it, and the nearer the more bits are asked
-/// for.
+/// Returns bounds of `factor` whose relative difference is less than 2^-bits.
 CEnclosure enclose(const CFactor& factor, int bits);
 
 }  // namespace mensor::exact

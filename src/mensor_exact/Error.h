@@ -1,4 +1,4 @@
-// Error.h: the one exception of the library, with a code that says what was refused.
+// Error.h: the exception of the library, with a code for the reason.
 //
 //     try {
 //         exact::CConversion::between("bar", "m");
@@ -7,7 +7,8 @@
 //         error.what();  // "cannot convert bar to m: pressure and length"
 //     }
 //
-// Beside it, only std::bad_alloc is thrown. Whatever is thrown leaves every object as it was.
+// The library also throws std::bad_alloc. Functions that read texts of people throw CReadError or
+// CDefinitionError instead (Reading.h, DefinitionFile.h). After an exception every object is as it was.
 #ifndef MENSOR_EXACT_ERROR_H
 #define MENSOR_EXACT_ERROR_H
 
@@ -18,27 +19,27 @@
 
 namespace mensor::exact {
 
-/// What was refused.
+/// The reason of an error.
 enum class eError {
-    SYNTAX,                ///< a text that is no definition
-    BAD_NUMBER,            ///< a text that is no decimal number, or a double that is not finite
-    UNKNOWN_NAME,          ///< no definition has this name
-    NAME_TAKEN,            ///< the catalogue has this name already
-    CYCLE,                 ///< a definition that leads back to itself
+    SYNTAX,                ///< a text that is not a definition
+    BAD_NUMBER,            ///< a text that is not a decimal number, or a double that is not finite
+    UNKNOWN_NAME,          ///< a name that no definition has
+    NAME_TAKEN,            ///< a new name that the catalogue has already
+    CYCLE,                 ///< a definition that uses itself, perhaps through others
     DIVISION_BY_ZERO,      ///< a denominator of zero
-    NOT_POSITIVE,          ///< a factor of zero or below
-    OFFSET_IN_PRODUCT,     ///< a unit with an offset in a product, quotient or power
-    OFFSET_NOT_RATIONAL,   ///< an offset beside a factor with π or a root
+    NOT_POSITIVE,          ///< a factor that is zero or negative
+    OFFSET_IN_PRODUCT,     ///< an offset unit in a product, quotient or power
+    OFFSET_NOT_RATIONAL,   ///< an offset of a unit whose factor has π or a root
     EXPONENT_RANGE,        ///< a numerator or denominator of an exponent beyond 99
-    TOO_LARGE,             ///< a number of more bits than the library takes
+    TOO_LARGE,             ///< a number with more bits than the library allows
     DIFFERENT_DIMENSIONS,  ///< a conversion between different kinds of quantities
-    NUMBER_RANGE,          ///< a result that must be rounded, and is beyond the doubles
+    NUMBER_RANGE,          ///< a result to be rounded that is beyond the range of double
     OPTIONS,               ///< options that contradict each other or are out of range
     ARRAYS,                ///< arrays that overlap in part, or a null one
     DIFFERENT_MARKS,  ///< a conversion in which the radian, the steradian or the bit counts as 1
 };
 
-/// A refusal.
+/// An error of the exact library.
 ///
 /// Class contract: caller serialises changes of one object; distinct objects any thread.
 class MENSOR_EXACT_API CError : public std::invalid_argument {

@@ -14,19 +14,18 @@
 
 namespace mensor::exact {
 
-/// An exact fraction in lowest terms. Neither the numerator nor the denominator is beyond 99 in size;
-/// the denominator is positive.
+/// An exact fraction in lowest terms. The numerator is from -99 to 99, the denominator from 1 to 99.
 ///
-/// Every operation whose result would be beyond throws CError, EXPONENT_RANGE.
+/// An operation whose result is out of this range throws CError, EXPONENT_RANGE.
 ///
 /// Class contract: caller serialises changes of one object; distinct objects any thread.
 class CExponent {
 public:
-    static constexpr int Largest = 99;  ///< of numerator and denominator
+    static constexpr int Largest = 99;  ///< the largest numerator and denominator
 
     constexpr CExponent() = default;  ///< zero
 
-    /// A whole exponent. Not explicit: an int may stand for it.
+    /// A whole exponent. Implicit, so that an int can be passed as an exponent.
     constexpr CExponent(int whole) : m_Numerator(static_cast<std::int8_t>(whole)) {
         if (whole < -Largest || whole > Largest) {
             throwRange();
@@ -59,7 +58,7 @@ public:
 
     constexpr CExponent operator-() const { return {-m_Numerator, m_Denominator}; }
     friend constexpr CExponent operator+(CExponent a, CExponent b) {
-        if (a.m_Denominator == 1 && b.m_Denominator == 1) {  // as most are
+        if (a.m_Denominator == 1 && b.m_Denominator == 1) {  // the usual case, fast
             return {a.m_Numerator + b.m_Numerator};
         }
         return {std::int64_t{a.m_Numerator} * b.m_Denominator +

@@ -20,7 +20,7 @@ constexpr int LargestRoot = CExponent::Largest;
     throw CError(eError::TOO_LARGE, "a factor of more than 16384 bits");
 }
 
-// Takes the root of `order` of `number` if it is whole.
+// Replaces `number` by its root of this order if that is whole. Returns false if it is not.
 bool takeRoot(CWhole& number, int order) {
     if (number.isOne()) {
         return true;
@@ -74,7 +74,7 @@ void CFactor::requireSize() const {
     }
 }
 
-// The root has a divisor that can be taken if the radicand is a power of that order.
+// Makes the root as small as possible: divides it by `order` while the radicand has a root of that order.
 void CFactor::reduceRoot() {
     for (int order = 2; order <= m_Root; ++order) {
         while (m_Root % order == 0) {
@@ -94,7 +94,7 @@ void CFactor::reduceRoot() {
 CFactor CFactor::product(const CFactor& a, const CFactor& b) {
     CFactor result;
     result.m_Pi = a.m_Pi + b.m_Pi;
-    if (a.m_Root == 1 && b.m_Root == 1) {  // as most are
+    if (a.m_Root == 1 && b.m_Root == 1) {  // the usual case, fast
         result.m_Radicand = a.m_Radicand * b.m_Radicand;
         return result;
     }
@@ -133,7 +133,7 @@ CFactor CFactor::power(CExponent exponent) const {
     const int times = exponent.numerator() / divisor;
     const auto size = static_cast<std::size_t>(times < 0 ? -times : times);
     if (m_Radicand.bits() * size > MostBits + 2 * size) {
-        throwTooLarge();  // before it is computed
+        throwTooLarge();  // before computing it takes long
     }
     result.m_Radicand = m_Radicand.power(times);
     result.reduceRoot();
@@ -157,7 +157,7 @@ double CFactor::toDouble() const {
     if (isRational()) {
         return m_Radicand.toDouble();
     }
-    for (int bits = 128;; bits *= 2) {  // ends: the number lies on no border of two doubles
+    for (int bits = 128;; bits *= 2) {  // ends, since an irrational number is never a tie
         const CEnclosure bounds = enclose(*this, bits);
         const double low = roundQuotient(false, bounds.Low, 1, bounds.Twos).Value;
         const double high = roundQuotient(false, bounds.High, 1, bounds.Twos).Value;

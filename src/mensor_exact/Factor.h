@@ -2,7 +2,7 @@
 //
 //     CFactor(CFraction(1, 180)) * CFactor::pi();            // π/180
 //     CFactor(CFraction(1000)).power(CExponent(1, 2));       // 1000^(1/2)
-//     CFactor(CFraction(4)).power(CExponent(1, 2)) == CFactor(CFraction(2));  // true: exactly
+//     CFactor(CFraction(4)).power(CExponent(1, 2)) == CFactor(CFraction(2));  // true
 #ifndef MENSOR_EXACT_FACTOR_H
 #define MENSOR_EXACT_FACTOR_H
 
@@ -15,11 +15,11 @@
 
 namespace mensor::exact {
 
-/// A positive number radicand^(1/root)·π^pi, where the radicand is a fraction and the root the least
-/// that is possible. Two factors are equal if the numbers are.
+/// The positive number radicand^(1/root)·π^pi. The radicand is a fraction, and the root is as small as
+/// possible. So two factors are equal exactly if their numbers are.
 ///
-/// Operations throw CError: TOO_LARGE where the radicand of a result needs more than 16,384 bits,
-/// EXPONENT_RANGE where its root or exponent of π is beyond 99.
+/// Operations throw CError: TOO_LARGE if the radicand of the result needs more than 16,384 bits,
+/// EXPONENT_RANGE if its root or its exponent of π is beyond 99.
 ///
 /// Class contract: caller serialises changes of one object; distinct objects any thread.
 class MENSOR_EXACT_API CFactor {
@@ -37,7 +37,7 @@ public:
     int root() const noexcept { return m_Root; }
     CExponent piExponent() const noexcept { return m_Pi; }
 
-    /// Whether it is a fraction, which the radicand then is.
+    /// Whether the factor is a fraction. That fraction is then radicand().
     bool isRational() const noexcept { return m_Root == 1 && m_Pi.isZero(); }
     bool isOne() const noexcept { return isRational() && m_Radicand.isOne(); }
 
@@ -59,7 +59,7 @@ private:
     friend class CMeaning;
     friend class CTable;
 
-    // Where the size is known to be right, or more bits are allowed.
+    // These do not limit the number of bits.
     CFactor(const CSmallFraction& fraction, CExponent pi) noexcept
         : m_Radicand(fraction), m_Pi(pi) {}
     static CFactor ofPositive(CFraction fraction, CExponent pi = 0) noexcept;

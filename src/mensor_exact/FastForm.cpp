@@ -28,7 +28,7 @@ double power(std::int64_t exponent) {
 /// The exponent of the highest bit.
 std::int64_t exponentOf(const CLeading& number) { return number.Twos + 191; }
 
-/// What the highest 53 bits of a number leave.
+/// A number less its highest 53 bits.
 struct CRemainder {
     std::uint64_t Word[3];
     std::int64_t Twos;
@@ -51,7 +51,7 @@ struct CRemainder {
         return result;
     }
 
-    // Zero if it would be less.
+    // Less by the slack, but not negative.
     CRemainder less() const {
         CRemainder result = *this;
         if (Word[0] == 0 && Word[1] < Slack) {
@@ -63,7 +63,7 @@ struct CRemainder {
         return result;
     }
 
-    // Its highest 53 bits, rounded down or up.
+    // The highest 53 bits of the remainder, rounded down or up.
     double rounded(bool isUp) const {
         std::uint64_t word[3] = {Word[0], Word[1], Word[2]};
         std::int64_t twos = Twos + 128;
@@ -91,7 +91,7 @@ double headOf(const CLeading& number) {
 
 std::uint64_t oddPartOf(std::uint64_t number) { return number >> __builtin_ctzll(number); }
 
-// Whether one sum is right for every number, found out from the numbers nearest to ties.
+// Whether one sum is correct for every number. It is if it is correct for the numbers nearest to ties.
 bool isProved(const CLeading& factor, const CFastForm& form) {
     const double scale = power(exponentOf(factor));
     return form.Tail > 0 && isNeverNearMiddle(53, factor.Word, [&](std::uint64_t n) {
@@ -145,9 +145,9 @@ CFastForm::CFastForm(const CLeading& factor, const CShortLine* line, const CSlow
         Tail = remainder.rounded(false);
         TailLow = remainder.less().rounded(false);
         TailHigh = remainder.more().rounded(true);
-        // The result is at least 2^-960 from here, and x can be split.
+        // From here on the result is at least 2^-960, and x can be split.
         Least = orderedBits(power(std::max<std::int64_t>(-960 - exponent, -1000))) - 1;
-        // Neither splitting x nor the product overflows up to here.
+        // Up to here neither splitting x nor the product overflows.
         Most = orderedBits(power(std::min<std::int64_t>(1000 - exponent, 990)));
         const std::uint64_t a = HasLine ? oddPartOf(Line.A) : 0;
         const std::uint64_t d = HasLine ? oddPartOf(Line.D) : 0;
@@ -183,7 +183,7 @@ CFastForm::CFastForm(const CLeading& factor, const CLeading& center, bool isNega
         const double c = Head * 134217729.0;
         HeadHigh = c - (c - Head);
         HeadLow = Head - HeadHigh;
-        // Limits between which there is no number.
+        // No number is between these limits.
         Least = std::numeric_limits<std::int64_t>::min();
         Most = -1;
         const std::uint64_t mostShort = std::uint64_t{1} << 40;
@@ -237,22 +237,22 @@ float CFastForm::convertSlowlyToFloat(double x) const {
 
 namespace {
 
-// As many values as are computed before anybody looks whether all of them are right. Small enough for the
-// nearest cache, and for the stack.
+// The number of values that are computed before their correctness is tested. A block of them fits into
+// the fastest cache and on the stack.
 constexpr std::size_t BlockSize = 256;
 
-// Doubles need no room for what is between. They take longer blocks.
+// Doubles need no intermediate arrays, so their blocks are longer.
 constexpr std::size_t LongBlockSize = 1024;
 
-// More results than any cache keeps for whoever reads them next are written past the caches. An ordinary
-// store would first read the line that it is about to fill, which is a third of all traffic when memory is
-// the limit. With an offset the computation is the limit.
+// Results that no processor cache could hold are written past the caches. An ordinary store first reads
+// the cache line that it fills, which is a third of all memory traffic. With an offset, the computation
+// is the limit and not the memory.
 constexpr std::size_t StreamedBytes = 32'000'000;
 
-// These blocks are short, so that reading the values and writing the results go on at the same time.
+// Short blocks, so that the values are read while results are written.
 constexpr std::size_t StreamedBlockSize = 64;
 
-// As many numbers as there are up to the next cache line. A vector that lies across two lines takes two
+// Returns how many numbers there are up to the next cache line. A vector across two lines would take two
 // stores.
 template <class Number>
 std::size_t countToNextLine(const Number* numbers) {
@@ -264,7 +264,7 @@ std::size_t countToNextLine(const Number* numbers) {
 
 constexpr bool CanStream = true;
 
-// Copies past the caches. `to` is a multiple of 16, unless `count` is small.
+// Copies past the caches. Fast if `to` is a multiple of 16.
 template <class Number>
 void copyPastCaches(const Number* from, Number* to, std::size_t count) {
     const std::size_t both = 16 / sizeof(Number);
@@ -279,7 +279,7 @@ void copyPastCaches(const Number* from, Number* to, std::size_t count) {
     std::copy(from + i, from + count, to + i);
 }
 
-// Orders these stores before whatever tells another thread that they are done.
+// Makes these stores visible to other threads before any later store.
 void finishCopying() { _mm_sfence(); }
 
 #else
@@ -291,7 +291,7 @@ void finishCopying() {}
 
 #endif
 
-// Whole numbers up to here are doubles.
+// Every whole number up to here is exact as a double.
 constexpr std::int64_t MostWholeDouble = std::int64_t{1} << 53;
 
 bool isDouble(std::int64_t value) { return value >= -MostWholeDouble && value <= MostWholeDouble; }
@@ -334,7 +334,7 @@ void toDoubles(const CFastForm& form, const double* values, double* results, std
     }
 }
 
-// Whether rounding a double to a float could round it for the second time, as CLoops::Narrow.
+// Whether rounding the double to a float may round the result twice (CLoops::Narrow).
 bool mayRoundTwice(const CFastForm& form, double x) {
     float rounded = 0;
     return !form.Loops->Narrow(&x, &rounded, 1);
@@ -371,7 +371,7 @@ void convertBlocks(const CFastForm& form, const In* values, Out* results, std::s
                 divide(form, from, doubles, n);
             }
         }
-        // What is converted in place is copied before it is overwritten.
+        // Values that are converted in place are copied before they are overwritten.
         if constexpr (std::is_same_v<In, double>) {
             x = isInPlace ? wide : from;
         }

@@ -1,17 +1,19 @@
-// FastForm.h: what the fast ways need to know of a conversion. For the library's own use; not installed.
+// FastForm.h: converts with doubles alone, and with whole numbers only where that is necessary. Not
+// installed.
 //
-// The factor f > 0 lies between two doubles. Head is the lower one, and what is missing, f − Head, is less
-// than one place of it. A result is the sum of two products, Head·x + (f − Head)·x. A fused multiply-add
-// rounds this sum once, and all that is wrong with it is the rounding of the small product.
+// The factor f > 0 lies between two doubles. Head is the lower one, so f − Head is less than one last
+// place of it. A result is the sum of two products, Head·x + (f − Head)·x. A fused multiply-add rounds
+// this sum once. The only other error is the rounding of the small product.
 //
-// TailLow and TailHigh enclose f − Head so widely that the two sums made with them enclose the true result.
-// Both are rounded to the nearest double. So if they are equal, they are the double nearest to the true
-// result. Else the true result lies very close to the middle between two doubles, and whole numbers decide.
+// TailLow is a little less than f − Head, and TailHigh a little more. The two sums made with them
+// enclose the exact result before they are rounded to the nearest double. If both are the same double,
+// it is the double nearest to the exact result. If not, the exact result is very close to the middle
+// between two doubles, and whole numbers decide.
 //
-// With an offset the result is f·(x − c). The difference is computed exactly, as a sum of two doubles, but
-// for the error of c, which is also kept as two doubles.
+// With an offset the result is f·(x − c). The center c is stored as the sum of two doubles, and x − c is
+// computed as such a sum, too.
 //
-// docs/exact-fast.md has the argument, and scripts/proofs has the bounds.
+// docs/exact-fast.md has the proof, and tests/proofs has the bounds.
 #ifndef MENSOR_EXACT_FASTFORM_H
 #define MENSOR_EXACT_FASTFORM_H
 
@@ -23,46 +25,47 @@
 
 namespace mensor::exact {
 
-/// The leading 192 bits of a positive number: it is (Word[0]·2^128 + Word[1]·2^64 + Word[2])·2^Twos if
-/// IsWhole, else greater by less than 2^Twos. The highest bit of Word[0] is set.
+/// The leading 192 bits of a positive number. The number is (Word[0]·2^128 + Word[1]·2^64 +
+/// Word[2])·2^Twos if IsWhole is true, else it is greater by less than 2^Twos. The highest bit of
+/// Word[0] is set.
 struct CLeading {
     std::uint64_t Word[3];
     std::int64_t Twos;
     bool IsWhole;
 
-    /// The leading bits of numerator/denominator·2^twos; neither is zero.
+    /// Returns the leading bits of numerator/denominator·2^twos. Neither is zero.
     static CLeading ofQuotient(std::uint64_t numerator, std::uint64_t denominator,
                                std::int64_t twos);
 };
 
-/// The slow way, right for every number.
+/// The slow way to convert. It is correct for every number.
 class CSlowWay {
 public:
-    /// The result for `x`, rounded once. `x` is zero only where there is an offset.
+    /// Returns the result for `x`, rounded once. Called with zero only if there is an offset.
     virtual CNearest convert(const CNumber& x, const CFormat& format) const = 0;
 
 protected:
     ~CSlowWay() = default;
 };
 
-/// Made once for a conversion and never changed. Any thread may use it.
+/// The constants of one conversion. They never change, so any thread may use them.
 struct CFastForm {
-    /// A conversion of which nothing is known but the slow way.
+    /// A conversion that always takes the slow way.
     CFastForm(bool hasOffset, const CSlowWay* slowWay, const CLoops& loops = bestLoops());
 
-    /// A conversion with the factor `factor` and no offset. `line` is the same conversion if its numbers
-    /// are short enough, else null.
+    /// A conversion with this factor and no offset. `line` is the same conversion, or null if its
+    /// numbers are too long for CShortLine.
     CFastForm(const CLeading& factor, const CShortLine* line, const CSlowWay* slowWay,
               const CLoops& loops = bestLoops());
 
-    /// A conversion with an offset: y = factor·(x − center), or factor·(x + center) if `isNegative`.
+    /// The conversion y = factor·(x − center), or factor·(x + center) if `isNegative`.
     CFastForm(const CLeading& factor, const CLeading& center, bool isNegative,
               const CShortLine* line, const CSlowWay* slowWay, const CLoops& loops = bestLoops());
 
     double convert(double x) const { return One(*this, x); }
 
-    /// `count` values: each result has the bits that `convert` gives. The arrays are the same one or do
-    /// not overlap.
+    /// Converts `count` values. Each result has the bits that `convert` gives. The arrays are one and
+    /// the same, or do not overlap.
     void convertAll(const double* values, double* results, std::size_t count) const;
     void convertAll(const double* values, float* results, std::size_t count) const;
     void convertAll(const float* values, double* results, std::size_t count) const;
@@ -74,13 +77,13 @@ struct CFastForm {
     void convertAll(const std::int64_t* values, double* results, std::size_t count) const;
     void convertAll(const std::int64_t* values, float* results, std::size_t count) const;
 
-    /// By whole numbers; also for what is no number.
+    /// Converts with whole numbers. `x` may also be infinite or NaN.
     double convertSlowly(double x) const;
 
-    /// Rounded once to a float, by whole numbers.
+    /// The same, rounded once to a float.
     float convertSlowlyToFloat(double x) const;
 
-    /// The result for a finite number, by short whole numbers or by the slow way.
+    /// Returns the result for a finite number, by CShortLine if possible, else by the slow way.
     CNearest exactly(const CNumber& x, const CFormat& format) const;
 
     double (*One)(const CFastForm& form, double x) = nullptr;
@@ -88,20 +91,20 @@ struct CFastForm {
     double Tail = 0;     // f − Head, rounded
     double TailLow = 0;  // not negative
     double TailHigh = 0;
-    double HeadHigh = 0;  // Head = HeadHigh + HeadLow, in 26 bits each
+    double HeadHigh = 0;  // Head = HeadHigh + HeadLow, each with 26 bits
     double HeadLow = 0;
     double Center = 0;
     double CenterTail = 0;
-    double Slack = 0;        // times |x − Center|, and
-    double SlackCenter = 0;  // this: the error of the sum without the test, at most
-    std::int64_t Least = 0;  // bits of |x| for which the way is right, or decides ties
-    std::int64_t Most = 0;
-    std::int64_t LeastDistance = 0;  // bits of |x − Center| likewise
+    double Slack = 0;  // the error of an offset sum is at most Slack·|x − Center| + SlackCenter
+    double SlackCenter = 0;
+    std::int64_t Least = 0;          // the bits of the least and the greatest |x| for which the way
+    std::int64_t Most = 0;           // is correct or decides ties
+    std::int64_t LeastDistance = 0;  // the bits of the least |x − Center| likewise
     bool (*Many)(const CFastForm& form, const double* values, double* results,
                  std::size_t count) = nullptr;
 
-    // For whole numbers n up to MostWhole: y = (Scale·n + Offset)/Divisor, all of it exact but the
-    // division. MostWhole is 0 if there is no such way. 1/Divisor is about Inverse + InverseTail.
+    // For whole numbers n up to MostWhole: y = (Scale·n + Offset)/Divisor. Everything but the division is
+    // exact. MostWhole is 0 if this is not possible. Inverse + InverseTail is nearly 1/Divisor.
     double Scale = 0;
     double Offset = 0;
     double Divisor = 1;

@@ -16,7 +16,7 @@ namespace mensor::exact {
 
 namespace {
 
-// Numbers of texts, and products on the way to a conversion, end here, before they fill the memory.
+// The limit keeps a hostile text or a large product from filling the memory.
 constexpr std::size_t MostBits = 65536;
 constexpr std::int64_t MostPower = 65536;
 
@@ -32,19 +32,19 @@ std::size_t bitsOf(std::uint64_t number) {
     return number == 0 ? 0 : 64 - static_cast<std::size_t>(__builtin_clzll(number));
 }
 
-// log2(5) = 2.3219...
+// The bits of 5^fives, from log2(5) = 2.3219...
 std::size_t bitsOfFives(std::int64_t fives) {
     return static_cast<std::size_t>(fives) * 2322 / 1000 + 1;
 }
 
-// The bits that the parts of a fraction need, or up to three more.
+// An upper bound of the bits that the parts of a fraction need. It is too large by at most three.
 std::size_t boundOfBits(std::size_t numerator, std::size_t denominator, std::int64_t twos,
                         std::int64_t fives) {
     return numerator + denominator + static_cast<std::size_t>(twos < 0 ? -twos : twos) +
            (fives == 0 ? 0 : bitsOfFives(fives < 0 ? -fives : fives));
 }
 
-// Multiplies by 5^times; not at all if that is below zero. Returns false where 64 bits are too few.
+// Multiplies by 5^times. Does nothing if `times` is negative. Returns false if 64 bits are too few.
 bool multiplyByFives(std::uint64_t& number, std::int32_t times) {
     for (; times > 0; --times) {
         if (__builtin_mul_overflow(number, std::uint64_t{5}, &number)) {
@@ -54,10 +54,10 @@ bool multiplyByFives(std::uint64_t& number, std::int32_t times) {
     return true;
 }
 
-// Divides `number` by `prime` as often as that gives a whole number. Returns how often.
+// Divides `number` by `prime` as often as the result is whole. Returns how often.
 std::int64_t strip(CWhole& number, const CWhole& prime) {
     std::int64_t count = 0;
-    // Twice as many at once, then half as many.
+    // Divides by ever higher powers first, then by ever lower ones.
     CWhole power = prime;
     std::int64_t step = 1;
     while (true) {
@@ -156,7 +156,7 @@ CQuotient CParts::wholes() const {
 std::size_t CParts::bits() const {
     const std::size_t bound = boundOfBits(Numerator.bits(), Denominator.bits(), Twos, Fives);
     if (bound > MostBits + 64) {
-        return bound;  // too many anyway
+        return bound;  // larger than any limit
     }
     return numeratorWithFives().bits() + denominatorWithFives().bits() +
            static_cast<std::size_t>(Twos < 0 ? -Twos : Twos);
@@ -204,7 +204,7 @@ bool CFraction::needsMoreThan(std::size_t most) const {
 }
 
 double CFraction::toDouble() const {
-    // Of numbers of everyday size numerator and denominator are one word each.
+    // The usual case: numerator and denominator have 64 bits each.
     std::uint64_t numerator = m_Small.Numerator;
     std::uint64_t denominator = m_Small.Denominator;
     if (m_Big == nullptr && multiplyByFives(numerator, m_Small.Fives) &&
@@ -254,7 +254,7 @@ CFraction CFraction::power(int exponent) const {
     }
     const auto times = static_cast<std::size_t>(exponent);
     if ((bits() - 1) * times > MostBits + 2 * times) {
-        throwTooLarge();  // before it is computed
+        throwTooLarge();  // before computing it takes long
     }
     CParts parts(*this);
     parts.Numerator = parts.Numerator.power(exponent);
@@ -268,7 +268,7 @@ CFraction CFraction::power(int exponent) const {
 CFraction operator+(const CFraction& a, const CFraction& b) {
     CSmallFraction small = a.m_Small;
     if (a.m_Big == nullptr && b.m_Big == nullptr && small.add(b.m_Small)) {
-        return CFraction(small);  // needs hardly more bits than the two
+        return CFraction(small);  // cannot be too large
     }
     const CParts x(a);
     const CParts y(b);

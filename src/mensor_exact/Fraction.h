@@ -1,12 +1,12 @@
-// Fraction.h: exact fractions of whole numbers of any size.
+// Fraction.h: exact fractions with numerators and denominators of any size.
 //
 //     CFraction(5, 9) * CFraction(9);         // 5
 //     CFraction::ofText("98.6").toString();   // "98.6"
 //     CFraction::ofDouble(0.1) == CFraction(1, 10);  // false: the double is a little more
 //     CFraction(1, 3).toDouble();             // 0.3333333333333333, the nearest double
 //
-// Fractions are values. Numbers of everyday units fit into the object; larger ones are kept in memory
-// that copies share and nobody changes.
+// Numbers of everyday units need no memory besides the object. Larger ones are allocated, and copies
+// share them.
 #ifndef MENSOR_EXACT_FRACTION_H
 #define MENSOR_EXACT_FRACTION_H
 
@@ -21,20 +21,20 @@
 
 namespace mensor::exact {
 
-struct CParts;     // inside the library
-struct CQuotient;  // inside the library
+struct CParts;     // Parts.h, not installed
+struct CQuotient;  // Parts.h, not installed
 
 /// An exact fraction.
 ///
-/// Operations throw CError, TOO_LARGE, where a result needs more than 65,536 bits, numerator and
-/// denominator together.
+/// Operations throw CError, TOO_LARGE, if numerator and denominator of a result together need more than
+/// 65,536 bits.
 ///
 /// Class contract: caller serialises changes of one object; distinct objects any thread.
 class MENSOR_EXACT_API CFraction {
 public:
     CFraction() noexcept = default;  ///< zero
 
-    /// A whole number. Not explicit: an integer may stand for it.
+    /// A whole number. Implicit, so that an integer can be passed as a fraction.
     CFraction(std::int64_t whole);
 
     /// @throws CError  DIVISION_BY_ZERO.
@@ -42,39 +42,40 @@ public:
 
     explicit CFraction(const CSmallFraction& small) noexcept : m_Small(small) {}
 
-    /// This fraction in fixed room. Returns false, and changes nothing, where 64 bits are too few.
+    /// Converts to a CSmallFraction. Returns false and changes nothing if 64 bits are too few.
     bool toSmall(CSmallFraction& small) const noexcept {
         small = m_Big == nullptr ? m_Small : small;
         return m_Big == nullptr;
     }
 
-    /// What the double is, exactly.
+    /// Returns the exact value of a double.
     /// @throws CError  BAD_NUMBER: infinity or NaN.
     static CFraction ofDouble(double value);
 
-    /// A decimal number: an optional sign, ASCII digits with at most one point, an optional exponent
-    /// after "e" or "E". Never depends on the locale.
-    /// @throws CError  BAD_NUMBER, or TOO_LARGE.
+    /// Reads a decimal number: an optional sign, ASCII digits with at most one point, an optional
+    /// exponent after "e" or "E". The locale plays no part.
+    /// @throws CError  BAD_NUMBER, TOO_LARGE.
     static CFraction ofText(std::string_view text);
 
     bool isOne() const noexcept { return m_Big == nullptr && m_Small == CSmallFraction(1); }
     bool isZero() const noexcept { return m_Small.isZero() && m_Big == nullptr; }
     bool isNegative() const noexcept { return m_Small.Negative; }
 
-    /// The bits of the numerator and of the denominator in lowest terms, together.
+    /// Returns the number of bits of the numerator and the denominator together, in lowest terms.
     std::size_t bits() const;
 
-    /// Whether bits() is above `most`. Costs next to nothing where it is far from it.
+    /// Whether bits() is greater than `most`. Faster than bits(), unless both are nearly equal.
     bool needsMoreThan(std::size_t most) const;
 
     double toDouble() const;  ///< the nearest double, ties to even
 
-    /// Digits if the number is whole or a decimal of at most 17 digits, else a quotient: "25.4",
+    /// Returns digits if the number is whole or a decimal of at most 17 digits, else a quotient: "25.4",
     /// "1e-24", "5/9", "-160/9".
     std::string toString() const;
 
     CFraction operator-() const;
-    CFraction power(int exponent) const;  ///< @throws CError  DIVISION_BY_ZERO: zero to below zero.
+    /// @throws CError  DIVISION_BY_ZERO: zero to a negative power.
+    CFraction power(int exponent) const;
     friend MENSOR_EXACT_API CFraction operator+(const CFraction& a, const CFraction& b);
     friend MENSOR_EXACT_API CFraction operator-(const CFraction& a, const CFraction& b);
     friend MENSOR_EXACT_API CFraction operator*(const CFraction& a, const CFraction& b);
@@ -86,7 +87,7 @@ public:
 private:
     friend struct CParts;
 
-    CSmallFraction m_Small;  // with m_Big, sign and powers only; the numerator is then 0
+    CSmallFraction m_Small;  // if m_Big is set, only the sign and the powers of 2 and 5
     std::shared_ptr<const CQuotient> m_Big;
 };
 

@@ -1,10 +1,11 @@
-// LoopBodies.h: the fast ways of converting. Each file that includes this compiles them for another kind of
-// processor, under the name MENSOR_LOOPS. For the library's own use; not installed.
+// LoopBodies.h: the loops of the fast conversions. Each file that includes this header compiles them for
+// another kind of processor, under the name MENSOR_LOOPS. Not installed.
 //
-// No inline function of another header is called here. Compiled for a new processor, it might be the one
-// copy that the linker keeps for all.
+// This header calls no inline function of another header. The linker keeps only one copy of such a
+// function, and that copy might be one for a new processor.
 //
-// Each loop is a row of operations on each element alone, so the width of the vectors cannot change a bit.
+// Each loop computes every element separately, so the width of the vectors does not influence the
+// results.
 #include <cstddef>
 #include <cstdint>
 
@@ -34,8 +35,7 @@ inline double doubleOfBits(std::int64_t bits) {
     return x;
 }
 
-// The bits of the size of x, less one: of a zero they are the largest there are. Without a sign, since the
-// bits of -0.0 are the smallest number with one.
+// The bits of |x| less one, without the sign bit. A zero thus gives the largest number of all.
 inline std::int64_t sizeLessOne(double x) {
     const std::uint64_t bits = static_cast<std::uint64_t>(bitsOfDouble(x));
     return static_cast<std::int64_t>(bits - 1U) & Magnitude;
@@ -43,12 +43,12 @@ inline std::int64_t sizeLessOne(double x) {
 
 #if MENSOR_FUSED
 
-// Head·x + tail·x; the whole sum is rounded once.
+// Head·x + tail·x. The whole sum is rounded once.
 inline double scaled(const CFastForm& form, double x, double tail) {
     return __builtin_fma(form.Head, x, tail * x);
 }
 
-// Negative if x is too small, but not zero. The result could be subnormal then, and the small product not
+// Negative if x is too small, but not zero. Then the result could be subnormal, and the small product not
 // exact enough.
 inline std::int64_t range(const CFastForm& form, double x) { return sizeLessOne(x) - form.Least; }
 
@@ -67,8 +67,8 @@ private:
 
 #else
 
-// What rounding added to the product `product` = Head·x, exactly. Both factors are split into halves whose
-// products are exact. Positive zero for a zero.
+// The exact rounding error of `product` = Head·x: what rounding has added. Both factors are split into
+// halves whose products are exact. Returns +0 if the product is zero.
 inline double addedTo(double product, const CFastForm& form, double x) {
     const double c = x * 134217729.0;
     const double high = c - (c - x);
@@ -77,13 +77,13 @@ inline double addedTo(double product, const CFastForm& form, double x) {
            low * form.HeadLow;
 }
 
-// The difference keeps the sign of a zero, which a sum would lose.
+// A difference, since a sum would lose the sign of a zero.
 inline double scaled(const CFastForm& form, double x, double tail) {
     const double product = form.Head * x;
     return product - (addedTo(product, form, x) - tail * x);
 }
 
-// Negative if x is too small, but not zero, or too large to be split, or no number.
+// Negative if x is too small but not zero, too large to be split, or NaN.
 inline std::int64_t range(const CFastForm& form, double x) {
     return (sizeLessOne(x) - form.Least) | (form.Most - (bitsOfDouble(x) & Magnitude));
 }
@@ -100,14 +100,14 @@ private:
 
 #endif
 
-// Head·(x − Center) and the limits of the true result.
+// The limits of the exact result f·(x − c), both rounded to doubles.
 struct COffsetSum {
     double Low;
     double High;
     double Distance;
 
     COffsetSum(const CFastForm& form, double x) {
-        // x − Center = difference + error, exactly, whichever is larger.
+        // x − Center = difference + error, exactly, also if x is the smaller one.
         const double difference = x - form.Center;
         const double part = difference - x;
         const double error = (x - (difference - part)) + (-form.Center - part);
@@ -130,7 +130,7 @@ struct COffsetSum {
     }
 };
 
-// How far |x| is above the least one. Less than that is more than all others.
+// The distance of |x| above the least |x|. It wraps around to a very large number if |x| is less.
 inline std::uint64_t aboveLeast(const CFastForm& form, double x) {
     return static_cast<std::uint64_t>(bitsOfDouble(x) & Magnitude) -
            static_cast<std::uint64_t>(form.Least);
@@ -139,7 +139,7 @@ inline std::uint64_t mostAboveLeast(const CFastForm& form) {
     return static_cast<std::uint64_t>(form.Most) - static_cast<std::uint64_t>(form.Least);
 }
 
-// Greater if it is nearer to zero.
+// The greater, the closer to zero the distance is.
 inline std::uint64_t nearness(double distance) {
     return static_cast<std::uint64_t>(~bitsOfDouble(distance) & Magnitude);
 }
@@ -147,13 +147,13 @@ inline std::uint64_t mostNearness(const CFastForm& form) {
     return static_cast<std::uint64_t>(Magnitude - form.LeastDistance);
 }
 
-// Whether two different limits show a tie, where x is.
+// Whether the exact result for x is a tie if its two limits differ.
 inline bool showTie(const CFastForm& form, double x, double distance) {
     return aboveLeast(form, x) <= mostAboveLeast(form) && nearness(distance) <= mostNearness(form);
 }
 
-// Whether all of many values whose two limits differ are where that shows a tie, and none is too near to the
-// center.
+// Whether many values all can be decided here: no value is too close to the center, and if the limits
+// of a value differ, its result is a tie.
 class CTies {
 public:
     void add(const CFastForm& form, double x, const COffsetSum& sum) {
@@ -172,13 +172,13 @@ private:
     std::uint64_t m_Nearness = 0;
 };
 
-// Of two neighbours or equals the one whose last bit is 0.
+// Returns the one of two neighbours whose last bit is 0. They may also be equal.
 inline double evenOf(double low, double high) { return (bitsOfDouble(low) & 1) == 0 ? low : high; }
 
-// The same of results that are not next to the smallest numbers, for loops.
+// The same, faster, for results that are not nearly subnormal.
 inline double middleOf(double low, double high) {
 #if MENSOR_FUSED
-    // The middle is rounded to the even one.
+    // The middle is a tie, which the processor rounds to the even neighbour.
     return __builtin_fma(0.5, low, 0.5 * high);
 #else
     return evenOf(low, high);
@@ -200,7 +200,7 @@ double ties(const CFastForm& form, double x) {
     if (__builtin_expect(range(form, x) < 0, 0)) {
         return form.convertSlowly(x);
     }
-    // Asking first whether there is a choice: that is foreseen better than the last bit.
+    // Tests for equality first: the processor predicts this better than the last bit.
     return __builtin_expect(low == high, 1) ? low : evenOf(low, high);
 }
 
@@ -225,7 +225,7 @@ bool slowlyAll(const CFastForm& form, const double* values, double* results, std
     return true;
 }
 
-// The loops copy the form, since a compiler must otherwise expect that a result changes it.
+// The loops copy the form. Otherwise the compiler must assume that storing a result changes it.
 
 bool multiplyAll(const CFastForm& form, const double* __restrict values, double* __restrict results,
                  std::size_t count) {
@@ -254,7 +254,7 @@ bool tiesAll(const CFastForm& form, const double* __restrict values, double* __r
     CRanges ranges;
     for (std::size_t i = 0; i < count; ++i) {
         const double x = values[i];
-        // Of the two the second is farther from zero by 0 or 1 in its last place.
+        // `high` is farther from zero than `low` by 0 or 1 in the last place.
         const std::int64_t low = bitsOfDouble(scaled(local, x, local.TailLow));
         const std::int64_t high = bitsOfDouble(scaled(local, x, local.TailHigh));
         results[i] = doubleOfBits(low + ((high - low) & low));
@@ -292,8 +292,8 @@ bool offsetAll(const CFastForm& form, const double* __restrict values, double* _
     return ties.areGood(local);
 }
 
-// The numerator is exact. A fused multiply-add divides it by multiplying it by 1/Divisor, which rounds right
-// as any factor whose numerator is 1.
+// The numerator is exact. With a fused multiply-add, it is multiplied by 1/Divisor instead of divided.
+// The result is correctly rounded, as for every factor with the numerator 1.
 template <class Number>
 void divideAll(const CFastForm& form, const Number* __restrict values, double* __restrict results,
                std::size_t count) {
@@ -315,8 +315,8 @@ void widenAll(const Number* __restrict values, double* __restrict results, std::
     }
 }
 
-// A double that lies in the middle between two floats may have been rounded to it. Then rounding again
-// would go the wrong way. The same is possible for all that becomes a subnormal float.
+// A double in the middle between two floats may be the result of rounding. Then rounding it again may
+// go the wrong way. The same is possible for a double that becomes a subnormal float.
 bool narrowAll(const double* __restrict values, float* __restrict results, std::size_t count) {
     std::int64_t worst = 0;
     for (std::size_t i = 0; i < count; ++i) {

@@ -13,7 +13,7 @@ namespace mensor::exact {
 
 namespace {
 
-// What is measured in units of these exponents, in the order of the slots.
+// The name of a quantity and its exponents, in the order of SlotNames.
 struct CKind {
     std::int8_t A, K, cd, kg, m, mol, s;
     const char* Name;
@@ -72,7 +72,7 @@ CMeaning::CMeaning() noexcept = default;
 CMeaning::CMeaning(const CMeaning& other) = default;
 CMeaning::CMeaning(CMeaning&& other) noexcept = default;
 CMeaning& CMeaning::operator=(const CMeaning& other) {
-    CMeaning copy = other;  // which may run out of memory, with nothing changed
+    CMeaning copy = other;  // if this throws, nothing has changed
     return *this = std::move(copy);
 }
 CMeaning& CMeaning::operator=(CMeaning&& other) noexcept = default;
@@ -206,7 +206,7 @@ CMeaning CMeaning::difference() const {
     return result;
 }
 
-// Multiplies factor and other dimensions by those of `other` to the power `exponent`.
+// Multiplies by other^exponent everything but the exponents of the slots.
 void CMeaning::multiplyRest(const CMeaning& other, CExponent exponent) {
     CFactor factor = exponent == CExponent(1)    ? m_Factor * other.m_Factor
                      : exponent == CExponent(-1) ? m_Factor / other.m_Factor
@@ -298,7 +298,7 @@ std::string CMeaning::toString() const {
     return text;
 }
 
-// Null where the library has no name for these dimensions.
+// Returns null if the library has no name for these dimensions.
 const char* CMeaning::nameOfKind() const noexcept {
     if (!m_Others.empty()) {
         return nullptr;

@@ -1,4 +1,4 @@
-// Meaning.h: what a unit means, exactly.
+// Meaning.h: the exact meaning of a unit: its dimension, factor and offset.
 //
 //     const auto newton = CMeaning::base("kg") * CMeaning::base("m") / CMeaning::base("s").power(2);
 //     newton.toString();                                     // "kg·m/s²"
@@ -6,15 +6,15 @@
 //     CMeaning::base("K").shifted(CFraction::ofText("273.15")).toString();  // "K + 273.15"
 //     CMeaning::base("rad").isCompatibleWith(CMeaning());     // true: a mark counts as one
 //
-// A meaning is the exact exponents of dimensions and marks, and the exact map to the base units: a
-// value x of the unit is factor·x + offset of them.
+// A meaning has the exponents of dimensions and marks, and the conversion to base units: the value x in
+// the unit is factor·x + offset in base units. All of them are exact.
 //
-// Dimensions are the seven base units of the SI, and any number of others by their names: a program's
-// own base unit, a currency, pieces. Marks are the radian, the steradian and the bit. They count as
-// one where units are compared, but are kept with their exponents and can be asked for.
+// Each of the seven base units of the SI is a dimension. A program can add others by name: a currency, a
+// piece. The radian, the steradian and the bit are marks: they count as one when units are compared, but
+// their exponents are kept.
 //
-// Meanings are values, and need no memory beside the object unless numbers are large or a dimension
-// has a name of its own.
+// A meaning needs no memory besides the object, unless its numbers are large or it has dimensions that
+// are not of the SI.
 #ifndef MENSOR_EXACT_MEANING_H
 #define MENSOR_EXACT_MEANING_H
 
@@ -43,10 +43,10 @@ struct CPower {
     }
 };
 
-/// What a unit means.
+/// The meaning of a unit.
 ///
-/// Operations throw CError: EXPONENT_RANGE and TOO_LARGE as CExponent and CFactor do, and what is
-/// named beside them.
+/// Operations throw CError: EXPONENT_RANGE and TOO_LARGE as CExponent and CFactor do, and the errors that
+/// their comments name.
 ///
 /// Class contract: caller serialises changes of one object; distinct objects any thread.
 class MENSOR_EXACT_API CMeaning {
@@ -58,72 +58,73 @@ public:
     CMeaning& operator=(CMeaning&& other) noexcept;
     ~CMeaning();
 
-    /// What a table of constants holds. Needs memory only for a dimension with a name of its own.
+    /// The meaning of an entry of a table of constants. Allocates only for a dimension that is not of
+    /// the SI.
     explicit CMeaning(const CSmallMeaning& small);
 
-    /// This meaning in fixed room. Returns false where it does not fit: it has roots, large numbers or
-    /// several dimensions with names of their own. The result then refers to nothing; else its `Own`
-    /// refers to this object.
+    /// Converts to a CSmallMeaning, whose `Own` then refers to this object. Returns false if this meaning
+    /// has roots, large numbers or several dimensions that are not of the SI. Then `Own` is empty.
     bool toSmall(CSmallMeaning& small) const noexcept;
 
-    /// A base unit of the SI ("A", "K", "cd", "kg", "m", "mol", "s"), a mark ("rad", "sr", "bit"), or
-    /// with any other name a dimension of its own.
+    /// Returns a base unit of the SI ("A", "K", "cd", "kg", "m", "mol", "s"), a mark ("rad", "sr",
+    /// "bit"), or, for any other name, the base unit of a dimension with that name.
     /// @throws CError  SYNTAX: an empty name.
     static CMeaning base(std::string_view name);
 
     const CFactor& factor() const noexcept { return m_Factor; }    ///< base units per unit
     const CFraction& offset() const noexcept { return m_Offset; }  ///< in base units
 
-    std::vector<CPower> dimensions() const;  ///< sorted by name, the SI's before others
+    std::vector<CPower> dimensions() const;  ///< sorted by name, those of the SI first
     std::vector<CPower> marks() const;       ///< sorted: bit, rad, sr
     CExponent exponentOf(std::string_view name) const noexcept;  ///< 0 if absent
 
-    /// Whether values of one can be converted to the other: the dimensions are the same.
+    /// Whether the dimensions are the same, so that values can be converted.
     bool isCompatibleWith(const CMeaning& other) const noexcept;
     bool hasMarksOf(const CMeaning& other) const noexcept;
 
-    /// The unit of which a value x is `factor`·x of this one. A zero of its own stays where it is.
+    /// Returns the unit in which the value x is `factor`·x in this unit. An offset is kept.
     /// @throws CError  OFFSET_NOT_RATIONAL.
     CMeaning scaled(const CFactor& factor) const;
 
-    /// The unit of which a value x is x + `offset` of this one.
+    /// Returns the unit in which the value x is x + `offset` in this unit.
     /// @throws CError  OFFSET_NOT_RATIONAL: the factor of this unit has π or a root.
     CMeaning shifted(const CFraction& offset) const;
 
-    /// The same without offset: the unit of differences.
+    /// Returns the unit of differences: this unit without its offset.
     CMeaning difference() const;
 
     /// @throws CError  OFFSET_IN_PRODUCT, unless the exponent is 1.
     CMeaning power(CExponent exponent) const;
-    /// @throws CError  OFFSET_IN_PRODUCT, with this unchanged, as with all errors.
+    /// Multiplies this by other^exponent.
+    /// @throws CError  OFFSET_IN_PRODUCT. This meaning is then unchanged.
     void multiplyBy(const CMeaning& other, CExponent exponent = 1);
 
     /// @throws CError  OFFSET_IN_PRODUCT.
     friend MENSOR_EXACT_API CMeaning operator*(const CMeaning& a, const CMeaning& b);
     friend MENSOR_EXACT_API CMeaning operator/(const CMeaning& a, const CMeaning& b);
 
-    /// Exactly equal: dimensions, marks, factor and offset.
+    /// Whether dimensions, marks, factor and offset are equal.
     friend MENSOR_EXACT_API bool operator==(const CMeaning& a, const CMeaning& b) noexcept;
     friend bool operator!=(const CMeaning& a, const CMeaning& b) noexcept { return !(a == b); }
 
     /// "kg·m/s²", "0.001 m³", "K + 273.15", "π/180 rad", "1".
     std::string toString() const;
 
-    /// The base units alone: "kg·m/s²", "1".
+    /// Returns the base units without factor and offset: "kg·m/s²", "1".
     std::string unitsText() const;
 
-    /// What is measured: "length", "pressure", "angle", "number"; where the library has no name for
-    /// it, the base units.
+    /// Returns the name of the quantity: "length", "pressure", "angle", "number". If the library has no
+    /// name for it, returns the base units.
     std::string kind() const;
 
-    /// Whether the library has a name for what is measured.
+    /// Whether the library has a name for the quantity.
     bool hasNamedKind() const noexcept;
 
 private:
     friend class CTable;
 
     static constexpr std::size_t Dimensions = 7;
-    static constexpr std::size_t Slots = 10;  // and the marks
+    static constexpr std::size_t Slots = 10;  // dimensions of the SI and marks
 
     using CExponents = std::array<CExponent, Slots>;
 
@@ -134,7 +135,7 @@ private:
 
     void multiplyRest(const CMeaning& other, CExponent exponent);
 
-    CExponents m_Exponents;        // sorted by name: the SI's, then marks
+    CExponents m_Exponents;        // in the order of SlotNames (Slots.h)
     std::vector<CPower> m_Others;  // sorted by name
     CFactor m_Factor;
     CFraction m_Offset;

@@ -1,4 +1,5 @@
-// NameIndex.h: a hash table of names that the compiler makes. For the libraries' own use; not installed.
+// NameIndex.h: a constant hash table of names, computed by the compiler. For mensor's own libraries;
+// not installed.
 #ifndef MENSOR_EXACT_NAMEINDEX_H
 #define MENSOR_EXACT_NAMEINDEX_H
 
@@ -8,7 +9,7 @@
 
 namespace mensor::exact {
 
-/// The same as ==, but quickly computed by the compiler, too.
+/// The same as ==, but with fewer steps in a constant expression.
 constexpr bool isEqual(std::string_view a, std::string_view b) {
     if (a.size() != b.size()) {
         return false;
@@ -21,14 +22,14 @@ constexpr bool isEqual(std::string_view a, std::string_view b) {
     return true;
 }
 
-/// Finds rows of a table by their names. Each name is next to the place where it should be; of several
-/// rows with one name the first one comes first.
+/// Finds rows of a table by name, with linear probing. If several rows have one name, the first row is
+/// found first.
 template <std::size_t Rows>
 class CNameIndex {
 public:
     static constexpr std::size_t None = static_cast<std::size_t>(-1);
 
-    /// nameOf(row) gives the names.
+    /// `nameOf(row)` returns the name of a row.
     template <class NameOf>
     explicit constexpr CNameIndex(const NameOf& nameOf) {
         static_assert(Rows < 65535);
@@ -41,7 +42,7 @@ public:
         }
     }
 
-    /// The row with this name, or None. fits(row) tells whether the row has it.
+    /// Returns the row with this name, or None. `fits(row)` tells whether a row has the name.
     template <class Fits>
     constexpr std::size_t find(std::string_view name, const Fits& fits) const {
         for (std::size_t place = placeOf(name); m_Places[place] != 0;
@@ -73,7 +74,7 @@ private:
 
     static constexpr std::size_t Places = placesFor(Rows);
 
-    std::uint16_t m_Places[Places] = {};  // a row + 1 where one is
+    std::uint16_t m_Places[Places] = {};  // a row plus 1; 0 if the place is empty
 };
 
 }  // namespace mensor::exact

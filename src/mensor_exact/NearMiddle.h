@@ -1,8 +1,8 @@
-// NearMiddle.h: for which factors no test is needed, since no product comes too close to the middle between
-// two doubles. For the library's own use; not installed.
+// NearMiddle.h: finds the factors whose products never come too close to the middle between two
+// doubles. For these factors a fast conversion needs no test. Not installed.
 //
-// The argument is in docs/exact-fast.md. It holds for every precision, so the functions here take the number
-// of bits, and a test tries all products of a small one.
+// docs/exact-fast.md has the proof. It holds for every precision. So the functions take the number of
+// bits, and a test tries all products with few bits.
 #ifndef MENSOR_EXACT_NEARMIDDLE_H
 #define MENSOR_EXACT_NEARMIDDLE_H
 
@@ -12,30 +12,31 @@
 
 namespace mensor::exact {
 
-/// Odd parts of numerator and denominator up to this keep every product that is no tie far enough from the
-/// middle.
+/// If the odd parts of numerator and denominator are at most this, every product is a tie or far enough
+/// from the middle.
 constexpr std::uint64_t mostOddPart(int bits) { return std::uint64_t{1} << (bits - 8); }
 
-/// Whether a number of `bits` bits times numerator/denominator can be a tie; both are odd, coprime and at
-/// most `mostOddPart(bits)`.
+/// Whether a number of `bits` bits times numerator/denominator can be a tie. Both are odd, coprime and
+/// at most `mostOddPart(bits)`.
 constexpr bool hasTies(int bits, std::uint64_t numerator, std::uint64_t denominator) {
-    // A tie is an odd number of bits + 1 bits. It is an odd multiple of the numerator, and the same multiple
-    // of the denominator is the number that it comes from, but for a power of two. The numerator is so small
-    // that its first odd multiple from 2^bits on has no more bits.
+    // A tie is an odd number of bits + 1 bits and an odd multiple of the numerator. The number that
+    // gives it is the same multiple of the denominator, times a power of two. The numerator is so small
+    // that its first odd multiple above 2^bits has bits + 1 bits.
     const std::uint64_t end = std::uint64_t{1} << bits;
     const std::uint64_t multiple = ((end + numerator - 1) / numerator) | 1;
     return multiple * denominator < end;
 }
 
-/// Calls `visit(n)` for each n from 1 to `end` − 1, in their order, for which n·alpha is nearer than `reach`
-/// to a whole number. `alpha` and `reach` are fractions of 2^128. Gives false as soon as `visit` does, and
-/// if that would take too long.
+/// Calls `visit(n)` for each n from 1 to `end` − 1, in ascending order, for which the distance of
+/// n·alpha from a whole number is less than `reach`. `alpha` and `reach` are in units of 2^-128.
+/// Returns false if `visit` returns false or this would take too long.
 template <class Visit>
 bool visitNearWholes(const CTwoWords& alpha, const CTwoWords& reach, std::uint64_t end,
                      Visit visit) {
     const CTwoWords width = reach + reach;
-    // The first numbers whose multiples of alpha are above and below a whole number by less than the width.
-    // On the way each sum of two such numbers is the next that comes nearer than all before.
+    // Finds the smallest numbers whose multiples of alpha are above and below a whole number by less
+    // than the width. In each step, the sum of both numbers is the next one whose multiple is closer
+    // than all before.
     CTwoWords above = alpha;
     CTwoWords below = CTwoWords() - alpha;
     std::uint64_t stepAbove = 1;
@@ -55,8 +56,8 @@ bool visitNearWholes(const CTwoWords& alpha, const CTwoWords& reach, std::uint64
             stepBelow += stepAbove;
         }
     }
-    // Zero is in the middle of the interval. From each hit the next one is one of these steps away, or their
-    // sum.
+    // Zero is in the middle of the interval. The next number whose multiple is in the interval is one
+    // of the two steps further, or their sum.
     CTwoWords place = reach;
     std::uint64_t n = 0;
     for (int left = 300; left > 0; --left) {
@@ -81,36 +82,39 @@ bool visitNearWholes(const CTwoWords& alpha, const CTwoWords& reach, std::uint64
     return false;
 }
 
-/// Whether `compute` rounds every product right, though it only comes within 2^(3 − bits) of a place of it.
+/// Whether `compute` rounds every product correctly, if its error before rounding is at most 2^(3 −
+/// bits) of the last place.
 ///
-/// The factor is `twice`/2^190 or more than that by less than 2^-190, from 1 to below 2 after halving, with
-/// `twice` of three words. `compute(n)` gives the factor times n, rounded to `bits` bits, for n of that many
-/// bits. Gives false where that is not so, where a product may be a tie, and where finding out would take
-/// too long.
+/// `compute(n)` returns the factor times n, rounded to `bits` bits, for any n of `bits` bits. The
+/// factor is from 1 to 2. `twice`, of three words, is twice the factor in units of 2^-190, rounded
+/// down.
+///
+/// Returns false also if a product may be a tie, or finding out would take too long.
 template <class Compute>
 bool isNeverNearMiddle(int bits, const std::uint64_t (&twice)[3], Compute compute) {
     const std::uint64_t whole = twice[0] >> 62;
     const CTwoWords fraction = {twice[0] << 2 | twice[1] >> 62, twice[1] << 2 | twice[2] >> 62};
     const std::uint64_t first = std::uint64_t{1} << (bits - 1);
-    // Two places of the larger products, twice, and a little for the bits that are not in `fraction`.
+    // Twice two places of the larger products, and a little more for the bits that `fraction` lacks.
     const CTwoWords reach =
         shiftedLeft({0, 1}, 128 - (bits - 5)) + CTwoWords{std::uint64_t{1} << 4, 0};
     return visitNearWholes(fraction, reach, 2 * first, [&](std::uint64_t n) {
         if (n < first) {
             return true;
         }
-        // 2·factor·n = middle + away/2^128, where away is not in the first half if it is below zero.
+        // 2·factor·n = middle + away/2^128. A negative `away` is stored modulo 2^128.
         const CTwoWords high = product(n, fraction.High);
         const CTwoWords sum = CTwoWords{0, product(n, fraction.Low).High} + high;
         const CTwoWords away = {sum.Low, n * fraction.Low};
         const bool isBelow = away.High >> 63 != 0;
         const std::uint64_t middle = n * whole + sum.High + (isBelow ? 1 : 0);
-        const bool isLarge = middle >= 4 * first;  // a place of the product is 2, and 4 here
+        const bool isLarge =
+            middle >= 4 * first;  // the last place is 2 in the product, and 4 in `middle`
         const std::uint64_t half = isLarge ? 2 : 1;
         if (middle % (2 * half) != half) {
             return true;
         }
-        // Nearer than this the missing bits could decide, or nothing could: a tie.
+        // So close to the middle, the missing bits could decide, or the product is a tie.
         const std::uint64_t distance = isBelow ? 0 - away.High : away.High;
         if (distance <= std::uint64_t{1} << 4) {
             return false;

@@ -50,7 +50,7 @@ CNearest nearest(const CFormat& format, bool isNegative, std::uint64_t mantissa,
     if (twos + drop < format.LeastTwos) {
         drop = format.LeastTwos - twos;
     }
-    // With 64 bits or more to drop, at most half of the smallest number remains: 64 tells which.
+    // If more than 64 bits are dropped, the number is less than half of the smallest one.
     if (drop > 64) {
         return {sign, false};
     }
@@ -61,7 +61,8 @@ CNearest nearest(const CFormat& format, bool isNegative, std::uint64_t mantissa,
         ++kept;
     }
 
-    // A mantissa that has become a power of two carries into the exponent, the largest one into infinity.
+    // If rounding up gives a power of two, the addition increments the exponent. The largest number
+    // becomes infinity.
     std::uint64_t bits = kept;
     if (kept >> stored != 0) {
         const std::int64_t exponent = twos + drop - format.LeastTwos;

@@ -62,11 +62,11 @@ bool isNearer(const CNearestNames::CNear& a, const CNearestNames::CNear& b) {
 
 CNearestNames::CNearestNames(std::string_view unknown) {
     m_HasNone = !read(unknown, m_Unknown) || m_Unknown.Size > Longest;
-    // A name of one letter is one edit away from every other: only its case tells anything.
+    // A name of one letter is one change away from every other such name, so only its case counts.
     m_Farthest = m_Unknown.Size < 2 ? 0 : m_Unknown.Size < 5 ? 1 : MostEdits;
 }
 
-// Returns false where the text is too long to be near.
+// Returns false if the text is too long.
 bool CNearestNames::read(std::string_view text, CLetters& letters) {
     std::size_t length = 0;
     for (std::size_t at = 0; at < text.size(); at += length) {

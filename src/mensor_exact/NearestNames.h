@@ -1,4 +1,5 @@
-// NearestNames.h: what an unknown name may have meant. For mensor's own libraries; not installed.
+// NearestNames.h: finds the known names that an unknown name may mean. For mensor's own libraries; not
+// installed.
 #ifndef MENSOR_EXACT_NEARESTNAMES_H
 #define MENSOR_EXACT_NEARESTNAMES_H
 
@@ -51,19 +52,19 @@ public:
     /// Keeps a name if it is near and one of the nearest twelve.
     void add(std::string_view known);
 
-    /// A known name.
+    /// A known name that is near.
     struct CNear {
         std::string Name;
-        std::size_t Distance;       ///< whatever the case
-        std::size_t ExactDistance;  ///< with it
-        bool IsRare;                ///< has a prefix that is hardly used, as "Eg"
+        std::size_t Distance;       ///< the number of changes, ignoring case
+        std::size_t ExactDistance;  ///< the number of changes, with case
+        bool IsRare;                ///< whether the prefix is rarely used, as in "Eg"
     };
 
     /// The nearest ones, best first, at most twelve.
     const std::vector<CNear>& best() const { return m_Found; }
 
 private:
-    static constexpr std::size_t Longest = 24;  // code points of an unknown name
+    static constexpr std::size_t Longest = 24;  // the most code points of an unknown name
     static constexpr std::size_t MostEdits = 2;
 
     // A name as code points, also in small letters.

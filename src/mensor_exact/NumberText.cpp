@@ -11,7 +11,7 @@ namespace {
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-// Whether `text` begins with `word`, in whatever case, and the word ends there.
+// Whether the first word of `text` is `word`, in small or capital letters.
 bool beginsWithWord(std::string_view text, std::string_view word) {
     if (text.size() < word.size() || !std::equal(word.begin(), word.end(), text.begin(),
                                                  [](char w, char t) { return (t | 0x20) == w; })) {
@@ -92,7 +92,7 @@ private:
                       "a value must begin with a number");
     }
 
-    // Alone "1" is a unit; behind a number it is rather a slip of the pen.
+    // As a unit alone, "1" is accepted. After a number it is probably a mistake.
     bool unit() {
         CCursor cursor(m_Text, m_Number.Whole.End);
         cursor.skipBlanks();

@@ -1,4 +1,4 @@
-// NumberText.h: the number at the beginning of a value. For mensor's own libraries; not installed.
+// NumberText.h: finds the number at the beginning of a value. For mensor's own libraries; not installed.
 #ifndef MENSOR_EXACT_NUMBERTEXT_H
 #define MENSOR_EXACT_NUMBERTEXT_H
 
@@ -13,19 +13,19 @@ namespace mensor::exact {
 
 enum class eNumber : std::uint8_t { DECIMAL, NAN_WORD, INFINITY_WORD };
 
-/// Where the parts of a value stand in its text.
+/// The parts of a value in its text.
 struct CNumberText {
     eNumber Kind = eNumber::DECIMAL;
     bool IsNegative = false;
     CSpan Size;                 ///< the number without its sign, as std::from_chars reads it
     CSpan Whole;                ///< the number with its sign
-    std::size_t UnitBegin = 0;  ///< behind the number and blanks
+    std::size_t UnitBegin = 0;  ///< after the number and blanks
 };
 
-/// Finds the number at the beginning of a value. Words such as "inf" are refused unless
-/// `mayBeNotFinite`. Refuses, too, what stands for a second number in place of the unit.
+/// Finds the number at the beginning of a value. Refuses words such as "inf" unless `mayBeNotFinite`.
+/// Also refuses a second number in place of the unit.
 ///
-/// Returns false where the text is refused. Needs no memory.
+/// Returns false and sets `refusal` if the text is refused. Allocates no memory.
 MENSOR_EXACT_API bool findNumber(std::string_view text, bool mayBeNotFinite, CNumberText& number,
                                  CRefusal& refusal) noexcept;
 

@@ -8,7 +8,7 @@ namespace mensor::exact {
 
 namespace {
 
-// The definition of a factor. CFactor::toString is one, unless a quotient stands under its root.
+// Returns the definition of a factor. CFactor::toString() is one, unless it has the root of a quotient.
 std::string definitionOf(const CFactor& factor) {
     if (factor.root() == 1 || CParts(factor.radicand()).wholes().Denominator.isOne()) {
         return factor.toString();
@@ -40,7 +40,7 @@ std::string definitionOf(const CMeaning& meaning) {
         text += " " + units;
     }
     if (!meaning.offset().isZero()) {
-        // Where there is an offset, the factor is a fraction.
+        // If there is an offset, the factor is a fraction.
         text += ", offset " + (meaning.offset() / meaning.factor().radicand()).toString();
     }
     return text;

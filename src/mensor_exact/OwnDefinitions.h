@@ -1,4 +1,4 @@
-// OwnDefinitions.h: what a program has added to a catalogue. For the library's own use; not installed.
+// OwnDefinitions.h: the definitions that a program has added to a catalogue. Not installed.
 #ifndef MENSOR_EXACT_OWNDEFINITIONS_H
 #define MENSOR_EXACT_OWNDEFINITIONS_H
 
@@ -13,7 +13,7 @@
 
 namespace mensor::exact {
 
-/// A program's definitions.
+/// The definitions of a program.
 struct COwnDefinitions {
     struct CEntry {
         std::string Text;
@@ -27,15 +27,15 @@ struct COwnDefinitions {
         return {named.first, entry.Text, entry.English, entry.Source, ePack::OWN};
     }
 
-    /// Adds an entry. Definitions that use a name which it takes away are written in base units from
-    /// then on: they keep their meaning.
+    /// Adds an entry. With `takesAway`, definitions that use the name so far are written again in base
+    /// units, so they keep their meaning.
     void add(std::string_view name, CEntry entry, bool takesAway);
 
     std::map<std::string, CEntry, std::less<>> Entries;
-    bool TakesAway = false;  ///< whether a name may be one of the built-in ones, too
+    bool TakesAway = false;  ///< whether a built-in unit may have one of the names, too
 };
 
-/// A catalogue that grows name by name.
+/// Builds a catalogue name by name.
 class CCatalogueBuilder {
 public:
     explicit CCatalogueBuilder(const CCatalogue& catalogue);
@@ -46,7 +46,7 @@ public:
     /// What is there so far. It changes with every name that is added.
     const CCatalogue& catalogue() const { return m_Catalogue; }
 
-    /// @param takesAway  whether the catalogue has this name, which then means something else.
+    /// Adds a definition. With `takesAway` the name may have another meaning in the catalogue so far.
     void add(std::string_view name, COwnDefinitions::CEntry entry, bool takesAway) {
         m_Own->add(name, std::move(entry), takesAway);
     }
@@ -59,7 +59,7 @@ private:
 /// Whether the definition `text` uses `name`.
 bool uses(std::string_view text, std::string_view name);
 
-/// A definition of this meaning by base units alone: "1000 m", "π/180 rad", "K, offset 273.15".
+/// Returns a definition of this meaning in base units: "1000 m", "π/180 rad", "K, offset 273.15".
 std::string definitionOf(const CMeaning& meaning);
 
 }  // namespace mensor::exact

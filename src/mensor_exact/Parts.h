@@ -1,4 +1,4 @@
-// Parts.h: the whole numbers of a fraction. For the library's own use; not installed.
+// Parts.h: the numerator and denominator of a fraction, as numbers of any size. Not installed.
 #ifndef MENSOR_EXACT_PARTS_H
 #define MENSOR_EXACT_PARTS_H
 
@@ -10,7 +10,7 @@
 
 namespace mensor::exact {
 
-/// What CFraction keeps beside the object.
+/// The allocated part of a CFraction.
 struct CQuotient {
     CWhole Numerator;    // coprime to 10 and to Denominator
     CWhole Denominator;  // coprime to 10
@@ -21,18 +21,18 @@ struct CParts {
     CParts() = default;
     explicit CParts(const CFraction& fraction);
 
-    /// Lowest terms, powers of 2 and 5 apart.
+    /// Reduces to lowest terms and moves all powers of 2 and 5 to Twos and Fives.
     void normalize();
 
-    /// Needs normalized parts.
+    /// Returns the fraction. normalize() must have been called.
     /// @throws CError  TOO_LARGE.
     CFraction fraction() const;
 
-    /// The numerator and the denominator with their powers of five, without those of two.
+    /// The numerator and the denominator with their powers of 5, without those of 2.
     CWhole numeratorWithFives() const;
     CWhole denominatorWithFives() const;
 
-    /// The same with all powers: the whole fraction.
+    /// The numerator and the denominator with all powers of 2 and 5.
     CQuotient wholes() const;
 
     std::size_t bits() const;  ///< as CFraction::bits

@@ -1,4 +1,5 @@
-// PlainLoops.cpp: see LoopBodies.h. CMakeLists.txt says what the compiler may use here.
+// PlainLoops.cpp: LoopBodies.h compiled for any processor. CMakeLists.txt has the options of the
+// compiler.
 #define MENSOR_LOOPS PlainLoops
 #define MENSOR_LOOPS_NAME "plain"
 #include "mensor_exact/LoopBodies.h"

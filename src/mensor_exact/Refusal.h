@@ -1,4 +1,4 @@
-// Refusal.h: why a text is refused, in fixed room. The words are made when they are asked for.
+// Refusal.h: the reason of a refusal, without allocated memory. diagnosis() makes the words.
 #ifndef MENSOR_EXACT_REFUSAL_H
 #define MENSOR_EXACT_REFUSAL_H
 
@@ -13,7 +13,7 @@
 
 namespace mensor::exact {
 
-/// A piece of a text, in bytes.
+/// A part of a text, in bytes.
 struct CSpan {
     std::size_t Begin = 0;
     std::size_t End = 0;
@@ -21,9 +21,9 @@ struct CSpan {
     std::string_view of(std::string_view text) const { return text.substr(Begin, End - Begin); }
 };
 
-struct CTrap;  // inside the library
+struct CTrap;  // Traps.h, not installed
 
-/// How the readings of a refused text are made from its pieces.
+/// How the readings of a refused text are made from its parts.
 enum class eReadings : std::uint8_t {
     NONE,
     TIMES,     ///< "·" before the token: "m²s" is "m²·s"
@@ -31,38 +31,37 @@ enum class eReadings : std::uint8_t {
     FRACTION,  ///< brackets around the exponent Pieces[0] and the token: "m^1/2" is "m^(1/2)"
     POWER,     ///< brackets around the power Pieces[0]: "m^2^3" is "(m^2)^3"
     CHAIN,     ///< Pieces[0] is a of "a/b/c": "a/(b·c)" or "a·c/b"
-    VALUE,     ///< of the number of a value: "2,5" is "2.5", "2,500" perhaps "2500"
-    TRAP,      ///< what Trap has, in place of the token; Pieces[0] is the name in it
+    VALUE,     ///< other forms of the number of a value: "2,5" is "2.5", "2,500" perhaps "2500"
+    TRAP,      ///< the texts of Trap in place of the token; Pieces[0] is the name in the token
     JOIN,      ///< no blank before the token: "m ²" is "m²"
     CLOSE,     ///< a closing bracket at the end
     REMOVE     ///< nothing in place of the token
 };
 
-/// A refusal. It refers to the text, which must outlive it, and needs no memory.
+/// A refusal. It allocates no memory. It refers to the text, which must outlive it.
 ///
 /// Class contract: caller serialises changes of one object; distinct objects any thread.
 struct MENSOR_EXACT_API CRefusal {
     eRefusal Code = eRefusal::EMPTY;
     std::string_view Text;      ///< the whole text, as it was given
-    CSpan Token;                ///< what is refused; empty at the end of the text
-    const char* Sentence = "";  ///< constant; "{}" in it stands for the token
+    CSpan Token;                ///< the refused part; empty at the end of the text
+    const char* Sentence = "";  ///< a constant text; diagnosis() replaces "{}" by the token
     eReadings Readings = eReadings::NONE;
     std::array<CSpan, 3> Pieces;
-    std::size_t UnitBegin = 0;  ///< where the unit begins, behind a number
-    const CTrap* Trap =
-        nullptr;  ///< the row of the library's tables of such texts, if there is one
+    std::size_t UnitBegin = 0;    ///< the begin of the unit, after a number
+    const CTrap* Trap = nullptr;  ///< the row of traps.def or refusals.def, if there is one
 
     std::string_view token() const noexcept { return Token.of(Text); }
-    std::size_t position() const noexcept;  ///< where the token begins, in code points from 0
+    std::size_t position() const noexcept;  ///< the begin of the token, in code points from 0
 
-    /// The text with other words for the token.
+    /// Returns the text with `words` in place of the token.
     std::string replaced(std::string_view words) const;
 
-    /// What can be said without a catalogue: nothing is offered.
+    /// Returns the diagnosis without offers, which need a catalogue.
     CDiagnosis diagnosis() const;
 };
 
-/// The diagnosis of `token` in `text`.
+/// Returns the diagnosis of `token` in `text`.
 MENSOR_EXACT_API CDiagnosis diagnose(eRefusal code, std::string_view text, CSpan token,
                                      std::string sentence);
 

@@ -11,7 +11,7 @@ CNearest nearestQuotient(const CFormat& format, bool negative, const CWhole& num
     }
     const auto bits =
         static_cast<std::int64_t>(numerator.bits()) - static_cast<std::int64_t>(denominator.bits());
-    // A quotient of 62 or 63 bits.
+    // The quotient has 62 or 63 bits.
     const std::int64_t shift = 62 - bits;
     const CDivision division = shift >= 0 ? CDivision(numerator.shifted(shift), denominator)
                                           : CDivision(numerator, denominator.shifted(-shift));

@@ -1,5 +1,4 @@
-// Rounding.h: the double nearest to a quotient of whole numbers. For the library's own use; not
-// installed.
+// Rounding.h: rounds a quotient of whole numbers to the nearest double or float. Not installed.
 #ifndef MENSOR_EXACT_ROUNDING_H
 #define MENSOR_EXACT_ROUNDING_H
 
@@ -10,15 +9,16 @@
 
 namespace mensor::exact {
 
-/// ±numerator/denominator·2^twos, rounded once to the nearest number of a format, ties to even. Subnormal
-/// numbers are rounded at their last place, too; beyond the largest number by half a place or more is
-/// infinity. `numerator` is not negative, `denominator` is positive. Zero has the sign that is given.
+/// Rounds ±numerator/denominator·2^twos once to the nearest number of a format, ties to even. Subnormal
+/// results are rounded at their own last place. A number beyond the largest one by half a place or more
+/// becomes infinity. `numerator` is not negative, `denominator` is positive. Zero gets the sign of
+/// `negative`.
 ///
-/// Computed with whole numbers only: no state of the processor plays a part.
+/// Computes with whole numbers only, so the rounding mode of the processor has no influence.
 CNearest nearestQuotient(const CFormat& format, bool negative, const CWhole& numerator,
                          const CWhole& denominator, std::int64_t twos);
 
-/// A double, and whether it is exactly the number that was rounded.
+/// A double, and whether rounding has not changed the number.
 struct CRounded {
     double Value;
     bool IsExact;

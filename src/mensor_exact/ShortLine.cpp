@@ -6,14 +6,15 @@ namespace mensor::exact {
 
 namespace {
 
-/// ±(High·2^64 + Low)·2^Twos
+/// The number ±Magnitude·2^Twos.
 struct CScaled {
     bool IsNegative;
     CTwoWords Magnitude;
     int Twos;
 };
 
-// Moves the binary point to the place `twos`, not above the present one, if 127 bits are enough then.
+// Changes the exponent to `twos`, which is not greater than the present one. Returns false if the
+// magnitude would have more than 127 bits.
 bool lower(CScaled& number, int twos) {
     const int count = number.Twos - twos;
     if (count > 127 - bitsOf(number.Magnitude)) {
@@ -55,8 +56,8 @@ std::optional<CNearest> CShortLine::convert(const CNumber& x, const CFormat& for
             std::uint64_t{sum.IsNegative} << (format.MantissaBits - 1 + format.ExponentBits), true};
     }
 
-    // The highest bit of the divisor is set, and that of the dividend is not, so the quotient fits one word
-    // and has at least 63 bits. A dividend of 128 bits loses its last one first.
+    // The highest bit of the divisor is set, and that of the dividend is not. So the quotient has 63 or
+    // 64 bits. A dividend of 128 bits loses its last bit before.
     const int up = __builtin_clzll(D);
     const int left = 127 - bitsOf(sum.Magnitude);
     bool isWhole = true;

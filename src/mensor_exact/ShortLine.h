@@ -1,5 +1,5 @@
-// ShortLine.h: exact conversion with whole numbers of 128 bits, for lines of short numbers. For the
-// library's own use; not installed.
+// ShortLine.h: exact conversion in arithmetic of 128 bits, for conversions whose numbers have at most
+// 64 bits. Not installed.
 #ifndef MENSOR_EXACT_SHORTLINE_H
 #define MENSOR_EXACT_SHORTLINE_H
 
@@ -10,9 +10,10 @@
 
 namespace mensor::exact {
 
-/// y = (A·x ± B)·2^Twos/D with whole numbers that fit into one word each. A and D are not zero.
+/// The conversion y = (A·x ± B)·2^Twos/D with whole numbers of at most 64 bits. A and D are not zero.
 ///
-/// Nearly every conversion between units is of this kind. The others have longer numbers or a power of π.
+/// Nearly all conversions between units are of this kind. The others have longer numbers, roots or a
+/// power of π.
 struct CShortLine {
     std::uint64_t A = 1;
     std::uint64_t B = 0;
@@ -20,8 +21,8 @@ struct CShortLine {
     int Twos = 0;
     bool IsMinusB = false;
 
-    /// The result for `x`, rounded once, or nothing if 128 bits are too few for A·x ± B. That happens
-    /// only if B is not 0. The sign of a zero is that of `x` if B is 0, else it is plus.
+    /// Returns the result for `x`, rounded once, or nothing if A·x ± B needs more than 128 bits. If B
+    /// is 0, it never needs more. A zero has the sign of `x` if B is 0. Else it is positive.
     std::optional<CNearest> convert(const CNumber& x, const CFormat& format) const;
 };
 

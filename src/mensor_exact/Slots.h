@@ -1,5 +1,4 @@
-// Slots.h: the dimensions and marks that have a place of their own in a meaning. For the library's own
-// use; not installed.
+// Slots.h: the order of the SI's dimensions and the marks in arrays of exponents. Not installed.
 #ifndef MENSOR_EXACT_SLOTS_H
 #define MENSOR_EXACT_SLOTS_H
 
@@ -15,7 +14,7 @@ inline constexpr CShortText<3> SlotNames[] = {"A",   "K", "cd",  "kg",  "m",
                                               "mol", "s", "bit", "rad", "sr"};
 inline constexpr std::size_t SlotCount = sizeof SlotNames / sizeof SlotNames[0];
 
-/// The place of `name`, SlotCount if it has none.
+/// Returns the index of `name` in SlotNames, or SlotCount if it is not there.
 constexpr std::size_t slotOf(std::string_view name) {
     for (std::size_t slot = 0; slot < SlotCount; ++slot) {
         if (std::string_view(SlotNames[slot]) == name) {

@@ -1,5 +1,5 @@
-// SmallFraction.h: a fraction in fixed room, which the compiler can compute with. Part of CFraction
-// (Fraction.h), which is what clients use.
+// SmallFraction.h: fractions with at most 64 bits above and below, for constant expressions. Clients use
+// CFraction (Fraction.h), which contains one.
 #ifndef MENSOR_EXACT_SMALLFRACTION_H
 #define MENSOR_EXACT_SMALLFRACTION_H
 
@@ -8,10 +8,10 @@
 
 namespace mensor::exact {
 
-/// ±Numerator/Denominator·2^Twos·5^Fives in lowest terms. Powers of 2 and 5 are apart since powers of
-/// ten are everywhere in units: all prefixes together need no more room than one.
+/// The fraction ±Numerator/Denominator·2^Twos·5^Fives, in lowest terms. Powers of 2 and 5 are separate
+/// members, so the many powers of ten in units need no bits of the numerator and the denominator.
 ///
-/// Zero is 0/1, without powers or sign. Two fractions are equal if all fields are.
+/// Zero is 0/1, without powers and sign. Two fractions are equal exactly if all members are.
 struct CSmallFraction {
     std::uint64_t Numerator = 0;    ///< coprime to 10 and to Denominator
     std::uint64_t Denominator = 1;  ///< coprime to 10
@@ -21,7 +21,7 @@ struct CSmallFraction {
 
     constexpr CSmallFraction() = default;
 
-    /// `whole`·10^tens
+    /// The number `whole`·10^tens.
     constexpr explicit CSmallFraction(std::uint64_t whole, std::int32_t tens = 0) {
         if (whole == 0) {
             return;
@@ -43,7 +43,7 @@ struct CSmallFraction {
                a.Fives == b.Fives && a.Negative == b.Negative;
     }
 
-    /// One divided by this, which is not zero.
+    /// Returns one divided by this fraction, which is not zero.
     constexpr CSmallFraction inverse() const {
         CSmallFraction result = *this;
         result.Numerator = Denominator;
@@ -53,7 +53,7 @@ struct CSmallFraction {
         return result;
     }
 
-    /// Multiplies by `other`. Returns false, and changes nothing, where 64 bits are too few.
+    /// Multiplies by `other`. Returns false and changes nothing if 64 bits are too few.
     constexpr bool multiply(const CSmallFraction& other) {
         if (isZero() || other.isZero()) {
             *this = CSmallFraction();
@@ -79,7 +79,8 @@ struct CSmallFraction {
         return true;
     }
 
-    /// Raises to a power, 0 or more. Returns false, and changes nothing, where 64 bits are too few.
+    /// Raises to the power `exponent`, 0 or more. Returns false and changes nothing if 64 bits are too
+    /// few.
     constexpr bool raise(int exponent) {
         CSmallFraction result(1);
         CSmallFraction square = *this;
@@ -98,7 +99,7 @@ struct CSmallFraction {
         }
     }
 
-    /// Adds `other`. Returns false, and changes nothing, where 64 bits are too few.
+    /// Adds `other`. Returns false and changes nothing if 64 bits are too few.
     constexpr bool add(const CSmallFraction& other) {
         if (other.isZero()) {
             return true;

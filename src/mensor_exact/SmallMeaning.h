@@ -1,8 +1,8 @@
-// SmallMeaning.h: a meaning in fixed room, which the compiler can compute with. CMeaning (Meaning.h) is
-// made from it; that is what clients use.
+// SmallMeaning.h: meanings without allocated memory, for constant expressions. Clients use CMeaning
+// (Meaning.h), which can be made from one.
 //
 //     constexpr CSmallMeaning kmPerHour = [] {
-//         CSmallMeaning result = CSmallMeaning::base(4);     // m, by its place in SlotNames
+//         CSmallMeaning result = CSmallMeaning::base(4);     // m, by its index in SlotNames
 //         result.multiply(CSmallMeaning::base(6), -1);       // divided by s
 //         result.Factor = CSmallFraction(1000);
 //         ...
@@ -17,29 +17,29 @@
 
 namespace mensor::exact {
 
-/// Exponents of the dimensions and marks that have a place of their own, at most one dimension with
-/// another name, a factor Factor·π^Pi of 64 bits above and below, and an offset in base units.
+/// The exponents of the SI's dimensions and the marks, at most one other dimension, the factor
+/// Factor·π^Pi, and an offset in base units.
 ///
-/// Operations return false, and leave the object in no particular state, where the result does not fit.
+/// An operation returns false if the result does not fit. Then the object is in an unspecified state.
 struct CSmallMeaning {
     static constexpr std::size_t Slots = 10;  ///< A K cd kg m mol s bit rad sr
     static constexpr int LargestHalf = 99;    ///< of exponents, in halves
 
     CSmallFraction Factor{1};
     CSmallFraction Offset;
-    std::string_view Own;            ///< the dimension with a name of its own; empty: none
+    std::string_view Own;            ///< the name of the other dimension; empty if there is none
     std::int8_t Halves[Slots] = {};  ///< twice the exponents
     std::int8_t OwnHalves = 0;       ///< twice the exponent of Own
     std::int8_t Pi = 0;              ///< the exponent of π
 
-    /// The base unit or mark with this place.
+    /// Returns the base unit or mark with this index.
     static constexpr CSmallMeaning base(std::size_t slot) {
         CSmallMeaning result;
         result.Halves[slot] = 2;
         return result;
     }
 
-    /// A dimension of its own.
+    /// Returns the base unit of another dimension.
     static constexpr CSmallMeaning own(std::string_view name) {
         CSmallMeaning result;
         result.Own = name;
@@ -77,7 +77,7 @@ struct CSmallMeaning {
         return true;
     }
 
-    /// Whether values of one can be converted to the other, and the marks are the same, too.
+    /// Whether the dimensions and the marks are the same.
     constexpr bool hasUnitsOf(const CSmallMeaning& other) const {
         for (std::size_t slot = 0; slot < Slots; ++slot) {
             if (Halves[slot] != other.Halves[slot]) {

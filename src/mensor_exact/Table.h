@@ -1,5 +1,4 @@
-// Table.h: the built-in definitions and what they mean, as constant data. For the library's own use;
-// not installed.
+// Table.h: the built-in definitions and their meanings, as constant data. Not installed.
 #ifndef MENSOR_EXACT_TABLE_H
 #define MENSOR_EXACT_TABLE_H
 
@@ -11,8 +10,8 @@
 
 namespace mensor::exact {
 
-/// The rows of definitions.def. The compiler has evaluated them and sorted them into a hash table:
-/// nothing is done when the library is loaded, and nothing is written later.
+/// The rows of definitions.def. The compiler evaluates them and makes the hash table of the names.
+/// Nothing is computed at load, and nothing is written later.
 class CTable {
 public:
     static constexpr std::size_t None = static_cast<std::size_t>(-1);
@@ -25,7 +24,7 @@ public:
     static std::uint32_t letters(std::size_t row) noexcept;  ///< letterSet() of the name
     static CMeaning meaning(std::size_t row);
 
-    /// The row with this name in one of these packs (a bit for each), or None.
+    /// Returns the row with this name in one of these packs (one bit for each), or None.
     static std::size_t find(std::string_view name, std::uint32_t packs) noexcept;
 };
 

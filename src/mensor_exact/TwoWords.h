@@ -1,7 +1,7 @@
-// TwoWords.h: whole numbers of 128 bits, on every processor. For the library's own use; not installed.
+// TwoWords.h: whole numbers of 128 bits, on every processor. Not installed.
 //
-// 32-bit ARM has no numbers of 128 bits. Where the compiler has them, the functions here use them.
-// Those of `portable` do without and give the same.
+// The functions use the 128-bit integers of the compiler if it has them, which it has not on 32-bit
+// ARM. The functions of `portable` work without them and give the same results.
 #ifndef MENSOR_EXACT_TWOWORDS_H
 #define MENSOR_EXACT_TWOWORDS_H
 
@@ -10,13 +10,13 @@
 
 namespace mensor::exact {
 
-/// High·2^64 + Low
+/// The number High·2^64 + Low.
 struct CTwoWords {
     std::uint64_t High = 0;
     std::uint64_t Low = 0;
 };
 
-/// The bits of `number`; 0 of zero.
+/// The number of bits of `number`; 0 for zero.
 inline int bitsOf(std::uint64_t number) { return number == 0 ? 0 : 64 - __builtin_clzll(number); }
 
 inline int bitsOf(const CTwoWords& a) { return a.High == 0 ? bitsOf(a.Low) : 64 + bitsOf(a.High); }
@@ -59,8 +59,8 @@ inline CTwoWords product(std::uint64_t a, std::uint64_t b) {
     return {(a >> 32) * (b >> 32) + (left >> 32) + (right >> 32), right << 32 | (low & mask)};
 }
 
-// Digit by digit of 32 bits, as by hand. The divisor's highest bit makes each guess of a digit too large
-// by at most 2.
+// Long division with digits of 32 bits. Since the highest bit of the divisor is set, each guess of a
+// digit is too large by at most 2.
 inline std::uint64_t quotient(const CTwoWords& a, std::uint64_t divisor, std::uint64_t& rest) {
     const std::uint64_t mask = 0xFFFFFFFF;
     const int shift = __builtin_clzll(divisor);
@@ -78,7 +78,8 @@ inline std::uint64_t quotient(const CTwoWords& a, std::uint64_t divisor, std::ui
                 break;
             }
         }
-        part = (part << 32 | next) - digit * d;  // modulo 2^64, which the difference fits
+        part =
+            (part << 32 | next) - digit * d;  // modulo 2^64; the difference has less than 64 bits
         result = result << 32 | digit;
     }
     rest = part >> shift;
@@ -87,7 +88,7 @@ inline std::uint64_t quotient(const CTwoWords& a, std::uint64_t divisor, std::ui
 
 }  // namespace portable
 
-/// The whole product.
+/// The product, with all its bits.
 inline CTwoWords product(std::uint64_t a, std::uint64_t b) {
 #ifdef __SIZEOF_INT128__
     const auto whole = __extension__ static_cast<unsigned __int128>(a) * b;
@@ -97,8 +98,8 @@ inline CTwoWords product(std::uint64_t a, std::uint64_t b) {
 #endif
 }
 
-/// The quotient, rounded down, and what remains. `divisor` is greater than the high word of `a`, so that
-/// one word is enough for the quotient.
+/// Returns the quotient, rounded down, and sets `rest`. `divisor` is greater than the high word of `a`,
+/// so the quotient has at most 64 bits.
 inline std::uint64_t quotient(const CTwoWords& a, std::uint64_t divisor, std::uint64_t& rest) {
 #if defined(__x86_64__)
     std::uint64_t result = 0;

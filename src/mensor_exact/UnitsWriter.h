@@ -1,4 +1,4 @@
-// UnitsWriter.h: writes a product of powers of units. For the library's own use; not installed.
+// UnitsWriter.h: writes a product of powers of units. Not installed.
 #ifndef MENSOR_EXACT_UNITSWRITER_H
 #define MENSOR_EXACT_UNITSWRITER_H
 
@@ -9,13 +9,13 @@
 
 namespace mensor::exact {
 
-/// Writes "kg·m/(A·s²)": the negative powers stand behind a stroke. Definitions (Definitions.h) and the
-/// reader (Reading.h) both read it.
+/// Writes "kg·m/(A·s²)", with the negative powers after a slash. The result is a definition
+/// (Definitions.h), and Reading.h can read it, too.
 class CUnitsWriter {
 public:
     void add(std::string_view name, CExponent exponent);
 
-    std::string text() const;  ///< "1" if there is nothing
+    std::string text() const;  ///< "1" if there are no units
 
 private:
     std::string m_Above;

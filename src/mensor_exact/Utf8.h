@@ -40,7 +40,7 @@ constexpr char32_t decode(std::string_view text, std::size_t& length) {
     return c;
 }
 
-/// The number of code points in `text`. A byte that is not UTF-8 counts as one.
+/// Returns the number of code points in `text`. A byte that is not UTF-8 counts as one.
 inline std::size_t countCodePoints(std::string_view text) {
     std::size_t count = 0;
     std::size_t length = 0;

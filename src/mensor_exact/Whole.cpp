@@ -7,8 +7,8 @@
 #include <ostream>
 #include <utility>
 
-// Boost includes <iostream>, which runs a constructor when the library is loaded. Only the classes of streams
-// are needed, so the standard library is told that <iostream> was included.
+// Boost includes <iostream>, which runs a constructor when the library is loaded. Only the classes of
+// streams are needed, so the standard library is told that <iostream> was included.
 #if defined(__GLIBCXX__) && !defined(_GLIBCXX_IOSTREAM)
 #define _GLIBCXX_IOSTREAM 1  // NOLINT(bugprone-reserved-identifier)
 #endif
@@ -20,7 +20,7 @@ namespace {
 
 namespace mp = boost::multiprecision;
 
-// So many bits lie in the object: a double of 2^-1074 beside an offset, with room for the factor.
+// The bits that need no allocated memory: enough for the sum of 2^-1074 and an offset, times a factor.
 constexpr unsigned BitsInside = 2304;
 
 using Number = mp::number<mp::cpp_int_backend<BitsInside, 0, mp::signed_magnitude, mp::unchecked,
@@ -167,7 +167,7 @@ CWhole CWhole::power(std::int64_t exponent) const {
     return result;
 }
 
-// The digits of Boost are read and written with the help of the locale; these are not.
+// Boost reads and writes digits with the help of the locale. The following functions do not.
 
 CWhole CWhole::ofDigits(std::string_view digits) {
     CWhole result;
@@ -178,7 +178,7 @@ CWhole CWhole::ofDigits(std::string_view digits) {
         for (const char digit : digits.substr(0, count)) {
             block = 10 * block + static_cast<std::uint64_t>(digit - '0');
         }
-        number(result) *= Block;  // of the first block, zero
+        number(result) *= Block;
         number(result) += block;
         digits.remove_prefix(count);
     }

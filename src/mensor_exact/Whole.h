@@ -1,7 +1,7 @@
-// Whole.h: whole numbers of any size. For the library's own use; not installed.
+// Whole.h: whole numbers of any size. Not installed.
 //
-// They are those of Boost.Multiprecision, behind functions that are compiled once: in the headers of
-// Boost they are templates, which would make the library several times as large.
+// Whole.cpp wraps the numbers of Boost.Multiprecision. If every source used its templates directly, the
+// library would be several times as large.
 #ifndef MENSOR_EXACT_WHOLE_H
 #define MENSOR_EXACT_WHOLE_H
 
@@ -12,8 +12,8 @@
 
 namespace mensor::exact {
 
-/// A whole number. Those of everyday conversions, also of the smallest doubles, need no memory beside
-/// the object.
+/// A whole number. The numbers of everyday conversions, also of the smallest doubles, need no allocated
+/// memory.
 class CWhole {
 public:
     CWhole() : CWhole(0) {}
@@ -26,31 +26,31 @@ public:
     CWhole& operator=(CWhole&& other) noexcept;
     ~CWhole();
 
-    static CWhole ofDigits(std::string_view digits);  ///< decimal, without sign
+    static CWhole ofDigits(std::string_view digits);  ///< from decimal digits without a sign
 
     bool isZero() const;
     bool isNegative() const;
     bool isOdd() const;
     bool isOne() const;
-    std::size_t bits() const;   ///< of the size; 0 of zero
-    std::size_t twos() const;   ///< how often 2 divides the number, which is not zero
+    std::size_t bits() const;   ///< the bits of the absolute value; 0 for zero
+    std::size_t twos() const;   ///< the exponent of 2 in the number, which is not zero
     std::uint64_t low() const;  ///< the lowest 64 bits of a number that is not negative
     std::string toString() const;
 
     CWhole operator-() const;
-    CWhole size() const;  ///< without the sign
+    CWhole size() const;  ///< the absolute value
     friend CWhole operator+(const CWhole& a, const CWhole& b);
     friend CWhole operator-(const CWhole& a, const CWhole& b);
     friend CWhole operator*(const CWhole& a, const CWhole& b);
-    friend CWhole operator/(const CWhole& a, const CWhole& b);  ///< towards zero
+    friend CWhole operator/(const CWhole& a, const CWhole& b);  ///< rounded towards zero
     CWhole& operator+=(const CWhole& other);
     CWhole& operator-=(const CWhole& other);
     CWhole& operator*=(const CWhole& other);
     CWhole& operator/=(const CWhole& other);
 
-    /// Multiplied by 2^twos; where that is below zero, divided, of a number that is not negative.
+    /// Returns the number times 2^twos, rounded down. If `twos` is negative, the number must not be.
     CWhole shifted(std::int64_t twos) const;
-    CWhole power(std::int64_t exponent) const;  ///< 0 or more
+    CWhole power(std::int64_t exponent) const;  ///< `exponent` is 0 or more
 
     friend bool operator==(const CWhole& a, const CWhole& b) { return a.compare(b) == 0; }
     friend bool operator!=(const CWhole& a, const CWhole& b) { return a.compare(b) != 0; }
@@ -71,7 +71,7 @@ private:
 /// The greatest common divisor of two positive numbers.
 CWhole gcd(const CWhole& a, const CWhole& b);
 
-/// A quotient, towards zero, and its rest.
+/// A quotient, rounded towards zero, and the rest.
 struct CDivision {
     CDivision(const CWhole& dividend, const CWhole& divisor);
 

@@ -1,5 +1,5 @@
-// exact_export.h: the boundary of the library. What bears MENSOR_EXACT_API is exported from
-// libmensor_exact.so; everything else is compiled with hidden visibility and stays inside.
+// exact_export.h: MENSOR_EXACT_API marks the names that libmensor_exact.so exports. All others are
+// hidden.
 #ifndef MENSOR_EXACT_EXACT_EXPORT_H
 #define MENSOR_EXACT_EXACT_EXPORT_H
 
