@@ -10,9 +10,10 @@
 #                the tests of a folder
 # Tests without a label run only where all tests run.
 
-# Code of tests alone is not optimised, which nearly halves the time of compiling it. Nor does the sanitizer
-# of undefined behaviour check it, which takes a third of that time in its build; the libraries are checked.
-# The libraries, the tools, the examples and the transcript are built as a user builds them.
+# Code of tests alone is not optimised, which nearly halves the time of compiling it. Nor does the
+# sanitizer of undefined behaviour check it, which takes a third of that time in its build; the
+# libraries are checked. The libraries, the tools, the examples and the transcript are built as a user
+# builds them.
 function(mensor_quickly_built target)
   target_compile_options(${target} PRIVATE -O0 -fno-sanitize=undefined)
 endfunction()
@@ -26,14 +27,18 @@ function(mensor_built_for_tests label)
   endif()
 endfunction()
 
-# mensor_test(<file>_test.cpp [LABEL <label>]): adds a test program of that name, which is one test for
-# ctest. It runs each of its tests in a process of its own (tests/support/main.cpp).
+# mensor_test(<file>_test.cpp [NAME <name>] [LABEL <label>]): adds a test program, which is one test for
+# ctest. It runs each of its tests in a process of its own (tests/support/main.cpp). Its name is that of
+# the file if none is given.
 function(mensor_test file)
-  cmake_parse_arguments(PARSE_ARGV 1 test "" LABEL "")
+  cmake_parse_arguments(PARSE_ARGV 1 test "" "NAME;LABEL" "")
   if(NOT test_LABEL)
     set(test_LABEL unit)
   endif()
   cmake_path(GET file STEM name)
+  if(test_NAME)
+    set(name ${test_NAME})
+  endif()
   add_executable(${name} ${file})
   target_link_libraries(${name} PRIVATE mensor::mensor mensor_test_support)
   target_precompile_headers(${name} REUSE_FROM mensor_test_support)

@@ -294,8 +294,9 @@ class Tests:
         self.seconds_of_rest = time.monotonic() - begin
 
     def own(self, source):
-        """The program of the tests that belong to a source."""
-        name = Path(source).stem + "_test"
+        """The program of the tests that belong to a source. Those of src/mensor_exact have a prefix."""
+        prefix = "exact_" if "mensor_exact" in Path(source).parts else ""
+        name = prefix + Path(source).stem + "_test"
         return name if name in self.programs else None
 
     def run_all(self, source):

@@ -1,5 +1,4 @@
-// DefinitionFile_test.cpp: a file of definitions is read line by line, without the registry, and counts
-// as a whole or not at all.
+// DefinitionFile_test.cpp: a definition file defines all its units, or none if a line is refused.
 #include "mensor_exact/DefinitionFile.h"
 
 #include <gmock/gmock.h>
@@ -22,14 +21,14 @@ const CCatalogue& builtIn() {
     return Catalogue;
 }
 
-// What `unit` means to a file of these lines.
+// The meaning of `unit` after these lines.
 std::string meaningIn(const std::string& text, const std::string& unit) {
     const CDefinitionFile file = tryReadDefinitions(text);
     EXPECT_TRUE(file) << text << ": " << file.Findings.at(0).Refusal.message();
     return read(unit, file.Catalogue).toString();
 }
 
-// The diagnosis of the only line that is refused.
+// The diagnosis of a refused line. Each reading that it offers must be accepted.
 CDiagnosis diagnosisOf(const std::string& line, const CCatalogue& catalogue = builtIn()) {
     const CDefinitionFile file = tryReadDefinitions(line, catalogue);
     EXPECT_EQ(file.Findings.size(), 1U) << line;
@@ -41,7 +40,7 @@ CDiagnosis diagnosisOf(const std::string& line, const CCatalogue& catalogue = bu
     EXPECT_EQ(refusal.Text.substr(refusal.Byte, refusal.Token.size()), refusal.Token);
     for (const std::string& reading : refusal.Readings) {
         EXPECT_TRUE(tryReadDefinitions(reading, catalogue))
-            << "is offered, and refused: " << reading;
+            << "is offered, but refused: " << reading;
     }
     return refusal;
 }
@@ -73,10 +72,10 @@ TEST(DefinitionFile, DefinesUnitsByNumberAndUnit) {
     EXPECT_EQ(read("[q ft/s]²", file.Catalogue).toString(), "0.000001 m/s²");
     EXPECT_EQ(read("qm", file.Catalogue), read("m"));
     EXPECT_FALSE(tryRead("qno", file.Catalogue));
-    EXPECT_FALSE(tryRead("qft")) << "other catalogues are as they were";
+    EXPECT_FALSE(tryRead("qft")) << "other catalogues are unchanged";
 }
 
-TEST(DefinitionFile, DefinesAZeroBehindAKeyword) {
+TEST(DefinitionFile, DefinesAZeroAfterTheKeyword) {
     EXPECT_EQ(meaningIn("°X = 5/4 K, zero at +273.15 K", "°X"), "1.25 K + 273.15");
     EXPECT_EQ(meaningIn("°G = 5/9 K, zero at +45967/180 K", "°G"),
               read("°F", builtIn().with(ePack::OFFSETS)).toString());
@@ -87,7 +86,7 @@ TEST(DefinitionFile, DefinesAZeroBehindAKeyword) {
     EXPECT_EQ(meaningIn("qm = 2 m, zero  at -0 m", "qm"), "2 m");
 }
 
-TEST(DefinitionFile, CountsAZeroFromTheZeroOfItsUnit) {
+TEST(DefinitionFile, AddsAZeroToTheOffsetOfItsUnit) {
     EXPECT_EQ(meaningIn("°Q = 2 °C", "°Q"), "2 K + 273.15");
     EXPECT_EQ(meaningIn("°Q = 2 °C, zero at +10 °C", "°Q"), "2 K + 283.15");
     EXPECT_EQ(meaningIn("°Q = 2 K, zero at +0 °C", "°Q"), "2 K + 273.15");
@@ -105,7 +104,7 @@ TEST(DefinitionFile, DefinesBaseUnits) {
     EXPECT_EQ(refusalOf("EUR = base"), "NO_NUMBER 6 'b'");
 }
 
-TEST(DefinitionFile, RefusesANumberBehindTheUnitAndTellsWhatToWrite) {
+TEST(DefinitionFile, RefusesANumberAfterTheUnitAndOffersLines) {
     const CDiagnosis square = diagnosisOf("a = 5 m 2");
     EXPECT_EQ(square.Code, eRefusal::STRAY_NUMBER);
     EXPECT_EQ(square.Token, "2");
@@ -197,7 +196,7 @@ TEST(DefinitionFile, OffersWholeLinesThatAreAccepted) {
               "\"s\" is time, and the unit is length");
 }
 
-TEST(DefinitionFile, CountsAsAWholeOrNotAtAll) {
+TEST(DefinitionFile, DefinesNothingIfALineIsRefused) {
     const CDefinitionFile file = tryReadDefinitions(
         "qft = 0.3048 m\n"
         "qyd = 3 qft\n"
@@ -233,7 +232,7 @@ TEST(DefinitionFile, TellsWhichOtherLineDefinesAName) {
               "no unit has the name \"qf\"; line 6, which defines it, is refused");
 }
 
-TEST(DefinitionFile, LetsANameBeDefinedAgainWithTheSameMeaning) {
+TEST(DefinitionFile, AcceptsASecondDefinitionWithTheSameMeaning) {
     const CDefinitionFile file =
         tryReadDefinitions("km = 1000 m\nqa = 3 m\nqa = 3000 mm\nkg = base unit\nOne = 100 %\n");
     EXPECT_TRUE(file);
@@ -245,7 +244,7 @@ TEST(DefinitionFile, LetsANameBeDefinedAgainWithTheSameMeaning) {
         << "a file that contradicts itself";
 }
 
-TEST(DefinitionFile, TakesANameAwayOnlyByReplace) {
+TEST(DefinitionFile, RedefinesANameOnlyWithReplace) {
     const CCatalogue catalogue = builtIn().with(ePack::CUSTOMARY);
     const CDefinitionFile file = tryReadDefinitions("replace lb = 0.5 kg\n", catalogue);
     ASSERT_TRUE(file);
@@ -264,10 +263,10 @@ TEST(DefinitionFile, TakesANameAwayOnlyByReplace) {
         return true;
     });
     EXPECT_EQ(pounds, 1U);
-    EXPECT_THAT(tryReadDefinitions("replace qlb = 1 kg").Taken, IsEmpty()) << "nothing is there";
+    EXPECT_THAT(tryReadDefinitions("replace qlb = 1 kg").Taken, IsEmpty()) << "a new name";
 }
 
-TEST(DefinitionFile, KeepsTheMeaningOfUnitsWhoseNamesAreTakenAway) {
+TEST(DefinitionFile, ReplacingANameKeepsTheMeaningsOfOtherUnits) {
     const CDefinitionFile file = tryReadDefinitions(
         "qway = 3 km/h\n"
         "replace km = 2 km\n"
@@ -276,13 +275,13 @@ TEST(DefinitionFile, KeepsTheMeaningOfUnitsWhoseNamesAreTakenAway) {
     EXPECT_EQ(read("qway", file.Catalogue).toString(), "5/6 m/s");
     EXPECT_EQ(read("km", file.Catalogue).toString(), "2000 m");
     EXPECT_EQ(read("qlong", file.Catalogue).toString(), "10000 m");
-    EXPECT_EQ(file.Catalogue.find("km")->Text, "2000 m") << "not by itself";
-    EXPECT_EQ(file.Catalogue.find("qway")->Text, "5/6 m/s") << "not by the km of another meaning";
+    EXPECT_EQ(file.Catalogue.find("km")->Text, "2000 m") << "not defined by itself";
+    EXPECT_EQ(file.Catalogue.find("qway")->Text, "5/6 m/s") << "not defined by the new km";
     EXPECT_EQ(certify("qway", "m/s", file.Catalogue).Factor.Text, "5/6");
     EXPECT_EQ(certify("qlong", "m", file.Catalogue).Factor.Text, "10000");
 }
 
-TEST(DefinitionFile, TellsWhichOtherSpellingsAreTaken) {
+TEST(DefinitionFile, ReportsOtherSpellingsThatALineTakes) {
     const CDefinitionFile file = tryReadDefinitions("yl = 5 m\n\n\u212A = 7 m\n");
     ASSERT_TRUE(file);
     ASSERT_EQ(file.Taken.size(), 1U);
@@ -291,10 +290,10 @@ TEST(DefinitionFile, TellsWhichOtherSpellingsAreTaken) {
     EXPECT_EQ(file.Taken[0].Line, 3U);
     EXPECT_EQ(read("\u212A", file.Catalogue).toString(), "7 m");
     EXPECT_EQ(read("K", file.Catalogue).toString(), "K");
-    EXPECT_FALSE(tryRead("yL", file.Catalogue)) << "nobody means this yl by it";
+    EXPECT_FALSE(tryRead("yL", file.Catalogue)) << "the new \"yl\" is no yoctolitre";
 }
 
-TEST(DefinitionFile, LeavesTheLargeLitreAsItIs) {
+TEST(DefinitionFile, ReplacingMlLeavesMegalitreInCapitalsAsItIs) {
     EXPECT_EQ(meaningIn("replace Ml = 2 m", "ML"), "1000 m³");
     EXPECT_EQ(meaningIn("replace ML = 2 m", "Ml"), "1000 m³");
     EXPECT_EQ(refusalOf("ML = 2 m"), "NAME_TAKEN 0 'ML'");
@@ -325,7 +324,7 @@ TEST(DefinitionFile, CertifiesItsUnits) {
     });
 }
 
-TEST(DefinitionFile, ThrowsTheFirstLineAndTellsHowManyMore) {
+TEST(DefinitionFile, ThrowsTheFirstFindingAndTheNumberOfOthers) {
     EXPECT_THAT([] { readDefinitions("qa = 3 m\nqb = 3 xyzzy\nqc\n"); },
                 ThrowsMessage<CDefinitionError>(
                     StrEq("line 2: no unit has the name \"xyzzy\" (and 1 more)")));
@@ -338,13 +337,13 @@ TEST(DefinitionFile, ThrowsTheFirstLineAndTellsHowManyMore) {
     }
 }
 
-TEST(DefinitionFile, MayHoldNothing) {
+TEST(DefinitionFile, AcceptsAnEmptyFile) {
     EXPECT_TRUE(tryReadDefinitions(""));
     EXPECT_TRUE(tryReadDefinitions("\xEF\xBB\xBF# nothing\n\n   \n"));
     EXPECT_THAT(readDefinitions("\xEF\xBB\xBFqa = 3 m").find("qa")->Text, "3 m");
 }
 
-TEST(DefinitionFile, ReadsAsManyLinesAsThereAre) {
+TEST(DefinitionFile, ReadsManyLines) {
     std::string text = "qa = 3 m\n";
     for (char first = 'a'; first <= 'z'; ++first) {
         for (char second = 'a'; second <= 'z'; ++second) {

@@ -1,5 +1,5 @@
-// DefinitionTable.h: the rows of definitions.def, and what they mean by another reader and another
-// arithmetic than the library's, those of GMP.
+// DefinitionTable.h: the rows of definitions.def and their meanings, read and computed with GMP,
+// independently of the library.
 //
 //     const DefinitionTable table;
 //     const Reference inch = table.meaningOf(*table.find("in"));
@@ -58,7 +58,7 @@ struct Reference {
     int Pi = 0;
     mpq_class Offset = 0;
 
-    /// The factor with π in it, right to 150 bits and more.
+    /// The factor times its power of π, with a relative error of less than 2^-150.
     mpq_class factorWithPi() const {
         static const mpq_class pi(
             mpz_class("314159265358979323846264338327950288419716939937510582097494459"),
@@ -73,7 +73,7 @@ struct Reference {
         return result;
     }
 
-    /// What 0 of the unit is in base units.
+    /// The value 0 of the unit in base units.
     mpq_class zero() const { return mpq_class(Offset * factorWithPi()); }
 };
 
@@ -130,7 +130,7 @@ public:
     /// @throws std::runtime_error  a definition that this reader cannot read, or a cycle.
     Reference meaningOf(const DefinitionRow& row) const { return meaningOf(row, 0); }
 
-    /// The names that stand in the definition.
+    /// The names in the definition.
     static std::set<std::string> namesIn(const std::string& definition) {
         std::set<std::string> names;
         for (const auto& [name, exponent] : elementsOf(cut(definition).Unit)) {
@@ -158,7 +158,7 @@ private:
         return result;
     }
 
-    // "2π", "10^-3", "5", a piece of a number between slashes.
+    // Multiplies or divides by a part of a number between slashes: "2π", "10^-3", "5".
     static void multiplyNumber(Reference& meaning, std::string piece, bool isDivisor) {
         const std::string pi = "π";
         if (piece.size() >= pi.size() && piece.substr(piece.size() - pi.size()) == pi) {
@@ -188,7 +188,7 @@ private:
         return result;
     }
 
-    // "ft·lbf/s": each name with its exponent.
+    // Each name of "ft·lbf/s" with its exponent.
     static std::vector<std::pair<std::string, int>> elementsOf(const std::string& unit) {
         std::vector<std::pair<std::string, int>> elements;
         if (unit.empty()) {

@@ -1,8 +1,8 @@
-// FastForm_test.cpp: the fast ways give the bits of the slow way, on every kind of processor, and need it
-// only where they must. The judge is GMP.
+// FastForm_test.cpp: the fast ways give the bits of the slow way on every kind of processor, and use
+// the slow way only if they must. GMP computes the expected results.
 //
-// The environment variable MENSOR_EXACT_CASES is the number of values that are tried, about. Without it there
-// is a sample, or all of them where the tests are to be thorough (support/Thorough.h).
+// The environment variable MENSOR_EXACT_CASES sets the approximate number of values. Without it, the
+// test tries a sample, or very many values if it is to be thorough (support/Thorough.h).
 #include "mensor_exact/FastForm.h"
 
 #include <gtest/gtest.h>
@@ -22,7 +22,8 @@
 namespace mensor::exact {
 namespace {
 
-// scripts/test --all asks for very many, and for fewer where each takes many times as long.
+// `scripts/test --all` sets MENSOR_TESTS_THOROUGH. Debug builds and ARM, which are slow, try fewer
+// values.
 long cases() {
 #if defined(__x86_64__) && defined(NDEBUG)
     constexpr long Thorough = 100'000'000;
@@ -33,7 +34,7 @@ long cases() {
     return wanted != nullptr ? std::atol(wanted) : test::isThorough() ? Thorough : 400'000;
 }
 
-// Everyday factors, factors of many bits, and factors at the ends of the doubles.
+// Everyday factors, factors with many bits, and very large and very small factors.
 const CShortLine Factors[] = {
     {1, 0, 1, 0, false},
     {9, 0, 5, 0, false},
@@ -118,7 +119,7 @@ void forAllForms(const Work& work) {
     });
 }
 
-// What a conversion must give: GMP where the number is finite, else what IEEE 754 says.
+// The expected result: that of GMP for a finite number, else that of IEEE 754.
 double expected(const WholeLine& judge, const CShortLine& line, double x) {
     if (std::isnan(x)) {
         return doubleOfBits(bitsOfDouble(x) | std::uint64_t{1} << 51);
@@ -148,7 +149,7 @@ const double Special[] = {0.0,
                           std::numeric_limits<double>::max(),
                           -std::numeric_limits<double>::max()};
 
-// A double of one of several kinds.
+// Makes random doubles of several kinds.
 class Doubles {
 public:
     explicit Doubles(const CShortLine& line, const CFastForm& form) : m_Line(line), m_Form(form) {}
@@ -157,7 +158,7 @@ public:
         const double sign = random() % 2 == 0 ? 1 : -1;
         const auto mantissa = static_cast<double>(random() >> 11);
         switch (random() % 9) {
-            case 0: return doubleOfBits(random());  // any, also NaN with any payload
+            case 0: return doubleOfBits(random());  // any double, also NaN with any payload
             case 1: return sign * static_cast<double>(random() % 20001);
             case 2: return sign * static_cast<double>(random() % 20001) / 10;
             case 3: {  // a multiple of the divisor, which may be a tie
@@ -165,13 +166,13 @@ public:
                 return sign *
                        std::ldexp(static_cast<double>(multiple * m_Line.D), anyPower(random, 100));
             }
-            case 4: {  // next to where the result is zero
+            case 4: {  // a value whose result is close to zero
                 const double zero = (m_Line.IsMinusB ? 1 : -1) * static_cast<double>(m_Line.B) /
                                     static_cast<double>(m_Line.A);
                 const std::uint64_t shift = random() % 64;
                 return doubleOfBits(bitsOfDouble(zero) + (random() >> shift) - (random() >> shift));
             }
-            case 5: {  // a subnormal result, or one next to infinity
+            case 5: {  // a value whose result is nearly or fully subnormal or infinite
                 const int target = random() % 2 == 0 ? -1076 + static_cast<int>(random() % 120)
                                                      : 1023 - static_cast<int>(random() % 60);
                 int size = 0;
@@ -179,7 +180,7 @@ public:
                 return sign * std::ldexp(mantissa, target - m_Line.Twos - size - 52);
             }
             case 6: return Special[random() % std::size(Special)];
-            case 7: {  // next to the limits of the fast way
+            case 7: {  // a value next to a limit of the fast way
                 const std::int64_t limits[] = {m_Form.Least, m_Form.Most};
                 const double limit = doubleOfBits(static_cast<std::uint64_t>(limits[random() % 2]) +
                                                   random() % 5 - 2);
@@ -225,8 +226,8 @@ TEST(FastForm, GivesTheNearestDoubleOneByOneAndInArrays) {
     });
 }
 
-// A mistake in one place of a vector must not hide behind others.
-TEST(FastForm, GivesTheNearestDoubleWhereOnlyOneOfManyNeedsTheSlowWay) {
+// A wrong result in one element of a vector must be noticed.
+TEST(FastForm, GivesTheNearestDoubleIfOneOfManyNeedsTheSlowWay) {
     forAllForms([&](const CShortLine& line, bool isKnown, const CLoops& loops) {
         const WholeLine judge(line);
         const CFastForm form = formOf(line, isKnown, judge, loops);
@@ -272,7 +273,7 @@ TEST(FastForm, RoundsToFloatsOnce) {
         while (values.size() < 300) {
             double x = doubles.next(random);
             if (random() % 2 == 0) {
-                // A result next to the middle between two floats, some of them subnormal.
+                // The result is close to the middle between two floats. Some of these are subnormal.
                 const double slope = std::ldexp(
                     static_cast<double>(line.A) / static_cast<double>(line.D), line.Twos);
                 const double zero = (line.IsMinusB ? 1 : -1) * static_cast<double>(line.B) /
@@ -295,7 +296,7 @@ TEST(FastForm, RoundsToFloatsOnce) {
     });
 }
 
-// Whether all of `values` are converted right, to doubles and to floats.
+// Expects the right doubles and floats for all of `values`.
 template <class Number>
 void expectRight(const CShortLine& line, bool isKnown, const CLoops& loops,
                  const std::vector<Number>& values) {
@@ -416,14 +417,14 @@ TEST(FastForm, NeedsNoTestIfOddPartsAreSmall) {
 
 TEST(FastForm, NeedsNoTestIfNoProductIsNearTheMiddle) {
     const WholeLine unused({1, 0, 1, 0, false});
-    // π has no number of 53 bits whose product is too near.
+    // No number of 53 bits times π is too close to a middle.
     const CLeading pi = {{0xC90FDAA22168C234, 0xC4C6628B80DC1CD1, 0x29024E088A67CC74}, -190, false};
     EXPECT_EQ(CFastForm(pi, nullptr, &unused).Way, PROVED);
-    // 1 + 2^-100 makes a tie of nothing, and leaves all odd products next to one.
+    // The products of 1 + 2^-100 are never ties, but very close to ties.
     CLeading next = CLeading::ofQuotient(1, 1, 0);
     next.Word[1] = std::uint64_t{1} << 27;
     EXPECT_EQ(CFastForm(next, nullptr, &unused).Way, TESTED);
-    // Of factors without a pattern most need none.
+    // Most random factors need no test.
     std::mt19937_64 random(7);
     int proved = 0;
     for (int i = 0; i < 200; ++i) {
@@ -435,7 +436,7 @@ TEST(FastForm, NeedsNoTestIfNoProductIsNearTheMiddle) {
     EXPECT_LT(proved, 180);
 }
 
-TEST(FastForm, IsSlowWhereTheFactorIsBeyondTheFastWays) {
+TEST(FastForm, TakesTheSlowWayForVerySmallAndVeryLargeFactors) {
     EXPECT_EQ(wayOf({7, 0, 3, 898, false}), TIES);
     EXPECT_EQ(wayOf({7, 0, 3, 900, false}), SLOWLY);
     EXPECT_EQ(wayOf({7, 0, 3, -901, false}), TIES);
@@ -458,8 +459,8 @@ TEST(FastForm, IsSlowWhereTheFactorIsBeyondTheFastWays) {
 
 mpq_class fractionOf(double x) { return mpq_class(x); }
 
-// The numbers of a form are those that the proofs (tests/proofs) and docs/exact-fast.md speak of.
-TEST(FastForm, EnclosesWhatIsMissingOfTheFactor) {
+// The proofs (tests/proofs) and docs/exact-fast.md assume this.
+TEST(FastForm, TailsEncloseTheRestOfTheFactor) {
     const mpq_class unit = mpq_class(1) / (mpz_class(1) << 100);
     for (const CShortLine& line : Factors) {
         const WholeLine judge(line);
@@ -491,8 +492,7 @@ TEST(FastForm, EnclosesWhatIsMissingOfTheFactor) {
     }
 }
 
-// Tails that begin far below the head, and slack that is just as much as there is.
-TEST(FastForm, KeepsTailsFarBelowTheHead) {
+TEST(FastForm, HasTheRightTailsFarBelowTheHead) {
     const WholeLine unused({1, 0, 1, 0, false});
     const std::uint64_t highest = std::uint64_t{1} << 63;
     const CLeading far = {{highest, 0, highest}, -191, true};
@@ -501,14 +501,14 @@ TEST(FastForm, KeepsTailsFarBelowTheHead) {
     EXPECT_EQ(form.Tail, 0x1p-128);
     EXPECT_EQ(form.TailLow, 0);
     EXPECT_EQ(form.TailHigh, 0x1p-100 + 0x1p-128);
-    // A tail of 64 bits does not end within 53, and is rounded up.
+    // A tail of 64 bits is rounded up to 53.
     const CLeading longer = {{highest, highest | 1, 0}, -191, true};
     EXPECT_EQ(CFastForm(longer, nullptr, &unused).TailHigh, 0x1p-64 + 0x1p-100 + 0x1p-116);
     const CLeading near = {{highest | 5, std::uint64_t{1} << 27, 0}, -191, true};
     EXPECT_EQ(CFastForm(near, nullptr, &unused).TailLow, 5 * 0x1p-63);
 }
 
-TEST(FastForm, AsksTheSlowWayOnceForEachValue) {
+TEST(FastForm, CallsTheSlowWayOnceForEachValue) {
     const CShortLine line = {7, 0, 3, 1000, false};
     const WholeLine judge(line);
     forAllLoops([&](const CLoops& loops) {
@@ -519,7 +519,7 @@ TEST(FastForm, AsksTheSlowWayOnceForEachValue) {
         long before = WholeLine::Calls;
         slow.convertAll(values, results, 3);
         EXPECT_EQ(WholeLine::Calls, before + 3) << loops.Name;
-        // Of whole numbers only for those that are no doubles.
+        // For whole numbers, only for those that no double can have.
         const CFastForm fast = formOf({9, 0, 5, 0, false}, false, judge, loops);
         const std::int64_t most = std::int64_t{1} << 53;
         const std::int64_t numbers[] = {1, -most, most, most + 1, -most - 1};
@@ -532,7 +532,7 @@ TEST(FastForm, AsksTheSlowWayOnceForEachValue) {
     });
 }
 
-TEST(FastForm, HasTheLimitsOfItsArgument) {
+TEST(FastForm, HasTheLimitsOfTheProof) {
     const auto limits = [](const CShortLine& line) {
         return formOf(line, true, WholeLine(line), bestLoops());
     };
@@ -552,7 +552,7 @@ TEST(FastForm, HasTheLimitsOfItsArgument) {
     EXPECT_EQ(line.LeastDistance, orderedBits(160.0 / 9 * 5 * 0x1p-41));
     EXPECT_EQ(line.Slack, line.Head * 0x1p-99);
     EXPECT_EQ(line.SlackCenter, line.Slack * -line.Center);
-    // Both are cut off: 1.8 would be rounded up, and 160/9, too.
+    // Head and center are rounded towards zero. The nearest doubles would be larger.
     EXPECT_EQ(line.Head, std::nextafter(1.8, 0));
     EXPECT_EQ(line.Center, std::nextafter(-160.0 / 9, 0));
     const mpq_class center = mpq_class(160, 9) + fractionOf(line.Center);
@@ -566,7 +566,7 @@ TEST(FastForm, HasTheLimitsOfItsArgument) {
     EXPECT_GE(inverse, fractionOf(line.InverseTail));
     EXPECT_LT(inverse, fractionOf(std::nextafter(line.InverseTail, 1)));
 
-    // Longer numbers: every disagreement is decided by the slow way.
+    // For longer numbers, the slow way decides whenever the two sums differ.
     const std::uint64_t most = std::uint64_t{1} << 40;
     for (const CShortLine& known :
          {CShortLine{most, 1, 1, 0, false}, CShortLine{1, most, 1, 0, false},
@@ -598,7 +598,6 @@ TEST(FastForm, SplitsTheFactorIntoHalvesOf26Bits) {
     }
 }
 
-// The fast ways decide by themselves, or they would not be fast.
 TEST(FastForm, DecidesUsualValuesZerosAndTiesWithoutTheSlowWay) {
     forAllLoops([](const CLoops& loops) {
         for (const CShortLine& line :
@@ -606,7 +605,7 @@ TEST(FastForm, DecidesUsualValuesZerosAndTiesWithoutTheSlowWay) {
               CShortLine{18, 0, 5, 0, false}, CShortLine{9, 160, 5, 0, false},
               CShortLine{5, 160, 9, 0, true}, CShortLine{20, 5463, 20, 0, false},
               CShortLine{45359237, 0, 100000000, 0, false}}) {
-            // Long numbers would be decided without the slow way, too, so it is told nothing of them.
+            // CShortLine would decide without the slow way, so it is switched off.
             CShortLine hidden = line;
             const WholeLine judge(line);
             CFastForm form = formOf(hidden, true, judge, loops);
@@ -621,7 +620,7 @@ TEST(FastForm, DecidesUsualValuesZerosAndTiesWithoutTheSlowWay) {
             }
             for (double& value : values) {
                 value =
-                    value == 32 ? 33 : value;  // 32 °F is exactly zero, which the slow way finds
+                    value == 32 ? 33 : value;  // 32 °F is exactly 0 °C, which needs the slow way
             }
             std::vector<double> results(values.size());
             const long before = WholeLine::Calls;
@@ -634,9 +633,10 @@ TEST(FastForm, DecidesUsualValuesZerosAndTiesWithoutTheSlowWay) {
     });
 }
 
-// From the least to the greatest value for which the way is proved, all are decided, one by one and in a loop.
+// The least and the greatest value for which the way is proved are decided, also in a loop. Smaller
+// values are not.
 TEST(FastForm, DecidesAtItsLimitsWithoutTheSlowWay) {
-    // The ways with a factor: proved, with ties, and tested.
+    // The ways PROVED, TIES and TESTED.
     const std::pair<CShortLine, bool> lines[] = {
         {{5, 0, 9, 0, false}, true}, {{9, 0, 5, 0, false}, true}, {{9, 0, 5, 0, false}, false}};
     forAllLoops([&](const CLoops& loops) {
@@ -665,14 +665,15 @@ TEST(FastForm, DecidesAtItsLimitsWithoutTheSlowWay) {
     });
 }
 
-// With an offset a disagreement is a tie between the limits, and unknown beyond them.
-TEST(FastForm, TakesADisagreementForATieBetweenItsLimitsAlone) {
+// If the two sums with an offset differ, the result is a tie for values between the limits, and unknown
+// beyond.
+TEST(FastForm, DecidesTiesOnlyBetweenItsLimits) {
     const CShortLine line = {9, 160, 5, 0, false};
     const WholeLine judge(line);
     forAllLoops([&](const CLoops& loops) {
         CFastForm form = formOf(line, true, judge, loops);
         form.HasLine = false;
-        form.Slack *= 0x1p60;  // so that the limits of every result are different
+        form.Slack *= 0x1p60;  // so that the two sums always differ
         form.SlackCenter *= 0x1p60;
         const auto isDecided = [&](double x) {
             double result = 0;
@@ -690,14 +691,14 @@ TEST(FastForm, TakesADisagreementForATieBetweenItsLimitsAlone) {
             EXPECT_TRUE(isDecided(sign * most));
             EXPECT_FALSE(isDecided(sign * std::nextafter(most, 1e300)));
         }
-        // Distances from the center, as they come from the doubles beside it.
+        // Distances from the center.
         form.LeastDistance = orderedBits(0x1p-30);
         EXPECT_TRUE(isDecided(form.Center + 0x1p-30));
         EXPECT_TRUE(isDecided(form.Center - 0x1p-30));
         EXPECT_FALSE(isDecided(form.Center + 0x1p-31));
         EXPECT_FALSE(isDecided(form.Center - 0x1p-31));
 
-        // Long numbers have no limits between which it shows a tie.
+        // Without a CShortLine, no value is between the limits.
         CFastForm unknown = formOf(line, false, judge, loops);
         unknown.Slack *= 0x1p60;
         unknown.SlackCenter *= 0x1p60;
@@ -709,8 +710,8 @@ TEST(FastForm, TakesADisagreementForATieBetweenItsLimitsAlone) {
     });
 }
 
-// A loop of many asks for single values too near to the center, also where the limits agree.
-TEST(FastForm, LeavesValuesNextToTheCenterToTheSingleWays) {
+// A loop decides no value too close to the center, even if the two sums are equal.
+TEST(FastForm, LoopsLeaveValuesNextToTheCenterToSingleConversions) {
     const CShortLine line = {9, 160, 5, 0, false};
     const WholeLine judge(line);
     forAllLoops([&](const CLoops& loops) {
@@ -727,7 +728,7 @@ TEST(FastForm, LeavesValuesNextToTheCenterToTheSingleWays) {
     });
 }
 
-TEST(FastForm, LeavesNoUsualArrayToTheSingleValues) {
+TEST(FastForm, LoopsDecideUsualArrays) {
     forAllLoops([](const CLoops& loops) {
         for (const CShortLine& line :
              {CShortLine{9, 0, 5, 0, false}, CShortLine{5, 0, 9, 0, false},
@@ -741,7 +742,7 @@ TEST(FastForm, LeavesNoUsualArrayToTheSingleValues) {
             float narrow[std::size(values)] = {};
             EXPECT_TRUE(loops.Narrow(values, narrow, std::size(values)));
         }
-        // Tested, where the two sums agree.
+        // The way TESTED, for values whose two sums are equal.
         const CShortLine line = {5, 0, 9, 0, false};
         const WholeLine judge(line);
         const CFastForm form = formOf(line, false, judge, loops);
@@ -752,7 +753,7 @@ TEST(FastForm, LeavesNoUsualArrayToTheSingleValues) {
     });
 }
 
-TEST(FastForm, AsksForAnotherRoundingToFloatOnlyInTheMiddleAndBelowTheNormalOnes) {
+TEST(FastForm, NarrowReportsOnlyMiddlesAndSubnormalFloats) {
     forAllLoops([](const CLoops& loops) {
         const auto isSure = [&](double x) {
             float result = 0;
@@ -772,7 +773,7 @@ TEST(FastForm, AsksForAnotherRoundingToFloatOnlyInTheMiddleAndBelowTheNormalOnes
     });
 }
 
-TEST(FastForm, AsksTheSlowWayIfShortNumbersAreNotEnough) {
+TEST(FastForm, CallsTheSlowWayIf128BitsAreTooFew) {
     const CShortLine line = {9, 160, 5, 0, false};
     const WholeLine judge(line);
     const CFastForm form = formOf(line, true, judge, bestLoops());
@@ -816,7 +817,7 @@ TEST(FastForm, DividesEveryCountOf16BitsRight) {
             right.push_back(judge.convert(CNumber::ofWhole(n), CFormat::ofDouble()).Bits);
         }
         forAllLoops([&](const CLoops& loops) {
-            // Of the factor and the center nothing is used.
+            // The factor and the center are not used.
             const CLeading one = CLeading::ofQuotient(1, 1, 0);
             const CFastForm form(one, one, false, &line, &judge, loops);
             ASSERT_GE(form.MostWhole, 0x1p15);
@@ -829,7 +830,7 @@ TEST(FastForm, DividesEveryCountOf16BitsRight) {
     }
 }
 
-// Very many results are written past the caches. They begin at any address, and nothing beside them changes.
+// Very many results are written past the caches. The elements before and after them do not change.
 TEST(FastForm, GivesTheSameBitsPastTheCaches) {
     const std::size_t count = 4'000'100;
     std::vector<double> values(count);
@@ -846,7 +847,7 @@ TEST(FastForm, GivesTheSameBitsPastTheCaches) {
         form.convertAll(values.data(), results.data() + 1, count);
         EXPECT_EQ(results.front(), -1);
         EXPECT_EQ(results.back(), -1);
-        // Of floats twice as many.
+        // Floats need twice as many values.
         values.resize(2 * count, 98.6);
         form.convertAll(values.data(), narrow.data() + 1, 2 * count);
         EXPECT_EQ(narrow.front(), -1);
@@ -867,7 +868,7 @@ TEST(FastForm, GivesTheSameBitsPastTheCaches) {
     }
 }
 
-TEST(FastForm, HasTheWaysOfThisProcessorInTheOrderOfTheirSpeed) {
+TEST(FastForm, ListsTheLoopsOfThisProcessorTheFastestFirst) {
     std::string names;
     for (const CLoops* const* loops = availableLoops(); *loops != nullptr; ++loops) {
         names += std::string(names.empty() ? "" : ", ") + (*loops)->Name;

@@ -1,4 +1,5 @@
-// Judge.h: the double nearest to an exact result, by GMP and MPFR, which the library does not use.
+// Judge.h: computes the double nearest to an exact result with GMP and MPFR, independently of the
+// library.
 #ifndef MENSOR_TESTS_JUDGE_H
 #define MENSOR_TESTS_JUDGE_H
 
@@ -40,19 +41,19 @@ private:
     mpfr_t m_Value;
 };
 
-/// numerator/denominator·2^twos as a double, rounded once to the nearest, ties to even. Zero is +0.
+/// Rounds numerator/denominator·2^twos once to the nearest double, ties to even. Zero is +0.
 inline double nearest(const mpz_class& numerator, const mpz_class& denominator, long twos) {
     Number exact(static_cast<mpfr_prec_t>(mpz_sizeinbase(numerator.get_mpz_t(), 2)) + 2);
     mpfr_set_z_2exp(exact, numerator.get_mpz_t(), twos, MPFR_RNDN);
     if (numerator == 0) {
         return 0.0;
     }
-    // As many bits as a double has at this place: 53, or fewer below 2^-1022.
+    // The number of bits of a double of this size: 53, or fewer below 2^-1022.
     Number truncated(60);
     const bool isTruncated = mpfr_div_z(truncated, exact, denominator.get_mpz_t(), MPFR_RNDZ) != 0;
     const long bits = std::min(53L, static_cast<long>(mpfr_get_exp(truncated)) + 1074);
     if (bits < 1) {
-        // Above the half of the smallest double it becomes that, at the half zero, which is even.
+        // More than half of the smallest double is rounded to that, exactly half to zero.
         const bool isAboveHalf = bits == 0 && (isTruncated || mpfr_min_prec(truncated) > 1);
         return std::copysign(isAboveHalf ? std::numeric_limits<double>::denorm_min() : 0.0,
                              mpfr_sgn(static_cast<mpfr_ptr>(truncated)));
@@ -75,7 +76,7 @@ struct Parts {
     long Twos;
 };
 
-/// The conversion factor·x + offset with fractions: (A·x + B)/D.
+/// The conversion factor·x + offset with fractions, as (A·x + B)/D.
 class LinearJudge {
 public:
     LinearJudge(const mpq_class& factor, const mpq_class& offset)
@@ -114,8 +115,8 @@ private:
     mpz_class m_A, m_B, m_D;
 };
 
-/// The conversion factor·x, where the factor is a fraction to the power 1/root times π^pi: bounds of it
-/// with so many bits that both give one double.
+/// The conversion factor·x, where the factor is radicand^(1/root)·π^(pi/piRoot). It uses bounds of the
+/// factor with 400 bits, so close that both give the same double.
 class IrrationalJudge {
 public:
     IrrationalJudge(const mpq_class& radicand, unsigned long root, long pi,
@@ -125,7 +126,7 @@ public:
         bound(m_High, radicand, root, pi, piRoot, MPFR_RNDU, MPFR_RNDD);
     }
 
-    /// NaN if the bits do not suffice, which no test has met.
+    /// Returns NaN if the bits do not suffice. The tests would then fail.
     double convert(double x) {
         if (!std::isfinite(x) || x == 0.0) {
             return x;
@@ -163,11 +164,11 @@ private:
     Number m_Low, m_High;
 };
 
-/// Doubles of about 2^exponent that are hard to convert: their results are ties, or next to ties. At each
-/// the result lies in the middle between two neighbouring doubles, or as near to it as it can be.
+/// Returns doubles of about 2^exponent that are hard to convert: the result is the middle between two
+/// neighbouring doubles, or as close to it as possible.
 inline std::vector<double> hardCases(const LinearJudge& judge, int exponent) {
     std::vector<double> cases;
-    // x = m·2^twos with m of at most 53 bits, the result y = (A·x + B)/D about n·2^place.
+    // x = m·2^twos, where m has at most 53 bits. The result y = (A·x + B)/D is about n·2^place.
     const long twos = exponent - 52;
     const auto take = [&](const mpz_class& m) {
         if (m != 0 && mpz_sizeinbase(m.get_mpz_t(), 2) <= 53) {
@@ -177,14 +178,14 @@ inline std::vector<double> hardCases(const LinearJudge& judge, int exponent) {
             }
         }
     };
-    // The size of the result is that of the larger of the two terms, or one more.
+    // The number of bits of the result is that of the larger term, or one more.
     const auto bits = [](const mpz_class& number) {
         return number == 0 ? -5000L : static_cast<long>(mpz_sizeinbase(number.get_mpz_t(), 2));
     };
     const long size = std::max(bits(judge.a()) + exponent, bits(judge.b())) - bits(judge.d()) - 52;
     for (long about = size - 1; about <= size + 1; ++about) {
         const long place = std::max(about, -1074L);
-        // 2n = (P·m + R)/Q. The hard m are those where that is odd, or nearly so.
+        // 2n = (P·m + R)/Q. An m is hard if this is an odd number or very close to one.
         const long shift = std::max({0L, place - 1 - twos, place - 1});
         mpz_class p = judge.a() << static_cast<unsigned long>(twos + 1 - place + shift);
         const mpz_class r = judge.b() << static_cast<unsigned long>(1 - place + shift);
@@ -193,13 +194,13 @@ inline std::vector<double> hardCases(const LinearJudge& judge, int exponent) {
             const mpz_class common = gcd(p, q);
             p /= common;
             q /= common;
-            // Ties: an odd multiple of Q, where P is odd.
+            // Ties: odd multiples of Q, if P is odd.
             const mpz_class most = mpz_class(1) << 53;
             for (unsigned long i = 1; p % 2 != 0 && i < 4; ++i) {
                 const mpz_class times = (most / q - 1) / i;
                 take(q * (times % 2 == 0 ? times - 1 : times));
             }
-            // Nearly so: the convergents n/m of P/Q, and their odd multiples.
+            // Close to ties: the convergents n/m of P/Q, and their odd multiples.
             mpz_class m0 = 1, m1 = 0, n0 = 0, n1 = 1;
             for (mpz_class a = p, b = q; b != 0;) {
                 const mpz_class step = a / b;
@@ -218,7 +219,7 @@ inline std::vector<double> hardCases(const LinearJudge& judge, int exponent) {
             }
             continue;
         }
-        // P·m + R = Q + d modulo 2Q, with a small d for which that has a solution.
+        // Solves P·m + R = Q + d modulo 2Q for small d.
         const mpz_class modulus = 2 * q;
         const mpz_class common = gcd(p, modulus);
         const mpz_class reduced = p / common;

@@ -1,5 +1,6 @@
-// NearMiddle_test.cpp: what is said to need no test needs none. All factors of some bits times all numbers
-// of 8 bits, and small fractions times all numbers of 12 bits, in arithmetic of so many bits.
+// NearMiddle_test.cpp: if NearMiddle.h says that a factor needs no test, all its products are rounded
+// correctly. It tries all factors of 20 bits with all numbers of 8 bits, and small fractions with all
+// numbers of 12 bits.
 #include "mensor_exact/NearMiddle.h"
 
 #include <gtest/gtest.h>
@@ -34,14 +35,14 @@ std::uint64_t highest(std::uint64_t number, int bits) {
     return drop <= 0 ? number : number >> drop << drop;
 }
 
-// Head·x + tail·x as the fast way computes it.
+// Head·x + tail·x with the roundings of the fast conversion.
 std::uint64_t sumOfProducts(std::uint64_t head, std::uint64_t tail, std::uint64_t x, int bits) {
     return nearestOf(head * x + nearestOf(tail * x, bits), bits);
 }
 
-TEST(NearMiddle, NeedsNoTestForFactorsOf20BitsOnlyIfAllProductsOf8BitsAreRight) {
+TEST(NearMiddle, ProvesAFactorOnlyIfAllItsProductsAreRight) {
     constexpr int Bits = 8;
-    constexpr int Places = 19;  // of the factor, behind the point
+    constexpr int Places = 19;  // of the factor, after the binary point
     int proved = 0, tested = 0, wrong = 0;
     for (std::uint64_t factor = std::uint64_t{1} << Places; factor < std::uint64_t{2} << Places;
          ++factor) {
@@ -61,20 +62,20 @@ TEST(NearMiddle, NeedsNoTestForFactorsOf20BitsOnlyIfAllProductsOf8BitsAreRight) 
         tested += !isProved && isRight ? 1 : 0;
         wrong += isRight ? 0 : 1;
     }
-    // Some factors have a wrong product, and few others are not recognised: those with ties.
+    // Some factors have a wrong product. Of the others, only the few with ties are not proved.
     EXPECT_GT(wrong, 0);
     EXPECT_GT(proved, 10 * tested);
 }
 
-// The same for sums that are deliberately wrong by as much as is allowed: no near product is overlooked.
-TEST(NearMiddle, FindsEveryProductThatTheErrorCouldMove) {
+// Here the sums have the largest error that is allowed.
+TEST(NearMiddle, FindsEveryProductThatTheLargestErrorCouldChange) {
     constexpr int Bits = 8;
     constexpr int Places = 19;
     for (std::uint64_t factor = std::uint64_t{1} << Places; factor < std::uint64_t{2} << Places;
          factor += 3) {
         bool isRight = true;
         const auto compute = [&](std::uint64_t x) {
-            // 2^(3 - Bits) of a place, which is 2 for products of Bits + 1 bits.
+            // 2^(3 - Bits) of the last place.
             const std::uint64_t product = factor * x;
             const int place = bitsOfWhole(product) - Bits;
             const std::uint64_t error = (std::uint64_t{1} << place >> (Bits - 3)) - 1;
@@ -89,8 +90,7 @@ TEST(NearMiddle, FindsEveryProductThatTheErrorCouldMove) {
     }
 }
 
-// A product that is nearer to a middle than the known bits can tell, above it and below it.
-TEST(NearMiddle, TrustsNoProductNextToTheMiddle) {
+TEST(NearMiddle, ProvesNoFactorWithAProductTooCloseToTheMiddle) {
     constexpr int Bits = 8;
     const auto isProved = [](const std::uint64_t(&twice)[3], std::uint64_t rounded) {
         return isNeverNearMiddle(Bits, twice, [&](std::uint64_t n) {
@@ -101,8 +101,8 @@ TEST(NearMiddle, TrustsNoProductNextToTheMiddle) {
                             : static_cast<std::uint64_t>(std::nearbyint(product / place) * place);
         });
     };
-    // (259 ± 2^-61)/129, and (259 ± 2^-40)/129, which is far enough. Halved and times 129, they are next to
-    // 129.5.
+    // Twice the factor is (259 ± 2^-61)/129, and then (259 ± 2^-40)/129. The product with 129 is next
+    // to 129.5. Only 2^-40 is far enough.
     EXPECT_FALSE(isProved({0x807F01FC07F01FC0, 0x82FA0BE82FA0BE82, 0xFA0BE82FA0BE82FA}, 130));
     EXPECT_FALSE(isProved({0x807F01FC07F01FC0, 0x7B09EC27B09EC27B, 0x09EC27B09EC27B09}, 129));
     EXPECT_TRUE(isProved({0x807F01FC07F09EC2, 0x7B09EC27B09EC27B, 0x09EC27B09EC27B09}, 130));
@@ -114,7 +114,7 @@ TEST(NearMiddle, VisitsAllNumbersWhoseMultiplesAreNearWholeOnes) {
     for (int i = 0; i < 3000; ++i) {
         CTwoWords alpha = {random(), random()};
         if (i % 3 == 0) {
-            // A fraction, whose multiples come back to the same places.
+            // A fraction. Its multiples repeat.
             std::uint64_t rest = 0;
             const std::uint64_t divisor = random() % 300 + 2;
             alpha = {quotient({random() % divisor, 0}, divisor, rest), 0};
@@ -138,7 +138,7 @@ TEST(NearMiddle, VisitsAllNumbersWhoseMultiplesAreNearWholeOnes) {
     }
 }
 
-TEST(NearMiddle, StopsWhereThereAreTooManyNumbers) {
+TEST(NearMiddle, GivesUpIfThereAreTooManyNumbers) {
     int visited = 0;
     const auto visit = [&](std::uint64_t) {
         ++visited;
@@ -149,7 +149,7 @@ TEST(NearMiddle, StopsWhereThereAreTooManyNumbers) {
     EXPECT_FALSE(visitNearWholes(half, small, 602, visit));  // 300 even numbers
     EXPECT_EQ(visited, 300);
     EXPECT_TRUE(visitNearWholes(half, small, 600, visit));
-    // A step of 2^-64 takes too many sums until it comes near.
+    // Here the sums of steps take too long.
     EXPECT_FALSE(visitNearWholes({1 << 20, 0}, {1, 0}, std::uint64_t{1} << 53, visit));
     visited = 0;
     EXPECT_FALSE(visitNearWholes(half, small, 100, [&](std::uint64_t) { return ++visited < 3; }));
@@ -158,9 +158,9 @@ TEST(NearMiddle, StopsWhereThereAreTooManyNumbers) {
 
 std::uint64_t oddPartOf(std::uint64_t number) { return number >> __builtin_ctzll(number); }
 
-// All fractions of small odd parts: they have ties if hasTies says so; without ties one sum is right, and
-// with ties the even one of the two.
-TEST(NearMiddle, IsRightForAllSmallFractionsTimesAllNumbersOf12Bits) {
+// Tries all fractions with small odd parts. A product is a tie only if hasTies() is true. Without ties
+// one sum is right. With ties the even one of two sums is right.
+TEST(NearMiddle, SmallFractionsTimesNumbersOf12BitsAreRight) {
     constexpr int Bits = 12;
     ASSERT_EQ(mostOddPart(Bits), 16U);
     int withTies = 0, without = 0;
@@ -192,7 +192,7 @@ TEST(NearMiddle, IsRightForAllSmallFractionsTimesAllNumbersOf12Bits) {
             bool ties = false;
             for (std::uint64_t x = std::uint64_t{1} << (Bits - 1); x < std::uint64_t{1} << Bits;
                  ++x) {
-                // The nearest number to x·numerator/denominator, and whether that is in the middle.
+                // The number nearest to x·numerator/denominator, and whether that product is a tie.
                 const std::uint64_t product = x * numerator;
                 const int place = product >= denominator << Bits ? 1 : 0;
                 const std::uint64_t unit = denominator << place;
@@ -222,7 +222,7 @@ TEST(NearMiddle, IsRightForAllSmallFractionsTimesAllNumbersOf12Bits) {
     EXPECT_GT(without, 10);
 }
 
-TEST(NearMiddle, KnowsWhichEverydayFactorsHaveTies) {
+TEST(NearMiddle, FindsTheEverydayFactorsWithTies) {
     EXPECT_TRUE(hasTies(53, 9, 5));
     EXPECT_TRUE(hasTies(53, 3, 1));
     EXPECT_FALSE(hasTies(53, 5, 9));

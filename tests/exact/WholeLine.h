@@ -1,5 +1,5 @@
-// WholeLine.h: (A·x ± B)·2^twos/D with whole numbers of GMP, rounded once: the judge of the fast ways, and
-// the slow way that they fall back to in tests.
+// WholeLine.h: the conversion (A·x ± B)·2^twos/D, computed with GMP and rounded once. Tests of the fast
+// conversions compare results with it, and use it as the slow way.
 #ifndef MENSOR_TESTS_WHOLELINE_H
 #define MENSOR_TESTS_WHOLELINE_H
 
@@ -39,7 +39,7 @@ public:
         const bool isNegative = sum < 0;
         sum = abs(sum);
 
-        // The least exponent of a last place with which the quotient does not have too many bits.
+        // The smallest exponent of the last place for which the quotient fits into the format.
         const long twos = place + m_Line.Twos;
         long least = static_cast<long>(mpz_sizeinbase(sum.get_mpz_t(), 2)) -
                      static_cast<long>(mpz_sizeinbase(divisor.get_mpz_t(), 2)) + twos -
@@ -63,7 +63,7 @@ public:
         const double value = std::ldexp(quotient.get_d(), static_cast<int>(std::min(least, 5000L)));
         std::uint64_t bits = bitsOfDouble(value);
         if (format.MantissaBits == 24) {
-            bits = bitsOfFloat(static_cast<float>(value));  // exact, or infinity
+            bits = bitsOfFloat(static_cast<float>(value));  // exact or infinite
         }
         return {isNegative ? bits | signBit : bits, rest == 0};
     }

@@ -1,6 +1,6 @@
 #!/bin/bash
-# Proves the bounds that the fast exact conversions rest on, with gappa. Each script names a change of itself
-# that makes the bound too small. Changed so, it must not be proved.
+# Proves the bounds that the fast conversions need, with gappa. The line "control" of each script names
+# a change that makes its bound too small. gappa must not prove the changed script.
 #
 # usage: check.sh
 set -euo pipefail

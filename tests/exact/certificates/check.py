@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
-"""Derives conversions again from their certificates, JSON objects, one a line of the standard input.
-A quantity is ((base, root, power), units): base^(1/root)·π^power of the units, by their exponents."""
+"""Checks certificates of conversions. Reads one JSON object from each line of the standard input and computes the
+conversion again from the definitions in it. A quantity is ((base, root, power), units), that is
+base^(1/root)·π^power in units with these exponents."""
 import json, math, re, sys
 from fractions import Fraction
 
@@ -19,7 +20,7 @@ def times(a, b, e):  # a·b^e
     return ((x ** (root // m) * y ** int(root * e / n), root, p + q * e),
             {u: k for u, k in sums.items() if k})
 
-def evaluate(text, definitions, used):  # the quantity and its zero, in base units
+def evaluate(text, definitions, used):  # the quantity, and its zero in base units
     text, _, offset = text.partition(", offset ")
     product, zero, at = number(1), 0, 0
     while at < len(text):
@@ -39,7 +40,7 @@ def evaluate(text, definitions, used):  # the quantity and its zero, in base uni
     top, _, bottom = (offset or "0").partition("/")
     return product, zero + product[0][0] * Fraction(top) / Fraction(bottom or 1)
 
-def agrees(exact, is_negative, given):  # with a number of the certificate, also as it is written
+def agrees(exact, is_negative, given):  # whether a number of the certificate and its text have this value
     base, root = Fraction(int(given["numerator"]), int(given["denominator"])), given["root"]
     text = evaluate(given["text"].lstrip("-"), {}, set())[0][0]
     return all(base ** x[1] == x[0] ** root and Fraction(given["pi"]) == x[2] for x in (exact, text)

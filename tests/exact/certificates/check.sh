@@ -1,7 +1,7 @@
 #!/bin/bash
 # usage: check.sh COMMAND...    COMMAND is print_certificates.
 #
-# Every certificate is right to check.py, and each that is spoiled is refused.
+# Tests that check.py accepts every certificate and refuses every spoiled one.
 set -u
 here=$(dirname "$0")
 failed=0

@@ -1,5 +1,6 @@
-// print.cpp: the certificates of the whole catalogue and all packs, one JSON object a line, for
-// check.py: each unit to the base units, and to its neighbours among the units of its dimensions.
+// print.cpp: prints certificates for check.py, one JSON object in each line: from each unit of the
+// catalogue and all packs to its base units and to the units before and after it that have the same
+// dimensions.
 //
 //     print_certificates            all of them
 //     print_certificates FROM TO    one
@@ -53,7 +54,7 @@ int main(int argc, char** argv) {
     }
     printAll(catalogue);
     printAll(catalogueOf(ePack::IMPERIAL));
-    // Roots, π in both units, groups, and marks that vanish.
+    // Roots, π in both units, groups, and units with different marks.
     for (const auto& [from, to] : {std::pair("V/kHz^(1/2)", "µV/Hz^(1/2)"),
                                    {"ft^(1/2)", "km^(1/2)"},
                                    {"rpm", "°/s"},
@@ -63,7 +64,7 @@ int main(int argc, char** argv) {
                                    {"%", "ppm"}}) {
         print(from, to, catalogue);
     }
-    // A program's own: names that were taken away, zeros, π and roots, and packs that rest on others.
+    // Definitions of a program: replaced names, zeros, π and roots.
     const CCatalogue own = mensor::exact::readDefinitions(
         "qway = 3 km/h\n"
         "replace km = 2 km\n"
@@ -77,6 +78,7 @@ int main(int argc, char** argv) {
         "replace rev = 3 °\n",
         catalogue, "units.txt");
     printAll(own);
+    // A unit of a pack that is defined by a unit of another pack.
     const CCatalogue gauge = CCatalogue::builtIn().with(ePack::OFFSETS);
     print("psi_g", "Pa", gauge);
     print("psi_g", "Pa", gauge.with({{"lbf", "3 N"}}));

@@ -1,4 +1,4 @@
-// ExactDefinitions_test.cpp: catalogues know what they have, and refuse what is no definition.
+// Definitions_test.cpp: catalogues find and evaluate definitions, and refuse malformed ones.
 #include "mensor_exact/Definitions.h"
 
 #include <gmock/gmock.h>
@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "exact/DefinitionTable.h"
-#include "exact/Refusal.h"
+#include "exact/expect_error.h"
 
 namespace mensor::exact {
 namespace {
@@ -22,11 +22,11 @@ std::string meaning(const char* definition) { return BuiltIn.evaluate(definition
 
 void expectRefused(eError code, const std::string& definition, const std::string& sentence = "") {
     SCOPED_TRACE(definition);
-    expectRefusal(
+    expectError(
         code, [&] { BuiltIn.evaluate(definition); }, sentence);
 }
 
-TEST(ExactDefinitions, FindNamesExactlyAsTheyAreWritten) {
+TEST(Definitions, FindOnlyTheExactSpellingOfAName) {
     const auto found = BuiltIn.find("km");
     ASSERT_TRUE(found);
     EXPECT_EQ(found->Name, "km");
@@ -42,7 +42,7 @@ TEST(ExactDefinitions, FindNamesExactlyAsTheyAreWritten) {
     }
 }
 
-TEST(ExactDefinitions, HaveEveryRowOfTheTable) {
+TEST(Definitions, HaveEveryRowOfTheTable) {
     CCatalogue all = BuiltIn;
     for (const ePack pack :
          {ePack::CUSTOMARY, ePack::US, ePack::SCIENCE, ePack::OFFSETS, ePack::COUNTING}) {
@@ -61,7 +61,7 @@ TEST(ExactDefinitions, HaveEveryRowOfTheTable) {
         EXPECT_EQ(definition.English, row.English);
         EXPECT_EQ(definition.Source, row.Source);
         EXPECT_EQ(all.find(row.Name)->Text, row.Definition) << row.Name;
-        // What the compiler has computed, and what is computed now.
+        // Compares the meaning that the compiler has computed with one that is computed now.
         if (!row.Definition.empty()) {
             EXPECT_EQ(all.meaning(row.Name), all.evaluate(row.Definition)) << row.Name;
         } else {
@@ -71,7 +71,7 @@ TEST(ExactDefinitions, HaveEveryRowOfTheTable) {
     EXPECT_EQ(next, found.size());
 }
 
-TEST(ExactDefinitions, OfAPackAreThereOnlyWithThePack) {
+TEST(Definitions, OfAPackNeedThePack) {
     EXPECT_FALSE(BuiltIn.find("in"));
     const CCatalogue more = BuiltIn.with(ePack::CUSTOMARY);
     EXPECT_EQ(more.find("in")->Text, "25.4 mm");
@@ -81,20 +81,20 @@ TEST(ExactDefinitions, OfAPackAreThereOnlyWithThePack) {
     EXPECT_EQ(BuiltIn.with(ePack::SI).definitions().size(), BuiltIn.definitions().size());
 }
 
-TEST(ExactDefinitions, WithoutACountryAreThoseOfOneCountry) {
+TEST(Definitions, NamesWithoutACountryDependOnThePack) {
     const CCatalogue american = BuiltIn.with(ePack::US);
     const CCatalogue british = BuiltIn.with(ePack::IMPERIAL);
     EXPECT_EQ(american.meaning("gal")->toString(), "0.003785411784 m³");
     EXPECT_EQ(british.meaning("gal")->toString(), "0.00454609 m³");
-    expectRefusal(
+    expectError(
         eError::NAME_TAKEN, [&] { american.with(ePack::IMPERIAL); },
         "the catalogue has \"ton\" already");
-    expectRefusal(eError::NAME_TAKEN, [&] { british.with(ePack::US); });
-    expectRefusal(
+    expectError(eError::NAME_TAKEN, [&] { british.with(ePack::US); });
+    expectError(
         eError::OPTIONS, [&] { british.with(ePack::OWN); }, "one's own definitions are no pack");
 }
 
-TEST(ExactDefinitions, AreProductsOfNumbersAndUnits) {
+TEST(Definitions, AreProductsOfNumbersAndUnits) {
     EXPECT_EQ(meaning("25.4 mm"), "0.0254 m");
     EXPECT_EQ(meaning("5/9 K"), "5/9 K");
     EXPECT_EQ(meaning("π/180 rad"), "π/180 rad");
@@ -126,7 +126,7 @@ TEST(ExactDefinitions, AreProductsOfNumbersAndUnits) {
     EXPECT_EQ(meaning("123456789012345678901234567890 m"), "123456789012345678901234567890 m");
 }
 
-TEST(ExactDefinitions, MayHaveAnOffset) {
+TEST(Definitions, MayHaveAnOffset) {
     EXPECT_EQ(meaning("5/9 K, offset 459.67"), "5/9 K + 45967/180");
     EXPECT_EQ(meaning("K, offset -273.15"), "K - 273.15");
     EXPECT_EQ(meaning("K,offset 1/3"), "K + 1/3");
@@ -136,7 +136,7 @@ TEST(ExactDefinitions, MayHaveAnOffset) {
     EXPECT_EQ(meaning("°C^1"), "K + 273.15");
 }
 
-TEST(ExactDefinitions, RefuseWhatIsNone) {
+TEST(Definitions, MalformedTextsAreRefused) {
     for (const char* const text :
          {"",         " ",      "m//s",  "m/",        "/m",         "·m",        "m·",
           "m··s",     "m^",     "m^x",   "m^-",       "m^(1/2",     "m^(1/)",    "m^(1/-2)",
@@ -155,7 +155,7 @@ TEST(ExactDefinitions, RefuseWhatIsNone) {
     expectRefused(eError::BAD_NUMBER, "m, offset 1/2/3");
 }
 
-TEST(ExactDefinitions, RefuseUnknownNames) {
+TEST(Definitions, UnknownNamesAreRefused) {
     expectRefused(eError::UNKNOWN_NAME, "furlong", "no unit has the name \"furlong\"");
     expectRefused(eError::UNKNOWN_NAME, "m/furlong");
     const std::string large(100, 'x');
@@ -165,7 +165,7 @@ TEST(ExactDefinitions, RefuseUnknownNames) {
                   "no unit has the name \"" + std::string(59, 'x') + "...\"");
 }
 
-TEST(ExactDefinitions, RefuseFactorsOfZeroAndBelow) {
+TEST(Definitions, ZeroAndNegativeFactorsAreRefused) {
     expectRefused(eError::NOT_POSITIVE, "0 m", "a factor is above zero, and 0 is not");
     expectRefused(eError::NOT_POSITIVE, "-5 m", "a factor is above zero, and -5 is not");
     expectRefused(eError::NOT_POSITIVE, "m·-5");
@@ -176,7 +176,7 @@ TEST(ExactDefinitions, RefuseFactorsOfZeroAndBelow) {
                   "an exponent with the denominator zero in \"m^(1/0)\"");
 }
 
-TEST(ExactDefinitions, RefuseExponentsAndNumbersOutOfRange) {
+TEST(Definitions, ExponentsAndNumbersOutOfRangeAreRefused) {
     EXPECT_EQ(meaning("m^99"), "m^99");
     EXPECT_EQ(meaning("m⁹⁹/m⁹⁸"), "m");
     expectRefused(eError::EXPONENT_RANGE, "m^100", "an exponent beyond 99 in \"m^100\"");
@@ -192,7 +192,7 @@ TEST(ExactDefinitions, RefuseExponentsAndNumbersOutOfRange) {
     expectRefused(eError::TOO_LARGE, "K, offset 1e5000");
 }
 
-TEST(ExactDefinitions, RefuseAnOffsetInAProduct) {
+TEST(Definitions, OffsetUnitsInProductsAreRefused) {
     const std::string sentence = "a unit with an offset, K + 273.15, in a product";
     expectRefused(eError::OFFSET_IN_PRODUCT, "m·°C", sentence);
     expectRefused(eError::OFFSET_IN_PRODUCT, "°C·m", sentence);
@@ -204,7 +204,7 @@ TEST(ExactDefinitions, RefuseAnOffsetInAProduct) {
     expectRefused(eError::OFFSET_NOT_RATIONAL, "π/180 rad, offset 1");
 }
 
-TEST(ExactDefinitions, OfAProgramMayUseEachOtherInAnyOrder) {
+TEST(Definitions, OfAProgramMayUseEachOtherInAnyOrder) {
     const CCatalogue own = BuiltIn.with({{"smoot", "1.7018 m", "smoot", "MIT, 1958"},
                                          {"bridge", "364.4 smoot"},
                                          {"ab", "2 cd_x"},
@@ -220,14 +220,14 @@ TEST(ExactDefinitions, OfAProgramMayUseEachOtherInAnyOrder) {
     EXPECT_EQ(own.find("smoot")->Source, "MIT, 1958");
     EXPECT_EQ(own.find("smoot")->Pack, ePack::OWN);
     EXPECT_FALSE(BuiltIn.find("smoot"));
-    // More on top of these.
+    // More definitions are added to these.
     const CCatalogue more = own.with({{"gross", "12 dozen"}}).with(ePack::CUSTOMARY);
     EXPECT_EQ(more.meaning("gross")->toString(), "144 piece");
     EXPECT_EQ(more.definitions().size(), BuiltIn.with(ePack::CUSTOMARY).definitions().size() + 8);
     EXPECT_FALSE(own.find("gross"));
 }
 
-TEST(ExactDefinitions, OfAProgramOutliveTheTextsTheyWereMadeFrom) {
+TEST(Definitions, OfAProgramAreCopied) {
     CCatalogue own = BuiltIn;
     {
         const std::string name = std::string("smoot") + "_long_enough_for_the_heap";
@@ -237,10 +237,10 @@ TEST(ExactDefinitions, OfAProgramOutliveTheTextsTheyWereMadeFrom) {
     EXPECT_EQ(own.find("smoot_long_enough_for_the_heap")->Text, "1.7018 m");
 }
 
-TEST(ExactDefinitions, OfAProgramThatLeadBackToThemselvesAreRefused) {
+TEST(Definitions, CyclesAreRefused) {
     const auto refused = [](const std::vector<CDefinition>& definitions,
                             const std::string& sentence) {
-        expectRefusal(
+        expectError(
             eError::CYCLE, [&] { BuiltIn.with(definitions); }, sentence);
     };
     refused({{"a1", "2 a1"}}, "the definition of \"a1\" leads back to itself");
@@ -254,7 +254,7 @@ TEST(ExactDefinitions, OfAProgramThatLeadBackToThemselvesAreRefused) {
         "108 m³");
 }
 
-TEST(ExactDefinitions, OfAProgramMayBeALongChain) {
+TEST(Definitions, OfAProgramMayBeALongChain) {
     constexpr int Length = 20000;
     std::vector<std::string> names;
     std::vector<std::string> texts;
@@ -269,38 +269,38 @@ TEST(ExactDefinitions, OfAProgramMayBeALongChain) {
     }
     EXPECT_EQ(BuiltIn.with(definitions).meaning("u_0_")->toString(), "m");
     definitions.back().Text = names.front();
-    expectRefusal(eError::CYCLE, [&] { BuiltIn.with(definitions); });
+    expectError(eError::CYCLE, [&] { BuiltIn.with(definitions); });
 }
 
-TEST(ExactDefinitions, OfAProgramNeedANameThatIsFree) {
-    expectRefusal(
+TEST(Definitions, OfAProgramNeedAFreeName) {
+    expectError(
         eError::NAME_TAKEN,
         [] {
             BuiltIn.with({{"km", "5 m"}});
         },
         "the catalogue has \"km\" already");
-    expectRefusal(eError::NAME_TAKEN, [] { BuiltIn.with({{"ab", "5 m"}, {"ab", "6 m"}}); });
+    expectError(eError::NAME_TAKEN, [] { BuiltIn.with({{"ab", "5 m"}, {"ab", "6 m"}}); });
     const CCatalogue own = BuiltIn.with({{"in", "5 m"}});
-    expectRefusal(eError::NAME_TAKEN, [&] { own.with({{"in", "5 m"}}); });
-    expectRefusal(
+    expectError(eError::NAME_TAKEN, [&] { own.with({{"in", "5 m"}}); });
+    expectError(
         eError::NAME_TAKEN, [&] { own.with(ePack::CUSTOMARY); },
         "the catalogue has \"in\" already");
     for (const char* const name :
          {"", " ", "a b", "a/b", "5a", "π", "a^2", "a²", "a·b", "a,b", "a(b", "-5"}) {
         SCOPED_TRACE(name);
-        expectRefusal(eError::SYNTAX, [=] { BuiltIn.with({{name, "5 m"}}); });
+        expectError(eError::SYNTAX, [=] { BuiltIn.with({{name, "5 m"}}); });
     }
-    expectRefusal(
+    expectError(
         eError::SYNTAX,
         [] {
             BuiltIn.with({{"a b", "5 m"}});
         },
         "\"a b\" cannot be a name");
-    expectRefusal(eError::UNKNOWN_NAME, [] { BuiltIn.with({{"ab", "5 furlong"}}); });
-    expectRefusal(eError::SYNTAX, [] { BuiltIn.with({{"ab", "5 //"}}); });
+    expectError(eError::UNKNOWN_NAME, [] { BuiltIn.with({{"ab", "5 furlong"}}); });
+    expectError(eError::SYNTAX, [] { BuiltIn.with({{"ab", "5 //"}}); });
 }
 
-TEST(ExactDefinitions, OfAProgramMayTakeANameAway) {
+TEST(Definitions, OfAProgramMayTakeTheNameOfABuiltInUnit) {
     const auto taking = [](const char* name, const char* text) {
         return CDefinition{name, text, "", "", ePack::OWN, true};
     };
@@ -310,24 +310,24 @@ TEST(ExactDefinitions, OfAProgramMayTakeANameAway) {
     EXPECT_EQ(own.find("km")->Text, "2 m");
     EXPECT_EQ(own.meaning("long_way")->toString(), "10 m");
     EXPECT_EQ(own.meaning("way")->toString(), "3000 m") << "keeps its meaning";
-    EXPECT_EQ(own.find("way")->Text, "3000 m") << "and is no longer written by km";
+    EXPECT_EQ(own.find("way")->Text, "3000 m") << "the text no longer uses km";
     EXPECT_EQ(own.definitions().size(), before.definitions().size() + 1);
     EXPECT_EQ(before.meaning("km")->toString(), "1000 m");
     EXPECT_EQ(BuiltIn.with({taking("nothing_has_it", "2 m")}).find("nothing_has_it")->Text, "2 m");
 
-    expectRefusal(eError::NAME_TAKEN, [&] { own.with({taking("km", "3 m")}); });
-    expectRefusal(eError::NAME_TAKEN, [&] { BuiltIn.with({taking("kg", "3 m")}); });
-    expectRefusal(eError::NAME_TAKEN, [&] { BuiltIn.with({taking("rad", "3 m")}); });
-    expectRefusal(eError::CYCLE, [&] { BuiltIn.with({taking("km", "2 km")}); });
+    expectError(eError::NAME_TAKEN, [&] { own.with({taking("km", "3 m")}); });
+    expectError(eError::NAME_TAKEN, [&] { BuiltIn.with({taking("kg", "3 m")}); });
+    expectError(eError::NAME_TAKEN, [&] { BuiltIn.with({taking("rad", "3 m")}); });
+    expectError(eError::CYCLE, [&] { BuiltIn.with({taking("km", "2 km")}); });
 }
 
-TEST(ExactDefinitions, OfAProgramMayHaveNamesInBrackets) {
+TEST(Definitions, OfAProgramMayHaveNamesInBrackets) {
     const CCatalogue own = BuiltIn.with({{"[a/b c²]", "3 m"}, {"de", "2/[a/b c²]²"}});
     EXPECT_EQ(own.meaning("de")->toString(), "2/9 1/m²");
-    expectRefusal(eError::SYNTAX, [] { BuiltIn.with({{"[ab]c", "3 m"}}); });
+    expectError(eError::SYNTAX, [] { BuiltIn.with({{"[ab]c", "3 m"}}); });
 }
 
-TEST(ExactDefinitions, PacksHaveNames) {
+TEST(Definitions, PacksHaveNames) {
     EXPECT_STREQ(nameOf(ePack::CUSTOMARY), "customary");
     EXPECT_STREQ(nameOf(ePack::CATALOGUE), "catalogue");
     EXPECT_STREQ(nameOf(ePack::OWN), "own");

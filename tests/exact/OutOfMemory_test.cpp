@@ -1,5 +1,5 @@
-// ExactOutOfMemory_test.cpp: whichever allocation fails, std::bad_alloc is thrown, every object is as it
-// was, and nothing is lost.
+// OutOfMemory_test.cpp: if any allocation fails, std::bad_alloc is thrown, every object is unchanged,
+// and no memory leaks.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -18,8 +18,8 @@ namespace {
 
 long failing = 0;
 
-// Runs `work` again and again, letting the first, the second, ... allocation fail, until it succeeds.
-// Calls `check` after each. Returns how often it failed.
+// Runs `work` repeatedly until it succeeds. In the n-th run the n-th allocation fails. Calls `check`
+// after each run. Returns the number of failed runs.
 long failEachAllocation(const std::function<void()>& work, const std::function<void()>& check) {
     for (failing = 1;; ++failing) {
         const long before = liveBlocks;
@@ -44,7 +44,7 @@ long failEachAllocation(const std::function<void()>& work, const std::function<v
     }
 }
 
-TEST(ExactOutOfMemory, LeavesACatalogueAsItWas) {
+TEST(OutOfMemory, AFailedDefinitionLeavesTheCatalogueAsItWas) {
     const CCatalogue catalogue = CCatalogue::builtIn().with({{"smoot", "1.7018 m"}});
     const std::size_t size = catalogue.definitions().size();
     const long failures = failEachAllocation(
@@ -61,7 +61,7 @@ TEST(ExactOutOfMemory, LeavesACatalogueAsItWas) {
     EXPECT_GT(failures, 10);
 }
 
-TEST(ExactOutOfMemory, LeavesACatalogueAsItWasBeforeAFile) {
+TEST(OutOfMemory, AFailedFileLeavesTheCatalogueAsItWas) {
     const CCatalogue catalogue = CCatalogue::builtIn().with({{"smoot", "1.7018 m"}});
     const std::size_t size = catalogue.definitions().size();
     const std::string text =
@@ -83,7 +83,7 @@ TEST(ExactOutOfMemory, LeavesACatalogueAsItWasBeforeAFile) {
     EXPECT_GT(failures, 20);
 }
 
-TEST(ExactOutOfMemory, LeavesMeaningsAndFractionsAsTheyWere) {
+TEST(OutOfMemory, FailedArithmeticLeavesMeaningsAndFractionsAsTheyWere) {
     const CMeaning price = CMeaning::base("a_currency_of_a_long_name");
     CMeaning target = CMeaning::base("another_one_with_a_name");
     const CMeaning before = target;
@@ -104,7 +104,7 @@ TEST(ExactOutOfMemory, LeavesMeaningsAndFractionsAsTheyWere) {
             EXPECT_EQ(number, large);
         });
     EXPECT_GT(failures, 10);
-    // An assignment that fails.
+    // A failed assignment leaves its target unchanged, too.
     failEachAllocation(
         [&] {
             CMeaning copy = target;
@@ -119,7 +119,7 @@ TEST(ExactOutOfMemory, LeavesMeaningsAndFractionsAsTheyWere) {
         [] {});
 }
 
-TEST(ExactOutOfMemory, LeavesConversionsAsTheyWere) {
+TEST(OutOfMemory, AFailedConversionLeavesOthersAsTheyWere) {
     const CCatalogue catalogue = CCatalogue::builtIn().with(ePack::OFFSETS);
     const CConversion kept = CConversion::between("°F", "°C", catalogue);
     CConversion assigned = kept;
@@ -139,7 +139,7 @@ TEST(ExactOutOfMemory, LeavesConversionsAsTheyWere) {
     EXPECT_GT(failures, 10);
 }
 
-TEST(ExactOutOfMemory, DoesNotConcernEverydayConversionsOfDoubles) {
+TEST(OutOfMemory, EverydayConversionsOfDoublesAllocateNothing) {
     const CCatalogue catalogue = CCatalogue::builtIn().with(ePack::OFFSETS).with(ePack::CUSTOMARY);
     for (const auto& [from, to] : std::vector<std::pair<const char*, const char*>>{
              {"°F", "°C"}, {"km", "mi"}, {"psi", "bar"}, {"Ym", "ym"}, {"hp", "kW"}}) {
@@ -151,7 +151,7 @@ TEST(ExactOutOfMemory, DoesNotConcernEverydayConversionsOfDoubles) {
     }
 }
 
-TEST(ExactOutOfMemory, OfMeaningsWithoutNamesOfTheirOwnNeedsNothing) {
+TEST(OutOfMemory, MeaningsOfSiUnitsAllocateNothing) {
     const CCatalogue catalogue = CCatalogue::builtIn();
     const long failures = failEachAllocation(
         [&] {
@@ -163,7 +163,7 @@ TEST(ExactOutOfMemory, OfMeaningsWithoutNamesOfTheirOwnNeedsNothing) {
     EXPECT_EQ(failures, 0);
 }
 
-TEST(ExactOutOfMemory, LeavesCertificatesOut) {
+TEST(OutOfMemory, AFailedCertificateLeaksNothing) {
     const long failures = failEachAllocation(
         [] {
             const CCertificate certificate = certify("km/h", "m/s");

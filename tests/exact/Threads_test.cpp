@@ -1,4 +1,4 @@
-// ExactThreads_test.cpp: eight threads share a catalogue, meanings and conversions, and get what one gets.
+// Threads_test.cpp: eight threads that share objects of the exact library get the answers of one thread.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -17,7 +17,7 @@ namespace {
 constexpr int Threads = 8;
 constexpr int Rounds = 20;
 
-TEST(ExactThreads, ShareEverything) {
+TEST(Threads, ThreadsThatShareObjectsGetTheAnswersOfOneThread) {
     const CCatalogue catalogue =
         CCatalogue::builtIn()
             .with(ePack::CUSTOMARY)
@@ -55,8 +55,8 @@ TEST(ExactThreads, ShareEverything) {
     });
 }
 
-// No thread has asked for anything before.
-TEST(ExactThreads, MayAllBeTheFirst) {
+// The test runs in a process of its own, so nothing was used before.
+TEST(Threads, SeveralThreadsMayBeTheFirstToUseTheLibrary) {
     race(Threads, [](int thread) {
         const CConversion conversion =
             CConversion::between(thread % 2 == 0 ? "°" : "km", thread % 2 == 0 ? "rad" : "m");

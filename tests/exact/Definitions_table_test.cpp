@@ -1,5 +1,5 @@
-// DefinitionTable_test.cpp: every row of definitions.def means what the unit of that name means in the
-// registry, and what its source says; and the library reads each row as another reader does.
+// Definitions_table_test.cpp: every row of definitions.def has the meaning of that unit in the registry
+// and in its source, and the library reads it as an independent reader does.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -23,7 +23,7 @@ namespace {
 
 using ::testing::ElementsAre;
 
-// The names of libmensor's labels and symbols, without the prefixed degrees Celsius.
+// The labels and symbols of libmensor, without the prefixed degrees Celsius.
 std::set<std::string> namesAfterLoad() {
     std::set<std::string> names;
     const std::string celsius = "°C";
@@ -52,7 +52,7 @@ TEST(DefinitionTable, HasARowForEveryLabelAndSymbolOfTheRegistry) {
     }
 }
 
-TEST(DefinitionTable, HasNoNameInTheCatalogueThatTheRegistryLacksButPsi) {
+TEST(DefinitionTable, HasNoOtherNamesInTheCatalogueExceptPsi) {
     const std::set<std::string> names = namesAfterLoad();
     std::vector<std::string> unknown;
     for (const DefinitionRow& row : definitionRows()) {
@@ -79,7 +79,7 @@ TEST(DefinitionTable, HasEachNameOnceInASet) {
     }
 }
 
-TEST(DefinitionTable, HasTwoMeaningsOnlyOfNamesOfTwoCountriesAndUsesThemInNoDefinition) {
+TEST(DefinitionTable, OnlyNamesOfUsAndImperialHaveTwoMeaningsAndNoDefinitionUsesThem) {
     const DefinitionTable table;
     std::map<std::string, std::set<std::string>> sets;
     for (const DefinitionRow& row : table.rows()) {
@@ -95,7 +95,7 @@ TEST(DefinitionTable, HasTwoMeaningsOnlyOfNamesOfTwoCountriesAndUsesThemInNoDefi
     }
 }
 
-TEST(DefinitionTable, NamesUnitsAndSources) {
+TEST(DefinitionTable, EveryRowHasAnEnglishNameAndASource) {
     for (const DefinitionRow& row : definitionRows()) {
         EXPECT_FALSE(row.English.empty()) << row.Name;
         EXPECT_FALSE(row.Source.empty()) << row.Name;
@@ -103,9 +103,9 @@ TEST(DefinitionTable, NamesUnitsAndSources) {
     }
 }
 
-// The registry.
+// ---- comparison with the registry ----
 
-// How many numbers a converter multiplies by or adds.
+// The number of multiplications and additions of a converter.
 int stepsOf(const CConverterPtr& converter) {
     if (const auto compound = std::dynamic_pointer_cast<CCompound>(converter)) {
         return stepsOf(compound->first()) + stepsOf(compound->second());
@@ -113,10 +113,9 @@ int stepsOf(const CConverterPtr& converter) {
     return std::dynamic_pointer_cast<CIdentity>(converter) ? 0 : 1;
 }
 
-// The most by which `roundings` roundings move a result, relative to it: each multiplies it by a
-// number between 1 - 2^-53 and 1 + 2^-53, so that all of them multiply it by at most
-// (1 + 2^-53)^roundings, and by at least 2 less that. Factors with π are compared with a π that is
-// right to more than 2^-190 of its size, for which one unit of 2^-150 is added.
+// The largest relative error after so many roundings. Each rounding multiplies the result by a number
+// between 1 - 2^-53 and 1 + 2^-53. Thus all of them multiply it by at most (1 + 2^-53)^roundings.
+// 2^-150 is added for the error of the value of π in this test.
 mpq_class largestError(int roundings) {
     const mpq_class one(1);
     mpq_class product(1);
@@ -129,19 +128,20 @@ mpq_class largestError(int roundings) {
 void expectNear(double given, const mpq_class& exact, int roundings) {
     const mpq_class error = abs(mpq_class(given) - exact);
     const mpq_class allowed = largestError(roundings) * abs(exact);
-    EXPECT_LE(error, allowed) << exactly(given) << " in place of " << exact.get_d() << " after "
+    EXPECT_LE(error, allowed) << exactly(given) << ", not " << exact.get_d() << ", after "
                               << roundings << " roundings";
 }
 
-// Compares the row with what the registry converts.
+// Compares the row with the conversion of the registry.
 //
-// A value x goes to the system unit, whose factor is 1, through n steps, each of which multiplies by a
-// double or adds one. Each double is the nearest to the number meant: one rounding. Each step is one
-// rounding more, but for 1 that is multiplied by the first double, and 0 to which an offset is added.
-// So the factor of a unit without an offset, which is what 1 converts to, has 2n - 1 roundings. The
-// longest chain has four steps, the second of arc and the week: at most 7·2^-53 off.
-// A unit with an offset here has at most a multiplication before the offset. What 0 converts to is the
-// double of the offset, one rounding; the slope is the double of the factor, one rounding.
+// The registry converts a value to the system unit, whose factor is 1, in n steps. Each step multiplies
+// by a double or adds one. Each double is the nearest to a number of the definition, so it has one
+// rounding, and each step adds one more. Two steps are exact: 1 times the first double, and 0 plus an
+// offset. So the factor of a unit without an offset has 2n - 1 roundings. The longest chains, those of
+// the second of arc and the week, have four steps.
+//
+// An offset unit of the registry has at most one multiplication before the offset. So the result for 0
+// and the slope have one rounding each.
 void expectToBeWhatTheRegistryConverts(const DefinitionTable& table, const DefinitionRow& row) {
     SCOPED_TRACE(row.Name);
     const CUnitPtr unit = CUnitFormat::unitFor(row.Name);
@@ -171,7 +171,7 @@ void expectToBeWhatTheRegistryConverts(const DefinitionTable& table, const Defin
     }
 }
 
-TEST(DefinitionTable, GivesTheCatalogueAsTheRegistryConvertsIt) {
+TEST(DefinitionTable, UnitsOfTheCatalogueConvertAsInTheRegistry) {
     NonSI::Psi();
     const DefinitionTable table;
     int count = 0;
@@ -184,8 +184,8 @@ TEST(DefinitionTable, GivesTheCatalogueAsTheRegistryConvertsIt) {
     EXPECT_EQ(count, 569 + 29 - 20 + 1);
 }
 
-// The bound is no matter of course: two roundings of the chain of the nanogram are seen.
-TEST(DefinitionTable, DiffersFromTheRegistryByMoreThanOneRounding) {
+// The bound above is sharp enough to see two roundings.
+TEST(DefinitionTable, TheNanogramOfTheRegistryHasTwoRoundingErrors) {
     const DefinitionTable table;
     const CUnitPtr nanogram = CUnitFormat::unitFor("ng");
     const mpq_class exact = table.meaningOf(*table.find("ng")).Factor;
@@ -221,18 +221,17 @@ void expectPacksToBeWhatTheRegistryConverts(const std::vector<checked::ePack>& p
     }
 }
 
-TEST(DefinitionTable, GivesThePacksAsTheRegistryConvertsThem) {
+TEST(DefinitionTable, UnitsOfThePacksConvertAsInTheRegistry) {
     using checked::ePack;
     expectPacksToBeWhatTheRegistryConverts(
         {ePack::SI, ePack::CUSTOMARY, ePack::US, ePack::SCIENCE, ePack::OFFSETS, ePack::COUNTING});
 }
 
-TEST(DefinitionTable, GivesThePackOfTheUnitedKingdomAsTheRegistryConvertsIt) {
+TEST(DefinitionTable, ImperialUnitsConvertAsInTheRegistry) {
     expectPacksToBeWhatTheRegistryConverts({checked::ePack::CUSTOMARY, checked::ePack::IMPERIAL});
 }
 
-// A pack has all rows of its set, and no other unit.
-TEST(DefinitionTable, HasTheUnitsOfThePacksInItsSets) {
+TEST(DefinitionTable, EachPackHasTheRowsOfItsSetAndNoOthers) {
     std::set<std::string> units, rows;
     for (const checked::CPackUnit& unit : checked::packUnits()) {
         units.insert(setOf(unit.Pack) + " " + std::string(unit.Symbol));
@@ -246,9 +245,9 @@ TEST(DefinitionTable, HasTheUnitsOfThePacksInItsSets) {
     EXPECT_EQ(rows.size(), 203U);
 }
 
-// The library's reading of each definition is that of another reader with another arithmetic.
+// ---- comparison with another reader ----
 
-// "127/5000" of a number without root.
+// The quotient of a number that has no root.
 mpq_class quotientOf(const exact::CCertifiedNumber& number) {
     mpq_class result(mpz_class(number.Numerator), mpz_class(number.Denominator));
     return number.IsNegative ? mpq_class(-result) : result;
@@ -272,7 +271,7 @@ std::map<std::string, int> exponentsOf(const std::vector<exact::CPower>& powers)
     return exponents;
 }
 
-// The name of the unit of factor 1 for the same dimensions, as a definition.
+// A definition of the unit with these dimensions and the factor 1.
 std::string coherentUnit(const std::map<std::string, int>& dimensions) {
     std::string text = "1";
     for (const auto& [name, exponent] : dimensions) {
@@ -281,7 +280,7 @@ std::string coherentUnit(const std::map<std::string, int>& dimensions) {
     return text;
 }
 
-TEST(DefinitionTable, MeansToTheLibraryWhatItMeansToAnotherReader) {
+TEST(DefinitionTable, TheLibraryAndAnotherReaderAgreeOnEveryRow) {
     const DefinitionTable table;
     for (const DefinitionRow& row : table.rows()) {
         SCOPED_TRACE(row.Set + " " + row.Name);
@@ -310,7 +309,7 @@ TEST(DefinitionTable, MeansToTheLibraryWhatItMeansToAnotherReader) {
     }
 }
 
-TEST(DefinitionTable, IsAllThatTheLibraryKnows) {
+TEST(DefinitionTable, TheLibraryKnowsNoOtherNames) {
     std::map<std::string, std::set<std::string>> rows;
     for (const DefinitionRow& row : definitionRows()) {
         rows[row.Set].insert(row.Name);
@@ -328,14 +327,14 @@ TEST(DefinitionTable, IsAllThatTheLibraryKnows) {
     }
 }
 
-// What the sources say, as fractions in lowest terms, written without a look at the table.
+// The values of the sources, as fractions in lowest terms. They were written without the table.
 struct Known {
     const char* Set;
     const char* Name;
     std::map<std::string, int> Dimensions;
     const char* Factor;
     int Pi = 0;
-    const char* Zero = "0";  // what 0 is in base units
+    const char* Zero = "0";  // the value 0 in base units
     std::map<std::string, int> Marks = {};
 };
 
@@ -485,7 +484,7 @@ const Known knownAnswers[] = {
     {"COUNTING", "Bd", Rate, "1"},
 };
 
-TEST(DefinitionTable, SaysWhatTheSourcesSay) {
+TEST(DefinitionTable, HasTheValuesOfTheSources) {
     const DefinitionTable table;
     for (const Known& known : knownAnswers) {
         SCOPED_TRACE(known.Name);

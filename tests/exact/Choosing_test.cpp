@@ -1,4 +1,5 @@
-// ExactChoosing_test.cpp: the units that there are for a quantity, and the one that suits a value.
+// Choosing_test.cpp: choicesFor() lists the units of a quantity, and readableUnit() picks one for a
+// value.
 #include "mensor_exact/Choosing.h"
 
 #include <gmock/gmock.h>
@@ -32,7 +33,7 @@ std::vector<std::string> namesFor(const char* unit,
     return names;
 }
 
-TEST(ExactChoices, AreTheCompatibleUnitsBySize) {
+TEST(Choices, AreTheCompatibleUnitsInOrderOfSize) {
     double before = 0;
     for (const CChoice& choice : choicesFor(read("Pa"))) {
         const double size = choice.Meaning.factor().toDouble();
@@ -43,23 +44,23 @@ TEST(ExactChoices, AreTheCompatibleUnitsBySize) {
     EXPECT_THAT(namesFor("K"), Contains("°C"));
 }
 
-TEST(ExactChoices, ListUnitsOfOneMeaningEach) {
+TEST(Choices, IncludeAllUnitsOfOneMeaning) {
     EXPECT_THAT(namesFor("1/s"), AllOf(Contains("Hz"), Contains("Bq")));
 }
 
-TEST(ExactChoices, LeaveOtherSpellingsOut) {
+TEST(Choices, OmitOtherSpellings) {
     EXPECT_THAT(namesFor("l"), AllOf(Contains("ml"), Not(Contains("mL")), Not(Contains("L"))));
     EXPECT_THAT(namesFor("m"), AllOf(Contains("\u00B5m"), Not(Contains("\u03BCm"))));
 }
 
-TEST(ExactChoices, HaveTheUnitsOfPacksAndOfTheProgram) {
+TEST(Choices, IncludeUnitsOfPacksAndOfTheProgram) {
     const CCatalogue catalogue =
         CCatalogue::builtIn().with(ePack::CUSTOMARY).with({{"smoot", "1.7018 m"}});
     EXPECT_THAT(namesFor("m", catalogue), AllOf(Contains("ft"), Contains("smoot")));
     EXPECT_THAT(namesFor("m"), Not(Contains("ft")));
 }
 
-TEST(ExactReadable, IsTheLargestPrefixInWhichTheValueIsAtLeastOne) {
+TEST(ReadableUnit, HasTheLargestPrefixThatLeavesAtLeastOne) {
     EXPECT_EQ(readable("0.001", "m"), "mm");
     EXPECT_EQ(readable("0.000999", "m"), "\u00B5m");
     EXPECT_EQ(readable("1500", "m"), "km");
@@ -72,12 +73,12 @@ TEST(ExactReadable, IsTheLargestPrefixInWhichTheValueIsAtLeastOne) {
     EXPECT_EQ(readable("1e30", "s"), "Ys");
 }
 
-TEST(ExactReadable, ComparesExactly) {
+TEST(ReadableUnit, ComparesExactly) {
     EXPECT_EQ(readable("0.99999999999999999999", "km"), "m");
     EXPECT_EQ(readable("1.00000000000000000001", "km"), "km");
 }
 
-TEST(ExactReadable, LeavesOthersAsTheyAre) {
+TEST(ReadableUnit, KeepsTheUnitOfZeroAndUnitsWithoutPrefixes) {
     EXPECT_EQ(readable("0", "km"), "km");
     EXPECT_EQ(readable("0.001", "°C"), "°C");
     EXPECT_EQ(readable("0.001", "week"), "week");
@@ -85,7 +86,7 @@ TEST(ExactReadable, LeavesOthersAsTheyAre) {
     EXPECT_EQ(readableUnit(CFraction(5), "dazork",
                            CCatalogue::builtIn().with({{"zork", "3 m"}, {"dazork", "30 m"}})),
               "dazork")
-        << "no form for a power of 1000";
+        << "\"zork\" has no prefixes of powers of 1000";
 }
 
 }  // namespace

@@ -1,4 +1,6 @@
-// ConvertArrays_test.cpp: arrays through the library's interface, counts, and arrays that are refused.
+// Conversion_arrays_test.cpp: CConversion converts arrays and raw counts, and refuses some arrays.
+#include "mensor_exact/Conversion.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -6,8 +8,7 @@
 #include <random>
 #include <vector>
 
-#include "mensor_exact/Conversion.h"
-#include "mensor_exact/Error.h"
+#include "exact/expect_error.h"
 
 namespace mensor::exact {
 namespace {
@@ -17,17 +18,7 @@ CConversion between(const char* from, const char* to) {
                                 CCatalogue::builtIn().with(ePack::CUSTOMARY).with(ePack::OFFSETS));
 }
 
-eError codeOf(const CConversion& conversion, const double* values, double* results,
-              std::size_t count) {
-    try {
-        conversion.convertAll(values, results, count);
-    } catch (const CError& error) {
-        return error.code();
-    }
-    return eError::OPTIONS;
-}
-
-TEST(ConvertArrays, GivesTheBitsOfSingleValues) {
+TEST(ConversionOfArrays, GivesTheBitsOfSingleValues) {
     std::mt19937_64 random(1);
     std::vector<double> values(1000), results(values.size());
     for (double& value : values) {
@@ -53,7 +44,7 @@ TEST(ConvertArrays, GivesTheBitsOfSingleValues) {
     }
 }
 
-TEST(ConvertArrays, TakesFloatsAndWholeNumbersAndGivesFloats) {
+TEST(ConversionOfArrays, ConvertsFloatsAndWholeNumbersToDoublesAndFloats) {
     const CConversion conversion = between("°C", "°F");
     const float floats[] = {-40, 0, 37.5F};
     const std::int16_t shorts[] = {-40, 0, 37};
@@ -83,7 +74,7 @@ TEST(ConvertArrays, TakesFloatsAndWholeNumbersAndGivesFloats) {
     EXPECT_EQ(narrow[2], 99.5F);
 }
 
-TEST(ConvertArrays, ConvertsInPlace) {
+TEST(ConversionOfArrays, ConvertsInPlace) {
     double values[] = {-40, 0, 37};
     between("°C", "°F").convertAll(values, values, 3);
     EXPECT_EQ(values[0], -40);
@@ -94,22 +85,35 @@ TEST(ConvertArrays, ConvertsInPlace) {
     EXPECT_EQ(floats[2], 98.6F);
 }
 
-TEST(ConvertArrays, RefusesNullAndPartialOverlapAndWritesNothing) {
+TEST(ConversionOfArrays, RefusesNullAndPartialOverlapAndWritesNothing) {
     const CConversion conversion = between("°C", "°F");
     double values[] = {1, 2, 3, 4};
-    EXPECT_EQ(codeOf(conversion, values, values + 1, 3), eError::ARRAYS);
-    EXPECT_EQ(codeOf(conversion, values + 1, values, 3), eError::ARRAYS);
-    EXPECT_EQ(codeOf(conversion, nullptr, values, 3), eError::ARRAYS);
-    EXPECT_EQ(codeOf(conversion, values, nullptr, 3), eError::ARRAYS);
+    double* const none = nullptr;
+    expectError(
+        eError::ARRAYS, [&] { conversion.convertAll(values, values + 1, 3); },
+        "the arrays overlap");
+    expectError(
+        eError::ARRAYS, [&] { conversion.convertAll(values + 1, values, 3); },
+        "the arrays overlap");
+    expectError(
+        eError::ARRAYS, [&] { conversion.convertAll(none, values, 3); }, "an array is null");
+    expectError(
+        eError::ARRAYS, [&] { conversion.convertAll(values, none, 3); }, "an array is null");
     for (int i = 0; i < 4; ++i) {
         EXPECT_EQ(values[i], i + 1);
     }
-    EXPECT_EQ(codeOf(conversion, nullptr, nullptr, 0), eError::OPTIONS);    // not refused
-    EXPECT_EQ(codeOf(conversion, values, values + 2, 2), eError::OPTIONS);  // not refused
-    EXPECT_EQ(codeOf(conversion, values + 2, values, 2), eError::OPTIONS);
 }
 
-TEST(ConvertArrays, RefusesArraysOfDifferentTypesInOnePlace) {
+TEST(ConversionOfArrays, AcceptsNeighbouringArraysAndEmptyNullOnes) {
+    const CConversion conversion = between("°C", "°F");
+    double values[] = {1, 2, 3, 4};
+    double* const none = nullptr;
+    EXPECT_NO_THROW(conversion.convertAll(none, none, 0));
+    EXPECT_NO_THROW(conversion.convertAll(values, values + 2, 2));
+    EXPECT_NO_THROW(conversion.convertAll(values + 2, values, 2));
+}
+
+TEST(ConversionOfArrays, RefusesArraysOfDifferentTypesInOnePlace) {
     union {
         std::int64_t Counts[4];
         double Values[4];
@@ -118,7 +122,7 @@ TEST(ConvertArrays, RefusesArraysOfDifferentTypesInOnePlace) {
     EXPECT_EQ(both.Counts[3], 4);
 }
 
-TEST(ConvertArrays, ConvertsCountsWithScaleAndOffsetInOneStep) {
+TEST(ConversionOfArrays, ConvertsCountsWithScaleAndOffsetInOneStep) {
     const std::int16_t counts[] = {-4000, 0, 21500, 27000};
     double results[4] = {};
     const CConversion milli = between("°C", "°F").ofCounts(CFraction(1, 1000));
@@ -127,7 +131,7 @@ TEST(ConvertArrays, ConvertsCountsWithScaleAndOffsetInOneStep) {
     EXPECT_EQ(results[1], 32);
     EXPECT_EQ(results[2], 70.7);
     EXPECT_EQ(results[3], 80.6);
-    // 4 to 20 mA as 0 to 10 bar, in kPa: 0.1·n - 50 counts.
+    // Counts of 4000 to 20000 (4 to 20 mA) are 0 to 10 bar.
     const CConversion loop = between("bar", "kPa").ofCounts(CFraction(1, 1600), CFraction(-5, 2));
     EXPECT_EQ(loop.convert(4000), 0);
     EXPECT_EQ(loop.convert(20000), 1000);
@@ -137,13 +141,8 @@ TEST(ConvertArrays, ConvertsCountsWithScaleAndOffsetInOneStep) {
     EXPECT_EQ(loop.offset(), "-250");
 }
 
-TEST(ConvertArrays, RefusesCountsOfNothing) {
-    try {
-        between("m", "km").ofCounts(0);
-        FAIL() << "not refused";
-    } catch (const CError& error) {
-        EXPECT_EQ(error.code(), eError::NOT_POSITIVE);
-    }
+TEST(ConversionOfArrays, RefusesAScaleOfZero) {
+    expectError(eError::NOT_POSITIVE, [] { between("m", "km").ofCounts(0); });
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
-// ExactRounding_test.cpp: every conversion between units of the catalogue and of the packs gives the
-// nearest double. GMP and MPFR are the judges.
+// Conversion_rounding_test.cpp: every conversion between units of the catalogue and of the packs gives
+// the nearest double. GMP and MPFR compute the expected results.
 //
-// Where MENSOR_TESTS_THOROUGH is set, ten million values are tried, and a hundred thousand where the
-// processor is emulated or a sanitizer slows it down. Else there is a sample.
+// If MENSOR_TESTS_THOROUGH is set, the test tries ten million values, or a hundred thousand on ARM and
+// under a sanitizer. Without it, it tries a sample.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -27,7 +27,7 @@ constexpr long Thorough =
     10000000;
 #endif
 
-// About so many values, half of them random, half of them hard.
+// The approximate number of values. Half of them are random, and half of them are hard cases.
 long cases() { return std::getenv("MENSOR_TESTS_THOROUGH") != nullptr ? Thorough : 20000; }
 
 struct Unit {
@@ -54,7 +54,7 @@ std::map<std::map<std::string, int>, std::vector<Unit>> unitsByDimension() {
     return units;
 }
 
-// A double of any exponent, also subnormal, now and then one with few bits.
+// A double with any exponent, also subnormal. One in four has few bits.
 double anyDouble(std::mt19937_64& random) {
     while (true) {
         std::uint64_t bits = random();
@@ -68,7 +68,7 @@ double anyDouble(std::mt19937_64& random) {
     }
 }
 
-// A double whose result has an exponent that a double can have, in most cases.
+// A double whose results are rarely zero, subnormal or infinite.
 double usualDouble(std::mt19937_64& random) {
     const int exponent = static_cast<int>(random() % 120) - 60;
     return std::ldexp(static_cast<double>(static_cast<std::int64_t>(random())), exponent - 63);
@@ -113,8 +113,8 @@ private:
     std::unique_ptr<IrrationalJudge> m_Irrational;
 };
 
-// Calls `work` with pairs of compatible units, all of them if there are no more than `most`, else one of
-// so many.
+// Calls `work` with pairs of compatible units: with all of them, or with an evenly spread sample of
+// about `most`.
 template <class Work>
 void forPairs(long most, const Work& work) {
     const auto units = unitsByDimension();
@@ -136,7 +136,7 @@ void forPairs(long most, const Work& work) {
     }
 }
 
-TEST(ExactRounding, GivesTheNearestDoubleOfRandomDoublesBetweenAllUnits) {
+TEST(Rounding, GivesTheNearestDoubleOfRandomDoublesBetweenAllUnits) {
     std::mt19937_64 random(15);
     Pair::Tried = 0;
     forPairs(cases() / 2, [&](Pair& pair, long pairs) {
@@ -151,7 +151,7 @@ TEST(ExactRounding, GivesTheNearestDoubleOfRandomDoublesBetweenAllUnits) {
     EXPECT_GE(Pair::Tried, cases() / 2);
 }
 
-TEST(ExactRounding, GivesTheNearestDoubleAtAndNextToTies) {
+TEST(Rounding, GivesTheNearestDoubleAtAndNextToTies) {
     std::mt19937_64 random(16);
     Pair::Tried = 0;
     forPairs(cases() / 800, [&](Pair& pair, long pairs) {
@@ -160,10 +160,10 @@ TEST(ExactRounding, GivesTheNearestDoubleAtAndNextToTies) {
         }
         const LinearJudge withoutOffset(mpq_class(pair.linear()->a(), pair.linear()->d()), 0);
         const long last = Pair::Tried + cases() / pairs / 2;
-        // Some pairs have no hard cases, as m and m.
+        // Some pairs have no hard cases, such as m and m.
         for (long before = -1; Pair::Tried < last && Pair::Tried != before;) {
             before = Pair::Tried;
-            // Of any size, and of a size at which an offset matters.
+            // One value of any size, and one of a size at which an offset matters.
             const int any = static_cast<int>(random() % 2046) - 1022;
             const int usual = static_cast<int>(random() % 60) - 30;
             for (const int exponent : {any, usual}) {
@@ -181,8 +181,8 @@ TEST(ExactRounding, GivesTheNearestDoubleAtAndNextToTies) {
     EXPECT_GE(Pair::Tried, cases() / 4);
 }
 
-// What the test above rests on.
-TEST(ExactRounding, HardCasesAreTiesAndNumbersNextToTies) {
+// The test above needs this.
+TEST(Rounding, HardCasesAreTiesAndNumbersNextToTies) {
     struct Case {
         mpq_class Factor, Offset;
         bool HasTies;
@@ -199,7 +199,7 @@ TEST(ExactRounding, HardCasesAreTiesAndNumbersNextToTies) {
         int near = 0;
         for (int exponent = -20; exponent < 20; ++exponent) {
             for (const double x : hardCases(judge, exponent)) {
-                // The distance from the middle between two doubles, in units of the last place.
+                // The distance of the result from the middle between two doubles, in last places.
                 const mpq_class exact = mpq_class(x) * one.Factor + one.Offset;
                 const double y = judge.convert(x);
                 const double place = std::nextafter(std::fabs(y), HUGE_VAL) - std::fabs(y);

@@ -1,4 +1,4 @@
-// ExactCertificate_test.cpp: a certificate lists what a conversion rests on, for people and for programs.
+// Certificate_test.cpp: a certificate lists the definitions, the factor and the offset of a conversion.
 #include "mensor_exact/Certificate.h"
 
 #include <gmock/gmock.h>
@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "exact/Refusal.h"
+#include "exact/expect_error.h"
 
 namespace mensor::exact {
 namespace {
@@ -26,7 +26,7 @@ std::vector<std::string> namesOf(const CCertificate& certificate) {
     return names;
 }
 
-TEST(ExactCertificate, ListsEachDefinitionBeforeThoseThatItUses) {
+TEST(Certificate, ListsEachDefinitionBeforeTheOnesThatItUses) {
     const CCertificate certificate = certify("mph", "km/h", packs());
     EXPECT_THAT(namesOf(certificate), ElementsAre("km", "mph", "mi", "ft", "m", "h", "min", "s"));
     EXPECT_EQ(certificate.Definitions[1].Text, "mi/h");
@@ -39,7 +39,7 @@ TEST(ExactCertificate, ListsEachDefinitionBeforeThoseThatItUses) {
     EXPECT_EQ(certificate.Version, MENSOR_VERSION);
 }
 
-TEST(ExactCertificate, HasTheExactFactorAndOffset) {
+TEST(Certificate, HasTheExactFactorAndOffset) {
     const CCertificate fahrenheit = certify("°F", "°C", packs());
     EXPECT_EQ(fahrenheit.Factor.Numerator, "5");
     EXPECT_EQ(fahrenheit.Factor.Denominator, "9");
@@ -63,7 +63,7 @@ TEST(ExactCertificate, HasTheExactFactorAndOffset) {
     EXPECT_EQ(certify("K, offset 1", "π K").Offset.Pi, "-1");
 }
 
-TEST(ExactCertificate, IsTextForPeople) {
+TEST(Certificate, WritesLinesForPeople) {
     EXPECT_EQ(certify("°F", "°C", packs()).toText(),
               "x °F = 5/9·x - 160/9 °C\n"
               "  °C = K, offset 273.15 (degree Celsius): SI brochure, 9th ed., table 4\n"
@@ -78,7 +78,7 @@ TEST(ExactCertificate, IsTextForPeople) {
     EXPECT_THAT(certify("rev", "rad").toText(), Not(HasSubstr("The two differ")));
 }
 
-TEST(ExactCertificate, IsJsonForPrograms) {
+TEST(Certificate, WritesJsonForPrograms) {
     EXPECT_EQ(
         certify("%", "1").toJson(),
         "{\"from\": \"%\", \"to\": \"1\", \"units\": \"1\", \"keepsMarks\": true, "
@@ -93,7 +93,7 @@ TEST(ExactCertificate, IsJsonForPrograms) {
     EXPECT_THAT(certify("m", "m").toJson(), HasSubstr("{\"name\": \"m\", \"definition\": null, "));
 }
 
-TEST(ExactCertificate, EscapesWhatJsonCannotHave) {
+TEST(Certificate, EscapesQuotesBackslashesAndControlCharacters) {
     const CCatalogue own = CCatalogue::builtIn().with(
         {{"smoot\\", "1.7018 m", "a \"smoot\"", "line\nbreak\x01\x1F\t"}});
     EXPECT_THAT(certify("smoot\\", "m", own).toJson(),
@@ -102,7 +102,7 @@ TEST(ExactCertificate, EscapesWhatJsonCannotHave) {
                           "\"source\": \"line\\u000abreak\\u0001\\u001f\\u0009\"}"));
 }
 
-TEST(ExactCertificate, OfALongChainNeedsLittleStack) {
+TEST(Certificate, ALongChainOfDefinitionsNeedsLittleStack) {
     std::vector<std::string> names;
     for (int i = 0; i <= 20000; ++i) {
         names.push_back("u_" + std::to_string(i) + "_");
@@ -116,14 +116,14 @@ TEST(ExactCertificate, OfALongChainNeedsLittleStack) {
     EXPECT_EQ(certify("u_0_", "m", own).Definitions.size(), names.size() + 1);
 }
 
-TEST(ExactCertificate, IsRefusedWithTheConversion) {
-    expectRefusal(
+TEST(Certificate, ThrowsTheErrorOfTheConversion) {
+    expectError(
         eError::DIFFERENT_DIMENSIONS, [] { certify("bar", "m"); },
         "cannot convert bar to m: pressure and length");
-    expectRefusal(eError::UNKNOWN_NAME, [] { certify("furlong", "m"); });
+    expectError(eError::UNKNOWN_NAME, [] { certify("furlong", "m"); });
 }
 
-TEST(ExactCertificate, ListsUnitsOfPacksThatTheCatalogueLacks) {
+TEST(Certificate, ListsUnitsOfPacksThatTheCatalogueLacks) {
     const CCatalogue catalogue = CCatalogue::builtIn().with(ePack::OFFSETS);
     ASSERT_FALSE(catalogue.find("lbf"));
     const CCertificate certificate = certify("psi_g", "Pa", catalogue);
@@ -131,13 +131,14 @@ TEST(ExactCertificate, ListsUnitsOfPacksThatTheCatalogueLacks) {
     EXPECT_EQ(certificate.Offset.Text, "101325");
 }
 
-TEST(ExactCertificate, WritesByBaseUnitsWhatRestsOnANameThatWasTakenAway) {
+TEST(Certificate, WritesADefinitionInBaseUnitsIfTheProgramRedefinesANameInIt) {
     const CCatalogue catalogue =
         packs().with({{"mi", "2 km", "a long mile", "", ePack::OWN, true}});
     const CCertificate certificate = certify("mph", "mi/h", catalogue);
     EXPECT_THAT(namesOf(certificate), ElementsAre("mi", "km", "h", "min", "mph", "m", "s"));
     EXPECT_EQ(certificate.Definitions[0].Text, "2 km");
-    EXPECT_EQ(certificate.Definitions[4].Text, "0.44704 m/s") << "not mi/h of the long mile";
+    EXPECT_EQ(certificate.Definitions[4].Text, "0.44704 m/s")
+        << "not \"mi/h\", since \"mi\" is the long mile now";
     EXPECT_EQ(certificate.Factor.Text, "0.804672");
 }
 
