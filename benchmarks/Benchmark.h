@@ -1,9 +1,9 @@
-// Benchmark.h: what the benchmarks share: their names, the peer's units, and the cores they run on.
+// Benchmark.h: helpers of the benchmarks: registration, units of UDUNITS-2, random orders and cores.
 //
 //     add("parse km", "mensor", [](benchmark::State& state) { ... });
 //     add("parse km", "UDUNITS-2", [](benchmark::State& state) { ... });
 //
-// A benchmark is called "<work>: <who>". Report.cpp puts two of them into one line of the table.
+// A benchmark is called "<work>: <library>". Report.cpp puts two of them into one line of the table.
 #ifndef MENSOR_BENCHMARKS_BENCHMARK_H
 #define MENSOR_BENCHMARKS_BENCHMARK_H
 
@@ -14,7 +14,8 @@
 #include <utility>
 #include <vector>
 
-/// Registers the benchmark "`work`: `who`". Call it from a static initialiser.
+/// Registers the benchmark "`work`: `who`", where `who` is the library. Call it from a static
+/// initialiser.
 template <class Function>
 benchmark::internal::Benchmark* add(const std::string& work, const std::string& who,
                                     Function function) {
@@ -30,12 +31,12 @@ ut_unit* udunit(const std::string& text);
 /// The converter between two units of UDUNITS-2, which the process keeps.
 cv_converter* udunitsConverter(const std::string& from, const std::string& to);
 
-/// A long random order of `count` things, the same in every run. Short ones are learned by heart
-/// by the processor's branch prediction.
+/// Returns a long random order of `count` things, the same in every run. The branch prediction of the
+/// processor would learn a short one.
 std::vector<std::size_t> randomOrder(std::size_t count);
 
-/// Keeps the calling thread on the core of that number, counted among those the process was given,
-/// from the last; gives false if there are not so many.
+/// Keeps the calling thread on one core of the process. Number 0 is the last core. Returns false if the
+/// process has fewer cores.
 bool pinToCore(int number);
 
 #endif  // MENSOR_BENCHMARKS_BENCHMARK_H

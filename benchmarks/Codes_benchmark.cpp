@@ -1,5 +1,5 @@
-// Codes_benchmark.cpp: finding codes of tables and what they mean, which remembers nothing, and finding
-// the code for a meaning. Beside it a map that holds the meanings ready-made.
+// Codes_benchmark.cpp: finding the meaning of a code and the code of a meaning, both without a cache,
+// compared with a map of finished meanings.
 #include <unordered_map>
 
 #include "Benchmark.h"
@@ -28,7 +28,7 @@ std::vector<std::string> codesWithMeaning(eSystem system) {
     return result;
 }
 
-// One code after the other, so that the table is not always in the nearest memory.
+// Takes the codes in turn, so that the row is not always in the fastest cache of the processor.
 template <class Find>
 void findEach(benchmark::State& state, const std::vector<std::string>& all, const Find& find) {
     std::size_t next = 0;

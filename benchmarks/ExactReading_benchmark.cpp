@@ -1,5 +1,5 @@
-// ExactReading_benchmark.cpp: reading without the registry, which remembers nothing: every text is read
-// anew. UDUNITS-2 parses the same text.
+// ExactReading_benchmark.cpp: reading texts with the exact library, which has no cache. UDUNITS-2
+// parses the same texts.
 #include "Benchmark.h"
 #include "Programs.h"
 #include "mensor_exact/Conversion.h"
@@ -18,7 +18,7 @@ void addText(const std::string& text) {
     });
 }
 
-// Without the words of the refusal, and with them.
+// A refusal without its message, and with it.
 void addRefusal(const std::string& text) {
     add("refuse exactly " + text, "code", [text](benchmark::State& state) {
         const exact::CCatalogue catalogue = exact::CCatalogue::builtIn();
@@ -35,7 +35,7 @@ void addRefusal(const std::string& text) {
     });
 }
 
-// As a program does it that reads a value once and shows it in its own unit.
+// The work of a program that reads a value once and shows it in another unit.
 void addRequest() {
     add("read 2.5 km exactly, in m", "mensor::exact", [](benchmark::State& state) {
         const exact::CCatalogue catalogue = exact::CCatalogue::builtIn();

@@ -1,8 +1,8 @@
-// Exact_benchmark.cpp: conversions that are always rounded right, beside one multiplication and beside
+// Exact_benchmark.cpp: correctly rounded conversions, compared with one multiplication and with
 // UDUNITS-2.
 //
-// "A virtual call" is what a converter costs at least that is chosen at run time: a call through a table, and
-// one multiplication. "A plain loop" is a multiplication for each element, in vectors of the same width.
+// "A virtual call" is the minimum cost of a converter that is chosen at run time: a virtual call and one
+// multiplication. "A plain loop" multiplies each element, in vectors of the same width.
 #include "Benchmark.h"
 #include "mensor_exact/Conversion.h"
 #include "mensor_exact/FastForm.h"
@@ -14,7 +14,7 @@ using namespace mensor::exact;
 
 namespace {
 
-// Of two classes, so that the compiler cannot guess which one is called.
+// Two classes, so that the compiler cannot know which one is called.
 struct Converter {
     virtual ~Converter() = default;
     virtual double convert(double x) const = 0;
@@ -30,7 +30,7 @@ struct Add : Converter {
     double Offset;
 };
 
-// A pair of units and, for UDUNITS-2, its names of them.
+// A pair of units, with their names in UDUNITS-2.
 struct Pair {
     const char* Name;
     const char* From;
@@ -61,12 +61,12 @@ CConversion between(const char* from, const char* to) {
 // As in Convert_benchmark.cpp.
 constexpr std::size_t Values = 1024;
 
-// The loops are functions of their own, so that the compiler keeps the value in the register in which it is
-// passed. Beside other calls it may keep it in an integer register, of one side only, and move it to and fro.
+// The loops are separate functions, so that the compiler keeps the value in a floating-point register
+// for all libraries alike.
 template <class There>
 [[gnu::noinline]] double thereAgain(const There& there, double value) {
     for (std::size_t i = 0; i < Values; ++i) {
-        // Back to where it was by a sum that waits for the result, and costs all sides the same.
+        // Restores the value. The sum depends on the result and costs the same for all libraries.
         value = there(value) * 0.0 + 2.5;
     }
     return value;
@@ -164,7 +164,7 @@ multiplyAvx512(const Number* values, double* results, std::size_t count, double 
 }
 #endif
 
-// The vectors that the library takes here.
+// The vectors that the library uses on this processor.
 template <class Number>
 void plainLoop(const Number* values, double* results, std::size_t count) {
 #if defined(__x86_64__)
@@ -178,7 +178,7 @@ void plainLoop(const Number* values, double* results, std::size_t count) {
     multiply(values, results, count, 0.3048);
 }
 
-// One element at a time.
+// Converts one element at a time.
 [[gnu::noinline]] void scalarLoop(const double* values, double* results, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         double result = values[i] * 0.3048;
@@ -192,7 +192,7 @@ public:
     CNearest convert(const CNumber&, const CFormat&) const override { return {0, false}; }
 };
 
-// The fast way for processors without fused multiply-add, where this is one with it.
+// The fast way for processors without a fused multiply-add, also on a processor with one.
 CFastForm withoutFma(const Pair& pair) {
     static const NoSlowWay none;
     const CLeading factor = CLeading::ofQuotient(pair.Line.A, pair.Line.D, 0);
@@ -203,7 +203,7 @@ CFastForm withoutFma(const Pair& pair) {
 
 const bool added = [] {
     addOne("exact, one value", "a virtual call", [] {
-        // Which of the two is known at run time alone.
+        // The class is known only at run time.
         static const Multiply multiply(0.3048);
         static const Add add(0.3048);
         const Converter* chosen = &multiply;

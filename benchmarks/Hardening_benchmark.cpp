@@ -1,6 +1,6 @@
-// Hardening_benchmark.cpp: what hardening costs: the same programs with the library as it is and with one
-// that was built with MENSOR_HARDENING=OFF, which scripts/bench puts into the folder named by the
-// environment variable MENSOR_UNHARDENED.
+// Hardening_benchmark.cpp: the cost of hardening. It runs the same programs with the library and with
+// one that was built with MENSOR_HARDENING=OFF. scripts/bench puts that into the folder that the
+// environment variable MENSOR_UNHARDENED names.
 #include <cstdlib>
 #include <string>
 
@@ -11,7 +11,7 @@ namespace {
 
 const char* const Folder = std::getenv("MENSOR_UNHARDENED");
 
-// While it lives, programs that are started load the library without hardening.
+// While the object exists, programs that are started load the library without hardening.
 class CWithoutHardening {
 public:
     CWithoutHardening() { setenv("LD_LIBRARY_PATH", Folder, 1); }

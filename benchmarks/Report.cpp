@@ -292,9 +292,9 @@ void CReport::ReportRuns(const std::vector<Run>& runs) {
             }
         }
         if (run.counters.count("heap") != 0) {
-            continue;  // its time says nothing
+            continue;  // a benchmark of memory, whose time has no meaning
         }
-        // Time on the core where that is the work; what other processes take of it does not count.
+        // Usually the processor time, so that other processes do not count. Else the time on the clock.
         const bool wall = !run.run_name.time_type.empty();
         note(name, (wall ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime()) * 1e9 /
                        benchmark::GetTimeUnitMultiplier(run.time_unit));

@@ -1,4 +1,4 @@
-// Report.h: turns the times into the table of ratios, and the data of its picture.
+// Report.h: makes the table of ratios from the times, and the data of its picture.
 #ifndef MENSOR_BENCHMARKS_REPORT_H
 #define MENSOR_BENCHMARKS_REPORT_H
 
@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-/// Collects the repetitions of every benchmark; at the end prints the table and, given a folder,
-/// writes `table.md`, `times.md` and `ratios.dat` there.
+/// Collects the repetitions of every benchmark. At the end it prints the table, and writes `table.md`,
+/// `times.md` and `ratios.dat` into the folder if there is one.
 class CReport : public benchmark::ConsoleReporter {
 public:
     explicit CReport(std::string folder);
@@ -24,10 +24,10 @@ private:
     std::string table(std::string& data) const;
     std::string times() const;
 
-    std::string m_Folder;  // where the files go; none are written if it is empty
+    std::string m_Folder;  // for the files; empty: no files are written
     std::map<std::string, std::vector<double>> m_Times;  // nanoseconds of each repetition
-    std::vector<std::string> m_Failures;                 // what gave up, and why
-    std::vector<std::string> m_Names;                    // the keys of m_Times, as they came
+    std::vector<std::string> m_Failures;                 // failed benchmarks, with the reason
+    std::vector<std::string> m_Names;  // the keys of m_Times, in the order of their runs
 };
 
 #endif  // MENSOR_BENCHMARKS_REPORT_H

@@ -1,6 +1,6 @@
-// Threads_benchmark.cpp: two threads at once, each on a core of its own, against one. There is no
-// peer: the parser of UDUNITS-2 serves one thread at a time. Each kind of work is done on units that
-// only this thread uses and on the same units for both.
+// Threads_benchmark.cpp: two threads, each on a core of its own, compared with one. There is no peer:
+// the parser of UDUNITS-2 serves one thread at a time. Each kind of work is measured with the same
+// units for both threads and with different ones.
 #include "Benchmark.h"
 #include "mensor/NonSI.h"
 #include "mensor/SI.h"
@@ -11,12 +11,12 @@ using namespace mensor;
 
 namespace {
 
-// What the two threads work on when each has its own.
+// The units of the two threads if they differ.
 const char* const Texts[2] = {"km", "kPa"};
 const char* const Targets[2] = {"m", "Pa"};
 const char* const Requests[2] = {"2.5 km", "2.5 kPa"};
 
-// Gives each thread its core while it works, and the first core back to the main thread.
+// Pins each thread to its own core while it works. Afterwards the main thread is on the first core again.
 class COwnCore {
 public:
     explicit COwnCore(benchmark::State& state) : m_Thread(state.thread_index()) {
@@ -32,7 +32,7 @@ private:
     int m_Thread;
 };
 
-// `makeWork(which)` makes what thread `which` repeats.
+// `makeWork(which)` returns the function that thread `which` repeats.
 template <class MakeWork>
 void addWork(const std::string& name, MakeWork makeWork) {
     for (const bool same : {false, true}) {

@@ -1,5 +1,5 @@
-// TypicalTexts.h: fifty texts as they come in messages, which mensor and UDUNITS-2 read alike. What
-// the benchmarks time and the budgets count is the same mix.
+// TypicalTexts.h: fifty typical texts of units that mensor and UDUNITS-2 read alike. The benchmarks and
+// tests/budget use the same texts.
 #ifndef MENSOR_BENCHMARKS_TYPICALTEXTS_H
 #define MENSOR_BENCHMARKS_TYPICALTEXTS_H
 

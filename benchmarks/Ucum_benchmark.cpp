@@ -1,4 +1,4 @@
-// Ucum_benchmark.cpp: reading codes of UCUM, which remembers nothing, and finding the code for a meaning.
+// Ucum_benchmark.cpp: reading codes of UCUM without a cache, and finding the code of a meaning.
 // UDUNITS-2 parses the same unit in its own notation.
 #include "Benchmark.h"
 #include "mensor_codes/Codes.h"

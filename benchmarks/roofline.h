@@ -4,7 +4,7 @@
 
 #include <cstddef>
 
-/// y = x * a + b for all.
+/// Computes y = x * a + b for all elements.
 void scaleAndShift(const double* x, double* y, std::size_t count, double a, double b);
 
 #endif  // MENSOR_BENCHMARKS_ROOFLINE_H

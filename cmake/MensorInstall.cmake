@@ -1,5 +1,5 @@
-# Installs all libraries of mensor_library() so that others find them: find_package(mensor 1 CONFIG) gives
-# the targets mensor::<name>, and pkg-config knows mensor and mensor-<name>.
+# Installs all libraries of mensor_library(). Then find_package(mensor 1 CONFIG) defines the targets
+# mensor::<name>, and pkg-config has the packages mensor and mensor-<name>.
 include(CMakePackageConfigHelpers)
 set(MENSOR_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/mensor)
 get_property(MENSOR_LIBRARIES GLOBAL PROPERTY MENSOR_LIBRARIES)
@@ -51,8 +51,8 @@ install(FILES
     ${PROJECT_BINARY_DIR}/mensorConfigVersion.cmake
   DESTINATION ${MENSOR_CMAKE_DIR} COMPONENT libmensor-dev)
 
-# gdb loads the printers with the library. Their path repeats the whole path of the installed library. They
-# support only the library's own string class.
+# gdb loads the printers with the library. Their path repeats the whole path of the installed library.
+# They support only the library's own string class.
 if(MENSOR_STRING STREQUAL "own")
   install(FILES tools/gdb/mensor_gdb.py
     DESTINATION "${CMAKE_INSTALL_DATADIR}/gdb/auto-load\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}"
@@ -60,7 +60,8 @@ if(MENSOR_STRING STREQUAL "own")
     COMPONENT libmensor1)
 endif()
 
-# mensor_install_compressed(<file> <destination>.gz <component>): always the same bytes for the same file.
+# mensor_install_compressed(<file> <destination>.gz <component>): compresses and installs a file. The
+# same file always gives the same bytes.
 find_program(MENSOR_GZIP gzip)
 mark_as_advanced(MENSOR_GZIP)
 function(mensor_install_compressed file destination component)

@@ -1,6 +1,6 @@
-// CheckedRead_fuzz.cpp: whatever the companion accepts has, by direct calculation from the text,
-// the exponents, the factor and the offset by which the library converts the object it gives. What
-// is refused for its form has no unit, a place in the text and a sentence. Nothing else happens.
+// CheckedRead_fuzz.cpp: if the companion accepts a text, the unit that it gives converts in the library
+// with the exponents, the factor and the offset that a direct calculation from the text gives. A text
+// that is refused for its form has no unit, but a position and a sentence.
 #include <cstddef>
 #include <cstdint>
 #include <string>

@@ -1,6 +1,6 @@
-// Codes_fuzz.cpp: a text is a code of a table exactly if the table has a row of it. A code with a
-// meaning is found for that meaning, or the code that its row names. A refusal tells a place in the
-// text. Each number is the unit id of one code, or of none.
+// Codes_fuzz.cpp: a text is a code of a table exactly if the table has a row for it. The meaning of a
+// code gives that code, or the code that its row names. A refusal has a position in the text. Each
+// number is the unit id of at most one code.
 #include <cstddef>
 #include <cstdint>
 #include <cstring>

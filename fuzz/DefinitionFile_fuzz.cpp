@@ -1,8 +1,7 @@
-// DefinitionFile_fuzz.cpp: a file of definitions is accepted as a whole or refused line by line.
-// Each unit of an accepted file has the form that the grammar tells, and means what a direct
-// calculation with doubles gives. Its definition in the catalogue means the same, exactly. Of a
-// refused file nothing stays, each finding has its place in its line, and what is offered in place
-// of the line is accepted.
+// DefinitionFile_fuzz.cpp: a definition file is accepted as a whole, or defines nothing. Each line of
+// an accepted file has the form of the grammar, and its unit has the meaning that a direct calculation
+// with doubles gives. The definition in the catalogue has exactly the same meaning. Each finding of a
+// refused file has a position in its line, and every line that it offers instead is accepted.
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -44,7 +43,7 @@ std::vector<std::string> linesOf(std::string text) {
     return lines;
 }
 
-// The line without its comment and the blanks at its ends.
+// Returns the line without its comment and without blanks at its ends.
 std::string definitionIn(const std::string& line) {
     static const std::regex Comment("(^|[ \t])#[^]*$");
     static const std::regex Ends("^[ \t]+|[ \t]+$");
@@ -66,7 +65,7 @@ double numberOf(const std::string& above, const std::string& below) {
     return std::strtod(above.c_str(), nullptr) / divisor;
 }
 
-// Checks one line that was accepted; gives the name.
+// Checks an accepted line. Returns the name that it defines.
 std::string checkLine(const std::string& line, const CDefinitionFile& file) {
     static const std::string Number = "([0-9]*\\.?[0-9]*(?:[eE][+-]?[0-9]+)?)";
     static const std::regex Form("^(?:replace[ \t]+)?([^]*?)[ \t]*=[ \t]*(?:(base[ \t]+unit)|" +
@@ -78,7 +77,7 @@ std::string checkLine(const std::string& line, const CDefinitionFile& file) {
         fail(line, "is accepted, but has another form");
     }
     const std::string name = parts[1];
-    for (const std::string& own : file.Names) {  // its unit may rest on another line
+    for (const std::string& own : file.Names) {  // its unit may be defined by another line
         if (parts.str(5).find(own) != std::string::npos ||
             parts.str(9).find(own) != std::string::npos) {
             return name;
@@ -103,7 +102,7 @@ std::string checkLine(const std::string& line, const CDefinitionFile& file) {
             }
         }
     } catch (const std::invalid_argument&) {
-        return name;  // by a name that the calculation lacks
+        return name;  // the calculation does not know a name in it
     }
     const bool isInRange = std::isnormal(expected.Factor) && std::isfinite(expected.Offset);
     if (isInRange && !areSame(quantityOf(meaning), expected)) {
@@ -138,7 +137,7 @@ void checkAccepted(const std::string& text, const CDefinitionFile& file) {
     });
 }
 
-// Whether the readings are of a line as such, not of a unit in it.
+// Whether the readings are whole lines and not texts for a unit in the line.
 bool isOfLine(const exact::CDiagnosis& refusal) {
     return refusal.Code == exact::eRefusal::NAME_TAKEN ||
            refusal.Code == exact::eRefusal::NO_NUMBER ||

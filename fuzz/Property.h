@@ -34,7 +34,7 @@ inline void require(bool holds, const std::string& about, const char* property) 
 /// Whether the caches of the library are off, because its tables have been handed out.
 inline bool isWithoutMemory() { return CUnitFormat::namesVersion() == 0; }
 
-/// Checks the invariants of the tables. Call it after each input; it decides how often it checks.
+/// Checks the invariants of the tables. Call it after each input. It does not check at each call.
 ///
 /// Looking at the tables switches the caches of the library off. So after the first inputs of a
 /// process it checks only the names: these inputs test the caches, the later ones the tables. The

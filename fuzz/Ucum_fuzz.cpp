@@ -1,6 +1,6 @@
-// Ucum_fuzz.cpp: a text is a code of UCUM exactly if the grammar says so. A code with a meaning
-// gives a code of the same meaning back. A refusal tells a place in the text. No other system
-// breaks on the text.
+// Ucum_fuzz.cpp: a text is a code of UCUM exactly if the grammar accepts it. The code for the meaning
+// of a code has that meaning again. A refusal has a position in the text. The other systems survive the
+// text, too.
 #include <cstddef>
 #include <cstdint>
 #include <string>

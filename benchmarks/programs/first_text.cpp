@@ -1,4 +1,4 @@
-// first_text.cpp: prints how many nanoseconds the exact library takes to read a process's first text.
+// first_text.cpp: prints the nanoseconds that the exact library needs for the first text of a process.
 #include <chrono>
 #include <cstdio>
 

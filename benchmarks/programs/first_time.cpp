@@ -1,10 +1,10 @@
-// first_time.cpp: prints how many nanoseconds one operation takes when its result is new.
+// first_time.cpp: prints the nanoseconds of one operation whose result is new.
 //
 // usage: first_time WHO WHAT   WHO: mensor, UDUNITS-2; WHAT: multiply, divide, pow, parse
 //
-// Both work on the named units of the SI: each with each, or each to the powers 2 to 5. What the
-// catalogue has built already (a few of the results) is counted too. "parse" reads texts of two
-// names that were never read before; the products themselves exist by then.
+// Both libraries work on the named units of the SI: each with each, or each to the powers 2 to 5. A few
+// of the results exist already in the catalogue of mensor. "parse" reads new texts of two names; the
+// products exist already.
 #include <udunits2.h>
 
 #include <chrono>

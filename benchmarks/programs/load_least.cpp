@@ -1,6 +1,7 @@
-// load_least.cpp: does nothing but what any library must do that has mensor's units in memory when it is
-// loaded. It makes as many objects of the same sizes, enters them in maps under their names, and frees them at
-// exit. Nothing is computed: no name is put together, no unit compared, no converter chained.
+// load_least.cpp: does only the work that any library must do to have the units of mensor in memory
+// when it is loaded. It makes as many objects of the same sizes, enters them in maps under their names,
+// and frees them at exit. It computes nothing: no names, no comparisons of units, no chains of
+// converters.
 #include <array>
 #include <cstddef>
 #include <map>

@@ -1,4 +1,4 @@
-// load_mensor.cpp: links mensor and leaves it alone.
+// load_mensor.cpp: loads mensor and does not use it.
 #include "programs/memory.h"
 
 int main(int argc, char**) {

@@ -1,4 +1,4 @@
-// load_nothing.cpp: uses no library.
+// load_nothing.cpp: loads no library.
 #include "programs/memory.h"
 
 int main(int argc, char**) {

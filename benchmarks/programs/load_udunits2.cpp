@@ -1,4 +1,5 @@
-// load_udunits2.cpp: brings UDUNITS-2 to where mensor is once loaded: all units in memory.
+// load_udunits2.cpp: loads UDUNITS-2 and reads its database, so that all units are in memory as in
+// mensor.
 #include <udunits2.h>
 
 #include "programs/memory.h"

@@ -1,4 +1,4 @@
-// memory.h: prints what the process uses by now, when its program was started with "memory".
+// memory.h: prints the memory that the process uses.
 #ifndef MENSOR_BENCHMARKS_MEMORY_H
 #define MENSOR_BENCHMARKS_MEMORY_H
 
@@ -6,9 +6,10 @@
 
 #include <cstdio>
 
-/// Prints "<bytes of heap in use> <bytes resident>", the latter over all mappings of the process.
+/// Prints "<bytes of heap in use> <bytes resident>". The second number counts all mappings of the
+/// process.
 inline void printMemory() {
-    const struct mallinfo2 heap = mallinfo2();  // before this function uses any itself
+    const struct mallinfo2 heap = mallinfo2();  // before this function allocates memory
     unsigned long resident = 0;
     if (std::FILE* const maps = std::fopen("/proc/self/smaps", "r")) {
         char line[512];

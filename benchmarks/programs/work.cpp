@@ -1,5 +1,5 @@
-// work.cpp: does one kind of work again and again, and prints how many nanoseconds it takes once. A
-// program of its own, so that it can be started with one build of the library or another.
+// work.cpp: repeats one kind of work and prints the nanoseconds of one repetition. It is a separate
+// program, so that it can be started with different builds of the library.
 //
 // usage: work WHAT   WHAT: parse, "look up", convert, format, request
 #include <algorithm>

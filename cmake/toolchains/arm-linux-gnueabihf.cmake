@@ -10,7 +10,7 @@ set(CMAKE_C_COMPILER arm-linux-gnueabihf-gcc)
 set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-arm)
 
-# Notes about an argument passing that changed with GCC 7 concern no one here.
+# Switches off notes about a change of GCC 7 in the passing of arguments.
 set(CMAKE_CXX_FLAGS_INIT "-Wno-psabi")
 
 set(ENV{PKG_CONFIG_LIBDIR} /usr/lib/arm-linux-gnueabihf/pkgconfig:/usr/share/pkgconfig)

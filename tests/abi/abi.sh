@@ -2,9 +2,10 @@
 # usage: abi.sh compare|update FILE names NM LIBRARY
 #        abi.sh compare|update FILE sizes COMMAND...
 #
-# The binary interface of a library: its exported names, sorted and demangled, with the size of tables of
-# virtual functions; and the sizes that COMMAND prints. A difference from FILE is a change of the ABI:
-# decide about it, then let "update" (target update_abi) rewrite FILE.
+# Compares or writes the binary interface of a library. "names" is its exported names, sorted and
+# demangled, with the sizes of tables of virtual functions. "sizes" is the output of COMMAND. A
+# difference from FILE is a change of the ABI. If it is wanted, let "update" (target update_abi) rewrite
+# FILE.
 set -eu
 what=$1 file=$2 kind=$3
 shift 3

@@ -1,8 +1,8 @@
 #!/bin/sh
 # usage: loads_quietly.sh NM LIBRARY
 #
-# Fails if the library has a constructor of its own that runs when it is loaded. LIBRARY is not stripped:
-# the names of such functions are not exported.
+# Fails if the library has a constructor that runs at load. LIBRARY must not be stripped, since such
+# functions are not exported.
 set -eu
 names=$("$1" "$2")
 printf '%s\n' "$names" | grep -q ' frame_dummy$' || { echo "$2 is stripped"; exit 1; }

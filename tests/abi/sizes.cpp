@@ -1,4 +1,4 @@
-// The sizes and alignments of the classes that clients can create, derive from or copy.
+// sizes.cpp: prints the sizes and alignments of the classes that clients can create, derive from or copy.
 #include <mensor/AddConverter.h>
 #include <mensor/AlternateUnit.h>
 #include <mensor/BaseUnit.h>

@@ -1,5 +1,5 @@
-# counts.cmake: runs PROGRAM under callgrind, for scripts that include it, and sets `names` and for each
-# name count_<name as an identifier>.
+# counts.cmake: runs PROGRAM under callgrind. Sets `names` to the names of the counts, and count_<name
+# as an identifier> to each count. Other scripts include it.
 #
 # usage: cmake -DVALGRIND=<program> -DPROGRAM=<program> -DFOLDER=<for callgrind's files> -P <script>
 file(REMOVE_RECURSE ${FOLDER})

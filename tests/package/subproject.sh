@@ -1,8 +1,8 @@
 #!/bin/sh
 # usage: subproject.sh CMAKE BUILD PREFIX EXPECTED [EMULATOR...]
 #
-# Runs the client of the project in BUILD, and runs it again where it is installed with the parts of mensor
-# that it needs. No variable of the environment has the path of the library.
+# Runs the client of the project in BUILD. Then installs it with the parts of mensor that it needs, and
+# runs it there. LD_LIBRARY_PATH is not set.
 set -eu
 cmake=$1 build=$2 prefix=$3 expected=$4
 shift 4

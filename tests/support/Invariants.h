@@ -44,35 +44,35 @@ inline std::string brokenInvariant() {
             return "no unit under the hash " + std::to_string(hash);
         }
         if (unit->hashCode() != hash) {
-            return "another hash code" + which;
+            return "a different hash code" + which;
         }
         unit->calculateHashCode();
         if (unit->hashCode() != hash) {
-            return "another hash code, computed anew," + which;
+            return "a different computed hash code" + which;
         }
         const int id = Inside::id(unit);
         if (unit == one ? id != 0 : id < 2 || static_cast<std::size_t>(id) > instances.size()) {
-            return "the number " + std::to_string(id) + which;
+            return "the wrong id " + std::to_string(id) + which;
         }
         if (isTaken[static_cast<std::size_t>(id)]) {
-            return "again the number " + std::to_string(id) + which;
+            return "the id " + std::to_string(id) + " for the second time" + which;
         }
         isTaken[static_cast<std::size_t>(id)] = true;
         for (const auto* cache : {&Inside::multiplyLookUp(unit), &Inside::divideLookUp(unit),
                                   &Inside::rootLookUp(unit), &Inside::powLookUp(unit)}) {
             for (const CUnitPtr& result : *cache) {
                 if (result && !isCanonical(result)) {
-                    return "a result that is not canonical in a cache" + which;
+                    return "an unregistered result in a cache" + which;
                 }
             }
         }
         const string_t& symbol = Inside::symbol(unit);
         if (unit != one && !symbol.empty() && CUnit::symbols().count(symbol) == 0) {
-            return "not in the table of symbols:" + named(symbol);
+            return "the table of symbols lacks" + named(symbol);
         }
     }
     if (!isCanonical(one)) {
-        return "the dimensionless unit is not canonical";
+        return "the dimensionless unit is not registered";
     }
 
     for (const auto& [symbol, unit] : CUnit::symbols()) {
@@ -85,7 +85,7 @@ inline std::string brokenInvariant() {
     const auto& unitLabels = CUnitFormat::unitLabelMap();
     for (const auto& [label, unit] : CUnitFormat::labelUnitMap()) {
         if (!isCanonical(unit)) {
-            return "the unit is not registered of the label" + named(label);
+            return "an unregistered unit has the label" + named(label);
         }
         const auto back = unitLabels.find(unit);
         if (back == unitLabels.end() || back->second != label) {
@@ -93,23 +93,23 @@ inline std::string brokenInvariant() {
         }
     }
     if (unitLabels.size() != CUnitFormat::labelUnitMap().size()) {
-        return "a unit has a label that is another unit's or nobody's";
+        return "a unit has a label that belongs to another unit or to none";
     }
     for (const auto& [alias, unit] : CUnitFormat::aliasUnitMap()) {
         if (!isCanonical(unit)) {
-            return "the unit is not registered of the alias" + named(alias);
+            return "an unregistered unit has the alias" + named(alias);
         }
     }
 
     // The tables of dimensions. A converter may be missing, because its unit threw.
     for (const auto& [unit, dimension] : CUnit::dimensions()) {
         if (!isCanonical(unit) || !isCanonical(dimension)) {
-            return "a unit or dimension that is not canonical among the dimensions";
+            return "an unregistered unit or dimension in the table of dimensions";
         }
     }
     for (const auto& [unit, converter] : CUnit::toDimensions()) {
         if (!isCanonical(unit)) {
-            return "a unit that is not canonical among the converters to dimensions";
+            return "an unregistered unit in the table of converters to dimensions";
         }
     }
     return "";

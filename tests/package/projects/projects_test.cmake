@@ -1,6 +1,6 @@
 # cmake -DSOURCE=<mensor> -DWORK=<folder> -DGENERATOR=<name> -DCOMPILER=<c++> -P projects_test.cmake:
-# how mensor is configured as a part of another project, by itself, and from what Conan takes along.
-# Nothing is built.
+# configures mensor as a part of another project, alone, and from the files of the Conan recipe. Nothing
+# is built.
 set(failures 0)
 file(REMOVE_RECURSE ${WORK})
 unset(ENV{CMAKE_BUILD_TYPE})
@@ -20,7 +20,7 @@ function(configures name source text)
   endif()
 endfunction()
 
-# caches(<name> <variable> <value>): what the configured folder holds.
+# caches(<name> <variable> <value>): the cache of the configured folder has this value.
 function(caches name variable value)
   load_cache(${WORK}/${name} READ_WITH_PREFIX cached_ ${variable})
   if(NOT "${cached_${variable}}" STREQUAL "${value}")
@@ -30,7 +30,7 @@ function(caches name variable value)
   endif()
 endfunction()
 
-# As a part, with everything on that a part may have.
+# As a part of another project, with all options that it may set.
 set(parent ${CMAKE_CURRENT_LIST_DIR}/parent)
 set(part -DMENSOR_SOURCE=${SOURCE} -DMENSOR_EXAMPLES=ON -DMENSOR_TOOLS=ON)
 foreach(has nothing alias imported)
@@ -39,7 +39,8 @@ endforeach()
 configures(part_tests ${parent} "all is well" ${part} -DMENSOR_TESTS=ON -DMENSOR_BENCHMARKS=ON)
 configures(part_static ${parent} "mensor is a shared library only" ${part} -DBUILD_SHARED_LIBS=OFF)
 
-# By itself, as "cmake -B build" does it: optimised, and with nothing that only developers have.
+# Alone, with the defaults of "cmake -B build": optimised, and without the tests and options of
+# developers.
 configures(alone ${SOURCE} "Configuring done")
 caches(alone CMAKE_BUILD_TYPE Release)
 caches(alone MENSOR_TESTS OFF)
@@ -48,7 +49,7 @@ configures(alone_debug ${SOURCE} "Configuring done" -DCMAKE_BUILD_TYPE=Debug)
 caches(alone_debug CMAKE_BUILD_TYPE Debug)
 configures(alone_static ${SOURCE} "mensor is a shared library only" -DBUILD_SHARED_LIBS=OFF)
 
-# From the files that Conan takes along, and with the options that it gives.
+# From the files that the Conan recipe exports, with the options that it sets.
 file(READ ${SOURCE}/conanfile.py recipe)
 string(REGEX MATCH "exports_sources = \\(?([^)\n]*\n?[^)\n]*)" found "${recipe}")
 string(REGEX MATCHALL "\"[^\"]+\"" patterns "${CMAKE_MATCH_1}")
@@ -71,7 +72,7 @@ string(REGEX MATCHALL "\"MENSOR_[A-Z]+\": \"[A-Z]+\"" options "${recipe}")
 list(TRANSFORM options REPLACE "\"(.*)\": \"(.*)\"" "-D\\1=\\2")
 configures(conan ${WORK}/taken "Configuring done" ${options} -DCMAKE_BUILD_TYPE=Release)
 
-# It takes its version from where the build has it.
+# The recipe reads the version from the sources and has no copy of it.
 file(STRINGS ${SOURCE}/conanfile.py versions REGEX "[0-9]+\\.[0-9]+\\.[0-9]+")
 if(versions)
   message("conanfile.py has a version of its own: ${versions}")

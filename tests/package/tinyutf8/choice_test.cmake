@@ -1,5 +1,5 @@
-# cmake -DBINARY_DIR=<folder> -DGENERATOR=<name> -P choice_test.cmake: what MENSOR_STRING gives, with and without a
-# package of tiny-utf8 to be found.
+# cmake -DBINARY_DIR=<folder> -DGENERATOR=<name> -P choice_test.cmake: tests the values of
+# MENSOR_STRING, with and without an installed package of tiny-utf8.
 set(failures 0)
 
 # expect(<folder> <text> <options>...): configuring prints <text>, as one line.

@@ -1,5 +1,6 @@
-// A client of mensor with tiny-utf8's string. It shows first that the class behaves as the real one
-// where that differs from mensor's own, then that mensor's texts hold what they should all the same.
+// client.cpp: a client of mensor with the string of tiny-utf8. It tests that the class in this folder
+// behaves as tiny-utf8 where that differs from mensor's own class. Then it tests that the texts of
+// mensor are right.
 #include <mensor/SI.h>
 #include <mensor/UnitFormat.h>
 #include <mensor/ValueWithUnit.h>
