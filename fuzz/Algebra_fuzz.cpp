@@ -121,7 +121,7 @@ unsigned hashOf(const test::Factors& factors) {
 void requireCanonical(const CUnitPtr& unit, const char* operation) {
     require(unit && (unit == CProductUnit::one() || Inside::id(unit) >= 2) &&
                 (unit == CProductUnit::one() || Inside::canonical(unit) == unit),
-            operation, "gives a unit that is not canonical");
+            operation, "gives an unregistered unit");
 }
 
 // `operation` returns the registered unit with the hash code of `factors`, or refuses if there are
@@ -142,7 +142,7 @@ CUnitPtr checkProduct(const char* name, const Product& factors, Operation operat
         require(unit == factors->front().getUnit(), name, "of one unit is not this unit");
     } else {
         require(unit->hashCode() == static_cast<int>(hashOf(*factors)), name,
-                "has a hash code that its factors do not have");
+                "does not have the hash code of its factors");
     }
     require(operation() == unit, name, "is another unit the second time");
     return unit;
@@ -237,10 +237,10 @@ void checkConversion(const CUnitPtr& from, const CUnitPtr& to, double value) {
     requireCanonical(fromDimension, "a dimension");
     require(from->isCompatible(to) == (fromDimension == toDimension) &&
                 to->isCompatible(from) == (fromDimension == toDimension),
-            "two units", "are compatible against their dimensions");
+            "two units", "with different dimensions are compatible, or the reverse");
     if (fromDimension != toDimension) {
-        require(outcome == incompatible(from, to), "units of other dimensions",
-                ("convert, or " + outcome).c_str());
+        require(outcome == incompatible(from, to), "a conversion between different dimensions",
+                ("ends with " + outcome).c_str());
         return;
     }
     // A new converter, so no cached one is used.
@@ -255,11 +255,12 @@ void checkConversion(const CUnitPtr& from, const CUnitPtr& to, double value) {
         return;
     }
     const double converted = converter->convert(value);
-    require(areSame(converted, expected->convert(value)), "a value", "is converted otherwise");
+    require(areSame(converted, expected->convert(value)), "a value",
+            "is converted to a wrong number");
     require(areSame(converted, from->convertValueToUnit(value, to)), "a value",
-            "is converted otherwise at once");
+            "is converted to a wrong number by convertValueToUnit()");
     require(areSame(converter->derivative(value), expected->derivative(value)), "a converter",
-            "has another slope");
+            "has a wrong slope");
     // Only if no digits are lost: numbers of usual size, and offsets that are not larger, not even
     // two that cancel.
     const CConverterPtr inverse = converter->inverse();

@@ -32,7 +32,7 @@ void checkUnit(const std::string& text, const CUnitPtr& unit) {
 void checkDiagnosis(const std::string& text, const checked::CDiagnosis& diagnosis) {
     if (diagnosis.Text != text || diagnosis.Sentence.empty() || diagnosis.Byte > text.size() ||
         text.compare(diagnosis.Byte, diagnosis.Token.size(), diagnosis.Token) != 0) {
-        fail(text, "is refused for something that is not there");
+        fail(text, "has a refusal that does not fit the text");
     }
     diagnosis.message();
     diagnosis.caret();
@@ -59,7 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const CValueWithUnit back =
             checked::readValue(checked::writeValue(value.Value, value.Unit));
         if (back.value() != value.Value || back.unit() != value.Unit) {
-            fail(text, "is a value that does not read back");
+            fail(text, "is a value whose text does not read back");
         }
     }
     fuzz::checkTables();

@@ -21,26 +21,29 @@ void checkTable(eSystem system, const std::string& text) {
     const codes::CReading reading = codes::tryRead(system, text);
     const std::optional<codes::CCode> row = codes::find(system, text);
     if (reading) {
-        fuzz::require(row && !row->Definition.empty(), text, "read without a row");
+        fuzz::require(row && !row->Definition.empty(), text, "is accepted without a row");
         const codes::CMatch match = codes::codeFor(system, *reading.Meaning);
         fuzz::require(match.Code == (row->SameAs.empty() ? row->Code : row->SameAs), text,
-                      "another code for its meaning");
+                      "has a meaning that gives another code");
         return;
     }
     const bool isRefused = reading.Refusal.Code == eRefusal::NO_MEANING;
-    fuzz::require(isRefused == row.has_value(), text, "refused with a row, or unknown without one");
-    fuzz::require(!isRefused || row->Definition.empty(), text, "refused with a definition");
-    fuzz::require(reading.Refusal.Token.End <= text.size(), text, "a place outside of the text");
-    fuzz::require(!codes::diagnose(reading.Refusal).message().empty(), text, "no words");
+    fuzz::require(isRefused == row.has_value(), text,
+                  "is refused as without meaning, but has no row, or the reverse");
+    fuzz::require(!isRefused || row->Definition.empty(), text,
+                  "is refused as without meaning, but has a definition");
+    fuzz::require(reading.Refusal.Token.End <= text.size(), text, "has a refusal beyond its end");
+    fuzz::require(!codes::diagnose(reading.Refusal).message().empty(), text,
+                  "has a refusal without words");
 }
 
 void checkId(const std::string& text) {
     std::int32_t id = 0;
     std::memcpy(&id, text.data(), text.size() < sizeof id ? text.size() : sizeof id);
     const std::string code = codes::codeOfUnitId(id);
-    fuzz::require(code.empty() || codes::unitIdOf(code) == id, text, "another id for its code");
+    fuzz::require(code.empty() || codes::unitIdOf(code) == id, text, "has a code with another id");
     const std::optional<std::int32_t> own = codes::unitIdOf(text);
-    fuzz::require(!own || codes::codeOfUnitId(*own) == text, text, "another code for its id");
+    fuzz::require(!own || codes::codeOfUnitId(*own) == text, text, "has an id with another code");
 }
 
 }  // namespace

@@ -74,7 +74,7 @@ std::string checkLine(const std::string& line, const CDefinitionFile& file) {
                                  "[ \t]*" + Number + "(?:/" + Number + ")?[ \t]*([^,]*))?)$");
     std::smatch parts;
     if (!std::regex_match(line, parts, Form)) {
-        fail(line, "is accepted, but has another form");
+        fail(line, "is accepted, but does not have the form of the grammar");
     }
     const std::string name = parts[1];
     for (const std::string& own : file.Names) {  // its unit may be defined by another line
@@ -120,18 +120,18 @@ void checkAccepted(const std::string& text, const CDefinitionFile& file) {
         }
     }
     if (definitions.size() != file.Names.size()) {
-        fail(text, "has another number of definitions");
+        fail(text, "has a wrong number of definitions");
     }
     for (std::size_t i = 0; i < definitions.size(); ++i) {
         if (checkLine(definitions[i], file) != file.Names[i]) {
-            fail(definitions[i], "has another name");
+            fail(definitions[i], "has a wrong name");
         }
     }
     file.Catalogue.forEach([&](const exact::CDefinition& definition) {
         const bool isOwn = definition.Pack == exact::ePack::OWN && !definition.Text.empty();
         if (isOwn &&
             file.Catalogue.evaluate(definition.Text) != *file.Catalogue.meaning(definition.Name)) {
-            fail(std::string(definition.Text), "is no definition of its unit");
+            fail(std::string(definition.Text), "is not a definition of its unit");
         }
         return true;
     });
@@ -147,7 +147,7 @@ bool isOfLine(const exact::CDiagnosis& refusal) {
 void checkRefused(const std::string& text, const CDefinitionFile& file) {
     if (!file.Names.empty() || !file.Taken.empty() ||
         file.Catalogue.definitions().size() != CCatalogue::builtIn().definitions().size()) {
-        fail(text, "is refused, and something stays");
+        fail(text, "is refused, but has defined something");
     }
     const std::vector<std::string> lines = linesOf(text);
     std::string accepted;
@@ -161,12 +161,12 @@ void checkRefused(const std::string& text, const CDefinitionFile& file) {
         if (refusal.Text != lines.at(finding.Line - 1) || refusal.Sentence.empty() ||
             refusal.Byte > refusal.Text.size() ||
             refusal.Text.compare(refusal.Byte, refusal.Token.size(), refusal.Token) != 0) {
-            fail(refusal.Text, "is refused for something that is not there");
+            fail(refusal.Text, "has a refusal that does not fit the line");
         }
         refusal.caret();
         for (const std::string& reading : refusal.Readings) {
             if (isOfLine(refusal) && !exact::tryReadDefinitions(accepted + reading)) {
-                fail(refusal.Text, "is refused; what is offered is refused, too: " + reading);
+                fail(refusal.Text, "is refused with an offer that is refused, too: " + reading);
             }
         }
     }

@@ -192,7 +192,7 @@ private:
                                      toStdString(prefix(chosen[i]).Symbol) + *base);
         }
         require(outcome == expected, base.value_or("a unit without a text"),
-                ("gets prefixes, or " + outcome).c_str());
+                ("is labelled with prefixes, with the outcome " + outcome).c_str());
     }
 
     template <class Register>
@@ -206,17 +206,17 @@ private:
         const std::string taken =
             "std::logic_error: The symbol: " + symbol + " is currently associated to another unit.";
         require(names().isSymbol(symbol) && outcome == taken.c_str(), symbol,
-                ("is a symbol, or " + outcome).c_str());
+                ("is registered as a symbol, with the outcome " + outcome).c_str());
     }
 
     void compare() const {
         for (const CUnitPtr& unit : pool()) {
             require(toStdString(CUnitFormat::labelFor(unit)) == names().nameOf(unit),
-                    names().nameOf(unit), "is no longer the name of its unit");
+                    names().nameOf(unit), "is not the name of its unit");
         }
         for (const std::string& text : m_Texts) {
             require(CUnitFormat::unitFor(text) == names().unitFor(text), text,
-                    "stands for another unit");
+                    "denotes another unit");
         }
     }
 

@@ -74,19 +74,21 @@ std::string joined(const std::vector<Piece>& pieces, std::size_t from, std::size
 void compare(const utf8_string& text, const std::string& bytes) {
     require(std::string(text.data(), text.size()) == bytes, bytes, "has other bytes");
     require(text.cpp_str() == bytes && text.c_str()[bytes.size()] == 0, bytes, "has other bytes");
-    require(text.empty() == bytes.empty(), bytes, "is empty or not");
+    require(text.empty() == bytes.empty(), bytes, "has a wrong empty()");
     const std::vector<Piece> pieces = piecesOf(bytes);
-    require(text.length() == pieces.size(), bytes, "has another length");
+    require(text.length() == pieces.size(), bytes, "has a wrong length");
     std::size_t index = 0;
     for (const char32_t c : text) {
-        require(index < pieces.size() && c == pieces[index].CodePoint, bytes, "iterates otherwise");
-        require(text[index] == c && text.at(index) == c, bytes, "is indexed otherwise");
+        require(index < pieces.size() && c == pieces[index].CodePoint, bytes,
+                "gives a wrong code point to an iterator");
+        require(text[index] == c && text.at(index) == c, bytes,
+                "gives a wrong code point to an index");
         ++index;
     }
-    require(index == pieces.size(), bytes, "iterates too little");
+    require(index == pieces.size(), bytes, "ends before its last code point");
     require(text[index] == 0 && *text.end() == 0, bytes, "is not 0 at its end");
     const auto end = text.end();
-    require(++text.end() == end, bytes, "is left by its iterator");
+    require(++text.end() == end, bytes, "lets an iterator pass its end");
 }
 
 void checkPastTheEnd(const utf8_string& text) {
@@ -94,7 +96,7 @@ void checkPastTheEnd(const utf8_string& text) {
     require(outcomeOf([&] { text.at(length); }) == "std::out_of_range: utf8_string::at: index " +
                                                        std::to_string(length) + " in a text of " +
                                                        std::to_string(length) + " code points",
-            text.cpp_str(), "is left by an index");
+            text.cpp_str(), "accepts an index beyond its end");
 }
 
 void compareOrder(const utf8_string& a, const utf8_string& b, const std::string& x,
@@ -102,15 +104,15 @@ void compareOrder(const utf8_string& a, const utf8_string& b, const std::string&
     const int order = x.compare(y);
     require((a == b) == (order == 0) && (a != b) == (order != 0) && (a < b) == (order < 0) &&
                 (a > b) == (order > 0) && (a <= b) == (order <= 0) && (a >= b) == (order >= 0),
-            x + "|" + y, "compare otherwise");
+            x + "|" + y, "do not compare as their bytes do");
     require(order != 0 || std::hash<utf8_string>()(a) == std::hash<utf8_string>()(b), x,
-            "is equal and hashes otherwise");
+            "has another hash code than an equal text");
     std::ostringstream stream, expected;
     stream.width(7);
     expected.width(7);
     stream << a;
     expected << x;
-    require(stream.str() == expected.str(), x, "is streamed otherwise");
+    require(stream.str() == expected.str(), x, "is streamed wrongly");
 }
 
 }  // namespace

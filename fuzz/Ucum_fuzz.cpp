@@ -17,11 +17,11 @@ namespace {
 
 void checkRefusal(const std::string& text, const codes::CRefusal& refusal) {
     fuzz::require(refusal.Token.Begin <= refusal.Token.End && refusal.Token.End <= text.size(),
-                  text, "the refusal tells a place outside of the text");
+                  text, "has a refusal beyond its end");
     const exact::CDiagnosis diagnosis = codes::diagnose(refusal);
     fuzz::require(!diagnosis.message().empty() && !diagnosis.caret().empty(), text,
-                  "the refusal has no words");
-    fuzz::require(diagnosis.Code == refusal.Code, text, "the diagnosis is of another refusal");
+                  "has a refusal without words");
+    fuzz::require(diagnosis.Code == refusal.Code, text, "has a diagnosis of another refusal");
 }
 
 }  // namespace
@@ -34,11 +34,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string& text = *input;
     const codes::CReading reading = codes::tryRead(eSystem::UCUM, text);
     fuzz::require(codes::isCode(eSystem::UCUM, text) == UcumGrammar::accepts(text), text,
-                  "the grammar says otherwise");
+                  "is read differently by the grammar");
     if (reading) {
         const codes::CMatch match = codes::codeFor(eSystem::UCUM, *reading.Meaning);
         fuzz::require(!match || codes::read(eSystem::UCUM, match.Code) == *reading.Meaning, text,
-                      "the code that is given back means something else");
+                      "has a meaning whose code means something else");
     }
     for (const eSystem system : codes::AllSystems) {
         const codes::CReading other = codes::tryRead(system, text);
