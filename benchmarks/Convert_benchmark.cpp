@@ -108,7 +108,7 @@ void dependent(benchmark::State& state, There there, Back back) {
     }
     benchmark::DoNotOptimize(value);
     if (!(std::fabs(value - 2.5) < 0.1)) {
-        state.SkipWithError("converted otherwise");
+        state.SkipWithError("wrong result");
     }
 }
 

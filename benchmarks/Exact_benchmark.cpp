@@ -58,7 +58,7 @@ CConversion between(const char* from, const char* to) {
     return CConversion::between(from, to, catalogue);
 }
 
-// As in Convert_benchmark.cpp.
+// The number of conversions in one batch.
 constexpr std::size_t Values = 1024;
 
 // The loops are separate functions, so that the compiler keeps the value in a floating-point register

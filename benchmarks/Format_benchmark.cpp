@@ -13,7 +13,7 @@ void addUnit(const std::string& text, unsigned options) {
         const CUnitPtr unit = CUnit::fromString(text);
         const CUnitFormatPtr format = CStandardUnitFormat::instance();
         if (CUnit::fromString(format->format(unit, string_t())) != unit) {
-            state.SkipWithError("printed otherwise");
+            state.SkipWithError("wrong text");
         }
         for (auto _ : state) {
             benchmark::DoNotOptimize(format->format(unit, string_t()));

@@ -18,7 +18,7 @@ void requestMensor(benchmark::State& state) {
         benchmark::DoNotOptimize(value = CValueWithUnit::fromString(text).valueAs(metre));
     }
     if (value != 2500) {
-        state.SkipWithError("converted otherwise");
+        state.SkipWithError("wrong result");
     }
 }
 
@@ -37,7 +37,7 @@ void requestUdunits(benchmark::State& state) {
         ut_free(unit);
     }
     if (value != 2500) {
-        state.SkipWithError("converted otherwise");
+        state.SkipWithError("wrong result");
     }
 }
 

@@ -71,9 +71,9 @@ inline void checkWriting(const CUnitPtr& unit) {
             continue;
         }
         require(outcome == "returned", *expected, "is not written");
-        require(toStdString(text) == *expected, *expected, "is written otherwise");
+        require(toStdString(text) == *expected, *expected, "is written wrongly");
         require(format->format(unit, "0 ") == string_t("0 ") + text, *expected,
-                "is appended otherwise");
+                "is appended wrongly to a text");
         if (test::readsBack(unit, notation)) {
             require(CUnit::fromString(text) == unit, *expected, "does not read back");
         }

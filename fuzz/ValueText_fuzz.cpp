@@ -83,7 +83,8 @@ void checkWriting(const CValueWithUnit& value) {
     std::snprintf(digits.data(), digits.size(), "%f", value.value());
     std::string field = std::string(digits.data()).substr(0, 63);
     field.resize(63);
-    require(toStdString(text) == field + " " + *unitText, *unitText, "is written otherwise");
+    require(toStdString(text) == field + " " + *unitText, *unitText,
+            "is written wrongly in a value");
     if (test::readsBack(value.unit(), test::Notation::STANDARD) &&
         unitText->find(' ') == std::string::npos) {
         const CValueWithUnit back = CValueWithUnit::fromString(toStdString(text));
@@ -131,13 +132,13 @@ void checkPair(const CValueWithUnit& a, const CValueWithUnit& b) {
     require(areSame(sum.value(), x + converted) && sum.unit() == a.unit(), "a sum", "is another");
     require(areSame(difference.value(), x - converted), "a difference", "is another");
     require(areSame(changed.value(), converted) && changed.unit() == a.unit(), "a value",
-            "is converted otherwise");
+            "is converted to a wrong number");
     const double smaller = std::fmin(std::fabs(x), std::fabs(converted));
     const bool areNumbers = !std::isnan(x) && !std::isnan(converted);
     require(isEqual == (areNumbers && std::fabs(x - converted) * 1e12 <= smaller), "two values",
             "are equal or not");
     require(isOther == !isEqual && isLess == (x < converted) && isGreater == (x > converted),
-            "two values", "compare otherwise");
+            "two values", "do not compare as their numbers in one unit");
     if (std::isfinite(x) && a.unit() == b.unit() && areSame(x, b.value())) {
         require(isEqual, "a value", "is not equal to itself");
     }

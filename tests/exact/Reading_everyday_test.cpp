@@ -1,5 +1,5 @@
-// WhatPeopleWrite_test.cpp: everyday spellings are read, texts that would be read as something else are
-// refused or noted, and whatever a refusal offers is read.
+// Reading_everyday_test.cpp: everyday spellings are read, misleading texts are refused or have a note,
+// and every text that a refusal offers is accepted.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -87,7 +87,7 @@ std::vector<CDefinition> spellings() {
     return rows;
 }
 
-// Whether the whole diagnosis offers only what is read.
+// Expects that every text that the diagnosis offers is accepted.
 void expectOffersToBeRead(const std::string& text, const CDiagnosis& diagnosis,
                           const CCatalogue& catalogue, bool isValue) {
     const auto isRead = [&](const std::string& offered) {
@@ -106,7 +106,7 @@ void expectOffersToBeRead(const std::string& text, const CDiagnosis& diagnosis,
 
 // ---- Spellings ----
 
-TEST(EverydaySpellings, MeanWhatTheirRowsSay) {
+TEST(EverydaySpellings, HaveTheMeaningsOfTheirRows) {
     ASSERT_GE(spellings().size(), 190U);
     for (const CDefinition& row : spellings()) {
         SCOPED_TRACE(row.Name);
@@ -120,7 +120,7 @@ TEST(EverydaySpellings, MeanWhatTheirRowsSay) {
     }
 }
 
-TEST(EverydaySpellings, TakeNoNameFromAnotherPack) {
+TEST(EverydaySpellings, ReplaceNoNameOfAnotherPack) {
     for (const CDefinition& row : spellings()) {
         for (const ePack pack : OtherPacks) {
             const CCatalogue catalogue = plain().with(pack);
@@ -186,7 +186,7 @@ TEST(EverydaySpellings, HaveTheSizesOfTheirSources) {
     EXPECT_EQ(read("mTorr", people()), everything().evaluate("101325/760000 Pa"));
 }
 
-TEST(EverydaySpellings, AreNamesAlsoWhereASignFollows) {
+TEST(EverydaySpellings, AreReadBeforeASign) {
     EXPECT_EQ(meaningText("lbf/in.²", everything()), meaningText("lbf/in²", everything()));
     EXPECT_EQ(meaningText("mmH2O/m"), "9.80665 kg/(m²·s²)");
     EXPECT_EQ(meaningText("1/(bar(a))"), meaningText("1/bar"));
@@ -195,7 +195,7 @@ TEST(EverydaySpellings, AreNamesAlsoWhereASignFollows) {
     EXPECT_EQ(meaningText("kg.m2.s-2"), "kg·m²/s²");
 }
 
-TEST(EverydaySpellings, AreRefusedWithoutThePack) {
+TEST(EverydaySpellings, AreRefusedWithoutTheirPack) {
     EXPECT_EQ(meaningText("degC", plain()), "refused");
     EXPECT_EQ(meaningText("um", plain()), "refused");
     EXPECT_EQ(meaningText("metres", plain()), "refused");
@@ -204,7 +204,7 @@ TEST(EverydaySpellings, AreRefusedWithoutThePack) {
     EXPECT_TRUE(people().has(ePack::EVERYDAY));
 }
 
-TEST(EverydaySpellings, GiveWayToAProgramsOwnNames) {
+TEST(EverydaySpellings, AreReplacedByNamesOfTheProgram) {
     const CCatalogue after = people().with({{"barg", "5 m"}, {"um", "7 s"}});
     EXPECT_EQ(meaningText("barg", after), "5 m");
     EXPECT_EQ(meaningText("um", after), "7 s");
@@ -220,7 +220,7 @@ TEST(EverydaySpellings, GiveWayToAProgramsOwnNames) {
     EXPECT_EQ(seen, 1);
 }
 
-TEST(EverydaySpellings, AreThereOnceBesideAnotherPackWithTheSameName) {
+TEST(EverydaySpellings, AreListedOnceIfAnotherPackHasTheName) {
     std::set<std::string_view> names;
     everything().forEach([&](const CDefinition& definition) {
         EXPECT_TRUE(names.insert(definition.Name).second) << definition.Name;
@@ -228,13 +228,13 @@ TEST(EverydaySpellings, AreThereOnceBesideAnotherPackWithTheSameName) {
     });
 }
 
-TEST(EverydaySpellings, NeverGuessAboutCase) {
+TEST(EverydaySpellings, AreRefusedInAnyOtherCase) {
     for (const char* const text : {"KW", "Mhz", "kwh", "KPa", "hZ", "Kg", "BARG", "NM"}) {
         EXPECT_EQ(meaningText(text, everything()), "refused") << text;
     }
 }
 
-TEST(EverydayWords, TakeNoNameFromTheCatalogue) {
+TEST(EverydayWords, ReplaceNoNameOfTheCatalogue) {
     withoutEveryday().forEach([&](const CDefinition& definition) {
         const auto word = everydayWord(definition.Name);
         if (word) {
@@ -260,7 +260,7 @@ TEST(EverydayWords, AreReadWithPrefixesAndInThePlural) {
     EXPECT_EQ(meaningText("ukm"), "refused");
 }
 
-TEST(EverydaySpellings, ChangeNothingThatIsReadWithoutThem) {
+TEST(EverydaySpellings, DoNotChangeTextsThatAreReadWithoutThem) {
     const CCatalogue without = withoutEveryday();
     const CCatalogue with = everything();
     for (const test::Expression& expression : everyday()) {
@@ -292,7 +292,7 @@ TEST(EverydaySpellings, ChangeNothingThatIsReadWithoutThem) {
 
 // ---- Traps ----
 
-TEST(Traps, AreRefusedWithWhatIsMeant) {
+TEST(Traps, AreRefusedWithOffers) {
     const std::pair<const char*, std::vector<std::string>> rows[] = {
         {"300° K", {"300 K"}},
         {"20° C", {"20 °C"}},
@@ -333,7 +333,7 @@ TEST(Traps, AreRefusedWithWhatIsMeant) {
     }
 }
 
-TEST(Traps, AreThereInEveryCatalogue) {
+TEST(Traps, ApplyInEveryCatalogue) {
     for (const char* const text : {"° K", "W/mK", "bar g", "psi d", "V ac", "kg N/m²", "mg N/l"}) {
         EXPECT_EQ(diagnosisOf(text, plain()).Code, eRefusal::MISLEADING) << text;
     }
@@ -341,7 +341,7 @@ TEST(Traps, AreThereInEveryCatalogue) {
     EXPECT_THAT(diagnosisOf("kPa(g)", plain()).Packs, ElementsAre("everyday"));
 }
 
-TEST(Traps, EachOfTheTableOffersWhatIsRead) {
+TEST(Traps, OfferOnlyAcceptedTextsInEachRow) {
     const CCatalogue catalogue = everything();
     int count = 0;
     for (const CTrap* trap = trapsBegin(); trap != trapsEnd(); ++trap) {
@@ -366,7 +366,7 @@ TEST(Traps, EachOfTheTableOffersWhatIsRead) {
     EXPECT_GT(count, 200);
 }
 
-TEST(Traps, LeaveUsualProductsAlone) {
+TEST(Traps, DoNotRefuseUsualProducts) {
     for (const char* const text :
          {"W/K", "nV/mK", "mK", "K/mK", "J/(kg K)", "J/(kg·K)", "bar m³", "bar·g", "V·A", "V A",
           "kg m", "kg·N", "mg·N/l", "N·m²", "° ", "°/s", "m³/h", "psi·d", "W·mK^-1"}) {
@@ -374,14 +374,14 @@ TEST(Traps, LeaveUsualProductsAlone) {
     }
 }
 
-TEST(Traps, AreNoneWhereTheNameIsTheProgramsOwn) {
+TEST(Traps, DoNotApplyToNamesOfTheProgram) {
     const CCatalogue catalogue = plain().with({{"abs", "5 m"}, {"kt", "3 s"}});
     EXPECT_TRUE(tryRead("bar abs", catalogue));
     EXPECT_EQ(meaningText("kt", catalogue), "3 s");
     EXPECT_EQ(diagnosisOf("bar abs", plain()).Code, eRefusal::MISLEADING);
 }
 
-TEST(Traps, NeedNoMemory) {
+TEST(Traps, AllocateNothing) {
     const CCatalogue catalogue = people();
     for (const char* const text : {"° K", "W/mK", "bar g", "pH", "Nm³", "5 bar(g)", "kt"}) {
         beforeAllocation = [](long) { throw std::bad_alloc(); };
@@ -398,7 +398,7 @@ TEST(Traps, NeedNoMemory) {
 
 // ---- Notes ----
 
-TEST(Notes, TellWhatANameIs) {
+TEST(Notes, ExplainAName) {
     EXPECT_THAT(notesOf("pH"),
                 ElementsAre("\"pH\" is the picohenry; the pH of a liquid has no unit"));
     EXPECT_THAT(notesOf("PS"), ElementsAre(HasSubstr("petasiemens")));
@@ -416,7 +416,7 @@ TEST(Notes, TellWhatANameIs) {
     EXPECT_TRUE(value.Notes.begin()->IsUnusual);
 }
 
-TEST(Notes, AreRefusalsByOption) {
+TEST(Notes, AreRefusalsWithTheOptionStrict) {
     CReadOptions strict;
     strict.Strict = true;
     for (const char* const text : {"pH", "PS", "Grad", "Gs", "m/PS"}) {
@@ -429,7 +429,7 @@ TEST(Notes, AreRefusalsByOption) {
 
 TEST(Notes, AreAtMostFour) { EXPECT_EQ(notesOf("pH·PS·Grad·Gs·pH").size(), 4U); }
 
-TEST(NotesOnMarks, SayWhatCountsAsOne) {
+TEST(NotesOnMarks, TellWhichMarkCountsAsOne) {
     const CMeaning rpm = read("rpm", people());
     const CMeaning perMinute = read("1/min");
     EXPECT_EQ(
@@ -444,7 +444,7 @@ TEST(NotesOnMarks, SayWhatCountsAsOne) {
     EXPECT_EQ(noteOnMarks("1", "Hz", read("Hz"), perMinute), "");
 }
 
-TEST(NotesOnMarks, AreRefusalsOnDemand) {
+TEST(NotesOnMarks, RequireSameMarksThrowsThem) {
     EXPECT_NO_THROW(requireSameMarks(read("rev/min"), read("rad/s")));
     try {
         requireSameMarks(read("rev/min"), read("1/min"));
@@ -467,7 +467,7 @@ TEST(Advice, OffersWholeChains) {
     EXPECT_THAT(diagnosisOf("W/m2K").Readings, ElementsAre("W/(m2·K)", "W·K/m2"));
 }
 
-TEST(Advice, MendsNumbers) {
+TEST(Advice, CorrectsNumbers) {
     const CCatalogue all = everything();
     const std::pair<const char*, const char*> rows[] = {
         {"1/2 in", "0.5 in"},         {"1 1/2 in", "1.5 in"}, {"1h30min", "90 min"},
@@ -495,7 +495,7 @@ TEST(Advice, NamesThePackOfAName) {
     EXPECT_THAT(diagnosisOf("Hp").Packs, ElementsAre("customary")) << "hp";
 }
 
-TEST(Advice, OffersTheNameTakenApartBeforeNearNames) {
+TEST(Advice, OffersTheSplitNameBeforeSimilarNames) {
     EXPECT_THAT(diagnosisOf("Nm", plain()).Readings, ElementsAre("N·m"));
     EXPECT_THAT(diagnosisOf("Nm", plain()).Suggestions, Not(Contains("nm")));
     EXPECT_THAT(diagnosisOf("ug", plain()).Readings, ElementsAre("\u00B5g"));
@@ -517,7 +517,7 @@ TEST(Advice, PutsTheRightCaseFirst) {
     EXPECT_THAT(diagnosisOf("Kg").Suggestions, ElementsAre("kg"));
 }
 
-TEST(Advice, PrefersTheKindThatIsAskedFor) {
+TEST(Advice, PrefersTheWantedQuantity) {
     const CMeaning power = read("W");
     const CMeaning mass = read("kg");
     const CReading reading = tryRead("mw", people());
@@ -529,7 +529,7 @@ TEST(Advice, PrefersTheKindThatIsAskedFor) {
     EXPECT_THAT(diagnosisOf("km/hh").Suggestions, Contains("h"));
 }
 
-TEST(Advice, IsPlain) {
+TEST(Advice, HasPlainSentences) {
     const std::pair<const char*, const char*> rows[] = {
         {"m^1:0", "the denominator is zero"},
         {"m)", "unmatched closing bracket"},
@@ -547,7 +547,7 @@ TEST(Advice, IsPlain) {
     }
 }
 
-TEST(Advice, OffersOnlyWhatIsRead) {
+TEST(Advice, OffersOnlyAcceptedTexts) {
     const CCatalogue catalogues[] = {plain(), people(), everything()};
     std::vector<std::string> texts = {
         "W/(m²·K)",     "kg·m/s/s/h", "10 kJ/kg·K", "5 bar(g)", "1 h 30 min", "1/2 in",

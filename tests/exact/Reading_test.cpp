@@ -1,4 +1,4 @@
-// ExactReading_test.cpp: what people write is read exactly, or refused with the reason.
+// Reading_test.cpp: the exact library reads texts of units and values, or refuses them with a reason.
 #include "mensor_exact/Reading.h"
 
 #include <gmock/gmock.h>
@@ -36,7 +36,7 @@ const char* const Page = "reading.md";
 
 CCatalogue builtIn() { return CCatalogue::builtIn(); }
 
-// The built-in names and those of one definition.
+// The built-in catalogue with one more unit.
 CCatalogue withUnit(const char* name, const char* definition) {
     return builtIn().with({{name, definition}});
 }
@@ -70,7 +70,7 @@ std::string meaningText(std::string_view text) { return read(text).toString(); }
 
 bool isClose(double a, double b) { return std::fabs(a - b) <= 1e-11 * std::fabs(b); }
 
-// Whether `meaning` is the quantity, within the rounding of its doubles. Marks count as one there.
+// Whether `meaning` is the quantity within the rounding of its doubles. The quantity has no marks.
 bool isQuantity(const CMeaning& meaning, const test::Quantity& quantity) {
     std::map<std::string, test::Fraction> exponents;
     for (const CPower& power : meaning.dimensions()) {
@@ -81,7 +81,7 @@ bool isQuantity(const CMeaning& meaning, const test::Quantity& quantity) {
            isClose(meaning.offset().toDouble(), quantity.Offset);
 }
 
-TEST(ExactReading, GivesTheMeaningOfTheUnit) {
+TEST(Reading, GivesTheMeaningOfTheUnit) {
     EXPECT_EQ(meaningText("km"), "1000 m");
     EXPECT_EQ(meaningText("N"), "kg·m/s²");
     EXPECT_EQ(meaningText("V/√Hz"), "kg·m²/(A·s^(5/2))");
@@ -92,7 +92,7 @@ TEST(ExactReading, GivesTheMeaningOfTheUnit) {
     EXPECT_EQ(meaningText("m/km"), "0.001");
 }
 
-TEST(ExactReading, ReadsEveryTextThatThePageShowsAsRead) {
+TEST(Reading, AcceptsEveryTextThatThePageShowsAsAccepted) {
     const auto tables = documentTables(Page, {"Written", "Is"});
     ASSERT_EQ(tables.size(), 1U);
     for (const Row& row : tables[0]) {
@@ -102,7 +102,7 @@ TEST(ExactReading, ReadsEveryTextThatThePageShowsAsRead) {
     }
 }
 
-TEST(ExactReading, RefusesWhatThePageShowsAsRefusedForItsForm) {
+TEST(Reading, RefusesEveryTextThatThePageShowsAsMalformed) {
     const auto tables = documentTables(Page, {"Written", "At", "Code", "Because"});
     ASSERT_EQ(tables.size(), 2U);
     for (const Row& row : tables[0]) {
@@ -121,7 +121,7 @@ TEST(ExactReading, RefusesWhatThePageShowsAsRefusedForItsForm) {
     }
 }
 
-TEST(ExactReading, RefusesValuesAsThePageShows) {
+TEST(Reading, RefusesValuesAsThePageShows) {
     const auto tables = documentTables(Page, {"Value", "At", "Code", "Because"});
     ASSERT_EQ(tables.size(), 1U);
     for (const Row& row : tables[0]) {
@@ -137,7 +137,7 @@ TEST(ExactReading, RefusesValuesAsThePageShows) {
     }
 }
 
-TEST(ExactReading, ReadsEveryUnitOfEverydayAsMathematicsHasIt) {
+TEST(Reading, ReadsEverydayUnitsWithTheirMathematicalMeaning) {
     ASSERT_GE(everyday().size(), 500U);
     for (const test::Expression& expression : everyday()) {
         const CReading reading = tryRead(expression.Text);
@@ -146,7 +146,7 @@ TEST(ExactReading, ReadsEveryUnitOfEverydayAsMathematicsHasIt) {
     }
 }
 
-TEST(ExactReading, GivesTheSameInEveryOrder) {
+TEST(Reading, TheOrderOfReadingDoesNotMatter) {
     std::vector<CMeaning> meanings;
     for (const test::Expression& expression : everyday()) {
         meanings.push_back(read(expression.Text));
@@ -158,14 +158,14 @@ TEST(ExactReading, GivesTheSameInEveryOrder) {
     }
 }
 
-TEST(ExactReading, TellsApartWhatTheRegistryTakesForOneUnit) {
+TEST(Reading, DistinguishesUnitsWhoseHashCodesCollideInTheRegistry) {
     EXPECT_NE(read("Wb/A"), read("kg/(s·K)"));
     EXPECT_NE(read("C/m"), read("A/V"));
     EXPECT_NE(read("1/(m·K)"), read("1/s²"));
     EXPECT_EQ(read("kg/(s·K)").toString(), "kg/(K·s)");
 }
 
-TEST(ExactReading, FindsNamesInOtherSpellings) {
+TEST(Reading, FindsNamesInOtherSpellings) {
     EXPECT_EQ(read("\u03BCbit", withUnit("\u00B5bit", "10^-6 bit")).toString(), "0.000001 bit")
         << "Greek mu for the micro sign";
     EXPECT_EQ(read("\u212A"), read("K")) << "kelvin sign";
@@ -173,20 +173,20 @@ TEST(ExactReading, FindsNamesInOtherSpellings) {
     EXPECT_EQ(read("mL"), read("ml"));
 }
 
-TEST(ExactReading, PrefersAProgramsOwnNameToAnotherSpelling) {
+TEST(Reading, PrefersANameOfTheProgramToAnotherSpelling) {
     const CCatalogue catalogue = withUnit("\u212A", "5 m");
     EXPECT_EQ(read("\u212A", catalogue), read("m").scaled(CFactor(CFraction(5))));
     EXPECT_EQ(read("K", catalogue), read("K"));
 }
 
-TEST(ExactReading, TakesNoUnitOfTheProgramForTheLitre) {
+TEST(Reading, DoesNotReadALitreAsAUnitOfTheProgram) {
     const CCatalogue catalogue = withUnit("yl", "7 m");  // a yacht length, no yoctolitre
     EXPECT_TRUE(tryRead("yl", catalogue));
     EXPECT_EQ(diagnosisOf("yL", catalogue).Code, eRefusal::UNKNOWN_NAME);
     EXPECT_EQ(read("ML", withUnit("Mega", "3 m")), read("l").scaled(CFactor(CFraction(1000000))));
 }
 
-TEST(ExactReading, SuggestsTheNearestNamesOfTheCatalogue) {
+TEST(Reading, SuggestsTheNearestNamesOfTheCatalogue) {
     const CDiagnosis diagnosis = diagnosisOf("smot/s", withUnit("smoot", "1.7018 m"));
     EXPECT_EQ(diagnosis.Code, eRefusal::UNKNOWN_NAME);
     EXPECT_EQ(diagnosis.Token, "smot");
@@ -196,7 +196,7 @@ TEST(ExactReading, SuggestsTheNearestNamesOfTheCatalogue) {
     EXPECT_THAT(diagnosisOf(std::string(25, 'q')).Suggestions, IsEmpty());
 }
 
-TEST(ExactReading, RefusesAScaleWithAZeroOfItsOwnInAProduct) {
+TEST(Reading, RefusesAnOffsetUnitInAProduct) {
     const CDiagnosis diagnosis = diagnosisOf("J/°C");
     EXPECT_EQ(diagnosis.Code, eRefusal::OFFSET_IN_PRODUCT);
     EXPECT_EQ(diagnosis.Token, "°C");
@@ -208,7 +208,7 @@ TEST(ExactReading, RefusesAScaleWithAZeroOfItsOwnInAProduct) {
     EXPECT_EQ(read("(°C)"), read("°C"));
 }
 
-TEST(ExactReading, SaysTheSizeOfDifferencesThatHaveNoName) {
+TEST(Reading, TellsTheSizeOfADifferenceWithoutAName) {
     const CDiagnosis diagnosis = diagnosisOf("J/°X", withUnit("°X", "5/4 K, offset 10"));
     EXPECT_THAT(
         diagnosis.Sentence,
@@ -217,16 +217,16 @@ TEST(ExactReading, SaysTheSizeOfDifferencesThatHaveNoName) {
     EXPECT_THAT(diagnosis.Readings, IsEmpty());
 }
 
-TEST(ExactReading, ReadsDifferencesByOption) {
+TEST(Reading, ReadsDifferencesByOption) {
     const CReading reading = tryRead("J/°C", builtIn(), differences());
     ASSERT_TRUE(reading);
     EXPECT_EQ(*reading.Meaning, read("J/K"));
     EXPECT_TRUE(reading.HasDifference);
     EXPECT_FALSE(tryRead("J/K", builtIn(), differences()).HasDifference);
-    EXPECT_EQ(read("°C", builtIn(), differences()), read("°C")) << "alone it is the scale";
+    EXPECT_EQ(read("°C", builtIn(), differences()), read("°C")) << "alone it keeps its offset";
 }
 
-TEST(ExactReading, RefusesAPrefixBeforeAScale) {
+TEST(Reading, RefusesAPrefixBeforeAnOffsetUnit) {
     const CDiagnosis alone = diagnosisOf("m°C");
     EXPECT_EQ(alone.Code, eRefusal::PREFIXED_OFFSET);
     EXPECT_EQ(alone.Sentence, "\"m°C\" is a prefix before a scale with its own zero");
@@ -234,14 +234,14 @@ TEST(ExactReading, RefusesAPrefixBeforeAScale) {
     EXPECT_THAT(diagnosisOf("W/m°C").Readings, ElementsAre("W/(m·K)", "kW/K"));
 }
 
-TEST(ExactReading, ReadsAPrefixedScaleAsADifferenceWhereThatIsClear) {
+TEST(Reading, ReadsAPrefixedOffsetUnitAsADifferenceIfThatIsUnambiguous) {
     EXPECT_EQ(read("m°C", builtIn(), differences()), read("mK"));
     EXPECT_EQ(read("W/k°C", builtIn(), differences()), read("W/kK"));
     EXPECT_EQ(diagnosisOf("W/m°C", builtIn(), differences()).Code, eRefusal::PREFIXED_OFFSET)
         << "W/(m·K)?";
 }
 
-TEST(ExactReading, RefusesExponentsThatComeTogetherBeyond99) {
+TEST(Reading, RefusesSumsOfExponentsBeyond99) {
     const CDiagnosis diagnosis = diagnosisOf("m^60·s·m^40");
     EXPECT_EQ(diagnosis.Code, eRefusal::EXPONENT_RANGE);
     EXPECT_EQ(diagnosis.Byte, 9U);
@@ -249,20 +249,20 @@ TEST(ExactReading, RefusesExponentsThatComeTogetherBeyond99) {
     EXPECT_EQ(meaningText("m^60·m^39"), "m^99");
 }
 
-TEST(ExactReading, RefusesAFactorOfTooManyBits) {
+TEST(Reading, RefusesAFactorOfTooManyBits) {
     const CCatalogue many =
         withUnit("odd", "1234567890123456789012345678901234567890123456789012345678901234567890");
     EXPECT_EQ(diagnosisOf("odd^99", many).Code, eRefusal::FACTOR_RANGE);
     EXPECT_TRUE(tryRead("odd^50", many));
 }
 
-TEST(ExactReading, ReadsTheEmptyTextByOptionOnly) {
+TEST(Reading, ReadsTheEmptyTextByOptionOnly) {
     EXPECT_EQ(diagnosisOf("").Code, eRefusal::EMPTY);
     EXPECT_EQ(read("", builtIn(), dimensionless()), CMeaning());
     EXPECT_EQ(read(" ", builtIn(), dimensionless()), CMeaning());
 }
 
-TEST(ExactReading, ReadsAnyNumberOfFactors) {
+TEST(Reading, ReadsAnyNumberOfFactors) {
     std::string text = "m";
     for (int i = 0; i < 200; ++i) {
         text += "·s·s^-1";
@@ -271,7 +271,7 @@ TEST(ExactReading, ReadsAnyNumberOfFactors) {
     EXPECT_EQ(read("A·s·K·m·kg·mol·cd·rad").toString(), "A·K·cd·kg·m·mol·s·rad");
 }
 
-TEST(ExactReading, WritesTheUnitInTheNotationOfDefinitions) {
+TEST(Reading, WritesTheUnitInTheNotationOfDefinitions) {
     EXPECT_EQ(notationOf("W·m**-2 K^-1"), "W/(m²·K)");
     EXPECT_EQ(notationOf("kg m s-2"), "kg·m/s²");
     EXPECT_EQ(notationOf("√(m/s²)"), "m^(1/2)/s");
@@ -294,7 +294,7 @@ TEST(ExactReading, WritesTheUnitInTheNotationOfDefinitions) {
     }
 }
 
-TEST(ExactReading, ThrowsTheDiagnosis) {
+TEST(Reading, ThrowsTheDiagnosis) {
     try {
         read("W/m²/K");
         FAIL() << "not refused";
@@ -305,11 +305,11 @@ TEST(ExactReading, ThrowsTheDiagnosis) {
     }
 }
 
-TEST(ExactReading, ShowsWhatStandsBeforeASecondExponentInTheReading) {
+TEST(Reading, OffersBracketsAroundAPowerWithASecondExponent) {
     EXPECT_THAT(diagnosisOf("kg·m^2^3").Readings, ElementsAre("kg·(m^2)^3"));
 }
 
-TEST(ExactReading, RefersToTheTextOfTheCaller) {
+TEST(Reading, ARefusalRefersToTheTextOfTheCaller) {
     const std::string text = "kg·xyzzy/s";
     const CReading reading = tryRead(text);
     ASSERT_FALSE(reading);
@@ -319,7 +319,7 @@ TEST(ExactReading, RefersToTheTextOfTheCaller) {
     EXPECT_EQ(reading.Refusal.position(), 3U);
 }
 
-TEST(ExactReadValue, GivesTheNumberExactly) {
+TEST(ReadingOfValues, GivesTheNumberExactly) {
     const CValue value = readValue("2.5 km");
     EXPECT_EQ(value.Number, CFraction(5, 2));
     EXPECT_EQ(value.Unit, read("km"));
@@ -332,14 +332,14 @@ TEST(ExactReadValue, GivesTheNumberExactly) {
     EXPECT_EQ(readValue("5", builtIn(), dimensionless()).Unit, CMeaning());
 }
 
-TEST(ExactReadValue, TellsWhereTheUnitIs) {
+TEST(ReadingOfValues, TellsThePositionOfTheUnit) {
     const std::string text = " 2.5 km/h ";
     const CValueReading reading = tryReadValue(text);
     ASSERT_TRUE(reading);
     EXPECT_EQ(reading.Unit.of(text), "km/h ");
 }
 
-TEST(ExactReadValue, CountsPositionsFromTheBeginningOfTheWholeText) {
+TEST(ReadingOfValues, CountsPositionsFromTheBeginningOfTheWholeText) {
     const CDiagnosis diagnosis = diagnosisOfValue("2.5W/m²/K");
     EXPECT_EQ(diagnosis.Byte, 8U);
     EXPECT_EQ(diagnosis.Position, 7U);
@@ -347,7 +347,7 @@ TEST(ExactReadValue, CountsPositionsFromTheBeginningOfTheWholeText) {
     EXPECT_THAT(diagnosisOfValue("2.5 /s").Readings, ElementsAre("2.5 1/s"));
 }
 
-TEST(ExactReadValue, RefusesNumbersThatAreNone) {
+TEST(ReadingOfValues, RefusesTextsThatDoNotBeginWithANumber) {
     EXPECT_EQ(diagnosisOfValue("km").Code, eRefusal::NO_NUMBER);
     EXPECT_EQ(diagnosisOfValue("0x10 m").Code, eRefusal::HEXADECIMAL);
     EXPECT_EQ(diagnosisOfValue("2 5").Code, eRefusal::STRAY_NUMBER);
@@ -356,14 +356,14 @@ TEST(ExactReadValue, RefusesNumbersThatAreNone) {
     EXPECT_THAT(diagnosisOfValue("2,500 km").Readings, ElementsAre("2.500 km", "2500 km"));
 }
 
-TEST(ExactReadValue, RefusesInfinityWhateverTheOptions) {
+TEST(ReadingOfValues, RefusesInfinityWithEveryOption) {
     CReadOptions options;
     options.NotFinite = true;
     EXPECT_EQ(tryReadValue("inf m", builtIn(), options).Refusal.Code, eRefusal::NOT_FINITE);
     EXPECT_EQ(tryReadValue("NaN m", builtIn(), options).Refusal.Code, eRefusal::NOT_FINITE);
 }
 
-TEST(ExactReading, NeedsNoMemoryForTextsOfEveryday) {
+TEST(Reading, AllocatesNothingForEverydayTexts) {
     const CCatalogue catalogue = builtIn();
     for (const char* const text : {"km", "kg·m²/s²", "W/(m²·K)", "xyzzy", "W/m²/K", "", "m°C"}) {
         beforeAllocation = [](long) { throw std::bad_alloc(); };
@@ -379,7 +379,7 @@ TEST(ExactReading, NeedsNoMemoryForTextsOfEveryday) {
     }
 }
 
-TEST(ExactReading, LeavesNotAByteBehind) {
+TEST(Reading, LeaksNoMemory) {
     const auto readMany = [](int begin, int end) {
         for (int i = begin; i < end; ++i) {
             const std::string number = std::to_string(i);
@@ -395,7 +395,7 @@ TEST(ExactReading, LeavesNotAByteBehind) {
     EXPECT_EQ(liveBytes, before);
 }
 
-TEST(ExactReading, PassesOnThatMemoryRanOutAndReadsRightAfterwards) {
+TEST(Reading, ThrowsBadAllocAndReadsRightAfterwards) {
     static long failing = 0;
     const std::string text = "A·s·K·m·kg·mol·cd·rad/W";
     const CMeaning meaning = read(text);
@@ -422,14 +422,14 @@ TEST(ExactReading, PassesOnThatMemoryRanOutAndReadsRightAfterwards) {
     EXPECT_GT(failing, 3);
 }
 
-TEST(ExactReading, WorksWhileAnotherThreadHoldsTheMutexOfTheRegistry) {
+TEST(Reading, WorksWhileAnotherThreadHoldsTheMutexOfTheRegistry) {
     const std::lock_guard<std::recursive_mutex> guard(CUnit::mutex());
     std::string text;
     std::thread([&] { text = meaningText("kPa·l/min"); }).join();
     EXPECT_EQ(text, meaningText("kPa·l/min"));
 }
 
-TEST(ExactReading, LetsThreadsShareACatalogue) {
+TEST(Reading, ThreadsCanShareACatalogue) {
     const CCatalogue catalogue = withUnit("smoot", "1.7018 m");
     race(8, 50, [&](int, int) {
         EXPECT_EQ(read("smoot/s", catalogue).kind(), "speed");
@@ -437,7 +437,7 @@ TEST(ExactReading, LetsThreadsShareACatalogue) {
     });
 }
 
-TEST(ExactReading, HasThePrefixesOfTheLibrary) {
+TEST(Reading, HasThePrefixesOfTheLibrary) {
     ASSERT_EQ(std::size(Prefixes), prefixes().size());
     for (std::size_t i = 0; i < prefixes().size(); ++i) {
         EXPECT_EQ(std::string(Prefixes[i].Symbol), toStdString(prefixes()[i].Symbol));
@@ -445,7 +445,7 @@ TEST(ExactReading, HasThePrefixesOfTheLibrary) {
     }
 }
 
-TEST(ExactReading, KnowsWhatIsAName) {
+TEST(Reading, IsNameAcceptsOnlyNames) {
     for (const char* const name : {"km", "[in_i]", "°C", "%"}) {
         EXPECT_TRUE(isName(name)) << name;
     }
