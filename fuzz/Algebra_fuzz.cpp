@@ -1,8 +1,8 @@
-// Algebra_fuzz.cpp: a stack machine whose operations are the bytes of the input. Properties: each
-// result is the registered unit with the hash code of its factors, computed independently (it may
-// have other factors, since the hash code alone decides identity); the same operation returns the
-// same object again; products commute; only the documented exceptions are thrown. A converter is
-// the one between the two dimensions, and its inverse undoes it.
+// Algebra_fuzz.cpp: a stack machine whose operations are the bytes of the input. Each result is the
+// registered unit with the hash code of its factors, which the fuzzer computes independently. (It may
+// have other factors, since the hash code alone decides identity.) The same operation returns the same
+// object again. Products commute. Only the documented exceptions are thrown. A converter gives the
+// values of the two converters to the dimension, and its inverse undoes it.
 #include <cmath>
 #include <cstddef>
 #include <cstdint>

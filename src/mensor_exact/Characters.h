@@ -26,7 +26,7 @@ enum class eKind : std::uint8_t {
     MINUS,
     OPEN,
     CLOSE,
-    OPEN_NAME,   ///< "[", the begin of a name in brackets
+    OPEN_NAME,   ///< "[", which begins a name in brackets
     CLOSE_NAME,  ///< "]"
     ROOT,
     DIGIT,

@@ -264,10 +264,9 @@ inline constexpr CMeanings ThirdPart = makePart(SecondPart, 2, 5);
 inline constexpr CMeanings FourthPart = makePart(ThirdPart, 3, 5);
 inline constexpr CMeanings Meanings = makePart(FourthPart, 4, 5);
 
-static_assert(
-    Meanings.IsGood,
-    "a row of definitions.def is no definition, leads back to itself, or needs a root, more "
-    "than 64 bits or a unit with an offset");
+static_assert(Meanings.IsGood,
+              "a row of definitions.def is malformed, leads back to itself, or needs a root, more "
+              "than 64 bits or a unit with an offset");
 
 }  // namespace mensor::exact::table
 

@@ -389,7 +389,7 @@ std::string CConversion::convertText(const CFraction& x, const CDecimalStyle& st
                                 [](const CSigned& y) { return rounded(y); });
     if (nearest == 0.0 || !std::isfinite(nearest)) {
         throw CError(eError::NUMBER_RANGE,
-                     "the result is beyond the doubles; ask for a number of digits");
+                     "the result is beyond the range of double; set a number of digits");
     }
     return write(shortestDigits(nearest), style);
 }

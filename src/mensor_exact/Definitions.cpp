@@ -41,7 +41,7 @@ constexpr CPackRow Packs[] = {
 };
 
 [[noreturn]] void throwSyntax(std::string_view text) {
-    throw CError(eError::SYNTAX, concatenate({quoted(text), " is no definition"}));
+    throw CError(eError::SYNTAX, concatenate({quoted(text), " is not a definition"}));
 }
 
 [[noreturn]] void throwFault(eTerm fault, std::string_view text) {
@@ -297,7 +297,7 @@ bool CCatalogue::has(ePack pack) const noexcept { return (m_Packs & bitOf(pack))
 
 CCatalogue CCatalogue::with(ePack pack) const {
     if (pack == ePack::OWN) {
-        throw CError(eError::OPTIONS, "one's own definitions are no pack");
+        throw CError(eError::OPTIONS, "the definitions of a program are not a pack");
     }
     CCatalogue result = *this;
     if (has(pack)) {

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <limits>
 
+#include "mensor_exact/Concatenate.h"
 #include "mensor_exact/Error.h"
 
 namespace mensor::exact {
@@ -22,10 +23,7 @@ constexpr std::int64_t MostPlainPoint = 21;   // 999999999999999999999
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 [[noreturn]] void throwBadNumber(std::string_view text) {
-    constexpr std::size_t Shown = 40;
-    std::string shown(text.substr(0, Shown));
-    throw CError(eError::BAD_NUMBER,
-                 "\"" + shown + (text.size() > Shown ? "..." : "") + "\" is no decimal number");
+    throw CError(eError::BAD_NUMBER, quoted(text) + " is not a decimal number");
 }
 
 // Multiplies by base^times. Returns false if 64 bits are too few.

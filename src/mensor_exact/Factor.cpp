@@ -49,8 +49,8 @@ bool isWhole(std::string_view text) {
 
 CFactor::CFactor(CFraction fraction) : m_Radicand(std::move(fraction)) {
     if (m_Radicand.isZero() || m_Radicand.isNegative()) {
-        throw CError(eError::NOT_POSITIVE, concatenate({"a factor is above zero, and ",
-                                                        m_Radicand.toString(), " is not"}));
+        throw CError(eError::NOT_POSITIVE,
+                     "a factor must be positive, not " + m_Radicand.toString());
     }
     requireSize();
 }

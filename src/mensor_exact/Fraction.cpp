@@ -172,7 +172,7 @@ CFraction::CFraction(std::int64_t numerator, std::int64_t denominator)
 
 CFraction CFraction::ofDouble(double value) {
     if (!std::isfinite(value)) {
-        throw CError(eError::BAD_NUMBER, "an infinity or NaN is no fraction");
+        throw CError(eError::BAD_NUMBER, "infinity and NaN are not fractions");
     }
     const CNumber number = CNumber::ofDouble(value);
     CSmallFraction small(number.Mantissa);

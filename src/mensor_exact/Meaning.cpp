@@ -63,7 +63,8 @@ void requireNoOffset(const CMeaning& meaning) {
 }
 
 [[noreturn]] void throwNotRational() {
-    throw CError(eError::OFFSET_NOT_RATIONAL, "an offset beside a factor with π or a root");
+    throw CError(eError::OFFSET_NOT_RATIONAL,
+                 "a unit whose factor has π or a root cannot have an offset");
 }
 
 }  // namespace

@@ -48,11 +48,11 @@ struct MENSOR_EXACT_API CRefusal {
     const char* Sentence = "";  ///< a constant text; diagnosis() replaces "{}" by the token
     eReadings Readings = eReadings::NONE;
     std::array<CSpan, 3> Pieces;
-    std::size_t UnitBegin = 0;    ///< the begin of the unit, after a number
+    std::size_t UnitBegin = 0;    ///< where the unit begins, after a number
     const CTrap* Trap = nullptr;  ///< the row of traps.def or refusals.def, if there is one
 
     std::string_view token() const noexcept { return Token.of(Text); }
-    std::size_t position() const noexcept;  ///< the begin of the token, in code points from 0
+    std::size_t position() const noexcept;  ///< where the token begins, in code points from 0
 
     /// Returns the text with `words` in place of the token.
     std::string replaced(std::string_view words) const;

@@ -10,7 +10,7 @@
 namespace mensor::exact {
 
 /// Rounds ±numerator/denominator·2^twos once to the nearest number of a format, ties to even. Subnormal
-/// results are rounded at their own last place. A number beyond the largest one by half a place or more
+/// results are rounded at their own last place. A number beyond the largest one by half a last place or more
 /// becomes infinity. `numerator` is not negative, `denominator` is positive. Zero gets the sign of
 /// `negative`.
 ///

@@ -197,7 +197,7 @@ TEST(Conversion, OverflowsAtHalfAPlaceBeyondTheLargestDouble) {
     expectBits(doubled.convert(-Largest), -Infinity);
     expectBits(doubled.convert(Largest / 2), Largest);
     EXPECT_FALSE(doubled.isExact(Largest));
-    // 2^970 is half a place of the largest double. Adding it gives a tie, which is rounded to the even
+    // 2^970 is half a last place of the largest double. Adding it gives a tie, which is rounded to the even
     // neighbour, infinity. The first offset is a little less.
     expectBits(between("m, offset 9.979201547673599e291", "m").convert(Largest), Largest);
     const std::string half = CFraction(2).power(970).toString();
@@ -510,10 +510,11 @@ TEST(Conversion, HasTheRightBitsOfPi) {
 
 TEST(Conversion, RefusesNumbersThatItCannotConvert) {
     expectError(
-        eError::BAD_NUMBER, [] { converted("98,6", "°F", "°C"); }, "\"98,6\" is no decimal number");
+        eError::BAD_NUMBER, [] { converted("98,6", "°F", "°C"); },
+        "\"98,6\" is not a decimal number");
     expectError(
         eError::NUMBER_RANGE, [] { converted("1e400", "m", "mi"); },
-        "the result is beyond the doubles; ask for a number of digits");
+        "the result is beyond the range of double; set a number of digits");
     expectError(eError::NUMBER_RANGE, [] { converted("1e-400", "m", "mi"); });
     expectError(eError::NUMBER_RANGE, [] { converted("1e-400", "°", "rad"); });
     expectError(eError::TOO_LARGE, [] { converted("1e30000", "m", "mi"); });

@@ -50,7 +50,7 @@ inline std::vector<DefinitionRow> definitionRows() {
     return result;
 }
 
-/// A meaning: x of the unit is (x + Offset)·Factor·π^Pi in base units.
+/// A meaning: the value x in the unit is (x + Offset)·Factor·π^Pi in base units.
 struct Reference {
     std::map<std::string, int> Dimensions;  ///< none zero
     std::map<std::string, int> Marks;       ///< none zero

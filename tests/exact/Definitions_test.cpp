@@ -91,7 +91,8 @@ TEST(Definitions, NamesWithoutACountryDependOnThePack) {
         "the catalogue has \"ton\" already");
     expectError(eError::NAME_TAKEN, [&] { british.with(ePack::US); });
     expectError(
-        eError::OPTIONS, [&] { british.with(ePack::OWN); }, "one's own definitions are no pack");
+        eError::OPTIONS, [&] { british.with(ePack::OWN); },
+        "the definitions of a program are not a pack");
 }
 
 TEST(Definitions, AreProductsOfNumbersAndUnits) {
@@ -146,11 +147,11 @@ TEST(Definitions, MalformedTextsAreRefused) {
         SCOPED_TRACE(text);
         EXPECT_THROW(BuiltIn.evaluate(text), CError);
     }
-    expectRefused(eError::SYNTAX, "m//s", "\"m//s\" is no definition");
-    expectRefused(eError::SYNTAX, "5m", "\"5m\" is no definition");
+    expectRefused(eError::SYNTAX, "m//s", "\"m//s\" is not a definition");
+    expectRefused(eError::SYNTAX, "5m", "\"5m\" is not a definition");
     expectRefused(eError::SYNTAX, "1/(m/(s))");
     expectRefused(eError::SYNTAX, "");
-    expectRefused(eError::BAD_NUMBER, "m, offset 1..2", "\"1..2\" is no decimal number");
+    expectRefused(eError::BAD_NUMBER, "m, offset 1..2", "\"1..2\" is not a decimal number");
     expectRefused(eError::BAD_NUMBER, "m, offset x");
     expectRefused(eError::BAD_NUMBER, "m, offset 1/2/3");
 }
@@ -166,8 +167,8 @@ TEST(Definitions, UnknownNamesAreRefused) {
 }
 
 TEST(Definitions, ZeroAndNegativeFactorsAreRefused) {
-    expectRefused(eError::NOT_POSITIVE, "0 m", "a factor is above zero, and 0 is not");
-    expectRefused(eError::NOT_POSITIVE, "-5 m", "a factor is above zero, and -5 is not");
+    expectRefused(eError::NOT_POSITIVE, "0 m", "a factor must be positive, not 0");
+    expectRefused(eError::NOT_POSITIVE, "-5 m", "a factor must be positive, not -5");
     expectRefused(eError::NOT_POSITIVE, "m·-5");
     expectRefused(eError::DIVISION_BY_ZERO, "1/0 m", "a division by zero in \"1/0 m\"");
     expectRefused(eError::DIVISION_BY_ZERO, "0^-1 m");

@@ -54,9 +54,9 @@ TEST(Factor, GivesTheNearestDouble) {
 
 TEST(Factor, RefusesZeroAndNegativeNumbers) {
     expectError(
-        eError::NOT_POSITIVE, [] { number("0"); }, "a factor is above zero, and 0 is not");
+        eError::NOT_POSITIVE, [] { number("0"); }, "a factor must be positive, not 0");
     expectError(
-        eError::NOT_POSITIVE, [] { number("-2.5"); }, "a factor is above zero, and -2.5 is not");
+        eError::NOT_POSITIVE, [] { number("-2.5"); }, "a factor must be positive, not -2.5");
 }
 
 TEST(Factor, RefusesTooManyBits) {
@@ -70,9 +70,6 @@ TEST(Factor, RefusesTooManyBits) {
         (void)(large * large);
     });
     expectError(eError::TOO_LARGE, [] { number("1e5000"); });
-    expectError(
-        eError::TOO_LARGE, [] { base("K").shifted(CFraction::ofText("1e5000")); },
-        "an offset of more than 16384 bits");
 }
 
 TEST(Factor, RefusesRootsBeyondNinetyNine) {

@@ -85,7 +85,7 @@ TEST(Fraction, RefusesTextsThatAreNotDecimals) {
           "nan", "1_000", "\xC2\xBD", "--1", "1e1e1"}) {
         expectError(
             eError::BAD_NUMBER, [bad] { CFraction::ofText(bad); },
-            "\"" + std::string(bad) + "\" is no decimal number");
+            "\"" + std::string(bad) + "\" is not a decimal number");
     }
 }
 
@@ -132,7 +132,7 @@ TEST(Fraction, RoundsToTheNearestDoubleTiesToEven) {
     EXPECT_EQ(text("-1e309").toDouble(), -std::numeric_limits<double>::infinity());
     EXPECT_EQ(text("1e-400").toDouble(), 0.0);
     EXPECT_TRUE(std::signbit(text("-1e-400").toDouble()));
-    // The limit of infinity is half a place beyond the largest double. The limit of zero is half of the
+    // The limit of infinity is half a last place beyond the largest double. The limit of zero is half of the
     // smallest double.
     const CFraction largest = CFraction::ofDouble(std::numeric_limits<double>::max());
     const CFraction half = CFraction(2).power(970);

@@ -118,7 +118,7 @@ TEST(Meaning, RefusesAnOffsetInAProduct) {
 TEST(Meaning, RefusesAnOffsetWithPiOrARoot) {
     expectError(
         eError::OFFSET_NOT_RATIONAL, [] { unit("°").shifted(1); },
-        "an offset beside a factor with π or a root");
+        "a unit whose factor has π or a root cannot have an offset");
     expectError(eError::OFFSET_NOT_RATIONAL, [] { unit("°C").scaled(CFactor::pi()); });
     EXPECT_EQ(unit("°").shifted(0), unit("°"));
 }
@@ -129,6 +129,12 @@ TEST(Meaning, KeepsIntermediateFactorsBeyondTheDoubles) {
     EXPECT_EQ(unit("ym^45·Ym^45").factor(), CFactor());
     EXPECT_EQ(unit("pm^30·Tm^30").toString(), "m^60");
     EXPECT_NE(unit("Ym^40"), unit("Ym^39·Zm"));
+}
+
+TEST(Meaning, RefusesAnOffsetWithTooManyBits) {
+    expectError(
+        eError::TOO_LARGE, [] { base("K").shifted(CFraction::ofText("1e5000")); },
+        "an offset of more than 16384 bits");
 }
 
 TEST(Meaning, RefusesExponentsBeyondNinetyNine) {
