@@ -18,7 +18,7 @@ if(NOT MENSOR_DEBIAN AND NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
   set(MENSOR_PC_RUN_PATH "-Wl,-rpath,\${libdir} ")
 endif()
 
-# One component per package of Debian, and there one package per soname.
+# Each Debian package is a component. There is one package for each soname.
 foreach(library IN LISTS MENSOR_LIBRARIES)
   get_target_property(package ${library} MENSOR_DEBIAN_PACKAGE)
   install(TARGETS ${library} EXPORT mensorTargets

@@ -54,7 +54,7 @@ std::string encoded(char32_t c) {
         return std::string(1, static_cast<char>(c));
     }
     std::string further;
-    std::uint32_t room = 0x40;  // the first number that does not fit so many further bytes
+    std::uint32_t room = 0x40;  // the smallest number that needs more bytes
     for (; further.empty() || c >= room; c >>= 6) {
         further.insert(further.begin(), static_cast<char>(0x80 | (c & 0x3F)));
         room = 0x40U >> further.size();

@@ -3,7 +3,7 @@ set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(CMAKE_LIBRARY_ARCHITECTURE aarch64-linux-gnu)
 
-if(NOT DEFINED CMAKE_CXX_COMPILER)  # clang, too, can build for it
+if(NOT DEFINED CMAKE_CXX_COMPILER)  # clang can also build for it
   set(CMAKE_C_COMPILER aarch64-linux-gnu-gcc)
   set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
 endif()

@@ -1,7 +1,7 @@
 # 32-bit ARM, hard-float, with Debian's cross compiler. Libraries come from Debian's multiarch
 # folders (dpkg --add-architecture armhf); programs run here under qemu-user, which finds the
-# loader and the libraries in those folders by itself. No -L: a second C library, that of the cross
-# compiler, would be mixed in.
+# loader and the libraries in those folders by itself. There is no -L, since it would add a
+# second C library, that of the cross compiler.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR armv7l)
 set(CMAKE_LIBRARY_ARCHITECTURE arm-linux-gnueabihf)

@@ -83,10 +83,13 @@ const CShortLine Lines[] = {
 
 std::int64_t orderedBits(double x) { return static_cast<std::int64_t>(bitsOfDouble(x)); }
 
-CFastForm formOf(const CShortLine& line, bool isKnown, const CSlowWay& slowWay,
+// Whether a form knows its conversion as a CShortLine, too.
+enum class eLine { KNOWN, UNKNOWN };
+
+CFastForm formOf(const CShortLine& line, eLine isKnown, const CSlowWay& slowWay,
                  const CLoops& loops) {
     const CLeading factor = CLeading::ofQuotient(line.A, line.D, line.Twos);
-    const CShortLine* const known = isKnown ? &line : nullptr;
+    const CShortLine* const known = isKnown == eLine::KNOWN ? &line : nullptr;
     return line.B == 0 ? CFastForm(factor, known, &slowWay, loops)
                        : CFastForm(factor, CLeading::ofQuotient(line.B, line.A, 0), !line.IsMinusB,
                                    known, &slowWay, loops);
@@ -105,15 +108,16 @@ void forAllLoops(const Work& work) {
     }
 }
 
+// Calls `work` with each conversion, its expected results, and each of its forms.
 template <class Work>
 void forAllForms(const Work& work) {
+    std::vector<CShortLine> lines(std::begin(Factors), std::end(Factors));
+    lines.insert(lines.end(), std::begin(Lines), std::end(Lines));
     forAllLoops([&](const CLoops& loops) {
-        for (const bool isKnown : {true, false}) {
-            for (const CShortLine& line : Factors) {
-                work(line, isKnown, loops);
-            }
-            for (const CShortLine& line : Lines) {
-                work(line, isKnown, loops);
+        for (const eLine isKnown : {eLine::KNOWN, eLine::UNKNOWN}) {
+            for (const CShortLine& line : lines) {
+                const WholeLine judge(line);
+                work(line, judge, formOf(line, isKnown, judge, loops));
             }
         }
     });
@@ -204,9 +208,7 @@ TEST(FastForm, GivesTheNearestDoubleOneByOneAndInArrays) {
     constexpr std::size_t Count = 300;  // more than a block
     const long rounds =
         cases() / 3 / 2 / static_cast<long>(Count * (std::size(Factors) + std::size(Lines))) + 1;
-    forAllForms([&](const CShortLine& line, bool isKnown, const CLoops& loops) {
-        const WholeLine judge(line);
-        const CFastForm form = formOf(line, isKnown, judge, loops);
+    forAllForms([&](const CShortLine& line, const WholeLine& judge, const CFastForm& form) {
         const Doubles doubles(line, form);
         for (long round = 0; round < rounds; ++round) {
             std::vector<double> values(Count), results(Count);
@@ -228,9 +230,7 @@ TEST(FastForm, GivesTheNearestDoubleOneByOneAndInArrays) {
 
 // A wrong result in one element of a vector must be noticed.
 TEST(FastForm, GivesTheNearestDoubleIfOneOfManyNeedsTheSlowWay) {
-    forAllForms([&](const CShortLine& line, bool isKnown, const CLoops& loops) {
-        const WholeLine judge(line);
-        const CFastForm form = formOf(line, isKnown, judge, loops);
+    forAllForms([&](const CShortLine& line, const WholeLine& judge, const CFastForm& form) {
         std::mt19937_64 random(2);
         const Doubles doubles(line, form);
         for (std::size_t place = 0; place < 20; ++place) {
@@ -246,9 +246,7 @@ TEST(FastForm, GivesTheNearestDoubleIfOneOfManyNeedsTheSlowWay) {
 }
 
 TEST(FastForm, ConvertsArraysInPlace) {
-    forAllForms([&](const CShortLine& line, bool isKnown, const CLoops& loops) {
-        const WholeLine judge(line);
-        const CFastForm form = formOf(line, isKnown, judge, loops);
+    forAllForms([&](const CShortLine& line, const WholeLine&, const CFastForm& form) {
         std::mt19937_64 random(3);
         const Doubles doubles(line, form);
         std::vector<double> values(600);
@@ -265,9 +263,7 @@ TEST(FastForm, ConvertsArraysInPlace) {
 
 TEST(FastForm, RoundsToFloatsOnce) {
     std::mt19937_64 random(4);
-    forAllForms([&](const CShortLine& line, bool isKnown, const CLoops& loops) {
-        const WholeLine judge(line);
-        const CFastForm form = formOf(line, isKnown, judge, loops);
+    forAllForms([&](const CShortLine& line, const WholeLine& judge, const CFastForm& form) {
         const Doubles doubles(line, form);
         std::vector<double> values;
         while (values.size() < 300) {
@@ -298,10 +294,8 @@ TEST(FastForm, RoundsToFloatsOnce) {
 
 // Expects the right doubles and floats for all of `values`.
 template <class Number>
-void expectRight(const CShortLine& line, bool isKnown, const CLoops& loops,
+void expectRight(const CShortLine& line, const WholeLine& judge, const CFastForm& form,
                  const std::vector<Number>& values) {
-    const WholeLine judge(line);
-    const CFastForm form = formOf(line, isKnown, judge, loops);
     std::vector<double> results(values.size());
     std::vector<float> floats(values.size());
     form.convertAll(values.data(), results.data(), values.size());
@@ -339,14 +333,14 @@ std::vector<Number> wholeNumbers() {
 }
 
 TEST(FastForm, ConvertsWholeNumbersOf16Bits) {
-    forAllForms([](const CShortLine& line, bool isKnown, const CLoops& loops) {
-        expectRight(line, isKnown, loops, wholeNumbers<std::int16_t>());
+    forAllForms([](const CShortLine& line, const WholeLine& judge, const CFastForm& form) {
+        expectRight(line, judge, form, wholeNumbers<std::int16_t>());
     });
 }
 
 TEST(FastForm, ConvertsWholeNumbersOf32Bits) {
-    forAllForms([](const CShortLine& line, bool isKnown, const CLoops& loops) {
-        expectRight(line, isKnown, loops, wholeNumbers<std::int32_t>());
+    forAllForms([](const CShortLine& line, const WholeLine& judge, const CFastForm& form) {
+        expectRight(line, judge, form, wholeNumbers<std::int32_t>());
     });
 }
 
@@ -357,8 +351,8 @@ TEST(FastForm, ConvertsWholeNumbersOf64BitsThatAreNoDoubles) {
         values.push_back(value);
         values.push_back(-value);
     }
-    forAllForms([&](const CShortLine& line, bool isKnown, const CLoops& loops) {
-        expectRight(line, isKnown, loops, values);
+    forAllForms([&](const CShortLine& line, const WholeLine& judge, const CFastForm& form) {
+        expectRight(line, judge, form, values);
     });
 }
 
@@ -372,16 +366,14 @@ TEST(FastForm, ConvertsFloats) {
             values.push_back(value);
         }
     }
-    forAllForms([&](const CShortLine& line, bool isKnown, const CLoops& loops) {
-        expectRight(line, isKnown, loops, values);
+    forAllForms([&](const CShortLine& line, const WholeLine& judge, const CFastForm& form) {
+        expectRight(line, judge, form, values);
     });
 }
 
 TEST(FastForm, KeepsNaNAndInfinityInFloats) {
     const double infinity = std::numeric_limits<double>::infinity();
-    forAllForms([&](const CShortLine& line, bool isKnown, const CLoops& loops) {
-        const WholeLine judge(line);
-        const CFastForm form = formOf(line, isKnown, judge, loops);
+    forAllForms([&](const CShortLine&, const WholeLine&, const CFastForm& form) {
         const double values[] = {std::nan(""), infinity, -infinity};
         float results[3] = {};
         form.convertAll(values, results, 3);
@@ -391,7 +383,9 @@ TEST(FastForm, KeepsNaNAndInfinityInFloats) {
     });
 }
 
-eWay wayOf(const CShortLine& line) { return formOf(line, true, WholeLine(line), bestLoops()).Way; }
+eWay wayOf(const CShortLine& line) {
+    return formOf(line, eLine::KNOWN, WholeLine(line), bestLoops()).Way;
+}
 
 TEST(FastForm, MultipliesOnceIfTheFactorIsADouble) {
     EXPECT_EQ(wayOf({1000, 0, 1, 0, false}), MULTIPLY);
@@ -464,7 +458,7 @@ TEST(FastForm, TailsEncloseTheRestOfTheFactor) {
     const mpq_class unit = mpq_class(1) / (mpz_class(1) << 100);
     for (const CShortLine& line : Factors) {
         const WholeLine judge(line);
-        const CFastForm form = formOf(line, false, judge, bestLoops());
+        const CFastForm form = formOf(line, eLine::UNKNOWN, judge, bestLoops());
         if ((form.Way != TESTED && form.Way != PROVED && form.Way != TIES) || line.Twos != 0) {
             continue;
         }
@@ -512,7 +506,7 @@ TEST(FastForm, CallsTheSlowWayOnceForEachValue) {
     const CShortLine line = {7, 0, 3, 1000, false};
     const WholeLine judge(line);
     forAllLoops([&](const CLoops& loops) {
-        const CFastForm slow = formOf(line, false, judge, loops);
+        const CFastForm slow = formOf(line, eLine::UNKNOWN, judge, loops);
         ASSERT_EQ(slow.Way, SLOWLY);
         const double values[] = {1, 2, 3};
         double results[3] = {};
@@ -520,7 +514,7 @@ TEST(FastForm, CallsTheSlowWayOnceForEachValue) {
         slow.convertAll(values, results, 3);
         EXPECT_EQ(WholeLine::Calls, before + 3) << loops.Name;
         // For whole numbers, only for those that no double can have.
-        const CFastForm fast = formOf({9, 0, 5, 0, false}, false, judge, loops);
+        const CFastForm fast = formOf({9, 0, 5, 0, false}, eLine::UNKNOWN, judge, loops);
         const std::int64_t most = std::int64_t{1} << 53;
         const std::int64_t numbers[] = {1, -most, most, most + 1, -most - 1};
         double converted[5] = {};
@@ -534,7 +528,7 @@ TEST(FastForm, CallsTheSlowWayOnceForEachValue) {
 
 TEST(FastForm, HasTheLimitsOfTheProof) {
     const auto limits = [](const CShortLine& line) {
-        return formOf(line, true, WholeLine(line), bestLoops());
+        return formOf(line, eLine::KNOWN, WholeLine(line), bestLoops());
     };
     const CFastForm usual = limits({9, 0, 5, 0, false});
     EXPECT_EQ(usual.Least, orderedBits(0x1p-960) - 1);
@@ -585,7 +579,7 @@ TEST(FastForm, HasTheLimitsOfTheProof) {
 TEST(FastForm, SplitsTheFactorIntoHalvesOf26Bits) {
     for (const CShortLine& line : Factors) {
         const WholeLine judge(line);
-        const CFastForm form = formOf(line, true, judge, bestLoops());
+        const CFastForm form = formOf(line, eLine::KNOWN, judge, bestLoops());
         EXPECT_EQ(form.HeadHigh + form.HeadLow, form.Head);
         if (form.HeadHigh == 0) {
             continue;
@@ -608,7 +602,7 @@ TEST(FastForm, DecidesUsualValuesZerosAndTiesWithoutTheSlowWay) {
             // CShortLine would decide without the slow way, so it is switched off.
             CShortLine hidden = line;
             const WholeLine judge(line);
-            CFastForm form = formOf(hidden, true, judge, loops);
+            CFastForm form = formOf(hidden, eLine::KNOWN, judge, loops);
             form.HasLine = false;
             std::vector<double> values;
             std::mt19937_64 random(8);
@@ -637,8 +631,9 @@ TEST(FastForm, DecidesUsualValuesZerosAndTiesWithoutTheSlowWay) {
 // values are not.
 TEST(FastForm, DecidesAtItsLimitsWithoutTheSlowWay) {
     // The ways PROVED, TIES and TESTED.
-    const std::pair<CShortLine, bool> lines[] = {
-        {{5, 0, 9, 0, false}, true}, {{9, 0, 5, 0, false}, true}, {{9, 0, 5, 0, false}, false}};
+    const std::pair<CShortLine, eLine> lines[] = {{{5, 0, 9, 0, false}, eLine::KNOWN},
+                                                  {{9, 0, 5, 0, false}, eLine::KNOWN},
+                                                  {{9, 0, 5, 0, false}, eLine::UNKNOWN}};
     forAllLoops([&](const CLoops& loops) {
         for (const auto& [line, isKnown] : lines) {
             const WholeLine judge(line);
@@ -671,7 +666,7 @@ TEST(FastForm, DecidesTiesOnlyBetweenItsLimits) {
     const CShortLine line = {9, 160, 5, 0, false};
     const WholeLine judge(line);
     forAllLoops([&](const CLoops& loops) {
-        CFastForm form = formOf(line, true, judge, loops);
+        CFastForm form = formOf(line, eLine::KNOWN, judge, loops);
         form.HasLine = false;
         form.Slack *= 0x1p60;  // so that the two sums always differ
         form.SlackCenter *= 0x1p60;
@@ -699,7 +694,7 @@ TEST(FastForm, DecidesTiesOnlyBetweenItsLimits) {
         EXPECT_FALSE(isDecided(form.Center - 0x1p-31));
 
         // Without a CShortLine, no value is between the limits.
-        CFastForm unknown = formOf(line, false, judge, loops);
+        CFastForm unknown = formOf(line, eLine::UNKNOWN, judge, loops);
         unknown.Slack *= 0x1p60;
         unknown.SlackCenter *= 0x1p60;
         const double noNumber = doubleOfBits(~std::uint64_t{0});
@@ -715,7 +710,7 @@ TEST(FastForm, LoopsLeaveValuesNextToTheCenterToSingleConversions) {
     const CShortLine line = {9, 160, 5, 0, false};
     const WholeLine judge(line);
     forAllLoops([&](const CLoops& loops) {
-        CFastForm form = formOf(line, true, judge, loops);
+        CFastForm form = formOf(line, eLine::KNOWN, judge, loops);
         form.LeastDistance = orderedBits(2.0);
         for (const double x : {-19.0, -17.0}) {
             double result = 0;
@@ -734,7 +729,7 @@ TEST(FastForm, LoopsDecideUsualArrays) {
              {CShortLine{9, 0, 5, 0, false}, CShortLine{5, 0, 9, 0, false},
               CShortLine{1000, 0, 1, 0, false}, CShortLine{9, 160, 5, 0, false}}) {
             const WholeLine judge(line);
-            const CFastForm form = formOf(line, true, judge, loops);
+            const CFastForm form = formOf(line, eLine::KNOWN, judge, loops);
             const double values[] = {0.0, -0.0, 98.6, -40.0, 37.5, 5.0, 1e-30, 1e30, -17.5};
             double results[std::size(values)] = {};
             EXPECT_TRUE(form.Many(form, values, results, std::size(values)))
@@ -745,7 +740,7 @@ TEST(FastForm, LoopsDecideUsualArrays) {
         // The way TESTED, for values whose two sums are equal.
         const CShortLine line = {5, 0, 9, 0, false};
         const WholeLine judge(line);
-        const CFastForm form = formOf(line, false, judge, loops);
+        const CFastForm form = formOf(line, eLine::UNKNOWN, judge, loops);
         ASSERT_EQ(form.Way, TESTED);
         const double values[] = {0.0, -0.0, 98.6, -40.5, 37.5};
         double results[5] = {};
@@ -776,7 +771,7 @@ TEST(FastForm, NarrowReportsOnlyMiddlesAndSubnormalFloats) {
 TEST(FastForm, CallsTheSlowWayIf128BitsAreTooFew) {
     const CShortLine line = {9, 160, 5, 0, false};
     const WholeLine judge(line);
-    const CFastForm form = formOf(line, true, judge, bestLoops());
+    const CFastForm form = formOf(line, eLine::KNOWN, judge, bestLoops());
     const long before = WholeLine::Calls;
     form.exactly(CNumber::ofDouble(1.5), CFormat::ofDouble());
     EXPECT_EQ(WholeLine::Calls, before);
@@ -789,7 +784,7 @@ TEST(FastForm, DividesCountsOnce) {
     const CShortLine line = {9, 160000, 5000, 0, false};
     const WholeLine judge(line);
     forAllLoops([&](const CLoops& loops) {
-        const CFastForm form = formOf(line, true, judge, loops);
+        const CFastForm form = formOf(line, eLine::KNOWN, judge, loops);
         EXPECT_GT(form.MostWhole, 0x1p31);
         const std::int16_t counts[] = {-4000, 0, 21500};
         double results[3] = {};
@@ -841,7 +836,7 @@ TEST(FastForm, GivesTheSameBitsPastTheCaches) {
     for (const CShortLine& line :
          {CShortLine{9, 0, 5, 0, false}, CShortLine{9, 160, 5, 0, false}}) {
         const WholeLine judge(line);
-        const CFastForm form = formOf(line, true, judge, bestLoops());
+        const CFastForm form = formOf(line, eLine::KNOWN, judge, bestLoops());
         std::vector<double> results(count + 2, -1);
         std::vector<float> narrow(2 * count + 2, -1);
         form.convertAll(values.data(), results.data() + 1, count);
