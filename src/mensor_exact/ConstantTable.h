@@ -4,8 +4,8 @@
 //     constexpr std::size_t row = table::findRow("in", ~std::uint32_t{0});
 //     table::Meanings.Row[row].Factor;  // 0.0254
 //
-// Table.cpp packs the table of the exact library from it. Tables of other libraries, whose definitions
-// use the same names, look them up here while they are compiled.
+// Table.cpp packs it into the table of the exact library. Constant tables of other libraries look up the
+// names in their definitions here.
 #ifndef MENSOR_EXACT_CONSTANTTABLE_H
 #define MENSOR_EXACT_CONSTANTTABLE_H
 
@@ -21,7 +21,8 @@
 
 namespace mensor::exact::table {
 
-// All texts but the sources, one behind the other. An array of pointers would have to be relocated at load.
+// All texts except the sources, in one array. Pointers to separate texts would have to be relocated at
+// load.
 inline constexpr char Texts[] =
 #define MENSOR_BASE(set, name, english, source) name english
 #define MENSOR_MARK(set, name, english, source) name english

@@ -52,7 +52,7 @@ bool isRare(std::string_view name) {
     return false;
 }
 
-// Less is better.
+// Orders names. The better one is less.
 bool isNearer(const CNearestNames::CNear& a, const CNearestNames::CNear& b) {
     return std::tie(a.Distance, a.IsRare, a.ExactDistance, a.Name) <
            std::tie(b.Distance, b.IsRare, b.ExactDistance, b.Name);
@@ -83,7 +83,7 @@ bool CNearestNames::read(std::string_view text, CLetters& letters) {
     return true;
 }
 
-// Finds out how far a name is, whatever the case. Returns false where it is not near.
+// Computes the distance of a name, ignoring case. Returns false if the name is not near.
 bool CNearestNames::measure(std::string_view known, CLetters& letters,
                             std::size_t& distance) const {
     if (known.empty() || !mayBeNear(letterSet(known), known.size()) || !read(known, letters) ||

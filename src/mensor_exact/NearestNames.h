@@ -14,8 +14,8 @@
 
 namespace mensor::exact {
 
-/// The letters of a name, whatever their case: a bit for each, which other letters share. Bit 0 is for all
-/// letters that are not ASCII.
+/// Returns the bit of a letter in a set of letters. Both cases of a letter have the same bit, and several
+/// letters may share one. Bit 0 is for all letters that are not ASCII.
 constexpr std::uint32_t letterBit(char32_t letter) {
     return letter < 0x80 ? std::uint32_t{1} << (letter % 32) : 1;
 }
@@ -23,30 +23,31 @@ constexpr std::uint32_t letterBit(char32_t letter) {
 constexpr std::uint32_t letterSet(std::string_view name) {
     std::uint32_t letters = 0;
     for (const char c : name) {
-        // All bytes of other letters are beyond ASCII.
+        // All bytes of letters that are not ASCII give bit 0.
         letters |= letterBit(static_cast<unsigned char>(c));
     }
     return letters;
 }
 
-/// Collects the known names that are nearest to an unknown one: the same letters in other case, then
-/// by the number of insertions, deletions, replacements and swaps of neighbours; names with usual
-/// prefixes first.
+/// Collects the known names that are most similar to an unknown one. First come names with the same
+/// letters in other case. The others are ordered by the number of insertions, deletions, replacements
+/// and swaps of neighbouring letters. Names with usual prefixes come before names with rare ones.
 class MENSOR_EXACT_API CNearestNames {
 public:
     explicit CNearestNames(std::string_view unknown);
 
-    /// Whether add() might keep a name of so many bytes with this letterSet(). Most names end here.
+    /// Whether add() may keep a name with this letterSet() and this number of bytes. A quick test that
+    /// excludes most names.
     bool mayBeNear(std::uint32_t letters, std::size_t bytes) const {
         return !m_HasNone && bytes + m_Farthest >= m_Unknown.Size &&
-               // The size of a name in ASCII is that of its bytes.
+               // A name in ASCII has as many letters as bytes.
                ((letters & 1) != 0 || bytes <= m_Unknown.Size + m_Farthest) &&
-               // One edit adds at most one letter and takes at most one away.
+               // One change adds at most one letter and removes at most one.
                isAtMost(letters & ~m_Unknown.Set, m_Farthest) &&
                isAtMost(m_Unknown.Set & ~letters, m_Farthest);
     }
 
-    /// Whether add() would keep this name, were it the only one.
+    /// Whether add() would keep this name if it were the only one.
     bool isNear(std::string_view known) const;
 
     /// Keeps a name if it is near and one of the nearest twelve.
@@ -60,7 +61,7 @@ public:
         bool IsRare;                ///< whether the prefix is rarely used, as in "Eg"
     };
 
-    /// The nearest ones, best first, at most twelve.
+    /// Returns the nearest names, the best first, at most twelve.
     const std::vector<CNear>& best() const { return m_Found; }
 
 private:
@@ -88,7 +89,7 @@ private:
 
     CLetters m_Unknown;
     std::size_t m_Farthest = 0;
-    bool m_HasNone = false;      // the name is too long
+    bool m_HasNone = false;      // the unknown name is too long
     std::vector<CNear> m_Found;  // sorted
 };
 

@@ -40,10 +40,10 @@ class CCatalogueBuilder {
 public:
     explicit CCatalogueBuilder(const CCatalogue& catalogue);
 
-    /// What a program has added to a catalogue, null if nothing.
+    /// Returns the definitions that a program has added to a catalogue, or null if there are none.
     static const COwnDefinitions* own(const CCatalogue& catalogue) { return catalogue.m_Own.get(); }
 
-    /// What is there so far. It changes with every name that is added.
+    /// Returns the catalogue so far. add() changes it.
     const CCatalogue& catalogue() const { return m_Catalogue; }
 
     /// Adds a definition. With `takesAway` the name may have another meaning in the catalogue so far.

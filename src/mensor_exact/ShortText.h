@@ -1,4 +1,4 @@
-// ShortText.h: a short text for tables of constants. For the library's own use; not installed.
+// ShortText.h: a short text for tables of constants. Not installed.
 #ifndef MENSOR_EXACT_SHORTTEXT_H
 #define MENSOR_EXACT_SHORTTEXT_H
 
@@ -6,11 +6,10 @@
 #include <cstdint>
 #include <string_view>
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
-/// A text of at most `Longest` bytes inside the object. A table with pointers to texts needs 24 more bytes
-/// in the file for each, since the loader relocates them.
+/// A text of at most `Longest` bytes inside the object. A pointer to a text would need 24 more bytes in
+/// the file, since the loader relocates it.
 template <std::size_t Longest>
 class CShortText {
 public:
@@ -30,7 +29,6 @@ private:
     char m_Bytes[Longest] = {};
 };
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_SHORTTEXT_H

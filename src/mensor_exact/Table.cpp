@@ -9,22 +9,24 @@ using namespace table;
 
 namespace {
 
-// The meanings and sources of ConstantTable.h take 48 bytes and a text for each row. Most rows share their
-// parts with others: a prefix changes only powers of 2 and 5. So the library has each distinct part once.
+// In ConstantTable.h each row has a meaning of 48 bytes and the text of its source. Most rows have
+// parts in common: a prefix changes only powers of 2 and 5. So this file stores each distinct part
+// once.
 
-// Which of the distinct values of a column each row has.
+// A column with few distinct values: for each row the index of its value.
 struct CColumn {
     CArray<std::uint8_t, Rows> Place;
-    CArray<std::uint16_t, 256> FirstRow;  // with the value of this place
+    CArray<std::uint16_t, 256> FirstRow;  // the first row with the value of this index
     std::size_t Size = 0;
 };
 
-// isSame(row, other) tells whether two rows have the same value. More than 256 values do not compile.
+// Makes a column. isSame(row, other) tells whether two rows have the same value. More than 256 values
+// do not compile.
 template <class IsSame>
 constexpr CColumn makeColumn(const IsSame& isSame) {
     CColumn column;
     for (std::size_t row = 0; row < Rows; ++row) {
-        // Most rows have the value of the row before.
+        // The search begins at the value of the row before, which is usually the same.
         std::size_t place = row == 0 ? 0 : column.Place[row - 1];
         if (row == 0 || !isSame(row, row - 1)) {
             place = 0;
@@ -66,7 +68,7 @@ constexpr auto makeQuotients() {
 
 constexpr auto Quotients = makeQuotients();
 
-// The base units, and the power of π that the factor has.
+// The base units of a meaning, and the power of π in its factor.
 struct CBaseUnits {
     std::int8_t Exponents[SlotCount];
     std::int8_t Pi;
@@ -152,7 +154,7 @@ constexpr auto makeOffsets() {
 
 constexpr auto Offsets = makeOffsets();
 
-// One row: the places of its parts, and the powers.
+// One row: the indices of its parts, and the powers of 2 and 5.
 struct CPackedRow {
     std::uint8_t Quotient;
     std::int8_t Twos;

@@ -1,16 +1,16 @@
-// Names that are near an unknown one.
+// NearestNames_test.cpp: CNearestNames finds the known names that are similar to an unknown one.
+#include "mensor_exact/NearestNames.h"
+
+#include <gtest/gtest.h>
+
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include <gtest/gtest.h>
-
 #include "mensor_exact/Definitions.h"
-#include "mensor_exact/NearestNames.h"
 
+namespace mensor::exact {
 namespace {
-
-using namespace mensor::exact;
 
 constexpr std::size_t Longest = 24;  // letters of an unknown name
 
@@ -92,3 +92,4 @@ TEST(NearestNames, AreTheTwelveBestInOrder) {
 }
 
 }  // namespace
+}  // namespace mensor::exact
