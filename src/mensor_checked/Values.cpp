@@ -15,7 +15,7 @@
 #include "mensor_checked/Words.h"
 #include "mensor_exact/Exponent.h"
 #include "mensor_exact/NumberText.h"
-#include "mensor_exact/Utf8.h"
+#include "mensor_exact/utf8.h"
 
 namespace mensor {
 namespace checked {

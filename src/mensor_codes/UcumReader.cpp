@@ -12,7 +12,7 @@
 #include "mensor_codes/UcumAtoms.h"
 #include "mensor_exact/Error.h"
 #include "mensor_exact/Parser.h"
-#include "mensor_exact/Utf8.h"
+#include "mensor_exact/utf8.h"
 
 namespace mensor {
 namespace codes {

@@ -17,7 +17,7 @@
 #include "mensor_codes/UcumAtoms.h"
 #include "mensor_codes/UcumReader.h"
 #include "mensor_exact/Exponent.h"
-#include "mensor_exact/Slots.h"
+#include "mensor_exact/slots.h"
 
 namespace mensor {
 namespace codes {

@@ -20,7 +20,7 @@
 #include "mensor_exact/Spelling.h"
 #include "mensor_exact/Table.h"
 #include "mensor_exact/Traps.h"
-#include "mensor_exact/Utf8.h"
+#include "mensor_exact/utf8.h"
 
 namespace mensor {
 namespace exact {

@@ -4,12 +4,12 @@
 #include <set>
 #include <utility>
 
-#include "mensor_exact/Concatenate.h"
 #include "mensor_exact/Conversion.h"
 #include "mensor_exact/DefinitionReader.h"
 #include "mensor_exact/OwnDefinitions.h"
 #include "mensor_exact/Parts.h"
 #include "mensor_exact/Table.h"
+#include "mensor_exact/concatenate.h"
 
 namespace mensor::exact {
 

@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <string_view>
 
-#include "mensor_exact/Utf8.h"
 #include "mensor_exact/exact_export.h"
+#include "mensor_exact/utf8.h"
 
 namespace mensor::exact {
 

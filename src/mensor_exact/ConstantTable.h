@@ -16,8 +16,8 @@
 #include "mensor_exact/DefinitionReader.h"
 #include "mensor_exact/Definitions.h"
 #include "mensor_exact/NameIndex.h"
-#include "mensor_exact/Slots.h"
 #include "mensor_exact/SmallFraction.h"
+#include "mensor_exact/slots.h"
 
 namespace mensor::exact::table {
 

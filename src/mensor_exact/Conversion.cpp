@@ -7,13 +7,13 @@
 #include <type_traits>
 #include <utility>
 
-#include "mensor_exact/Concatenate.h"
 #include "mensor_exact/Digits.h"
 #include "mensor_exact/Enclosure.h"
 #include "mensor_exact/Error.h"
 #include "mensor_exact/FastForm.h"
 #include "mensor_exact/Parts.h"
 #include "mensor_exact/Rounding.h"
+#include "mensor_exact/concatenate.h"
 
 namespace mensor::exact {
 

@@ -6,12 +6,12 @@
 #include <string_view>
 #include <utility>
 
-#include "mensor_exact/Concatenate.h"
 #include "mensor_exact/DefinitionLine.h"
 #include "mensor_exact/DefinitionReader.h"
 #include "mensor_exact/Error.h"
 #include "mensor_exact/OwnDefinitions.h"
 #include "mensor_exact/Reading.h"
+#include "mensor_exact/concatenate.h"
 
 namespace mensor {
 namespace exact {

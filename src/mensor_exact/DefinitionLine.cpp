@@ -5,11 +5,11 @@
 #include <utility>
 
 #include "mensor_exact/Characters.h"
-#include "mensor_exact/Concatenate.h"
 #include "mensor_exact/Error.h"
 #include "mensor_exact/Parser.h"
 #include "mensor_exact/Reading.h"
-#include "mensor_exact/Utf8.h"
+#include "mensor_exact/concatenate.h"
+#include "mensor_exact/utf8.h"
 
 namespace mensor {
 namespace exact {

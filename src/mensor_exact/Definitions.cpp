@@ -6,12 +6,12 @@
 #include <utility>
 
 #include "mensor_exact/Characters.h"
-#include "mensor_exact/Concatenate.h"
 #include "mensor_exact/DefinitionReader.h"
 #include "mensor_exact/Error.h"
 #include "mensor_exact/OwnDefinitions.h"
 #include "mensor_exact/Table.h"
-#include "mensor_exact/Utf8.h"
+#include "mensor_exact/concatenate.h"
+#include "mensor_exact/utf8.h"
 
 namespace mensor::exact {
 

@@ -3,7 +3,7 @@
 #include <string_view>
 #include <utility>
 
-#include "mensor_exact/Utf8.h"
+#include "mensor_exact/utf8.h"
 
 namespace mensor::exact {
 

@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <limits>
 
-#include "mensor_exact/Concatenate.h"
 #include "mensor_exact/Error.h"
+#include "mensor_exact/concatenate.h"
 
 namespace mensor::exact {
 

@@ -1,7 +1,7 @@
 #include "mensor_exact/Enclosure.h"
 
 #include "mensor_exact/Parts.h"
-#include "mensor_exact/Pi.h"
+#include "mensor_exact/pi.h"
 
 namespace mensor::exact {
 

@@ -4,11 +4,11 @@
 #include <string_view>
 #include <utility>
 
-#include "mensor_exact/Concatenate.h"
 #include "mensor_exact/Enclosure.h"
 #include "mensor_exact/Error.h"
 #include "mensor_exact/Parts.h"
 #include "mensor_exact/Rounding.h"
+#include "mensor_exact/concatenate.h"
 
 namespace mensor::exact {
 

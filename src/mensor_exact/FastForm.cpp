@@ -11,8 +11,8 @@
 #include <emmintrin.h>
 #endif
 
-#include "mensor_exact/NearMiddle.h"
 #include "mensor_exact/TwoWords.h"
+#include "mensor_exact/near_middle.h"
 
 namespace mensor::exact {
 

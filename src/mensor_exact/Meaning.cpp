@@ -4,10 +4,10 @@
 #include <cstdint>
 #include <utility>
 
-#include "mensor_exact/Concatenate.h"
 #include "mensor_exact/Error.h"
-#include "mensor_exact/Slots.h"
 #include "mensor_exact/UnitsWriter.h"
+#include "mensor_exact/concatenate.h"
+#include "mensor_exact/slots.h"
 
 namespace mensor::exact {
 

@@ -135,7 +135,7 @@ private:
 
     void multiplyRest(const CMeaning& other, CExponent exponent);
 
-    CExponents m_Exponents;        // in the order of SlotNames (Slots.h)
+    CExponents m_Exponents;        // in the order of SlotNames (slots.h)
     std::vector<CPower> m_Others;  // sorted by name
     CFactor m_Factor;
     CFraction m_Offset;

@@ -4,7 +4,7 @@
 #include <tuple>
 
 #include "mensor_exact/Table.h"
-#include "mensor_exact/Utf8.h"
+#include "mensor_exact/utf8.h"
 
 namespace mensor::exact {
 

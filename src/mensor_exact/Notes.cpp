@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <vector>
 
-#include "mensor_exact/Concatenate.h"
 #include "mensor_exact/Conversion.h"
 #include "mensor_exact/Error.h"
+#include "mensor_exact/concatenate.h"
 
 namespace mensor {
 namespace exact {

@@ -1,8 +1,8 @@
 #include "mensor_exact/OwnDefinitions.h"
 
-#include "mensor_exact/Concatenate.h"
 #include "mensor_exact/DefinitionReader.h"
 #include "mensor_exact/Parts.h"
+#include "mensor_exact/concatenate.h"
 
 namespace mensor::exact {
 

@@ -19,7 +19,7 @@
 #include "mensor_exact/Characters.h"
 #include "mensor_exact/Reading.h"
 #include "mensor_exact/Traps.h"
-#include "mensor_exact/Utf8.h"
+#include "mensor_exact/utf8.h"
 
 namespace mensor {
 namespace exact {

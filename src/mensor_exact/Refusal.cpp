@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "mensor_exact/Utf8.h"
+#include "mensor_exact/utf8.h"
 
 namespace mensor::exact {
 

@@ -13,7 +13,7 @@
 
 #include "exact/Judge.h"
 #include "exact/expect_error.h"
-#include "mensor_exact/Pi.h"
+#include "mensor_exact/pi.h"
 
 namespace mensor::exact {
 namespace {

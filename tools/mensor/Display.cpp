@@ -4,7 +4,7 @@
 #include <iterator>
 #include <vector>
 
-#include "mensor_exact/Utf8.h"
+#include "mensor_exact/utf8.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "mensor_exact/Concatenate.h"
+#include "mensor_exact/concatenate.h"
 
 #include <algorithm>
 #include <cstddef>

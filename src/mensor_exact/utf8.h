@@ -1,4 +1,4 @@
-// Utf8.h: strict reading of UTF-8. For mensor's own libraries and the tool; not installed.
+// utf8.h: strict reading of UTF-8. For mensor's own libraries and the tool; not installed.
 #ifndef MENSOR_EXACT_UTF8_H
 #define MENSOR_EXACT_UTF8_H
 

@@ -1,4 +1,4 @@
-// Concatenate.h: joins and quotes texts, for messages. Not installed.
+// concatenate.h: joins and quotes texts, for messages. Not installed.
 #ifndef MENSOR_EXACT_CONCATENATE_H
 #define MENSOR_EXACT_CONCATENATE_H
 

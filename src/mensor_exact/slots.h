@@ -1,4 +1,4 @@
-// Slots.h: the order of the SI's dimensions and the marks in arrays of exponents. Not installed.
+// slots.h: the order of the SI's dimensions and the marks in arrays of exponents. Not installed.
 #ifndef MENSOR_EXACT_SLOTS_H
 #define MENSOR_EXACT_SLOTS_H
 

@@ -1,7 +1,7 @@
-// NearMiddle_test.cpp: if NearMiddle.h says that a factor needs no test, all its products are rounded
+// near_middle_test.cpp: if near_middle.h says that a factor needs no test, all its products are rounded
 // correctly. It tries all factors of 20 bits with all numbers of 8 bits, and small fractions with all
 // numbers of 12 bits.
-#include "mensor_exact/NearMiddle.h"
+#include "mensor_exact/near_middle.h"
 
 #include <gtest/gtest.h>
 

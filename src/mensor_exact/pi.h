@@ -1,4 +1,4 @@
-// Pi.h: the first bits of π. For the library's own use; not installed.
+// pi.h: the first bits of π. Not installed.
 #ifndef MENSOR_EXACT_PI_H
 #define MENSOR_EXACT_PI_H
 

@@ -1,10 +1,10 @@
-// NearMiddle.h: finds the factors whose products never come too close to the middle between two
+// near_middle.h: finds the factors whose products never come too close to the middle between two
 // doubles. For these factors a fast conversion needs no test. Not installed.
 //
 // docs/exact-fast.md has the proof. It holds for every precision. So the functions take the number of
 // bits, and a test tries all products with few bits.
-#ifndef MENSOR_EXACT_NEARMIDDLE_H
-#define MENSOR_EXACT_NEARMIDDLE_H
+#ifndef MENSOR_EXACT_NEAR_MIDDLE_H
+#define MENSOR_EXACT_NEAR_MIDDLE_H
 
 #include <cstdint>
 
@@ -125,4 +125,4 @@ bool isNeverNearMiddle(int bits, const std::uint64_t (&twice)[3], Compute comput
 
 }  // namespace mensor::exact
 
-#endif  // MENSOR_EXACT_NEARMIDDLE_H
+#endif  // MENSOR_EXACT_NEAR_MIDDLE_H
