@@ -22,7 +22,7 @@ std::uint64_t anyWord(std::mt19937_64& random) {
     }
 }
 
-TEST(TwoWords, MultipliesWithAndWithoutTheCompilersNumbers) {
+TEST(TwoWords, MultipliesWithAndWithout128BitIntegers) {
     std::mt19937_64 random(1);
     for (int i = 0; i < 20000; ++i) {
         const std::uint64_t a = anyWord(random);
