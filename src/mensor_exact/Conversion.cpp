@@ -111,8 +111,8 @@ CLeading leadingOf(const CWhole& numerator, const CWhole& denominator, std::int6
     return result;
 }
 
-[[noreturn]] void throwDifferent(std::string_view from, std::string_view to, const CMeaning& a,
-                                 const CMeaning& b) {
+[[noreturn, gnu::cold]] void throwDifferent(std::string_view from, std::string_view to,
+                                            const CMeaning& a, const CMeaning& b) {
     throw CError(eError::DIFFERENT_DIMENSIONS, concatenate({"cannot convert ", from, " to ", to,
                                                             ": ", a.kind(), " and ", b.kind()}));
 }
@@ -396,7 +396,7 @@ std::string CConversion::convertText(const CFraction& x, const CDecimalStyle& st
 
 std::string CConversion::factor() const { return m_Plan->Factor.toString(); }
 
-std::string CConversion::offset() const {
+[[gnu::cold]] std::string CConversion::offset() const {
     const COffset offset = exactOffset();
     if (offset.Sign == 0) {
         return "0";
@@ -406,7 +406,7 @@ std::string CConversion::offset() const {
 
 const CFactor& CConversion::exactFactor() const noexcept { return m_Plan->Factor; }
 
-COffset CConversion::exactOffset() const {
+[[gnu::cold]] COffset CConversion::exactOffset() const {
     const bool isShift = !m_Plan->Shift.isZero();
     const CFraction& offset = isShift ? m_Plan->Shift : m_Plan->Offset;
     if (offset.isZero()) {

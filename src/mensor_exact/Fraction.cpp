@@ -220,7 +220,7 @@ double CFraction::toDouble() const {
         .Value;
 }
 
-std::string CFraction::toString() const {
+[[gnu::cold]] std::string CFraction::toString() const {
     constexpr std::size_t MostDigits = 17;
     const CParts parts(*this);
     if (const auto digits = wholeDigits(parts, MostDigits)) {

@@ -67,6 +67,24 @@ void requireNoOffset(const CMeaning& meaning) {
                  "a unit whose factor has π or a root cannot have an offset");
 }
 
+// The product of dimensions with names of their own, of which few units have any.
+[[gnu::cold]] std::vector<CPower> multiplied(std::vector<CPower> powers,
+                                             const std::vector<CPower>& others,
+                                             CExponent exponent) {
+    for (const CPower& power : others) {
+        const auto place =
+            std::lower_bound(powers.begin(), powers.end(), power,
+                             [](const CPower& a, const CPower& b) { return a.Name < b.Name; });
+        const CExponent added = power.Exponent * exponent;
+        if (place == powers.end() || place->Name != power.Name) {
+            powers.insert(place, {power.Name, added});
+        } else if ((place->Exponent = place->Exponent + added).isZero()) {
+            powers.erase(place);
+        }
+    }
+    return powers;
+}
+
 }  // namespace
 
 CMeaning::CMeaning() noexcept = default;
@@ -132,7 +150,7 @@ CMeaning CMeaning::base(std::string_view name) {
     return result;
 }
 
-std::vector<CPower> CMeaning::dimensions() const {
+[[gnu::cold]] std::vector<CPower> CMeaning::dimensions() const {
     std::vector<CPower> result;
     for (std::size_t slot = 0; slot < Dimensions; ++slot) {
         if (!m_Exponents[slot].isZero()) {
@@ -143,7 +161,7 @@ std::vector<CPower> CMeaning::dimensions() const {
     return result;
 }
 
-std::vector<CPower> CMeaning::marks() const {
+[[gnu::cold]] std::vector<CPower> CMeaning::marks() const {
     std::vector<CPower> result;
     for (std::size_t slot = Dimensions; slot < Slots; ++slot) {
         if (!m_Exponents[slot].isZero()) {
@@ -186,7 +204,7 @@ CMeaning CMeaning::scaled(const CFactor& factor) const {
     return result;
 }
 
-CMeaning CMeaning::shifted(const CFraction& offset) const {
+[[gnu::cold]] CMeaning CMeaning::shifted(const CFraction& offset) const {
     if (offset.isZero()) {
         return *this;
     }
@@ -212,19 +230,9 @@ void CMeaning::multiplyRest(const CMeaning& other, CExponent exponent) {
     CFactor factor = exponent == CExponent(1)    ? m_Factor * other.m_Factor
                      : exponent == CExponent(-1) ? m_Factor / other.m_Factor
                                                  : m_Factor * other.m_Factor.power(exponent);
-    std::vector<CPower> result = m_Others;
-    for (const CPower& power : other.m_Others) {
-        const auto place =
-            std::lower_bound(result.begin(), result.end(), power,
-                             [](const CPower& a, const CPower& b) { return a.Name < b.Name; });
-        const CExponent added = power.Exponent * exponent;
-        if (place == result.end() || place->Name != power.Name) {
-            result.insert(place, {power.Name, added});
-        } else if ((place->Exponent = place->Exponent + added).isZero()) {
-            result.erase(place);
-        }
+    if (!other.m_Others.empty()) {
+        m_Others = multiplied(m_Others, other.m_Others, exponent);
     }
-    m_Others = std::move(result);
     m_Factor = std::move(factor);
 }
 
@@ -272,7 +280,7 @@ bool operator==(const CMeaning& a, const CMeaning& b) noexcept {
            a.m_Offset == b.m_Offset;
 }
 
-std::string CMeaning::unitsText() const {
+[[gnu::cold]] std::string CMeaning::unitsText() const {
     CUnitsWriter writer;
     for (std::size_t slot = 0; slot < Slots; ++slot) {
         writer.add(SlotNames[slot], m_Exponents[slot]);
@@ -283,7 +291,7 @@ std::string CMeaning::unitsText() const {
     return writer.text();
 }
 
-std::string CMeaning::toString() const {
+[[gnu::cold]] std::string CMeaning::toString() const {
     const std::string units = unitsText();
     const std::string factor = m_Factor.toString();
     std::string text = units;
@@ -300,7 +308,7 @@ std::string CMeaning::toString() const {
 }
 
 // Returns null if the library has no name for these dimensions.
-const char* CMeaning::nameOfKind() const noexcept {
+[[gnu::cold]] const char* CMeaning::nameOfKind() const noexcept {
     if (!m_Others.empty()) {
         return nullptr;
     }
@@ -321,7 +329,7 @@ bool CMeaning::hasNamedKind() const noexcept {
     return hasNone || nameOfKind() != nullptr;
 }
 
-std::string CMeaning::kind() const {
+[[gnu::cold]] std::string CMeaning::kind() const {
     const std::vector<CPower> own = dimensions();
     if (own.empty()) {
         const std::vector<CPower> marked = marks();

@@ -547,10 +547,11 @@ private:
         return isAllInRange || refuseRange(span);
     }
 
-    // Refusals. All return false.
+    // Refusals. All return false. The compiler makes them small and keeps them apart from what reads.
 
-    bool refuse(eRefusal code, CSpan span, const char* sentence,
-                eReadings readings = eReadings::NONE, CSpan a = {}, const CTrap* trap = nullptr) {
+    [[gnu::cold, gnu::noinline]] bool refuse(eRefusal code, CSpan span, const char* sentence,
+                                             eReadings readings = eReadings::NONE, CSpan a = {},
+                                             const CTrap* trap = nullptr) {
         m_Refusal = {code, m_Text, span, sentence, readings, {a}, m_Begin, trap};
         return false;
     }
@@ -583,29 +584,29 @@ private:
                                             InvisibleCharacter, eReadings::REMOVE);
     }
 
-    bool refuseForeign() {
+    [[gnu::cold]] bool refuseForeign() {
         return refuse(eRefusal::UNEXPECTED_CHARACTER, here(),
                       sentenceOnForeign(m_Cursor.character()));
     }
 
-    bool refuseOpen(CSpan opening) {
+    [[gnu::cold]] bool refuseOpen(CSpan opening) {
         return refuse(eRefusal::OPEN_BRACKET, opening, "this bracket is never closed",
                       eReadings::CLOSE);
     }
 
-    bool refuseRange(CSpan span) {
+    [[gnu::cold]] bool refuseRange(CSpan span) {
         return refuse(eRefusal::EXPONENT_RANGE, span, "an exponent cannot be beyond 99");
     }
 
     // "m^1/2", which mathematics reads as m/2.
-    bool refuseBareFraction() {
+    [[gnu::cold]] bool refuseBareFraction() {
         return refuse(eRefusal::STRAY_NUMBER, number(),
                       "an exponent that is a fraction needs brackets", eReadings::FRACTION,
                       m_CaretPower);
     }
 
     // What stands where a factor should begin.
-    bool refuseFactor() {
+    [[gnu::cold]] bool refuseFactor() {
         switch (kind()) {
             case eKind::FOREIGN: return refuseForeign();
             case eKind::DIGIT:
@@ -670,7 +671,7 @@ private:
     }
 
     // Behind a/b the cursor is at another operator: mathematics and habit read on differently.
-    bool refuseChain(CSpan left) {
+    [[gnu::cold]] bool refuseChain(CSpan left) {
         CCursor ahead = m_Cursor;
         ahead.advance();
         ahead.skipBlanks();
@@ -686,7 +687,7 @@ private:
     }
 
     // Behind a name that no unit has.
-    bool refuseUnknown(CSpan span) {
+    [[gnu::cold]] bool refuseUnknown(CSpan span) {
         const std::string_view name = span.of(m_Text);
         const CTrap* const cubed = isCubed() ? findTrap(ePlace::CUBED, name) : nullptr;
         if (cubed != nullptr) {
@@ -759,7 +760,7 @@ private:
         return isThree && ahead.kind() != digit ? CSpan{at(), ahead.position()} : CSpan{};
     }
 
-    bool refuseCubed(CSpan name, const CTrap& trap) {
+    [[gnu::cold]] bool refuseCubed(CSpan name, const CTrap& trap) {
         const CSpan token{name.Begin, cube().End};
         return refuse(eRefusal::MISLEADING, token, trap.Sentence, eReadings::TRAP, token, &trap);
     }

@@ -127,7 +127,7 @@ public:
 
     bool isOwn(std::string_view name) override { return exact::isOwn(name, m_Catalogue); }
 
-    void addNamesTo(CNearestNames& nearest) override {
+    [[gnu::cold]] void addNamesTo(CNearestNames& nearest) override {
         for (std::size_t row = 0; row < CTable::size(); ++row) {
             const std::string_view name = CTable::name(row);
             if (nearest.mayBeNear(CTable::letters(row), name.size()) &&
@@ -283,7 +283,7 @@ private:
 };
 
 // The first name of the catalogue with this meaning, empty if there is none.
-std::string_view nameOf(const CMeaning& meaning, const CCatalogue& catalogue) {
+[[gnu::cold]] std::string_view nameOf(const CMeaning& meaning, const CCatalogue& catalogue) {
     std::string_view name;
     catalogue.forEach([&](const CDefinition& definition) {
         name = catalogue.meaning(definition.Name) == meaning ? definition.Name : name;
@@ -293,7 +293,8 @@ std::string_view nameOf(const CMeaning& meaning, const CCatalogue& catalogue) {
 }
 
 // The catalogue's name for what `name` is as a factor of a product, or alone. Empty: it has none.
-std::string namedInProduct(std::string_view name, bool isAlone, const CCatalogue& catalogue) {
+[[gnu::cold]] std::string namedInProduct(std::string_view name, bool isAlone,
+                                         const CCatalogue& catalogue) {
     std::string known(name);
     const std::optional<CMeaning> meaning = meaningOf(name, catalogue, &known);
     if (!meaning) {
@@ -304,12 +305,13 @@ std::string namedInProduct(std::string_view name, bool isAlone, const CCatalogue
 }
 
 // The name of the differences of a scale, empty if they have none.
-std::string_view differenceName(const CMeaning& scale, const CCatalogue& catalogue) {
+[[gnu::cold]] std::string_view differenceName(const CMeaning& scale, const CCatalogue& catalogue) {
     return nameOf(scale.difference(), catalogue);
 }
 
 // "; for differences write ..." behind the sentence on a scale in a product.
-void tellDifference(const CRefusal& refusal, const CCatalogue& catalogue, CDiagnosis& diagnosis) {
+[[gnu::cold]] void tellDifference(const CRefusal& refusal, const CCatalogue& catalogue,
+                                  CDiagnosis& diagnosis) {
     const std::optional<CMeaning> scale = meaningOf(refusal.token(), catalogue);
     if (!scale) {
         return;
@@ -336,7 +338,8 @@ eFit CCatalogueNames::fit(std::string_view text, std::size_t begin, CRefusal& re
     return reading.Meaning->hasNamedKind() ? eFit::KIND : eFit::READ;
 }
 
-void CCatalogueNames::addWords(const CRefusal& refusal, std::vector<std::string>& words) {
+[[gnu::cold]] void CCatalogueNames::addWords(const CRefusal& refusal,
+                                             std::vector<std::string>& words) {
     if (refusal.Code == eRefusal::OFFSET_IN_PRODUCT) {
         const std::optional<CMeaning> scale = meaningOf(refusal.token(), m_Catalogue);
         if (scale) {
@@ -360,7 +363,7 @@ void CCatalogueNames::addWords(const CRefusal& refusal, std::vector<std::string>
     words.emplace_back(nameOf(scale->Meaning, m_Catalogue));
 }
 
-std::string CCatalogueNames::sumOf(const std::vector<CNamedNumber>& values) {
+[[gnu::cold]] std::string CCatalogueNames::sumOf(const std::vector<CNamedNumber>& values) {
     const std::string_view unit = values.back().Name;
     const std::optional<CMeaning> last = meaningOf(unit, m_Catalogue);
     CFraction sum;
@@ -399,8 +402,8 @@ CMeaning read(std::string_view text, const CCatalogue& catalogue, const CReadOpt
     return *std::move(reading.Meaning);
 }
 
-std::string notationOf(std::string_view text, const CCatalogue& catalogue,
-                       const CReadOptions& options) {
+[[gnu::cold]] std::string notationOf(std::string_view text, const CCatalogue& catalogue,
+                                     const CReadOptions& options) {
     const CReading reading = tryRead(text, catalogue, options);
     if (!reading) {
         throw CReadError(diagnose(reading.Refusal, catalogue));
@@ -423,7 +426,8 @@ std::string notationOf(std::string_view text, const CCatalogue& catalogue,
     return writer.text();
 }
 
-CDiagnosis diagnose(const CRefusal& refusal, const CCatalogue& catalogue, const CMeaning* target) {
+[[gnu::cold]] CDiagnosis diagnose(const CRefusal& refusal, const CCatalogue& catalogue,
+                                  const CMeaning* target) {
     CCatalogueNames names(catalogue, target);
     CDiagnosis diagnosis = diagnose(refusal, names);
     if (refusal.Code == eRefusal::OFFSET_IN_PRODUCT) {
