@@ -270,7 +270,7 @@ std::optional<CFraction> CConversion::convertOnce(const CFraction& x, const CMea
     if (!from.offset().isZero() || !to.offset().isZero()) {
         inBaseUnits = inBaseUnits + from.offset() - to.offset();
     }
-    return inBaseUnits / to.factor().radicand();
+    return to.factor().isOne() ? inBaseUnits : inBaseUnits / to.factor().radicand();
 }
 
 CConversion::CConversion(const CConversion&) noexcept = default;

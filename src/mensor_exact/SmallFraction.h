@@ -59,8 +59,8 @@ struct CSmallFraction {
             *this = CSmallFraction();
             return true;
         }
-        const std::uint64_t g = std::gcd(Numerator, other.Denominator);
-        const std::uint64_t h = std::gcd(other.Numerator, Denominator);
+        const std::uint64_t g = commonDivisor(Numerator, other.Denominator);
+        const std::uint64_t h = commonDivisor(other.Numerator, Denominator);
         std::uint64_t numerator = 0;
         std::uint64_t denominator = 0;
         std::int32_t twos = 0;
@@ -144,6 +144,11 @@ struct CSmallFraction {
     }
 
 private:
+    // The greatest common divisor. One of the two is usually 1.
+    static constexpr std::uint64_t commonDivisor(std::uint64_t a, std::uint64_t b) {
+        return a == 1 || b == 1 ? 1 : std::gcd(a, b);
+    }
+
     static constexpr bool scale(std::uint64_t& number, std::uint64_t base, std::int32_t times) {
         for (; times > 0; --times) {
             if (__builtin_mul_overflow(number, base, &number)) {

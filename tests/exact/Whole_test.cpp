@@ -1,4 +1,5 @@
-// Whole numbers of any size, compared with those of GMP.
+// Whole numbers of any size, compared with those of GMP. If the test is to be thorough, it tries many more
+// (support/Thorough.h).
 #include <cstdint>
 #include <random>
 #include <string>
@@ -9,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "mensor_exact/Whole.h"
+#include "support/Thorough.h"
 
 namespace {
 
@@ -60,7 +62,7 @@ private:
     std::mt19937 m_Random{20};
 };
 
-constexpr int Cases = 4000;
+const int Cases = mensor::test::isThorough() ? 20000 : 500;
 
 TEST(Whole, SumsDifferencesAndProductsAreThoseOfGmp) {
     CNumbers numbers;
