@@ -3,7 +3,7 @@
 // usage: first_time WHO WHAT   WHO: mensor, UDUNITS-2; WHAT: multiply, divide, pow, parse
 //
 // Both libraries work on the named units of the SI: each with each, or each to the powers 2 to 5. A few
-// of the results exist already in the catalogue of mensor. "parse" reads new texts of two names; the
+// of the results exist already in the catalogue of mensor. "parse" reads new texts of two names. The
 // products exist already.
 #include <udunits2.h>
 

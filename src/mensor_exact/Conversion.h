@@ -70,10 +70,10 @@ public:
 
     /// Returns the double nearest to factor·x + offset, ties to even, for every double x.
     ///
-    /// Subnormal results are rounded once, too. An exact result beyond the largest double by half a last place
-    /// or more gives infinity. An infinity gives itself. NaN keeps its sign and payload; a signalling NaN
-    /// becomes quiet. Without an offset, zero keeps its sign. With an offset, a result that is exactly
-    /// zero is +0. A result that is rounded to zero has the sign of the exact one.
+    /// Subnormal results are rounded once, too. An exact result beyond the largest double by half a
+    /// last place or more gives infinity. An infinity gives itself. NaN keeps its sign and payload, and
+    /// a signalling NaN becomes quiet. Without an offset, zero keeps its sign. With an offset, a result
+    /// that is exactly zero is +0. A result that is rounded to zero has the sign of the exact one.
     ///
     /// The processor must round to nearest and must not flush subnormal numbers to zero. This is so
     /// unless the program has changed it.

@@ -1,13 +1,15 @@
 #!/bin/sh
 # usage: hardening.sh READELF OBJDUMP NM FILE...
 #
-# Checks that each FILE, a library or a program, is hardened: the tables of addresses are read-only before
-# main() (RELRO, and all names bound at load), the stack is not executable and is checked, a program is
-# position independent, and on x86 every exported function begins where an indirect jump may land. Names
-# every FILE that is not hardened.
+# Checks that each FILE, a library or a program, is hardened, and names each one that is not:
 #
-# At least one FILE must call a function of the C library that checks sizes: a file that calls no such
-# function cannot show it.
+# - The tables of addresses are read-only before main() (RELRO, and all names bound at load).
+# - The stack is not executable, and functions check it.
+# - A program is position independent.
+# - On x86, every exported function begins with an instruction at which an indirect jump may land.
+#
+# At least one FILE must call a function of the C library that checks the size of its buffer. Not every
+# file has a call of that kind.
 set -eu
 readelf=$1 objdump=$2 nm=$3
 shift 3
@@ -38,8 +40,8 @@ for file; do
             "$objdump" -d --no-show-raw-insn "$file" |
                 sed -n 's/^ *\([0-9a-f]*\):[[:space:]]*endbr64.*/\1/p' | sort -u > "$work/landings"
             open=$(comm -23 "$work/exported" "$work/landings" | wc -l)
-            [ "$open" -eq 0 ] || fail "$file: $open exported functions are no place to jump to" ;;
+            [ "$open" -eq 0 ] || fail "$file: $open exported functions do not begin with endbr64" ;;
     esac
 done
-[ -n "$fortified" ] || fail "no file checks the sizes of what it writes to"
+[ -n "$fortified" ] || fail "no file checks the sizes of buffers"
 exit $failed

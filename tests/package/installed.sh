@@ -20,7 +20,7 @@ for package in libmensor1 libmensor1-log4cplus libmensor-checked1 libmensor-exac
     doc=$root/usr/share/doc/$package
     grep -q '^License: Expat' "$doc/copyright" || fail "$package: no licence"
     gzip -dc "$doc/changelog.Debian.gz" | grep -q "^mensor ($(dpkg-deb -f "$deb" Version))" ||
-        fail "$package: another version in the change log"
+        fail "$package: the change log has a different version"
 done
 says() { # PACKAGE FIELD PATTERN
     dpkg-deb -f "$(echo "$debs/$1"_*.deb)" "$2" | grep -q -e "$3" || fail "$1: $2 is not $3"
@@ -40,7 +40,7 @@ says mensor-tools Depends 'libmensor1 (>='
 
 libdir=$root/usr/lib/$triplet
 [ -f "$libdir/libmensor.so.1" ] || fail "the library is not in $libdir"
-[ -f "$libdir/mensor/log4cplus.so" ] || fail "the module is not beside the library"
+[ -f "$libdir/mensor/log4cplus.so" ] || fail "the module is not in $libdir/mensor"
 for file in "$libdir"/libmensor*.so.?.* "$root/usr/bin/mensor"; do
     readelf -dW "$file" | grep -E 'RPATH|RUNPATH' && fail "$file has a run path"
 done
@@ -51,6 +51,6 @@ done
 converted=$(LD_LIBRARY_PATH=$libdir ${emulator-} "$root/usr/bin/mensor" convert "2.5 km" m)
 [ "$converted" = "2.5 km = 2500 m" ] || fail "mensor prints $converted"
 gzip -dc "$root/usr/share/man/man1/mensor.1.gz" | grep -qi "^\.TH mensor 1" ||
-    fail "no page of the manual for mensor"
+    fail "no manual page of mensor"
 
 exec "$here/pkg_config.sh" "$libdir" "$work" "$compiler" ${emulator-}

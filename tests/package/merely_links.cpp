@@ -1,5 +1,5 @@
-// Uses nothing of mensor, but is linked with it. Loading the library must be silent; and where the program
-// forks, its child must be able to exit.
+// merely_links.cpp: is linked with mensor and uses nothing of it. Loading the library must print
+// nothing. With "fork", a forked child must be able to exit.
 //
 // usage: merely_links [fork]
 #include <dlfcn.h>
@@ -9,7 +9,7 @@
 #include <cstdlib>
 
 int main(int count, char**) {
-    // Proof that the library was loaded: this only finds what already is.
+    // RTLD_NOLOAD finds the library only if it is already loaded.
     if (dlopen("libmensor.so.1", RTLD_NOW | RTLD_NOLOAD) == nullptr) {
         return 1;
     }

@@ -1,8 +1,8 @@
 #!/bin/sh
 # usage: pkg_config.sh LIBDIR WORK "COMPILER AND FLAGS" [EMULATOR...]
 #
-# Compiles a client of each library with the flags of pkg-config for the mensor installed in LIBDIR, which is
-# not the folder it was configured for, and compares the output.
+# Compiles a client of each library with the flags of pkg-config and compares its output. mensor is
+# installed in LIBDIR, which is not the folder for which it was configured.
 set -eu
 libdir=$1 work=$2 compiler=$3
 shift 3
@@ -10,7 +10,7 @@ here=$(dirname "$0")
 
 export PKG_CONFIG_PATH="$libdir/pkgconfig"
 [ "$(pkg-config --variable=libdir mensor)" -ef "$libdir" ] ||
-    { echo "mensor.pc names another folder: $(pkg-config --variable=libdir mensor)"; exit 1; }
+    { echo "mensor.pc names the wrong folder: $(pkg-config --variable=libdir mensor)"; exit 1; }
 pkg-config --exists 'mensor >= 1 mensor < 2' 'mensor-exact >= 1' 'mensor-checked >= 1' 'mensor-codes >= 1'
 
 mkdir -p "$work"

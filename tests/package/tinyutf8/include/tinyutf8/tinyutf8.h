@@ -1,19 +1,19 @@
-// tinyutf8.h: a stand-in, made for mensor's tests, for the header of that name of tiny-utf8 4.4.
+// tinyutf8.h: replaces the header of tiny-utf8 4.4 in the tests of mensor.
 //
-// It has the part of the interface that string_t may be used with, and behaves as that class does
-// where the two kinds of string_t differ:
+// It has the part of the interface that mensor uses. It behaves as tiny-utf8 does where that differs from
+// mensor's own class:
 //
-// - A character array is taken for a literal: all of its N characters are stored, or N - 1 if the
-//   last is zero, with all other zeros. Only a pointer is read up to its first zero.
-// - operator<< to a narrow stream is a template in the global namespace. Code inside a namespace that
-//   has an operator<< of its own does not find it.
-// - An index into a text that is not const, and an iterator, give a proxy that converts to char32_t.
-// - There is no comparison or sum with bytes on the left, no += with a code point, no >, <=, >=, and
-//   cpp_str() gives a copy.
+// - A character array of N characters is a literal: N - 1 characters are stored if the last is zero, else all
+//   of them. Zeros before the last are stored, too. Only a pointer is read up to its first zero.
+// - operator<< to a narrow stream is a template in the global namespace. Code in a namespace that has an
+//   operator<< of its own does not find it.
+// - An iterator, and an index into a text that is not const, return a proxy that converts to char32_t.
+// - There are no comparisons and sums with bytes on the left, no += with a code point, and no >, <= and >=.
+//   cpp_str() returns a copy.
 //
-// Where the real class may read outside its bytes this one ends the program: an index or a position
-// past the end, and counting, indexing, cutting or iterating a text whose last sequence is cut off
-// or that holds 0xFE or 0xFF. mensor must look at such text by its bytes.
+// In some cases the real class may read outside its bytes. Then this class ends the program: for an
+// index or position past the end, and for counting, indexing, cutting or iterating a text whose last
+// sequence is incomplete or that has 0xFE or 0xFF. mensor must treat such text as bytes.
 #ifndef TINYUTF8_TINYUTF8_H
 #define TINYUTF8_TINYUTF8_H
 
@@ -40,7 +40,7 @@ public:
     using difference_type = std::ptrdiff_t;
     static constexpr size_type npos = static_cast<size_type>(-1);
 
-    // A code point of a text that may be read later; it stays valid only as long as the text does.
+    // A reference to a code point of a text. It is valid as long as the text.
     class codepoint_reference {
     public:
         codepoint_reference(const basic_string* text, size_type byte)
