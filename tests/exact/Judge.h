@@ -14,13 +14,9 @@
 #include <utility>
 #include <vector>
 
-namespace mensor {
+#include "support/Matchers.h"
 
-inline std::uint64_t bitsOf(double value) {
-    std::uint64_t bits = 0;
-    std::memcpy(&bits, &value, sizeof bits);
-    return bits;
-}
+namespace mensor {
 
 inline double doubleOf(std::uint64_t bits) {
     double value = 0.0;

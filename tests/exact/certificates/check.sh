@@ -8,16 +8,16 @@ failed=0
 fail() { echo "FAILED: $1"; failed=1; }
 check() { python3 "$here/check.py"; }
 
-checked=$("$@" | check) || fail "a certificate"
+checked=$("$@" | check) || fail "a certificate is refused"
 echo "$checked"
 [ "${checked%% *}" -gt 2000 ] || fail "too few certificates"
 
 certificate=$("$@" °F °C)
-check <<<"$certificate" || fail "the certificate of °F in °C"
+check <<<"$certificate" || fail "the certificate of °F in °C is refused"
 spoiled=0
 while IFS='|' read -r right wrong; do
-    [[ $certificate == *"$right"* ]] || fail "no $right in $certificate"
-    ! check <<<"${certificate/"$right"/$wrong}" >/dev/null 2>&1 || fail "accepts $wrong for $right"
+    [[ $certificate == *"$right"* ]] || fail "the certificate has no $right: $certificate"
+    ! check <<<"${certificate/"$right"/$wrong}" >/dev/null 2>&1 || fail "a certificate with $wrong instead of $right is accepted"
     spoiled=$((spoiled + 1))
 done <<'END'
 "numerator": "5"|"numerator": "6"
