@@ -25,7 +25,7 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(version ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
 set(CPACK_STRIP_FILES ON)
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/debian/no_run_paths.cmake)
-# Installed below DESTDIR: the path of the scripts for the debugger repeats the prefix.
+# With DESTDIR, since the path of the debugger's scripts contains the whole path of the installed library.
 set(CPACK_SET_DESTDIR ON)
 set(CPACK_INSTALL_PREFIX /usr)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
@@ -45,7 +45,7 @@ if(CMAKE_LIBRARY_ARCHITECTURE)
     OUTPUT_VARIABLE CPACK_DEBIAN_PACKAGE_ARCHITECTURE OUTPUT_STRIP_TRAILING_WHITESPACE
     RESULT_VARIABLE failed ERROR_QUIET)
   if(NOT failed)
-    # dpkg-shlibdeps then uses the libraries, and the objdump, of that architecture.
+    # With this variable, dpkg-shlibdeps uses the libraries and the objdump of that architecture.
     file(WRITE ${PROJECT_BINARY_DIR}/cpack_project_config.cmake
       "set(ENV{DEB_HOST_ARCH} ${CPACK_DEBIAN_PACKAGE_ARCHITECTURE})\n")
     set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_BINARY_DIR}/cpack_project_config.cmake)

@@ -258,7 +258,7 @@ constexpr CMeanings makeNothing() {
 }
 
 // Computed in parts, since clang limits one constant to a million steps. All rows together need two
-// millions.
+// million.
 inline constexpr CMeanings FirstPart = makePart(makeNothing(), 0, 5);
 inline constexpr CMeanings SecondPart = makePart(FirstPart, 1, 5);
 inline constexpr CMeanings ThirdPart = makePart(SecondPart, 2, 5);

@@ -86,7 +86,7 @@ struct CFastForm {
     /// Returns the result for a finite number, by CShortLine if possible, else by the slow way.
     CNearest exactly(const CNumber& x, const CFormat& format) const;
 
-    double (*One)(const CFastForm& form, double x) = nullptr;
+    double (*One)(const CFastForm& form, double x) = nullptr;  // for one value (CLoops)
     double Head = 0;
     double Tail = 0;     // f − Head, rounded
     double TailLow = 0;  // not negative
@@ -95,11 +95,18 @@ struct CFastForm {
     double HeadLow = 0;
     double Center = 0;
     double CenterTail = 0;
-    double Slack = 0;  // the error of an offset sum is at most Slack·|x − Center| + SlackCenter
+
+    // The error of a sum with an offset is at most Slack·|x − Center| + SlackCenter.
+    double Slack = 0;
     double SlackCenter = 0;
-    std::int64_t Least = 0;          // the bits of the least and the greatest |x| for which the way
-    std::int64_t Most = 0;           // is correct or decides ties
-    std::int64_t LeastDistance = 0;  // the bits of the least |x − Center| likewise
+
+    // The way is correct, or decides ties, for |x| from Least to Most and |x − Center| from
+    // LeastDistance on. These are the bits of doubles.
+    std::int64_t Least = 0;
+    std::int64_t Most = 0;
+    std::int64_t LeastDistance = 0;
+
+    // For arrays (CLoops).
     bool (*Many)(const CFastForm& form, const double* values, double* results,
                  std::size_t count) = nullptr;
 
