@@ -67,7 +67,7 @@ void requireNoOffset(const CMeaning& meaning) {
                  "a unit whose factor has π or a root cannot have an offset");
 }
 
-// The product of dimensions with names of their own, of which few units have any.
+// The product of the dimensions that are not of the SI. Few units have any.
 [[gnu::cold]] std::vector<CPower> multiplied(std::vector<CPower> powers,
                                              const std::vector<CPower>& others,
                                              CExponent exponent) {

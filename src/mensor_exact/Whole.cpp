@@ -76,7 +76,7 @@ CWhole& CWhole::operator=(CWhole&& other) noexcept {
     return *this;
 }
 
-// Makes room for `room` words. Keeps the words in use.
+// Makes space for `room` words. Keeps the words in use.
 void CWhole::reserve(std::size_t room) {
     if (room > m_Room) {
         std::unique_ptr<std::uint64_t[]> larger(new std::uint64_t[room]);
@@ -400,7 +400,7 @@ CWhole gcd(const CWhole& a, const CWhole& b) {
     CWhole x = a.compareSize(b) < 0 ? b : a;
     CWhole y = a.compareSize(b) < 0 ? a : b;
     while (y.m_Size > 1) {
-        // The highest 64 bits of x, and the bits of y at the same places.
+        // The highest 64 bits of x, and the bits of y in the same positions.
         const std::int64_t below = static_cast<std::int64_t>(x.bits()) - WordBits;
         std::uint64_t high = x.shifted(-below).low();
         std::uint64_t other = y.shifted(-below).low();

@@ -1,5 +1,5 @@
-// Whole numbers of any size, compared with those of GMP. If the test is to be thorough, it tries many more
-// (support/Thorough.h).
+// Whole_test.cpp: whole numbers of any size give the results of GMP. If the test is to be thorough, it
+// tries many more numbers (support/Thorough.h).
 #include <cstdint>
 #include <random>
 #include <string>
@@ -19,7 +19,7 @@ using mensor::exact::CWhole;
 
 mpz_class judged(const CWhole& number) { return mpz_class(number.toString()); }
 
-// A number and the same of GMP.
+// A number, and the same number of GMP.
 struct CPair {
     CWhole Ours;
     mpz_class Theirs;
@@ -30,8 +30,8 @@ CPair pairOf(const mpz_class& number) {
     return {number < 0 ? -size : size, number};
 }
 
-// Gives numbers of up to 45 words, each random, all zeros, all ones or a single bit, and the numbers next to
-// them. More than 36 words need allocated memory.
+// Makes numbers of up to 45 words, and the numbers next to them. A word is random, all zeros, all ones
+// or a single bit. More than 36 words need allocated memory.
 class CNumbers {
 public:
     mpz_class next() {
@@ -93,7 +93,7 @@ TEST(Whole, QuotientsAndRestsAreThoseOfGmp) {
 }
 
 // Dividends and divisors next to powers of 2^64. For these the guesses of the words are often too large.
-TEST(Whole, QuotientsAreRightWhereTheFirstGuessIsNot) {
+TEST(Whole, QuotientsAreRightIfTheFirstGuessIsTooLarge) {
     const mpz_class word = mpz_class(1) << 64;
     const mpz_class half = mpz_class(1) << 63;
     const std::pair<mpz_class, mpz_class> cases[] = {
@@ -121,7 +121,7 @@ TEST(Whole, GreatestCommonDivisorsAreThoseOfGmp) {
         ASSERT_EQ(judged(gcd(a.Ours, b.Ours)), gcd(a.Theirs, b.Theirs))
             << a.Theirs << " " << b.Theirs;
     }
-    // Two neighbours of Fibonacci have the longest row of quotients.
+    // Neighbouring Fibonacci numbers give the most quotients.
     for (unsigned i = 2; i < 2000; i += 97) {
         mpz_class last;
         mpz_class next;
@@ -206,7 +206,7 @@ TEST(Whole, OperandsMayBeTheSameObject) {
     }
 }
 
-TEST(Whole, AreCopiedAndMovedWithinAndBeyondTheRoomOfTheObject) {
+TEST(Whole, CopiesAndMovesKeepSmallAndLargeNumbers) {
     const std::vector<std::string> texts = {"0", "-12", std::string(600, '7'),
                                             std::string(800, '8')};
     for (const std::string& text : texts) {
