@@ -23,6 +23,7 @@ class Mensor(ConanFile):
         self.version = re.search(r"VERSION ([0-9.]+)\n", load(self, "CMakeLists.txt")).group(1)
 
     def requirements(self):
+        self.requires("boost/[>=1.74 <2]", options={"header_only": True})
         self.requires("log4cplus/[>=2.0 <3]")
         if self.options.string == "tinyutf8":
             self.requires("tiny-utf8/[>=4.4]")

@@ -1,10 +1,12 @@
 // Whole.h: whole numbers of any size. Not installed.
+//
+// Whole.cpp wraps the numbers of Boost.Multiprecision. If every source used its templates directly, the
+// library would be several times as large.
 #ifndef MENSOR_EXACT_WHOLE_H
 #define MENSOR_EXACT_WHOLE_H
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
 
@@ -14,25 +16,25 @@ namespace mensor::exact {
 /// memory.
 class CWhole {
 public:
-    CWhole() noexcept;
-    CWhole(int value) : CWhole(static_cast<std::int64_t>(value)) {}
+    CWhole() : CWhole(0) {}
+    CWhole(int value);
     CWhole(std::int64_t value);
     CWhole(std::uint64_t value);
     CWhole(const CWhole& other);
     CWhole(CWhole&& other) noexcept;
     CWhole& operator=(const CWhole& other);
     CWhole& operator=(CWhole&& other) noexcept;
-    ~CWhole() = default;
+    ~CWhole();
 
     static CWhole ofDigits(std::string_view digits);  ///< from decimal digits without a sign
 
-    bool isZero() const { return m_Size == 0; }
-    bool isNegative() const { return m_Negative; }
-    bool isOdd() const { return (low() & 1) != 0; }
-    bool isOne() const { return m_Size == 1 && low() == 1 && !m_Negative; }
+    bool isZero() const;
+    bool isNegative() const;
+    bool isOdd() const;
+    bool isOne() const;
     std::size_t bits() const;   ///< the bits of the absolute value; 0 for zero
     std::size_t twos() const;   ///< the exponent of 2 in the number, which is not zero
-    std::uint64_t low() const;  ///< the lowest 64 bits of the absolute value
+    std::uint64_t low() const;  ///< the lowest 64 bits of a number that is not negative
     std::string toString() const;
 
     CWhole operator-() const;
@@ -40,8 +42,7 @@ public:
     friend CWhole operator+(const CWhole& a, const CWhole& b);
     friend CWhole operator-(const CWhole& a, const CWhole& b);
     friend CWhole operator*(const CWhole& a, const CWhole& b);
-    /// Rounded towards zero. The divisor is not zero.
-    friend CWhole operator/(const CWhole& a, const CWhole& b);
+    friend CWhole operator/(const CWhole& a, const CWhole& b);  ///< rounded towards zero
     CWhole& operator+=(const CWhole& other);
     CWhole& operator-=(const CWhole& other);
     CWhole& operator*=(const CWhole& other);
@@ -58,37 +59,19 @@ public:
     friend bool operator<=(const CWhole& a, const CWhole& b) { return a.compare(b) <= 0; }
     friend bool operator>=(const CWhole& a, const CWhole& b) { return a.compare(b) >= 0; }
 
-    /// The greatest common divisor of two positive numbers.
-    friend CWhole gcd(const CWhole& a, const CWhole& b);
-
 private:
-    friend struct CDivision;
+    friend struct CNumberOf;
 
-    // The words that need no allocated memory: enough for the sum of 2^-1074 and an offset, times a factor.
-    static constexpr std::size_t WordsInside = 36;
-
-    std::uint64_t* words() { return m_Outside ? m_Outside.get() : m_Inside; }
-    const std::uint64_t* words() const { return m_Outside ? m_Outside.get() : m_Inside; }
-    void reserve(std::size_t room);
-    void trim();
-    void add(const CWhole& other, bool isNegative);
-    void multiplyAdd(std::uint64_t factor, std::uint64_t more);
-    std::uint64_t divide(std::uint64_t divisor);
     int compare(const CWhole& other) const;
-    int compareSize(const CWhole& other) const;
 
-    std::size_t m_Size =
-        0;  // the number of words in use; the lowest is the first, the last is not zero
-    std::size_t m_Room = WordsInside;
-    bool m_Negative = false;
-    std::unique_ptr<std::uint64_t[]> m_Outside;  // replaces m_Inside when that is too small
-    std::uint64_t m_Inside[WordsInside];
+    static constexpr std::size_t Bytes = 320;
+    alignas(std::max_align_t) unsigned char m_Storage[Bytes];
 };
 
+/// The greatest common divisor of two positive numbers.
 CWhole gcd(const CWhole& a, const CWhole& b);
 
-/// A quotient, rounded towards zero, and the rest, which has the sign of the dividend. The divisor is not
-/// zero.
+/// A quotient, rounded towards zero, and the rest.
 struct CDivision {
     CDivision(const CWhole& dividend, const CWhole& divisor);
 
