@@ -1,10 +1,10 @@
-// Converting.h: converters of the library whose every result is right.
+// Converting.h: converters of the library that round each result once.
 //
 //     const CConverterPtr toTonnes = checked::converter(SI::Gram(), checked::readUnit("Mg"));
 //     toTonnes->convert(5);                                   // 5e-6, the double nearest to it
-//     SI::Gram()->getConverterTo(SI::Mega(SI::Gram()));       // what the registry has may round thrice
+//     SI::Gram()->getConverterTo(SI::Mega(SI::Gram()));       // the registry's may round three times
 //
-//     // Where the registry has no object for a unit, its meaning will do:
+//     // Where the registry has no object for a unit, its meaning is enough:
 //     checked::converter(checked::readMeaning("kg/(s·K)"), checked::readMeaning("g/(s·K)"));
 #ifndef MENSOR_CHECKED_CONVERTING_H
 #define MENSOR_CHECKED_CONVERTING_H
@@ -17,25 +17,24 @@
 namespace mensor {
 namespace checked {
 
-/// The converter that takes values of `from` to values of `to`, each result rounded once, to the nearest
-/// double (exact::CConversion). For one and the same unit it is CConverter::identity().
+/// Returns the converter from values of `from` to values of `to`. It rounds each result once, to the
+/// nearest double (exact::CConversion). From a unit to itself it is CConverter::identity().
 ///
-/// A unit without a row in the table of definitions means what its doubles say (Meaning.h). What only the
-/// registry can convert comes back with the registry's own converter: units that are compatible since a
-/// client has mapped base units (CBaseUnit::setDimension), and units with a client's own class of
-/// converter.
+/// A unit without a row in the table of definitions means what its doubles say (Meaning.h). In two cases
+/// only the registry can convert, so its own converter is returned: a client has made the units compatible
+/// by CBaseUnit::setDimension, or a unit has a client's own class of converter.
 ///
-/// It is a converter like any other: it may be chained, inverted, shared by threads, and handed to the
-/// functions of the library. Its inverse rounds correctly, too; a chain of two rounds twice. It equals a
-/// converter of its kind for the same exact conversion; and as every scaling does, any scaling of the same
-/// slope in single precision.
-/// @throws std::invalid_argument  a unit is empty; or, as exact::CError with DIFFERENT_DIMENSIONS, the
-///     units are not compatible.
-/// @throws exact::CError  as meaningOf and exact::CConversion.
+/// The converter may be chained, inverted, shared by threads, and passed to the functions of the library
+/// like any other. Its inverse also rounds once; a chain of two rounds twice. It equals another converter
+/// of its class if both have the same exact conversion. As every scaling does, it also equals any scaling
+/// whose slope is the same in single precision.
+/// @throws std::invalid_argument  a unit is empty.
+/// @throws exact::CError  DIFFERENT_DIMENSIONS (also a std::invalid_argument): the units are not
+///     compatible. Other codes: as meaningOf and exact::CConversion.
 /// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
 MENSOR_CHECKED_API CConverterPtr converter(const CUnitPtr& from, const CUnitPtr& to);
 
-/// The same from one meaning to another: for texts that are refused as COLLISION or
+/// Returns the converter from one meaning to another. It serves texts that are refused as COLLISION or
 /// DIMENSION_COLLISION (readMeaning).
 /// @throws exact::CError  as exact::CConversion.
 /// @par Threads  Any thread; takes no lock.

@@ -50,13 +50,13 @@ const CPackRow& packRow(ePack pack) {
 
 // The units that are not built on the unit that their definition names.
 //
-// The unit that a unit is built on is a part of its identity in the registry. A factor that goes
-// straight to a system unit is rounded once. A gauge pressure is built on kg/(m·s²), not on the pascal:
-// identity counts the system unit and the slope but no offset, so on the pascal the bar_g would be the
-// bar. The centipoise is the product mPa·s: 0.001 Pa·s has the same identity.
+// The identity of a unit in the registry includes the unit that it is built on. A factor to a system unit
+// is rounded only once. A gauge pressure is built on kg/(m·s²) and not on the pascal: the identity counts
+// the system unit and the slope but not the offset, so on the pascal the bar_g would be the bar. The
+// centipoise is the product mPa·s: 0.001 Pa·s has the same identity.
 struct CBuiltOn {
     std::string_view Unit;
-    std::string_view Symbols[11];  // the rest is empty
+    std::string_view Symbols[11];  // unused places are empty
 };
 
 constexpr CBuiltOn BuiltOn[] = {
@@ -76,7 +76,7 @@ constexpr CBuiltOn BuiltOn[] = {
     {"kg/(m·s²)", {"Pa_g", "kPa_g", "mbar_g", "bar_g", "psi_g"}},
 };
 
-// Units of their own, as the hertz is, not names of what they are built on.
+// Units of their own, as the hertz is. The other units are multiples of the unit they are built on.
 constexpr std::string_view Alternates[] = {"cps", "Bd"};
 
 template <std::size_t N>
@@ -84,7 +84,7 @@ bool isIn(const std::string_view (&symbols)[N], std::string_view symbol) {
     return std::find(std::begin(symbols), std::end(symbols), symbol) != std::end(symbols);
 }
 
-// What the unit is built on.
+// Returns the unit that the registry builds the unit on.
 std::string_view baseOf(const exact::CDefinition& definition) {
     for (const CBuiltOn& row : BuiltOn) {
         if (isIn(row.Symbols, definition.Name)) {
@@ -114,7 +114,7 @@ CPackUnit unitOf(const CPackRow& pack, const exact::CDefinition& definition,
     return unit;
 }
 
-// US and IMPERIAL have the same names, so that each pack has a catalogue of its own.
+// Each pack has a catalogue of its own, because US and IMPERIAL have the same names.
 exact::CCatalogue catalogueOf(const CPackRow& pack) {
     return exact::CCatalogue::builtIn().with(exact::ePack::CUSTOMARY).with(pack.Definitions);
 }
@@ -141,8 +141,8 @@ CUnitPtr define(CNaming& naming, const CPackUnit& row, const CMeaning& meaning) 
 
 }  // namespace
 
-// The tables below are never destroyed: built on first use, they would be destroyed before the statics of
-// clients, which may still register packs.
+// The tables below are never destroyed. They are built on first use, so they would be destroyed before
+// statics of clients, whose destructors may still register packs.
 
 const std::vector<CPackUnit>& packUnits() {
     static const std::vector<CPackUnit>& Units = *new std::vector<CPackUnit>([] {

@@ -1,16 +1,15 @@
-// Packs.h: units beyond the library's catalogue, registered pack by pack when a program asks.
+// Packs.h: units that the library's catalogue lacks. A program registers them pack by pack.
 //
 //     checked::registerPack(checked::ePack::CUSTOMARY);
 //     checked::readValue("10 ft").valueAs(SI::Meter());                   // 3.048
 //     checked::registerPack(checked::ePack::OFFSETS);
-//     checked::readValue("98.6 °F").valueAs(SI::Celsius());               // 37, to the last digits
+//     checked::readValue("98.6 °F").valueAs(SI::Celsius());               // 37, but for the last digits
 //     for (const auto& row : checked::packUnits()) list.add(row.Symbol);  // the whole table
 //
-// What a unit means is its row in the table of definitions, <mensor_exact/Definitions.h>. Every unit is
-// checked after it is built: 0 and 1 convert as its row says, its dimension is that of
-// the unit it rests on, and its text reads back as the same object. If one is not what its row says,
-// since the program or another pack has a unit of that name or identity, the pack is refused and the
-// unit in the way is named.
+// The table of definitions (<mensor_exact/Definitions.h>) says what each unit means. Each unit is checked
+// after it is built: 0 and 1 convert as the definition says, the dimension is that of the unit it is
+// built on, and its text reads back as the same object. If a check fails, because the program or another
+// pack has a unit of the same name or identity, the pack is refused. The exception names that unit.
 //
 // docs/packs.md lists all units with their definitions and sources.
 #ifndef MENSOR_CHECKED_PACKS_H
@@ -29,10 +28,10 @@ namespace checked {
 
 /// The packs. The numbers are part of the interface; new ones are added at the end.
 enum class ePack : int {
-    SI = 1,  ///< spellings of the SI that the library lacks: hPa, mK, klm, mL, the Greek µ and Ω
+    SI = 1,     ///< SI spellings that the library lacks: hPa, mK, klm, mL, the Greek µ and Ω
     CUSTOMARY,  ///< US customary and imperial units, and the older technical ones
     US,         ///< gal, qt, pt, fl_oz and ton as in the United States; brings CUSTOMARY
-    IMPERIAL,   ///< the same names as in the United Kingdom; brings CUSTOMARY
+    IMPERIAL,   ///< the same names, as in the United Kingdom; brings CUSTOMARY
     SCIENCE,    ///< energy, physics, astronomy, chemistry
     OFFSETS,    ///< the degree Fahrenheit and gauge pressures
     COUNTING    ///< ppm, rpm, KiB and their like
@@ -41,57 +40,58 @@ enum class ePack : int {
 /// One unit of a pack. Texts are UTF-8 and belong to the library.
 struct CPackUnit {
     ePack Pack;
-    std::string_view Symbol;      ///< the name by which it is read, and written if it has no other
-    std::string_view Definition;  ///< as its source has it: "25.4 mm", "5/9 K, offset 459.67"
-    std::string_view Name;        ///< in English
+    std::string_view
+        Symbol;  ///< readUnit reads this name; the library writes it if it has no other
+    std::string_view Definition;  ///< in the words of its source: "25.4 mm", "5/9 K, offset 459.67"
+    std::string_view Name;        ///< the English name
     std::string_view Source;      ///< where the definition is published
-    std::string_view Unit;        ///< what the registry builds it on, as readUnit reads it
-    double Factor;  ///< a value x is Factor·x + Offset in `Unit`; the double nearest to the exact
-    double Offset;  ///< likewise
-    bool IsAlternate;  ///< a unit of its own that stands for `Unit`, as the hertz does for 1/s
+    std::string_view Unit;        ///< the unit that the registry builds it on, as readUnit reads it
+    double Factor;                ///< a value x is Factor·x + Offset in `Unit`; rounded once
+    double Offset;                ///< likewise
+    bool IsAlternate;             ///< an alternate unit of `Unit`, as the hertz is one of 1/s
 };
 
-/// A unit that no pack has, since the library would take it for another one.
+/// A unit that no pack has, because the library would take it for another unit.
 struct CRefusedUnit {
-    ePack Pack;            ///< once this pack is registered
-    const char* Symbol;    ///< as somebody might call it
+    ePack Pack;            ///< the unit would belong to this pack
+    const char* Symbol;    ///< a name that it could have
     double Factor;         ///< as in CPackUnit
     const char* Unit;      ///< as in CPackUnit
     double Offset;         ///< as in CPackUnit
-    const char* InTheWay;  ///< the unit that it would be
-    const char* Why;
+    const char* InTheWay;  ///< the unit for which the library would take it
+    const char* Why;       ///< the reason, an English clause
 };
 
-/// All units of all packs, in the order in which they are built.
+/// Returns all units of all packs, in the order in which they are built.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_CHECKED_API const std::vector<CPackUnit>& packUnits();
 
-/// The units that are left out, each with its reason.
+/// Returns the units that are left out, each with its reason.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_CHECKED_API const std::vector<CRefusedUnit>& refusedUnits();
 
-/// All packs.
+/// Returns all packs.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_CHECKED_API const std::vector<ePack>& allPacks();
 
-/// "customary": the name for command lines and settings.
+/// Returns the name for command lines and settings, such as "customary".
 /// @par Threads  Any thread; takes no lock.
 MENSOR_CHECKED_API const char* nameOf(ePack pack);
 
-/// What is in it, in a few words.
+/// Returns a few words on the contents of the pack.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_CHECKED_API const char* descriptionOf(ePack pack);
 
-/// The pack with this name, none if there is none.
+/// Returns the pack with this name, or none.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_CHECKED_API std::optional<ePack> packNamed(std::string_view name);
 
-/// Registers all units of `pack`. Nothing happens to units that are there already.
+/// Registers all units of `pack`. Units that are registered already stay as they are.
 ///
-/// A pack that is refused leaves no name behind; objects that were built may stay registered without
-/// one, and the symbols of alternate units stay, as the library knows no way to take them back.
-/// @throws CIdentityError  a unit cannot be built; the message names it, and inTheWay() the unit in
-///     its way.
+/// If the pack is refused, none of its names can be read. Objects that were built before the refusal may
+/// stay registered without a name. Symbols of alternate units stay, because the library cannot remove them.
+/// @throws CIdentityError  a unit cannot be built. The message names it; inTheWay() is the unit that has
+///     its name or identity.
 /// @throws std::invalid_argument  `pack` is no pack.
 /// @par Threads  Any thread, locks CUnit::mutex() for all its work (see WarmUp.h).
 MENSOR_CHECKED_API void registerPack(ePack pack);

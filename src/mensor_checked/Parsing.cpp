@@ -11,7 +11,7 @@ namespace checked {
 
 namespace {
 
-// Finds names in the registry, and numbers what it has found from 1.
+// Finds names in the registry, and numbers the units that it has found from 1.
 class CRegistryNames final : public exact::CResolver {
 public:
     std::uint32_t find(std::string_view name) override {
@@ -19,7 +19,7 @@ public:
         if (known == nullptr && !isLateName(name)) {
             return None;
         }
-        // A unit that the library has yet to make is made when the whole text has been parsed.
+        // take() makes the units that the library does not have yet, after the whole text has been parsed.
         m_Found.push_back(known != nullptr ? CFactor{known->Unit,
                                                      known->Unit,
                                                      {},
@@ -32,15 +32,15 @@ public:
 
     bool knows(std::string_view name) override { return knownName(name) != nullptr; }
 
-    // The registry has labels of the program as it has those of the library.
+    // The registry does not tell the labels of a program from those of the library.
     bool isOwn(std::string_view) override { return false; }
 
     void addNamesTo(exact::CNearestNames& nearest) override { checked::addNamesTo(nearest); }
 
-    // Spellings are no units to register.
+    // Everyday spellings are no units that a program could register.
     bool offers(exact::ePack pack) override { return pack != exact::ePack::EVERYDAY; }
 
-    // By its names and its form: whether the library has an object for it is not asked.
+    // Checks names and form only. Whether the library has an object for the unit does not matter.
     exact::eFit fit(std::string_view text, std::size_t begin, exact::CRefusal& refusal) override {
         CRegistryNames names;
         exact::CNamedFactors factors;
@@ -52,7 +52,7 @@ public:
 
     std::string sumOf(const std::vector<exact::CNamedNumber>&) override { return {}; }
 
-    // What is found is in the order of the factors.
+    // Returns the factors, with their exponents. m_Found has the same order.
     std::vector<CFactor> take(const exact::CNamedFactors& factors, std::string_view text) {
         for (const exact::CNamedFactor& factor : factors) {
             CFactor& found = m_Found[factor.Unit - 1];

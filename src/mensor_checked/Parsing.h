@@ -16,35 +16,35 @@ namespace checked {
 using exact::CSpan;
 using exact::diagnose;
 
-/// A refusal on its way out of the companion.
+/// The companion throws this within itself. The public functions turn it into a result or a CReadError.
 struct Refused {
     CDiagnosis Diagnosis;
 };
 
-/// One named unit of a text and the exponent that it comes to have.
+/// One named unit of a text, with its exponent in the whole text.
 struct CFactor {
-    CUnitPtr Unit;
-    CUnitPtr Named;  ///< the unit of the name, which `Unit` may be the difference of
-    CSpan Name;
+    CUnitPtr Unit;    ///< the unit of the name, or the unit of its differences
+    CUnitPtr Named;   ///< the unit of the name
+    CSpan Name;       ///< where in the text the name is
     bool IsExact;     ///< as in CName
     bool HasOffset;   ///< as in CName
-    bool IsPrefixed;  ///< whether the name is that of a scale without its offset
+    bool IsPrefixed;  ///< the name is a prefix and an offset unit, such as "m°C"
     int Pow = 1;
-    int Root = 1;  ///< positive; the fraction is in lowest terms
+    int Root = 1;  ///< positive; Pow/Root is in lowest terms
 };
 
-/// A refusal in words, with what to write instead. The caller holds the lock.
+/// Returns a refusal in words, with the texts to write instead. The caller holds the lock.
 CDiagnosis diagnosisOf(const exact::CRefusal& refusal);
 
-/// Why the unit that begins at the byte `begin` of a value is refused for its form; none if it is not.
-/// The caller holds the lock.
+/// Returns why the unit from byte `begin` of a value's text is refused for its form, or none if its form
+/// is right. The caller holds the lock.
 std::optional<CDiagnosis> formFault(std::string_view text, std::size_t begin,
                                     const CReadOptions& options);
 
-/// The factors of the unit written in `text`, in their order. The dimensionless unit has none.
+/// Returns the factors of the unit written in `text`, in their order. The dimensionless unit has none.
 ///
-/// Looks names up and asks the library nothing else. The caller holds the lock.
-/// @throws Refused
+/// Only looks names up; registers nothing. The caller holds the lock.
+/// @throws Refused  the form is wrong or a name unknown.
 std::vector<CFactor> factorsOf(std::string_view text, const CReadOptions& options);
 
 }  // namespace checked

@@ -1,9 +1,9 @@
-// UnitReader.cpp: parse, check, and only then ask the library.
+// UnitReader.cpp: parses a text, checks it, and then asks the library for the unit.
 //
-// What comes back is the library's canonical object for the product of the text's factors. It is
-// compared: if it is made of the very elements of the text, it means what the text means. If not, its
-// hash code belonged to another unit. And if it is, its dimension may still have met another one's
-// hash code; so that is computed from the meaning and compared, too, before anybody converts by it.
+// The library returns its one object for the product of the text's factors. If the object has the same
+// elements as the text, it means what the text means. If not, another unit has the same hash code. The
+// dimension of the object may collide in the same way. So the first time, the conversion to the
+// dimension is compared with the meaning of the text, too.
 #include "mensor_checked/UnitReader.h"
 
 #include <cmath>
@@ -30,7 +30,7 @@ namespace {
 
 using exact::CExponent;
 
-// Where there is no object for a unit, there is its meaning.
+// Added to refusals of units that have a meaning but no object.
 constexpr const char* OtherWay =
     "; its values convert by checked::readMeaning and checked::converter";
 
@@ -42,7 +42,7 @@ public:
     CReading read(bool isKept) {
         meaning();
         requireRange();
-        // A name stands for its unit as it is, whatever the exponents in it.
+        // A single name gives its unit as it is, whatever exponents the unit has.
         const CUnitPtr unit = isAlone() ? m_Factors[0].Unit : product();
         CMemory& memory = CMemory::instance(m_Options);
         if (!memory.isSound(unit)) {
@@ -67,7 +67,8 @@ private:
         return m_Factors.size() == 1 && m_Factors[0].Pow == 1 && m_Factors[0].Root == 1;
     }
 
-    // A scale with a zero of its own is a unit only alone; in a product only its size can count.
+    // An offset unit keeps its offset only if it is the whole text. In a product only its differences
+    // make sense.
     void checkScales() {
         const bool isAlone = this->isAlone();
         for (CFactor& factor : m_Factors) {
@@ -104,7 +105,7 @@ private:
                    : "for differences write " + describe(difference);
     }
 
-    // Adds a text that may be meant, or what may be meant by it, if that is refused, too.
+    // Adds `text` to the texts that may be meant. If it is refused, adds what may be meant by it.
     void addReadings(const std::string& text, CDiagnosis& diagnosis) const {
         try {
             CReader(text, m_Options).checkScales();
@@ -115,10 +116,10 @@ private:
         }
     }
 
-    // The unit of differences on the scale of `unit`, none if the library has none. Identity ignores
-    // offsets, so where the scale has another size than its system unit it has taken the place of
-    // the unit of its differences; it can stand in for it if its converter counts as a scaling, which
-    // products convert by its slope.
+    // Returns the unit of differences of the offset unit `unit`, or none if the library has none. For the
+    // degree Celsius this is the kelvin. The identity ignores offsets, so no other unit can have the size
+    // of the degree Fahrenheit. That unit itself serves if its converter counts as a scaling, because
+    // products then convert it by its slope alone.
     static CUnitPtr differenceOf(const CUnitPtr& unit) {
         const auto& scale = dynamic_cast<CTransformedUnit&>(*unit);
         if (scale.toSystem()->derivative(0.0) == 1.0) {
@@ -130,7 +131,8 @@ private:
     void checkPrefixedOffset(const CFactor& factor, const std::string& name,
                              const CPrefixedOffset& prefixed) {
         const std::string size = meaningInWords(factor.Unit);
-        const bool isAmbiguous = !isAlone() && unitNamed(prefixed.Prefix);  // "W/m°C"
+        const bool isAmbiguous =
+            !isAlone() && unitNamed(prefixed.Prefix);  // "W/m°C": metre or milli?
         if (m_Options.Differences && !isAmbiguous) {
             m_Notes.push_back(quoted(name) + " is read as a difference, " + size);
             return;
@@ -152,7 +154,7 @@ private:
         throw Refused{std::move(diagnosis)};
     }
 
-    // What the text means, from its factors alone.
+    // Returns what the text means, from its factors alone.
     CMeaning calculate() const {
         CMeaning product;
         for (const CFactor& factor : m_Factors) {
@@ -199,8 +201,9 @@ private:
         return unit;
     }
 
-    // Made of all elements at once. The library's parser multiplies one after the other, and where a
-    // product on the way meets another unit's hash code, "mV/V" becomes mV·s/m: 1/V and s/m are one.
+    // Builds the product of all elements in one step. The library's parser multiplies them one by one,
+    // and an intermediate product may have the hash code of another unit: 1/V and s/m are one unit, so
+    // "mV/V" would become mV·s/m.
     static CUnitPtr build(const std::vector<CElement>& elements) {
         std::vector<CUnitRationalPower> factors;
         factors.reserve(elements.size());
@@ -215,7 +218,7 @@ private:
 
     void remember(const CUnitPtr& unit, bool isKept) const {
         if (m_Factors.empty()) {
-            return;  // whether the empty text is a unit is not a question of units
+            return;  // options decide whether "" and "1" are units, so the cache must not answer
         }
         CMemory::CEntry entry{std::string(m_Text),  {},      true,  unit,
                               unit->getDimension(), m_Notes, isKept};
@@ -226,8 +229,8 @@ private:
         CMemory::instance(m_Options).remember(std::move(entry));
     }
 
-    // A product is one object wherever in it the prefixes stand, so N·mm may come as mN·m: the same
-    // units to the same powers, of the same size. That is said, but not refused.
+    // Products that differ only in where the prefixes are have the same identity: N·mm may come as mN·m.
+    // Such a unit is accepted, with a note.
     void checkIdentity(const CUnitPtr& unit, const std::vector<CElement>& elements) {
         std::vector<CElement> given;
         try {
@@ -258,7 +261,7 @@ private:
                      other ? other->toString() : meaningInWords(unit));
     }
 
-    // The library must convert the unit by its meaning.
+    // Throws Refused unless the library converts the unit by its meaning.
     void checkConversion(const CUnitPtr& unit) const {
         const auto fault = faultOf(unit, m_Meaning);
         if (!fault) {
@@ -295,7 +298,7 @@ private:
 
     std::string nameOf(const CFactor& factor) const { return slice(factor.Name); }
 
-    // The text with other words at `span`.
+    // Returns the text with `words` in place of `span`.
     std::string replaced(CSpan span, const std::string& words) const {
         return slice({0, span.Begin}) + words + slice({span.End, m_Text.size()});
     }
@@ -309,7 +312,7 @@ private:
 
 }  // namespace
 
-// What `read` gives of a text, as an outcome; the caller holds the lock.
+// Returns what `read` returns, or the refusal that it throws. The caller holds the lock.
 template <class Outcome, class Read>
 Outcome readOrRefuse(std::string_view text, Read read) {
     Outcome outcome;

@@ -1,4 +1,4 @@
-// UnitReader.h: reading one unit, for all that read. For the companion's own use; not installed.
+// UnitReader.h: reads one unit or one meaning. For the companion's own use; not installed.
 #ifndef MENSOR_CHECKED_UNITREADER_H
 #define MENSOR_CHECKED_UNITREADER_H
 
@@ -9,10 +9,11 @@
 namespace mensor {
 namespace checked {
 
-/// tryReadUnit; what is read with `isKept` is remembered for good. The caller holds the lock.
+/// Does the work of tryReadUnit. With `isKept`, the result stays in the cache for good. The caller holds
+/// the lock.
 CReading read(std::string_view text, const CReadOptions& options, bool isKept);
 
-/// tryReadMeaning. The caller holds the lock.
+/// Does the work of tryReadMeaning. The caller holds the lock.
 CMeaningReading readForMeaning(std::string_view text, const CReadOptions& options);
 
 }  // namespace checked
