@@ -2,8 +2,7 @@
 
 #include <utility>
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 std::vector<CFinding> audit(const std::vector<std::string>& texts, const CReadOptions& options) {
     std::vector<CFinding> findings;
@@ -16,5 +15,4 @@ std::vector<CFinding> audit(const std::vector<std::string>& texts, const CReadOp
     return findings;
 }
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked

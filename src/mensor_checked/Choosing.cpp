@@ -18,8 +18,7 @@
 #include "mensor_exact/Conversion.h"
 #include "mensor_exact/Spelling.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 namespace {
 
@@ -27,7 +26,7 @@ bool isClose(double a, double b) { return std::fabs(a - b) <= 1e-12 * std::fabs(
 
 bool isPowerOf1000(const exact::CPrefix& prefix) { return prefix.Power % 3 == 0; }
 
-// How values of differences go from one unit to the other.
+// Returns the conversion of differences from one unit to the other.
 exact::CConversion ratio(const CUnitPtr& from, const CUnitPtr& to) {
     return {meaningOf(from).difference(), meaningOf(to).difference()};
 }
@@ -40,7 +39,7 @@ std::set<CUnitPtr> namedUnits() {
     return units;
 }
 
-// Whether `unit` is of the size of `prefix` times `root`, but for the rounding of a client's own factors.
+// Returns whether `unit` has the size of `prefix` times `root`, but for rounding of a client's factors.
 bool isPrefixed(const CUnitPtr& unit, const exact::CPrefix& prefix, const CUnitPtr& root) {
     const exact::CFactor ten(exact::CFraction(10));
     const std::optional<CMeaning> meaning = tryMeaningOf(unit);
@@ -48,14 +47,14 @@ bool isPrefixed(const CUnitPtr& unit, const exact::CPrefix& prefix, const CUnitP
     return meaning && ofRoot && areSame(*meaning, ofRoot->scaled(ten.power(prefix.Power)), unit);
 }
 
-// The unit named `prefix` and `name`, if it is `prefix` times the unit `root` of that name.
+// Returns the unit whose name is `prefix` followed by `name`, if it is `prefix` times `root`; else none.
 CUnitPtr prefixedForm(const exact::CPrefix& prefix, const std::string& name, const CUnitPtr& root) {
     const CUnitPtr unit = unitNamed(std::string(prefix.Symbol) + name);
     const bool isForm = unit && !hasOffset(unit) && isPrefixed(unit, prefix, root) && textOf(unit);
     return isForm ? unit : nullptr;
 }
 
-// The unit without prefix of which `unit` is a prefixed form, and its name; `unit` itself if none.
+// Returns the unit that `unit` is a prefixed form of, and its name. Returns `unit` itself if there is none.
 std::pair<CUnitPtr, std::string> rootOf(const CUnitPtr& unit, const std::string& text) {
     for (const exact::CPrefix& prefix : exact::Prefixes) {
         const std::string symbol = std::string(prefix.Symbol);
@@ -76,11 +75,11 @@ std::pair<CUnitPtr, std::string> rootOf(const CUnitPtr& unit, const std::string&
 std::vector<CChoice> choicesFor(const CUnitPtr& unit) {
     requireUnit(unit, "choicesFor");
     const Lock lock;
-    unitNamed("psi");  // which the library names on demand
+    unitNamed("psi");  // registers it: the library names the psi only on demand
     const CMeaning meaning = meaningOf(unit);
     std::vector<CChoice> choices;
     for (const CUnitPtr& candidate : namedUnits()) {
-        // The meaning is asked, too: the library tells dimensions apart by their hash codes alone.
+        // The library tells dimensions apart by hash codes alone, so the meanings are compared, too.
         const std::optional<CMeaning> own = tryMeaningOf(candidate);
         if (!own || !own->isCompatibleWith(meaning) || !unit->isCompatible(candidate)) {
             continue;
@@ -138,5 +137,4 @@ CValueWithUnit readable(const CValueWithUnit& value) {
     return {converter(value.unit(), unit)->convert(value.value()), unit};
 }
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked

@@ -8,8 +8,7 @@
 #include "mensor_checked/Rounding.h"
 #include "mensor_checked/Words.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 CConverterPtr converter(const CUnitPtr& from, const CUnitPtr& to) {
     requireUnit(from, "converter");
@@ -32,5 +31,4 @@ CConverterPtr converter(const CMeaning& from, const CMeaning& to) {
     return std::make_shared<CExactConverter>(exact::CConversion(from, to));
 }
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked

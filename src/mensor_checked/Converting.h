@@ -14,8 +14,7 @@
 #include "mensor_checked/Meaning.h"
 #include "mensor_checked/checked_export.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 /// Returns the converter from values of `from` to values of `to`. It rounds each result once, to the
 /// nearest double (exact::CConversion). From a unit to itself it is CConverter::identity().
@@ -40,7 +39,6 @@ MENSOR_CHECKED_API CConverterPtr converter(const CUnitPtr& from, const CUnitPtr&
 /// @par Threads  Any thread; takes no lock.
 MENSOR_CHECKED_API CConverterPtr converter(const CMeaning& from, const CMeaning& to);
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked
 
 #endif  // MENSOR_CHECKED_CONVERTING_H

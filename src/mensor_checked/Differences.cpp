@@ -7,8 +7,7 @@
 #include "mensor_checked/Lock.h"
 #include "mensor_checked/Words.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 namespace {
 
@@ -35,7 +34,7 @@ double convertDifference(double x, const CUnitPtr& from, const CUnitPtr& to) {
     const double result = converted(x, from, to);
     if ((std::isfinite(x) && !std::isfinite(result)) || (x != 0.0 && result == 0.0)) {
         throw std::range_error("convertDifference: " + shortest(x) + " of " + describe(from) +
-                               " is beyond the range of numbers in " + describe(to));
+                               " is beyond the range of double in " + describe(to));
     }
     return result;
 }
@@ -61,5 +60,4 @@ CValueWithUnit operator-(const CValueWithUnit& a, const CDifference& change) {
     return {a.value() - change.valueAs(a.unit()), a.unit()};
 }
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked

@@ -4,8 +4,7 @@
 
 #include "mensor/TransformedUnit.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 using exact::CExponent;
 
@@ -54,5 +53,4 @@ std::vector<CElement> systemElements(const std::vector<CElement>& elements) {
     return product;
 }
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked

@@ -1,4 +1,4 @@
-// Elements.h: products of units to powers, element by element. For the companion's own use; not installed.
+// Elements.h: products of units as lists of their factors. For the companion's own use; not installed.
 #ifndef MENSOR_CHECKED_ELEMENTS_H
 #define MENSOR_CHECKED_ELEMENTS_H
 
@@ -7,27 +7,26 @@
 #include "mensor/Unit.h"
 #include "mensor_exact/Exponent.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
-/// A unit to a power, as products of units are made of.
+/// One factor of a product of units: a unit to a power.
 struct CElement {
     CUnitPtr Unit;
     exact::CExponent Exponent;
 };
 
-/// Multiplies `unit` to the power `exponent` into a product, element by element.
+/// Multiplies `product` by `unit` to the power `exponent`.
 /// @throws exact::CError  EXPONENT_RANGE.
 void multiplyInto(std::vector<CElement>& product, const CUnitPtr& unit, exact::CExponent exponent);
 
-/// Whether both are the same product, whatever the order. Products of the same elements mean the same,
-/// without any computing, and are written alike.
+/// Returns whether both have the same elements, in any order. Then both mean the same, and no factor has to
+/// be computed.
 bool haveSameElements(const std::vector<CElement>& a, const std::vector<CElement>& b);
 
-/// The product with each scaled unit replaced by its system unit: of N·mm and of mN·m it is N·m.
+/// Returns the product with each transformed unit replaced by its system unit. For N·mm and for mN·m it is
+/// N·m.
 std::vector<CElement> systemElements(const std::vector<CElement>& elements);
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked
 
 #endif  // MENSOR_CHECKED_ELEMENTS_H

@@ -3,8 +3,7 @@
 #include <memory>
 #include <utility>
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 namespace {
 
@@ -28,7 +27,7 @@ double CExactConverter::convert(double x) const { return m_Conversion.convert(x)
 double CExactConverter::derivative(double) const { return m_Slope; }
 bool CExactConverter::isLinear() const { return !m_HasOffset; }
 
-// A shift is no scaling, and the base knows scalings alone.
+// The base class compares scalings only, so a converter with an offset is compared here.
 bool CExactConverter::equals(CConverterPtr other) const {
     const auto* that = dynamic_cast<const CExactConverter*>(other.get());
     const bool isSame = that != nullptr &&
@@ -41,5 +40,4 @@ void CExactConverter::convertArray(const double* values, double* results, std::s
     m_Conversion.convertAll(values, results, count);
 }
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked

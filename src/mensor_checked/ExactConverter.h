@@ -8,8 +8,7 @@
 #include "mensor/Converter.h"
 #include "mensor_exact/Conversion.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 /// Class contract: any thread.
 class CExactConverter final : public CConverter {
@@ -34,7 +33,6 @@ private:
     bool m_HasOffset;
 };
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked
 
 #endif  // MENSOR_CHECKED_EXACTCONVERTER_H

@@ -5,16 +5,15 @@
 #include "mensor_checked/Rounding.h"
 #include "mensor_checked/Words.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 namespace {
 
 using exact::CFactor;
 using exact::CFraction;
 
-// What `meaning` is, without offset, where base units are mapped onto others by
-// CBaseUnit::setDimension; none where none of its base units is.
+// Returns `meaning`, without its offset, after each base unit that CBaseUnit::setDimension has mapped is
+// replaced. Returns none if no base unit of it is mapped.
 std::optional<CMeaning> mapped(const CMeaning& meaning) {
     CMeaning product;
     bool isMapped = false;
@@ -32,7 +31,7 @@ std::optional<CMeaning> mapped(const CMeaning& meaning) {
     return isMapped ? std::optional<CMeaning>(product.scaled(meaning.factor())) : std::nullopt;
 }
 
-// What a unit means that is converted to `dimension` like this.
+// Returns in words what a unit means that the library converts to `dimension` as `given` says.
 std::string known(const CRounded& given, const CMeaning& meaning, const CMeaning& dimension) {
     if (!std::isnormal(given.Slope) || given.Slope < 0 || !std::isfinite(given.Zero)) {
         return shortest(given.Slope) + " " + dimension.unitsText();
@@ -61,7 +60,7 @@ std::optional<CFault> faultOf(const CUnitPtr& unit, const CMeaning& meaning) {
     if (const auto other = mapped(meaning)) {
         expected = *other;
         given.Zero = given.ZeroSize =
-            0.0;  // how offsets go through a mapping is the client's affair
+            0.0;  // how offsets pass through a mapping is up to the client
     }
     const bool isDimensionRight = expected.isCompatibleWith(*target);
     if (isDimensionRight && converts(given, expected, *target)) {
@@ -70,5 +69,4 @@ std::optional<CFault> faultOf(const CUnitPtr& unit, const CMeaning& meaning) {
     return CFault{isDimensionRight ? nullptr : dimension, known(given, meaning, *target)};
 }
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked

@@ -1,4 +1,4 @@
-// Faults.h: units that the library would convert wrongly. For the companion's own use; not installed.
+// Faults.h: finds units that the library would convert wrongly. For the companion's own use; not installed.
 #ifndef MENSOR_CHECKED_FAULTS_H
 #define MENSOR_CHECKED_FAULTS_H
 
@@ -8,21 +8,20 @@
 #include "mensor/Unit.h"
 #include "mensor_checked/Meaning.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 /// How the library would convert a unit wrongly.
 struct CFault {
-    CUnitPtr Dimension;  ///< what the library takes for its dimension, if that is another one's
-    std::string Known;   ///< what the unit means by its dimension and the converter to it
+    CUnitPtr
+        Dimension;  ///< the unit that the library takes for its dimension, if that is wrong; else none
+    std::string Known;  ///< what the unit means by that dimension and the converter to it
 };
 
-/// Compares the dimension of `unit` and the converter to it with `meaning`, its meaning, in the
-/// current context, within the stated rounding (Rounding.h). Passes on what the library throws. The
-/// caller holds the lock.
+/// Compares the dimension of `unit` and the converter to it with its meaning, `meaning`, within rounding
+/// (Rounding.h). Dimensions set by CBaseUnit::setDimension count. Returns none if the library converts the
+/// unit correctly. Passes on what the library throws. The caller holds the lock.
 std::optional<CFault> faultOf(const CUnitPtr& unit, const CMeaning& meaning);
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked
 
 #endif  // MENSOR_CHECKED_FAULTS_H

@@ -1,4 +1,4 @@
-// Lock.h: the lock that the companion holds while it asks the library. For its own use; not installed.
+// Lock.h: the lock that the companion holds while it works. For its own use; not installed.
 #ifndef MENSOR_CHECKED_LOCK_H
 #define MENSOR_CHECKED_LOCK_H
 
@@ -8,11 +8,10 @@
 #include "mensor/RegistrationBound.h"
 #include "mensor/Unit.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
-/// Held from the first question to the library to the last; see WarmUp.h. The outermost one of a thread
-/// keeps the limit of what may be registered, and counts (RegistrationLimit.h).
+/// Locks CUnit::mutex(). Each function of the companion holds one for all its work; locks of one thread
+/// may nest. The outermost one enforces the limit of new units, and counts them (RegistrationLimit.h).
 class Lock {
 public:
     Lock();
@@ -20,12 +19,17 @@ public:
     Lock(const Lock&) = delete;
     Lock& operator=(const Lock&) = delete;
 
+    /// Sets the limit of new units. It takes effect with the next outermost lock.
+    void setLimit(std::size_t units) const;
+
+    /// Returns the number of new units, without those of the outermost lock that is held now.
+    std::size_t registered() const;
+
 private:
     const std::lock_guard<std::recursive_mutex> m_Guard;
-    std::optional<CRegistrationBound> m_Bound;  // of the outermost
+    std::optional<CRegistrationBound> m_Bound;  // set in the outermost lock
 };
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked
 
 #endif  // MENSOR_CHECKED_LOCK_H

@@ -3,10 +3,14 @@
 #include <cmath>
 #include <memory>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "mensor/AddConverter.h"
 #include "mensor/BaseUnit.h"
 #include "mensor/MultiplyConverter.h"
+#include "mensor/ProductUnit.h"
+#include "mensor/SI.h"
 #include "mensor/TransformedUnit.h"
 #include "mensor/UnitFormat.h"
 #include "mensor/mensor_math.h"
@@ -18,8 +22,7 @@
 #include "mensor_checked/Verify.h"
 #include "mensor_checked/Words.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 namespace {
 
@@ -31,39 +34,37 @@ std::string requireName(const string_t& text, const char* function) {
     std::string name = mensor::toStdString(text);
     if (!isName(name)) {
         throw std::invalid_argument(std::string(function) + ": " + quoted(name) +
-                                    " is no name that a unit can be read by");
+                                    " cannot be the name of a unit");
     }
     return name;
 }
 
-[[noreturn]] void refuseNumber(double x, const char* function) {
-    throw std::invalid_argument(std::string(function) + ": " + shortest(x) + " makes no unit");
-}
-
 CFraction requireOffset(double x, const char* function) {
     if (!std::isfinite(x)) {
-        refuseNumber(x, function);
+        throw std::invalid_argument(std::string(function) + ": the offset " + shortest(x) +
+                                    " is not finite");
     }
     return CFraction::ofDouble(x);
 }
 
 CFactor requireFactor(double x, const char* function) {
     if (!std::isfinite(x) || x <= 0.0) {
-        refuseNumber(x, function);
+        throw std::invalid_argument(std::string(function) + ": the factor " + shortest(x) +
+                                    " is not a finite number above 0");
     }
     return CFactor(CFraction::ofDouble(x));
 }
 
-// Asked before anything is built: what is built stays.
+// Checks the range before anything is built, because built units stay registered.
 void requireRange(const CMeaning& meaning, const char* function) {
     if (!std::isnormal(meaning.factor().toDouble()) ||
         !std::isfinite(meaning.offset().toDouble())) {
         throw std::invalid_argument(std::string(function) +
-                                    ": a unit of this size is beyond the range of numbers");
+                                    ": the size of this unit is beyond the range of double");
     }
 }
 
-// Products do not carry offsets.
+// Refuses offset units: products do not have offsets.
 void requireSize(const CUnitPtr& unit, const char* function) {
     requireUnit(unit, function);
     if (hasOffset(unit)) {
@@ -73,7 +74,7 @@ void requireSize(const CUnitPtr& unit, const char* function) {
     }
 }
 
-// Refuses a name that reads as another unit than `unit`.
+// Refuses a name that is read as another unit than `unit`.
 void requireFree(const std::string& name, const CUnitPtr& unit) {
     const CUnitPtr holder = unitNamed(name);
     if (holder && holder != unit) {
@@ -89,7 +90,7 @@ void requireFree(const std::string& name, const CUnitPtr& unit) {
                          inTheWay);
 }
 
-// The unit of symbol `symbol`, if it is one.
+// Returns `unit`, or throws if its symbol is not `symbol`.
 CUnitPtr requireSymbol(const CUnitPtr& unit, const string_t& symbol) {
     if (unit->getSymbol() != symbol) {
         throwInTheWay("the unit of symbol " + quoted(mensor::toStdString(symbol)), unit);
@@ -97,7 +98,8 @@ CUnitPtr requireSymbol(const CUnitPtr& unit, const string_t& symbol) {
     return unit;
 }
 
-// A transformed unit, empty where its identity belongs to a unit of another kind.
+// Returns `unit`, or throws if it does not mean `meaning`. `unit` is a transformed unit, or empty if its
+// identity belongs to a unit of another class.
 CUnitPtr requireMeaning(const CUnitPtr& unit, const CUnitPtr& parent, double slope,
                         const CMeaning& meaning) {
     if (!unit) {
@@ -126,7 +128,7 @@ CUnitPtr requireElements(const CUnitPtr& unit, const std::vector<CElement>& elem
     return unit;
 }
 
-// An alternate unit stands for the base units alone.
+// An alternate unit means a product of base units: radians, steradians and bits are lost.
 CMeaning withoutMarks(CMeaning meaning) {
     for (const exact::CPower& mark : meaning.marks()) {
         meaning = meaning / CMeaning::base(mark.Name).power(mark.Exponent);
@@ -156,12 +158,52 @@ CUnitPtr powerOf(const CUnitPtr& unit, CExponent exponent, const char* function,
     return requireElements(raise(), elements, meaning);
 }
 
-// Builds on `unit`, with a converter of this slope, what means `meaning`.
+// Builds a unit on `unit`, with a converter of this slope. Throws if it does not mean `meaning`.
 template <class Build>
 CUnitPtr transformed(const CUnitPtr& unit, double slope, const CMeaning& meaning,
                      const char* function, Build build) {
     requireRange(meaning, function);
     return requireMeaning(build(), unit, slope, meaning);
+}
+
+template <CBaseUnitPtr (*Unit)()>
+CUnitPtr base() {
+    return Unit();
+}
+
+CUnitPtr baseUnitNamed(const std::string& name) {
+    struct CNamed {
+        const char* Name;
+        CUnitPtr (*Unit)();
+    };
+    constexpr CNamed Known[] = {{"A", base<SI::Ampere>},   {"K", base<SI::Kelvin>},
+                                {"cd", base<SI::Candela>}, {"kg", base<SI::Kilogram>},
+                                {"m", base<SI::Meter>},    {"mol", base<SI::Mole>},
+                                {"s", base<SI::Second>}};
+    for (const CNamed& known : Known) {
+        if (name == known.Name) {
+            return known.Unit();
+        }
+    }
+    if (name == "bit") {
+        return SI::Bit();
+    }
+    if (name == "rad") {
+        return SI::Radian();
+    }
+    if (name == "sr") {
+        return SI::Steradian();
+    }
+    return baseUnit(string_t(name.c_str()));
+}
+
+void multiplyBy(CUnitPtr& unit, const exact::CPower& factor) {
+    CUnitPtr base = baseUnitNamed(factor.Name);
+    if (factor.Exponent.denominator() != 1) {
+        base = root(base, factor.Exponent.denominator());
+    }
+    base = power(base, factor.Exponent.numerator());
+    unit = unit ? product(unit, base) : base;
 }
 
 }  // namespace
@@ -252,6 +294,24 @@ CUnitPtr root(const CUnitPtr& unit, int n) {
     return powerOf(unit, CExponent(1, n), "root", [&] { return unit->root(n); });
 }
 
+CUnitPtr unitOf(const exact::CMeaning& meaning) {
+    const double factor = meaning.factor().toDouble();
+    const double offset = meaning.offset().toDouble();
+    if (!std::isnormal(factor) || !std::isfinite(offset)) {
+        throw std::invalid_argument("the size of the unit is beyond the range of doubles");
+    }
+    CUnitPtr unit;
+    for (const std::vector<exact::CPower>& powers : {meaning.dimensions(), meaning.marks()}) {
+        for (const exact::CPower& power : powers) {
+            multiplyBy(unit, power);
+        }
+    }
+    if (!unit) {
+        unit = CProductUnit::one();
+    }
+    return factor == 1.0 && offset == 0.0 ? unit : affine(unit, factor, offset);
+}
+
 CUnitPtr label(const CUnitPtr& unit, const string_t& text) {
     requireUnit(unit, "label");
     const Lock lock;
@@ -259,13 +319,13 @@ CUnitPtr label(const CUnitPtr& unit, const string_t& text) {
     requireFree(name, unit);
     const string_t former = CUnitFormat::labelFor(unit);  // the symbol, if there is no label
     if (!former.empty() && former != unit->getSymbol() && former != text) {
-        throw CIdentityError("the label " + quoted(name) + " would take the label " +
-                                 describe(unit) + " from the unit; give it an alias",
+        throw CIdentityError("the unit already has the label " + describe(unit) + ", which " +
+                                 quoted(name) + " would replace; use an alias",
                              unit);
     }
     if (const auto prefixed = prefixedOffset(name, unit)) {
-        throw CIdentityError("the label " + quoted(name) + " promises the zero of " +
-                                 quoted(prefixed->Name) + ", which the unit has not",
+        throw CIdentityError("the unit cannot have the label " + quoted(name) +
+                                 ", because it does not have the zero of " + quoted(prefixed->Name),
                              unitNamed(prefixed->Name));
     }
     return CUnitFormat::label(unit, text);
@@ -282,5 +342,4 @@ CUnitPtr alias(const CUnitPtr& unit, const string_t& text) {
     return unit;
 }
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked

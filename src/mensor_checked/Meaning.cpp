@@ -15,8 +15,7 @@
 #include "mensor_checked/Words.h"
 #include "mensor_exact/Error.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 namespace {
 
@@ -24,7 +23,7 @@ using exact::CExponent;
 using exact::CFactor;
 using exact::CFraction;
 
-// Kinds of units may be a client's own, which might lead back to themselves.
+// A client's own class of unit might expand into itself without end.
 constexpr int DeepestExpansion = 100;
 
 CMeaning meaning(CUnit& unit, int depth);
@@ -32,7 +31,7 @@ CMeaning meaning(CUnit& unit, int depth);
 CMeaning meaningOfElements(const std::vector<CUnitRationalPower>& elements, int depth) {
     CMeaning product;
     for (const CUnitRationalPower& element : elements) {
-        // A factor is a difference, as the library has it.
+        // The library converts factors of a product as differences.
         product = product * meaning(*element.getUnit(), depth + 1)
                                 .difference()
                                 .power(CExponent(element.getPow(), element.getRoot()));
@@ -40,12 +39,12 @@ CMeaning meaningOfElements(const std::vector<CUnitRationalPower>& elements, int 
     return product;
 }
 
-// The unit whose values x are factor·x + offset of `target`.
+// Returns the meaning of the unit whose value x is factor·x + offset in `target`.
 CMeaning before(const CMeaning& target, const CFraction& offset, const CFactor& factor) {
     return target.shifted(offset).scaled(factor);
 }
 
-// The unit whose values `step` takes to values of `target`.
+// Returns the meaning of the unit whose values `step` converts to values of `target`.
 CMeaning before(const CMeaning& target, const CConverter& step) {
     if (const auto* own = dynamic_cast<const CExactConverter*>(&step)) {
         const exact::COffset offset = own->conversion().exactOffset();
@@ -58,7 +57,7 @@ CMeaning before(const CMeaning& target, const CConverter& step) {
         factor = static_cast<const CMultiplyConverter&>(step).factor();
     } else if (typeid(step) == typeid(CAddConverter)) {
         offset = static_cast<const CAddConverter&>(step).getOffset();
-    } else {  // a client's own
+    } else {  // a client's own class of converter
         factor = step.derivative(0.0);
         offset = step.convert(0.0);
     }
@@ -86,7 +85,7 @@ CMeaning meaning(CUnit& unit, int depth) {
     if (const auto* scaled = dynamic_cast<CTransformedUnit*>(&unit)) {
         return transformed(meaning(*unit.getSystemUnit(), depth + 1), scaled->toSystem());
     }
-    // A base unit, an alternate one, or a client's kind, which may be anything.
+    // A base unit, an alternate unit, or a unit of a client's own class.
     const std::vector<CUnitRationalPower> elements = unit.elements();
     const bool isItsOwn = elements.size() == 1 && elements[0].getUnit().get() == &unit;
     if (!isItsOwn) {
@@ -119,5 +118,4 @@ std::optional<CMeaning> tryMeaningOf(const CUnitPtr& unit) {
     }
 }
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked

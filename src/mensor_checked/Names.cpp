@@ -11,8 +11,7 @@
 #include "mensor_exact/Definitions.h"
 #include "mensor_exact/Spelling.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 namespace {
 
@@ -24,7 +23,7 @@ bool startsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;
 }
 
-// Whether the unit with this name is a litre, with its prefix.
+// Returns whether `unit` is the litre, or the prefixed litre, that `name` is in the table of definitions.
 bool isLitre(const CUnitPtr& unit, std::string_view name) {
     const auto row = exact::CCatalogue::builtIn().meaning(name);
     return row && tryMeaningOf(unit) == row;
@@ -48,12 +47,13 @@ CName makeName(std::string_view name) {
     return known;
 }
 
-// Never destroyed: threads and the statics of clients may still read units while the process ends.
-// Names that the library does not know, or not by this spelling, are not
-// kept: a new symbol may make them known, and does not change the version.
-std::unordered_map<std::string, CName>& keptNames = *new std::unordered_map<std::string, CName>;
+// The cache of knownName(). It holds only names that the library knows exactly as spelled: a new symbol may
+// make other names known, and does not change the version.
+//
+// Never destroyed, because threads and statics of clients may still read units while the process ends.
+std::unordered_map<std::string, CName>& cachedNames = *new std::unordered_map<std::string, CName>;
 unsigned versionOfNames = 0;
-CName& passingName = *new CName;
+CName& uncachedName = *new CName;
 
 }  // namespace
 
@@ -91,20 +91,20 @@ std::optional<CPrefixedOffset> prefixedOffset(std::string_view name, const CUnit
 const CName* knownName(std::string_view name) {
     const unsigned version = CUnitFormat::namesVersion();
     if (version == 0 || version != versionOfNames) {
-        keptNames.clear();
+        cachedNames.clear();
         versionOfNames = version;
     }
     std::string key(name);
-    const auto found = keptNames.find(key);
-    if (found != keptNames.end()) {
+    const auto found = cachedNames.find(key);
+    if (found != cachedNames.end()) {
         return &found->second;
     }
-    passingName = makeName(name);
-    if (!passingName.Unit) {
+    uncachedName = makeName(name);
+    if (!uncachedName.Unit) {
         return nullptr;
     }
-    return passingName.IsExact ? &keptNames.emplace(std::move(key), passingName).first->second
-                               : &passingName;
+    return uncachedName.IsExact ? &cachedNames.emplace(std::move(key), uncachedName).first->second
+                                : &uncachedName;
 }
 
 void addNamesTo(exact::CNearestNames& nearest) {
@@ -126,5 +126,4 @@ std::vector<std::string> namesOf(const CUnitPtr& unit) {
     return names;
 }
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked

@@ -1,4 +1,4 @@
-// Names.h: from names to units. For the companion's own use; not installed.
+// Names.h: finds units by their names. For the companion's own use; not installed.
 //
 // The caller of every function holds the lock.
 #ifndef MENSOR_CHECKED_NAMES_H
@@ -12,54 +12,52 @@
 #include "mensor/Unit.h"
 #include "mensor_exact/NearestNames.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
-/// The unit with this name, none if there is no such name.
+/// Returns the unit with this name, or none.
 ///
-/// What the library knows by exactly this name comes first. Then the name in the library's own
-/// spelling: characters that Unicode has twice, "L" for the litre, and "One", which the library
-/// prints for the dimensionless unit but does not read. "ML" is only the unit "Ml" if that is the
-/// megalitre: a client's own "Ml" keeps its one spelling.
+/// The library looks up the name as it is spelled. If it does not know it, other spellings follow:
+/// characters that Unicode has twice, "L" for the litre, and "One", which the library prints for the
+/// dimensionless unit but does not read. "ML" is the unit "Ml" only if that is the megalitre, because a
+/// client may have its own unit "Ml".
 ///
-/// The library has no "psi" before NonSI::Psi() is called, which this function does when it is asked
-/// for that name.
+/// For "psi" this function calls NonSI::Psi(), because the library has no such name before that call.
 CUnitPtr unitNamed(std::string_view name);
 
-/// Whether `unit` is a scale with a zero of its own, as the degree Celsius.
+/// Returns whether `unit` is an offset unit, such as the degree Celsius.
 bool hasOffset(const CUnitPtr& unit);
 
-/// A name that looks like a prefixed unit with an offset, which the library knows without it.
+/// A name that is a prefix and an offset unit, such as "m°C". The library ignores the offset in it.
 struct CPrefixedOffset {
     std::string Prefix;  ///< "m"
     std::string Name;    ///< "°C"
 };
 
-/// Tells "m°C" from other names of `unit`, which `name` denotes.
+/// Returns the parts of `name`, a name of `unit`, if it is a prefix and an offset unit; else none.
 std::optional<CPrefixedOffset> prefixedOffset(std::string_view name, const CUnitPtr& unit);
 
-/// What reading asks about a name.
+/// What the reader needs to know about a name.
 struct CName {
-    CUnitPtr Unit;                            ///< unitNamed
-    bool IsExact;                             ///< known to the library by exactly this name
-    bool HasOffset;                           ///< hasOffset
-    std::optional<CPrefixedOffset> Prefixed;  ///< prefixedOffset
+    CUnitPtr Unit;                            ///< as unitNamed() returns it
+    bool IsExact;                             ///< the library knows the name as it is spelled
+    bool HasOffset;                           ///< as hasOffset() returns it
+    std::optional<CPrefixedOffset> Prefixed;  ///< as prefixedOffset() returns it
 };
 
-/// The same, remembered while the library's names stay as they are; none if there is no such name.
-/// Good until the next call. Changes nothing in the library: "psi" may have no unit yet (isLateName).
+/// Returns what is known about `name`, or none if it names no unit. The result is cached while the names of
+/// the library do not change, and is valid until the next call. Registers nothing: "psi" may have no unit
+/// yet (isLateName).
 const CName* knownName(std::string_view name);
 
-/// Whether unitNamed would have the library make and name a unit.
+/// Returns whether unitNamed(name) would register a unit.
 bool isLateName(std::string_view name);
 
-/// Adds all known names but those of scales that have lost their offset.
+/// Adds all names that are close to the wanted one, except those like "m°C" (prefixedOffset).
 void addNamesTo(exact::CNearestNames& nearest);
 
-/// All names under which `unit` can be read: its label, its aliases and its symbol.
+/// Returns all names under which `unit` can be read: its label, its aliases and its symbol.
 std::vector<std::string> namesOf(const CUnitPtr& unit);
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked
 
 #endif  // MENSOR_CHECKED_NAMES_H

@@ -10,46 +10,45 @@
 #include "mensor_checked/Verify.h"
 #include "mensor_checked/Words.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 namespace {
 
-CMeaning meaningOf(const CDefinition& definition) {
-    if (definition.Row != nullptr) {
-        return *definition.Row;
+CMeaning meaningOf(const CNewUnit& wanted) {
+    if (wanted.Row != nullptr) {
+        return *wanted.Row;
     }
-    return checked::meaningOf(definition.Unit)
-        .shifted(exact::CFraction::ofDouble(definition.Offset))
-        .scaled(exact::CFactor(exact::CFraction::ofDouble(definition.Factor)));
+    return checked::meaningOf(wanted.Unit)
+        .shifted(exact::CFraction::ofDouble(wanted.Offset))
+        .scaled(exact::CFactor(exact::CFraction::ofDouble(wanted.Factor)));
 }
 
-// Asked before anything is built: what is built stays.
-void requireFreeName(const CDefinition& definition) {
-    const CUnitPtr holder = unitNamed(definition.Symbol);
-    if (holder && !areSame(checked::meaningOf(holder), meaningOf(definition), holder)) {
-        throw CIdentityError("the name " + quoted(definition.Symbol) + " belongs to " +
+// Checks the name before anything is built, because built units stay registered.
+void requireFreeName(const CNewUnit& wanted) {
+    const CUnitPtr holder = unitNamed(wanted.Symbol);
+    if (holder && !areSame(checked::meaningOf(holder), meaningOf(wanted), holder)) {
+        throw CIdentityError("the name " + quoted(wanted.Symbol) + " belongs to " +
                                  describe(holder) + ", which means " + meaningInWords(holder),
                              holder);
     }
 }
 
-CUnitPtr build(const CDefinition& definition) {
-    return definition.IsAlternate ? alternateUnit(definition.Symbol, definition.Unit)
-                                  : affine(definition.Unit, definition.Factor, definition.Offset);
+CUnitPtr build(const CNewUnit& wanted) {
+    return wanted.IsAlternate ? alternateUnit(wanted.Symbol, wanted.Unit)
+                              : affine(wanted.Unit, wanted.Factor, wanted.Offset);
 }
 
-void check(const CDefinition& definition, const CUnitPtr& unit) {
-    if (unit->getDimension() != definition.Unit->getDimension()) {
-        throw CIdentityError(quoted(definition.Symbol) + " has the dimension " +
+void check(const CNewUnit& wanted, const CUnitPtr& unit) {
+    if (unit->getDimension() != wanted.Unit->getDimension()) {
+        throw CIdentityError(quoted(wanted.Symbol) + " has the dimension " +
                                  describe(unit->getDimension()) + " in place of " +
-                                 describe(definition.Unit->getDimension()),
+                                 describe(wanted.Unit->getDimension()),
                              unit);
     }
-    verify(unit, meaningOf(definition));
-    const CUnitPtr read = readUnit(definition.Symbol);
+    verify(unit, meaningOf(wanted));
+    const CUnitPtr read = readUnit(wanted.Symbol);
     if (read != unit) {
-        throw CIdentityError(quoted(definition.Symbol) + " reads as " + describe(read), read);
+        throw CIdentityError(quoted(wanted.Symbol) + " reads as " + describe(read), read);
     }
     if (!textOf(unit)) {
         throw CIdentityError(describe(unit) + " has no text that reads back as the same", unit);
@@ -58,15 +57,15 @@ void check(const CDefinition& definition, const CUnitPtr& unit) {
 
 }  // namespace
 
-CUnitPtr CNaming::define(const CDefinition& definition) {
-    requireFreeName(definition);
-    const CUnitPtr unit = build(definition);
-    name(unit, definition.Symbol, unit == definition.Unit);
-    check(definition, unit);
+CUnitPtr CNaming::define(const CNewUnit& wanted) {
+    requireFreeName(wanted);
+    const CUnitPtr unit = build(wanted);
+    name(unit, wanted.Symbol, unit == wanted.Unit);
+    check(wanted, unit);
     return unit;
 }
 
-// A label serves for writing, too, and a unit has but one; the second name is an alias.
+// The first name becomes the label, by which the library also writes the unit. Further names are aliases.
 void CNaming::name(const CUnitPtr& unit, const string_t& symbol, bool isAnother) {
     if (CUnitFormat::unitFor(symbol) == unit) {
         return;
@@ -85,5 +84,4 @@ CNaming::~CNaming() {
     }
 }
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked

@@ -1,5 +1,5 @@
-// NewUnit.h: one unit by name, factor, unit and offset, for packs and tables. For the companion's own
-// use; not installed.
+// NewUnit.h: makes, names and checks one unit of a pack or of a table. For the companion's own use; not
+// installed.
 #ifndef MENSOR_CHECKED_NEWUNIT_H
 #define MENSOR_CHECKED_NEWUNIT_H
 
@@ -10,22 +10,21 @@
 #include "mensor/Unit.h"
 #include "mensor_checked/Meaning.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
-/// A value x of the unit is Factor·x + Offset in `Unit`.
-struct CDefinition {
+/// The unit to make: a value x of it is Factor·x + Offset in `Unit`.
+struct CNewUnit {
     std::string Symbol;
     double Factor;
     CUnitPtr Unit;
     double Offset;
     bool IsAlternate = false;
-    const CMeaning* Row = nullptr;  ///< of a pack: what the unit means exactly
+    const CMeaning* Row = nullptr;  ///< the exact meaning of a unit of a pack
 };
 
-/// The names given since it began, which it takes back unless it is told to keep them.
+/// Names units. The destructor removes the names again unless keep() was called.
 ///
-/// The caller holds the lock while it lives.
+/// The caller holds the lock during the lifetime of the object.
 class CNaming {
 public:
     CNaming() = default;
@@ -33,12 +32,14 @@ public:
     CNaming& operator=(const CNaming&) = delete;
     ~CNaming();
 
-    /// Builds the unit, names it and checks it. A unit that has a name already gets one more.
+    /// Builds the unit, names it and checks it. If the unit exists already, it gets one more name.
     ///
-    /// @throws CIdentityError  another unit is in the way, or it is not what it should be.
-    /// @throws std::invalid_argument  no such unit can be made; or what the library throws.
-    CUnitPtr define(const CDefinition& definition);
+    /// Passes on what the library throws.
+    /// @throws CIdentityError  another unit has the name or the identity, or the check fails.
+    /// @throws std::invalid_argument  a number or the name is out of range.
+    CUnitPtr define(const CNewUnit& wanted);
 
+    /// Keeps all names that were given so far.
     void keep() { m_Given.clear(); }
 
 private:
@@ -47,7 +48,6 @@ private:
     std::vector<std::pair<string_t, CUnitPtr>> m_Given;
 };
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked
 
 #endif  // MENSOR_CHECKED_NEWUNIT_H

@@ -13,8 +13,7 @@
 #include "mensor_checked/Words.h"
 #include "mensor_exact/DefinitionLine.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 namespace {
 
@@ -22,7 +21,7 @@ using exact::CDefinitionLine;
 using exact::CDefinitionLines;
 using exact::CLineValue;
 
-// A line whose unit or name is refused for a unit in its way.
+// Thrown for a line whose unit or name belongs to another unit.
 struct CObstacle {
     CDiagnosis Diagnosis;
     CUnitPtr InTheWay;
@@ -34,7 +33,7 @@ public:
     CLineMaker(std::string_view line, const CDefinitionLine& parts, CNaming& naming)
         : m_Line(line), m_Parts(parts), m_Naming(naming) {}
 
-    // Gives the name.
+    // Registers the unit and returns its name.
     std::string define() const {
         std::string symbol(m_Parts.Name.of(m_Line));
         if (m_Parts.Size) {
@@ -52,12 +51,13 @@ private:
     double numberOf(const CLineValue& value) const {
         const double number = value.Number.toDouble();
         if (!value.Number.isZero() && !std::isnormal(number)) {
-            refuse(eRefusal::FACTOR_RANGE, value.NumberText, "no unit has such a size");
+            refuse(eRefusal::FACTOR_RANGE, value.NumberText,
+                   "this number is beyond the range of double");
         }
         return number;
     }
 
-    // The zero of the unit to be, in `unit`.
+    // Returns the zero of the new unit as a value in `unit`.
     double zeroIn(const CUnitPtr& unit) const {
         const CLineValue& zero = *m_Parts.Zero;
         const CUnitPtr zeroUnit = readUnit(zero.Unit);
@@ -87,12 +87,12 @@ private:
         } catch (const CIdentityError& e) {
             std::string sentence = e.what();
             if (m_Parts.TakesAway) {
-                sentence += "; the registry takes no name away";
+                sentence += "; \"replace\" cannot take a name away in the registry";
             }
             throw CObstacle{
                 diagnose(eRefusal::COLLISION, m_Line, m_Parts.Name, std::move(sentence)),
                 e.inTheWay()};
-        } catch (const CReadError& e) {  // the new unit's own text
+        } catch (const CReadError& e) {  // the new name cannot be read back
             refuse(e.diagnosis().Code, m_Parts.Name, e.what());
         } catch (const CTooManyUnits& e) {
             refuse(eRefusal::LIMIT_REACHED, m_Parts.Name, e.what());
@@ -112,7 +112,7 @@ private:
     CNaming& m_Naming;
 };
 
-// Whether a line that is offered in place of another one can be read.
+// Returns whether a line that a refusal suggests can be read.
 bool isReadable(std::string_view line) {
     CDefinitionLine parts;
     return !takeApart(line, parts) && (!parts.Size || read(parts.Size->Unit.of(line), {}, false)) &&
@@ -129,16 +129,16 @@ CDefinitions tryDefineUnits(std::string_view table) {
         CDefinitionLine parts;
         if (auto refusal = takeApart(lines.line(), parts)) {
             keepReadings(*refusal, isReadable);
-            result.Findings.push_back({lines.number(), *std::move(refusal), nullptr});
+            result.Findings.push_back({{lines.number(), *std::move(refusal)}, nullptr});
             continue;
         }
         try {
             result.Names.push_back(CLineMaker(lines.line(), parts, naming).define());
         } catch (Refused& refused) {
-            result.Findings.push_back({lines.number(), std::move(refused.Diagnosis), nullptr});
+            result.Findings.push_back({{lines.number(), std::move(refused.Diagnosis)}, nullptr});
         } catch (CObstacle& obstacle) {
             result.Findings.push_back(
-                {lines.number(), std::move(obstacle.Diagnosis), obstacle.InTheWay});
+                {{lines.number(), std::move(obstacle.Diagnosis)}, obstacle.InTheWay});
         }
     }
     if (result) {
@@ -152,18 +152,9 @@ CDefinitions tryDefineUnits(std::string_view table) {
 std::vector<std::string> defineUnits(std::string_view table) {
     CDefinitions result = tryDefineUnits(table);
     if (!result) {
-        throw CDefinitionError(std::move(result.Findings));
+        throw CDefinitionError({result.Findings.begin(), result.Findings.end()});
     }
     return std::move(result.Names);
 }
 
-CDefinitionError::CDefinitionError(std::vector<CLineFinding> findings)
-    : std::invalid_argument(exact::firstOf(findings)), m_Findings(std::move(findings)) {}
-CDefinitionError::CDefinitionError(const CDefinitionError&) = default;
-CDefinitionError& CDefinitionError::operator=(const CDefinitionError&) = default;
-CDefinitionError::~CDefinitionError() = default;
-
-const std::vector<CLineFinding>& CDefinitionError::findings() const noexcept { return m_Findings; }
-
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked

@@ -18,8 +18,7 @@
 #include "mensor_exact/Conversion.h"
 #include "mensor_exact/Definitions.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 namespace {
 
@@ -44,8 +43,7 @@ const CPackRow& packRow(ePack pack) {
             return row;
         }
     }
-    throw std::invalid_argument("there is no pack of number " +
-                                std::to_string(static_cast<int>(pack)));
+    throw std::invalid_argument("no pack has the number " + std::to_string(static_cast<int>(pack)));
 }
 
 // The units that are not built on the unit that their definition names.
@@ -224,5 +222,4 @@ void registerPack(ePack pack) {
     naming.keep();
 }
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked

@@ -23,8 +23,7 @@
 #include "mensor_checked/Verify.h"
 #include "mensor_checked/checked_export.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 /// The packs. The numbers are part of the interface; new ones are added at the end.
 enum class ePack : int {
@@ -96,7 +95,6 @@ MENSOR_CHECKED_API std::optional<ePack> packNamed(std::string_view name);
 /// @par Threads  Any thread, locks CUnit::mutex() for all its work (see WarmUp.h).
 MENSOR_CHECKED_API void registerPack(ePack pack);
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked
 
 #endif  // MENSOR_CHECKED_PACKS_H

@@ -6,8 +6,7 @@
 #include "mensor_checked/Names.h"
 #include "mensor_exact/Parser.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 namespace {
 
@@ -98,5 +97,4 @@ std::vector<CFactor> factorsOf(std::string_view text, const CReadOptions& option
     return names.take(factors, text);
 }
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked

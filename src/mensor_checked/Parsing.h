@@ -10,8 +10,7 @@
 #include "mensor_checked/Reading.h"
 #include "mensor_exact/Refusal.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 using exact::CSpan;
 using exact::diagnose;
@@ -47,7 +46,6 @@ std::optional<CDiagnosis> formFault(std::string_view text, std::size_t begin,
 /// @throws Refused  the form is wrong or a name unknown.
 std::vector<CFactor> factorsOf(std::string_view text, const CReadOptions& options);
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked
 
 #endif  // MENSOR_CHECKED_PARSING_H

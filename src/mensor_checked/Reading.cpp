@@ -5,8 +5,7 @@
 #include "mensor_checked/Lock.h"
 #include "mensor_checked/UnitReader.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 CReading tryReadUnit(std::string_view text, const CReadOptions& options) {
     const Lock lock;
@@ -34,5 +33,4 @@ CMeaning readMeaning(std::string_view text, const CReadOptions& options) {
     return *std::move(reading.Meaning);
 }
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked

@@ -31,8 +31,7 @@
 #include "mensor_exact/Diagnosis.h"
 #include "mensor_exact/Reading.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 using exact::CDiagnosis;
 using exact::CReadError;
@@ -85,7 +84,6 @@ MENSOR_CHECKED_API CMeaning readMeaning(std::string_view text, const CReadOption
 MENSOR_CHECKED_API CMeaningReading tryReadMeaning(std::string_view text,
                                                   const CReadOptions& options = {});
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked
 
 #endif  // MENSOR_CHECKED_READING_H

@@ -10,17 +10,16 @@
 #include "mensor/TransformedUnit.h"
 #include "mensor_checked/ExactConverter.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 namespace {
 
 constexpr double RoundingsOfAStep = 3;
-constexpr double RoundingsOfAPower = 3;  // and of the product with it
+constexpr double RoundingsOfAPower = 3;  // including the multiplication by it
 constexpr double OneRounding = 0x1p-53;
 
-// The exact number is compared as the nearest double, and roundings multiply: of n of them, the
-// products of two and more come to less than one where n is below 2^26.
+// The bound has two more roundings. One is for `exact`, which is itself a nearest double. The other is for
+// the products of several relative errors: for n below 2^26 these sum to less than one rounding.
 bool isNear(double given, double exact, double roundings, double size) {
     return std::fabs(given - exact) <= (roundings + 2) * OneRounding * size;
 }
@@ -124,5 +123,4 @@ bool areSame(const CMeaning& a, const CMeaning& b, const CUnitPtr& unit) {
                   std::max({rounded.ZeroSize, std::fabs(offset), std::fabs(otherOffset)}));
 }
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked

@@ -1,14 +1,14 @@
-// Rounding.h: how far the doubles of the registry may be from the numbers meant. For the companion's
-// own use; not installed.
+// Rounding.h: how far the doubles of the registry may be from the exact numbers. For the companion's own
+// use; not installed.
 //
-// The registry converts by chains of doubles. Each double of a chain is rounded when it is made from
-// the number meant, once more where the library inverts it, and the product or sum with it is rounded:
-// three roundings for each factor and each offset, each by at most 2^-53 of the result.
+// The registry converts by chains of doubles. Three roundings belong to each factor and each offset: the
+// number becomes a double, the library may invert it, and the product or sum with it is rounded. Each
+// rounding is at most 2^-53 of the result.
 //
-// A product of units has one factor, the product of powers. The k roundings of a factor to the power
-// p/r become k·p/r. `std::pow` adds two, as it is right to one unit in the last place, and the product
-// one. Where p/r is no double, its rounding moves the power by the logarithm of the power, in the same
-// measure.
+// A product of units has one factor, the product of powers. If a factor with k roundings is raised to the
+// power p/r, they become k·p/r. `std::pow` adds two more, since its error is up to one unit in the last
+// place. The multiplication adds one. If p/r is not a double, its rounding changes the power by as many
+// roundings as the logarithm of the power.
 #ifndef MENSOR_CHECKED_ROUNDING_H
 #define MENSOR_CHECKED_ROUNDING_H
 
@@ -18,40 +18,38 @@
 #include "mensor/Unit.h"
 #include "mensor_checked/Meaning.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
-/// The converters that a chain applies one after the other, without identities. A chain may be of any
-/// length.
+/// Returns the steps of a chain in their order, without identity converters. A chain may have any length.
 std::vector<CConverterPtr> stepsOf(const CConverterPtr& converter);
 
-/// Whether the way from `unit` to its system unit consists of numbers alone, and of no converter of a
-/// client's own class, which need not be a straight line.
+/// Returns whether all converters from the elements of `unit` to their system units are scalings and
+/// shifts. A converter of a client's own class may be anything else.
 bool isOfNumbers(const CUnitPtr& unit);
 
-/// What the library converts by, slope·x + zero, and how exactly.
+/// The conversion Slope·x + Zero of the library, with a bound of its error.
 struct CRounded {
-    double Slope;
-    double Zero;
-    double Roundings;  ///< of each, of 2^-53: the slope's relative to it, the zero's to `ZeroSize`
-    double ZeroSize;   ///< the sizes of all offsets together
+    double Slope;      ///< wrong by at most Roundings·2^-53 of itself
+    double Zero;       ///< wrong by at most Roundings·2^-53·ZeroSize
+    double Roundings;  ///< the number of roundings
+    double ZeroSize;   ///< the sum of the absolute values of all offsets
 };
 
+/// Returns the conversion of `converter`.
 CRounded roundedOf(const CConverterPtr& converter);
 
-/// Of the way from `unit` to its dimension.
+/// Returns the conversion from `unit` to its dimension.
 CRounded roundedToDimension(const CUnitPtr& unit);
 
-/// Whether `given` is the conversion of `from` to `to`, which are compatible, but for its roundings.
+/// Returns whether `given` converts from `from` to `to`, within its error. Both must be compatible.
 bool converts(const CRounded& given, const CMeaning& from, const CMeaning& to);
 
-/// Whether `unit`, a scaled or shifted one, is converted to its system unit as `meaning` says.
+/// Returns whether the library converts the transformed unit `unit` to its system unit as `meaning` says.
 bool convertsAs(CUnit& unit, const CMeaning& meaning);
 
-/// Whether the two are the same meaning but for the roundings of `unit`.
+/// Returns whether `a` and `b` are the same, within the error of the conversion of `unit`.
 bool areSame(const CMeaning& a, const CMeaning& b, const CUnitPtr& unit);
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked
 
 #endif  // MENSOR_CHECKED_ROUNDING_H

@@ -1,6 +1,6 @@
-// Rows.cpp: units with a symbol are found by it. Scaled and shifted units have none, and their labels
-// may have been moved; but the library makes one object for one hash code, so the hash code that a row
-// must have tells its unit, whatever it is called.
+// Rows.cpp: a unit with a symbol is found by its symbol. A scaled or shifted unit has no symbol, and a
+// client may have moved its label. It is found by the hash code that the unit of a row has, because the
+// library makes one object for each hash code.
 #include "mensor_checked/Rows.h"
 
 #include <string>
@@ -12,22 +12,21 @@
 #include "mensor_checked/Rounding.h"
 #include "mensor_exact/Definitions.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 namespace {
 
 using exact::CCatalogue;
 using exact::CDefinition;
 
-// Whether it is a unit with a symbol of its own: the metre, the newton, the radian.
+// Returns whether the unit has a symbol of its own, such as the metre, the newton or the radian.
 bool isSymbol(const CDefinition& definition) {
     const CMeaning meaning = *CCatalogue::builtIn().meaning(definition.Name);
     return definition.Pack == exact::ePack::CATALOGUE && meaning.factor().isOne() &&
            meaning.offset().isZero();
 }
 
-// The system unit that the library has made a unit on, by its definition.
+// Returns the system unit of the unit with this definition, as the library has it.
 CUnitPtr systemUnitOf(std::string_view definition) {
     const std::string_view name = unitUnder(definition);
     const CUnitPtr metre = CUnit::searchSymbol("m");
@@ -55,7 +54,7 @@ public:
         });
     }
 
-    // Never destroyed: threads and the statics of clients may still read units while the process ends.
+    // Never destroyed, because threads and statics of clients may still read units while the process ends.
     static CRows& instance() {
         static CRows& Rows = *new CRows;
         return Rows;
@@ -71,8 +70,8 @@ public:
             return std::nullopt;
         }
         CMeaning row = *CCatalogue::builtIn().meaning(named->second);
-        // A client may have registered another unit under this hash code, before the call of
-        // NonSI::Psi() or of a pack.
+        // A client may have registered another unit with this hash code before the first call of
+        // NonSI::Psi().
         return convertsAs(unit, row) ? std::optional<CMeaning>(std::move(row)) : std::nullopt;
     }
 
@@ -118,5 +117,4 @@ std::string_view unitUnder(std::string_view definition) {
     return !hasNumber ? text : space == std::string_view::npos ? "" : text.substr(space + 1);
 }
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked

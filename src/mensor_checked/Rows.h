@@ -1,5 +1,4 @@
-// Rows.h: which unit of the registry is which row of the table of definitions. For the companion's own
-// use; not installed.
+// Rows.h: finds the row of a unit in the table of definitions. For the companion's own use; not installed.
 //
 // The caller of every function holds the lock.
 #ifndef MENSOR_CHECKED_ROWS_H
@@ -11,20 +10,17 @@
 #include "mensor/Unit.h"
 #include "mensor_checked/Meaning.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
-/// What `unit` means by its row, if the library's catalogue or a pack has made it.
+/// Returns the meaning of `unit` by its row, or none if neither the catalogue nor a pack has made it.
 std::optional<CMeaning> rowOf(CUnit& unit);
 
-/// From now on `unit` means `row`: a pack has made it.
+/// Sets the row of `unit`, which a pack has made.
 void setRow(const CUnitPtr& unit, const CMeaning& row);
 
-/// What stands behind the number of a definition: "K" of "5/9 K, offset 459.67", nothing of a number
-/// alone.
+/// Returns the unit in a definition: "K" for "5/9 K, offset 459.67", "" for a number alone.
 std::string_view unitUnder(std::string_view definition);
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked
 
 #endif  // MENSOR_CHECKED_ROWS_H

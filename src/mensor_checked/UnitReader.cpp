@@ -16,15 +16,14 @@
 #include "mensor_checked/Elements.h"
 #include "mensor_checked/Faults.h"
 #include "mensor_checked/Meaning.h"
-#include "mensor_checked/Memory.h"
 #include "mensor_checked/Names.h"
 #include "mensor_checked/Parsing.h"
+#include "mensor_checked/ReadingCache.h"
 #include "mensor_checked/Rounding.h"
 #include "mensor_checked/Words.h"
 #include "mensor_exact/Error.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 namespace {
 
@@ -44,13 +43,13 @@ public:
         requireRange();
         // A single name gives its unit as it is, whatever exponents the unit has.
         const CUnitPtr unit = isAlone() ? m_Factors[0].Unit : product();
-        CMemory& memory = CMemory::instance(m_Options);
-        if (!memory.isSound(unit)) {
+        CReadingCache& cache = CReadingCache::instance(m_Options);
+        if (!cache.isSound(unit)) {
             checkConversion(unit);
-            memory.setSound(unit);
+            cache.setSound(unit);
         }
-        if (isKept || memory.isWorth(m_Text)) {
-            remember(unit, isKept);
+        if (isKept || cache.isWorth(m_Text)) {
+            store(unit, isKept);
         }
         return {unit, std::nullopt, std::move(m_Notes)};
     }
@@ -177,13 +176,13 @@ private:
                    "the exponents of " + quoted(nameOf(factor)) + " add up to more than 99");
         }
         refuse(eRefusal::FACTOR_RANGE, isAlone() ? factor.Name : whole(),
-               std::string("the size of this unit is no number to count with: ") + error.what());
+               std::string("the size of this unit cannot be computed: ") + error.what());
     }
 
     void requireRange() const {
         if (!std::isnormal(m_Meaning.factor().toDouble())) {
             refuse(eRefusal::FACTOR_RANGE, whole(),
-                   "a unit of this size is beyond the range of numbers");
+                   "the size of this unit is beyond the range of double");
         }
     }
 
@@ -216,17 +215,17 @@ private:
         return CProductUnit::getInstance(factors, {});
     }
 
-    void remember(const CUnitPtr& unit, bool isKept) const {
+    void store(const CUnitPtr& unit, bool isKept) const {
         if (m_Factors.empty()) {
-            return;  // options decide whether "" and "1" are units, so the cache must not answer
+            return;  // an option decides whether "" is a unit, so the cache must not answer
         }
-        CMemory::CEntry entry{std::string(m_Text),  {},      true,  unit,
-                              unit->getDimension(), m_Notes, isKept};
+        CReadingCache::CEntry entry{std::string(m_Text),  {},      true,  unit,
+                                    unit->getDimension(), m_Notes, isKept};
         for (const CFactor& factor : m_Factors) {
             entry.Names.emplace_back(nameOf(factor), factor.Named);
             entry.AreExact = entry.AreExact && factor.IsExact;
         }
-        CMemory::instance(m_Options).remember(std::move(entry));
+        CReadingCache::instance(m_Options).store(std::move(entry));
     }
 
     // Products that differ only in where the prefixes are have the same identity: N·mm may come as mN·m.
@@ -334,7 +333,7 @@ Outcome readOrRefuse(std::string_view text, Read read) {
 
 CReading read(std::string_view text, const CReadOptions& options, bool isKept) {
     if (!isKept) {
-        if (const CMemory::CEntry* known = CMemory::instance(options).find(text)) {
+        if (const CReadingCache::CEntry* known = CReadingCache::instance(options).find(text)) {
             return {known->Unit, std::nullopt, known->Notes};
         }
     }
@@ -349,5 +348,4 @@ CMeaningReading readForMeaning(std::string_view text, const CReadOptions& option
     });
 }
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked

@@ -6,17 +6,15 @@
 
 #include "mensor_checked/Reading.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
-/// Does the work of tryReadUnit. With `isKept`, the result stays in the cache for good. The caller holds
-/// the lock.
+/// Does the work of tryReadUnit. With `isKept`, the result stays in the cache (ReadingCache.h) for good.
+/// The caller holds the lock.
 CReading read(std::string_view text, const CReadOptions& options, bool isKept);
 
 /// Does the work of tryReadMeaning. The caller holds the lock.
 CMeaningReading readForMeaning(std::string_view text, const CReadOptions& options);
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked
 
 #endif  // MENSOR_CHECKED_UNITREADER_H

@@ -17,8 +17,7 @@
 #include "mensor_exact/NumberText.h"
 #include "mensor_exact/utf8.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 namespace {
 
@@ -38,7 +37,8 @@ public:
         const double size = number();
         CReading reading = checked::read(m_Text.substr(m_Number.UnitBegin), m_Options, false);
         if (reading.Refusal) {
-            // What is wrong with the form may be the fault of the number before it.
+            // The number before the unit may have caused the error ("1 000 m"), so the refusal of the
+            // whole text comes first.
             if (auto fault = formFault(m_Text, m_Number.UnitBegin, m_Options)) {
                 throw Refused{std::move(*fault)};
             }
@@ -49,7 +49,7 @@ public:
     }
 
 private:
-    // Without its sign.
+    // Returns the number without its sign.
     double number() const {
         switch (m_Number.Kind) {
             case exact::eNumber::NAN_WORD: return std::numeric_limits<double>::quiet_NaN();
@@ -63,12 +63,12 @@ private:
         const bool isZero = mantissa.find_first_of("123456789") == std::string_view::npos;
         if (error == std::errc::result_out_of_range || std::isinf(x) || (x == 0.0 && !isZero)) {
             throw Refused{diagnose(eRefusal::NUMBER_RANGE, m_Text, m_Number.Whole,
-                                   "no double is that large or that small")};
+                                   "this number is beyond the range of double")};
         }
         return x;
     }
 
-    // The diagnosis of the unit as one of the whole text.
+    // Returns the diagnosis of the unit with positions that count from the start of the whole text.
     CDiagnosis ofWhole(CDiagnosis diagnosis) const {
         const std::size_t begin = m_Number.UnitBegin;
         diagnosis.Text = m_Text;
@@ -91,7 +91,7 @@ private:
     exact::CNumberText m_Number;
 };
 
-// The first name that reads as `unit`.
+// Returns the first name that reads as `unit`, or none.
 std::optional<std::string> readableName(const CUnitPtr& unit) {
     for (std::string& name : namesOf(unit)) {
         if (read(name, {}, false).Unit == unit) {
@@ -112,8 +112,9 @@ std::string powerText(const std::string& name, exact::CExponent exponent) {
     return name + "^" + (exponent.denominator() == 1 ? digits : "(" + digits + ")");
 }
 
-// A product by names that read back, where the library writes one that does not: it writes the millikelvin
-// as "m°C", even where a pack has given it the alias "mK".
+// Returns the product, written with names that read back, or none. It is needed where the library's own
+// text does not read back: the library writes the millikelvin as "m°C", although a pack has given it the
+// alias "mK".
 std::optional<std::string> productText(const CUnitPtr& unit) {
     std::string numerator;
     std::string denominator;
@@ -203,5 +204,4 @@ std::string writeValue(const CValueWithUnit& value, const CReadOptions& options)
     return writeValue(value.value(), value.unit(), options);
 }
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked

@@ -1,4 +1,4 @@
-// Values.h: values as text, with every digit, in every locale.
+// Values.h: reads and writes values as text, with all digits and independent of the locale.
 //
 //     checked::readValue("2.5 km").valueAs(SI::Meter());       // 2500, also under a comma locale
 //     checked::readValue("2,5 km");                            // throws CReadError: DECIMAL_COMMA
@@ -19,33 +19,32 @@
 #include "mensor_checked/Reading.h"
 #include "mensor_checked/checked_export.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
-/// The outcome of reading a value without exceptions.
+/// What tryReadValue returns: a value or a refusal, never both.
 struct CValueReading {
     double Value = 0.0;                 ///< in `Unit`
     CUnitPtr Unit;                      ///< empty when refused
-    std::optional<CDiagnosis> Refusal;  ///< positions count from the beginning of the whole text
+    std::optional<CDiagnosis> Refusal;  ///< empty when read; positions count in the whole text
     std::vector<std::string> Notes;     ///< as in CReading
 
     explicit operator bool() const { return Unit != nullptr; }
 };
 
-/// The value written in `text`: a number, nothing or blanks, a unit (readUnit).
+/// Returns the value written in `text`: a number, optional blanks and a unit (readUnit).
 ///
-/// A number alone is a value of the dimensionless unit only by CReadOptions::Dimensionless.
+/// A number without a unit is refused, unless CReadOptions::Dimensionless is set.
 /// @throws CReadError  the text is refused.
 /// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
 MENSOR_CHECKED_API CValueWithUnit readValue(std::string_view text,
                                             const CReadOptions& options = {});
 
-/// The same without exceptions for refused texts. Only std::bad_alloc may pass.
+/// Like readValue, but returns refusals. Throws nothing but std::bad_alloc.
 /// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
 MENSOR_CHECKED_API CValueReading tryReadValue(std::string_view text,
                                               const CReadOptions& options = {});
 
-/// A value or unit that cannot be written so that it would read back.
+/// Thrown for a value or a unit that has no text that reads back as the same.
 ///
 /// Class contract: caller serialises changes of one object; distinct objects any thread.
 class MENSOR_CHECKED_API CWriteError : public std::invalid_argument {
@@ -54,14 +53,17 @@ public:
     ~CWriteError() override;
 };
 
-/// The text of `unit` that reads back as the same object: the standard notation, else the ASCII one,
-/// else an alias, of a product the aliases of its factors; none if there is no such text. The dimensionless unit is "One".
+/// Returns a text of `unit` that reads back as the same object, or none. It tries the standard notation,
+/// the ASCII notation, the aliases of the unit and, for a product, the aliases of its factors. The text of
+/// the dimensionless unit is "One".
 /// @throws std::invalid_argument  `unit` is empty.
 /// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
 MENSOR_CHECKED_API std::optional<std::string> textOf(const CUnitPtr& unit);
 
-/// "2.5 km": the shortest digits that read back as the same double, a blank, and textOf the unit.
-/// @throws CWriteError  the unit has no text; the value is not finite and the option is not set.
+/// Returns a text such as "2.5 km": the shortest digits that read back as the same double, a blank, and
+/// textOf(unit).
+/// @throws CWriteError  the unit has no text that reads back; or the value is not finite, and
+///     CReadOptions::NotFinite is not set.
 /// @throws std::invalid_argument  `unit` is empty.
 /// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
 MENSOR_CHECKED_API std::string writeValue(double value, const CUnitPtr& unit,
@@ -69,7 +71,6 @@ MENSOR_CHECKED_API std::string writeValue(double value, const CUnitPtr& unit,
 MENSOR_CHECKED_API std::string writeValue(const CValueWithUnit& value,
                                           const CReadOptions& options = {});
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked
 
 #endif  // MENSOR_CHECKED_VALUES_H

@@ -7,8 +7,7 @@
 #include "mensor_checked/Rounding.h"
 #include "mensor_checked/Words.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 CIdentityError::CIdentityError(const std::string& message, CUnitPtr inTheWay)
     : std::logic_error(message), m_InTheWay(std::move(inTheWay)) {}
@@ -42,5 +41,4 @@ void verify(const CUnitPtr& unit, const CMeaning& meaning) {
                          fault->Dimension);
 }
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked

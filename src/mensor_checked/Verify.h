@@ -1,4 +1,4 @@
-// Verify.h: the check that a unit is the one asked for.
+// Verify.h: checks that a unit has a given meaning.
 //
 //     const auto newton = checked::CMeaning::base("kg") * checked::CMeaning::base("m") /
 //                         checked::CMeaning::base("s").power(2);
@@ -14,10 +14,9 @@
 #include "mensor_checked/Meaning.h"
 #include "mensor_checked/checked_export.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
-/// The library gave another unit than the one asked for, or would convert it wrongly.
+/// Thrown when the library gives another unit than was asked for, or would convert it wrongly.
 ///
 /// Class contract: caller serialises changes of one object; distinct objects any thread.
 class MENSOR_CHECKED_API CIdentityError : public std::logic_error {
@@ -27,30 +26,29 @@ public:
     CIdentityError(const CIdentityError&);
     CIdentityError& operator=(const CIdentityError&);
 
-    CUnitPtr inTheWay() const noexcept;  ///< the unit that bears the identity
+    CUnitPtr inTheWay()
+        const noexcept;  ///< the unit that has the name or the identity; may be empty
 
 private:
     CUnitPtr m_InTheWay;
 };
 
-/// Makes sure that `unit` means `meaning`, and that the library will convert it so: its dimension
-/// and its converter to it are those of the meaning in the current context.
+/// Checks that `unit` means `meaning` and that the library converts it so: its dimension, and the converter
+/// to it, are those of the meaning. Dimensions set by CBaseUnit::setDimension count.
 ///
-/// Exponents, radians, steradians and bits must be the same. Factors and offsets may differ by the
-/// rounding of the doubles by which the registry converts: three roundings, each by at most 2^-53 of the
-/// result, for each number of the chain of converters. In a product of units, the k roundings of a
-/// factor to the power p count k·p times, and each power three times more; a root that is no power of two
-/// adds the logarithm of the power, since its exponent is rounded, too. The second of arc may be 14
-/// roundings off, the milligram per litre 20.
+/// Exponents, radians, steradians and bits must be the same. Factors and offsets may differ by the rounding
+/// of doubles. One rounding is at most 2^-53 of the result. Each number of a chain of converters may add
+/// three. In a product of units, a factor with k roundings adds k·p + 3 if its exponent is p. A root that is
+/// not a power of two adds the logarithm of the power, because its exponent is rounded, too. The second of
+/// arc may differ by 14 roundings, the milligram per litre by 20.
 ///
 ///     verify(CUnit::fromString("kg/(s·K)"), CMeaning::base("kg") / CMeaning::base("s") / ...);
-/// @throws CIdentityError  names the object, what it means and what was asked for.
+/// @throws CIdentityError  the check fails. The message names the unit, its meaning and `meaning`.
 /// @throws std::invalid_argument  `unit` is empty.
 /// @throws exact::CError  as meaningOf.
 /// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
 MENSOR_CHECKED_API void verify(const CUnitPtr& unit, const CMeaning& meaning);
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked
 
 #endif  // MENSOR_CHECKED_VERIFY_H

@@ -9,13 +9,12 @@
 #include "mensor_checked/UnitReader.h"
 #include "mensor_checked/Values.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 namespace {
 
-// Fills what the library keeps for each unit: its dimension and the converter to it, which is what
-// every conversion of the unit is put together from.
+// Makes the library cache the dimension of the unit and the converter to it. Every conversion of the unit
+// uses these two.
 void warm(const CUnitPtr& unit) {
     try {
         const CUnitPtr dimension = unit->getDimension();
@@ -24,7 +23,7 @@ void warm(const CUnitPtr& unit) {
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception&) {
-        // A unit that cannot be converted, as a product with an offset: nothing to be kept.
+        // Some units cannot be converted, such as a product with an offset unit. Nothing is cached for them.
     }
 }
 
@@ -44,12 +43,11 @@ std::vector<CFinding> warmUp(const std::vector<std::string>& texts, const CReadO
             continue;
         }
         warm(reading.Unit);
-        if (const auto text = textOf(reading.Unit)) {  // which writing reads back
+        if (const auto text = textOf(reading.Unit)) {  // writing a value reads this text back
             read(*text, {}, true);
         }
     }
     return findings;
 }
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked

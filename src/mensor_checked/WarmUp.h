@@ -1,9 +1,9 @@
-// WarmUp.h: start-up for programs that must not lose time later.
+// WarmUp.h: does slow work at start-up, for programs that must be fast later.
 //
-//     checked::warmUp({"km/h", "W/(m²·K)", "N·m"});            // before it matters
+//     checked::warmUp({"km/h", "W/(m²·K)", "N·m"});
 //
-// What is read, made or converted for the first time takes longer than what is known, and holds
-// CUnit::mutex() meanwhile. warmUp() does all of that beforehand.
+// The first reading, making or converting of a unit takes longer than later ones, and holds CUnit::mutex()
+// all the time. warmUp() does this first work in advance.
 #ifndef MENSOR_CHECKED_WARMUP_H
 #define MENSOR_CHECKED_WARMUP_H
 
@@ -14,19 +14,18 @@
 #include "mensor_checked/Reading.h"
 #include "mensor_checked/checked_export.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
-/// Does on this thread all lazy work for every unit with a label, an alias or a symbol, and for the
-/// given texts, so that afterwards reading, converting and writing these never takes a first-time
-/// path. Gives the texts that are refused, as audit does.
+/// Reads each unit with a label, an alias or a symbol, and each of `texts`, and fills all caches for them.
+/// After that, reading, converting and writing these units is fast from the start. Returns the texts that
+/// are refused, as audit does.
 ///
-/// Idempotent. A client that registers units, or changes a base unit's dimension, calls it again.
+/// Calling it twice does no harm. Call it again after registering units or changing the dimension of a base
+/// unit.
 /// @par Threads  Any thread, locks CUnit::mutex() for all its work.
 MENSOR_CHECKED_API std::vector<CFinding> warmUp(const std::vector<std::string>& texts = {},
                                                 const CReadOptions& options = {});
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked
 
 #endif  // MENSOR_CHECKED_WARMUP_H

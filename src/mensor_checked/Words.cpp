@@ -8,8 +8,7 @@
 
 #include "mensor_exact/Error.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 namespace {
 
@@ -70,5 +69,4 @@ std::string meaningInWords(const CUnitPtr& unit) {
     }
 }
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked

@@ -1,4 +1,4 @@
-// Words.h: what messages are made of. For the companion's own use; not installed.
+// Words.h: parts of messages. For the companion's own use; not installed.
 #ifndef MENSOR_CHECKED_WORDS_H
 #define MENSOR_CHECKED_WORDS_H
 
@@ -7,29 +7,28 @@
 #include "mensor/Unit.h"
 #include "mensor_checked/Meaning.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
-/// @throws std::invalid_argument  "product: the unit is an empty pointer".
+/// Throws unless there is a unit.
+/// @throws std::invalid_argument  "product: the unit is an empty pointer", if `function` is "product".
 void requireUnit(const CUnitPtr& unit, const char* function);
 
-/// `text` in double quotes.
+/// Returns `text` in double quotes.
 std::string quoted(const std::string& text);
 
-/// The shortest digits that read back as the same double.
+/// Returns the shortest digits that read back as the same double.
 std::string shortest(double x);
 
-/// `unit` for a message: its text, else what it means. Quoted.
+/// Returns the text of `unit` in quotes, or its meaning in quotes if it has no text.
 std::string describe(const CUnitPtr& unit);
 
-/// `meaning` for a message, quoted. Numbers that are only exact with many digits, as doubles mostly are,
-/// come with the shortest digits of the nearest double.
+/// Returns `meaning` in quotes. A number with more than 24 characters, which most doubles would need, is
+/// given by the shortest digits of the nearest double.
 std::string inWords(const CMeaning& meaning);
 
-/// What `unit` means for a message; if it has no exact meaning, why.
+/// Returns the meaning of `unit` in quotes, or why it has no exact meaning.
 std::string meaningInWords(const CUnitPtr& unit);
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked
 
 #endif  // MENSOR_CHECKED_WORDS_H

@@ -1,5 +1,5 @@
-// checked_export.h: the boundary of the companion. What bears MENSOR_CHECKED_API is exported from
-// libmensor_checked.so; everything else is compiled with hidden visibility and stays inside.
+// checked_export.h: MENSOR_CHECKED_API marks what libmensor_checked.so exports. Everything else has hidden
+// visibility.
 #ifndef MENSOR_CHECKED_CHECKED_EXPORT_H
 #define MENSOR_CHECKED_CHECKED_EXPORT_H
 

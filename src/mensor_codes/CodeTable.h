@@ -1,13 +1,11 @@
 // CodeTable.h: a table of codes and their meanings as constant data. For the library's own use; not
 // installed.
 //
-// A table is a file of rows in texts, which a source file includes several times:
+// A table is a file of rows (unece.def, senml.def, ucum.def). table.inc makes the constants Texts and Lengths
+// from it.
 //
-//     MENSOR_CODE(code, definition, symbol, name, source, same, note)
-//     MENSOR_REFUSED(code, symbol, name, reason, note)
-//
-// The compiler evaluates the definitions and keeps each factor and each product of base units once.
-// Nothing is done when the library is loaded, and nothing is written later.
+// The compiler evaluates the definitions and stores each different factor and product of base units once.
+// Loading the library does no work, and no table ever changes.
 #ifndef MENSOR_CODES_CODETABLE_H
 #define MENSOR_CODES_CODETABLE_H
 
@@ -23,13 +21,12 @@
 #include "mensor_codes/Sources.h"
 #include "mensor_exact/Fraction.h"
 
-namespace mensor {
-namespace codes {
+namespace mensor::codes {
 
 /// The lengths of the texts of one row. A text of more than 255 bytes does not compile.
 struct CCodeLengths {
     std::uint8_t Code;
-    std::uint8_t Definition;  // 0: refused
+    std::uint8_t Definition;  // 0 if the code is refused
     std::uint8_t Symbol;
     std::uint8_t Name;
     std::uint8_t SameAs;
@@ -131,7 +128,7 @@ template <class T, std::size_t Most>
 struct CDistinct {
     static constexpr std::size_t Places = 4 * Most;
     T Elements[Most] = {};
-    std::uint16_t Place[Places] = {};  // a number + 1
+    std::uint16_t Place[Places] = {};  // the number of the element plus 1; 0 if the place is free
     std::size_t Count = 0;
 
     constexpr std::uint16_t numberOf(const T& value) {
@@ -148,7 +145,7 @@ struct CDistinct {
 };
 
 struct CRow {
-    std::uint16_t Factor;  // numbers of what is stored once
+    std::uint16_t Factor;  // each member is an index into the list of its name
     std::uint16_t Units;
     std::uint16_t Offset;
 };
@@ -159,14 +156,14 @@ struct CEvaluated {
     CDistinct<CFactor, Rows + 1> Factors;
     CDistinct<CUnits, Rows + 1> Units;
     CDistinct<CFactor, Rows + 1> Offsets;
-    std::size_t Bad = Rows;  // the first row that cannot be what it says
+    std::size_t Bad = Rows;  // the first row that cannot be evaluated; Rows if there is none
 };
 
 template <const char* Texts, const CCodeLengths* Lengths, std::size_t Rows>
 constexpr CEvaluated<Rows> makeEvaluated() {
     CEvaluated<Rows> all{};
-    all.Factors.numberOf(
-        CFactor(exact::CSmallFraction(1), 0));  // so that none of the lists is empty
+    // Each list gets an element, because an array cannot be empty.
+    all.Factors.numberOf(CFactor(exact::CSmallFraction(1), 0));
     all.Units.numberOf(CUnits());
     all.Offsets.numberOf(CFactor(exact::CSmallFraction(), 0));
     const auto starts = makeStarts<Lengths, Rows>();
@@ -204,11 +201,11 @@ constexpr void copy(const T* from, std::size_t count, T* to) {
     }
 }
 
-// A row of the table, counted from 0, is no definition, uses an unknown name, or needs more than 64 bits.
-// The compiler's message names its number.
+// Fails to compile if a definition is malformed, uses an unknown name or needs more than 64 bits. The
+// message of the compiler shows the number of the row, counted from 0.
 template <std::size_t Row, std::size_t Rows>
 struct CBadRow {
-    static_assert(Row == Rows, "the row of this number cannot be what it says");
+    static_assert(Row == Rows, "the definition in the row with this number cannot be evaluated");
     static constexpr bool IsGood = true;
 };
 
@@ -237,14 +234,15 @@ inline constexpr exact::CNameIndex<Rows> Index([](std::size_t row) {
 
 }  // namespace stored
 
-/// How much larger a unit of the factor `near` is than one of `asked`, as a part of it.
+/// Returns near/asked - 1.
 inline double deviation(const exact::CFactor& near, const exact::CFactor& asked) {
     const exact::CFactor ratio = near / asked;
     return ratio.isRational() ? (ratio.radicand() - exact::CFraction(1)).toDouble()
                               : ratio.toDouble() - 1.0;
 }
 
-/// Texts are those of all rows, one behind the other in the order of CCodeLengths.
+/// A table of codes. `Texts` has the texts of all rows in sequence; those of a row are in the order of
+/// CCodeLengths.
 template <const char* Texts, const CCodeLengths* Lengths, std::size_t Rows>
 class CCodeTable {
 public:
@@ -257,7 +255,7 @@ public:
 
     static bool isRefused(std::size_t row) { return Lengths[row].Definition == 0; }
 
-    /// Why a code is refused.
+    /// Returns why a code is refused.
     static std::string_view reason(std::size_t row) { return textOf(Lengths[row].Source); }
 
     static exact::CSmallMeaning smallMeaning(std::size_t row) {
@@ -351,7 +349,6 @@ public:
     }
 };
 
-}  // namespace codes
-}  // namespace mensor
+}  // namespace mensor::codes
 
 #endif  // MENSOR_CODES_CODETABLE_H

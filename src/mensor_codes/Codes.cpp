@@ -7,14 +7,13 @@
 #include "mensor_codes/Sources.h"
 #include "mensor_codes/System.h"
 
-namespace mensor {
-namespace codes {
+namespace mensor::codes {
 
 namespace {
 
 std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
-// "UCUM", "UCUM and SenML", "UCUM, SenML and OpenTelemetry".
+// Returns "UCUM", "UCUM and SenML" or "UCUM, SenML and OpenTelemetry".
 std::string listed(const std::vector<const char*>& names) {
     std::string list;
     for (std::size_t i = 0; i < names.size(); ++i) {
@@ -26,7 +25,7 @@ std::string listed(const std::vector<const char*>& names) {
     return list;
 }
 
-// Which other systems have the code, by their names.
+// Returns the names of the other systems that have the code.
 std::vector<const char*> othersWith(const CRefusal& refusal) {
     std::vector<const char*> names;
     for (const eSystem system : AllSystems) {
@@ -52,7 +51,7 @@ bool differInCaseOnly(std::string_view a, std::string_view b) {
     return true;
 }
 
-// "DZP" (dozen pack) has no exact meaning: the number in a pack must be agreed
+// Returns '"DZP" (dozen pack) has no exact meaning: how much is in one must be agreed'.
 std::string meaningless(const CCode& code, const std::string& reason) {
     std::string sentence = quoted(code.Code);
     if (!code.Name.empty()) {
@@ -65,7 +64,7 @@ std::string meaningless(const CCode& code, const std::string& reason) {
     return sentence;
 }
 
-// Whether the token is a code that the table refuses, and not what is wrong with an expression.
+// Returns whether the table has the code and refuses it.
 bool isRefused(const std::optional<CCode>& code) { return code && code->Definition.empty(); }
 
 }  // namespace
@@ -203,5 +202,4 @@ CMatch codeFor(eSystem system, const exact::CMeaning& meaning) {
     return systemOf(system).codeFor(meaning);
 }
 
-}  // namespace codes
-}  // namespace mensor
+}  // namespace mensor::codes

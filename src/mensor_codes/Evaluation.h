@@ -1,4 +1,4 @@
-// Evaluation.h: what definitions of codes mean, evaluated by the compiler. For the library's own use; not
+// Evaluation.h: lets the compiler evaluate the definitions of codes. For the library's own use; not
 // installed.
 //
 //     constexpr exact::CSmallMeaning meaning = evaluated("kg/(m·s)");
@@ -14,11 +14,10 @@
 #include "mensor_exact/NameIndex.h"
 #include "mensor_exact/SmallMeaning.h"
 
-namespace mensor {
-namespace codes {
+namespace mensor::codes {
 
-/// A unit of mensor_exact/definitions.def. Returns false if it has none of this name. Names that two
-/// packs have are not looked at.
+/// Finds a unit of mensor_exact/definitions.def. Returns false if there is none with this name. The packs US
+/// and IMPERIAL are left out, because they use the same names for different units.
 constexpr bool exactUnit(std::string_view name, exact::CSmallMeaning& result) {
     namespace table = exact::table;
     const std::size_t found = table::findRow(
@@ -37,8 +36,8 @@ constexpr bool exactUnit(std::string_view name, exact::CSmallMeaning& result) {
     return true;
 }
 
-/// What a definition means. unitOf(name, meaning) gives the units and returns false for unknown names.
-/// Returns false where the text is no definition or 64 bits are too few.
+/// Evaluates a definition. unitOf(name, meaning) finds units and returns false for unknown names. Returns
+/// false if the text is malformed or 64 bits are not enough.
 template <class UnitOf>
 constexpr bool evaluate(std::string_view definition, const UnitOf& unitOf,
                         exact::CSmallMeaning& result) {
@@ -78,7 +77,7 @@ constexpr bool evaluate(std::string_view definition, const UnitOf& unitOf,
             default: return false;
         }
         if (terms == 0 && halves == 2) {
-            result = factor;  // alone it keeps its offset
+            result = factor;  // a single unit keeps its offset
         } else if (!result.multiply(factor, halves)) {
             return false;
         }
@@ -91,7 +90,7 @@ namespace units {
 
 struct CUnit {
     std::string_view Name;
-    std::string_view Definition;  // empty: a dimension of its own
+    std::string_view Definition;  // empty for a dimension of its own
 };
 
 inline constexpr CUnit Texts[] = {
@@ -108,7 +107,7 @@ inline constexpr exact::CNameIndex<Count> Index([](std::size_t row) { return Tex
 
 struct CMeanings {
     exact::CSmallMeaning Row[Count];
-    std::size_t Bad = Count;  ///< the first row that cannot be what it says; Count: all are good
+    std::size_t Bad = Count;  ///< the first row that cannot be evaluated; Count if there is none
 };
 
 constexpr bool find(const CMeanings& all, std::string_view name, exact::CSmallMeaning& result) {
@@ -119,7 +118,7 @@ constexpr bool find(const CMeanings& all, std::string_view name, exact::CSmallMe
         return exactUnit(name, result);
     }
     result = all.Row[row];
-    return !result.Factor.isZero();  // zero where it has not been computed yet
+    return !result.Factor.isZero();  // zero if the row has not been computed yet
 }
 
 constexpr CMeanings makeMeanings() {
@@ -144,10 +143,10 @@ inline constexpr CMeanings Meanings = makeMeanings();
 
 static_assert(
     Meanings.Bad == Count,
-    "a row of units.def is no definition, uses a name that is not above it, or needs more "
+    "a definition in units.def is malformed, uses a name that is not above it, or needs more "
     "than 64 bits");
 
-/// The dimensions of their own, as constants without pointers.
+/// The names of the dimensions in units.def, as constants without pointers.
 struct COwnName {
     char Text[24];
 };
@@ -160,7 +159,7 @@ inline constexpr COwnName OwnNames[] = {
 #undef MENSOR_UNIT
 };
 
-/// The place of a dimension in OwnNames; 0 for no name.
+/// Returns the index of a dimension in OwnNames; 0 for an empty name.
 constexpr std::uint8_t ownPlace(std::string_view name) {
     std::uint8_t place = 0;
     for (const COwnName& own : OwnNames) {
@@ -174,7 +173,7 @@ constexpr std::uint8_t ownPlace(std::string_view name) {
 
 }  // namespace units
 
-/// What a definition of the tables means, with the units of units.def and of the exact library.
+/// Evaluates a definition of the tables, with the units of units.def and of the exact library.
 constexpr bool evaluate(std::string_view definition, exact::CSmallMeaning& result) {
     return evaluate(
         definition,
@@ -184,7 +183,6 @@ constexpr bool evaluate(std::string_view definition, exact::CSmallMeaning& resul
         result);
 }
 
-}  // namespace codes
-}  // namespace mensor
+}  // namespace mensor::codes
 
 #endif  // MENSOR_CODES_EVALUATION_H

@@ -2,8 +2,7 @@
 
 #include "mensor_codes/System.h"
 
-namespace mensor {
-namespace codes {
+namespace mensor::codes {
 
 namespace {
 
@@ -11,9 +10,9 @@ constexpr const char* Unknown = "{} is no unit id of OPC UA";
 
 bool isOfCode(unsigned char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z'); }
 
-// The number that the text is, without a sign or zeros in front; 0 if it is none or too large.
+// Returns the number in a text of digits without leading zeros; 0 for any other text or too many digits.
 std::int32_t numberOf(std::string_view text) {
-    constexpr std::size_t MostDigits = 8;  // three characters need no more
+    constexpr std::size_t MostDigits = 8;  // enough for three characters
     if (text.empty() || text.size() > MostDigits || text[0] == '0') {
         return 0;
     }
@@ -27,7 +26,7 @@ std::int32_t numberOf(std::string_view text) {
     return number;
 }
 
-// The codes of UN/CEFACT, each as its unit id.
+// The codes of UN/CEFACT, written as unit ids.
 class COpcUa final : public CSystem {
 public:
     const char* name() const override { return "OPC UA"; }
@@ -35,7 +34,7 @@ public:
     CReading tryRead(std::string_view text) const override {
         const std::string code = codeOfUnitId(numberOf(text));
         CReading reading = unece().tryRead(code);
-        if (!reading) {  // the refusal is about the code, and this one about the text
+        if (!reading) {  // that refusal names the code; this one must name the text
             const bool isKnown = reading.Refusal.Code == exact::eRefusal::NO_MEANING;
             reading.Refusal =
                 text.empty() ? refusalOf(eSystem::OPCUA, text, exact::eRefusal::EMPTY,
@@ -112,7 +111,7 @@ std::string codeOfUnitId(std::int32_t unitId) {
     for (int shift = 16; shift >= 0; shift -= 8) {
         const auto c = static_cast<unsigned char>((unitId >> shift) & 0xFF);
         if (c == 0 && code.empty()) {
-            continue;  // a code of fewer characters
+            continue;  // the code has fewer characters
         }
         if (!isOfCode(c)) {
             return {};
@@ -144,5 +143,4 @@ exact::CMeaning readOpcUa(const CEUInformation& unit) {
     return read(eSystem::OPCUA, std::to_string(unit.UnitId));
 }
 
-}  // namespace codes
-}  // namespace mensor
+}  // namespace mensor::codes

@@ -1,12 +1,11 @@
-// Sources.h: the sources and reasons that tables of codes give. For the library's own use; not installed.
+// Sources.h: the sources and reasons in the tables of codes. For the library's own use; not installed.
 #ifndef MENSOR_CODES_SOURCES_H
 #define MENSOR_CODES_SOURCES_H
 
 #include <cstdint>
 #include <string_view>
 
-namespace mensor {
-namespace codes {
+namespace mensor::codes {
 
 enum class eSource : std::uint8_t {
 #define MENSOR_SOURCE(id, text) id,
@@ -16,10 +15,9 @@ enum class eSource : std::uint8_t {
 #undef MENSOR_REASON
 };
 
-/// The text of sources.def.
+/// Returns the text in sources.def.
 std::string_view textOf(eSource source);
 
-}  // namespace codes
-}  // namespace mensor
+}  // namespace mensor::codes
 
 #endif  // MENSOR_CODES_SOURCES_H

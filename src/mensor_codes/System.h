@@ -1,4 +1,4 @@
-// System.h: what each system of codes does for the interface. For the library's own use; not installed.
+// System.h: the base class of the systems of codes. For the library's own use; not installed.
 #ifndef MENSOR_CODES_SYSTEM_H
 #define MENSOR_CODES_SYSTEM_H
 
@@ -10,10 +10,9 @@
 
 #include "mensor_codes/Codes.h"
 
-namespace mensor {
-namespace codes {
+namespace mensor::codes {
 
-/// One system. Objects are constants of the library.
+/// One system of codes. All objects are constants of the library.
 class CSystem {
 public:
     virtual const char* name() const = 0;
@@ -30,10 +29,10 @@ public:
     /// As codes::codeFor().
     virtual CMatch codeFor(const exact::CMeaning& meaning) const = 0;
 
-    /// Codes that `token`, which is refused, may have meant: those that differ in capital letters alone.
+    /// Returns codes that the refused `token` may have meant: those that differ only in case.
     virtual std::vector<std::string> suggestions(std::string_view token) const;
 
-    /// What a whole text that is refused may have meant; mostly nothing.
+    /// Returns texts that a refused text may have meant as a whole. Empty for most systems.
     virtual std::vector<std::string> readings(const CRefusal& refusal) const;
 
 protected:
@@ -49,13 +48,12 @@ const CSystem& openTelemetry();
 
 const CSystem& systemOf(eSystem system);
 
-/// The refusal of a whole code.
+/// Returns the refusal of a whole text.
 inline CRefusal refusalOf(eSystem system, std::string_view text, exact::eRefusal code,
                           std::string_view sentence) {
     return {code, system, text, {0, text.size()}, sentence};
 }
 
-}  // namespace codes
-}  // namespace mensor
+}  // namespace mensor::codes
 
 #endif  // MENSOR_CODES_SYSTEM_H

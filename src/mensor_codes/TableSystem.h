@@ -1,25 +1,25 @@
-// TableSystem.h: a system whose codes are all in a table. For the library's own use; not installed.
+// TableSystem.h: a system whose codes are the rows of a table. For the library's own use; not installed.
 #ifndef MENSOR_CODES_TABLESYSTEM_H
 #define MENSOR_CODES_TABLESYSTEM_H
 
 #include "mensor_codes/CodeTable.h"
 #include "mensor_codes/System.h"
 
-namespace mensor {
-namespace codes {
+namespace mensor::codes {
 
 /// CTable is a CCodeTable.
 template <class CTable, eSystem System>
 class CTableSystem final : public CSystem {
 public:
-    /// The name of the system, and the sentence about a code that it does not have.
+    /// @param name     the name of the system
+    /// @param unknown  the sentence of a refusal if the system does not have the code
     constexpr CTableSystem(const char* name, const char* unknown)
         : m_Name(name), m_Unknown(unknown) {}
 
     const char* name() const override { return m_Name; }
 
     CReading tryRead(std::string_view code) const override {
-        CReading reading;  // in all cases, so that it is made where the caller wants it
+        CReading reading;  // the only local of its type, so that it is not copied on return
         const std::size_t row = CTable::find(code);
         if (row == CTable::None) {
             reading.Refusal =
@@ -56,7 +56,6 @@ private:
     const char* m_Unknown;
 };
 
-}  // namespace codes
-}  // namespace mensor
+}  // namespace mensor::codes
 
 #endif  // MENSOR_CODES_TABLESYSTEM_H

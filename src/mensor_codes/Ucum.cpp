@@ -4,12 +4,11 @@
 #include "mensor_codes/UcumSuggestions.h"
 #include "mensor_codes/UcumWriter.h"
 
-namespace mensor {
-namespace codes {
+namespace mensor::codes {
 
 namespace {
 
-// UCUM, also under the name of a system that takes its codes.
+// UCUM, and the base class of systems that use its codes.
 class CUcum : public CSystem {
 public:
     constexpr CUcum(eSystem system, const char* name) : m_System(system), m_Name(name) {}
@@ -43,7 +42,7 @@ private:
     const char* m_Name;
 };
 
-// The codes of UCUM, and "rpm": the conventions of OpenTelemetry have it for fans, and UCUM does not.
+// The codes of UCUM, and "rpm", which OpenTelemetry's conventions use for fans.
 class COpenTelemetry final : public CUcum {
 public:
     constexpr COpenTelemetry() : CUcum(eSystem::OPENTELEMETRY, "OpenTelemetry") {}
@@ -88,5 +87,4 @@ constexpr COpenTelemetry OpenTelemetry;
 const CSystem& ucum() { return Ucum; }
 const CSystem& openTelemetry() { return OpenTelemetry; }
 
-}  // namespace codes
-}  // namespace mensor
+}  // namespace mensor::codes

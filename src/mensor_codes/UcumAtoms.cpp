@@ -2,39 +2,12 @@
 
 #include "mensor_codes/CodeTable.h"
 
-namespace mensor {
-namespace codes {
+namespace mensor::codes {
 
 namespace {
 
-constexpr char Texts[] =
-#define MENSOR_CODE(code, definition, symbol, name, source, same, note) \
-    code definition symbol name same note
-#define MENSOR_METRIC(code, definition, symbol, name, source, same, note) \
-    MENSOR_CODE(code, definition, symbol, name, source, same, note)
-#define MENSOR_REFUSED(code, symbol, name, reason, note) code symbol name note
-#define MENSOR_REFUSED_METRIC(code, symbol, name, reason, note) \
-    MENSOR_REFUSED(code, symbol, name, reason, note)
-#include "mensor_codes/ucum.def"
-#undef MENSOR_CODE
-#undef MENSOR_REFUSED
-    ;
-
-// NOLINTBEGIN(bugprone-macro-parentheses): the arguments are literals, and the array's initialiser a list.
-constexpr CCodeLengths Lengths[] = {
-#define MENSOR_CODE(code, definition, symbol, name, source, same, note)          \
-    {sizeof code - 1, sizeof definition - 1, sizeof symbol - 1, sizeof name - 1, \
-     sizeof same - 1, sizeof note - 1,       eSource::source,   false},
-#define MENSOR_REFUSED(code, symbol, name, reason, note)                            \
-    {sizeof code - 1, 0,    sizeof symbol - 1, sizeof name - 1, 0, sizeof note - 1, \
-     eSource::reason, false},
-#include "mensor_codes/ucum.def"
-#undef MENSOR_CODE
-#undef MENSOR_METRIC
-#undef MENSOR_REFUSED
-#undef MENSOR_REFUSED_METRIC
-};
-// NOLINTEND(bugprone-macro-parentheses)
+#define MENSOR_TABLE "mensor_codes/ucum.def"
+#include "mensor_codes/table.inc"
 
 constexpr bool TakesPrefixes[] = {
 #define MENSOR_CODE(code, definition, symbol, name, source, same, note) false,
@@ -48,11 +21,7 @@ constexpr bool TakesPrefixes[] = {
 #undef MENSOR_REFUSED_METRIC
 };
 
-constexpr std::size_t Rows = sizeof Lengths / sizeof Lengths[0];
-
-using CTable = CCodeTable<Texts, Lengths, Rows>;
-
-// The prefix that `symbol` begins with and that is `length` characters long; null if there is none.
+// Returns the prefix of `length` characters at the beginning of `symbol`, or null.
 const CUcumPrefix* findPrefix(std::string_view symbol, std::size_t length) {
     for (const CUcumPrefix& prefix : UcumPrefixes) {
         if (prefix.Symbol.size() == length && symbol.substr(0, length) == prefix.Symbol) {
@@ -64,7 +33,7 @@ const CUcumPrefix* findPrefix(std::string_view symbol, std::size_t length) {
 
 }  // namespace
 
-std::size_t CUcumAtoms::size() { return Rows; }
+std::size_t CUcumAtoms::size() { return sizeof Lengths / sizeof Lengths[0]; }
 std::size_t CUcumAtoms::find(std::string_view code) { return CTable::find(code); }
 std::string_view CUcumAtoms::codeOf(std::size_t row) { return CTable::codeOf(row); }
 CCode CUcumAtoms::code(std::size_t row) { return CTable::code(row); }
@@ -99,5 +68,4 @@ eUcumUnit findUcumUnit(std::string_view symbol, CUcumUnit& unit) {
     return isPrefixed ? eUcumUnit::TAKES_NO_PREFIX : eUcumUnit::UNKNOWN;
 }
 
-}  // namespace codes
-}  // namespace mensor
+}  // namespace mensor::codes

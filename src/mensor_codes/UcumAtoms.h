@@ -1,7 +1,7 @@
 // UcumAtoms.h: the atoms and prefixes of UCUM. For the library's own use; not installed.
 //
 //     CUcumUnit unit;
-//     findUcumUnit("mm[Hg]", unit);       // FOUND: the atom m[Hg] behind the prefix m
+//     findUcumUnit("mm[Hg]", unit);       // FOUND: the prefix m and the atom m[Hg]
 //     findUcumUnit("kmin", unit);         // TAKES_NO_PREFIX
 #ifndef MENSOR_CODES_UCUMATOMS_H
 #define MENSOR_CODES_UCUMATOMS_H
@@ -13,8 +13,7 @@
 #include "mensor_codes/Codes.h"
 #include "mensor_exact/SmallMeaning.h"
 
-namespace mensor {
-namespace codes {
+namespace mensor::codes {
 
 /// The rows of ucum.def, as constant data.
 class CUcumAtoms {
@@ -22,19 +21,20 @@ public:
     static constexpr std::size_t None = static_cast<std::size_t>(-1);
 
     static std::size_t size();
-    static std::size_t find(std::string_view code);  ///< None: there is no such atom
+    static std::size_t find(std::string_view code);  ///< returns the row, or None
     static std::string_view codeOf(std::size_t row);
     static CCode code(std::size_t row);
     static bool takesPrefixes(std::size_t row);
 
-    /// Whether the atom is a function other than a factor and an offset.
+    /// Returns whether the atom has no meaning, because UCUM defines it by another function than a factor
+    /// and an offset.
     static bool isRefused(std::size_t row);
     static std::string_view reason(std::size_t row);  ///< why it is refused
 
-    /// What an atom means that is not refused.
+    /// Returns what the atom means. The atom must not be a refused one.
     static exact::CSmallMeaning meaning(std::size_t row);
 
-    /// Whether the library writes another code for what the atom means.
+    /// Returns whether the library writes another code for the meaning of this atom.
     static bool isSynonym(std::size_t row);
 };
 
@@ -59,18 +59,17 @@ inline constexpr CUcumPrefix UcumPrefixes[] = {
     {"Gi", exact::CSmallFraction(1073741824)}, {"Ti", exact::CSmallFraction(1099511627776)},
 };
 
-/// An atom, perhaps behind a prefix.
+/// An atom with or without a prefix.
 struct CUcumUnit {
     std::size_t Atom = CUcumAtoms::None;
-    const CUcumPrefix* Prefix = nullptr;  ///< none if null
+    const CUcumPrefix* Prefix = nullptr;  ///< null if there is none
 };
 
 enum class eUcumUnit { FOUND, UNKNOWN, TAKES_NO_PREFIX };
 
-/// Finds what `symbol` is: an atom, else a prefix and an atom that takes one.
+/// Looks up `symbol` as an atom, and then as a prefix and an atom that takes prefixes.
 eUcumUnit findUcumUnit(std::string_view symbol, CUcumUnit& unit);
 
-}  // namespace codes
-}  // namespace mensor
+}  // namespace mensor::codes
 
 #endif  // MENSOR_CODES_UCUMATOMS_H

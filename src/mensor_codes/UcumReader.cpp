@@ -1,6 +1,6 @@
-// UcumReader.cpp: one loop over the components of an expression. Brackets need no recursion: since
-// everything in them is multiplied in the end, it is enough to know for each open bracket whether what is
-// in it multiplies or divides.
+// UcumReader.cpp: one loop over the components of an expression. Brackets need no recursion, because an
+// expression has only products and quotients. It is enough to know for each open bracket whether its
+// contents multiply or divide.
 #include "mensor_codes/UcumReader.h"
 
 #include <array>
@@ -14,21 +14,20 @@
 #include "mensor_exact/Parser.h"
 #include "mensor_exact/utf8.h"
 
-namespace mensor {
-namespace codes {
+namespace mensor::codes {
 
 namespace {
 
 using exact::CSpan;
 using exact::eRefusal;
 
-constexpr char End = '\0';  // a NUL in the text is refused, too
+constexpr char End = '\0';  // a NUL in the text is also refused
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 bool isForeign(char c) { return static_cast<unsigned char>(c) >= 0x80; }
 bool isPrintable(char c) { return c > ' ' && c < '\x7F'; }
 
-// Whether an atom can have this character outside of square brackets.
+// Returns whether an atom can have this character outside of square brackets.
 bool isLetter(char c) {
     switch (c) {
         case '"':
@@ -51,9 +50,9 @@ bool isLetter(char c) {
 
 std::string_view sentenceOnForeign(char32_t c) {
     switch (c) {
-        case U' ': return "no blank stands in a code of UCUM";
-        case U'"': return "no quotation mark stands in a code of UCUM";
-        case U'=': return "no equals sign stands in a code of UCUM";
+        case U' ': return "a code of UCUM has no blanks";
+        case U'"': return "a code of UCUM has no quotation marks";
+        case U'=': return "a code of UCUM has no equals signs";
         case U'µ':
         case U'μ': return "codes of UCUM are written in ASCII; the prefix micro is \"u\"";
         case U'°':
@@ -69,17 +68,17 @@ std::string_view sentenceOnForeign(char32_t c) {
         case U'¹':
         case U'⁻': return "codes of UCUM are written in ASCII; exponents are plain digits: \"m2\"";
         default:
-            return c < 0x80 ? "an invisible character stands here"
+            return c < 0x80 ? "this is an invisible character"
                             : "codes of UCUM are written in ASCII";
     }
 }
 
-// Where the factors of an expression are multiplied.
+// The product that an expression means.
 class CProduct {
 public:
-    /// Multiplies by a whole number above zero, or divides by it where `sign` is below 0.
+    /// Multiplies by a whole number above zero. Divides by it if `sign` is below 0.
     virtual void number(std::string_view digits, int sign) = 0;
-    /// Multiplies by a unit that is not refused, raised to `exponent`.
+    /// Multiplies by a unit raised to `exponent`. The unit has a meaning.
     virtual void unit(const CUcumUnit& unit, int exponent) = 0;
 
 protected:
@@ -92,16 +91,16 @@ protected:
 exact::CSmallMeaning meaningOf(const CUcumUnit& unit) {
     exact::CSmallMeaning meaning = CUcumAtoms::meaning(unit.Atom);
     if (unit.Prefix != nullptr) {
-        meaning.Factor.multiply(unit.Prefix->Factor);  // fits: no atom has so large a factor
+        meaning.Factor.multiply(unit.Prefix->Factor);  // fits into 64 bits for all atoms
     }
     return meaning;
 }
 
-// A product in fixed room.
+// A product in 64-bit numbers. It allocates no memory.
 class CSmallProduct final : public CProduct {
 public:
     void number(std::string_view digits, int sign) override {
-        constexpr std::size_t Longest = 19;  // fits into 64 bits
+        constexpr std::size_t Longest = 19;  // 19 digits fit into 64 bits
         const std::size_t begin = digits.find_first_not_of('0');
         digits.remove_prefix(begin);
         std::uint64_t value = 0;
@@ -116,7 +115,7 @@ public:
 
     void unit(const CUcumUnit& unit, int exponent) override {
         const exact::CSmallMeaning meaning = meaningOf(unit);
-        if (m_IsOne && exponent == 1) {  // alone it keeps its offset
+        if (m_IsOne && exponent == 1) {  // a single unit keeps its offset
             m_Meaning = meaning;
         } else {
             m_Fits = m_Fits && m_Meaning.multiply(meaning, 2 * exponent);
@@ -131,7 +130,7 @@ public:
     const exact::CSmallMeaning& meaning() const { return m_Meaning; }
 
 private:
-    exact::CSmallMeaning m_Meaning;  // of no meaning where it does not fit
+    exact::CSmallMeaning m_Meaning;  // unspecified if it does not fit
     bool m_Fits = true;
     bool m_IsOne = true;
 };
@@ -181,14 +180,14 @@ public:
         m_Refusal.Text = text;
     }
 
-    // Returns false where the text is refused. The product is then of no meaning.
+    // Returns false if the text is refused. The product is then unspecified.
     bool read() {
         if (m_Text.size() > exact::LongestText) {
             return refuse(eRefusal::TOO_LONG, {0, 0},
                           "a text of more than 4096 bytes is no code of UCUM");
         }
         if (m_Text.empty()) {
-            return refuse(eRefusal::EMPTY, {0, 0}, "no unit is written; the unit one is \"1\"");
+            return refuse(eRefusal::EMPTY, {0, 0}, "the text is empty; the unit one is \"1\"");
         }
         return expression() && requireMeaning();
     }
@@ -226,7 +225,7 @@ private:
                 return m_Depth == 0 || refuseOpen(m_Brackets[m_Depth - 1].Position);
             }
             if (peek() != '.' && peek() != '/') {
-                return refuseBehindComponent();
+                return refuseAfterComponent();
             }
             sign = peek() == '/' ? -1 : 1;
             ++m_At;
@@ -235,8 +234,7 @@ private:
 
     bool open(int sign) {
         if (m_Depth == m_Brackets.size()) {
-            return refuse(eRefusal::TOO_DEEP, here(),
-                          "more than 64 brackets stand inside each other");
+            return refuse(eRefusal::TOO_DEEP, here(), "brackets are nested more than 64 deep");
         }
         m_Brackets[m_Depth++] = {m_At, m_Sign};
         m_Sign *= sign;
@@ -271,7 +269,7 @@ private:
         return c == '{' ? annotation() : refuseComponent();
     }
 
-    // A factor, or the atom "10*" or "10^".
+    // Reads a factor, or the atom "10*" or "10^".
     bool number(int sign) {
         const std::size_t begin = m_At;
         skipDigits();
@@ -281,7 +279,7 @@ private:
             return unit({begin, m_At}, sign);
         }
         if (digits.find_first_not_of('0') == std::string_view::npos) {
-            addMeaningless({begin, m_At}, "a unit has no factor of zero");
+            addMeaningless({begin, m_At}, "the factor of a unit cannot be zero");
         } else {
             m_Product.number(digits, sign);
         }
@@ -308,7 +306,7 @@ private:
         return skipInside(begin, '}');
     }
 
-    // Steps behind the bracket that closes the one at `begin`.
+    // Skips everything up to and including the bracket that closes the one at `begin`.
     bool skipInside(std::size_t begin, char closing) {
         while (peek() != closing) {
             if (isAtEnd()) {
@@ -317,14 +315,14 @@ private:
             const char c = peek();
             if (c == '[' && closing == ']') {
                 return refuse(eRefusal::UNEXPECTED_CHARACTER, here(),
-                              "no square bracket stands inside another");
+                              "square brackets cannot be nested");
             }
             if (c == '{') {
                 return refuse(eRefusal::UNEXPECTED_CHARACTER, here(),
-                              "no annotation stands inside brackets");
+                              "an annotation cannot be inside square brackets or braces");
             }
             if (c == '}') {
-                return refuse(eRefusal::STRAY_BRACKET, here(), "no annotation is open here");
+                return refuse(eRefusal::STRAY_BRACKET, here(), "unmatched closing bracket");
             }
             if (!isPrintable(c)) {
                 return refuseForeign();
@@ -335,7 +333,7 @@ private:
         return true;
     }
 
-    // The unit written at `symbol`, and the exponent behind it.
+    // Reads the unit at `symbol`, and the exponent that follows it.
     bool unit(CSpan symbol, int sign) {
         CUcumUnit unit;
         switch (findUcumUnit(symbol.of(m_Text), unit)) {
@@ -368,7 +366,7 @@ private:
     }
 
     bool exponent(int& exponent) {
-        constexpr int Enough = 1000;  // out of range anyway
+        constexpr int Enough = 1000;  // out of range, and 10 times it cannot overflow
         const std::size_t begin = m_At;
         const bool isSigned = peek() == '+' || peek() == '-';
         const bool isNegative = peek() == '-';
@@ -377,7 +375,7 @@ private:
             return !isSigned || (isForeign(peek())  // perhaps the digits, as in "m-²"
                                      ? refuseForeign()
                                      : refuse(eRefusal::MALFORMED_EXPONENT, {begin, m_At},
-                                              "a sign without the digits of an exponent"));
+                                              "no digits of an exponent follow this sign"));
         }
         exponent = 0;
         for (; isDigit(peek()); ++m_At) {
@@ -395,32 +393,32 @@ private:
 
     // Refusals.
 
-    // No component begins here.
+    // Refuses what is here, because it begins no component.
     bool refuseComponent() {
-        const CSpan before{m_At - 1, m_At};  // not looked at where nothing is
+        const CSpan before{m_At - 1, m_At};  // not used at the start of the text
         switch (peek()) {
             case '.':
             case '/':
-                return refuse(eRefusal::MISSING_UNIT, here(), "no unit stands before this sign");
+                return refuse(eRefusal::MISSING_UNIT, here(), "there is no unit before this sign");
             case ')':
                 if (isBehind('(')) {
                     return refuse(eRefusal::MISSING_UNIT, {before.Begin, m_At + 1},
-                                  "nothing stands between these brackets");
+                                  "there is nothing between these brackets");
                 }
                 return m_Depth == 0
                            ? refuse(eRefusal::STRAY_BRACKET, here(), "unmatched closing bracket")
                            : refuse(eRefusal::MISSING_UNIT, before,
-                                    "no unit stands behind this sign");
+                                    "there is no unit after this sign");
             case ']':
             case '}': return refuse(eRefusal::STRAY_BRACKET, here(), "unmatched closing bracket");
             case '*':
             case '^':
                 return refuse(eRefusal::UNEXPECTED_CHARACTER, here(),
-                              "this sign stands only behind a 10");
+                              "this sign can only follow \"10\"");
             case '+':
             case '-':
                 return refuse(eRefusal::UNEXPECTED_CHARACTER, here(),
-                              "a sign stands only before the digits of an exponent");
+                              "a sign can only precede the digits of an exponent");
             default: break;
         }
         if (!isAtEnd()) {
@@ -428,28 +426,29 @@ private:
         }
         return isBehind('(')
                    ? refuseOpen(before.Begin)
-                   : refuse(eRefusal::MISSING_UNIT, before, "no unit stands behind this sign");
+                   : refuse(eRefusal::MISSING_UNIT, before, "there is no unit after this sign");
     }
 
-    // What stands here cannot follow a component.
-    bool refuseBehindComponent() {
+    // Refuses what is here, because it cannot follow a component.
+    bool refuseAfterComponent() {
         const char c = peek();
         if (isDigit(c)) {
             return refuse(eRefusal::MALFORMED_EXPONENT, here(),
-                          "an exponent stands directly behind its unit");
+                          "an exponent must follow its unit directly");
         }
         if (isLetter(c) || c == '(' || c == '[') {
             return refuse(eRefusal::MISSING_OPERATOR, here(),
-                          "nothing joins this to what stands before; a product is written \"a.b\"");
+                          "an operator is missing here; a product is written \"a.b\"");
         }
         switch (c) {
             case '{':
                 return refuse(eRefusal::MISSING_OPERATOR, here(),
-                              "no second annotation stands behind one");
+                              "a unit has at most one annotation");
             case '*':
             case '^':
-                return refuse(eRefusal::UNEXPECTED_CHARACTER, here(),
-                              "this sign stands only behind a 10; an exponent needs none: \"m2\"");
+                return refuse(
+                    eRefusal::UNEXPECTED_CHARACTER, here(),
+                    "this sign can only follow \"10\"; an exponent needs no sign: \"m2\"");
             default: return refuseComponent();
         }
     }
@@ -464,7 +463,7 @@ private:
         const char32_t c = exact::decode(m_Text.substr(m_At), length);
         const CSpan token{m_At, m_At + length};
         if (c == exact::NotUtf8 || c == U'\0') {
-            return refuse(eRefusal::MALFORMED_TEXT, token, "this byte belongs to no text");
+            return refuse(eRefusal::MALFORMED_TEXT, token, "this byte cannot be part of a text");
         }
         return refuse(eRefusal::UNEXPECTED_CHARACTER, token, sentenceOnForeign(c));
     }
@@ -476,7 +475,7 @@ private:
         return false;
     }
 
-    // Remembers why a text has no meaning if it is a valid code.
+    // Stores why the text has no meaning, for the case that it is a valid code. The first reason wins.
     void addMeaningless(CSpan token, std::string_view sentence) {
         if (!m_IsMeaningless) {
             m_IsMeaningless = true;
@@ -498,8 +497,8 @@ private:
     std::size_t m_At = 0;
     std::size_t m_Depth = 0;
     std::size_t m_Components = 0;
-    int m_Sign = 1;  // -1: what stands in the open brackets divides
-    CSpan m_Scale;   // a unit with an offset; empty: there is none
+    int m_Sign = 1;  // -1 if the contents of the open brackets divide
+    CSpan m_Scale;   // an offset unit; empty if there is none
     bool m_IsScaleRaised = false;
     bool m_IsMeaningless = false;
     std::array<COpenBracket, exact::DeepestNesting> m_Brackets;  // valid up to m_Depth
@@ -527,11 +526,10 @@ CReading readUcum(eSystem system, std::string_view text) {
                           text,
                           {0, text.size()},
                           large.isExponentBeyond()
-                              ? "the exponents of a unit add up to more than 99"
+                              ? "the exponents of a base unit add up to more than 99"
                               : "the exact factor needs more than 16384 bits"};
     }
     return result;
 }
 
-}  // namespace codes
-}  // namespace mensor
+}  // namespace mensor::codes

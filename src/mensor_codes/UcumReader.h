@@ -1,4 +1,4 @@
-// UcumReader.h: expressions of UCUM. For the library's own use; not installed.
+// UcumReader.h: reads expressions of UCUM. For the library's own use; not installed.
 //
 //     expression = [ "/" ] term
 //     term       = component { ( "." | "/" ) component }
@@ -9,10 +9,10 @@
 //     unit       = atom | prefix atom                     prefixes only before atoms that take them
 //     exponent   = [ "+" | "-" ] digits
 //     factor     = digits
-//     annotation = "{" { printable ASCII but blanks and braces } "}"
+//     annotation = "{" { printable ASCII except blanks and braces } "}"
 //
-// "." and "/" are evaluated from the left: "a/b.c" is (a/b)·c. The grammar of UCUM has annotations behind
-// units alone. Codes that UCUM itself lists have them behind factors and brackets, too: "/100{WBC}" and
+// "." and "/" are evaluated from the left: "a/b.c" is (a/b)·c. In the grammar of UCUM, annotations follow
+// only units. In codes that UCUM itself lists, they also follow factors and brackets: "/100{WBC}" and
 // "g/(8.h){shift}".
 #ifndef MENSOR_CODES_UCUMREADER_H
 #define MENSOR_CODES_UCUMREADER_H
@@ -21,16 +21,14 @@
 
 #include "mensor_codes/Codes.h"
 
-namespace mensor {
-namespace codes {
+namespace mensor::codes {
 
-/// What an expression means. A valid one without a meaning is refused with NO_MEANING, and nothing else
-/// is. `system` is the one that refusals name.
+/// Returns what an expression means. NO_MEANING says that an expression is valid but has no meaning; other
+/// refusals say that it is not valid. Refusals name `system`.
 ///
-/// Only std::bad_alloc may pass. Needs no memory beside the result for everyday texts.
+/// Throws nothing but std::bad_alloc. Allocates memory only if the result does not fit into 64-bit numbers.
 CReading readUcum(eSystem system, std::string_view text);
 
-}  // namespace codes
-}  // namespace mensor
+}  // namespace mensor::codes
 
 #endif  // MENSOR_CODES_UCUMREADER_H

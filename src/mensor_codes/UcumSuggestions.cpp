@@ -7,13 +7,12 @@
 #include "mensor_codes/UcumReader.h"
 #include "mensor_exact/NearestNames.h"
 
-namespace mensor {
-namespace codes {
+namespace mensor::codes {
 
 namespace {
 
 constexpr std::size_t Most = 5;
-constexpr std::size_t Longest = 32;  // bytes; nothing is as long as that
+constexpr std::size_t Longest = 32;  // bytes; no suggested code is that long
 
 struct CConfused {
     std::string_view Text;
@@ -31,13 +30,13 @@ struct CSpelling {
     std::string_view Code;
 };
 
-// What stands for signs that UCUM does not have.
+// The code of UCUM for signs that it does not have.
 constexpr CSpelling Spellings[] = {
     {"µ", "u"}, {"μ", "u"}, {"Ω", "Ohm"}, {"\u2126", "Ohm"}, {"Å", "Ao"}, {"·", "."}, {"×", "."},
     {"*", "."}, {"^", ""},  {"⁻", "-"},   {"⁰", "0"},        {"¹", "1"},  {"²", "2"}, {"³", "3"},
     {"⁴", "4"}, {"⁵", "5"}, {"⁶", "6"},   {"⁷", "7"},        {"⁸", "8"},  {"⁹", "9"}};
 
-// Puts a full stop for what is refused. Returns false behind a stroke: "W/m²·K" may be meant as W/(m2.K).
+// Replaces the token by a full stop. Returns false if a "/" precedes it: "W/m²·K" may mean W/(m2.K).
 bool mendProduct(std::string& text, exact::CSpan token) {
     if (text.find('/') < token.Begin) {
         return false;
@@ -46,7 +45,7 @@ bool mendProduct(std::string& text, exact::CSpan token) {
     return true;
 }
 
-// Mends the place that is refused. Returns false where nothing is known to stand for it.
+// Corrects the refused place in `text`. Returns false if no correction is known.
 bool mend(std::string& text, const CRefusal& refusal) {
     const exact::CSpan token = refusal.Token;
     const std::string_view refused = token.of(refusal.Text);
@@ -87,7 +86,7 @@ bool isEqualIgnoringCase(std::string_view a, std::string_view b) {
                                               [](char x, char y) { return lower(x) == lower(y); });
 }
 
-// "in" of "[in_i]", "IU" of "[IU]".
+// Returns "in" for "[in_i]" and "IU" for "[IU]".
 std::string_view bareName(std::string_view atom) {
     if (atom.size() < 3 || atom.front() != '[' || atom.back() != ']') {
         return atom;
@@ -164,7 +163,7 @@ private:
         }
     }
 
-    // "kWh" as "kW.h".
+    // Suggests "kW.h" for "kWh".
     void addProducts() {
         for (std::size_t length = m_Unknown.size() - 1; length > 0; --length) {
             const std::string_view first = m_Unknown.substr(0, length);
@@ -208,7 +207,7 @@ std::vector<std::string> ucumReadings(const CRefusal& refusal) {
         if (reading) {
             return {text};
         }
-        // The refusal refers to the text, which is about to change.
+        // The refusal holds views of the text, which mend() changes.
         if (const std::string before = text; !mend(
                 text, {reading.Refusal.Code, refusal.System, before, reading.Refusal.Token, {}})) {
             return {};
@@ -217,5 +216,4 @@ std::vector<std::string> ucumReadings(const CRefusal& refusal) {
     return {};
 }
 
-}  // namespace codes
-}  // namespace mensor
+}  // namespace mensor::codes

@@ -1,5 +1,4 @@
-// UcumSuggestions.h: what a refused expression may have meant. For the library's own use; not
-// installed.
+// UcumSuggestions.h: suggests codes for refused expressions. For the library's own use; not installed.
 #ifndef MENSOR_CODES_UCUMSUGGESTIONS_H
 #define MENSOR_CODES_UCUMSUGGESTIONS_H
 
@@ -9,17 +8,15 @@
 
 #include "mensor_codes/Codes.h"
 
-namespace mensor {
-namespace codes {
+namespace mensor::codes {
 
-/// Codes of UCUM that `unknown` may have meant, best first, at most five.
+/// Returns at most five codes of UCUM that `unknown` may have meant, the best first.
 std::vector<std::string> ucumSuggestions(std::string_view unknown);
 
-/// What a refused expression may have meant as a whole: "ug/m3" for "µg/m³", "2.m" for "2m". Only codes
-/// with a meaning are given, and none for an unknown unit.
+/// Returns what a refused expression may have meant as a whole: "ug/m3" for "µg/m³", "2.m" for "2m". Empty
+/// if there is no such code with a meaning.
 std::vector<std::string> ucumReadings(const CRefusal& refusal);
 
-}  // namespace codes
-}  // namespace mensor
+}  // namespace mensor::codes
 
 #endif  // MENSOR_CODES_UCUMSUGGESTIONS_H

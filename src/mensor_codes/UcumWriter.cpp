@@ -1,9 +1,9 @@
-// UcumWriter.cpp: an atom alone is written where there is one, else a code of ucum_usual.def, else the
-// cheapest of these. Each unit, exponent and prefix has its costs, so that short codes win.
+// UcumWriter.cpp: writes a single atom if there is one with this meaning, else a code of ucum_usual.def, else
+// the cheapest of these. Each unit, exponent and prefix has a cost, so that short codes win.
 //
 //     an atom with a prefix or an exponent                   "mm[Hg]", "[in_i]2"
 //     units of the SI with one prefix or a power of ten      "kJ/(kg.K)", "10*5.K/m"
-//     a power of a unit beside the SI and one of the above   "uL/h", "[lb_av]/[ft_i]2"
+//     a power of a unit outside the SI and one of the above  "uL/h", "[lb_av]/[ft_i]2"
 #include "mensor_codes/UcumWriter.h"
 
 #include <cmath>
@@ -19,19 +19,18 @@
 #include "mensor_exact/Exponent.h"
 #include "mensor_exact/slots.h"
 
-namespace mensor {
-namespace codes {
+namespace mensor::codes {
 
 namespace {
 
 using exact::CSmallFraction;
 using exact::CSmallMeaning;
 
-constexpr int UnitCost = 2;        // of an atom alone, or a unit of the SI in a product
-constexpr int OtherUnitCost = 6;   // of a unit beside the SI in a product
-constexpr int PowerOfTenCost = 6;  // of "10*5"
-constexpr int DivisorCost = 1;     // of a prefix in a divisor
-constexpr int SynonymCost = 20;    // of an atom for which another code is written
+constexpr int UnitCost = 2;        // an atom, or a unit of the SI in a product
+constexpr int OtherUnitCost = 6;   // a unit outside the SI in a product
+constexpr int PowerOfTenCost = 6;  // a factor such as "10*5"
+constexpr int DivisorCost = 1;     // a prefix in a divisor
+constexpr int SynonymCost = 20;    // an atom for which another code is preferred
 
 constexpr std::string_view Usual[] = {
 #define MENSOR_USUAL(code) code,
@@ -39,11 +38,11 @@ constexpr std::string_view Usual[] = {
 #undef MENSOR_USUAL
 };
 
-// Units of the SI with names of their own that make products shorter. Their factor is one.
+// Units of the SI with special names. They make products shorter, and their factor is one.
 constexpr std::string_view Named[] = {"N", "Pa", "J",   "W", "C", "V",  "F",
                                       "S", "Wb", "Ohm", "T", "H", "lm", "lx"};
 
-// Units beside the SI that stand in products.
+// Units outside the SI that are used in products.
 constexpr std::string_view Others[] = {
     "min",     "h",        "d",       "wk",       "mo",       "a",        "L",
     "dL",      "mL",       "uL",      "t",        "bar",      "mbar",     "deg",
@@ -60,7 +59,7 @@ struct CPower {
 
 struct CProduct {
     std::vector<CPower> Powers;
-    int Tens = 0;  // a power of ten before them
+    int Tens = 0;  // the exponent of a power of ten before them
     int Cost = 0;
 };
 
@@ -68,7 +67,7 @@ std::string prefixed(const CUcumPrefix* prefix, std::string_view unit) {
     return std::string(prefix != nullptr ? prefix->Symbol : std::string_view()).append(unit);
 }
 
-// The prefix with this factor. Returns false if there is none; one has none.
+// Finds the prefix with this factor; null for the factor 1. Returns false if there is none.
 bool findPrefix(const CSmallFraction& factor, const CUcumPrefix*& prefix) {
     prefix = nullptr;
     if (factor == CSmallFraction(1)) {
@@ -83,7 +82,7 @@ bool findPrefix(const CSmallFraction& factor, const CUcumPrefix*& prefix) {
     return false;
 }
 
-// Whether the factor is a power of ten, and which.
+// Returns whether the meaning has a factor 10^tens and no offset.
 bool isPowerOfTen(const CSmallMeaning& meaning, int& tens) {
     tens = meaning.Factor.Twos;
     return meaning.Pi == 0 && meaning.Offset.isZero() &&
@@ -122,7 +121,7 @@ std::string textOf(const CProduct& product) {
     return above.empty() ? "1" : above;
 }
 
-// Finds the cheapest product for a meaning in fixed room.
+// Finds the cheapest product for a meaning whose numbers fit into 64 bits.
 class CSearch {
 public:
     explicit CSearch(const CSmallMeaning& meaning) : m_Meaning(meaning) {
@@ -134,7 +133,7 @@ public:
         }
     }
 
-    // The atom of this meaning; "1" for the number one. Empty if there is none.
+    // Returns the atom with this meaning, or "1" for the number one. Empty if there is none.
     std::string atomAlone() const {
         if (m_Meaning == CSmallMeaning()) {
             return "1";
@@ -147,7 +146,7 @@ public:
         return {};
     }
 
-    // Empty if there is none.
+    // Returns the cheapest product. Empty if there is none.
     std::string product() {
         atom(m_Meaning, {});
         if (!m_Meaning.Offset.isZero()) {
@@ -161,7 +160,7 @@ public:
             atomPower(exponent);
         }
         if (m_IsFound && m_Best.Cost <= OtherUnitCost + UnitCost) {
-            return text();  // nothing below is cheaper
+            return text();  // no product below is cheaper
         }
         for (const std::string_view other : Others) {
             const CSmallMeaning unit = meaningOf(other);
@@ -210,7 +209,7 @@ private:
 
     std::string text() const { return m_IsFound ? textOf(m_Best) : std::string(); }
 
-    // Keeps the cheapest. `first` stands in the product before `second`, unless it divides.
+    // Keeps the product of both if it is the cheapest so far. Factors of `first` precede those of `second`.
     void offer(const CProduct& first, const CProduct& second) {
         const int cost = first.Cost + second.Cost;
         if (m_IsFound && m_Best.Cost <= cost) {
@@ -223,7 +222,7 @@ private:
         m_Best.Powers.insert(m_Best.Powers.begin(), first.Powers.begin(), first.Powers.end());
     }
 
-    // Atoms with or without a prefix.
+    // Offers atoms with or without a prefix.
     void atom(const CSmallMeaning& meaning, const CProduct& before) {
         for (const CAtom& atom : m_Atoms) {
             if (!atom.Meaning.hasUnitsOf(meaning) || atom.Meaning.Pi != meaning.Pi ||
@@ -242,7 +241,7 @@ private:
         }
     }
 
-    // Atoms with an exponent, and perhaps a prefix.
+    // Offers atoms with an exponent, with or without a prefix.
     void atomPower(int exponent) {
         for (const CAtom& atom : m_Atoms) {
             CSmallMeaning power;
@@ -271,7 +270,7 @@ private:
         }
     }
 
-    // Units of the SI, perhaps with one that has a name of its own.
+    // Offers products of base units, with or without one unit of Named.
     void coherent(const CSmallMeaning& meaning, const CProduct& before) {
         int tens = 0;
         if (!isPowerOfTen(meaning, tens)) {
@@ -316,7 +315,7 @@ private:
         return isArbitrary && meaning.OwnHalves % 2 == 0;
     }
 
-    // Offers the product with the power of ten as a prefix, or before all.
+    // Offers the product with the power of ten as a prefix of one unit, or as the first factor.
     void offerPrefixed(const std::vector<CPower>& powers, int tens, const CProduct& before) {
         CProduct product;
         product.Powers = powers;
@@ -340,7 +339,7 @@ private:
         }
     }
 
-    // Puts the power of ten before one unit. Returns false where no prefix has it.
+    // Turns the power of ten into a prefix of one unit. Returns false if there is no such prefix.
     static bool addPrefix(CPower& power, int tens, int& cost) {
         if (tens % power.Exponent != 0) {
             return false;
@@ -404,7 +403,7 @@ void findNearest(const exact::CMeaning& meaning, CMatch& match) {
     }
 }
 
-// The first usual code of this meaning; empty if there is none.
+// Returns the first usual code of this meaning. Empty if there is none.
 std::string_view usualCode(const exact::CMeaning& meaning) {
     for (const std::string_view code : Usual) {
         if (*readUcum(eSystem::UCUM, code).Meaning == meaning) {
@@ -436,5 +435,4 @@ CMatch ucumCodeFor(const exact::CMeaning& meaning) {
     return match;
 }
 
-}  // namespace codes
-}  // namespace mensor
+}  // namespace mensor::codes

@@ -1,5 +1,5 @@
-// codes_export.h: the boundary of the library. What bears MENSOR_CODES_API is exported from
-// libmensor_codes.so; everything else is compiled with hidden visibility and stays inside.
+// codes_export.h: MENSOR_CODES_API marks what libmensor_codes.so exports. Everything else has hidden
+// visibility.
 #ifndef MENSOR_CODES_CODES_EXPORT_H
 #define MENSOR_CODES_CODES_EXPORT_H
 

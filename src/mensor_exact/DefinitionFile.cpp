@@ -242,6 +242,18 @@ private:
         m_Lines;  // of each name, once it is asked for
 };
 
+// Returns "line 2: no unit has the name "xyz" (and 1 more)".
+std::string firstOf(const std::vector<CLineFinding>& findings) {
+    std::string message = "no line is refused";
+    if (!findings.empty()) {
+        message = "line " + std::to_string(findings[0].Line) + ": " + findings[0].Refusal.message();
+    }
+    if (findings.size() > 1) {
+        message += " (and " + std::to_string(findings.size() - 1) + " more)";
+    }
+    return message;
+}
+
 }  // namespace
 
 CDefinitionFile tryReadDefinitions(std::string_view text, const CCatalogue& catalogue,

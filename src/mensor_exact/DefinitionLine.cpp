@@ -79,7 +79,7 @@ private:
         }
         if (!isName(name.of(m_Line))) {
             refuse(eRefusal::UNEXPECTED_CHARACTER, name,
-                   quoted(name.of(m_Line)) + " is no name that a unit can be read by");
+                   quoted(name.of(m_Line)) + " cannot be the name of a unit");
         }
         m_Result.Name = name;
     }

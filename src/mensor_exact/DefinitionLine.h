@@ -59,19 +59,6 @@ struct CDefinitionLine {
 MENSOR_EXACT_API std::optional<CDiagnosis> takeApart(std::string_view line,
                                                      CDefinitionLine& result);
 
-/// "line 2: no unit has the name "xyz" (and 1 more)".
-template <class LineFindings>
-std::string firstOf(const LineFindings& findings) {
-    std::string message = "no line is refused";
-    if (!findings.empty()) {
-        message = "line " + std::to_string(findings[0].Line) + ": " + findings[0].Refusal.message();
-    }
-    if (findings.size() > 1) {
-        message += " (and " + std::to_string(findings.size() - 1) + " more)";
-    }
-    return message;
-}
-
 /// The diagnosis of `part` of `line`, counted from the beginning of the line. What it offers becomes
 /// whole lines, without the comment.
 MENSOR_EXACT_API CDiagnosis inLine(CDiagnosis diagnosis, std::string_view line, CSpan part);

@@ -1,5 +1,5 @@
-// log4cplus.cpp: the module that hands a failure while mensor is loaded over to log4cplus. mensor loads it
-// only where log4cplus is in the process (mensor/FailureReport.h).
+// log4cplus.cpp: the module that logs failures at load time with log4cplus. mensor loads it only if log4cplus
+// is in the process (mensor/FailureReport.h).
 #include <string>
 
 #include <log4cplus/logger.h>
@@ -9,7 +9,7 @@
 extern "C" [[gnu::visibility("default")]] void mensorLogFailure(
     const mensor::detail::FailureReport& report);
 
-// The logger is looked up at each report: the application may configure it at any time.
+// Looks the logger up for each report, because the application may configure it at any time.
 void mensorLogFailure(const mensor::detail::FailureReport& report) {
     try {
         const log4cplus::Logger logger =
@@ -18,6 +18,6 @@ void mensorLogFailure(const mensor::detail::FailureReport& report) {
             logger.forcedLog(log4cplus::ERROR_LOG_LEVEL, std::string(report.Kind) + report.What,
                              report.File, report.Line, report.Function);
         }
-    } catch (...) {  // nobody is left to tell, and loading goes on
+    } catch (...) {  // a failure to log is ignored, so that loading continues
     }
 }

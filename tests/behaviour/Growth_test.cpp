@@ -24,27 +24,18 @@
 #include "support/Inside.h"
 #include "support/Matchers.h"
 #include "support/OperatorNew.h"
+#include "support/Random.h"
 
 namespace mensor {
 namespace {
+
+using test::CRandom;
 
 #if defined(__arm__)
 constexpr long BytesOfAUnit = 400, BytesOfAFactor = 16;
 #else
 constexpr long BytesOfAUnit = 700, BytesOfAFactor = 24;
 #endif
-
-// Random numbers below `end`, the same in every run.
-class CRandom {
-public:
-    std::size_t operator()(std::size_t end) {
-        m_State = m_State * 6364136223846793005U + 1442695040888963407U;
-        return static_cast<std::size_t>(m_State >> 33) % end;
-    }
-
-private:
-    std::uint64_t m_State = 1;
-};
 
 // The names that consist of letters, in the order of the table.
 std::vector<std::string> names() {

@@ -80,7 +80,7 @@ TEST(Differences, RefuseResultsBeyondTheDoubles) {
     EXPECT_THAT(
         [&] { convertDifference(1e308, km, mm); },
         ThrowsMessage<std::range_error>(
-            "convertDifference: 1e+308 of \"km\" is beyond the range of numbers in \"mm\""));
+            "convertDifference: 1e+308 of \"km\" is beyond the range of double in \"mm\""));
     EXPECT_THROW(convertDifference(5e-324, mm, km), std::range_error);
     EXPECT_THROW(convertDifference(-1.5e308, SI::Celsius(), fahrenheit()), std::range_error);
     EXPECT_THROW(CDifference(1e308, km).valueAs(mm), std::range_error);

@@ -22,8 +22,7 @@
 #include "mensor_checked/Values.h"
 #include "support/Matchers.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 namespace {
 
 using ::testing::ElementsAreArray, ::testing::Eq, ::testing::HasSubstr, ::testing::IsEmpty;
@@ -437,5 +436,4 @@ TEST(Packs, AreListedInTheDocumentsAsInTheTable) {
 }
 
 }  // namespace
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked

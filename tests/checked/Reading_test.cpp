@@ -461,7 +461,7 @@ TEST(Reading, RefusesANameWhoseUnitHasNoPositiveSize) {
     ASSERT_TRUE(reading.Refusal);
     EXPECT_EQ(reading.Refusal->Code, eRefusal::FACTOR_RANGE);
     EXPECT_THAT(reading.Refusal->Sentence,
-                StartsWith("the size of this unit is no number to count with: "));
+                StartsWith("the size of this unit cannot be computed: "));
     EXPECT_EQ(refusalOf("hyp·s"), eRefusal::FACTOR_RANGE);
     EXPECT_THAT(checked::choicesFor(SI::Meter()), ::testing::SizeIs(::testing::Gt(20U)));
 }

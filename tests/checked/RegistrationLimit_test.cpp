@@ -1,6 +1,6 @@
-// RegistrationLimit_test.cpp: with a limit, texts of strangers leave a bounded number of units behind.
+// RegistrationLimit_test.cpp: with a limit, a bounded number of units is registered, whatever is read.
 //
-// The program's operator new counts the bytes, the library's included.
+// The operator new of this program counts the bytes, including those of the library.
 #include "mensor_checked/RegistrationLimit.h"
 
 #include <gmock/gmock.h>
@@ -18,6 +18,7 @@
 #include "mensor_checked/Reading.h"
 #include "support/Matchers.h"
 #include "support/OperatorNew.h"
+#include "support/Random.h"
 #include "support/Thorough.h"
 
 namespace mensor {
@@ -27,20 +28,9 @@ using checked::eRefusal;
 using checked::registeredUnits;
 using checked::setRegistrationLimit;
 using checked::tryReadUnit;
+using test::CRandom;
 
-// The same numbers in every run, below `end`.
-class CRandom {
-public:
-    std::size_t operator()(std::size_t end) {
-        m_State = m_State * 6364136223846793005U + 1442695040888963407U;
-        return static_cast<std::size_t>(m_State >> 33) % end;
-    }
-
-private:
-    std::uint64_t m_State = 1;
-};
-
-// Four factors: "km^3·mA/(hl·Gy^2)".
+// Returns a text of four factors, such as "km^3·mA^1/(ml^5·Gy^2)".
 std::string line(CRandom& random) {
     static const std::vector<std::string> Names = {"m",   "km", "mA", "kg", "s",  "Gy",
                                                    "mol", "K",  "ml", "N",  "kJ", "bar",
@@ -56,7 +46,7 @@ TEST(RegistrationLimit, CountsWhatTheCompanionRegisters) {
     checked::readUnit("km");
     EXPECT_EQ(registeredUnits(), 0U) << "it is in the catalogue";
     SI::Meter()->multiply(12.0);
-    EXPECT_EQ(registeredUnits(), 0U) << "not by the companion";
+    EXPECT_EQ(registeredUnits(), 0U) << "the companion did not register it";
     const std::size_t before = CUnit::instances().size();
     checked::readUnit("km^3·mol^2");
     EXPECT_EQ(registeredUnits(), CUnit::instances().size() - before);
@@ -82,13 +72,13 @@ TEST(RegistrationLimit, RefusesNewUnitsAndReadsKnownOnes) {
     EXPECT_EQ(checked::readUnit("mol^2·km^3"), known) << "another text";
     EXPECT_EQ(checked::readMeaning("km^3·mol^5").toString(), "1000000000 m³·mol^5");
 
-    SI::Meter()->multiply(12.0);  // the library itself is free
+    SI::Meter()->multiply(12.0);  // the library itself has no limit
     EXPECT_NE(checked::scaled(SI::Meter(), 12.0), nullptr);
     setRegistrationLimit(static_cast<std::size_t>(-1));
     EXPECT_TRUE(tryReadUnit("km^3·mol^5"));
 }
 
-// 10^6 lines if all tests are run, fewer where that takes many times as long.
+// A thorough run reads a million lines, or fewer on slow platforms.
 TEST(RegistrationLimit, KeepsUnitsAndBytesBoundedWhateverIsRead) {
     const int lines = !test::isThorough() ? 20000 : test::IsSlow ? 100000 : 1000000;
     constexpr std::size_t Limit = 1000;
@@ -107,9 +97,9 @@ TEST(RegistrationLimit, KeepsUnitsAndBytesBoundedWhateverIsRead) {
     }
     EXPECT_LE(registeredUnits(), Limit);
     EXPECT_GT(registeredUnits(), Limit - 10);
-    EXPECT_GT(read, 100);  // each line leaves up to five units, of which some collide
+    EXPECT_GT(read, 100);  // a line registers up to five units, and some of them collide
     EXPECT_GT(refused, lines / 2);
-    // The remembered texts and units that are passing have their own bounds.
+    // The cache of read texts has a bound of its own.
     EXPECT_LT(liveBytes.load() - bytesAtTenth, 100000);
 }
 

@@ -136,12 +136,12 @@ TEST(Ucum, GivesNoMeaningToACodeWhoseMeaningHasNoRoom) {
         {"m100", "the exponent of \"m100\" is beyond 99"},
         {"m-100", "the exponent of \"m-100\" is beyond 99"},
         {"s.m99999999999999999999", "the exponent of \"m99999999999999999999\" is beyond 99"},
-        {"m99.m", "the exponents of a unit add up to more than 99"},
-        {"/m99.m-1", "the exponents of a unit add up to more than 99"},
-        {"0", "a unit has no factor of zero"},
-        {"m/000", "a unit has no factor of zero"},
-        {"0.m", "a unit has no factor of zero"},
-        {"10*0.0", "a unit has no factor of zero"},
+        {"m99.m", "the exponents of a base unit add up to more than 99"},
+        {"/m99.m-1", "the exponents of a base unit add up to more than 99"},
+        {"0", "the factor of a unit cannot be zero"},
+        {"m/000", "the factor of a unit cannot be zero"},
+        {"0.m", "the factor of a unit cannot be zero"},
+        {"10*0.0", "the factor of a unit cannot be zero"},
     };
     for (const auto& [code, sentence] : texts) {
         const codes::CReading reading = tryRead(code);
@@ -329,42 +329,42 @@ TEST(Ucum, SaysWhatIsWrong) {
         return codes::diagnose(tryRead(code).Refusal).message();
     };
     const std::pair<const char*, const char*> texts[] = {
-        {"", "no unit is written; the unit one is \"1\""},
+        {"", "the text is empty; the unit one is \"1\""},
         {"foo", "UCUM has no unit \"foo\""},
         {"kmin",
          "UCUM has no unit \"kmin\": its last part takes no prefix (did you mean \"min\"?)"},
-        {"m/", "no unit stands behind this sign"},
-        {"(m/)", "no unit stands behind this sign"},
-        {"m//s", "no unit stands before this sign"},
-        {"()", "nothing stands between these brackets"},
+        {"m/", "there is no unit after this sign"},
+        {"(m/)", "there is no unit after this sign"},
+        {"m//s", "there is no unit before this sign"},
+        {"()", "there is nothing between these brackets"},
         {"m)", "unmatched closing bracket"},
         {"/)", "unmatched closing bracket"},
         {"]", "unmatched closing bracket"},
         {"m}", "unmatched closing bracket"},
         {"{a}}", "unmatched closing bracket"},
-        {"[a}", "no annotation is open here"},
+        {"[a}", "unmatched closing bracket"},
         {"{a", "this bracket is never closed"},
-        {"{{", "no annotation stands inside brackets"},
-        {"[[", "no square bracket stands inside another"},
-        {"*", "this sign stands only behind a 10"},
-        {"m*", "this sign stands only behind a 10; an exponent needs none: \"m2\""},
-        {"^", "this sign stands only behind a 10"},
-        {"m^", "this sign stands only behind a 10; an exponent needs none: \"m2\""},
-        {"+1", "a sign stands only before the digits of an exponent"},
-        {"-1", "a sign stands only before the digits of an exponent"},
-        {"10+3", "a sign stands only before the digits of an exponent"},
-        {"m-", "a sign without the digits of an exponent"},
-        {"(m)2", "an exponent stands directly behind its unit"},
+        {"{{", "an annotation cannot be inside square brackets or braces"},
+        {"[[", "square brackets cannot be nested"},
+        {"*", "this sign can only follow \"10\""},
+        {"m*", "this sign can only follow \"10\"; an exponent needs no sign: \"m2\""},
+        {"^", "this sign can only follow \"10\""},
+        {"m^", "this sign can only follow \"10\"; an exponent needs no sign: \"m2\""},
+        {"+1", "a sign can only precede the digits of an exponent"},
+        {"-1", "a sign can only precede the digits of an exponent"},
+        {"10+3", "a sign can only precede the digits of an exponent"},
+        {"m-", "no digits of an exponent follow this sign"},
+        {"(m)2", "an exponent must follow its unit directly"},
         {"{a}m",
-         "nothing joins this to what stands before; a product is written \"a.b\" (write "
+         "an operator is missing here; a product is written \"a.b\" (write "
          "\"{a}.m\")"},
-        {"{a}{b}", "no second annotation stands behind one"},
-        {"m s", "no blank stands in a code of UCUM"},
-        {"m\"", "no quotation mark stands in a code of UCUM"},
-        {"m=", "no equals sign stands in a code of UCUM"},
-        {"m\t", "an invisible character stands here"},
-        {"m\x7F", "an invisible character stands here"},
-        {"m\x80", "this byte belongs to no text"},
+        {"{a}{b}", "a unit has at most one annotation"},
+        {"m s", "a code of UCUM has no blanks"},
+        {"m\"", "a code of UCUM has no quotation marks"},
+        {"m=", "a code of UCUM has no equals signs"},
+        {"m\t", "this is an invisible character"},
+        {"m\x7F", "this is an invisible character"},
+        {"m\x80", "this byte cannot be part of a text"},
         {"mä", "codes of UCUM are written in ASCII"},
         {"µfoo", "codes of UCUM are written in ASCII; the prefix micro is \"u\""},
         {"μfoo", "codes of UCUM are written in ASCII; the prefix micro is \"u\""},
@@ -384,14 +384,14 @@ TEST(Ucum, SaysWhatIsWrong) {
         {"m.mCel", "\"mCel\" is a scale with its own zero and cannot be part of a product"},
         {"m4294967298", "the exponent of \"m4294967298\" is beyond 99"},
         {"m100.Cel.0", "the exponent of \"m100\" is beyond 99"},
-        {"0.m100", "a unit has no factor of zero"},
+        {"0.m100", "the factor of a unit cannot be zero"},
     };
     for (const auto& [text, message] : texts) {
         EXPECT_EQ(messageOn(text), message) << text;
     }
     EXPECT_EQ(messageOn(std::string(5000, 'm')),
               "a text of more than 4096 bytes is no code of UCUM");
-    EXPECT_EQ(messageOn(std::string(65, '(')), "more than 64 brackets stand inside each other");
+    EXPECT_EQ(messageOn(std::string(65, '(')), "brackets are nested more than 64 deep");
     EXPECT_THROW(read("foo"), exact::CReadError);
     EXPECT_THROW(read("[pH]"), exact::CReadError);
 }

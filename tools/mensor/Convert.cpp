@@ -68,7 +68,7 @@ public:
                 trimmed(std::string_view(text).substr(0, value.Unit.Begin));
             const auto begin = static_cast<std::size_t>(number.data() - text.data());
             refusal = diagnose(eRefusal::NUMBER_RANGE, text, {begin, begin + number.size()},
-                               "no double is that large or that small");
+                               "this number is beyond the range of double");
         }
         if (m_Report.isJson()) {
             CJsonObject json;
@@ -144,7 +144,7 @@ private:
         }
         return {{},
                 "NUMBER_RANGE",
-                "the value in " + quoted(to.Text) + " is beyond the range of numbers"};
+                "the value in " + quoted(to.Text) + " is beyond the range of double"};
     }
 
     // What counts as 1 in the conversion, empty if nothing does.

@@ -1,12 +1,11 @@
-#include "mensor_checked/Memory.h"
+#include "mensor_checked/ReadingCache.h"
 
 #include <algorithm>
 
 #include "mensor/UnitFormat.h"
 #include "mensor_checked/Names.h"
 
-namespace mensor {
-namespace checked {
+namespace mensor::checked {
 
 namespace {
 
@@ -14,17 +13,17 @@ constexpr std::size_t MostPassing = 1000;
 constexpr std::size_t LongestPassing = 100;
 constexpr std::size_t MostSound = 4000;
 
-// Never destroyed: threads and the statics of clients may still read units while the process ends.
-CMemory& plain = *new CMemory;
-CMemory& withDifferences = *new CMemory;
+// Never destroyed, because threads and statics of clients may still read units while the process ends.
+CReadingCache& plain = *new CReadingCache;
+CReadingCache& withDifferences = *new CReadingCache;
 
 }  // namespace
 
-CMemory& CMemory::instance(const CReadOptions& options) {
+CReadingCache& CReadingCache::instance(const CReadOptions& options) {
     return options.Differences ? withDifferences : plain;
 }
 
-const CMemory::CEntry* CMemory::find(std::string_view text) {
+const CReadingCache::CEntry* CReadingCache::find(std::string_view text) {
     const auto found = m_Entries.find(text);
     if (found == m_Entries.end()) {
         return nullptr;
@@ -33,24 +32,24 @@ const CMemory::CEntry* CMemory::find(std::string_view text) {
     if (entry.Unit->getDimension() != entry.Dimension) {
         return nullptr;
     }
-    // A name that is read by another spelling may become a name of its own without a new version, as
-    // a symbol.
+    // Without AreExact the version does not suffice: a new symbol may give the written spelling a meaning
+    // of its own, and a new symbol does not change the version.
     const unsigned version = CUnitFormat::namesVersion();
     if (version != 0 && version == entry.Version && entry.AreExact) {
         return &entry;
     }
-    // Notes tell how units are written, which a label changes.
+    // Notes quote the texts of units, and a new label changes those.
     if (!entry.Notes.empty() && (version == 0 || version != entry.Version)) {
         return nullptr;
     }
-    const bool namesStand =
-        std::all_of(entry.Names.begin(), entry.Names.end(),
-                    [](const auto& name) { return unitNamed(name.first) == name.second; });
-    entry.Version = namesStand ? version : 0;
-    return namesStand ? &entry : nullptr;
+    const bool areSame = std::all_of(entry.Names.begin(), entry.Names.end(), [](const auto& name) {
+        return unitNamed(name.first) == name.second;
+    });
+    entry.Version = areSame ? version : 0;
+    return areSame ? &entry : nullptr;
 }
 
-bool CMemory::isWorth(std::string_view text) {
+bool CReadingCache::isWorth(std::string_view text) {
     const std::size_t hash = std::hash<std::string_view>()(text);
     std::size_t& seen = m_Seen[hash % m_Seen.size()];
     const bool isAgain = seen == hash;
@@ -58,7 +57,7 @@ bool CMemory::isWorth(std::string_view text) {
     return isAgain && text.size() <= LongestPassing;
 }
 
-void CMemory::remember(CEntry entry) {
+void CReadingCache::store(CEntry entry) {
     const auto former = m_Entries.find(entry.Text);
     if (former != m_Entries.end()) {
         entry.IsKept = entry.IsKept || former->second->IsKept;
@@ -77,17 +76,16 @@ void CMemory::remember(CEntry entry) {
     m_Entries.emplace(key, std::move(kept));
 }
 
-bool CMemory::isSound(const CUnitPtr& unit) const {
+bool CReadingCache::isSound(const CUnitPtr& unit) const {
     const auto found = m_SoundUnits.find(unit);
     return found != m_SoundUnits.end() && found->second == unit->getDimension();
 }
 
-void CMemory::setSound(const CUnitPtr& unit) {
+void CReadingCache::setSound(const CUnitPtr& unit) {
     if (m_SoundUnits.size() >= MostSound) {
         m_SoundUnits.clear();
     }
     m_SoundUnits[unit] = unit->getDimension();
 }
 
-}  // namespace checked
-}  // namespace mensor
+}  // namespace mensor::checked

@@ -1,26 +1,28 @@
-// Units of the registry that are made for codes.
-#include <cmath>
+// Making_unitOf_test.cpp: registered units that are made from meanings, such as those of codes.
+#include "mensor_checked/Making.h"
 
-#include "gmock/gmock.h"
-#include "gtest/gtest.h"
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <stdexcept>
+
 #include "mensor/ProductUnit.h"
 #include "mensor/SI.h"
 #include "mensor/Unit.h"
-#include "mensor_checked/Making.h"
 #include "mensor_codes/Codes.h"
-#include "mensor_exact/Conversion.h"
 #include "mensor_exact/Reading.h"
 
-using namespace mensor;
-using codes::eSystem;
-
+namespace mensor {
 namespace {
+
+using codes::eSystem;
 
 CUnitPtr unitOf(eSystem system, const char* code) {
     return checked::unitOf(codes::read(system, code));
 }
 
-TEST(RegistryUnits, OfCodesConvertAsTheCodesMean) {
+TEST(UnitOf, CodesConvertAsTheyMean) {
     EXPECT_DOUBLE_EQ(
         unitOf(eSystem::UNECE, "KMH")->getConverterTo(CUnit::fromString("m/s"))->convert(36.0),
         10.0);
@@ -34,21 +36,20 @@ TEST(RegistryUnits, OfCodesConvertAsTheCodesMean) {
         6.0);
 }
 
-TEST(RegistryUnits, WithoutAFactorAreThoseOfTheCatalogue) {
+TEST(UnitOf, ACodeOfACatalogueUnitIsThatUnit) {
     EXPECT_EQ(unitOf(eSystem::UNECE, "MTR"), SI::Meter());
     EXPECT_EQ(unitOf(eSystem::SENML, "rad"), SI::Radian());
     EXPECT_EQ(unitOf(eSystem::UNECE, "C62"), CProductUnit::one());
 }
 
-TEST(RegistryUnits, OfMeaningsBeyondDoublesAreRefused) {
+TEST(UnitOf, AFactorBeyondTheRangeOfDoubleIsRefused) {
     const exact::CMeaning tiny =
         exact::read("m").scaled(exact::CFactor(exact::CFraction::ofText("1e-320")));
     EXPECT_THROW(checked::unitOf(tiny), std::invalid_argument);
 }
 
-// Each code of the table either gets its unit, which converts to base units as the code means, or the
-// refusal of a unit that the registry would take for another one.
-TEST(RegistryUnits, OfAllCodesAreRightOrRefused) {
+// A code is refused if the registry would take its unit for another one.
+TEST(UnitOf, EachCodeOfUneceIsConvertedCorrectlyOrRefused) {
     std::size_t made = 0;
     std::size_t refused = 0;
     for (const codes::CCode& code : codes::all(eSystem::UNECE)) {
@@ -59,8 +60,8 @@ TEST(RegistryUnits, OfAllCodesAreRightOrRefused) {
         const double factor = meaning.factor().toDouble();
         try {
             const CUnitPtr unit = checked::unitOf(meaning);
-            const double size = unit->getConverterTo(unit->getDimension())->convert(1.0) -
-                                unit->getConverterTo(unit->getDimension())->convert(0.0);
+            const CConverterPtr converter = unit->getConverterTo(unit->getDimension());
+            const double size = converter->convert(1.0) - converter->convert(0.0);
             EXPECT_NEAR(size / factor, 1.0, 1e-12) << code.Code;
             ++made;
         } catch (const checked::CIdentityError&) {
@@ -72,3 +73,4 @@ TEST(RegistryUnits, OfAllCodesAreRightOrRefused) {
 }
 
 }  // namespace
+}  // namespace mensor
