@@ -1,5 +1,5 @@
-# For those who take their dependencies from Conan: conan install . --build=missing, then configure
-# with the toolchain file that it writes.
+# To take the dependencies from Conan: run "conan install . --build=missing", then configure with the
+# toolchain file that it writes.
 import re
 
 from conan import ConanFile
@@ -12,7 +12,7 @@ class Mensor(ConanFile):
     description = "Physical units of measure at run time"
     license = "MIT"
     settings = "os", "compiler", "build_type", "arch"
-    options = {"string": ["own", "tinyutf8"]}  # the class behind string_t: two ABIs
+    options = {"string": ["own", "tinyutf8"]}  # the class that string_t is; part of the ABI
     default_options = {"string": "own"}
     generators = "CMakeDeps", "CMakeToolchain"
     exports = "CMakeLists.txt"  # which has the version
@@ -41,6 +41,6 @@ class Mensor(ConanFile):
         CMake(self).install()
 
     def package_info(self):
-        # Ours says more than Conan's own would: which class string_t is.
+        # The installed package configuration says which class string_t is. Conan's would not.
         self.cpp_info.set_property("cmake_find_mode", "none")
         self.cpp_info.builddirs.append("lib/cmake/mensor")

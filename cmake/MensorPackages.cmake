@@ -63,9 +63,9 @@ function(mensor_package name section multiarch depends summary description)
 endfunction()
 
 set(what
-"mensor models units of measure at run time: it reads and writes units as
-text, tells which are compatible, and converts values with the same bits on
-every machine.
+"mensor handles units of measure at run time. It reads and writes units as
+text, tells which units are compatible, and converts values. The results
+have the same bits on every machine.
 ")
 
 set(depends "")  # on every library, in this very version
@@ -91,18 +91,19 @@ endforeach()
 list(JOIN depends ", " depends)
 mensor_package(libmensor1-log4cplus libs same "libmensor1 (= ${version})"
   "physical units of measure at run time - log records" "${what}
-This package holds the module through which libmensor1 logs what fails while
-it is loaded, in programs that use log4cplus. Others do not need it.")
+This package contains a module for programs that use log4cplus. With it,
+libmensor1 logs failures while it is loaded.")
 set(CPACK_DEBIAN_LIBMENSOR1_PACKAGE_SUGGESTS "libmensor1-log4cplus (= ${version})")
 mensor_package(libmensor-dev libdevel same "${depends}"
   "physical units of measure at run time - development files" "${what}
-This package holds the headers and what CMake and pkg-config need. The
-library was built with MENSOR_STRING=${MENSOR_STRING}.")
+This package contains the headers and the files for CMake and pkg-config.
+The library was built with MENSOR_STRING=${MENSOR_STRING}.")
 mensor_package(mensor-tools utils foreign
   "libmensor1 (>= ${PROJECT_VERSION}), libmensor-exact1 (>= ${PROJECT_VERSION}), \
 libmensor-checked1 (>= ${PROJECT_VERSION}), libmensor-codes1 (>= ${PROJECT_VERSION})"
   "convert between units of measure on the command line" "${what}
-This package holds mensor, which converts, explains and lists units.")
+This package contains the command mensor. It converts values, and explains
+and lists units.")
 
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")

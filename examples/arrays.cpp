@@ -1,4 +1,4 @@
-// arrays.cpp: converts a whole block of samples at once, in place. Each result has the same bits as
+// arrays.cpp: converts a whole block of samples in place, with one call. Each result has the same bits as
 // the conversion of the single value.
 #include <iostream>
 #include <vector>

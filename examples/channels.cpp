@@ -1,5 +1,5 @@
-// channels.cpp: a table of measuring channels. Each has the unit of its sensor and a unit for
-// display. The units are texts, as in a configuration.
+// channels.cpp: prints a table of measuring channels. Each has the unit of its sensor and a unit for
+// display. The units are texts, as in a configuration file.
 #include <cstdio>
 #include <string>
 #include <vector>

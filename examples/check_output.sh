@@ -5,7 +5,7 @@
 # shell command. Below it is the standard output of the command, its
 # standard error after "! ", and its status after "? " unless that is 0.
 #
-# Runs every command of RECORD again. Prints the difference and fails if there is one.
+# Runs every command of RECORD again. If the output differs, prints the difference and fails.
 # To make a new record, write the "$ " lines and apply the printed difference.
 set -eu
 record=$1 name=$2

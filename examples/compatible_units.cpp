@@ -1,5 +1,5 @@
-// compatible_units.cpp: the entries of a drop-down for a value: the units of the same kind, each
-// with the value in that unit, and first the unit in which the value reads best.
+// compatible_units.cpp: prints the entries of a drop-down list for a value. The first is the value in the
+// unit in which it is easiest to read. The others are all units of the same kind.
 #include <iostream>
 
 #include <mensor/mensor.h>

@@ -1,4 +1,4 @@
-// own_units.cpp: units of a program's own, from a table, which may come from a file, and by calls.
+// own_units.cpp: defines a program's own units, by a table of text and by calls.
 #include <iostream>
 
 #include <mensor/mensor.h>
@@ -15,7 +15,7 @@ int main() {
         "mi = 5280 ft\n");
     std::cout << checked::readValue("26.2 mi").valueAs(checked::readUnit("km")) << " km\n";
 
-    // By calls: a scale with an offset, and a unit that the SI does not have.
+    // By calls: an offset unit, and a base unit that the SI does not have.
     const CUnitPtr fahrenheit =
         checked::label(checked::affine(SI::Kelvin(), 5.0 / 9, 459.67 * 5 / 9), "°F");
     std::cout << CValueWithUnit(98.6, fahrenheit).convertTo(SI::Celsius()) << '\n';

@@ -1,5 +1,5 @@
-# CPack runs this on the files that it is about to pack. Debian wants no run paths in its packages: the
-# system looks into their folder anyway.
+# CPack runs this on the files before it packs them. It removes the run paths: Debian packages must not have
+# them, because the system searches the folder of the libraries anyway.
 file(GLOB_RECURSE libraries LIST_DIRECTORIES false ${CPACK_TEMPORARY_DIRECTORY}/libmensor*.so.*.*
   ${CPACK_TEMPORARY_DIRECTORY}/registry.so)
 file(GLOB_RECURSE tools LIST_DIRECTORIES false ${CPACK_TEMPORARY_DIRECTORY}/mensor)

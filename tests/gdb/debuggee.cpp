@@ -1,4 +1,4 @@
-// The program in the debugger, which stops in stop().
+// The program that runs in the debugger. It is stopped in stop().
 #include <mensor/NonSI.h>
 #include <mensor/SI.h>
 #include <mensor/UnitFormat.h>

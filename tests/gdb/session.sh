@@ -1,10 +1,10 @@
 #!/bin/sh
 # usage: session.sh ROOT TRIPLET WORK COMPILER
 #
-# Compiles debuggee.cpp against the packages unpacked in ROOT, whose library is stripped, prints its
-# variables with gdb, and compares the output: once in the stopped process, once in its core file. gdb finds
-# the printers only by their installed path. Then the same with printers that are loaded by hand, before the
-# program runs and while it is stopped.
+# Compiles debuggee.cpp against the packages unpacked in ROOT, prints its variables with gdb, and compares
+# the output. The library is stripped. It does so four times: in the stopped process and in its core file,
+# where gdb finds the printers by their installed path; and with printers loaded by hand, before the program
+# runs and while it is stopped.
 set -eu
 root=$1 triplet=$2 work=$3 compiler=$4
 here=$(dirname "$0")
@@ -15,8 +15,8 @@ mkdir -p "$work"
 $compiler -std=c++17 -g -O0 "$here/debuggee.cpp" -o "$work/debuggee" \
     -I"$root/usr/include" -L"$libdir" -lmensor -Wl,-rpath,"$libdir"
 
-# gdb looks for printers in <folder of printers>/<path of the library>. The library's path is that
-# of ROOT here, so the printers' folder is shown to gdb under it.
+# gdb looks for printers in <folder of printers>/<path of the library>. Here the library is below ROOT, so a
+# link makes the folder of the printers appear below that path.
 mkdir -p "$work/printers$(dirname "$root")"
 ln -s "$root/usr/share/gdb/auto-load" "$work/printers$root"
 
@@ -36,7 +36,7 @@ session -ex 'break stop' -ex run -ex 'echo FRAME\n' -ex 'info args' \
     -ex 'up' -ex 'echo BEGIN\n' -x "$work/look" -ex 'echo END\n' \
     -ex "generate-core-file $work/core" -ex kill "$work/debuggee" > "$work/process.log" ||
     { cat "$work/process.log"; exit 1; }
-# By hand: gdb has no folder of printers.
+# Loads the printers by hand.
 script=$(echo "$root"/usr/share/gdb/auto-load/usr/lib/"$triplet"/libmensor.so.*-gdb.py)
 by_hand() {
     LC_ALL=C.UTF-8 gdb -nx -batch -iex 'set auto-load python-scripts off' \

@@ -10,9 +10,9 @@
 # gdb loads it automatically with the installed library (see "info auto-load"). "source mensor_gdb.py" loads
 # it by hand, before or after the program is started. "print/r" shows the members.
 #
-# It reads memory and calls no function, so it works on a core file and on a process, wherever it stopped.
-# The table mensor::debugLayout of the library has the offsets of the members. It needs no debug
-# information. The layouts of std::string, vector, map and shared_ptr are those of libstdc++.
+# It reads memory and calls no function. So it works on a core file, and on a process that stopped anywhere.
+# It needs no debug information: the library's table mensor::debugLayout has the offsets of the members. It
+# knows how libstdc++ lays out std::string, vector, map and shared_ptr.
 import re
 import struct
 from fractions import Fraction
@@ -26,13 +26,13 @@ KINDS = {
     "mensor::CTransformedUnit": "transformed unit",
     "mensor::CProductUnit": "product unit",
 }
-SHORTEST = "digits enough to read back as the same number"
-MOST_STEPS = 8  # as many as mensor/io.h writes
-MOST_BYTES = 4096  # of a text, should the memory hold nonsense
+SHORTEST = "the fewest digits that read back as the same number"
+MOST_STEPS = 8  # mensor/io.h writes as many
+MOST_BYTES = 4096  # longer texts are cut, because the memory may be corrupt
 
 
 class Memory:
-    """Words, numbers and texts of the stopped process; little endian, as both architectures are."""
+    """Reads words, numbers and texts of the stopped process. All are little endian."""
 
     def __init__(self):
         self.word_size = gdb.lookup_type("void").pointer().sizeof
@@ -50,12 +50,12 @@ class Memory:
         return struct.unpack("<d", self.bytes(address, 8))[0]
 
     def text(self, string):
-        """A std::string, which the library's own string consists of."""
+        """Returns the text of a std::string. The library's own string consists of one."""
         size = min(self.word(string + self.word_size), MOST_BYTES)
         return self.bytes(self.word(string), size).decode("utf-8", "replace")
 
     def class_of(self, thing):
-        """The name of the class of an object with virtual functions."""
+        """Returns the name of the class of an object with virtual functions."""
         type_info = self.word(self.word(thing) - self.word_size)
         name = self.word(type_info + self.word_size)
         mangled = b""
@@ -67,14 +67,14 @@ class Memory:
 
 
 class Layout:
-    """What mensor::debugLayout says, field by field."""
+    """The fields of mensor::debugLayout."""
 
     FIELDS = ("tables", "tables_unit_label", "unit_symbol", "transformed_system_unit",
               "transformed_to_system", "product_elements", "product_system_unit", "power_size",
               "power_unit", "power_pow", "power_root", "compound_first", "compound_second",
               "add_offset", "multiply_factor", "value_number", "value_unit")
 
-    VERSION = 1  # of the table, its first word
+    VERSION = 1  # the first word of the table
 
     def __init__(self, memory):
         address = int(gdb.parse_and_eval("(unsigned long)&'mensor::debugLayout'"))
@@ -94,13 +94,13 @@ class Mensor:
         self.layout = Layout(self.memory)
 
     def label(self, unit):
-        """The label of a unit: what the map from units to labels holds for its address."""
+        """Returns the label of a unit, or an empty text. It searches the map from units to labels."""
         memory, word_size = self.memory, self.memory.word_size
         tables = memory.word(self.layout.tables)
         if tables == 0:
             return ""
-        # The map: its comparison, then the header of the tree. A node: colour, parent, left, right,
-        # then the shared pointer that is the key, then the label.
+        # A map has its comparison and the header of the tree. A node has its colour, parent, left, right,
+        # the key (a shared pointer) and the label.
         header = tables + self.layout.tables_unit_label + word_size
         node = memory.word(header + word_size)
         while node != 0:
@@ -130,7 +130,7 @@ class Mensor:
         return text + ({1: "", 2: "²", 3: "³"}.get(pow, "^%d" % pow))
 
     def product_text(self, factors):
-        """As the standard notation writes a product."""
+        """Returns a product in the standard notation."""
         if not all(self.name(unit) for unit, _, _ in factors):
             return "·".join(self.raised(self.text(unit), pow, root)
                             for unit, pow, root in factors)
@@ -143,7 +143,7 @@ class Mensor:
         return (above or "1") + ("/(%s)" if len(below) > 1 else "/%s") % "·".join(below)
 
     def text(self, unit):
-        """The text of a unit; in brackets what has none, as mensor/io.h writes it."""
+        """Returns the text of a unit. A unit without a text is in brackets, as mensor/io.h writes it."""
         if unit == 0:
             return "[no unit]"
         name = self.name(unit)
@@ -158,7 +158,7 @@ class Mensor:
         return "[unit without text]"
 
     def system_unit(self, unit):
-        """The system unit of what is not a product, or the known one of a product, else 0."""
+        """Returns the system unit. For a product whose system unit is not computed yet, returns 0."""
         kind = self.memory.class_of(unit)
         if kind in ("mensor::CBaseUnit", "mensor::CAlternateUnit"):
             return unit
@@ -169,7 +169,7 @@ class Mensor:
         return 0
 
     def system_powers(self, unit):
-        """The system units that a unit consists of, and their exponents."""
+        """Returns the system units that a unit consists of, with their exponents."""
         unit = self.system_unit(unit) or unit
         if self.memory.class_of(unit) != "mensor::CProductUnit":
             return {unit: Fraction(1)}
@@ -180,7 +180,7 @@ class Mensor:
         return {base: exponent for base, exponent in powers.items() if exponent != 0}
 
     def system_text(self, unit):
-        """The text of the system unit. The library computes a product's when it is first asked."""
+        """Returns the text of the system unit. The library computes that of a product on first use."""
         known = self.system_unit(unit)
         if known != 0:
             return self.text(known)
@@ -198,7 +198,7 @@ class Mensor:
                                             self.system_text(unit))
 
     def steps(self, converter, number=SHORTEST):
-        """The steps of a converter in the order in which they are applied."""
+        """Returns the steps of a converter in the order in which they are applied."""
         layout, memory = self.layout, self.memory
         steps, ahead = [], [converter]
         while ahead:
@@ -278,7 +278,7 @@ SHOWN = [
 
 
 def mensor_printers(value):
-    """Finds the printer for a value, as gdb asks."""
+    """Returns the printer for a value, or None. gdb calls this."""
     name = gdb.types.get_basic_type(value.type).name
     if name is None or "mensor::" not in name:
         return None
@@ -292,7 +292,7 @@ def mensor_printers(value):
 
 
 def register(objfile):
-    """Puts the printers ahead of all others of an object file."""
+    """Puts the printers before all others of an object file."""
     if mensor_printers not in objfile.pretty_printers:
         objfile.pretty_printers.insert(0, mensor_printers)
 
@@ -300,8 +300,8 @@ def register(objfile):
 if gdb.current_objfile() is not None:
     register(gdb.current_objfile())  # loaded with the library
 else:
-    # Loaded by hand. gdb asks the object files one after the other, and that of the C++ library has a
-    # printer for std::shared_ptr, so every one gets these, also those that come later.
+    # Loaded by hand. gdb searches the object files in turn, and that of the C++ library has a printer for
+    # std::shared_ptr. So each object file gets these printers, including those that are loaded later.
     for present in gdb.objfiles():
         register(present)
     gdb.events.new_objfile.connect(lambda event: register(event.new_objfile))

@@ -30,7 +30,7 @@ mensor::codes::eSystem systemOf(const std::string& name) {
     return *system;
 }
 
-// "-40 °F" and "-" are operands.
+// Returns whether a word is an option. "-40 °F" and "-" are operands.
 bool isOption(const std::string& word) {
     return word.size() > 1 && word[0] == '-' && word[1] != '.' && (word[1] < '0' || word[1] > '9');
 }
@@ -147,22 +147,23 @@ CArguments readArguments(const std::vector<std::string>& words) {
 const char* help() {
     return "usage: mensor convert [OPTION]... \"VALUE UNIT\" UNIT...   convert a value\n"
            "       mensor convert [OPTION]... - UNIT...              convert the lines of a pipe\n"
-           "       mensor explain [OPTION]... UNIT                   what a text means, and why\n"
-           "       mensor list [OPTION]... [packs | compatible UNIT] what there is\n"
+           "       mensor explain [OPTION]... UNIT                   show what a text means, and "
+           "why\n"
+           "       mensor list [OPTION]... [packs | compatible UNIT] list units or packs\n"
            "       mensor audit [OPTION]... FILE                     check a list of units\n"
-           "       mensor code [OPTION]... UNIT                      the codes that mean a unit\n"
+           "       mensor code [OPTION]... UNIT                      show the codes of a unit\n"
            "\n"
            "  --pack NAME[,NAME]...  add packs of units; see mensor list packs\n"
            "  --units FILE           define units: lines of \"name = number unit\"\n"
            "  --from SYSTEM          read codes: unece, opcua, ucum, senml, opentelemetry\n"
-           "  --to SYSTEM            write codes, or convert to what they mean\n"
+           "  --to SYSTEM            write codes; with convert, the target units are codes\n"
            "  --ucum                 the same as --from ucum\n"
            "  --differences          read \"J/°C\" as \"J/K\" and say so\n"
            "  --dimensionless        read a number without a unit\n"
            "  --strict               refuse names that people use for something else: \"pH\"\n"
            "  --kinds                refuse to count rad, sr or bit as 1\n"
-           "  --library              with explain, tell what the library's reader makes of it\n"
-           "  --json                 write one JSON object a line\n"
+           "  --library              with explain, show what the library's own reader does\n"
+           "  --json                 write one JSON object per line\n"
            "  --quiet                show no progress\n"
            "  --help, --version\n"
            "\n"

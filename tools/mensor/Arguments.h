@@ -1,4 +1,4 @@
-// Arguments.h: the command line of mensor.
+// Arguments.h: reads the command line of mensor.
 #ifndef MENSOR_TOOL_ARGUMENTS_H
 #define MENSOR_TOOL_ARGUMENTS_H
 
@@ -11,7 +11,7 @@
 #include <mensor_exact/Definitions.h>
 #include <mensor_exact/Reading.h>
 
-/// The command line is wrong; what() says how.
+/// Thrown if the command line is wrong; what() says why.
 class CUsageError : public std::invalid_argument {
 public:
     using std::invalid_argument::invalid_argument;
@@ -19,16 +19,16 @@ public:
 
 struct CArguments {
     std::string Command;                ///< "convert", "explain", "list", "audit", "code"
-    std::vector<std::string> Operands;  ///< what is behind it, without the options
+    std::vector<std::string> Operands;  ///< the words after the command, without the options
     std::vector<mensor::exact::ePack> Packs;
     std::vector<std::string> UnitFiles;          ///< --units
     mensor::exact::CReadOptions Reading;         ///< --differences, --dimensionless, --strict
-    std::optional<mensor::codes::eSystem> From;  ///< --from, --ucum: whose codes are read
-    std::optional<mensor::codes::eSystem> To;    ///< --to: whose codes are written
-    bool Kinds = false;    ///< no conversion counts the radian, the steradian or the bit as 1
-    bool Library = false;  ///< "explain" tells of the library's reader, too
+    std::optional<mensor::codes::eSystem> From;  ///< --from, --ucum: read codes of this system
+    std::optional<mensor::codes::eSystem> To;    ///< --to: write codes of this system
+    bool Kinds = false;    ///< refuse to count the radian, the steradian or the bit as 1
+    bool Library = false;  ///< "explain" also shows what the library's reader does
     bool Json = false;
-    bool Quiet = false;  ///< no progress
+    bool Quiet = false;  ///< show no progress
     bool Help = false;
     bool Version = false;
 };
@@ -36,7 +36,7 @@ struct CArguments {
 /// @throws CUsageError
 CArguments readArguments(const std::vector<std::string>& words);
 
-/// The help, every line ended.
+/// Returns the help. Every line ends with "\n".
 const char* help();
 
 #endif  // MENSOR_TOOL_ARGUMENTS_H

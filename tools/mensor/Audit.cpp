@@ -1,4 +1,4 @@
-// The audit asks the registry, in which two units can meet in one hash code.
+// The audit reads units with the registry, where two units may have the same hash code.
 #include <fstream>
 #include <iostream>
 #include <stdexcept>
@@ -18,7 +18,7 @@ void audit(const CArguments& arguments, const CUnits& units, CReport& report) {
     if (name != "-") {
         file.open(name);
         if (!file || file.peek() == std::ifstream::traits_type::eof()) {
-            // A folder opens, but cannot be read; an empty file holds no unit, which is no fault.
+            // A folder can be opened but not read. An empty file is accepted.
             if (!file.is_open() || !file.eof()) {
                 throw std::runtime_error("cannot read " + quoted(name));
             }

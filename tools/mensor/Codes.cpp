@@ -18,14 +18,14 @@ using mensor::codes::CCode, mensor::codes::CMatch, mensor::codes::eSystem;
 
 constexpr std::size_t LabelColumns = 15;
 
-// Whether the refusal is about the number of a value.
+// Returns whether the refusal is about the number of a value.
 bool isOfNumbers(eRefusal code) {
     return code == eRefusal::EMPTY || code == eRefusal::MALFORMED_TEXT ||
            code == eRefusal::TOO_LONG ||
            (code >= eRefusal::NO_NUMBER && code <= eRefusal::NUMBER_RANGE);
 }
 
-// What a unit of the command line means; none if it is refused, which the report is told.
+// Returns what the unit of the command line means. If it is refused, reports it and returns none.
 std::optional<CMeaning> meaningOf(const CArguments& arguments, const CUnits& units,
                                   CReport& report) {
     const std::string& text = arguments.Operands[0];
@@ -53,7 +53,7 @@ std::optional<CMeaning> meaningOf(const CArguments& arguments, const CUnits& uni
     return meaning;
 }
 
-// "MQH, also 4X", or what there is in its place.
+// Returns the codes, such as "MQH, also 4X", or a sentence if there is none.
 std::string sentenceOf(eSystem system, const CMatch& match) {
     std::string text = match.toString(system);
     for (std::size_t i = 0; i < match.Synonyms.size(); ++i) {
@@ -122,7 +122,7 @@ CValueReading readCodedValue(const std::string& text, eSystem system,
         refusal->Text = text;
     } else if (!isNumber || code == text.size()) {
         refusal = diagnose(eRefusal::MISSING_UNIT, text, {end, end},
-                           "a value is a number and, behind a blank, a code");
+                           "a value is a number, a blank and a code");
     } else {
         const std::string_view unit = std::string_view(text).substr(code, last - code);
         const auto reading = mensor::codes::tryRead(system, unit);

@@ -1,4 +1,4 @@
-// Commands.h: what mensor does. Each writes to the report and refuses there what it cannot use.
+// Commands.h: the commands of mensor. Each writes its results and its refusals to the report.
 #ifndef MENSOR_TOOL_COMMANDS_H
 #define MENSOR_TOOL_COMMANDS_H
 
@@ -19,24 +19,24 @@ void list(const CArguments& arguments, const CUnits& units, CReport& report);
 void audit(const CArguments& arguments, const CUnits& units, CReport& report);
 void code(const CArguments& arguments, const CUnits& units, CReport& report);
 
-/// The explanation of a code: --from, --ucum.
+/// Explains a code: "explain" with --from or --ucum.
 void explainCode(const CArguments& arguments, CReport& report);
 
-/// The value "5 mg/dL", a number and behind blanks a code. Else `refusal` says why it is none.
+/// Reads a value such as "5 mg/dL": a number, blanks and a code. If it is refused, sets `refusal`.
 mensor::exact::CValueReading readCodedValue(const std::string& text, mensor::codes::eSystem system,
                                             std::optional<mensor::exact::CDiagnosis>& refusal);
 
-/// A unit of the command line, which keeps its spelling.
+/// A unit of the command line, with its spelling.
 struct CTarget {
     std::string Text;
     mensor::exact::CMeaning Meaning;
 };
 
-/// Reads a unit of the command line; none if it is refused, which the report is told.
+/// Reads a unit of the command line. If it is refused, reports it and returns none.
 std::optional<CTarget> readTarget(const std::string& text, const CArguments& arguments,
                                   const CUnits& units, CReport& report);
 
-/// What to say where differences were read: "\"J/°C\" is read as \"J/K\"".
+/// Returns the note for a unit that was read with differences: "\"J/°C\" is read as \"J/K\"".
 std::string noteOnDifference(std::string_view unit, const CArguments& arguments,
                              const CUnits& units);
 

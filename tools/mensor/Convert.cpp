@@ -28,19 +28,19 @@ std::string_view trimmed(std::string_view text) {
                : text.substr(begin, text.find_last_not_of(" \t") + 1 - begin);
 }
 
-// Whether a program that reads the number as a double would get infinity, or zero for what is not zero.
+// Returns whether the nearest double is infinite, or is zero although the number is not.
 bool isBeyondDoubles(const CFraction& number) {
     const double nearest = number.toDouble();
     return !std::isfinite(nearest) || (nearest == 0.0 && !number.isZero());
 }
 
-// Writes numbers as results of conversions are written.
+// Returns a number in the form of a result.
 std::string written(const CFraction& number) {
     static const CConversion Same{CMeaning(), CMeaning()};
     return Same.convertText(number);
 }
 
-// One value to all targets.
+// Converts one value after another to all targets.
 class Converter {
 public:
     Converter(std::vector<CTarget> targets, const CArguments& arguments, const CUnits& units,
@@ -52,7 +52,7 @@ public:
           m_Conversions(m_Targets.size()),
           m_Faults(m_Targets.size()) {}
 
-    // `line` is 0 where the value stands on the command line.
+    // Converts one value. `line` is its line in the pipe, or 0 if it is on the command line.
     void convert(const std::string& text, std::size_t line) {
         std::optional<CDiagnosis> refusal;
         const CValueReading value =
@@ -84,14 +84,14 @@ public:
     }
 
 private:
-    // The result, or why there is none.
+    // A result or a refusal.
     struct CResult {
         std::string Value;
-        const char* Code = nullptr;
+        const char* Code = nullptr;  // null if there is a result
         std::string Message{};
     };
 
-    // Most values of a pipe have the unit of the value before.
+    // Prepares the conversions from `unit`. Most values of a pipe have the same unit as the one before.
     void prepare(const CMeaning& unit) {
         if (m_Unit == unit) {
             return;
@@ -147,7 +147,7 @@ private:
                 "the value in " + quoted(to.Text) + " is beyond the range of double"};
     }
 
-    // What counts as 1 in the conversion, empty if nothing does.
+    // Returns a note if the conversion counts the radian, the steradian or the bit as 1; else an empty text.
     std::string noteOnKinds(std::size_t target, const CValue& value, std::string_view unit) const {
         const CMeaning& to = m_Targets[target].Meaning;
         return value.Unit.isCompatibleWith(to)
@@ -155,7 +155,7 @@ private:
                    : std::string();
     }
 
-    // All that is to be said beside the results.
+    // Returns all notes on a value and its results.
     std::vector<std::string> notesOn(const std::string& text, const CValueReading& value,
                                      std::string_view unit) const {
         std::vector<std::string> notes;
@@ -175,7 +175,7 @@ private:
         return notes;
     }
 
-    // The unit as it was written.
+    // Returns the unit as it was written.
     static std::string_view unitIn(const std::string& text, const CValueReading& value) {
         const std::string_view unit = trimmed(value.Unit.of(text));
         return unit.empty() ? "One" : unit;
@@ -247,9 +247,9 @@ private:
     const CArguments& m_Arguments;
     const CUnits& m_Units;
     CReport& m_Report;
-    std::optional<CMeaning> m_Unit;                         // of the value before
-    std::vector<std::optional<CConversion>> m_Conversions;  // from it, one for each target
-    std::vector<std::string> m_Faults;                      // why there is none
+    std::optional<CMeaning> m_Unit;                         // the unit of the value before
+    std::vector<std::optional<CConversion>> m_Conversions;  // from m_Unit to each target
+    std::vector<std::string> m_Faults;                      // why a conversion is missing
 };
 
 }  // namespace
@@ -318,7 +318,7 @@ void convert(const CArguments& arguments, const CUnits& units, CReport& report) 
         }
         report.progress(lines.number(), lines.bytes());
         if (!lines.isMoreAtHand()) {
-            std::cout.flush();  // whoever writes the lines may wait for the answer
+            std::cout.flush();  // the program that writes the lines may wait for the result
         }
     }
     report.endProgress();

@@ -26,7 +26,7 @@ bool isIn(char32_t c, const CRange (&ranges)[N]) {
     return false;
 }
 
-// Unicode 15: nonspacing marks, and East Asian Width W and F, by blocks.
+// Blocks of Unicode 15 with nonspacing marks, and with East Asian Width W and F.
 constexpr CRange Marks[] = {
     {0x0300, 0x036F}, {0x0483, 0x0489}, {0x0591, 0x05BD}, {0x0610, 0x061A},
     {0x064B, 0x065F}, {0x0E34, 0x0E3A}, {0x0E47, 0x0E4E}, {0x1AB0, 0x1AFF},
@@ -36,14 +36,14 @@ constexpr CRange Wide[] = {
     {0x1100, 0x115F},   {0x2E80, 0x303E},   {0x3041, 0xA4CF},  {0xA960, 0xA97C}, {0xAC00, 0xD7A3},
     {0xF900, 0xFAFF},   {0xFE30, 0xFE6F},   {0xFF00, 0xFF60},  {0xFFE0, 0xFFE6}, {0x1F300, 0x1F64F},
     {0x1F680, 0x1F6FF}, {0x1F900, 0x1F9FF}, {0x20000, 0x3FFFD}};
-// They break the line, or turn it round.
+// Characters that break the line or change its direction.
 constexpr CRange Controls[] = {{0x00, 0x1F},     {0x7F, 0x9F},     {0x200E, 0x200F},
                                {0x2028, 0x202E}, {0x2066, 0x2069}, {NotUtf8, NotUtf8}};
 
 struct CGlyph {
     std::string Shown;
     std::size_t Columns;
-    std::size_t Byte;  // where it begins in the text
+    std::size_t Byte;  // the index of its first byte in the text
 };
 
 std::vector<CGlyph> glyphsOf(std::string_view text) {
@@ -94,8 +94,8 @@ std::string padded(const std::string& text, std::size_t columns) {
 
 std::string underlined(std::string_view text, std::size_t byte, std::size_t length,
                        const std::string& indent) {
-    constexpr std::size_t Before = 40;  // columns shown before the place, and from its beginning on
-    constexpr std::size_t After = 32;
+    constexpr std::size_t Before = 40;  // columns that are shown before the place
+    constexpr std::size_t After = 32;   // columns that are shown from the beginning of the place
     std::string line;
     std::string marks;
     const std::size_t place = columnsOf(text.substr(0, byte));
@@ -103,10 +103,10 @@ std::string underlined(std::string_view text, std::size_t byte, std::size_t leng
     bool isCut = false;
     for (const CGlyph& glyph : glyphsOf(text)) {
         const bool isBefore = column + Before < place;
-        const bool isBehind = column >= place + After;
+        const bool isAfter = column >= place + After;
         column += glyph.Columns;
-        if (isBefore || isBehind) {
-            isCut = isCut || isBehind;
+        if (isBefore || isAfter) {
+            isCut = isCut || isAfter;
             if (isBefore && line.empty()) {
                 line = "…";
                 marks = " ";

@@ -1,4 +1,4 @@
-// Display.h: text on a terminal, and as JSON.
+// Display.h: prepares text for a terminal and for JSON.
 #ifndef MENSOR_TOOL_DISPLAY_H
 #define MENSOR_TOOL_DISPLAY_H
 
@@ -6,31 +6,32 @@
 #include <string>
 #include <string_view>
 
-/// `text` without anything that would move the cursor or is no UTF-8: "?" for it, a blank for a tab.
+/// Returns `text` in a form that is safe for a terminal: "?" replaces control characters and bytes that are
+/// not UTF-8, a blank replaces a tab.
 std::string shown(std::string_view text);
 
-/// The columns that a terminal takes for `text`: none for combining characters, two for East Asian
-/// wide ones, whatever the locale.
+/// Returns the number of terminal columns of `text`: none for combining characters, two for East Asian wide
+/// characters. The locale does not matter.
 std::size_t columnsOf(std::string_view text);
 
-/// `text` in quotation marks, for messages.
+/// Returns `text` in quotation marks.
 std::string quoted(std::string_view text);
 
-/// Whether there is nothing but blanks.
+/// Returns whether the line has only blanks and tabs.
 bool isBlank(std::string_view line);
 
-/// `text`, filled with blanks to `columns`.
+/// Returns `text`, filled with blanks to `columns`.
 std::string padded(const std::string& text, std::size_t columns);
 
-/// Two lines behind `indent`, each ended: `text` and carets under the `length` bytes from `byte`. A
-/// long text is cut around them.
+/// Returns two lines that begin with `indent`: `text`, and carets under the `length` bytes from `byte`. Only
+/// the surroundings of that place are shown of a long text.
 std::string underlined(std::string_view text, std::size_t byte, std::size_t length,
                        const std::string& indent);
 
-/// The shortest digits that read back as the same double.
+/// Returns the shortest digits that read back as the same double.
 std::string shortest(double number);
 
-/// `text` in double quotes as JSON has it; bytes that are not UTF-8 become U+FFFD.
+/// Returns `text` as a string of JSON, in quotes. Bytes that are not UTF-8 become U+FFFD.
 std::string jsonText(std::string_view text);
 
 /// The fields of one JSON object.
@@ -53,7 +54,7 @@ private:
     std::string m_Fields;
 };
 
-/// The items, each JSON already, as an array.
+/// Returns an array of items that are JSON already.
 template <class Items>
 std::string jsonArray(const Items& items) {
     std::string array;

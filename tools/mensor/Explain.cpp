@@ -15,8 +15,8 @@ namespace {
 
 using namespace mensor::exact;
 
-// What a refused text says if operations of one rank are done from left to right, as mathematics has
-// it; none where it says nothing.
+// Returns the refused text with the brackets that the rules of mathematics imply: operations of the same
+// rank are done from left to right. Returns none if the text is refused for another reason.
 std::optional<std::string> fromLeftToRight(const CDiagnosis& refusal, const CUnits& units,
                                            const CReadOptions& options) {
     CDiagnosis next = refusal;
@@ -36,14 +36,14 @@ std::optional<std::string> fromLeftToRight(const CDiagnosis& refusal, const CUni
     return std::nullopt;
 }
 
-// The refusal of the checked reader in one line; empty if there is none.
+// Returns the refusal of the checked reader in one line, or an empty text.
 std::string checkedRefusal(const CLibraryAnswer& answer) {
     return answer.Checked
                ? std::string(nameOf(answer.Checked->Code)) + ": " + answer.Checked->Sentence
                : "";
 }
 
-// Everything that there is to say of one text.
+// The explanation of one text.
 class CExplanation {
 public:
     CExplanation(const CArguments& arguments, const CUnits& units, CReport& report)
@@ -150,7 +150,7 @@ private:
                 *m_LeftToRight + ", from left to right, which is " +
                     read(*m_LeftToRight, m_Units.catalogue(), m_Arguments.Reading).toString());
         } else {
-            row("mathematics", "nothing certain");
+            row("mathematics", "no clear meaning");
         }
         for (std::size_t i = 0; i < m_Refusal.Readings.size(); ++i) {
             row(i == 0 ? "write" : "  or", m_Refusal.Readings[i]);
@@ -197,11 +197,11 @@ private:
     const CUnits& m_Units;
     CReport& m_Report;
     const CReading m_Reading;
-    std::string m_Notation;                    // if it was read
-    CCertificate m_Certificate;                // likewise
-    CDiagnosis m_Refusal;                      // if it was not
-    std::optional<std::string> m_LeftToRight;  // likewise
-    std::optional<CLibraryAnswer> m_Library;   // if it was asked for
+    std::string m_Notation;                    // set if the text was read
+    CCertificate m_Certificate;                // set if the text was read
+    CDiagnosis m_Refusal;                      // set if the text was refused
+    std::optional<std::string> m_LeftToRight;  // may be set if the text was refused
+    std::optional<CLibraryAnswer> m_Library;   // set with --library
 };
 
 }  // namespace

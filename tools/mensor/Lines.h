@@ -1,4 +1,4 @@
-// Lines.h: the lines of a text, of whatever length, in bounded memory.
+// Lines.h: reads lines of any length in bounded memory.
 #ifndef MENSOR_TOOL_LINES_H
 #define MENSOR_TOOL_LINES_H
 
@@ -8,17 +8,17 @@
 #include <string>
 #include <utility>
 
-/// Reads lines one by one. A line loses its end ("\n" or "\r\n"); of a line beyond any use only the
-/// beginning is kept, which the reader of units refuses for its length.
+/// Reads lines one by one, without their ends ("\n" or "\r\n"). Of a very long line only the beginning is
+/// kept. It is still too long for the reader of units, which refuses it.
 class CLines {
 public:
-    /// `name` is what messages call the input.
+    /// @param name  the name of the input in messages
     CLines(std::istream& input, std::string name) : m_Input(input), m_Name(std::move(name)) {}
 
-    /// Whether there was one more line.
-    /// @throws std::runtime_error  "cannot read the standard input": it is a folder, closed, or fails.
+    /// Reads the next line. Returns false if there is none.
+    /// @throws std::runtime_error  "cannot read the standard input": it is a folder, is closed, or fails.
     bool next(std::string& line) {
-        constexpr std::size_t Longest = 20000;  // 4096 code points of four bytes, and some more
+        constexpr std::size_t Longest = 20000;  // more than 4096 code points of four bytes
         line.clear();
         int byte = nextByte();
         if (byte == std::char_traits<char>::eof()) {
@@ -38,17 +38,17 @@ public:
         return true;
     }
 
-    /// Whether more is there without waiting.
+    /// Returns whether more input can be read without waiting.
     bool isMoreAtHand() const { return m_Input.rdbuf()->in_avail() > 0; }
 
-    std::size_t number() const { return m_Number; }  ///< of the last line, from 1
-    std::size_t bytes() const { return m_Bytes; }    ///< read so far
+    std::size_t number() const { return m_Number; }  ///< the number of the last line, from 1
+    std::size_t bytes() const { return m_Bytes; }    ///< the number of bytes read so far
 
 private:
     int nextByte() {
         try {
             return m_Input.rdbuf()->sbumpc();
-        } catch (const std::ios_base::failure&) {  // the standard library's words for it are long
+        } catch (const std::ios_base::failure&) {  // its message does not name the input
             throw std::runtime_error("cannot read " + m_Name);
         }
     }

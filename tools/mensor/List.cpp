@@ -20,10 +20,11 @@ struct CListed {
     std::vector<std::string> OtherNames;
 };
 
-// Every unit by its first name. Names of one meaning that are called the same are one unit: ml and mL.
+// Returns all units by their first names. Names with the same meaning and the same English name, such as ml
+// and mL, belong to one unit.
 std::map<std::string, CListed> namedUnits(const CCatalogue& catalogue) {
     std::map<std::string, CListed> listed;
-    std::map<std::string, std::string> firstNames;  // by what the unit is called
+    std::map<std::string, std::string> firstNames;  // by English name
     catalogue.forEach([&](const CDefinition& definition) {
         const std::string name(definition.Name);
         CMeaning meaning = *catalogue.meaning(name);

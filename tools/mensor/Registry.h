@@ -1,4 +1,4 @@
-// Registry.h: what the library's registry makes of texts.
+// Registry.h: asks the library's registry what it does with texts.
 //
 // The registry is in libmensor, which this program does not link. Only the command "audit" and the option
 // --library ask the registry. They load the module registry.so, which links libmensor.
@@ -15,25 +15,26 @@
 #include <mensor_exact/Meaning.h>
 #include <mensor_exact/Reading.h>
 
-/// What the library's own reader and the checked reader make of one text.
+/// The answers of the library's own reader and of the checked reader to one text.
 struct CLibraryAnswer {
-    std::optional<std::string> Unit;  ///< as the library writes it, if it reads the text
-    std::optional<mensor::exact::CMeaning> Meaning;  ///< of the unit, if it has one
-    std::string Refusal;                             ///< the library's message, if there is no unit
-    std::optional<mensor::exact::CDiagnosis> Checked;  ///< why the checked reader refuses the text
-    bool IsSame = false;                               ///< both readers give one unit
+    std::optional<std::string> Unit;  ///< the unit as the library writes it; none if it is refused
+    std::optional<mensor::exact::CMeaning> Meaning;  ///< what the unit means; none if there is none
+    std::string Refusal;  ///< the library's message if it refuses the text
+    std::optional<mensor::exact::CDiagnosis>
+        Checked;          ///< the refusal of the checked reader, if any
+    bool IsSame = false;  ///< both readers give the same unit
 };
 
 /// The registry of this process. The module implements it.
 class CRegistry {
 public:
-    /// Registers the units of a pack. Returns why it is refused; none if it is not.
+    /// Registers the units of a pack. Returns why it is refused, or none.
     virtual std::optional<std::string> addPack(mensor::exact::ePack pack) = 0;
 
     /// Registers the units of a definition file. Returns the refused lines.
     virtual std::vector<mensor::exact::CLineFinding> addDefinitions(const std::string& text) = 0;
 
-    /// Returns why the checked reader refuses a text; none if it reads it.
+    /// Returns why the checked reader refuses a text, or none.
     virtual std::optional<mensor::exact::CDiagnosis> refusalOf(
         const std::string& text, const mensor::exact::CReadOptions& options) = 0;
 
@@ -45,11 +46,11 @@ protected:
     ~CRegistry() = default;
 };
 
-/// Loads the module on the first call.
-/// @throws std::runtime_error  The module, or a library that it needs, cannot be loaded.
+/// Returns the registry. Loads the module on the first call.
+/// @throws std::runtime_error  the module, or a library that it needs, cannot be loaded.
 CRegistry& registry();
 
-/// The function of the module that gives its one object.
+/// The function of the module that returns its only object.
 using GetRegistry = CRegistry*();
 constexpr const char* GetRegistryName = "mensorToolRegistry";
 

@@ -1,4 +1,4 @@
-// The module registry.so. It asks the library and its companion for what the command mensor tells of them.
+// The module registry.so, through which the command mensor calls the library and its companion.
 #include <exception>
 #include <optional>
 #include <string>
@@ -18,7 +18,7 @@ namespace {
 using mensor::CUnit, mensor::CUnitPtr;
 using mensor::exact::CDiagnosis, mensor::exact::CReadOptions, mensor::exact::ePack;
 
-// A scaled unit without a label has no text of the library. Its meaning has one.
+// Returns the text of a unit. A scaled unit without a label has none, so its meaning is returned instead.
 std::string textOf(const CUnitPtr& unit, const std::optional<mensor::exact::CMeaning>& meaning) {
     try {
         return unit->toStdString();
@@ -27,14 +27,14 @@ std::string textOf(const CUnitPtr& unit, const std::optional<mensor::exact::CMea
     }
 }
 
-class Registry final : public CRegistry {
+class CLibraryRegistry final : public CRegistry {
 public:
-    // The psi is the one named unit that the library does not register by itself.
-    Registry() { mensor::NonSI::Psi(); }
+    // The library registers the psi only on this call.
+    CLibraryRegistry() { mensor::NonSI::Psi(); }
 
     std::optional<std::string> addPack(ePack pack) override {
         if (pack == ePack::EVERYDAY) {
-            return std::nullopt;  // spellings of units that the registry has
+            return std::nullopt;  // it only has other spellings of units
         }
         try {
             mensor::checked::registerPack(*mensor::checked::packNamed(nameOf(pack)));
@@ -77,6 +77,6 @@ public:
 
 extern "C" CRegistry* mensorToolRegistry();
 extern "C" __attribute__((visibility("default"))) CRegistry* mensorToolRegistry() {
-    static Registry Instance;
+    static CLibraryRegistry Instance;
     return &Instance;
 }

@@ -1,4 +1,4 @@
-// Units.h: the units that the command line asks for.
+// Units.h: the catalogue of units of one run.
 #ifndef MENSOR_TOOL_UNITS_H
 #define MENSOR_TOOL_UNITS_H
 
@@ -14,15 +14,15 @@
 /// line.
 class CUnits {
 public:
-    /// Tells the report what is refused.
+    /// Reports what is refused.
     /// @throws std::runtime_error  "cannot read "units.txt"".
     CUnits(const CArguments& arguments, CReport& report);
 
     const mensor::exact::CCatalogue& catalogue() const { return m_Catalogue; }
 
-    /// Registers the same units with the library's registry. Tells the report, if there is one, what is
-    /// refused. Returns whether nothing was.
-    /// @throws std::runtime_error  The registry cannot be loaded.
+    /// Registers the same units in the library's registry. Reports what is refused, if there is a report.
+    /// Returns whether all units were accepted.
+    /// @throws std::runtime_error  the registry cannot be loaded.
     bool registerAll(CReport* report) const;
 
 private:

@@ -1,11 +1,11 @@
-# Bash completion for mensor. Units and packs are asked of the program itself.
+# Bash completion for mensor. The program itself lists the units and packs.
 _mensor() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
     local command= options='--pack --units --from --to --ucum --differences --dimensionless --strict --kinds --library --json --quiet --help --version'
     local i words packs=()
     COMPREPLY=()
 
-    # The command, and the options that bring more units.
+    # Finds the command, and the options that add units.
     for ((i = 1; i < COMP_CWORD; i++)); do
         case ${COMP_WORDS[i]} in
             --pack | --units) [ $((i + 1)) -lt "$COMP_CWORD" ] && packs+=("${COMP_WORDS[i]}" "${COMP_WORDS[i + 1]}"); ((i++)) ;;

@@ -4,9 +4,9 @@
 //     2.5 km = 2500 m
 //     $ mensor explain W/m²/K
 //
-// The exact library reads and converts the units, without a registry. Nothing is guessed, and what is refused
-// is shown with its place. Only "audit" and --library load the library with the registry. The status is 0, 1
-// if some input was refused, 2 for wrong use.
+// The exact library reads and converts the units, without a registry. It guesses nothing. A refusal shows the
+// place in the text. Only "audit" and --library load the library with the registry. The status is 0 if all
+// is well, 1 if some input was refused, 2 for wrong use.
 #include <cstdio>
 #include <exception>
 #include <iostream>
