@@ -1,4 +1,4 @@
-// Audit_test.cpp: a list of units checked as a whole.
+// Audit_test.cpp: checks lists of units for collisions.
 #include "mensor_checked/Audit.h"
 
 #include <gmock/gmock.h>
@@ -18,7 +18,7 @@ using checked::CReadOptions;
 using checked::eRefusal;
 using ::testing::IsEmpty;
 
-TEST(Audit, FindsEveryTextThatCannotBeUsed) {
+TEST(Audit, FindsEveryRefusedText) {
     const std::vector<CFinding> findings =
         audit({"N·s", "kg", "T·m", "W/m²/K", "1/(cm·K)", "m/s", "T·m/A", ""});
     ASSERT_EQ(findings.size(), 4U);
@@ -33,18 +33,18 @@ TEST(Audit, FindsEveryTextThatCannotBeUsed) {
     EXPECT_EQ(findings[3].Refusal.Code, eRefusal::EMPTY);
 }
 
-TEST(Audit, FindsOneOfTwoCollidingUnitsInTheOtherOrder) {
+TEST(Audit, FindsTheSecondOfTwoCollidingUnits) {
     const std::vector<CFinding> findings = audit({"T·m", "N·s"});
     ASSERT_EQ(findings.size(), 1U);
     EXPECT_EQ(findings[0].Index, 1U);
 }
 
-TEST(Audit, FindsNothingInASoundList) {
+TEST(Audit, FindsNothingInAListWithoutCollisions) {
     EXPECT_THAT(audit({"m", "km/h", "W/(m²·K)", "°C", "mmol/l", "V/√Hz", "km/h"}), IsEmpty());
     EXPECT_THAT(audit({}), IsEmpty());
 }
 
-TEST(Audit, TakesOptions) {
+TEST(Audit, UsesTheOptions) {
     CReadOptions options;
     options.Differences = true;
     options.Dimensionless = true;

@@ -1,4 +1,4 @@
-// Choosing_test.cpp: lists of units, and the one that suits a value.
+// Choosing_test.cpp: lists the units of a quantity, and picks the unit that suits a value.
 #include "mensor_checked/Choosing.h"
 
 #include <gmock/gmock.h>
@@ -55,7 +55,7 @@ TEST(Choosing, ListsCompatibleUnitsBySize) {
     EXPECT_EQ(choices[2].Unit, euro);
 }
 
-TEST(Choosing, ListsEveryUnitThatCanBeReadAndNoOther) {
+TEST(Choosing, ListsEveryUnitThatCanBeRead) {
     for (const CUnitPtr& unit :
          {CUnitPtr(SI::Meter()), SI::Pascal(), CUnitPtr(SI::Kelvin()), SI::Hertz()}) {
         const std::vector<CChoice> choices = choicesFor(unit);
@@ -76,18 +76,19 @@ TEST(Choosing, ListsEveryUnitThatCanBeReadAndNoOther) {
     }
 }
 
-TEST(Choosing, KnowsThePressures) {
+TEST(Choosing, ListsAllUnitsOfPressure) {
     const std::vector<CChoice> choices = choicesFor(NonSI::Bar());
     EXPECT_THAT(texts(choices), Contains("atm"));
     EXPECT_THAT(texts(choices), Contains("mm_Hg"));
-    EXPECT_THAT(texts(choices), Contains("psi")) << "nobody need have called NonSI::Psi()";
+    EXPECT_THAT(texts(choices), Contains("psi"))
+        << "although the program has not called NonSI::Psi()";
     for (const CChoice& choice : choicesFor(NonSI::Bar())) {
         if (choice.Text == "psi") {
             EXPECT_DOUBLE_EQ(choice.Factor, 0.0689476);
             return;
         }
     }
-    FAIL() << "no psi";
+    FAIL() << "psi is not listed";
 }
 
 TEST(Choosing, LeavesOutUnitsThatDoNotReadBack) {
@@ -96,8 +97,8 @@ TEST(Choosing, LeavesOutUnitsThatDoNotReadBack) {
     EXPECT_THAT(texts(choicesFor(SI::Kelvin())), ElementsAre("mK", "K", "°C"));
 }
 
-TEST(Choosing, IsNotDeceivedByHashes) {
-    // 1/s² and 1/(m·K) have one hash, so the library takes units of the one for units of the other.
+TEST(Choosing, DoesNotListUnitsWhoseDimensionCollides) {
+    // 1/s² and 1/(m·K) have the same hash code, so for the library their multiples are compatible.
     const CUnitPtr wrong = CUnit::fromString("1/(cm·K)");
     CUnitFormat::label(wrong, "qq");
     const CUnitPtr right = checked::label(checked::scaled(checked::readUnit("1/s²"), 4), "rr");
@@ -105,7 +106,7 @@ TEST(Choosing, IsNotDeceivedByHashes) {
     EXPECT_THAT(texts(choicesFor(right)), ElementsAre("rr"));
 }
 
-TEST(Choosing, GivesNothingForAUnitThatHasNoCompany) {
+TEST(Choosing, ListsNothingIfNoNamedUnitIsCompatible) {
     EXPECT_THAT(choicesFor(CUnit::fromString("kg^7")), ElementsAre());
 }
 
@@ -127,7 +128,7 @@ TEST(Readable, PrefersPowersOfAThousand) {
     }
 }
 
-TEST(Readable, LeavesWhatHasNoSize) {
+TEST(Readable, LeavesZeroNanInfinityAndOffsetUnits) {
     for (const double x : {0.0, std::nan(""), std::numeric_limits<double>::infinity()}) {
         EXPECT_EQ(readableUnit(x, SI::Meter()), SI::Meter());
     }
@@ -136,7 +137,7 @@ TEST(Readable, LeavesWhatHasNoSize) {
     EXPECT_EQ(readableUnit(1e9, CProductUnit::one()), CProductUnit::one());
 }
 
-TEST(Readable, IsStableAtTheBorders) {
+TEST(Readable, RoundingDoesNotChangeTheUnitAtPowersOfAThousand) {
     for (const double x : {1000.0, std::nextafter(1000.0, 0.0), std::nextafter(1000.0, 2000.0),
                            0.1 * 10000.0, 1000.0 * (1 - 1e-13)}) {
         EXPECT_EQ(readableUnit(x, SI::Meter()), SI::Kilo(SI::Meter())) << exactly(x);
@@ -145,7 +146,7 @@ TEST(Readable, IsStableAtTheBorders) {
     EXPECT_EQ(readableUnit(1000.0 * (1 - 1e-11), SI::Meter()), SI::Meter());
 }
 
-TEST(Readable, ChoosesTheSameUnitAgain) {
+TEST(Readable, ChoosesTheSameUnitForItsOwnResult) {
     std::mt19937 random(1);
     for (const char* name : {"m", "g", "l", "Pa", "s"}) {
         const CUnitPtr unit = CUnit::fromString(name);
@@ -164,7 +165,7 @@ TEST(Choosing, RefusesAnEmptyPointer) {
     EXPECT_THROW(readable({1, nullptr}), std::invalid_argument);
 }
 
-// The registry multiplies by a thousand and then divides by 1e27.
+// The converter of the registry multiplies by a thousand before it divides by 1e27.
 TEST(Choosing, KeepsLargeValuesFinite) {
     const CValueWithUnit large = readable(CValueWithUnit(1e308, SI::Kilogram()));
     EXPECT_EQ(large.unit(), checked::readUnit("Yg"));

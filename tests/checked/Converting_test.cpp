@@ -1,4 +1,4 @@
-// Converting_test.cpp: the companion's converters round once, and are converters of the library.
+// Converting_test.cpp: converters that round once, and their use as converters of the library.
 #include "mensor_checked/Converting.h"
 
 #include <gmock/gmock.h>
@@ -39,13 +39,13 @@ TEST(Converting, GivesTheNearestDouble) {
     EXPECT_EQ(converter(readUnit("g"), readUnit("Mg"))->convert(5), 5e-6);
     EXPECT_EQ(converter(SI::Celsius(), SI::Kelvin())->convert(-40), 233.15);
     EXPECT_EQ(SI::Gram()->convertValueToUnit(5, readUnit("Mg")), 4.9999999999999996e-06)
-        << "as the registry has it";
+        << "the result of the registry";
     checked::registerPack(checked::ePack::OFFSETS);
     EXPECT_EQ(converter(readUnit("°F"), SI::Celsius())->convert(98.6), 37);
 }
 
-// Random doubles between all names of the same dimension.
-TEST(Converting, IsTheExactConversionOfTheRows) {
+// Converts random doubles between all pairs of names with the same dimension.
+TEST(Converting, AgreesWithTheExactLibraryForAllPairs) {
     int count = 0;
     const std::vector<string_t> names = {"m", "km",  "nm",  "min",   "h",   "week",
                                          "s", "psi", "bar", "mm_Hg", "°C",  "K",
@@ -68,7 +68,7 @@ TEST(Converting, IsTheExactConversionOfTheRows) {
     EXPECT_GT(count, 1000);
 }
 
-TEST(Converting, IsTheIdentityForOneUnit) {
+TEST(Converting, FromAUnitToItselfIsTheIdentityConverter) {
     EXPECT_EQ(converter(SI::Meter(), SI::Meter()), CConverter::identity());
 }
 
@@ -80,7 +80,7 @@ TEST(Converting, InvertsExactly) {
     EXPECT_EQ(converter(SI::Celsius(), SI::Kelvin())->inverse()->convert(300.0), 26.85);
 }
 
-TEST(Converting, HasASlopeAndKnowsWhetherItIsAScaling) {
+TEST(Converting, HasASlopeAndTellsScalingsFromShifts) {
     const CConverterPtr toHours = converter(SI::Second(), NonSI::Hour());
     EXPECT_EQ(toHours->derivative(5), 1.0 / 3600);
     EXPECT_TRUE(toHours->isLinear());
@@ -89,7 +89,7 @@ TEST(Converting, HasASlopeAndKnowsWhetherItIsAScaling) {
     EXPECT_FALSE(toKelvin->isLinear());
 }
 
-TEST(Converting, EqualsAsConvertersDo) {
+TEST(Converting, EqualsConvertersOfTheSameConversion) {
     const CConverterPtr toMetres = converter(readUnit("km"), SI::Meter());
     EXPECT_TRUE(toMetres->equals(converter(readUnit("Mm"), readUnit("km"))));
     EXPECT_TRUE(toMetres->equals(std::make_shared<CMultiplyConverter>(1000)));
@@ -109,7 +109,7 @@ TEST(Converting, EqualsAsConvertersDo) {
 TEST(Converting, CanBeChained) {
     const CConverterPtr toMetres = converter(readUnit("km"), SI::Meter());
     const CConverterPtr chain = toMetres->concatenate(std::make_shared<CAddConverter>(2));
-    EXPECT_EQ(chain->convert(3), 5000) << "2 more, then a thousandfold";
+    EXPECT_EQ(chain->convert(3), 5000) << "adds 2, then multiplies by 1000";
     EXPECT_EQ(chain->inverse()->convert(5000), 3);
     EXPECT_EQ(chain->derivative(0), 1000);
     EXPECT_EQ(toMetres->concatenate(CConverter::identity()), toMetres);
@@ -136,15 +136,15 @@ TEST(Converting, ConvertsArraysToTheSameBits) {
     EXPECT_THROW(toHours->convertAll(nullptr, values.data(), 1), std::invalid_argument);
 }
 
-// The unit of 1001 m, which nobody has.
-TEST(Converting, MakesUnitsOfTheLibrary) {
+// A unit of 1001 m is not registered yet.
+TEST(Converting, CanDefineAUnitOfTheLibrary) {
     const CConverterPtr converter = checked::converter(
         exact::CMeaning::base("m").scaled(exact::CFactor(exact::CFraction(1001))),
         exact::CMeaning::base("m"));
     const CUnitPtr unit = CTransformedUnit::getInstance(SI::Meter(), converter);
     EXPECT_EQ(unit->convertValueToUnit(2, SI::Meter()), 2002);
     EXPECT_EQ(checked::meaningOf(unit).toString(), "1001 m");
-    EXPECT_EQ(unit, SI::Meter()->multiply(1001)) << "one identity";
+    EXPECT_EQ(unit, SI::Meter()->multiply(1001)) << "both have the same identity";
     EXPECT_EQ((unit / SI::Second())->convertValueToUnit(2, readUnit("m/s")), 2002);
     const CConverterPtr shift = checked::converter(
         exact::CMeaning::base("K").shifted(exact::CFraction(-1001)), exact::CMeaning::base("K"));
@@ -153,7 +153,7 @@ TEST(Converting, MakesUnitsOfTheLibrary) {
         "K - 1001");
 }
 
-TEST(Converting, ConvertsWhereTheRegistryHasNoObject) {
+TEST(Converting, ConvertsByMeaningsWhereTheRegistryHasNoObject) {
     readUnit("Wb/A");
     ASSERT_EQ(checked::tryReadUnit("kg/(s·K)").Refusal->Code, checked::eRefusal::COLLISION);
     EXPECT_EQ(converter(checked::readMeaning("kg/(s·K)"), checked::readMeaning("g/(min·K)"))
@@ -166,14 +166,14 @@ TEST(Converting, ConvertsWhereTheRegistryHasNoObject) {
               0.3);
 }
 
-TEST(Converting, IsTheRegistrysOwnWhereBaseUnitsAreMapped) {
+TEST(Converting, IsTheConverterOfTheRegistryIfABaseUnitIsMapped) {
     const auto own = std::dynamic_pointer_cast<CBaseUnit>(CBaseUnit::getInstance("qxy"));
     own->setDimension(SI::Second(), std::make_shared<CMultiplyConverter>(0.25));
     EXPECT_EQ(converter(own, SI::Second())->convert(3), 0.75);
     EXPECT_EQ(converter(SI::Second(), own)->convert(0.75), 3);
 }
 
-TEST(Converting, IsTheRegistrysOwnWhereAClientHasItsOwnConverter) {
+TEST(Converting, IsTheConverterOfTheRegistryForAClientsClassOfConverter) {
     const CUnitPtr bent = CTransformedUnit::getInstance(SI::Meter(), std::make_shared<CBent>(0.5));
     EXPECT_EQ(converter(bent, SI::Meter())->convert(2), 1);
 }

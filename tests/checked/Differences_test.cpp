@@ -1,4 +1,4 @@
-// Differences_test.cpp: where only the size of a unit counts.
+// Differences_test.cpp: differences convert by the size of a unit, without its offset.
 #include "mensor_checked/Differences.h"
 
 #include <gmock/gmock.h>
@@ -24,8 +24,8 @@ using ::testing::ThrowsMessage;
 
 CUnitPtr fahrenheit() { return checked::affine(SI::Kelvin(), 5.0 / 9.0, 459.67 * 5.0 / 9.0); }
 
-TEST(Differences, OfTemperaturesAreNotTemperatures) {
-    // The three examples of the page.
+TEST(Differences, OfTemperaturesConvertWithoutTheOffset) {
+    // These are the three examples of the page.
     const CValueWithUnit inside(20, SI::Celsius()), outside(15, SI::Celsius());
     EXPECT_EQ(difference(inside, outside).valueAs(SI::Kelvin()), 5);
     EXPECT_EQ(convertDifference(10, SI::Celsius(), SI::Kelvin()), 10);
@@ -33,7 +33,7 @@ TEST(Differences, OfTemperaturesAreNotTemperatures) {
     EXPECT_EQ((inside - CDifference(5, SI::Kelvin())).value(), 15);
 }
 
-TEST(Differences, ConvertBetweenScalesBySlope) {
+TEST(Differences, OfFahrenheitConvertByItsSlope) {
     EXPECT_DOUBLE_EQ(convertDifference(10, SI::Celsius(), fahrenheit()), 18);
     EXPECT_DOUBLE_EQ(convertDifference(18, fahrenheit(), SI::Kelvin()), 10);
     EXPECT_DOUBLE_EQ(convertDifference(-9, fahrenheit(), SI::Celsius()), -5);
@@ -44,7 +44,7 @@ TEST(Differences, ConvertBetweenScalesBySlope) {
     EXPECT_NEAR((room + difference(body, room)).value(), 37, 1e-10);
 }
 
-TEST(Differences, OfEverythingElseAreWhatTheLibraryConverts) {
+TEST(Differences, OfUnitsWithoutOffsetConvertAsTheLibraryDoes) {
     for (const char* pair : {"km m", "h s", "psi Pa", "µm nm", "°/s rad/s", "kW·h J"}) {
         NonSI::Psi();
         const std::string both = pair;
@@ -60,7 +60,7 @@ TEST(Differences, OfEverythingElseAreWhatTheLibraryConverts) {
     EXPECT_THAT(convertDifference(0.1, SI::Celsius(), SI::Celsius()), HasBitsOf(0.1));
 }
 
-TEST(Differences, RefuseWhatCannotBeConverted) {
+TEST(Differences, RefuseIncompatibleUnitsAndEmptyPointers) {
     EXPECT_THAT(
         [] { convertDifference(1, SI::Meter(), SI::Second()); },
         ThrowsMessage<std::invalid_argument>("m is not compatible with s in current context"));
@@ -74,13 +74,12 @@ TEST(Differences, RefuseWhatCannotBeConverted) {
     EXPECT_THROW(difference({1, SI::Meter()}, {1, SI::Second()}), std::invalid_argument);
 }
 
-TEST(Differences, RefuseResultsBeyondTheDoubles) {
+TEST(Differences, RefuseResultsBeyondTheRangeOfDouble) {
     const CUnitPtr km = CUnit::fromString("km");
     const CUnitPtr mm = CUnit::fromString("mm");
-    EXPECT_THAT(
-        [&] { convertDifference(1e308, km, mm); },
-        ThrowsMessage<std::range_error>(
-            "convertDifference: 1e+308 of \"km\" is beyond the range of double in \"mm\""));
+    EXPECT_THAT([&] { convertDifference(1e308, km, mm); },
+                ThrowsMessage<std::range_error>(
+                    "convertDifference: 1e+308 of \"km\" is beyond the range of double in \"mm\""));
     EXPECT_THROW(convertDifference(5e-324, mm, km), std::range_error);
     EXPECT_THROW(convertDifference(-1.5e308, SI::Celsius(), fahrenheit()), std::range_error);
     EXPECT_THROW(CDifference(1e308, km).valueAs(mm), std::range_error);
@@ -90,7 +89,7 @@ TEST(Differences, RefuseResultsBeyondTheDoubles) {
     EXPECT_GT(convertDifference(1e-310, mm, SI::Meter()), 0.0) << "subnormal, not zero";
 }
 
-TEST(Differences, RefuseAScaleWithoutAConstantSize) {
+TEST(Differences, RefuseAConverterThatIsNoStraightLine) {
     class CLogarithm : public CConverter {
     public:
         CConverterPtr inverse() override { return identity(); }

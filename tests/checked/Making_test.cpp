@@ -1,4 +1,4 @@
-// Making_test.cpp: each maker gives what it was asked for, or names what is in the way.
+// Making_test.cpp: each function makes the unit that was asked for, or names the unit that it collides with.
 #include "mensor_checked/Making.h"
 
 #include <gmock/gmock.h>
@@ -25,7 +25,7 @@ using ::testing::HasSubstr;
 using ::testing::StrEq;
 using ::testing::ThrowsMessage;
 
-// Expects the identity error and gives the unit that it names.
+// Expects a CIdentityError with this message, and returns the unit that it names.
 CUnitPtr inTheWay(const std::function<void()>& make, const std::string& message) {
     try {
         make();
@@ -37,7 +37,7 @@ CUnitPtr inTheWay(const std::function<void()>& make, const std::string& message)
     return nullptr;
 }
 
-TEST(Making, MakesWhatItIsAskedFor) {
+TEST(Making, EachFunctionMakesItsUnit) {
     const CUnitPtr euro = checked::baseUnit("EUR");
     EXPECT_EQ(checked::baseUnit("EUR"), euro);
     EXPECT_EQ(checked::readUnit("EUR/kg"), checked::quotient(euro, SI::Kilogram()));
@@ -53,24 +53,24 @@ TEST(Making, MakesWhatItIsAskedFor) {
     EXPECT_EQ(checked::shifted(SI::Kelvin(), 273.15), SI::Celsius());
 }
 
-TEST(Making, MakesAScaleWithFactorAndOffset) {
+TEST(Making, AffineHasAFactorAndAnOffset) {
     const CUnitPtr fahrenheit = checked::affine(SI::Kelvin(), 5.0 / 9.0, 459.67 * 5.0 / 9.0);
     EXPECT_NEAR(fahrenheit->convertValueToUnit(212, SI::Celsius()), 100, 1e-10);
     EXPECT_NEAR(SI::Celsius()->convertValueToUnit(-40, fahrenheit), -40, 1e-10);
     EXPECT_EQ(checked::affine(SI::Kelvin(), 1, 273.15), SI::Celsius());
     EXPECT_EQ(checked::affine(SI::Meter(), 1000, 0), SI::Kilo(SI::Meter()));
-    // The rankine has the same slope, which is all that identity looks at.
+    // The degree Rankine has the same slope, and so the same identity.
     EXPECT_EQ(inTheWay([] { checked::scaled(SI::Kelvin(), 5.0 / 9.0); }, "was asked for"),
               fahrenheit);
 }
 
-TEST(Making, LeavesAUnitAsItIsWhereNothingIsChanged) {
+TEST(Making, FactorOneAndOffsetZeroGiveTheUnitItself) {
     EXPECT_EQ(checked::scaled(SI::Kelvin(), 1), SI::Kelvin()) << "the library would give °C";
     EXPECT_EQ(checked::shifted(SI::Kelvin(), 0), SI::Kelvin());
     EXPECT_EQ(checked::affine(SI::Kelvin(), 1, 0), SI::Kelvin());
 }
 
-TEST(Making, RefusesASymbolWhoseHashIsTaken) {
+TEST(Making, RefusesASymbolWithTheHashCodeOfAnother) {
     const CUnitPtr first = checked::baseUnit("dollar_US");
     EXPECT_EQ(inTheWay([] { checked::baseUnit("dollar_CA"); },
                        "the unit of symbol \"dollar_CA\" is the same object as \"dollar_US\" here"),
@@ -80,14 +80,14 @@ TEST(Making, RefusesASymbolWhoseHashIsTaken) {
               first);
 }
 
-TEST(Making, RefusesABaseUnitThatIsAnotherKind) {
+TEST(Making, RefusesASymbolOfAUnitThatIsNotABaseUnit) {
     const auto impostor = CClientUnit::make("", hashFromString("qqx"));
     impostor->canonical();
     EXPECT_EQ(inTheWay([] { checked::baseUnit("qqx"); }, "the unit of symbol \"qqx\""), impostor);
     EXPECT_EQ(inTheWay([] { checked::baseUnit("N"); }, "the base unit \"N\""), SI::Newton());
 }
 
-TEST(Making, RefusesASymbolThatStandsForSomethingElse) {
+TEST(Making, RefusesASymbolOfAnotherUnit) {
     EXPECT_EQ(
         inTheWay([] { checked::alternateUnit("N", SI::Pascal()); }, "\"kg/(m·s²)\" was asked"),
         SI::Newton());
@@ -99,14 +99,14 @@ TEST(Making, RefusesASymbolThatStandsForSomethingElse) {
     EXPECT_THROW(checked::alternateUnit("m", SI::Second()), std::logic_error);
 }
 
-TEST(Making, RefusesAFactorThatSinglePrecisionTakesForAnother) {
+TEST(Making, RefusesAFactorThatIsTheSameInSinglePrecision) {
     const CUnitPtr mile = checked::scaled(SI::Meter(), 1609.344);
     EXPECT_EQ(inTheWay([] { checked::scaled(SI::Meter(), 1609.34400001); },
                        "\"1609.34400001 m\" was asked for, but the object is \"1609.344 m\""),
               mile);
 }
 
-TEST(Making, RefusesAnOffsetThatIdentityDoesNotSee) {
+TEST(Making, RefusesAUnitThatDiffersOnlyInItsOffset) {
     EXPECT_EQ(inTheWay([] { checked::shifted(SI::Kelvin(), 255.37); },
                        "\"K + 255.37\" was asked for, but the object is \"°C\""),
               SI::Celsius());
@@ -115,14 +115,14 @@ TEST(Making, RefusesAnOffsetThatIdentityDoesNotSee) {
               "k°C");
 }
 
-TEST(Making, NamesWhatIsInTheWayWhereTheLibraryGivesNothing) {
+TEST(Making, NamesTheCollidingUnitWhenTheLibraryReturnsNull) {
     const CUnitPtr yocto = SI::Yocto(SI::Meter());
     EXPECT_EQ(SI::Yocto(yocto), nullptr) << "its factor is 0 in single precision";
     EXPECT_EQ(inTheWay([&] { checked::scaled(yocto, 1e-24); }, "is the same object as \"m\" here"),
               SI::Meter());
 }
 
-TEST(Making, RefusesAProductWhoseHashIsTaken) {
+TEST(Making, RefusesAProductWithTheHashCodeOfAnother) {
     const CUnitPtr impulse = checked::product(SI::Newton(), SI::Second());
     EXPECT_EQ(inTheWay([] { checked::product(SI::Tesla(), SI::Meter()); },
                        "is the same object as \"N·s\" here, which means \"kg·m/s\""),
@@ -136,19 +136,19 @@ TEST(Making, RefusesAProductWhoseHashIsTaken) {
               CProductUnit::one() / SI::Meter());
 }
 
-TEST(Making, RefusesAProductThatWouldConvertAsAnother) {
+TEST(Making, RefusesAProductWhoseDimensionCollides) {
     const CUnitPtr perVolt = checked::power(SI::Volt(), -1);
     EXPECT_EQ(inTheWay([] { checked::quotient(NonSI::Minute(), SI::Kilo(SI::Meter())); },
                        "would count as"),
               perVolt);
 }
 
-TEST(Making, AcceptsAPrefixThatHasMovedInAProduct) {
+TEST(Making, AcceptsAProductWithThePrefixAtAnotherFactor) {
     const CUnitPtr torque = checked::product(SI::Milli(SI::Newton()), SI::Meter());
     EXPECT_EQ(checked::product(SI::Newton(), SI::Milli(SI::Meter())), torque);
 }
 
-TEST(Making, RefusesScalesInProducts) {
+TEST(Making, RefusesOffsetUnitsInProducts) {
     const char* const message =
         "quotient: \"°C\" is a scale with its own zero and cannot be part of a product";
     EXPECT_THAT([] { checked::quotient(SI::Joule(), SI::Celsius()); },
@@ -169,7 +169,8 @@ TEST(Making, RefusesALabelThatReplacesAnother) {
               SI::Kilo(SI::Meter()));
     EXPECT_THROW(checked::label(SI::Meter(), "m"), std::invalid_argument) << "its own symbol";
     EXPECT_EQ(Tables(), before);
-    EXPECT_EQ(checked::label(NonSI::MilliBar(), "mbar"), NonSI::MilliBar()) << "it has this one";
+    EXPECT_EQ(checked::label(NonSI::MilliBar(), "mbar"), NonSI::MilliBar())
+        << "the unit has this label already";
     EXPECT_EQ(Tables(), before);
 }
 
@@ -181,7 +182,7 @@ TEST(Making, RefusesAPrefixedOffsetUnitAsLabelOfAUnitWithoutOffset) {
         CUnitFormat::unitFor("°Re"));
 }
 
-TEST(Making, RefusesAnAliasThatWouldNotBeReadOrHideAnother) {
+TEST(Making, RefusesAnAliasThatNamesAnotherUnit) {
     const CUnitPtr own = checked::scaled(SI::Meter(), 3);
     CUnitFormat::alias(own, "qq");
     const Tables before;
@@ -191,13 +192,13 @@ TEST(Making, RefusesAnAliasThatWouldNotBeReadOrHideAnother) {
     EXPECT_EQ(inTheWay([&] { checked::alias(own, "km"); }, "\"km\""), SI::Kilo(SI::Meter()));
     EXPECT_EQ(inTheWay([&] { checked::alias(own, "L"); }, "\"l\""), NonSI::Liter());
     EXPECT_EQ(inTheWay([] { checked::label(SI::Kilo(SI::Kelvin()), "qq"); }, "\"qq\""), own);
-    EXPECT_EQ(checked::alias(SI::Meter(), "m"), SI::Meter()) << "it is named so";
+    EXPECT_EQ(checked::alias(SI::Meter(), "m"), SI::Meter()) << "the unit has this name already";
     EXPECT_EQ(Tables(), before);
     checked::alias(NonSI::Liter(), "L");
-    EXPECT_EQ(CUnitFormat::unitFor("L"), NonSI::Liter()) << "known to the library from now on";
+    EXPECT_EQ(CUnitFormat::unitFor("L"), NonSI::Liter()) << "now the library reads it, too";
 }
 
-TEST(Making, RefusesTextsThatCannotBeReadAsNames) {
+TEST(Making, RefusesTextsThatCannotBeNames) {
     for (const char* text : {"", "m2", "a b", "a/b", "x²", "(a)", "[a"}) {
         SCOPED_TRACE(text);
         EXPECT_THROW(checked::baseUnit(text), std::invalid_argument);
@@ -207,7 +208,7 @@ TEST(Making, RefusesTextsThatCannotBeReadAsNames) {
     }
 }
 
-TEST(Making, RefusesNumbersThatMakeNoUnit) {
+TEST(Making, RefusesZeroFactorsInfinityAndNan) {
     const double infinity = std::numeric_limits<double>::infinity();
     for (const double x : {0.0, infinity, -infinity, std::nan("")}) {
         EXPECT_THROW(checked::scaled(SI::Meter(), x), std::invalid_argument);
@@ -244,7 +245,7 @@ TEST(Making, RefusesUnitsBeyondTheRangeOfDoubleAndRegistersNothing) {
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(Making, SurvivesEmptyPointers) {
+TEST(Making, RefusesEmptyPointers) {
     const CUnitPtr none;
     const auto refuses = [](const std::function<void()>& make, const std::string& function) {
         EXPECT_THAT(make, ThrowsMessage<std::invalid_argument>(function +

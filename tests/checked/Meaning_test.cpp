@@ -1,4 +1,4 @@
-// Meaning_test.cpp: what units of the registry mean, exactly.
+// Meaning_test.cpp: the exact meanings of units of the registry.
 #include "mensor_checked/Meaning.h"
 
 #include <gmock/gmock.h>
@@ -47,11 +47,11 @@ exact::eError codeOf(const CUnitPtr& unit) {
     } catch (const exact::CError& error) {
         return error.code();
     }
-    ADD_FAILURE() << "has a meaning";
+    ADD_FAILURE() << "the unit has a meaning";
     return {};
 }
 
-// A scaling that only its own class knows.
+// A scaling of a client's own class.
 class ClientConverter : public CConverter {
 public:
     ClientConverter(double slope, double zero) : m_Slope(slope), m_Zero(zero) {}
@@ -66,7 +66,7 @@ private:
     double m_Slope, m_Zero;
 };
 
-TEST(Meaning, OfTheCatalogueIsItsDefinition) {
+TEST(Meaning, OfAUnitOfTheCatalogueIsItsDefinition) {
     EXPECT_EQ(meaningOf(SI::Meter()), base("m"));
     EXPECT_EQ(meaningOf(SI::Newton()), newton());
     EXPECT_EQ(meaningOf(SI::Kilo(SI::Newton())), newton().scaled(CFactor(CFraction(1000))));
@@ -87,7 +87,7 @@ TEST(Meaning, KeepsRadiansSteradiansAndBits) {
     EXPECT_EQ(meaningOf(SI::Radian() / SI::Second()), base("rad") / base("s"));
 }
 
-// Every unit that the library has made, by the name that it has after load.
+// Compares each unit of the library, by the name that it has after load.
 TEST(Meaning, OfEveryNameOfTheCatalogueIsItsRow) {
     int count = 0;
     CCatalogue::builtIn().forEach([&](const exact::CDefinition& definition) {
@@ -105,13 +105,13 @@ TEST(Meaning, OfEveryNameOfTheCatalogueIsItsRow) {
     EXPECT_EQ(count, 569 + 29 - 20 + 1);
 }
 
-TEST(Meaning, OfThePrefixedKelvinsIsTheirs) {
+TEST(Meaning, OfAPrefixedKelvinHasNoOffset) {
     const CUnitPtr millikelvin = SI::Kelvin()->multiply(0.001);
     ASSERT_EQ(toStdString(CUnitFormat::labelFor(millikelvin)), "m°C");
     EXPECT_EQ(meaningOf(millikelvin).toString(), "0.001 K");
 }
 
-TEST(Meaning, OfTheCatalogueStaysWhereItsLabelIsMoved) {
+TEST(Meaning, DoesNotChangeWhenALabelMoves) {
     const CUnitPtr millimetre = SI::Milli(SI::Meter());
     CUnitFormat::detach(millimetre, "mm");
     CUnitFormat::label(SI::Meter()->multiply(0.2), "mm");
@@ -119,10 +119,10 @@ TEST(Meaning, OfTheCatalogueStaysWhereItsLabelIsMoved) {
     EXPECT_EQ(meaningOf(CUnitFormat::unitFor("mm")), base("m").scaled(factor(0.2)));
 }
 
-TEST(Meaning, OfAnyOtherUnitIsWhatItsDoublesSay) {
+TEST(Meaning, OfAClientsUnitIsThatOfItsDoubles) {
     EXPECT_EQ(meaningOf(SI::Meter()->multiply(0.3)).factor(), factor(0.3));
     EXPECT_NE(meaningOf(SI::Meter()->multiply(0.3)).factor(), CFactor(CFraction(3, 10)));
-    // Not registered: the registry has one unit of this slope.
+    // Not registered, because the registry already has a unit with this slope.
     const auto converter = std::make_shared<CCompound>(
         std::make_shared<CMultiplyConverter>(0.9),
         std::make_shared<CCompound>(std::make_shared<CAddConverter>(0.7),
@@ -134,7 +134,7 @@ TEST(Meaning, OfAnyOtherUnitIsWhatItsDoublesSay) {
     EXPECT_EQ(meaningOf(tenth), base("m").scaled(factor(0.3)) / base("s"));
 }
 
-TEST(Meaning, OfAUnitOfAPackIsItsRowOnceThePackIsThere) {
+TEST(Meaning, OfAUnitOfAPackIsItsRowAfterRegistration) {
     const CUnitPtr unit = SI::Meter()->multiply(0.0254);
     EXPECT_EQ(meaningOf(unit).factor(), factor(0.0254));
     checked::registerPack(checked::ePack::CUSTOMARY);
@@ -142,7 +142,7 @@ TEST(Meaning, OfAUnitOfAPackIsItsRowOnceThePackIsThere) {
     EXPECT_EQ(meaningOf(unit).factor(), CFactor(CFraction(127, 5000)));
 }
 
-TEST(Meaning, OfEveryUnitOfThePacksIsItsRow) {
+TEST(Meaning, OfEachUnitOfThePacksIsItsRow) {
     using checked::ePack;
     const std::pair<ePack, exact::ePack> packs[] = {
         {ePack::SI, exact::ePack::SI},           {ePack::CUSTOMARY, exact::ePack::CUSTOMARY},
@@ -161,13 +161,13 @@ TEST(Meaning, OfEveryUnitOfThePacksIsItsRow) {
     }
 }
 
-TEST(Meaning, FollowsAClientsConverterAtZero) {
+TEST(Meaning, OfAClientsConverterIsItsScalingAtZero) {
     const auto own = std::make_shared<ClientConverter>(0.1, 7.0);
     const CUnitPtr unit = std::make_shared<CTransformedUnit>(SI::Meter(), own);
     EXPECT_EQ(meaningOf(unit), base("m").shifted(CFraction(7)).scaled(factor(0.1)));
 }
 
-TEST(Meaning, FollowsAChainOfAnyLength) {
+TEST(Meaning, OfAVeryLongChainIsComputed) {
     CConverterPtr chain = std::make_shared<CMultiplyConverter>(2.0);
     for (int i = 0; i < 100000; ++i) {
         const double step = i % 2 == 0 ? 0.5 : 2.0;
@@ -177,7 +177,7 @@ TEST(Meaning, FollowsAChainOfAnyLength) {
     EXPECT_EQ(meaningOf(unit).factor(), CFactor(CFraction(2)));
 }
 
-TEST(Meaning, IsNoneForFactorsThatAreNoPositiveNumbers) {
+TEST(Meaning, IsMissingForFactorsThatAreNotPositive) {
     EXPECT_EQ(codeOf(SI::Meter()->multiply(-3.0)), exact::eError::NOT_POSITIVE);
     const auto zero = std::make_shared<CMultiplyConverter>(0.0);
     EXPECT_EQ(codeOf(std::make_shared<CTransformedUnit>(SI::Meter(), zero)),
@@ -198,7 +198,7 @@ TEST(Meaning, RegistersNothing) {
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(Meaning, FollowsAClientsKindOfUnit) {
+TEST(Meaning, OfAClientsClassOfUnitFollowsItsElements) {
     const auto own = CClientUnit::make("qx", 4711);
     EXPECT_EQ(meaningOf(own), base("qx"));
     own->BaseUnits = [] { return CUnitPtr(SI::Meter()); };
@@ -209,12 +209,12 @@ TEST(Meaning, FollowsAClientsKindOfUnit) {
     EXPECT_EQ(meaningOf(own), base("m").power(CExponent(1, 2)) / base("s"));
 }
 
-TEST(Meaning, DoesNotTakeAClientsKindForTheUnitWithItsSymbol) {
+TEST(Meaning, OfAClientsClassOfUnitDoesNotFollowFromItsSymbol) {
     const auto own = CClientUnit::make("N", 4711);
     EXPECT_EQ(meaningOf(own), base("N"));
 }
 
-TEST(Meaning, EndsEvenWhereAnExpansionDoesNot) {
+TEST(Meaning, AnEndlessExpansionIsRefused) {
     const auto own = CClientUnit::make("qx", 4711);
     const auto other = CClientUnit::make("qy", 4712);
     CClientUnit* const first = own.get();

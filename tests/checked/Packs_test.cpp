@@ -1,5 +1,5 @@
-// Packs_test.cpp: every unit of the table is what its row and its source say, nothing is known before
-// it is asked for, and a pack that is in somebody's way says in whose.
+// Packs_test.cpp: each unit of a pack converts as its row and its source say. No name is known before its
+// pack is registered. A pack that collides with another unit is refused and names that unit.
 #include "mensor_checked/Packs.h"
 
 #include <gmock/gmock.h>
@@ -46,7 +46,7 @@ std::vector<CPackUnit> unitsOf(std::initializer_list<ePack> packs) {
     return units;
 }
 
-// Checked units of one pack, as the library's own parser reads them.
+// Expects the unit, as the library's own parser reads it, to convert as its row says.
 void expectToBeAsTheTableSays(const CPackUnit& row) {
     SCOPED_TRACE(row.Symbol);
     const CUnitPtr unit = CUnit::fromString(std::string(row.Symbol));
@@ -55,7 +55,7 @@ void expectToBeAsTheTableSays(const CPackUnit& row) {
     EXPECT_EQ(unit->getDimension(), parent->getDimension());
     EXPECT_EQ(bitsOf(unit->convertValueToUnit(0, parent)), bitsOf(row.Offset));
     const double one = unit->convertValueToUnit(1, parent);
-    if (parent == parent->getSystemUnit()) {  // one operation and no other rounding
+    if (parent == parent->getSystemUnit()) {  // a single rounding
         EXPECT_EQ(bitsOf(one), bitsOf(row.Factor + row.Offset)) << exactly(one);
     } else {
         EXPECT_NEAR(one, row.Factor, 4e-16 * row.Factor);
@@ -70,13 +70,13 @@ void expectToBeAsTheTableSays(const CPackUnit& row) {
                                      .scaled(exact::CFactor(CFraction::ofDouble(row.Factor)))));
 }
 
-TEST(Packs, AreNotThereUntilTheyAreRegistered) {
+TEST(Packs, NoNameIsKnownBeforeItsPackIsRegistered) {
     for (const CPackUnit& row : packUnits()) {
         EXPECT_EQ(CUnitFormat::unitFor(std::string(row.Symbol)), nullptr) << row.Symbol;
     }
 }
 
-TEST(Packs, HoldUnitsThatConvertByTheirFactorsAndOffsets) {
+TEST(Packs, EachUnitConvertsByItsFactorAndOffset) {
     registerMost();
     for (const CPackUnit& row : packUnits()) {
         if (row.Pack != ePack::IMPERIAL) {
@@ -85,9 +85,9 @@ TEST(Packs, HoldUnitsThatConvertByTheirFactorsAndOffsets) {
     }
 }
 
-// data/packs.tsv was written down when the factors still were numbers in the sources: what a definition
-// becomes must stay the same object with the same bits.
-void expectToBeAsWrittenDown(const std::set<std::string>& packs) {
+// Expects the bits in data/packs.tsv. Programs rely on them, so a change of a definition must not change
+// them.
+void expectTheRecordedBits(const std::set<std::string>& packs) {
     std::ifstream file(MENSOR_TEST_DATA "/packs.tsv");
     int count = 0;
     for (std::string line; std::getline(file, line);) {
@@ -121,24 +121,24 @@ void expectToBeAsWrittenDown(const std::set<std::string>& packs) {
     EXPECT_EQ(count, static_cast<int>(expected));
 }
 
-TEST(Packs, BuildTheSameObjectsWithTheSameBitsAsEver) {
+TEST(Packs, TheBitsOfConversionsDoNotChange) {
     registerMost();
-    expectToBeAsWrittenDown({"si", "customary", "us", "science", "offsets", "counting"});
+    expectTheRecordedBits({"si", "customary", "us", "science", "offsets", "counting"});
 }
 
-TEST(Packs, BuildTheSameObjectsForTheUnitedKingdomAsEver) {
+TEST(Packs, TheBitsOfImperialConversionsDoNotChange) {
     registerPack(ePack::IMPERIAL);
-    expectToBeAsWrittenDown({"customary", "imperial"});
+    expectTheRecordedBits({"customary", "imperial"});
 }
 
-TEST(Packs, HoldTheNamesOfTheUnitedKingdom) {
+TEST(Packs, EachImperialUnitConvertsByItsFactorAndOffset) {
     registerPack(ePack::IMPERIAL);
     for (const CPackUnit& row : unitsOf({ePack::CUSTOMARY, ePack::IMPERIAL})) {
         expectToBeAsTheTableSays(row);
     }
 }
 
-TEST(Packs, CanBeRegisteredInTheOtherOrder) {
+TEST(Packs, CanBeRegisteredInReverseOrder) {
     for (auto pack = std::rbegin(Most); pack != std::rend(Most); ++pack) {
         registerPack(*pack);
     }
@@ -152,8 +152,8 @@ TEST(Packs, CanBeRegisteredInTheOtherOrder) {
     EXPECT_THAT(audit(names), IsEmpty());
 }
 
-// Products that have been read before share no identity with the units of a pack.
-TEST(Packs, CanBeRegisteredAfterTheUnitsOfEveryday) {
+// No product among the everyday units has the identity of a unit of a pack.
+TEST(Packs, CanBeRegisteredAfterTheEverydayUnits) {
     std::ifstream everyday(MENSOR_TEST_DATA "/everyday.tsv");
     int count = 0;
     for (std::string line; std::getline(everyday, line);) {
@@ -168,7 +168,7 @@ TEST(Packs, CanBeRegisteredAfterTheUnitsOfEveryday) {
     }
 }
 
-TEST(Packs, LeaveEveryNameOfTheLibraryAsItIs) {
+TEST(Packs, NamesOfTheLibraryStay) {
     const auto labels = CUnitFormat::labelUnitMap();
     registerMost();
     for (const auto& [label, unit] : labels) {
@@ -177,8 +177,8 @@ TEST(Packs, LeaveEveryNameOfTheLibraryAsItIs) {
     }
 }
 
-// What the units are to each other, from the definitions that the table does not hold.
-TEST(Packs, HoldThePublishedRelations) {
+// Relations between units that do not follow directly from their own definitions.
+TEST(Packs, UnitsHaveThePublishedRelations) {
     registerMost();
     registerPack(ePack::SCIENCE);
     NonSI::Psi();
@@ -288,21 +288,21 @@ TEST(Packs, HoldThePublishedRelations) {
     }
 }
 
-TEST(Packs, ConvertDifferencesBySizeAlone) {
+TEST(Packs, DifferencesConvertWithoutTheOffset) {
     registerPack(ePack::OFFSETS);
     EXPECT_DOUBLE_EQ(convertDifference(9, readUnit("°F"), SI::Celsius()), 5);
     EXPECT_DOUBLE_EQ(convertDifference(1, readUnit("bar_g"), NonSI::Bar()), 1);
     EXPECT_DOUBLE_EQ(convertDifference(7, readUnit("Pa_g"), SI::Pascal()), 7);
 }
 
-TEST(Packs, AreRegisteredOnce) {
+TEST(Packs, RegisteringAgainChangesNothing) {
     registerMost();
     const Tables before;
     registerMost();
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(Packs, OfTheUnitedStatesAndTheUnitedKingdomRefuseEachOther) {
+TEST(Packs, USAndImperialExcludeEachOther) {
     registerPack(ePack::US);
     const Tables before;
     try {
@@ -318,8 +318,8 @@ TEST(Packs, OfTheUnitedStatesAndTheUnitedKingdomRefuseEachOther) {
     EXPECT_EQ(Tables(), before);
 }
 
-// Identity ignores offsets, so there is one unit of this size only, whichever comes first.
-TEST(Packs, WithTheDegreeFahrenheitAreRefusedByTheRankine) {
+// The identity ignores offsets, so only one unit can have this size: the first one.
+TEST(Packs, OffsetsIsRefusedAfterTheRankine) {
     const CUnitPtr rankine = label(scaled(SI::Kelvin(), 5.0 / 9.0), "°R");
     try {
         registerPack(ePack::OFFSETS);
@@ -334,7 +334,7 @@ TEST(Packs, WithTheDegreeFahrenheitAreRefusedByTheRankine) {
     EXPECT_EQ(CUnitFormat::unitFor("bar_g"), nullptr);
 }
 
-TEST(Packs, AreRefusedByAUnitThatSinglePrecisionDoesNotTellFromTheirs) {
+TEST(Packs, APackIsRefusedIfAUnitHasTheSameFactorInSinglePrecision) {
     const CUnitPtr almost = label(scaled(SI::Meter(), 0.30480001), "qft");
     try {
         registerPack(ePack::CUSTOMARY);
@@ -347,7 +347,7 @@ TEST(Packs, AreRefusedByAUnitThatSinglePrecisionDoesNotTellFromTheirs) {
     EXPECT_EQ(text(CUnitFormat::labelFor(almost)), "qft");
 }
 
-TEST(Packs, AreRefusedByANameThatMeansSomethingElse) {
+TEST(Packs, APackIsRefusedIfANameHasAnotherMeaning) {
     const CUnitPtr tesla = alias(SI::Tesla(), "G");
     try {
         registerPack(ePack::SCIENCE);
@@ -361,7 +361,7 @@ TEST(Packs, AreRefusedByANameThatMeansSomethingElse) {
     EXPECT_EQ(CUnitFormat::unitFor("t"), nullptr) << "an alias was left behind";
 }
 
-TEST(Packs, CanBeRegisteredOnceTheNameIsFree) {
+TEST(Packs, ARefusedPackCanBeRegisteredOnceTheNameIsFree) {
     CUnitFormat::alias(SI::Tesla(), "G");
     EXPECT_THROW(registerPack(ePack::SCIENCE), CIdentityError);
     CUnitFormat::aliasUnitMap().erase("G");
@@ -371,7 +371,7 @@ TEST(Packs, CanBeRegisteredOnceTheNameIsFree) {
     }
 }
 
-TEST(Packs, LeaveOutWhatTheLibraryTakesForAnotherUnit) {
+TEST(Packs, RefusedUnitsCollideAsListed) {
     registerMost();
     for (const CRefusedUnit& row : refusedUnits()) {
         SCOPED_TRACE(row.Symbol);
@@ -385,7 +385,7 @@ TEST(Packs, LeaveOutWhatTheLibraryTakesForAnotherUnit) {
     }
 }
 
-TEST(Packs, HaveNames) {
+TEST(Packs, AreFoundByTheirNames) {
     for (const ePack pack : allPacks()) {
         EXPECT_EQ(packNamed(nameOf(pack)), pack);
         EXPECT_STRNE(descriptionOf(pack), "");
@@ -395,7 +395,7 @@ TEST(Packs, HaveNames) {
     EXPECT_THROW(registerPack(static_cast<ePack>(99)), std::invalid_argument);
 }
 
-// docs/packs.md.
+// Rows of docs/packs.md.
 
 std::string rowOfDocs(const CPackUnit& row) {
     std::ostringstream line;
@@ -413,7 +413,7 @@ std::string rowOfDocs(const CRefusedUnit& row) {
     return std::string("| `") + row.Symbol + "` | `" + row.InTheWay + "` | " + row.Why + " |";
 }
 
-TEST(Packs, AreListedInTheDocumentsAsInTheTable) {
+TEST(Packs, ThePageListsAllUnitsOfTheTable) {
     std::vector<std::string> expected;
     for (const ePack pack : allPacks()) {
         for (const CPackUnit& row : packUnits()) {

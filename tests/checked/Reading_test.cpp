@@ -1,5 +1,5 @@
-// Reading_test.cpp: what is read, what is refused and in which words. The examples are the tables of
-// docs/reading.md.
+// Reading_test.cpp: which texts are read, which are refused, and with which messages. The examples are the
+// tables of docs/reading.md.
 #include "mensor_checked/Reading.h"
 
 #include <gmock/gmock.h>
@@ -69,7 +69,7 @@ void expectRefusedAsDocumented(const Row& row) {
     EXPECT_EQ(reading.Refusal->message(), row[3]);
 }
 
-TEST(Reading, ReadsEveryTextThatThePageShowsAsRead) {
+TEST(Reading, ReadsEveryTextOfThePage) {
     const auto tables = documentTables(Page, {"Written", "Is"});
     ASSERT_EQ(tables.size(), 1U);
     ASSERT_GT(tables[0].size(), 25U);
@@ -82,7 +82,7 @@ TEST(Reading, ReadsEveryTextThatThePageShowsAsRead) {
     }
 }
 
-TEST(Reading, RefusesForItsFormWhatThePageShowsAndLeavesNoTrace) {
+TEST(Reading, ATextThatIsRefusedForItsFormChangesNoTable) {
     const auto tables = documentTables(Page, {"Written", "At", "Code", "Because"});
     ASSERT_EQ(tables.size(), 2U);
     ASSERT_GT(tables[0].size(), 35U);
@@ -93,7 +93,7 @@ TEST(Reading, RefusesForItsFormWhatThePageShowsAndLeavesNoTrace) {
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(Reading, RefusesForItsMeaningWhatThePageShows) {
+TEST(Reading, RefusesTheTextsOfThePageForTheirMeaning) {
     const auto tables = documentTables(Page, {"Written", "At", "Code", "Because"});
     ASSERT_EQ(tables.size(), 2U);
     readUnit("1/s²");
@@ -103,10 +103,10 @@ TEST(Reading, RefusesForItsMeaningWhatThePageShows) {
     }
 }
 
-TEST(Reading, ReadsDifferencesByOptionAndSaysSo) {
+TEST(Reading, ReadsDifferencesByOptionWithANote) {
     const auto tables = documentTables(Page, {"Written", "Is", "Note"});
     ASSERT_EQ(tables.size(), 1U);
-    for (int times = 0; times < 2; ++times) {  // the second time from memory
+    for (int times = 0; times < 2; ++times) {  // the second time from the cache
         for (const Row& row : tables[0]) {
             SCOPED_TRACE(row[0]);
             const CReading reading = tryReadUnit(row[0], differences());
@@ -118,7 +118,7 @@ TEST(Reading, ReadsDifferencesByOptionAndSaysSo) {
     }
 }
 
-TEST(Reading, ShowsEveryRefusalOnThePage) {
+TEST(Reading, ThePageShowsEveryRefusal) {
     std::set<std::string> shown = {"TOO_LONG", "REFUSED_BY_LIBRARY"};  // shown in prose
     for (const auto& head : {"Written", "Value"}) {
         for (const auto& table : documentTables(Page, {head, "At", "Code", "Because"})) {
@@ -136,7 +136,7 @@ TEST(Reading, ShowsEveryRefusalOnThePage) {
     EXPECT_THAT(page, HasSubstr("REFUSED_BY_LIBRARY"));
 }
 
-TEST(Reading, OffersReadingsThatAreRead) {
+TEST(Reading, EverySuggestedTextIsRead) {
     for (const auto& table : documentTables(Page, {"Written", "At", "Code", "Because"})) {
         for (const Row& row : table) {
             const CReading reading = tryReadUnit(row[0]);
@@ -153,7 +153,7 @@ TEST(Reading, OffersReadingsThatAreRead) {
     }
 }
 
-TEST(Reading, ReadsEveryNameOfTheCatalogueAsTheLibraryDoes) {
+TEST(Reading, ReadsEveryNameOfTheCatalogue) {
     std::size_t names = 0;
     for (const auto& [name, meaning] : test::everyName()) {
         SCOPED_TRACE(name);
@@ -162,18 +162,18 @@ TEST(Reading, ReadsEveryNameOfTheCatalogueAsTheLibraryDoes) {
         EXPECT_TRUE(areSame(measured(unit), meaning)) << measured(unit) << " not " << meaning;
         ++names;
     }
-    // There are no more names, but for the kelvins that bear the label of the °C and its prefix.
+    // The only other names are those of prefixed °C, such as "m°C".
     EXPECT_EQ(names + 20, CUnitFormat::labelUnitMap().size() + CUnit::symbols().size());
 }
 
-TEST(Reading, GivesTheObjectThatTheLibraryGives) {
+TEST(Reading, ReadsTheSameObjectAsTheLibrary) {
     for (const char* text : {"kg·m²/s²", "W/(m²·K)", "m^1:2", "kg m2 s-2", "1/s", "km/h", "mol/l",
                              "V·s/m", "m^3:2", "rad/s", "%", "µm²", "S/m", "bit/s", "N·m"}) {
         EXPECT_EQ(readUnit(text), CUnit::fromString(text)) << text;
     }
 }
 
-TEST(Reading, MeetsNoOtherUnitOnTheWayToAProduct) {
+TEST(Reading, IntermediateProductsDoNotCollide) {
     readUnit("s/m");
     EXPECT_EQ(refusalOf("1/V"), eRefusal::COLLISION);
     EXPECT_EQ(text(CUnit::fromString("µV/V")->toString()), "µV·s/m") << "as the library reads it";
@@ -181,7 +181,7 @@ TEST(Reading, MeetsNoOtherUnitOnTheWayToAProduct) {
     EXPECT_EQ(readUnit("mV/V"), SI::Milli(SI::Volt()) / SI::Volt());
 }
 
-TEST(Reading, TellsPositionsInCodePointsAndBytes) {
+TEST(Reading, APositionIsGivenInCodePointsAndBytes) {
     const CDiagnosis diagnosis = *tryReadUnit("µΩ·kß").Refusal;
     EXPECT_EQ(diagnosis.Position, 3U);
     EXPECT_EQ(diagnosis.Byte, std::string("µΩ·").size());
@@ -190,12 +190,12 @@ TEST(Reading, TellsPositionsInCodePointsAndBytes) {
     EXPECT_EQ(diagnosis.caret(), "µΩ·kß\n   ^^\n");
 }
 
-TEST(Reading, DrawsTheCaretUnderTextsThatWouldBreakTheLine) {
+TEST(Reading, TheCaretIsUnderTheTokenInTextsWithControlCharacters) {
     EXPECT_EQ(tryReadUnit("m\n\xFFs").Refusal->caret(), "m??s\n  ^\n");
     EXPECT_EQ(tryReadUnit("m/").Refusal->caret(), "m/\n  ^\n");
 }
 
-TEST(Reading, ThrowsTheDiagnosis) {
+TEST(Reading, TheExceptionHasTheDiagnosis) {
     try {
         readUnit("W/m²/K");
         FAIL() << "was read";
@@ -219,7 +219,7 @@ TEST(Reading, ReadsTheEmptyTextByOptionOnly) {
     }
 }
 
-TEST(Reading, BoundsTheTextAndItsNesting) {
+TEST(Reading, LimitsTheLengthAndTheNesting) {
     const std::string blanks(4095, ' ');
     EXPECT_EQ(readUnit(blanks + "m"), SI::Meter());
     EXPECT_EQ(refusalOf(blanks + " m"), eRefusal::TOO_LONG);
@@ -237,7 +237,7 @@ TEST(Reading, BoundsTheTextAndItsNesting) {
     EXPECT_EQ(refusalOf(std::string(4096, '[')), eRefusal::OPEN_BRACKET);
 }
 
-TEST(Reading, CollectsExponentsUpTo99) {
+TEST(Reading, AcceptsExponentsUpTo99) {
     EXPECT_EQ(readUnit("(m^33)³"), SI::Meter()->pow(99));
     EXPECT_EQ(readUnit("m^50 m^49"), SI::Meter()->pow(99));
     EXPECT_EQ(readUnit("m^-99"), SI::Meter()->pow(-99));
@@ -251,7 +251,7 @@ TEST(Reading, CollectsExponentsUpTo99) {
     EXPECT_EQ(refusalOf("m^99999999999999999999"), eRefusal::EXPONENT_RANGE);
 }
 
-TEST(Reading, ShowsTheWholeExponentThatIsOutOfRange) {
+TEST(Reading, TheTokenIsTheWholeExponentThatIsOutOfRange) {
     for (const std::string exponent :
          {"100", "-100", "^100", "^-100", "^1:210", "^(1/210)", "**100", "¹⁰⁰", "⁻¹⁰⁰"}) {
         const auto reading = checked::tryReadUnit("m" + exponent + "·s");
@@ -273,7 +273,7 @@ TEST(Reading, ReducesExponentsOfAnySizeExactly) {
     EXPECT_EQ(refusalOf("m^(80001/4)"), eRefusal::EXPONENT_RANGE);
 }
 
-TEST(Reading, DropsWhatCancels) {
+TEST(Reading, EqualFactorsCancel) {
     EXPECT_EQ(readUnit("m·s/s"), SI::Meter());
     EXPECT_EQ(readUnit("m/m"), CProductUnit::one());
     EXPECT_EQ(readUnit("m^0"), CProductUnit::one());
@@ -288,20 +288,20 @@ TEST(Reading, ResolvesLabelsBeforeAliasesBeforeSymbols) {
     EXPECT_EQ(readUnit("qq"), a);
 }
 
-TEST(Reading, FollowsALabelThatMoves) {
+TEST(Reading, ReadsALabelThatMovesAsItsNewUnit) {
     const CUnitPtr a = SI::Meter()->multiply(3), b = SI::Meter()->multiply(5);
     CUnitFormat::label(a, "qq");
-    for (int times = 0; times < 3; ++times) {  // from the second time on it is remembered
+    for (int times = 0; times < 3; ++times) {  // the text is cached from the second time on
         EXPECT_EQ(readUnit("qq/s"), a / SI::Second());
     }
-    ASSERT_NE(CUnitFormat::namesVersion(), 0U) << "remembered texts are not compared by version";
+    ASSERT_NE(CUnitFormat::namesVersion(), 0U) << "the version is 0, so the test does not test it";
     CUnitFormat::label(a, "rr");
     EXPECT_EQ(refusalOf("qq/s"), eRefusal::UNKNOWN_NAME);
     CUnitFormat::label(b, "qq");
     EXPECT_EQ(readUnit("qq/s"), b / SI::Second());
 }
 
-TEST(Reading, TakesTheClientsOwnLitreBeforeTheFoldedOne) {
+TEST(Reading, PrefersTheClientsUnitLToTheLitre) {
     EXPECT_EQ(readUnit("L"), NonSI::Liter());
     EXPECT_EQ(readUnit("mL/s"), CUnit::fromString("ml/s"));
     const CUnitPtr own = SI::Meter()->multiply(42);
@@ -320,7 +320,7 @@ TEST(Reading, ReadsNamesInBrackets) {
     EXPECT_TRUE(checked::isName("[in_[i] 2]"));
 }
 
-TEST(Reading, KnowsWhatIsAName) {
+TEST(Reading, IsNameAcceptsNamesOnly) {
     for (const char* name : {"km", "°C", "mm_Hg", "%", "′", "[a b]", "ф"}) {
         EXPECT_TRUE(checked::isName(name)) << name;
     }
@@ -330,25 +330,25 @@ TEST(Reading, KnowsWhatIsAName) {
     }
 }
 
-TEST(Reading, RefusesTheSecondUnitOfAHashWhicheverItIs) {
+TEST(Reading, RefusesTheSecondOfTwoCollidingUnits) {
     EXPECT_EQ(text(readUnit("T·m")->toString()), "T·m");
     EXPECT_EQ(refusalOf("N·s"), eRefusal::COLLISION);
     EXPECT_THAT(tryReadUnit("N·s").Refusal->Readings, ElementsAre("kg·m/s", "kg·m/(A·s²)"));
 }
 
-TEST(Reading, RefusesTheOtherUnitOfAHashInTheOtherOrder) {
+TEST(Reading, RefusesTheSecondOfTwoCollidingUnitsInTheOtherOrder) {
     EXPECT_EQ(text(readUnit("N·s")->toString()), "N·s");
     EXPECT_EQ(refusalOf("T·m"), eRefusal::COLLISION);
     EXPECT_THAT(tryReadUnit("T·m").Refusal->Readings, ElementsAre("kg·m/(A·s²)", "kg·m/s"));
 }
 
-TEST(Reading, RefusesAUnitThatTheLibraryWouldConvertAsAnother) {
+TEST(Reading, RefusesAUnitWhoseDimensionCollides) {
     EXPECT_EQ(refusalOf("1/(cm·K)"), eRefusal::DIMENSION_COLLISION);
     EXPECT_EQ(CUnit::fromString("1/(cm·K)")->convertValueToUnit(1, readUnit("1/s²")), 100)
-        << "which is what it is refused for";
+        << "the wrong result that the refusal prevents";
 }
 
-TEST(Reading, SaysWhereAPrefixHasMovedInAProduct) {
+TEST(Reading, ANoteTellsThatAPrefixHasMoved) {
     readUnit("mN·m");
     for (int times = 0; times < 2; ++times) {
         const CReading moved = tryReadUnit("N·mm");
@@ -358,8 +358,8 @@ TEST(Reading, SaysWhereAPrefixHasMovedInAProduct) {
     }
 }
 
-TEST(Reading, RefusesAnotherUnitEvenOfTheSameMeaning) {
-    // A client's kind may claim any hash: here that of Bq·m, as a kind of Hz·m.
+TEST(Reading, RefusesAnotherUnitEvenIfItMeansTheSame) {
+    // A client's own class of unit may have any hash code: here that of Bq·m, with the elements of Hz·m.
     const int hash = hashFromString("Bq") + hashFromString("m");
     const auto impostor = CClientUnit::make("", hash);
     impostor->Elements = [] {
@@ -371,16 +371,17 @@ TEST(Reading, RefusesAnotherUnitEvenOfTheSameMeaning) {
                 HasSubstr("which means the same but is another unit"));
 }
 
-TEST(Reading, QuotesTheLibraryWhereItThrows) {
-    const CUnitPtr perScale = SI::Joule() / SI::Celsius();  // the algebra makes it
+TEST(Reading, ARefusalQuotesTheExceptionOfTheLibrary) {
+    const CUnitPtr perScale =
+        SI::Joule() / SI::Celsius();  // no text makes this unit, but the algebra does
     CUnitFormat::label(perScale, "JpC");
     EXPECT_EQ(refusalOf("JpC"), eRefusal::REFUSED_BY_LIBRARY);
     EXPECT_THAT(tryReadUnit("JpC").Refusal->Sentence,
                 HasSubstr("Unit element  is non-linear, cannot convert"));
 }
 
-TEST(Reading, ReadsAScaleWithAnotherSizeInProductsByItsSlopeOnly) {
-    // Kelvin = (Fahrenheit + 459.67) · 5/9, its factor first: products convert it by the slope.
+TEST(Reading, ReadsFahrenheitInProductsAsADifference) {
+    // The factor comes first in this converter, so it counts as a scaling, and products convert it by its slope.
     const auto converter =
         std::make_shared<CCompound>(std::make_shared<CMultiplyConverter>(5.0 / 9.0),
                                     std::make_shared<CAddConverter>(459.67 * 5.0 / 9.0));
@@ -394,7 +395,7 @@ TEST(Reading, ReadsAScaleWithAnotherSizeInProductsByItsSlopeOnly) {
     EXPECT_NEAR(reading.Unit->convertValueToUnit(1, readUnit("J/K")), 1.8, 1e-12);
 }
 
-TEST(Reading, HasNoUnitForDifferencesOnAScaleThatCountsAsNonLinear) {
+TEST(Reading, RefusesFahrenheitInProductsIfItsConverterIsNotLinear) {
     const auto converter = std::make_shared<CCompound>(
         std::make_shared<CAddConverter>(459.67), std::make_shared<CMultiplyConverter>(5.0 / 9.0));
     CUnitFormat::label(CTransformedUnit::getInstance(SI::Kelvin(), converter), "°F");
@@ -403,7 +404,7 @@ TEST(Reading, HasNoUnitForDifferencesOnAScaleThatCountsAsNonLinear) {
                 HasSubstr("its differences have no unit here"));
 }
 
-TEST(Reading, KeepsThePrefixedScaleOutOfProductsWhereThePrefixIsAUnit) {
+TEST(Reading, RefusesMCelsiusInProductsWhereMCouldBeTheMetre) {
     const CReading alone = tryReadUnit("m°C", differences());
     EXPECT_THAT(alone.Notes, ElementsAre("\"m°C\" is read as a difference, \"0.001 K\""));
     EXPECT_TRUE(tryReadUnit("W/k°C", differences()));
@@ -414,8 +415,8 @@ TEST(Reading, KeepsThePrefixedScaleOutOfProductsWhereThePrefixIsAUnit) {
     EXPECT_THAT(tryReadUnit("m°C").Refusal->Readings, ElementsAre("mK"));
 }
 
-TEST(Reading, FollowsAMappedBaseUnit) {
-    // Lengths as times of light, as relativists have it.
+TEST(Reading, ReadsUnitsWhoseBaseUnitIsMapped) {
+    // The metre becomes the time that light takes for it.
     const CUnitPtr speed = readUnit("km/s");
     SI::Meter()->setDimension(SI::Second(), std::make_shared<CMultiplyConverter>(1 / 299792458.0));
     EXPECT_EQ(readUnit("km/s"), speed);
@@ -425,10 +426,10 @@ TEST(Reading, FollowsAMappedBaseUnit) {
     EXPECT_EQ(readUnit("km/s"), speed);
 }
 
-TEST(Reading, LooksAgainAtARememberedTextWhoseBaseUnitIsMapped) {
-    // Until it is mapped onto the kelvin its products have hash codes of their own.
+TEST(Reading, ChecksACachedTextAgainWhenABaseUnitIsMapped) {
+    // The product collides only while the base unit is mapped onto the kelvin.
     const CBaseUnitPtr base = CBaseUnit::getInstance("qq");
-    for (int times = 0; times < 3; ++times) {  // from the second time on it is remembered
+    for (int times = 0; times < 3; ++times) {  // the text is cached from the second time on
         EXPECT_TRUE(tryReadUnit("1/(cm·qq)"));
     }
     base->setDimension(SI::Kelvin(), CConverter::identity());
@@ -438,14 +439,14 @@ TEST(Reading, LooksAgainAtARememberedTextWhoseBaseUnitIsMapped) {
     EXPECT_TRUE(tryReadUnit("1/(cm·qq)"));
 }
 
-TEST(Reading, LeavesTheOffsetOfAMappingToTheClient) {
+TEST(Reading, ReadsABaseUnitThatIsMappedWithAnOffset) {
     const CBaseUnitPtr base = CBaseUnit::getInstance("qq");
     base->setDimension(SI::Kelvin(), std::make_shared<CAddConverter>(273.15));
     EXPECT_EQ(readUnit("qq"), base);
     EXPECT_EQ(base->convertValueToUnit(0, SI::Kelvin()), 273.15);
 }
 
-// What has no exact meaning cannot be compared with what the library makes of it.
+// A unit without an exact meaning cannot be checked.
 TEST(Reading, RefusesANameWhoseExponentsAreBeyond99) {
     CUnitFormat::label(SI::Meter() ^ 99, "hyp");
     EXPECT_EQ(readUnit("hyp"), SI::Meter() ^ 99);
@@ -466,7 +467,7 @@ TEST(Reading, RefusesANameWhoseUnitHasNoPositiveSize) {
     EXPECT_THAT(checked::choicesFor(SI::Meter()), ::testing::SizeIs(::testing::Gt(20U)));
 }
 
-TEST(Reading, ForgetsPassingTextsButStaysRight) {
+TEST(Reading, ReadsMoreTextsThanTheCacheHolds) {
     for (int round = 0; round < 2; ++round) {
         for (int i = 0; i < 1500; ++i) {
             const std::string blanks(static_cast<std::size_t>(i % 50), ' ');
@@ -476,8 +477,8 @@ TEST(Reading, ForgetsPassingTextsButStaysRight) {
     }
 }
 
-// A name of a client's own keeps its one spelling.
-TEST(Reading, ReadsACapitalLitreOnlyWhereTheSmallOneIsTheLitre) {
+// The name of a client's own unit has no other spelling.
+TEST(Reading, ReadsACapitalLOnlyForTheLitre) {
     EXPECT_EQ(readUnit("L"), NonSI::Liter());
     EXPECT_EQ(readUnit("mL"), readUnit("ml"));
     EXPECT_EQ(refusalOf("ML"), eRefusal::UNKNOWN_NAME);
@@ -486,16 +487,16 @@ TEST(Reading, ReadsACapitalLitreOnlyWhereTheSmallOneIsTheLitre) {
     EXPECT_EQ(refusalOf("ML"), eRefusal::UNKNOWN_NAME);
     EXPECT_EQ(refusalOf("ML/s"), eRefusal::UNKNOWN_NAME);
     CUnitFormat::label(NonSI::Liter()->multiply(1000.0), "kl");
-    EXPECT_EQ(readUnit("kL"), NonSI::Liter()->multiply(1000.0)) << "the thousand litres that it is";
+    EXPECT_EQ(readUnit("kL"), NonSI::Liter()->multiply(1000.0)) << "it is a thousand litres";
 }
 
-TEST(Reading, KnowsPsiBeforeAnybodyAsksTheLibraryForIt) {
+TEST(Reading, ReadsPsiBeforeTheLibraryKnowsIt) {
     const CUnitPtr psi = readUnit("psi");
     EXPECT_EQ(psi, NonSI::Psi());
     EXPECT_EQ(checked::meaningOf(psi).toString(), "6894.76 kg/(m·s²)");
 }
 
-TEST(Reading, DoesNotLetPsiBeDefinedOtherwise) {
+TEST(Reading, RefusesAnotherDefinitionOfPsi) {
     EXPECT_THROW(checked::label(SI::Pascal()->multiply(6894.757), "psi"), checked::CIdentityError);
     EXPECT_FALSE(checked::tryDefineUnits("psi = 6894.757293168361 Pa"));
     const CUnitPtr psi = readUnit("psi");
@@ -503,13 +504,13 @@ TEST(Reading, DoesNotLetPsiBeDefinedOtherwise) {
     EXPECT_EQ(readUnit("psi"), psi);
 }
 
-TEST(Reading, DoesNotMakePsiForATextThatIsRefusedForItsForm) {
+TEST(Reading, DoesNotRegisterPsiForARefusedText) {
     const Tables before;
     EXPECT_EQ(refusalOf("psi psi^x"), eRefusal::MALFORMED_EXPONENT);
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(Reading, GivesTheMeaningWithoutRegisteringAnything) {
+TEST(Reading, AMeaningRegistersNothing) {
     readUnit("Wb/A");
     const Tables before;
     EXPECT_EQ(checked::readMeaning("kg/(s·K)").toString(), "kg/(K·s)");
@@ -525,8 +526,7 @@ TEST(Reading, GivesTheMeaningWithoutRegisteringAnything) {
     EXPECT_EQ(difference.Notes.size(), 1U);
 }
 
-// A client's name wins, whatever it means.
-TEST(Reading, GivesTheMeaningOfAClientsNames) {
+TEST(Reading, AMeaningUsesTheClientsNames) {
     CUnitFormat::label(SI::Meter()->multiply(0.25), "qspan");
     EXPECT_EQ(checked::readMeaning("qspan/s").toString(), "0.25 m/s");
 }

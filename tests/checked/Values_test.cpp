@@ -1,4 +1,4 @@
-// Values_test.cpp: numbers with units, in and out, without losing a digit.
+// Values_test.cpp: reads and writes values without losing a digit.
 #include "mensor_checked/Values.h"
 
 #include <gmock/gmock.h>
@@ -46,7 +46,7 @@ CReadOptions notFinite() {
     return options;
 }
 
-TEST(Values, ReadWhatThePageShows) {
+TEST(Values, EveryTextOfThePageIsRead) {
     const auto tables = documentTables("reading.md", {"Value", "Is"});
     ASSERT_EQ(tables.size(), 1U);
     ASSERT_GT(tables[0].size(), 8U);
@@ -55,7 +55,7 @@ TEST(Values, ReadWhatThePageShows) {
     }
 }
 
-TEST(Values, RefuseWhatThePageShowsAndLeaveNoTrace) {
+TEST(Values, ARefusedTextOfThePageChangesNoTable) {
     const auto tables = documentTables("reading.md", {"Value", "At", "Code", "Because"});
     ASSERT_EQ(tables.size(), 1U);
     ASSERT_GT(tables[0].size(), 12U);
@@ -73,7 +73,7 @@ TEST(Values, RefuseWhatThePageShowsAndLeaveNoTrace) {
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(Values, ReadNumbersToTheLastDigit) {
+TEST(Values, AreReadAsTheNearestDouble) {
     struct Number {
         const char* Text;
         double Value;
@@ -96,14 +96,14 @@ TEST(Values, ReadNumbersToTheLastDigit) {
     }
 }
 
-TEST(Values, ReadTheSameInEveryLocale) {
+TEST(Values, AreReadTheSameInEveryLocale) {
     const test::CCommaLocale comma;
     EXPECT_EQ(readValue("2.5 km").value(), 2.5);
     EXPECT_EQ(writeValue(1234.5, SI::Meter()), "1234.5 m");
     EXPECT_EQ(tryReadValue("2,5 km").Refusal->Code, eRefusal::DECIMAL_COMMA);
 }
 
-TEST(Values, ReadANumberAloneByOptionOnly) {
+TEST(Values, ANumberWithoutUnitIsReadByOptionOnly) {
     CReadOptions options;
     options.Dimensionless = true;
     EXPECT_EQ(readValue("5", options).unit(), CProductUnit::one());
@@ -113,7 +113,7 @@ TEST(Values, ReadANumberAloneByOptionOnly) {
     EXPECT_EQ(tryReadValue("", options).Refusal->Code, eRefusal::NO_NUMBER);
 }
 
-TEST(Values, ReadNaNAndInfinityByOptionOnly) {
+TEST(Values, NaNAndInfinityAreReadByOptionOnly) {
     EXPECT_TRUE(std::isnan(readValue("NaN m", notFinite()).value()));
     EXPECT_EQ(readValue("inf m", notFinite()).value(), Infinity);
     EXPECT_EQ(readValue("-Infinity km", notFinite()).value(), -Infinity);
@@ -123,7 +123,7 @@ TEST(Values, ReadNaNAndInfinityByOptionOnly) {
     EXPECT_EQ(tryReadValue("1e999 m", notFinite()).Refusal->Code, eRefusal::NUMBER_RANGE);
 }
 
-TEST(Values, TellPositionsInTheWholeText) {
+TEST(Values, PositionsCountInTheWholeText) {
     const checked::CDiagnosis diagnosis = *tryReadValue("\u22125\u00A0µm·xyz").Refusal;
     EXPECT_EQ(diagnosis.Position, 6U);
     EXPECT_EQ(diagnosis.Byte, std::string("\u22125\u00A0µm·").size());
@@ -132,14 +132,14 @@ TEST(Values, TellPositionsInTheWholeText) {
     EXPECT_EQ(tryReadValue("5 T·m/m/N·s").Refusal->Code, eRefusal::SECOND_DIVISION);
 }
 
-TEST(Values, PassOnTheNotesOfTheUnit) {
+TEST(Values, HaveTheNotesOfTheUnit) {
     CReadOptions options;
     options.Differences = true;
     EXPECT_THAT(tryReadValue("5 J/°C", options).Notes,
                 ElementsAre("\"°C\" is read as a difference, \"K\""));
 }
 
-TEST(Values, AreBounded) {
+TEST(Values, TextsThatAreTooLongOrNotUtf8AreRefused) {
     EXPECT_EQ(tryReadValue(std::string(4097, '1')).Refusal->Code, eRefusal::TOO_LONG);
     EXPECT_EQ(tryReadValue(std::string(4096, '1')).Refusal->Code, eRefusal::NUMBER_RANGE);
     EXPECT_EQ(readValue("0." + std::string(4000, '3') + " m").value(), 1.0 / 3.0);
@@ -148,7 +148,7 @@ TEST(Values, AreBounded) {
     EXPECT_EQ(tryReadValue("\xFF").Refusal->Code, eRefusal::NO_NUMBER);
 }
 
-TEST(Values, WriteTheShortestDigits) {
+TEST(Values, AreWrittenWithTheFewestDigits) {
     EXPECT_EQ(writeValue(0.1, SI::Meter()), "0.1 m");
     EXPECT_EQ(writeValue(1.0 / 3.0, SI::Meter()), "0.3333333333333333 m");
     EXPECT_EQ(writeValue(1e-7, SI::Meter()), "1e-07 m");
@@ -157,7 +157,7 @@ TEST(Values, WriteTheShortestDigits) {
     EXPECT_EQ(writeValue(CValueWithUnit(20.5, SI::Celsius())), "20.5 °C");
 }
 
-TEST(Values, WriteNaNAndInfinityByOptionOnly) {
+TEST(Values, NaNAndInfinityAreWrittenByOptionOnly) {
     EXPECT_THAT([] { writeValue(Infinity, SI::Meter()); },
                 ThrowsMessage<checked::CWriteError>("the value inf is not finite"));
     EXPECT_THROW(writeValue(std::nan(""), SI::Meter()), checked::CWriteError);
@@ -165,30 +165,31 @@ TEST(Values, WriteNaNAndInfinityByOptionOnly) {
     EXPECT_EQ(writeValue(-std::nan(""), SI::Meter(), notFinite()), "nan m");
 }
 
-TEST(Values, RefuseAUnitWithoutText) {
+TEST(Values, AUnitWithoutTextIsRefused) {
     const CUnitPtr nameless = SI::Meter()->multiply(42);
     EXPECT_EQ(checked::textOf(nameless), std::nullopt);
     EXPECT_THAT([&] { writeValue(1, nameless); },
                 ThrowsMessage<checked::CWriteError>(
                     "the unit \"42 m\" has no text that reads back as the same"));
-    EXPECT_EQ(checked::textOf(CUnit::fromString("m°C")), std::nullopt) << "it would not be read";
+    EXPECT_EQ(checked::textOf(CUnit::fromString("m°C")), std::nullopt)
+        << "the text could not be read";
     CUnitFormat::alias(CUnit::fromString("m°C"), "mK");
     EXPECT_EQ(writeValue(1, CUnit::fromString("m°C")), "1 mK");
     CUnitFormat::label(nameless, "m2");
-    EXPECT_EQ(checked::textOf(nameless), std::nullopt) << "it would read as m²";
+    EXPECT_EQ(checked::textOf(nameless), std::nullopt) << "the text would be read as m²";
     EXPECT_EQ(checked::textOf(nameless / SI::Second()), std::nullopt);
     CUnitFormat::label(nameless, "");
     EXPECT_EQ(checked::textOf(nameless), std::nullopt);
 }
 
-TEST(Values, RefuseEmptyPointers) {
+TEST(Values, EmptyPointersAreRefused) {
     EXPECT_THAT([] { writeValue(1, nullptr); },
                 ThrowsMessage<std::invalid_argument>("writeValue: the unit is an empty pointer"));
     EXPECT_THROW(checked::textOf(nullptr), std::invalid_argument);
 }
 
-// The units of the catalogue, and random products of them.
-TEST(Values, ReadBackAsTheSameBitsAndTheSameUnit) {
+// Writes and reads the units of the catalogue and random products of them.
+TEST(Values, ReadBackWithTheSameBitsAndTheSameUnit) {
     std::vector<CUnitPtr> units;
     for (const auto& [name, unit] : CUnitFormat::labelUnitMap()) {
         units.push_back(unit);
@@ -234,8 +235,8 @@ TEST(Values, ReadBackAsTheSameBitsAndTheSameUnit) {
     EXPECT_LT(without, units.size() / 4) << "too many units without a text";
 }
 
-// The library writes the millikelvin as "m°C", which is refused in a product.
-TEST(Values, WritesProductsByNamesThatReadBack) {
+// The library writes the millikelvin as "m°C", which cannot be read in a product.
+TEST(Values, ProductsAreWrittenByNamesThatReadBack) {
     checked::registerPack(checked::ePack::SI);
     for (const char* text : {"nV/mK", "mK/W", "1/mK", "m²/(mK·s)", "nV·mK^(-1/2)", "mK²·s"}) {
         const CUnitPtr unit = checked::readUnit(text);

@@ -1,4 +1,4 @@
-// Verify_test.cpp: a unit passes as what it means and as nothing else.
+// Verify_test.cpp: accepts the meaning of a unit and refuses all others.
 #include "mensor_checked/Verify.h"
 
 #include <gmock/gmock.h>
@@ -33,7 +33,7 @@ CMeaning newton() { return base("kg") * base("m") / base("s").power(2); }
 
 CFactor decimal(const char* digits) { return CFactor(CFraction::ofText(digits)); }
 
-TEST(Verify, PassesTheUnitAskedFor) {
+TEST(Verify, AcceptsTheMeaningOfAUnit) {
     verify(SI::Newton(), newton());
     verify(CUnit::fromString("m·kg/s²"), newton());
     verify(SI::Celsius(), base("K").shifted(CFraction::ofText("273.15")));
@@ -41,18 +41,18 @@ TEST(Verify, PassesTheUnitAskedFor) {
     verify(NonSI::SecondAngle(), *exact::CCatalogue::builtIn().meaning("″"));
 }
 
-TEST(Verify, PassesADecimalOfWhichTheUnitHasTheDouble) {
+TEST(Verify, AcceptsADecimalFactorThatTheUnitHasAsADouble) {
     verify(SI::Meter()->multiply(0.3), base("m").scaled(decimal("0.3")));
     verify(SI::Meter()->multiply(0.3)->pow(5), base("m").scaled(decimal("0.3")).power(5));
     verify(checked::affine(SI::Kelvin(), 0.3, 0.7),
            base("K").shifted(CFraction::ofText("0.7")).scaled(decimal("0.3")));
 }
 
-// One step has three roundings, of which the comparison itself adds two: 5·2^-53 of the factor.
-TEST(Verify, AllowsTheRoundingOfTheChainAndNoMore) {
+// One step allows three roundings, and the comparison adds two: 5·2^-53 of the factor.
+TEST(Verify, AllowsOnlyTheRoundingOfTheChain) {
     const CUnitPtr unit = SI::Meter()->multiply(1.5);
     const CFactor one(CFraction(3, 2));
-    const auto parts = [&](int n) {  // n·2^-53 more
+    const auto parts = [&](int n) {  // greater by n·2^-53
         return base("m").scaled(one *
                                 CFactor(CFraction(1) + CFraction(n) * CFraction(2).power(-53)));
     };
@@ -62,7 +62,7 @@ TEST(Verify, AllowsTheRoundingOfTheChainAndNoMore) {
     EXPECT_THROW(verify(unit, parts(-8)), CIdentityError);
     EXPECT_THROW(verify(SI::Meter(), base("m").scaled(decimal("1.0000000000000011"))),
                  CIdentityError);
-    verify(unit->pow(9), parts(3).power(9));  // a power multiplies the roundings
+    verify(unit->pow(9), parts(3).power(9));  // a power multiplies the number of roundings
     EXPECT_THROW(verify(unit->pow(9), parts(8).power(9)), CIdentityError);
 }
 
@@ -74,8 +74,7 @@ TEST(Verify, AllowsTheRoundingOfARoot) {
         CIdentityError);
 }
 
-// The row of each unit of the catalogue and of the packs.
-TEST(Verify, PassesEveryRowOfTheTable) {
+TEST(Verify, AcceptsEachRowOfTheTable) {
     using checked::ePack;
     for (const ePack pack :
          {ePack::SI, ePack::US, ePack::SCIENCE, ePack::OFFSETS, ePack::COUNTING}) {
@@ -102,7 +101,7 @@ TEST(Verify, RefusesAnotherUnitAndNamesBoth) {
     const CUnitPtr asked = CUnit::fromString("kg/(s·K)");
     try {
         verify(asked, base("kg") / (base("s") * base("K")));
-        FAIL() << "passed";
+        FAIL() << "no exception";
     } catch (const CIdentityError& e) {
         EXPECT_STREQ(e.what(),
                      "\"kg/(K·s)\" was asked for, but the object is \"Wb/A\", which means "
@@ -112,7 +111,7 @@ TEST(Verify, RefusesAnotherUnitAndNamesBoth) {
     }
 }
 
-TEST(Verify, RefusesAUnitThatWouldConvertAsAnother) {
+TEST(Verify, RefusesAUnitWhoseDimensionCollides) {
     const CUnitPtr perVolt = CUnit::fromString("1/V");
     const CUnitPtr pace = CUnit::fromString("min/km");
     EXPECT_THAT([&] { verify(pace, base("s").scaled(decimal("0.06")) / base("m")); },
@@ -121,7 +120,7 @@ TEST(Verify, RefusesAUnitThatWouldConvertAsAnother) {
                     "is the same object as \"1/V\" here"));
 }
 
-// The library takes a product whose factor differs from 1 by less than 1e-9 for its dimension.
+// The library replaces a product by its dimension if its factor differs from 1 by less than 1e-9.
 TEST(Verify, RefusesAUnitThatTheLibraryRoundsToOne) {
     const CUnitPtr nearly = SI::Meter()->multiply(1.0 + 5e-10) * SI::Second();
     EXPECT_THAT([&] { verify(nearly, checked::meaningOf(nearly)); },
@@ -136,7 +135,7 @@ TEST(Verify, TellsRadiansSteradiansAndBitsFromNumbers) {
     EXPECT_THROW(verify(SI::Bit(), CMeaning()), CIdentityError);
 }
 
-TEST(Verify, RefusesAnOffsetThatIsNotThere) {
+TEST(Verify, RefusesAnOffsetThatTheUnitDoesNotHave) {
     const CMeaning celsius = base("K").shifted(CFraction::ofText("273.15"));
     EXPECT_THROW(verify(SI::Kelvin(), celsius), CIdentityError);
     EXPECT_THROW(verify(SI::Celsius(), base("K")), CIdentityError);
@@ -144,7 +143,7 @@ TEST(Verify, RefusesAnOffsetThatIsNotThere) {
                  CIdentityError);
 }
 
-TEST(Verify, FollowsTheContextOfBaseUnits) {
+TEST(Verify, UsesTheDimensionsOfMappedBaseUnits) {
     const auto own = std::dynamic_pointer_cast<CBaseUnit>(CBaseUnit::getInstance("qxy"));
     own->setDimension(SI::Second(), SI::Second()->multiply(0.1)->getConverterTo(SI::Second()));
     verify(own, base("qxy"));

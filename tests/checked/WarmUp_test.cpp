@@ -1,5 +1,5 @@
-// WarmUp_test.cpp: no first time is left for threads, and whatever they meet for the first time, they
-// do not wait for each other for ever. The races are for the tsan preset, too.
+// WarmUp_test.cpp: after a warm-up, no thread does first-time work. Without one, threads get correct results
+// and do not deadlock. The preset tsan also runs these tests.
 #include "mensor_checked/WarmUp.h"
 
 #include <gmock/gmock.h>
@@ -54,7 +54,7 @@ const std::vector<std::string>& texts() {
     return Texts;
 }
 
-// Everything that a thread may do with a text, for the first time or again.
+// Reads, writes, verifies and converts a text, and makes a unit from it.
 void use(const std::string& text, int thread) {
     const auto reading = tryReadUnit(text);
     ASSERT_TRUE(reading) << reading.Refusal->message();
@@ -73,7 +73,7 @@ void use(const std::string& text, int thread) {
     tryReadUnit("1/(m·K)");
 }
 
-TEST(WarmUp, GivesTheTextsThatAreRefused) {
+TEST(WarmUp, ReturnsTheTextsThatAreRefused) {
     const auto findings = warmUp({"km/h", "xyz", "1/(m·K)", "m"});
     ASSERT_EQ(findings.size(), 2U);
     EXPECT_EQ(findings[0].Index, 1U);
@@ -81,14 +81,14 @@ TEST(WarmUp, GivesTheTextsThatAreRefused) {
     EXPECT_THAT(warmUp(texts()), IsEmpty());
 }
 
-TEST(WarmUp, RegistersNothingTwice) {
+TEST(WarmUp, ASecondWarmUpRegistersNothing) {
     warmUp(texts());
     const Tables before;
     EXPECT_THAT(warmUp(texts()), IsEmpty());
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(WarmUp, LeavesNothingForTheFirstTime) {
+TEST(WarmUp, LaterUseRegistersAndCachesNothing) {
     warmUp(texts());
     const Tables before;
     const std::size_t dimensions = CUnit::dimensions().size();
@@ -113,12 +113,12 @@ TEST(WarmUp, LeavesNothingForTheFirstTime) {
     EXPECT_EQ(CUnit::toDimensions().size(), converters);
 }
 
-// A client's kind of unit may keep the mutex of a unit for long while it is asked. Readers of what is warm
-// do not wait for it.
-TEST(WarmUp, KeepsWarmReadersOffTheLocksOfUnits) {
+// A client's own class of unit may hold the mutex of a unit for a long time. Readers of warm texts do not
+// wait for it.
+TEST(WarmUp, WarmReadersLockNoUnit) {
     const std::vector<std::string> warm = {"km/h", "W/(m²·K)", "mV/V", "kg·m²/s²"};
     warmUp(warm);
-    std::set<CUnitPtr> units = {CProductUnit::one()};  // all that the readers below have to do with
+    std::set<CUnitPtr> units = {CProductUnit::one()};  // all units that the readers below use
     for (const std::string& text : warm) {
         for (const CUnitPtr& unit : {readUnit(text), readUnit(text)->getDimension()}) {
             units.insert(unit);
@@ -146,15 +146,16 @@ TEST(WarmUp, KeepsWarmReadersOffTheLocksOfUnits) {
             while (!isDone && std::chrono::steady_clock::now() < end) {
                 std::this_thread::yield();
             }
-            EXPECT_TRUE(isDone) << "a warm reader waits for the lock of a unit of hash "
-                                << held->hashCode();
+            EXPECT_TRUE(isDone)
+                << "a warm reader waits for the lock of the unit with the hash code "
+                << held->hashCode();
         }
         reader.join();
         ASSERT_FALSE(HasFailure());
     }
 }
 
-TEST(Threads, ReadTheSameForTheFirstTimeAtOnce) {
+TEST(Threads, ReadTheSameTextsForTheFirstTime) {
     race(4, [](int thread) {
         for (const std::string& text : texts()) {
             use(text, thread);
@@ -162,7 +163,7 @@ TEST(Threads, ReadTheSameForTheFirstTimeAtOnce) {
     });
 }
 
-TEST(Threads, ReadInDifferentOrders) {
+TEST(Threads, ReadTheSameTextsInDifferentOrders) {
     race(4, [](int thread) {
         const std::size_t n = texts().size();
         for (std::size_t i = 0; i < n; ++i) {
@@ -172,7 +173,7 @@ TEST(Threads, ReadInDifferentOrders) {
     });
 }
 
-TEST(Threads, WarmUpBesideReaders) {
+TEST(Threads, ReadWhileAnotherWarmsUp) {
     race(4, [](int thread) {
         if (thread == 0) {
             EXPECT_THAT(warmUp(texts()), IsEmpty());
@@ -184,7 +185,7 @@ TEST(Threads, WarmUpBesideReaders) {
     });
 }
 
-TEST(Threads, ReadBesideTheLibrarysOwnAlgebraOnceWarm) {
+TEST(Threads, ReadWarmTextsDuringAlgebra) {
     warmUp(texts());
     race(4, [](int thread) {
         for (int round = 0; round < 20; ++round) {
@@ -202,7 +203,7 @@ TEST(Threads, ReadBesideTheLibrarysOwnAlgebraOnceWarm) {
     });
 }
 
-TEST(Threads, GiveTheSameNamesAndPacksAtOnce) {
+TEST(Threads, MakeTheSameUnitsNamesAndPacks) {
     const string_t base = freshSymbol(), label = freshSymbol(), alias = freshSymbol();
     const std::string defined = text(freshSymbol());
     std::vector<std::vector<CUnitPtr>> results(4);
@@ -222,7 +223,7 @@ TEST(Threads, GiveTheSameNamesAndPacksAtOnce) {
     EXPECT_EQ(test::brokenInvariant(), "");
 }
 
-TEST(Threads, ReadForTheFirstTimeBesideTheLibrarysOwnAlgebra) {
+TEST(Threads, ReadNewTextsDuringAlgebra) {
     race(4, static_cast<int>(texts().size()), [](int thread, int round) {
         const std::string& text = texts()[static_cast<std::size_t>(round)];
         if (thread % 2 == 0) {
@@ -236,7 +237,7 @@ TEST(Threads, ReadForTheFirstTimeBesideTheLibrarysOwnAlgebra) {
     EXPECT_EQ(test::brokenInvariant(), "");
 }
 
-// Calls `hook` whatever it is asked. A system unit of its own dimension otherwise.
+// A system unit that is its own dimension. Each virtual function calls `hook`.
 class CHooked : public CClientUnit {
 public:
     CHooked(const string_t& symbol, std::function<void()> hook)
@@ -255,7 +256,7 @@ private:
     std::function<void()> m_Hook;
 };
 
-// All that the companion does with a unit, or with its text, and asks it something.
+// Returns all functions of the companion that call a virtual function of `unit`, which is read as `text`.
 std::vector<std::pair<const char*, std::function<void()>>> functionsOf(const CUnitPtr& unit,
                                                                        const std::string& text) {
     using namespace checked;
@@ -291,8 +292,8 @@ std::vector<std::pair<const char*, std::function<void()>>> functionsOf(const CUn
     };
 }
 
-TEST(Companion, HoldsTheMutexWheneverItAsksAUnit) {
-    static int asked, free;  // the units are asked again later
+TEST(Companion, HoldsTheMutexWhenItCallsAUnit) {
+    static int asked, free;  // static, because the units live longer
     for (std::size_t i = 0; i < functionsOf(SI::Meter(), "m").size(); ++i) {
         const string_t symbol = freshSymbol();
         const auto unit = std::make_shared<CHooked>(symbol, [&] {
@@ -309,7 +310,7 @@ TEST(Companion, HoldsTheMutexWheneverItAsksAUnit) {
     }
 }
 
-TEST(Companion, FreesTheMutexWhenAUnitThrows) {
+TEST(Companion, ReleasesTheMutexWhenAUnitThrows) {
     static bool isThrowing;
     static int thrown;
     for (std::size_t i = 0; i < functionsOf(SI::Meter(), "m").size(); ++i) {

@@ -11,14 +11,14 @@ using exact::eRefusal;
 
 namespace {
 
-TEST(Codes, AreReadAsWhatTheyMean) {
+TEST(Codes, ReadGivesTheMeaning) {
     EXPECT_EQ(codes::read(eSystem::UNECE, "MQH").toString(), "1/3600 m³/s");
     EXPECT_EQ(codes::read(eSystem::UNECE, "CEL").toString(), "K + 273.15");
     EXPECT_EQ(codes::read(eSystem::OPCUA, "5067858").toString(), "m");
     EXPECT_EQ(codes::read(eSystem::SENML, "m").toString(), "m");
 }
 
-TEST(Codes, HaveSystemsWithTwoNames) {
+TEST(Codes, EachSystemHasALongAndAShortName) {
     for (const eSystem system : codes::AllSystems) {
         EXPECT_EQ(codes::systemNamed(codes::shortNameOf(system)), system);
     }
@@ -29,7 +29,7 @@ TEST(Codes, HaveSystemsWithTwoNames) {
     EXPECT_STREQ(codes::nameOf(eSystem::SENML), "SenML");
 }
 
-TEST(Codes, ThatAreNearMeaningsAreNamedWithTheirDeviation) {
+TEST(Codes, TheNearestCodeIsGivenWithItsDeviation) {
     const exact::CMeaning psi = exact::read("psi");  // 6894.76 Pa; lbf/in² is 6894.757293... Pa
     const codes::CMatch match = codes::codeFor(eSystem::UNECE, psi);
     EXPECT_FALSE(match);
@@ -49,17 +49,17 @@ TEST(Codes, ThatAreNearMeaningsAreNamedWithTheirDeviation) {
     EXPECT_EQ(codes::codeFor(eSystem::OPCUA, psi).Nearest, "20563");
 }
 
-TEST(Codes, AreNotNamedForMeaningsOfOtherDimensionsOrMarks) {
+TEST(Codes, TheNearestCodeHasTheSameDimension) {
     const codes::CMatch none = codes::codeFor(eSystem::SENML, exact::CMeaning::base("mango"));
     EXPECT_FALSE(none);
     EXPECT_EQ(none.Nearest, "");
     EXPECT_EQ(none.toString(eSystem::SENML), "no code of SenML means exactly this");
-    // An angle per time is no frequency.
+    // The radian counts: rad/s is not Hz.
     EXPECT_EQ(codes::codeFor(eSystem::SENML, exact::read("rad/s")).Nearest, "");
     EXPECT_EQ(codes::codeFor(eSystem::UNECE, exact::read("rad/s")).Code, "2A");
 }
 
-TEST(Codes, AreFoundForMeaningsTooLargeForTheTables) {
+TEST(Codes, TheNearestCodeIsFoundForAVeryLargeFactor) {
     const exact::CMeaning huge = exact::read("m").scaled(
         exact::CFactor(exact::CFraction::ofText("1234567890123456789012345678901234567891")));
     const codes::CMatch match = codes::codeFor(eSystem::UNECE, huge);
@@ -67,9 +67,9 @@ TEST(Codes, AreFoundForMeaningsTooLargeForTheTables) {
     EXPECT_EQ(match.Nearest, "C63");  // the parsec
 }
 
-TEST(Codes, ThatAreNearAreNeverAngleForNumberNorSynonyms) {
+TEST(Codes, TheNearestCodeIsNoSynonymAndKeepsTheRadian) {
     const exact::CFactor huge(exact::CFraction::ofText("1234567890123456789012345678901234567891"));
-    // The largest angle, and not the largest number.
+    // The largest angle, not the largest number.
     EXPECT_EQ(codes::codeFor(eSystem::UNECE, exact::read("rad").scaled(huge)).Nearest, "M44");
     const exact::CFactor nearly(exact::CFraction::ofText("1.0001"));
     EXPECT_EQ(codes::codeFor(eSystem::UNECE, exact::read("kg/m³").scaled(nearly)).Nearest, "KMQ");
@@ -77,20 +77,20 @@ TEST(Codes, ThatAreNearAreNeverAngleForNumberNorSynonyms) {
               (std::vector<std::string>{"F23", "GL"}));
 }
 
-TEST(Codes, OfScalesAreFoundByTheirZeros) {
+TEST(Codes, AnOffsetUnitHasACodeButNoNearestOne) {
     EXPECT_EQ(codes::codeFor(eSystem::UNECE, exact::read("°C")).Code, "CEL");
     EXPECT_EQ(codes::codeFor(eSystem::UNECE, exact::read("K")).Code, "KEL");
     const exact::CMeaning shifted = exact::read("K").shifted(exact::CFraction(100));
     EXPECT_EQ(codes::codeFor(eSystem::UNECE, shifted).Nearest, "");
 }
 
-TEST(Codes, AreSuggestedWhereOnlyCapitalLettersDiffer) {
+TEST(Codes, ARefusalSuggestsCodesThatDifferInCase) {
     const codes::CReading reading = codes::tryRead(eSystem::UNECE, "kgm");
     ASSERT_FALSE(reading);
     EXPECT_THAT(codes::diagnose(reading.Refusal).Suggestions, testing::ElementsAre("KGM"));
 }
 
-TEST(Codes, RefuseEmptyTextsAndTextsThatAreNoUtf8) {
+TEST(Codes, EmptyAndMalformedTextsAreRefused) {
     for (const eSystem system : {eSystem::UNECE, eSystem::OPCUA, eSystem::SENML}) {
         EXPECT_EQ(codes::tryRead(system, "").Refusal.Code, eRefusal::EMPTY);
         EXPECT_EQ(codes::tryRead(system, "\xff").Refusal.Code, eRefusal::UNKNOWN_CODE);
@@ -100,18 +100,18 @@ TEST(Codes, RefuseEmptyTextsAndTextsThatAreNoUtf8) {
     }
 }
 
-TEST(Codes, OfCountedThingsHaveADimensionOfTheirOwn) {
+TEST(Codes, CountedThingsHaveADimensionOfTheirOwn) {
     const exact::CMeaning piece = codes::read(eSystem::UNECE, "H87");
     EXPECT_EQ(piece, exact::CMeaning::base("piece"));
     EXPECT_FALSE(piece.isCompatibleWith(exact::CMeaning()));
 }
 
-TEST(Codes, AreFoundForMeanings) {
+TEST(Codes, CodeForFindsTheCodeOfAMeaning) {
     EXPECT_EQ(codes::codeFor(eSystem::UNECE, exact::read("m³/h")).Code, "MQH");
     EXPECT_EQ(codes::codeFor(eSystem::OPCUA, exact::read("m")).Code, "5067858");
 }
 
-TEST(Codes, ThatDoNotExistAreRefusedWithTheSystemsThatHaveThem) {
+TEST(Codes, ARefusalNamesOtherSystemsThatHaveTheCode) {
     const codes::CReading reading = codes::tryRead(eSystem::UNECE, "m");
     ASSERT_FALSE(reading);
     EXPECT_EQ(reading.Refusal.Code, eRefusal::UNKNOWN_CODE);

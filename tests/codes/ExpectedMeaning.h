@@ -1,4 +1,4 @@
-// ExpectedMeaning.h: meanings that tables of the tests give, apart from those of the library.
+// ExpectedMeaning.h: reads the tables of expected meanings.
 #ifndef MENSOR_TESTS_EXPECTEDMEANING_H
 #define MENSOR_TESTS_EXPECTEDMEANING_H
 
@@ -13,7 +13,7 @@
 
 namespace mensor {
 
-/// "5/9", "25.4", "1e-7".
+/// Reads "5/9", "25.4" or "1e-7".
 inline exact::CFraction fractionOf(const std::string& text) {
     const std::size_t slash = text.find('/');
     const exact::CFraction numerator = exact::CFraction::ofText(text.substr(0, slash));
@@ -22,7 +22,7 @@ inline exact::CFraction fractionOf(const std::string& text) {
                : numerator / exact::CFraction::ofText(text.substr(slash + 1));
 }
 
-/// "1", "-2", "-1/2".
+/// Reads "1", "-2" or "-1/2".
 inline exact::CExponent exponentOf(const std::string& text) {
     const std::size_t slash = text.find('/');
     return slash == std::string::npos
@@ -30,7 +30,8 @@ inline exact::CExponent exponentOf(const std::string& text) {
                : exact::CExponent(std::stoi(text), std::stoi(text.substr(slash + 1)));
 }
 
-/// The meaning with this factor, exponent of π, offset in base units, and base units: "kg:1 m:-3".
+/// Returns the meaning with this factor, exponent of π, offset in base units and base units, such as
+/// "kg:1 m:-3".
 inline exact::CMeaning meaningOf(const std::string& factor, const std::string& pi,
                                  const std::string& offset, const std::string& dimensions) {
     exact::CMeaning meaning;
@@ -45,7 +46,7 @@ inline exact::CMeaning meaningOf(const std::string& factor, const std::string& p
     return offset == "0" ? meaning : meaning.shifted(fractionOf(offset) / fractionOf(factor));
 }
 
-/// The rows of a table of tests/data, without comments, each cut at its tabulators.
+/// Returns the rows of a table of tests/data, without comments, split at tabulators.
 inline std::vector<std::vector<std::string>> rowsOf(const std::string& name) {
     const std::string path = std::string(MENSOR_TEST_DATA) + "/" + name;
     std::ifstream file(path);

@@ -1,4 +1,4 @@
-// UcumAtoms.h: what the atoms of UCUM are, by a table that shares nothing with the library.
+// UcumAtoms.h: the atoms of UCUM, from a table that is independent of the library.
 #ifndef MENSOR_TESTS_UCUMATOMS_H
 #define MENSOR_TESTS_UCUMATOMS_H
 
@@ -15,10 +15,10 @@ namespace mensor {
 struct UcumAtom {
     std::string Code;
     bool TakesPrefixes = false;
-    std::optional<exact::CMeaning> Meaning;  ///< none of a function
+    std::optional<exact::CMeaning> Meaning;  ///< none if UCUM defines it by a function
 };
 
-/// The rows of tests/data/ucum_atoms.tsv.
+/// Returns the rows of tests/data/ucum_atoms.tsv.
 inline const std::vector<UcumAtom>& ucumAtoms() {
     static const std::vector<UcumAtom> atoms = [] {
         std::vector<UcumAtom> rows;
@@ -37,7 +37,7 @@ inline const std::vector<UcumAtom>& ucumAtoms() {
     return atoms;
 }
 
-/// The prefixes and their factors.
+/// Returns the prefixes and their factors.
 inline const std::vector<std::pair<std::string, exact::CFraction>>& ucumPrefixes() {
     static const std::vector<std::pair<std::string, exact::CFraction>> prefixes = [] {
         std::vector<std::pair<std::string, exact::CFraction>> result;

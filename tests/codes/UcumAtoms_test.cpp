@@ -1,4 +1,4 @@
-// UcumAtoms_test.cpp: what each atom of UCUM means, alone and behind prefixes.
+// UcumAtoms_test.cpp: the meanings of all atoms of UCUM, alone and with prefixes.
 #include "codes/UcumAtoms.h"
 
 #include <set>
@@ -26,20 +26,20 @@ std::string messageOn(std::string_view code) {
     return codes::diagnose(codes::tryRead(eSystem::UCUM, code).Refusal).message();
 }
 
-TEST(UcumAtoms, AreAllThere) {
+TEST(UcumAtoms, AllAreInTheTable) {
     std::set<std::string> expected;
     for (const UcumAtom& atom : ucumAtoms()) {
         expected.insert(atom.Code);
     }
     std::set<std::string> found;
     for (const codes::CCode& code : codes::all(eSystem::UCUM)) {
-        EXPECT_TRUE(found.insert(code.Code).second) << code.Code << " is there twice";
+        EXPECT_TRUE(found.insert(code.Code).second) << code.Code << " occurs twice";
     }
     EXPECT_EQ(found, expected);
     EXPECT_EQ(found.size(), 313U);
 }
 
-TEST(UcumAtoms, MeanWhatUcumSays) {
+TEST(UcumAtoms, EachMeansWhatUcumSays) {
     for (const UcumAtom& atom : ucumAtoms()) {
         const codes::CReading reading = codes::tryRead(eSystem::UCUM, atom.Code);
         ASSERT_EQ(reading.Meaning.has_value(), atom.Meaning.has_value()) << atom.Code;
@@ -62,11 +62,11 @@ TEST(UcumAtoms, TakePrefixesWhereUcumSaysSo) {
         for (const auto& [prefix, factor] : ucumPrefixes()) {
             const std::string code = prefix + atom.Code;
             if (codes.count(code) > 0) {
-                continue;  // an atom itself
+                continue;  // this is also an atom
             }
             const codes::CReading reading = codes::tryRead(eSystem::UCUM, code);
             if (!atom.TakesPrefixes) {
-                // "10*" behind a prefix is the prefix, the exponent 10, and a star.
+                // A prefix and "10*" would be read as the prefix, the exponent 10 and a star.
                 EXPECT_FALSE(reading) << code;
                 EXPECT_NE(reading.Refusal.Code, eRefusal::NO_MEANING) << code;
             } else if (!atom.Meaning) {
@@ -79,8 +79,8 @@ TEST(UcumAtoms, TakePrefixesWhereUcumSaysSo) {
     }
 }
 
-// So that the order in which atoms and prefixes are tried does not matter.
-TEST(UcumAtoms, BehindPrefixesAreNeverTwoThings) {
+// So the order in which the reader tries atoms and prefixes does not matter.
+TEST(UcumAtoms, APrefixAndAnAtomAreNeverAmbiguous) {
     std::set<std::string> prefixed;
     for (const UcumAtom& atom : ucumAtoms()) {
         for (const auto& [prefix, factor] : ucumPrefixes()) {
@@ -98,7 +98,7 @@ TEST(UcumAtoms, BehindPrefixesAreNeverTwoThings) {
     EXPECT_THAT(both, testing::IsEmpty());
 }
 
-TEST(UcumAtoms, TakeOnePrefixOnly) {
+TEST(UcumAtoms, HaveAtMostOnePrefix) {
     for (const char* code : {"mkg", "kkm", "mmm", "ukg", "kMBy", "dam2m"}) {
         EXPECT_FALSE(codes::tryRead(eSystem::UCUM, code)) << code;
     }
@@ -115,7 +115,7 @@ TEST(UcumAtoms, AreCaseSensitive) {
     EXPECT_EQ(read("MPa").toString(), "1000000 kg/(m·s²)");
 }
 
-TEST(UcumAtoms, WithAZeroOfTheirOwnKeepItBehindAPrefix) {
+TEST(UcumAtoms, OffsetUnitsKeepTheirOffsetWithAPrefix) {
     EXPECT_EQ(read("Cel").toString(), "K + 273.15");
     EXPECT_EQ(read("mCel").toString(), "0.001 K + 273.15");
     EXPECT_EQ(read("Cel{skin}").toString(), "K + 273.15");
@@ -125,7 +125,7 @@ TEST(UcumAtoms, WithAZeroOfTheirOwnKeepItBehindAPrefix) {
     EXPECT_EQ(exact::CConversion(read("mCel"), read("K")).convertText("36500"), "309.65");
 }
 
-TEST(UcumAtoms, WithAZeroOfTheirOwnHaveNoMeaningInProducts) {
+TEST(UcumAtoms, OffsetUnitsHaveNoMeaningInProducts) {
     for (const char* code : {"W/Cel", "/Cel", "Cel2", "Cel-1", "2.Cel", "Cel.m", "Cel/Cel", "Cel0",
                              "[degF]/h", "(Cel)/h", "1/(Cel)", "m.(Cel)", "kCel.m"}) {
         const codes::CReading reading = codes::tryRead(eSystem::UCUM, code);
@@ -141,7 +141,7 @@ TEST(UcumAtoms, WithAZeroOfTheirOwnHaveNoMeaningInProducts) {
     EXPECT_EQ(read("Cel+1"), read("Cel"));
 }
 
-TEST(UcumAtoms, ThatAreFunctionsAreNamedWithTheReason) {
+TEST(UcumAtoms, UnitsDefinedByFunctionsAreRefusedWithTheReason) {
     EXPECT_EQ(messageOn("[pH]"),
               "\"[pH]\" (pH) has no exact meaning: its values are logarithms; minus the decimal "
               "logarithm of a concentration in mol/L");
@@ -183,7 +183,7 @@ TEST(UcumAtoms, ThatAreFunctionsAreNamedWithTheReason) {
     EXPECT_EQ(reading.Refusal.Token.End, 9U);
 }
 
-TEST(UcumAtoms, ThatAreArbitraryAreDimensionsOfTheirOwn) {
+TEST(UcumAtoms, ArbitraryUnitsAreDimensionsOfTheirOwn) {
     EXPECT_EQ(read("[iU]"), CMeaning::base("[iU]"));
     EXPECT_EQ(read("[IU]"), read("[iU]"));
     EXPECT_EQ(read("k[IU]/mL").toString(), "1000000000 [iU]/m³");
@@ -196,7 +196,7 @@ TEST(UcumAtoms, ThatAreArbitraryAreDimensionsOfTheirOwn) {
     EXPECT_EQ(read("[hp_X]"), CMeaning::base("[hp_X]"));
 }
 
-TEST(UcumAtoms, KeepTheMarksAndTheMoleOfTheExactLibrary) {
+TEST(UcumAtoms, RadianSteradianBitAndMoleAreNotNumbers) {
     EXPECT_EQ(read("mol"), exact::read("mol"));
     EXPECT_FALSE(read("mol").isCompatibleWith(read("1")));
     EXPECT_EQ(read("deg"), exact::read("°"));
@@ -208,8 +208,8 @@ TEST(UcumAtoms, KeepTheMarksAndTheMoleOfTheExactLibrary) {
     EXPECT_EQ(read("bit").marks().size(), 1U);
 }
 
-// Where the exact library has the unit by its own definition.
-TEST(UcumAtoms, AreTheSameAsTheUnitsOfTheExactLibrary) {
+// Units that the exact library also defines.
+TEST(UcumAtoms, AgreeWithTheUnitsOfTheExactLibrary) {
     const exact::CCatalogue catalogue = exact::CCatalogue::builtIn()
                                             .with(exact::ePack::CUSTOMARY)
                                             .with(exact::ePack::SCIENCE)
@@ -235,29 +235,34 @@ TEST(UcumAtoms, AreTheSameAsTheUnitsOfTheExactLibrary) {
     }
 }
 
-TEST(UcumAtoms, HaveRowsWithNamesAndSources) {
-    const codes::CCode inch = *codes::find(eSystem::UCUM, "[in_i]");
-    EXPECT_EQ(inch.Name, "inch");
-    EXPECT_EQ(inch.Symbol, "in");
-    EXPECT_EQ(inch.Definition, "0.0254 m");
-    EXPECT_EQ(inch.Source, "international yard and pound agreement, 1959");
-    const codes::CCode celsius = *codes::find(eSystem::UCUM, "Cel");
-    EXPECT_EQ(celsius.Name, "degree Celsius");
-    EXPECT_EQ(celsius.Symbol, "°C");
-    const codes::CCode becquerel = *codes::find(eSystem::UCUM, "Bq");
-    EXPECT_EQ(becquerel.Source, "SI brochure, 9th ed.");
-    EXPECT_EQ(becquerel.SameAs, "Hz");
-    const codes::CCode phot = *codes::find(eSystem::UCUM, "ph");
-    EXPECT_EQ(phot.Note, "NIST SP 811 has 10^4 lx");
-    const codes::CCode neper = *codes::find(eSystem::UCUM, "Np");
-    EXPECT_EQ(neper.Name, "neper");
-    EXPECT_EQ(neper.Symbol, "Np");
-    EXPECT_EQ(neper.Definition, "");
-    EXPECT_EQ(neper.Source, "its values are logarithms");
-    EXPECT_EQ(neper.Note, "the natural logarithm of a ratio");
-    const codes::CCode prism = *codes::find(eSystem::UCUM, "[p'diop]");
-    EXPECT_EQ(prism.Name, "prism dioptre");
-    EXPECT_EQ(prism.Symbol, "PD");
+TEST(UcumAtoms, EachHasANameAndASource) {
+    const struct {
+        const char* Code;
+        const char* Name;
+        const char* Symbol;
+        const char* Definition;
+        const char* Source;
+        const char* SameAs;
+        const char* Note;
+    } rows[] = {
+        {"[in_i]", "inch", "in", "0.0254 m", "international yard and pound agreement, 1959", "",
+         ""},
+        {"Bq", "becquerel", "Bq", "s^-1", "SI brochure, 9th ed.", "Hz", ""},
+        {"Np", "neper", "Np", "", "its values are logarithms", "",
+         "the natural logarithm of a ratio"},
+    };
+    for (const auto& row : rows) {
+        const codes::CCode code = *codes::find(eSystem::UCUM, row.Code);
+        EXPECT_EQ(code.Name, row.Name);
+        EXPECT_EQ(code.Symbol, row.Symbol) << row.Name;
+        EXPECT_EQ(code.Definition, row.Definition) << row.Name;
+        EXPECT_EQ(code.Source, row.Source) << row.Name;
+        EXPECT_EQ(code.SameAs, row.SameAs) << row.Name;
+        EXPECT_EQ(code.Note, row.Note) << row.Name;
+    }
+    EXPECT_EQ(codes::find(eSystem::UCUM, "Cel")->Symbol, "°C");
+    EXPECT_EQ(codes::find(eSystem::UCUM, "ph")->Note, "NIST SP 811 has 10^4 lx");
+    EXPECT_EQ(codes::find(eSystem::UCUM, "[p'diop]")->Name, "prism dioptre");
     for (const codes::CCode& code : codes::all(eSystem::UCUM)) {
         EXPECT_FALSE(code.Name.empty()) << code.Code;
         EXPECT_FALSE(code.Source.empty()) << code.Code;

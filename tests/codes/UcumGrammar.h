@@ -1,4 +1,4 @@
-// UcumGrammar.h: the grammar of UCUM once more, written as its rules stand, to compare the library with.
+// UcumGrammar.h: a second implementation of the grammar of UCUM, rule by rule, to compare the library with.
 #ifndef MENSOR_TESTS_UCUMGRAMMAR_H
 #define MENSOR_TESTS_UCUMGRAMMAR_H
 
@@ -12,8 +12,8 @@
 
 namespace mensor {
 
-/// Tells whether a text is a code of UCUM. Follows every way through the grammar at once, so it need not
-/// know where an atom ends.
+/// Decides whether a text is a code of UCUM. It follows all ways through the grammar at once, so it does not
+/// have to know where an atom ends.
 class UcumGrammar {
 public:
     static bool accepts(const std::string& text) {
@@ -143,11 +143,11 @@ public:
         exact::CMeaning Meaning;
     };
 
-    /// A code without scales that have a zero of their own, and without functions.
+    /// Returns a code without offset units and without refused atoms.
     Expression expression() {
         const bool divides = below(5) == 0;
         Expression result = term(3);
-        if (divides) {  // only the first component is divided by, so there must be no other one
+        if (divides) {  // "/" divides by the first component only, so there must be no other
             result = component(3);
             result.Text = "/" + result.Text;
             result.Meaning = exact::CMeaning() / result.Meaning;

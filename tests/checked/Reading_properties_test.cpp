@@ -1,5 +1,5 @@
-// Properties_test.cpp: whatever is accepted means what mathematics says of the text, which
-// Mathematics.h computes in its own way. MENSOR_SEED starts the random texts elsewhere.
+// Reading_properties_test.cpp: each random text that is read has the meaning that Mathematics.h computes
+// without the library. MENSOR_SEED is the seed of the random texts.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -31,7 +31,7 @@ public:
         }
     }
 
-    // By the grammar: every one is well-formed.
+    // Returns a text of the grammar.
     std::string expression(int depth) {
         std::string text = below(6) == 0 ? "1" : product(depth);
         if (text == "1" || below(2) == 0) {
@@ -40,7 +40,7 @@ public:
         return text;
     }
 
-    // Any signs and names in any order: most are refused.
+    // Returns signs and names in random order. Most such texts are refused.
     std::string noise() {
         std::string text;
         for (std::size_t tokens = 1 + below(8); tokens > 0; --tokens) {
@@ -58,7 +58,7 @@ private:
         return choices[below(choices.size())];
     }
 
-    // The rarer the name, the fewer units collide before the property is tried.
+    // All names are equally likely, so that few units collide.
     std::string name() { return m_Names[below(m_Names.size())]; }
 
     std::string product(int depth) {
@@ -110,7 +110,7 @@ void expectMeaning(const std::string& text, const CUnitPtr& unit) {
     EXPECT_TRUE(areSame(told, meaning)) << told << " not " << meaning;
 }
 
-TEST(Properties, WellFormedTextsAreReadAsMathematicsReadsThem) {
+TEST(ReadingProperties, AWellFormedTextHasItsMathematicalMeaning) {
     Texts texts(seed());
     int read = 0;
     for (int i = 0; i < 800; ++i) {
@@ -122,7 +122,7 @@ TEST(Properties, WellFormedTextsAreReadAsMathematicsReadsThem) {
             EXPECT_EQ(checked::tryReadUnit(text).Unit, reading.Unit) << text << " a second time";
             continue;
         }
-        switch (reading.Refusal->Code) {  // well-formed, so nothing else can be wrong
+        switch (reading.Refusal->Code) {  // the form of the text is right
             case checked::eRefusal::OFFSET_IN_PRODUCT:
             case checked::eRefusal::COLLISION:
             case checked::eRefusal::DIMENSION_COLLISION:
@@ -134,7 +134,7 @@ TEST(Properties, WellFormedTextsAreReadAsMathematicsReadsThem) {
     EXPECT_GT(read, 450);
 }
 
-TEST(Properties, WhatIsReadOfNoiseIsReadAsMathematicsReadsIt) {
+TEST(ReadingProperties, ARandomTextThatIsReadHasItsMathematicalMeaning) {
     Texts texts(seed());
     int read = 0;
     for (int i = 0; i < 2000; ++i) {
@@ -147,7 +147,7 @@ TEST(Properties, WhatIsReadOfNoiseIsReadAsMathematicsReadsIt) {
     EXPECT_GT(read, 100);
 }
 
-TEST(Properties, WhatIsRefusedForItsFormLeavesNoTrace) {
+TEST(ReadingProperties, ATextThatIsRefusedForItsFormChangesNoTable) {
     Texts texts(seed());
     int refused = 0;
     for (int i = 0; i < 300; ++i) {

@@ -1,4 +1,5 @@
-// The tables of UN/CEFACT, OPC UA and SenML: each row against what was computed elsewhere.
+// CodeTable_test.cpp: compares each row of the tables of UN/CEFACT and SenML with an expected meaning that was
+// computed without the library.
 #include <map>
 #include <set>
 
@@ -6,7 +7,6 @@
 #include "gmock/gmock.h"
 #include "gtest/gtest.h"
 #include "mensor_codes/Codes.h"
-#include "mensor_codes/OpcUa.h"
 
 using namespace mensor;
 using codes::eSystem;
@@ -14,7 +14,7 @@ using exact::eRefusal;
 
 namespace {
 
-// What is expected of each code; nothing of a refused one.
+// Returns the expected meaning of each code; none for a refused code.
 std::map<std::string, std::optional<exact::CMeaning>> expected(const std::string& table,
                                                                std::size_t kind) {
     std::map<std::string, std::optional<exact::CMeaning>> result;
@@ -47,29 +47,25 @@ void expectTheSameCodes(eSystem system,
                         const std::map<std::string, std::optional<exact::CMeaning>>& table) {
     std::set<std::string> codes;
     for (const codes::CCode& code : codes::all(system)) {
-        EXPECT_TRUE(codes.insert(code.Code).second) << code.Code << " is there twice";
+        EXPECT_TRUE(codes.insert(code.Code).second) << code.Code << " occurs twice";
         EXPECT_EQ(table.count(code.Code), 1U) << code.Code;
     }
     EXPECT_EQ(codes.size(), table.size());
 }
 
-TEST(CodesOfUnece, MeanWhatTheirNamesSay) {
+TEST(Unece, EachCodeMeansWhatItsNameSays) {
     expectMeanings(eSystem::UNECE, expected("unece_expected.tsv", 2));
 }
 
-TEST(CodesOfUnece, AreAllThere) {
-    expectTheSameCodes(eSystem::UNECE, expected("unece_expected.tsv", 2));
-}
+TEST(Unece, HasAllCodes) { expectTheSameCodes(eSystem::UNECE, expected("unece_expected.tsv", 2)); }
 
-TEST(CodesOfSenml, MeanWhatTheirRegistrySays) {
+TEST(Senml, EachCodeMeansWhatTheRegistrySays) {
     expectMeanings(eSystem::SENML, expected("senml_expected.tsv", 1));
 }
 
-TEST(CodesOfSenml, AreAllThere) {
-    expectTheSameCodes(eSystem::SENML, expected("senml_expected.tsv", 1));
-}
+TEST(Senml, HasAllCodes) { expectTheSameCodes(eSystem::SENML, expected("senml_expected.tsv", 1)); }
 
-TEST(CodesOfSenml, ThatNewProducersMustNotUseAreMarked) {
+TEST(Senml, DeprecatedCodesAreMarked) {
     std::set<std::string> deprecated;
     for (const codes::CCode& code : codes::all(eSystem::SENML)) {
         if (code.IsDeprecated) {
@@ -80,9 +76,9 @@ TEST(CodesOfSenml, ThatNewProducersMustNotUseAreMarked) {
                                                           "beat/min", "beats", "deg"));
 }
 
-class Tables : public testing::TestWithParam<eSystem> {};
+class CodeTables : public testing::TestWithParam<eSystem> {};
 
-TEST_P(Tables, GiveForEachMeaningTheCodeOrTheOneThatItNames) {
+TEST_P(CodeTables, WriteEachMeaningAsItsCodeOrAsItsSynonym) {
     for (const codes::CCode& code : codes::all(GetParam())) {
         const codes::CReading reading = codes::tryRead(GetParam(), code.Code);
         EXPECT_EQ(bool(reading), !code.Definition.empty()) << code.Code;
@@ -101,7 +97,7 @@ TEST_P(Tables, GiveForEachMeaningTheCodeOrTheOneThatItNames) {
     }
 }
 
-TEST_P(Tables, HaveTextsOfUtf8InEachRow) {
+TEST_P(CodeTables, HaveANameAndASourceInEachRow) {
     for (const codes::CCode& code : codes::all(GetParam())) {
         EXPECT_NE(code.Name, "") << code.Code;
         EXPECT_NE(code.Source, "") << code.Code;
@@ -114,7 +110,7 @@ TEST_P(Tables, HaveTextsOfUtf8InEachRow) {
     }
 }
 
-TEST_P(Tables, RefuseWithTheNameAndTheReason) {
+TEST_P(CodeTables, RefuseACodeWithItsNameAndTheReason) {
     for (const codes::CCode& code : codes::all(GetParam())) {
         if (!code.Definition.empty()) {
             continue;
@@ -130,85 +126,7 @@ TEST_P(Tables, RefuseWithTheNameAndTheReason) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, Tables,
+INSTANTIATE_TEST_SUITE_P(All, CodeTables,
                          testing::Values(eSystem::UNECE, eSystem::OPCUA, eSystem::SENML));
-
-TEST(OpcUa, GivesEachCodeItsUnitIdAndBack) {
-    for (const std::vector<std::string>& row : rowsOf("unece_expected.tsv")) {
-        const std::string& code = row.at(0);
-        const std::int32_t id = std::stoi(row.at(1));
-        EXPECT_EQ(codes::unitIdOf(code), id) << code;
-        EXPECT_EQ(codes::codeOfUnitId(id), code);
-        EXPECT_EQ(codes::opcUaUnit(code).UnitId, id) << code;
-        EXPECT_EQ(codes::tryRead(eSystem::OPCUA, row[1]).Meaning,
-                  codes::tryRead(eSystem::UNECE, code).Meaning)
-            << code;
-    }
-}
-
-TEST(OpcUa, FillsTheStructureOfAUnit) {
-    const codes::CEUInformation unit = codes::opcUaUnit("KMH");
-    EXPECT_EQ(unit.NamespaceUri, "http://www.opcfoundation.org/UA/units/un/cefact");
-    EXPECT_EQ(unit.UnitId, 4934984);
-    EXPECT_EQ(unit.DisplayName, "km/h");
-    EXPECT_EQ(unit.Description, "kilometre per hour");
-}
-
-TEST(OpcUa, ShowsTheNameWhereAUnitHasNoSymbol) {
-    EXPECT_EQ(codes::opcUaUnit("DZP").DisplayName, "dozen pack");
-}
-
-TEST(OpcUa, ReadsAUnitByItsIdWhateverItsNamesAre) {
-    codes::CEUInformation unit = codes::opcUaUnit("CEL");
-    unit.DisplayName = "K";
-    unit.Description.clear();
-    EXPECT_EQ(codes::readOpcUa(unit).toString(), "K + 273.15");
-}
-
-TEST(OpcUa, RefusesIdsOfOtherNamespaces) {
-    codes::CEUInformation unit = codes::opcUaUnit("CEL");
-    unit.NamespaceUri = "http://example.org/units";
-    try {
-        codes::readOpcUa(unit);
-        FAIL() << "no exception";
-    } catch (const exact::CReadError& error) {
-        EXPECT_EQ(error.diagnosis().Code, eRefusal::UNKNOWN_CODE);
-        EXPECT_STREQ(error.what(),
-                     "unit ids of the namespace \"http://example.org/units\" are no codes of "
-                     "UN/CEFACT");
-    }
-}
-
-TEST(OpcUa, HasNoCodeForIdsThatAreNone) {
-    for (const std::int32_t id : {-1, 0, 1, 47, 58, 64, 91, 0x41424361, 0x414243 + 0x1000000,
-                                  0x410042, 0x610000, 0x7FFFFFFF, -0x7FFFFFFF - 1}) {
-        EXPECT_EQ(codes::codeOfUnitId(id), "") << id;
-    }
-    EXPECT_EQ(codes::codeOfUnitId('0'), "0");
-    EXPECT_EQ(codes::codeOfUnitId('9'), "9");
-    EXPECT_EQ(codes::codeOfUnitId('A'), "A");
-    EXPECT_EQ(codes::codeOfUnitId(0x5A5A5A), "ZZZ");
-}
-
-TEST(OpcUa, HasNoIdForTextsThatAreNoCode) {
-    for (const char* code : {"", "mtr", "ABCD", "A B", "É", "A/B", "[", "@", ":"}) {
-        EXPECT_EQ(codes::unitIdOf(code), std::nullopt) << code;
-    }
-}
-
-TEST(OpcUa, RefusesTextsThatAreNoId) {
-    for (const char* text : {"-1", "0", "05067858", " 5067858", "5067858 ", "+5067858", "MTR",
-                             "50678580000", "5067858.0", "0x4D5452", "6579300", "16777216"}) {
-        const codes::CReading reading = codes::tryRead(eSystem::OPCUA, text);
-        ASSERT_FALSE(reading) << text;
-        EXPECT_EQ(reading.Refusal.Code, eRefusal::UNKNOWN_CODE) << text;
-        EXPECT_FALSE(codes::find(eSystem::OPCUA, text)) << text;
-    }
-    EXPECT_EQ(codes::tryRead(eSystem::OPCUA, "").Refusal.Code, eRefusal::EMPTY);
-}
-
-TEST(OpcUa, ThrowsForCodesThatTheTableDoesNotHave) {
-    EXPECT_THROW(codes::opcUaUnit("XXX"), exact::CReadError);
-}
 
 }  // namespace

@@ -1,4 +1,5 @@
-// UcumReading_test.cpp: which texts are codes of UCUM, what they mean, and where and why others are refused.
+// UcumReader_test.cpp: codes of UCUM with their meanings, and other texts with the place and the reason of
+// their refusal.
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,7 +26,7 @@ namespace {
 
 CMeaning read(std::string_view code) { return codes::read(eSystem::UCUM, code); }
 
-// The text must outlive what is told of a refusal.
+// The text must outlive the result.
 codes::CReading tryRead(std::string_view code) { return codes::tryRead(eSystem::UCUM, code); }
 
 bool isCode(std::string_view code) { return codes::isCode(eSystem::UCUM, code); }
@@ -97,8 +98,8 @@ TEST(Ucum, EvaluatesFromTheLeft) {
     EXPECT_EQ(read("12/5.m"), read("12.m/5"));
 }
 
-// UCUM has whole factors only: a full stop is always a product.
-TEST(Ucum, TakesAFullStopAsAProductAlways) {
+// Factors in UCUM are whole numbers, so a full stop is never a decimal point.
+TEST(Ucum, AFullStopIsAlwaysAProduct) {
     EXPECT_EQ(read("1.5").toString(), "5");
     EXPECT_EQ(read("0010").toString(), "10");
     EXPECT_EQ(read("2.54.cm"), read("108.cm"));
@@ -131,7 +132,7 @@ TEST(Ucum, ReadsHighPowersAndManyDimensions) {
     EXPECT_EQ(read("10*99"), CMeaning().scaled(CFactor(CFraction(10).power(99))));
 }
 
-TEST(Ucum, GivesNoMeaningToACodeWhoseMeaningHasNoRoom) {
+TEST(Ucum, ACodeWithTooLargeAMeaningHasNone) {
     const std::pair<const char*, const char*> texts[] = {
         {"m100", "the exponent of \"m100\" is beyond 99"},
         {"m-100", "the exponent of \"m-100\" is beyond 99"},
@@ -181,8 +182,8 @@ struct Refused {
     const char* Token;
 };
 
-// What stands before and behind the text in memory does not matter.
-TEST(Ucum, LooksAtTheTextAlone) {
+// The bytes before and after the text in memory do not matter.
+TEST(Ucum, ReadsNoByteOutsideOfTheText) {
     const std::string_view whole = "(m2.[in_i]{a}/s-12)";
     for (std::size_t begin = 0; begin < whole.size(); ++begin) {
         for (std::size_t size = 0; size <= whole.size() - begin; ++size) {
@@ -199,7 +200,7 @@ TEST(Ucum, LooksAtTheTextAlone) {
     EXPECT_EQ(tryRead(std::string_view("()").substr(1)).Refusal.Code, eRefusal::STRAY_BRACKET);
 }
 
-TEST(Ucum, TellsWhatIsACodeAlsoWithoutAMeaning) {
+TEST(Ucum, ACodeNeedNotHaveAMeaning) {
     for (const char* code : {"m", "[pH]", "dB", "J/Cel", "m100", "0"}) {
         EXPECT_TRUE(isCode(code)) << code;
     }
@@ -211,7 +212,7 @@ TEST(Ucum, TellsWhatIsACodeAlsoWithoutAMeaning) {
     EXPECT_FALSE(codes::isCode(eSystem::UNECE, "m"));
 }
 
-TEST(Ucum, TellsWhereAndWhyATextIsNoCode) {
+TEST(Ucum, RefusesATextWithTheCodeAndThePlace) {
     const Refused texts[] = {
         {"", eRefusal::EMPTY, 0, ""},
         {"/", eRefusal::MISSING_UNIT, 0, "/"},
@@ -324,7 +325,7 @@ TEST(Ucum, TellsWhereAndWhyATextIsNoCode) {
     EXPECT_EQ(tryRead(std::string("{\0}", 3)).Refusal.Code, eRefusal::MALFORMED_TEXT);
 }
 
-TEST(Ucum, SaysWhatIsWrong) {
+TEST(Ucum, SaysWhatIsWrongWithAText) {
     const auto messageOn = [](std::string_view code) {
         return codes::diagnose(tryRead(code).Refusal).message();
     };
@@ -396,7 +397,7 @@ TEST(Ucum, SaysWhatIsWrong) {
     EXPECT_THROW(read("[pH]"), exact::CReadError);
 }
 
-TEST(Ucum, TellsWhatARefusedTextMayHaveMeant) {
+TEST(Ucum, SuggestsACorrectionOfTheWholeText) {
     const auto readings = [](std::string_view code) {
         return codes::diagnose(tryRead(code).Refusal).Readings;
     };
@@ -411,7 +412,7 @@ TEST(Ucum, TellsWhatARefusedTextMayHaveMeant) {
     }
     EXPECT_EQ(codes::diagnose(tryRead("µm").Refusal).message(),
               "codes of UCUM are written in ASCII; the prefix micro is \"u\" (write \"um\")");
-    // Who knows whether the kelvin is meant to divide?
+    // The kelvin may be meant to multiply or to divide.
     for (const char* text : {"W/m²·K", "J/kg*K", "W/m2K", "m s", "°", "µfoo", "m^", "m{a}{b}",
                              "m¹⁰⁰", "m)", "(m", "\x80", "ä"}) {
         EXPECT_THAT(readings(text), IsEmpty()) << text;
@@ -419,7 +420,7 @@ TEST(Ucum, TellsWhatARefusedTextMayHaveMeant) {
     EXPECT_THAT(readings(" " + std::string(40, 'm')), IsEmpty());
 }
 
-TEST(Ucum, SuggestsWhatAnUnknownUnitMayHaveMeant) {
+TEST(Ucum, SuggestsCodesForAnUnknownUnit) {
     const auto suggestions = [](std::string_view code) {
         return codes::diagnose(tryRead(code).Refusal).Suggestions;
     };
@@ -497,8 +498,8 @@ TEST(Ucum, BoundsTheLengthAndTheDepth) {
     EXPECT_EQ(read(flat), read("m"));
 }
 
-// Each factor is in one bracket more than the one before, and divided by.
-TEST(Ucum, DividesByBracketsInBrackets) {
+// Each factor is one bracket deeper than the one before, and each bracket follows a "/".
+TEST(Ucum, DividesByNestedBrackets) {
     std::string text = "m";
     for (int i = 0; i < 63; ++i) {
         text += "/(s";
@@ -511,7 +512,7 @@ TEST(Ucum, DividesByBracketsInBrackets) {
     EXPECT_EQ(meaning.exponentOf("kg"), exact::CExponent(1));
 }
 
-TEST(Ucum, ReadsWhatItsGrammarMakes) {
+TEST(Ucum, ReadsRandomCodesOfItsGrammar) {
     UcumGenerator generator(1);
     int read = 0;
     for (int i = 0; i < 6000; ++i) {
@@ -519,7 +520,7 @@ TEST(Ucum, ReadsWhatItsGrammarMakes) {
         try {
             expression = generator.expression();
         } catch (const exact::CError&) {
-            continue;  // the meaning has no room
+            continue;  // the meaning is too large
         }
         if (expression.Text.size() > 4096) {
             continue;
@@ -533,8 +534,8 @@ TEST(Ucum, ReadsWhatItsGrammarMakes) {
     EXPECT_GT(read, 5500);
 }
 
-// A text one or two changes away from a code is a code exactly if the grammar says so.
-TEST(Ucum, RefusesWhatItsGrammarDoesNotMake) {
+// Changes a code at one or two places. The result is accepted if and only if the grammar accepts it.
+TEST(Ucum, AgreesWithItsGrammarOnChangedCodes) {
     const std::string characters = "m()[]{}./+-0123456789*^ skgdaKi'_%\"=,µU";
     UcumGenerator generator(2);
     int valid = 0;
@@ -606,7 +607,7 @@ TEST(OpenTelemetry, HasTheCodesOfUcum) {
     EXPECT_STREQ(codes::nameOf(eSystem::OPENTELEMETRY), "OpenTelemetry");
 }
 
-TEST(OpenTelemetry, HasRevolutionsPerMinuteThatUcumHasNot) {
+TEST(OpenTelemetry, HasRevolutionsPerMinuteUnlikeUcum) {
     EXPECT_EQ(codes::read(eSystem::OPENTELEMETRY, "rpm"), read("circ/min"));
     EXPECT_FALSE(isCode("rpm"));
     EXPECT_FALSE(codes::isCode(eSystem::OPENTELEMETRY, "krpm"));

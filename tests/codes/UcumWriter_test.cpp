@@ -1,4 +1,4 @@
-// UcumWriting_test.cpp: the code of UCUM for a meaning.
+// UcumWriter_test.cpp: writes meanings as codes of UCUM.
 #include <algorithm>
 #include <string>
 #include <string_view>
@@ -27,7 +27,7 @@ CMeaning read(std::string_view code) { return codes::read(eSystem::UCUM, code); 
 
 CMatch codeFor(const CMeaning& meaning) { return codes::codeFor(eSystem::UCUM, meaning); }
 
-TEST(UcumWriting, GivesEachAtomItsCodeOrTheOneThatTheTableNames) {
+TEST(UcumWriter, WritesEachAtomAsItsCodeOrAsItsSynonym) {
     for (const codes::CCode& atom : codes::all(eSystem::UCUM)) {
         if (atom.Definition.empty()) {
             continue;
@@ -44,7 +44,7 @@ TEST(UcumWriting, GivesEachAtomItsCodeOrTheOneThatTheTableNames) {
     }
 }
 
-TEST(UcumWriting, GivesUsualCodesBack) {
+TEST(UcumWriter, WritesUsualCodesAsTheyAre) {
     for (const char* code : {
 #define MENSOR_USUAL(code) code,
 #include "mensor_codes/ucum_usual.def"
@@ -54,7 +54,7 @@ TEST(UcumWriting, GivesUsualCodesBack) {
     }
 }
 
-TEST(UcumWriting, GivesPrefixedAtomsAMeaningOfTheSameCode) {
+TEST(UcumWriter, WritesPrefixedAtomsWithTheSameMeaning) {
     for (const UcumAtom& atom : ucumAtoms()) {
         for (const auto& [prefix, factor] : ucumPrefixes()) {
             const bool isTried = prefix == "k" || prefix == "u" || prefix == "da" || prefix == "Ki";
@@ -68,7 +68,7 @@ TEST(UcumWriting, GivesPrefixedAtomsAMeaningOfTheSameCode) {
     }
 }
 
-TEST(UcumWriting, GivesWhatPeopleWouldWrite) {
+TEST(UcumWriter, WritesCodesAsPeopleDo) {
     const std::pair<const char*, const char*> codes[] = {
         {"m³/h", "m3/h"},
         {"km/h", "km/h"},
@@ -116,7 +116,7 @@ TEST(UcumWriting, GivesWhatPeopleWouldWrite) {
     }
 }
 
-TEST(UcumWriting, WritesNumbersOnlyAsPowersOfTen) {
+TEST(UcumWriter, WritesNumbersOnlyAsPowersOfTen) {
     const auto number = [](const char* text) {
         return CMeaning().scaled(CFactor(CFraction::ofText(text)));
     };
@@ -138,7 +138,7 @@ TEST(UcumWriting, WritesNumbersOnlyAsPowersOfTen) {
     EXPECT_EQ(codeFor(number("1e-100")).Code, "");
 }
 
-TEST(UcumWriting, TellsSynonyms) {
+TEST(UcumWriter, ListsSynonyms) {
     EXPECT_THAT(codeFor(read("Hz")).Synonyms, UnorderedElementsAre("Bq", "Bd"));
     EXPECT_THAT(codeFor(read("L")).Synonyms, UnorderedElementsAre("l"));
     EXPECT_THAT(codeFor(read("mol")).Synonyms, UnorderedElementsAre("eq", "osm"));
@@ -146,8 +146,8 @@ TEST(UcumWriting, TellsSynonyms) {
     EXPECT_THAT(codeFor(read("m")).Synonyms, IsEmpty());
 }
 
-TEST(UcumWriting, TellsTheNearestCodeWhereThereIsNone) {
-    const CMatch psi = codeFor(exact::read("psi"));  // the registry's short decimal
+TEST(UcumWriter, FindsTheNearestCodeIfThereIsNone) {
+    const CMatch psi = codeFor(exact::read("psi"));  // 6894.76 Pa, a rounded value
     EXPECT_FALSE(psi);
     EXPECT_EQ(psi.Nearest, "[psi]");
     EXPECT_NEAR(psi.Deviation, 6894.757293168 / 6894.76 - 1, 1e-12);
@@ -162,7 +162,7 @@ TEST(UcumWriting, TellsTheNearestCodeWhereThereIsNone) {
     EXPECT_FALSE(codeFor(CMeaning::base("m").scaled(CFactor(CFraction(2)).power({1, 2}))));
 }
 
-TEST(UcumWriting, KeepsMarksAndArbitraryUnitsApart) {
+TEST(UcumWriter, TellsRadiansAndArbitraryUnitsFromNumbers) {
     EXPECT_EQ(codeFor(CMeaning::base("rad")).Code, "rad");
     EXPECT_EQ(codeFor(CMeaning::base("rad") / CMeaning::base("s")).Code, "rad/s");
     EXPECT_EQ(codeFor(CMeaning::base("bit") / CMeaning::base("s")).Code, "bit/s");
@@ -171,8 +171,8 @@ TEST(UcumWriting, KeepsMarksAndArbitraryUnitsApart) {
     EXPECT_EQ(codeFor(read("[CFU]/[PFU]")).Code, "");
 }
 
-// What is written means what was asked for, whatever that is.
-TEST(UcumWriting, GivesOnlyCodesOfTheMeaning) {
+// Each code that is written has the meaning that was asked for.
+TEST(UcumWriter, WritesRandomMeaningsCorrectly) {
     UcumGenerator generator(3);
     int found = 0;
     for (int i = 0; i < 400; ++i) {
@@ -197,7 +197,7 @@ TEST(UcumWriting, GivesOnlyCodesOfTheMeaning) {
     EXPECT_GT(found, 80);
 }
 
-TEST(UcumWriting, GivesOpenTelemetryTheSameCodes) {
+TEST(UcumWriter, OpenTelemetryHasTheSameCodes) {
     EXPECT_EQ(codes::codeFor(eSystem::OPENTELEMETRY, exact::read("byte")).Code, "By");
     EXPECT_EQ(codes::codeFor(eSystem::OPENTELEMETRY, exact::read("ms")).Code, "ms");
 }

@@ -1,9 +1,8 @@
-// Everyday_test.cpp: a thousand units of everyday, read in fifty orders, each in a fresh process.
+// Reading_collisions_test.cpp: reads a thousand everyday units in fifty orders, each in a new process.
 //
-// The hash code alone is a unit's identity, so which of two colliding units is refused depends on
-// which was read first. None may be silently wrong in any order. What is refused is listed in
-// docs/collisions-everyday.md, which this test writes when MENSOR_UPDATE_DOCS is set, and otherwise
-// compares.
+// Units with the same hash code are one unit, so the order of reading decides which of two colliding units is
+// refused. In no order may a unit be silently wrong. docs/collisions-everyday.md lists the refused texts. This
+// test compares the page, or writes it if MENSOR_UPDATE_DOCS is set.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -40,10 +39,11 @@ using test::Quantity;
 
 constexpr int Orders = 50;
 
-// Reads all in the order of `seed`. Each line it writes begins with "!" and tells a fault, or tells
-// the index of a refused text and why it was refused.
+// Reads all texts in the order of `seed`. Writes a line with "!" for each fault, and a line with the index and
+// the reason for each refused text.
 void readAll(std::uint32_t seed, std::ostream& out) {
-    std::map<std::map<std::string, Fraction>, std::size_t> dimensions;  // and who has it first
+    std::map<std::map<std::string, Fraction>, std::size_t>
+        dimensions;  // and the first text that has it
     std::map<CUnitPtr, std::size_t> known;
     std::vector<CUnitPtr> units(everyday().size());
     for (const std::size_t i : order(seed, everyday().size())) {
@@ -85,7 +85,7 @@ void readAll(std::uint32_t seed, std::ostream& out) {
         }
         const auto text = checked::textOf(units[i]);
         if (!text || checked::readUnit(*text) != units[i]) {
-            out << "! " << expression.Text << " is not written so that it reads back\n";
+            out << "! " << expression.Text << " has no text that reads back\n";
         }
     }
     if (dimensions.empty()) {
@@ -93,7 +93,7 @@ void readAll(std::uint32_t seed, std::ostream& out) {
     }
 }
 
-// What readAll writes, in a process that has read nothing before.
+// Returns what readAll writes in a new process.
 std::string inFreshProcess(std::uint32_t seed) {
     const ChildEnd end = inChild([&](std::string& text) {
         std::ostringstream out;
@@ -113,28 +113,28 @@ std::string inFreshProcess(std::uint32_t seed) {
 struct Refused {
     std::set<std::uint32_t> Orders;
     std::set<std::string> Codes;
-    std::string Sentence;  // of the first order that refused it
+    std::string Sentence;  // in the first order that refused it
 };
 
 std::string pageOf(const std::map<std::size_t, Refused>& refused, std::size_t refusals) {
     std::ostringstream page;
-    page << "# Collisions among units of everyday\n\n"
-            "The library knows a unit by its hash code alone, so two units can be one object. The\n"
-            "companion ([reading.md](reading.md)) refuses the second. How often does that "
-            "happen?\n\n"
-         << everyday().size()
-         << " expressions from physics, process industry, electronics and medicine\n"
-            "(`tests/data/everyday.tsv`) were read in "
-         << Orders
-         << " random orders, each in a fresh process. None was\nsilently wrong in any order. "
-         << refused.size() << " of them were refused in at least one order, on average "
-         << (refusals * 10 + Orders * 5) / (Orders * 10) << " in\nan order, that is one in "
-         << everyday().size() * Orders / refusals
-         << ". Collisions grow with the square of the number of units: a\nprogram with twenty of "
-            "them meets hardly any.\n\n"
-            "Written by `tests/checked/Everyday_test.cpp`. The reason is that of the first "
-            "order.\n\n"
-            "| Expression | Orders | Reason |\n|---|---|---|\n";
+    page
+        << "# Collisions among everyday units\n\n"
+           "In the library, two units with the same hash code are one object. The companion\n"
+           "([reading.md](reading.md)) refuses the second of them. How often does that happen?\n\n"
+        << everyday().size()
+        << " expressions from physics, process industry, electronics and medicine\n"
+           "(`tests/data/everyday.tsv`) were read in "
+        << Orders
+        << " random orders, each in a fresh process. None was\nsilently wrong in any order. "
+        << refused.size() << " of them were refused in at least one order, on average "
+        << (refusals * 10 + Orders * 5) / (Orders * 10) << " in\nan order, that is one in "
+        << everyday().size() * Orders / refusals
+        << ". The number of collisions grows with the square of the number of\nunits, so a program "
+           "with twenty units will hardly have one.\n\n"
+           "`tests/checked/Reading_collisions_test.cpp` writes this page. The reason is that "
+           "of the first order.\n\n"
+           "| Expression | Orders | Reason |\n|---|---|---|\n";
     for (const auto& [index, what] : refused) {
         page << "| `" << everyday()[index].Text << "` | " << what.Orders.size() << " | "
              << what.Sentence << " |\n";
@@ -142,7 +142,7 @@ std::string pageOf(const std::map<std::size_t, Refused>& refused, std::size_t re
     return page.str();
 }
 
-TEST(Everyday, NoUnitIsSilentlyWrongInAnyOrder) {
+TEST(ReadingCollisions, NoUnitIsSilentlyWrongInAnyOrder) {
     ASSERT_GE(everyday().size(), 500U);
     std::map<std::size_t, Refused> refused;
     std::size_t refusals = 0;
@@ -166,7 +166,7 @@ TEST(Everyday, NoUnitIsSilentlyWrongInAnyOrder) {
             ++refusals;
         }
     }
-    ASSERT_GT(refusals, 0U) << "collisions belong to the library; not to find any is a fault";
+    ASSERT_GT(refusals, 0U) << "the library has collisions, so the test must find some";
     const std::string page = pageOf(refused, refusals);
     if (std::getenv("MENSOR_UPDATE_DOCS") != nullptr) {
         std::ofstream(MENSOR_DOCS "/collisions-everyday.md") << page;
@@ -174,12 +174,12 @@ TEST(Everyday, NoUnitIsSilentlyWrongInAnyOrder) {
     EXPECT_EQ(test::document("collisions-everyday.md"), page);
 }
 
-TEST(Everyday, CoversTheFourFields) {
+TEST(EverydayTable, CoversFourFields) {
     std::map<std::string, int> fields;
     std::set<std::string> texts;
     for (const Expression& expression : everyday()) {
         ++fields[expression.Field];
-        EXPECT_TRUE(texts.insert(expression.Text).second) << expression.Text << " stands twice";
+        EXPECT_TRUE(texts.insert(expression.Text).second) << expression.Text << " occurs twice";
     }
     EXPECT_EQ(fields.size(), 4U);
     for (const auto& [field, count] : fields) {
@@ -187,8 +187,8 @@ TEST(Everyday, CoversTheFourFields) {
     }
 }
 
-// Two computations that share nothing: the script behind the table, and Mathematics.h.
-TEST(Everyday, MeansTheSameByAnotherCalculation) {
+// Two independent computations: the script that made the table, and Mathematics.h.
+TEST(EverydayTable, AgreesWithAnIndependentComputation) {
     for (const Expression& expression : everyday()) {
         const Quantity other = test::calculated(expression.Text);
         EXPECT_TRUE(areSame(other, expression.Meaning))
