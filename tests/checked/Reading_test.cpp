@@ -119,7 +119,7 @@ TEST(Reading, ReadsDifferencesByOptionWithANote) {
 }
 
 TEST(Reading, ThePageShowsEveryRefusal) {
-    std::set<std::string> shown = {"TOO_LONG", "REFUSED_BY_LIBRARY"};  // shown in prose
+    std::set<std::string> shown = {"TOO_LONG", "REFUSED_BY_LIBRARY"};  // the page has no row for these
     for (const auto& head : {"Written", "Value"}) {
         for (const auto& table : documentTables(Page, {head, "At", "Code", "Because"})) {
             for (const Row& row : table) {
@@ -134,6 +134,7 @@ TEST(Reading, ThePageShowsEveryRefusal) {
     const std::string page = test::document(Page);
     EXPECT_THAT(page, HasSubstr("TOO_LONG"));
     EXPECT_THAT(page, HasSubstr("REFUSED_BY_LIBRARY"));
+    EXPECT_THAT(page, HasSubstr("LIMIT_REACHED"));
 }
 
 TEST(Reading, EverySuggestedTextIsRead) {
