@@ -1,5 +1,5 @@
-// catalogue.js: the converter of the catalogue's page. The numbers are the library's: UNITS (units.js)
-// holds, for every name, factor and offset to the dimension, as the library gave them.
+// catalogue.js: the converter on the page of the catalogue. For each name, UNITS (units.js) has the factor and
+// the offset to the dimension, which the library has computed.
 //
 // ?convert=2.5+km in the address fills the boxes.
 "use strict";
@@ -13,7 +13,7 @@ function convertAll(value, unit) {
         }));
 }
 
-// Fourteen digits: what rounding may have spoiled stays out of sight.
+// Shows fourteen digits. Rounding may have changed the later ones.
 function shown(value) {
     return String(Number(value.toPrecision(14)));
 }

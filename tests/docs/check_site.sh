@@ -17,7 +17,7 @@ dom() {
         sed 's/<tr/\n<tr/g; s/<\/tr>/<\/tr>\n/g'
 }
 
-# Links: every linked file exists, and every linked place in a page.
+# Links: each linked file exists, and each linked place in a page.
 for page in "$site"/*.html; do
     grep -oE '(href|src)="[^"]*"' "$page" | sed 's/^[^"]*"//; s/"$//' | sort -u |
         while read -r link; do

@@ -1,7 +1,7 @@
 #!/bin/sh
-# Checks that the headers say for every exported class and function which threads may use it: any thread;
-# any thread, locks something; caller serialises. For a class, that is in its "Class contract:", for a
-# function in its "@par Threads", in that of its group, or in "// Threads:" of the file.
+# Checks that the headers say which threads may use each exported class and function: any thread; any thread,
+# locks something; caller serialises. For a class, the "Class contract:" says it. For a function, its "@par
+# Threads" says it, or that of its group, or the "// Threads:" of the file.
 #
 # usage: check_threads.sh SOURCE_FOLDER
 awk '

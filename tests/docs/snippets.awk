@@ -1,17 +1,16 @@
-# snippets.awk: the C++ of a page made into programs, and what the page says they print.
+# snippets.awk: makes programs from the C++ code of a page, and a file with the output that the page shows.
 #
 #     awk -v page=tutorial.md -v out=FOLDER/tutorial -f snippets.awk tutorial.md
 #
-# A ```cpp block with a main() becomes a program of its own, FOLDER/tutorial-LINE.cpp, word for word.
-# Each other block becomes a function in a source of its own, FOLDER/tutorial_LINE.cpp, which includes
-# what the block includes and nothing else before it (see snippet.h); FOLDER/tutorial.cpp lists them.
-# FOLDER/tutorial.list names the blocks in order. A ```text block is what the C++ block before it prints;
-# FOLDER/tutorial.expected holds what all of them print.
+# A ```cpp block with a main() becomes a program of its own, FOLDER/tutorial-LINE.cpp, without changes. Each
+# other block becomes a function in a source of its own, FOLDER/tutorial_LINE.cpp, which first includes what the
+# block includes (see snippet.h); FOLDER/tutorial.cpp lists the functions. FOLDER/tutorial.list names the blocks
+# in order. A ```text block shows the output of the C++ block before it; FOLDER/tutorial.expected contains the
+# output of all blocks.
 #
-# In a function, a line "EXPRESSION;  // RESULT" is checked, too: the result is a number, a text in
-# quotes, true or false, behind which a comma or colon may begin a remark. A line "EXPRESSION;" before
-# a line "// throws CLASS: MESSAGE" is checked in the same way. In errors.md, that message is the
-# heading of its section.
+# In a function, a line "EXPRESSION;  // RESULT" is also checked. The result is a number, a text in quotes, true
+# or false; a comma or colon after it begins a remark. A line "EXPRESSION;" before a line
+# "// throws CLASS: MESSAGE" is checked in the same way. In errors.md, that message is the heading of its section.
 
 function checked(line, at,   expression, result) {
     if (!match(line, /;  *\/\/ /) || line ~ /^ *(using|return|class|struct|const|auto|std::cout) /)

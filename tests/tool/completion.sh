@@ -1,8 +1,8 @@
 #!/bin/bash
 # usage: completion.sh COMPLETION MANUAL COMMAND...    COMMAND is mensor.
 #
-# Bash completes commands, options, packs and units; and completion, manual and help name the same
-# options.
+# Tests that Bash completes commands, options, packs and units, and that the completion, the manual and the help
+# have the same options.
 set -u
 . "$1"
 manual=$2
@@ -15,7 +15,7 @@ trap 'rm -f "$program"' EXIT
 { echo '#!/bin/sh'; printf "exec"; printf " '%s'" "$@"; echo ' "$@"'; } > "$program"
 chmod +x "$program"
 
-# What the words, of which the last is unfinished, are completed to.
+# Prints the completions of the last word.
 completed() {
     COMP_WORDS=(mensor "$@")
     COMP_CWORD=$#

@@ -1,7 +1,7 @@
 #!/bin/bash
 # usage: everyday.sh TABLE PACKS COMMAND...    COMMAND is mensor, TABLE has a unit before its first tab.
 #
-# No pack makes a unit of everyday collide: what is refused with all of them is refused without.
+# Tests that no pack collides with an everyday unit: the same texts are refused with all packs and without them.
 set -eu
 table=$1 packs=$2
 shift 2

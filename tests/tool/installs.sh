@@ -1,7 +1,7 @@
 #!/bin/bash
 # usage: installs.sh CMAKE BUILD STAGE BINDIR MANDIR DATADIR
 #
-# The component mensor-tools brings the program with its manual and its completion.
+# Tests that the component mensor-tools installs the program, its manual and its completion.
 set -eu
 rm -rf "$3"
 "$1" --install "$2" --component mensor-tools --prefix "$3" > /dev/null

@@ -25,7 +25,7 @@ def text(i):
 
 def most_memory(lines):
     """The most memory that the program has taken when it has answered so many lines, in kB."""
-    # What a sanitizer keeps of freed memory is none of the program's.
+    # A sanitizer keeps freed memory. That is not memory of the program.
     sanitizer = os.environ.get("ASAN_OPTIONS", "") + ":quarantine_size_mb=1"
     program = subprocess.Popen(
         sys.argv[1:] + ["convert", "-", "m/s"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,

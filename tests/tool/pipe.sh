@@ -1,14 +1,14 @@
 #!/bin/bash
 # usage: pipe.sh COMMAND...    COMMAND is mensor.
 #
-# A pipe is answered line by line, and a long one shows on a terminal how far it is.
+# Tests that each line of a pipe is answered at once, and that a long pipe shows its progress on a terminal.
 set -u
 export MENSOR_COMMAND
 MENSOR_COMMAND=$(printf '%q ' "$@")
 failed=0
 fail() { echo "FAILED: $1"; failed=1; }
 
-# An answer comes before the next question is asked.
+# Reads the answer to a line before it writes the next line.
 coproc ANSWERS { "$@" convert - m; }
 echo "1 km" >&"${ANSWERS[1]}"
 read -r -t 60 -u "${ANSWERS[0]}" answer && [ "$answer" = "1 km = 1000 m" ] ||
@@ -19,7 +19,7 @@ wait
 slowly='(echo 1 km; sleep 1.5; echo x; sleep 1.5; echo 2 km)'
 on_a_terminal() { script -qec "bash -c '$1'" /dev/null < /dev/null; }
 
-# Where the program starts late, it comes with the third line.
+# If the program starts slowly, the progress appears with the third line.
 shown=$(on_a_terminal "$slowly | $MENSOR_COMMAND convert - m > /dev/null")
 [[ $shown == *$'\r\e[K'[23]' lines, 1 refused'* ]] || fail "no progress on a terminal: $(printf %q "$shown")"
 [[ $shown == *$'\r\e[K' ]] || fail "the progress stays at the end: $(printf %q "$shown")"

@@ -1,14 +1,14 @@
 #!/bin/bash
 # usage: registry.sh COMMAND...    COMMAND is mensor.
 #
-# Only audit and --library load the library with the registry.
+# Tests that only audit and --library load the library with the registry.
 set -u
 failed=0
 fail() { echo "FAILED: $1"; failed=1; }
 
 command=("$@")
 
-# The files of the libraries that the command loads. The loader tells them in debug mode.
+# Prints the files of the libraries that the command loads. The loader lists them in debug mode.
 files() {
     LD_DEBUG=files "${command[@]}" "$@" 2>&1 < /dev/null |
         sed -n 's|.*calling init: \(/.*/libmensor[a-z_]*\.so[.0-9]*\)$|\1|p' | sort -u
@@ -39,7 +39,7 @@ for words in 'audit units.txt' 'explain --library km'; do
     [[ $got == *'libmensor '* ]] || fail "mensor $words does not load the registry: $got"
 done
 
-# The program and its two libraries alone convert, and say that they cannot audit.
+# Copies the program and its two libraries. They convert without the registry, and report that they cannot audit.
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 # shellcheck disable=SC2046

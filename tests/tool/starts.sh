@@ -1,8 +1,8 @@
 #!/bin/sh
 # usage: starts.sh CMAKE BUILD STAGE LIBDIR [EMULATOR...]
 #
-# Installed in STAGE, and moved elsewhere, everything works without further steps: the tool starts, and
-# the libraries find each other.
+# Installs everything in STAGE and moves it. Tests that it works without further steps: the tool starts, and the
+# libraries find each other.
 set -eu
 cmake=$1 build=$2 stage=$3 libdir=$4
 shift 4
@@ -17,7 +17,7 @@ works() {
         found=$(ldd "$library")
         case $found in *"not found"*) echo "$library: $found"; exit 1 ;; esac
     done
-    # Not those of the build, which are still there.
+    # They must not be the libraries of the build, which still exist.
     ldd "$prefix/bin/mensor" | grep libmensor | grep -vF "$prefix" && exit 1
     true
 }

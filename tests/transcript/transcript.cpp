@@ -1,12 +1,12 @@
-// transcript.cpp: what the libraries answer, as text that is the same on every platform.
+// transcript.cpp: prints results of the libraries as a text that is the same on every platform.
 //
 // usage: transcript             all sections
-//        transcript SECTION...  these; what they print does not depend on the others
-//        transcript --sums      of each section the checksum, the number of lines and the name
+//        transcript SECTION...  these sections; the output of a section does not depend on the others
+//        transcript --sums      the checksum, the number of lines and the name of each section
 //
-// Doubles are printed as their bits. Only what went through the math library's pow(), whose last place
-// differs between platforms, is rounded to 15 digits; so what a section prints rounded must not decide
-// anything else in it. A NaN is printed as such: its sign differs, too.
+// Doubles are printed as their bits. Only results of the math library's pow() are rounded to 15 digits, because
+// their last digit differs between platforms. Nothing else in a section may depend on such a result. A NaN is
+// printed without its sign, which also differs.
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -68,7 +68,7 @@ const double Samples[] = {0.0,
                           std::numeric_limits<double>::quiet_NaN()};
 constexpr std::size_t SampleCount = sizeof Samples / sizeof *Samples;
 
-// How things are printed.
+// Printing.
 
 std::string bits(double x) {
     if (std::isnan(x)) {
@@ -90,7 +90,7 @@ std::string rounded(double x) {
     return digits;
 }
 
-// On one line, whatever is in it.
+// Returns the text on one line.
 std::string quoted(const std::string& text) {
     std::string result = "\"";
     for (const char c : text) {
@@ -114,7 +114,7 @@ std::string formatted(const CUnitFormatPtr& format, const CUnitPtr& unit) {
     return outcome == "returned" ? text : outcome;
 }
 
-// All there is to a unit but its conversions.
+// Prints everything about a unit except its conversions.
 std::string described(const CUnitPtr& unit) {
     if (!unit) {
         return "no unit";
@@ -133,7 +133,7 @@ std::string read(const string_t& text) {
     return outcome == "returned" ? described(unit) : quoted(outcome);
 }
 
-// The same numbers everywhere.
+// Random numbers that are the same on every platform.
 class Random {
 public:
     unsigned below(std::size_t count) {
@@ -145,7 +145,8 @@ private:
     std::uint32_t m_State = 20240719;
 };
 
-// Names and what the parsers tell apart between them, now and then torn.
+// Returns a random text of names, and of signs that the parsers distinguish. Some texts are cut inside a
+// character.
 std::string randomText(Random& random, const std::vector<std::string>& names) {
     static const std::vector<std::string> Pieces = {
         "·",  "*",        "/",    " ",    "^2",   "^-1",  "^1:2", "-1",   "²",      "³",
@@ -205,8 +206,7 @@ void catalogue(std::ostream& out) {
     }
 }
 
-// Every unit to its system unit and back: the catalogue multiplies and adds, and raises nothing but 1
-// to a power.
+// Converts every unit to its system unit and back. The catalogue multiplies and adds, and raises only 1 to powers.
 void conversions(std::ostream& out) {
     for (const auto& [id, unit] : unitsById()) {
         const CUnitPtr system = unit->getSystemUnit();
@@ -224,7 +224,7 @@ void conversions(std::ostream& out) {
     }
 }
 
-// Every compatible pair.
+// Converts between every pair of compatible units.
 void pairs(std::ostream& out) {
     const std::map<int, CUnitPtr> units = unitsById();
     for (const auto& [id, from] : units) {
@@ -238,7 +238,7 @@ void pairs(std::ostream& out) {
     }
 }
 
-// What is registered here takes its id and text from the order in which it is made.
+// The ids and texts of new units depend on the order in which they are made.
 void algebra(std::ostream& out) {
     std::vector<CUnitPtr> units;
     for (const auto& [symbol, unit] : CUnit::symbols()) {
@@ -268,7 +268,7 @@ void algebra(std::ostream& out) {
     }
 }
 
-// Powers, roots and products of scaled units: the one place where the math library computes factors.
+// Powers, roots and products of scaled units. Only here, the math library computes factors.
 void powers(std::ostream& out) {
     const std::map<int, CUnitPtr> units = unitsById();
     CUnitPtr former = SI::Meter();
@@ -413,7 +413,7 @@ void values(std::ostream& out) {
     })) << '\n';
 }
 
-// The companion: what it reads, and what it says of what it refuses.
+// The companion: the units that it reads, and the messages of its refusals.
 void companion(std::ostream& out) {
     const std::vector<std::string> names = namesOfUnits();
     Random random;
@@ -469,13 +469,13 @@ void print(const Section& section, bool sumOnly) {
     std::cout << sum << section.Name << '\n';
 }
 
-// Each section in a process of its own, as fresh as the first: what is registered stays.
+// Runs each section in a new process, because registered units stay.
 bool printApart(const Section& section, bool sumOnly) {
     std::cout.flush();
     const pid_t child = forkAtRest();
     if (child == 0) {
         print(section, sumOnly);
-        _exit(std::cout.flush() ? 0 : 1);  // the parent's threads, which exit() ends, are not here
+        _exit(std::cout.flush() ? 0 : 1);  // exit() would wait for threads that only the parent process has
     }
     int status = 1;
     return child > 0 && waitpid(child, &status, 0) == child && status == 0;
