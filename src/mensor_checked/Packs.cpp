@@ -162,16 +162,16 @@ const std::vector<CRefusedUnit>& refusedUnits() {
     static const std::vector<CRefusedUnit>& Units = *new std::vector<CRefusedUnit>{
         {ePack::SCIENCE, "Da_2022", 1.66053906892e-27, "kg", 0, "Da",
          "the dalton of CODATA 2022 differs from that of the SI brochure in the tenth digit, and "
-         "identity keeps seven"},
+         "the identity includes only seven"},
         {ePack::OFFSETS, "°R", 5.0 / 9.0, "K", 0, "°F",
-         "the degree Rankine has the size of the degree Fahrenheit and its zero at 0 K; identity "
-         "ignores the zero"},
+         "the degree Rankine has the size of the degree Fahrenheit; the identity does not include "
+         "its zero at 0 K"},
         {ePack::OFFSETS, "K_w", 1.0, "K", 273.16, "°C",
-         "a second scale in kelvins, from another zero, is the degree Celsius"},
+         "a unit of the size of the kelvin with any offset is the degree Celsius"},
         {ePack::OFFSETS, "bar_p", 1e5, "Pa", 101325.0, "bar",
-         "on the pascal, the bar from another zero is the bar"},
+         "built on the pascal, a bar with an offset is the bar"},
         {ePack::OFFSETS, "bar_b", 1e5, "kg/(m·s²)", 100000.0, "bar_g",
-         "a bar above 1 bar instead of 1 atm is the bar_g"},
+         "a gauge pressure that counts from 1 bar is the bar_g, which counts from 1 atm"},
     };
     return Units;
 }

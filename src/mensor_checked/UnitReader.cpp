@@ -98,7 +98,7 @@ private:
     }
 
     static std::string wordsOnDifference(const CFactor& factor, const CUnitPtr& difference) {
-        return !difference ? "its differences have no unit here"
+        return !difference ? "there is no unit for its differences"
                : difference == factor.Unit
                    ? "the option Differences (--differences) reads it as a difference"
                    : "for differences write " + describe(difference);

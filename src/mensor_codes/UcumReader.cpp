@@ -184,7 +184,7 @@ public:
     bool read() {
         if (m_Text.size() > exact::LongestText) {
             return refuse(eRefusal::TOO_LONG, {0, 0},
-                          "a text of more than 4096 bytes is no code of UCUM");
+                          "a code of UCUM has at most 4096 bytes");
         }
         if (m_Text.empty()) {
             return refuse(eRefusal::EMPTY, {0, 0}, "the text is empty; the unit one is \"1\"");

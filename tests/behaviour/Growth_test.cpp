@@ -1,5 +1,4 @@
-// Growth_test.cpp: the memory that units from texts need: that of the units, and nothing that grows
-// with the number of all units.
+// Growth_test.cpp: a unit from a text needs a bounded amount of memory, however many units there are.
 //
 // The operator new of this program counts the bytes, including those of the library.
 #include <gmock/gmock.h>

@@ -402,7 +402,7 @@ TEST(Reading, RefusesFahrenheitInProductsIfItsConverterIsNotLinear) {
     CUnitFormat::label(CTransformedUnit::getInstance(SI::Kelvin(), converter), "°F");
     EXPECT_EQ(refusalOf("J/°F", differences()), eRefusal::OFFSET_IN_PRODUCT);
     EXPECT_THAT(tryReadUnit("J/°F").Refusal->Sentence,
-                HasSubstr("its differences have no unit here"));
+                HasSubstr("there is no unit for its differences"));
 }
 
 TEST(Reading, RefusesMCelsiusInProductsWhereMCouldBeTheMetre) {

@@ -391,7 +391,7 @@ TEST(Ucum, SaysWhatIsWrongWithAText) {
         EXPECT_EQ(messageOn(text), message) << text;
     }
     EXPECT_EQ(messageOn(std::string(5000, 'm')),
-              "a text of more than 4096 bytes is no code of UCUM");
+              "a code of UCUM has at most 4096 bytes");
     EXPECT_EQ(messageOn(std::string(65, '(')), "brackets are nested more than 64 deep");
     EXPECT_THROW(read("foo"), exact::CReadError);
     EXPECT_THROW(read("[pH]"), exact::CReadError);

@@ -24,8 +24,8 @@ void addPacks(const std::string& names, std::vector<ePack>& packs) {
 mensor::codes::eSystem systemOf(const std::string& name) {
     const auto system = mensor::codes::systemNamed(name);
     if (!system) {
-        throw CUsageError("there is no system of codes " + quoted(name) +
-                          "; there are unece, opcua, ucum, senml and opentelemetry");
+        throw CUsageError("unknown system of codes " + quoted(name) +
+                          "; the systems are unece, opcua, ucum, senml and opentelemetry");
     }
     return *system;
 }

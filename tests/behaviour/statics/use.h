@@ -6,7 +6,7 @@
 /// an answer is wrong.
 void useEverything();
 
-/// Whether the first use is to be at this moment.
+/// Returns whether to use the objects now.
 bool isFirst(const char* moment);
 
 #endif  // MENSOR_TESTS_STATICS_USE_H
