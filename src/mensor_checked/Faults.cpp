@@ -59,8 +59,8 @@ std::optional<CFault> faultOf(const CUnitPtr& unit, const CMeaning& meaning) {
     CMeaning expected = meaning;
     if (const auto other = mapped(meaning)) {
         expected = *other;
-        given.Zero = given.ZeroSize =
-            0.0;  // how offsets pass through a mapping is up to the client
+        // How an offset passes through a mapping is up to the client.
+        given.Zero = given.ZeroSize = 0.0;
     }
     const bool isDimensionRight = expected.isCompatibleWith(*target);
     if (isDimensionRight && converts(given, expected, *target)) {

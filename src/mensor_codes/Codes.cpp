@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <utility>
 
-#include "mensor_codes/Sources.h"
 #include "mensor_codes/System.h"
 
 namespace mensor::codes {
@@ -36,21 +35,6 @@ std::vector<const char*> othersWith(const CRefusal& refusal) {
     return names;
 }
 
-bool differInCaseOnly(std::string_view a, std::string_view b) {
-    const auto lower = [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    };
-    if (a.size() != b.size() || a == b) {
-        return false;
-    }
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        if (lower(a[i]) != lower(b[i])) {
-            return false;
-        }
-    }
-    return true;
-}
-
 // Returns '"DZP" (dozen pack) has no exact meaning: how much is in one must be agreed'.
 std::string meaningless(const CCode& code, const std::string& reason) {
     std::string sentence = quoted(code.Code);
@@ -68,43 +52,6 @@ std::string meaningless(const CCode& code, const std::string& reason) {
 bool isRefused(const std::optional<CCode>& code) { return code && code->Definition.empty(); }
 
 }  // namespace
-
-#define MENSOR_SOURCE(id, text) \
-    case eSource::id:           \
-        return text;
-#define MENSOR_REASON(id, text) MENSOR_SOURCE(id, text)
-std::string_view textOf(eSource source) {
-    switch (source) {
-#include "mensor_codes/sources.def"
-    }
-    return {};
-}
-#undef MENSOR_SOURCE
-#undef MENSOR_REASON
-
-std::vector<std::string> CSystem::suggestions(std::string_view token) const {
-    std::vector<std::string> codes;
-    forEach([&](const CCode& code) {
-        if (differInCaseOnly(code.Code, token)) {
-            codes.push_back(code.Code);
-        }
-        return true;
-    });
-    return codes;
-}
-
-std::vector<std::string> CSystem::readings(const CRefusal& /*refusal*/) const { return {}; }
-
-const CSystem& systemOf(eSystem system) {
-    switch (system) {
-        case eSystem::UNECE: return unece();
-        case eSystem::OPCUA: return opcUa();
-        case eSystem::UCUM: return ucum();
-        case eSystem::SENML: return senml();
-        case eSystem::OPENTELEMETRY: return openTelemetry();
-    }
-    return unece();
-}
 
 const char* shortNameOf(eSystem system) {
     switch (system) {
