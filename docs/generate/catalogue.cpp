@@ -94,7 +94,7 @@ std::vector<NonSiRow> nonSiRows() {
          "0.01 rad; it takes the place of the label crad"},
         {"Grade", NonSI::Grade(), PI / 200, "NIST SP 811, the gon: π/200 rad"},
         {"Byte", NonSI::Byte(), 8, "IEC 80000-13"},
-        {"Octet", NonSI::Octet(), 8, "the very object of the byte"},
+        {"Octet", NonSI::Octet(), 8, "the same object as the byte"},
         {"Atmosphere", NonSI::Atmosphere(), 101325, "10th CGPM (1954), resolution 4"},
         {"Bar", NonSI::Bar(), 100000, "NIST SP 811"},
         {"Psi", NonSI::Psi(), 0.45359237 * 9.80665 / (0.0254 * 0.0254),

@@ -269,8 +269,7 @@ private:
         const std::string end = from(unit.End);
         CDiagnosis diagnosis = exact::diagnose(
             eRefusal::STRAY_NUMBER, m_Line, {word, unit.End},
-            "a number behind a unit may be an exponent or a zero; a zero of its own is written "
-            "behind \", zero at\"");
+            "a number after a unit may be an exponent or a zero; write a zero after \", zero at\"");
         diagnosis.Readings = {
             concatenate({begin, ", zero at ", sign, number, " ", rest.of(m_Line), end})};
         const bool isWhole = std::all_of(number.begin(), number.end(), isDigit);

@@ -343,7 +343,7 @@ TEST(Packs, APackIsRefusedIfAUnitHasTheSameFactorInSinglePrecision) {
         EXPECT_THAT(e.what(), HasSubstr("the pack \"customary\" is refused for its unit \"ft\": "));
         EXPECT_EQ(e.inTheWay(), almost);
     }
-    EXPECT_EQ(CUnitFormat::unitFor("in"), nullptr) << "a name was left behind";
+    EXPECT_EQ(CUnitFormat::unitFor("in"), nullptr) << "a name stayed";
     EXPECT_EQ(text(CUnitFormat::labelFor(almost)), "qft");
 }
 
@@ -356,9 +356,9 @@ TEST(Packs, APackIsRefusedIfANameHasAnotherMeaning) {
         EXPECT_THAT(e.what(), HasSubstr("for its unit \"G\": the name \"G\" belongs to \"T\""));
         EXPECT_EQ(e.inTheWay(), tesla);
     }
-    EXPECT_EQ(CUnitFormat::unitFor("eV"), nullptr) << "a name was left behind";
+    EXPECT_EQ(CUnitFormat::unitFor("eV"), nullptr) << "a name stayed";
     EXPECT_EQ(text(CUnitFormat::labelFor(CUnit::fromString("Mg"))), "Mg");
-    EXPECT_EQ(CUnitFormat::unitFor("t"), nullptr) << "an alias was left behind";
+    EXPECT_EQ(CUnitFormat::unitFor("t"), nullptr) << "an alias stayed";
 }
 
 TEST(Packs, ARefusedPackCanBeRegisteredOnceTheNameIsFree) {
