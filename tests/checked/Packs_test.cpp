@@ -401,7 +401,7 @@ std::string rowOfDocs(const CPackUnit& row) {
     std::ostringstream line;
     line << "| `" << row.Symbol << "` | ";
     if (row.IsAlternate) {
-        line << "stands for " << row.Unit;
+        line << "alternate unit of " << row.Unit;
     } else {
         line << row.Definition;
     }
