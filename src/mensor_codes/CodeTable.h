@@ -1,7 +1,7 @@
 // CodeTable.h: a table of codes and their meanings as constant data. For the library's own use; not
 // installed.
 //
-// A table is a file of rows (unece.def, senml.def, ucum.def). table.inc makes the constants Texts and Lengths
+// A table is a file of rows (unece.def, senml.def, ucum.def). table.def makes the constants Texts and Lengths
 // from it.
 //
 // The compiler evaluates the definitions and stores each different factor and product of base units once.

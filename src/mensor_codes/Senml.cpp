@@ -5,7 +5,7 @@ namespace mensor::codes {
 namespace {
 
 #define MENSOR_TABLE "mensor_codes/senml.def"
-#include "mensor_codes/table.inc"
+#include "mensor_codes/table.def"
 
 constexpr CTableSystem<CTable, eSystem::SENML> System("SenML", "{} is no code of SenML");
 

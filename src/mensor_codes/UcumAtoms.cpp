@@ -7,7 +7,7 @@ namespace mensor::codes {
 namespace {
 
 #define MENSOR_TABLE "mensor_codes/ucum.def"
-#include "mensor_codes/table.inc"
+#include "mensor_codes/table.def"
 
 constexpr bool TakesPrefixes[] = {
 #define MENSOR_CODE(code, definition, symbol, name, source, same, note) false,
