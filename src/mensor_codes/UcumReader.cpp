@@ -183,8 +183,7 @@ public:
     // Returns false if the text is refused. The product is then unspecified.
     bool read() {
         if (m_Text.size() > exact::LongestText) {
-            return refuse(eRefusal::TOO_LONG, {0, 0},
-                          "a code of UCUM has at most 4096 bytes");
+            return refuse(eRefusal::TOO_LONG, {0, 0}, "a code of UCUM has at most 4096 bytes");
         }
         if (m_Text.empty()) {
             return refuse(eRefusal::EMPTY, {0, 0}, "the text is empty; the unit one is \"1\"");

@@ -119,7 +119,8 @@ TEST(Reading, ReadsDifferencesByOptionWithANote) {
 }
 
 TEST(Reading, ThePageShowsEveryRefusal) {
-    std::set<std::string> shown = {"TOO_LONG", "REFUSED_BY_LIBRARY"};  // the page has no row for these
+    std::set<std::string> shown = {"TOO_LONG",
+                                   "REFUSED_BY_LIBRARY"};  // the page has no row for these
     for (const auto& head : {"Written", "Value"}) {
         for (const auto& table : documentTables(Page, {head, "At", "Code", "Because"})) {
             for (const Row& row : table) {

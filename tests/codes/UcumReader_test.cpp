@@ -390,8 +390,7 @@ TEST(Ucum, SaysWhatIsWrongWithAText) {
     for (const auto& [text, message] : texts) {
         EXPECT_EQ(messageOn(text), message) << text;
     }
-    EXPECT_EQ(messageOn(std::string(5000, 'm')),
-              "a code of UCUM has at most 4096 bytes");
+    EXPECT_EQ(messageOn(std::string(5000, 'm')), "a code of UCUM has at most 4096 bytes");
     EXPECT_EQ(messageOn(std::string(65, '(')), "brackets are nested more than 64 deep");
     EXPECT_THROW(read("foo"), exact::CReadError);
     EXPECT_THROW(read("[pH]"), exact::CReadError);

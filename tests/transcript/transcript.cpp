@@ -475,7 +475,9 @@ bool printApart(const Section& section, bool sumOnly) {
     const pid_t child = forkAtRest();
     if (child == 0) {
         print(section, sumOnly);
-        _exit(std::cout.flush() ? 0 : 1);  // exit() would wait for threads that only the parent process has
+        _exit(std::cout.flush()
+                  ? 0
+                  : 1);  // exit() would wait for threads that only the parent process has
     }
     int status = 1;
     return child > 0 && waitpid(child, &status, 0) == child && status == 0;
