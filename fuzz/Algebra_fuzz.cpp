@@ -14,13 +14,13 @@
 #include <vector>
 
 #include "Input.h"
-#include "Property.h"
-#include "UnitTexts.h"
 #include "mensor/AddConverter.h"
 #include "mensor/MultiplyConverter.h"
 #include "mensor/SI.h"
 #include "mensor/TransformedUnit.h"
 #include "mensor/mensor_math.h"
+#include "property.h"
+#include "unit_texts.h"
 
 using namespace mensor;
 

@@ -6,9 +6,9 @@
 #include <string>
 
 #include "Input.h"
-#include "Property.h"
 #include "mensor_checked/Reading.h"
 #include "mensor_checked/Values.h"
+#include "property.h"
 #include "support/Mathematics.h"
 
 using namespace mensor;

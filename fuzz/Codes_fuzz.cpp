@@ -7,9 +7,9 @@
 #include <string>
 
 #include "Input.h"
-#include "Property.h"
 #include "mensor_codes/Codes.h"
 #include "mensor_codes/OpcUa.h"
+#include "property.h"
 
 using namespace mensor;
 using codes::eSystem;

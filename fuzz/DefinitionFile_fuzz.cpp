@@ -13,9 +13,9 @@
 #include <vector>
 
 #include "Input.h"
-#include "Property.h"
 #include "mensor_exact/DefinitionFile.h"
 #include "mensor_exact/Reading.h"
+#include "property.h"
 #include "support/Mathematics.h"
 
 using namespace mensor;

@@ -14,11 +14,11 @@
 #include <vector>
 
 #include "Input.h"
-#include "Property.h"
-#include "UnitTexts.h"
 #include "mensor/AlternateUnit.h"
 #include "mensor/BaseUnit.h"
 #include "mensor/SI.h"
+#include "property.h"
+#include "unit_texts.h"
 
 using namespace mensor;
 using mensor::fuzz::require;

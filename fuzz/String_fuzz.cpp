@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "Input.h"
-#include "Property.h"
 #include "mensor/utf8_string.h"
+#include "property.h"
 #include "support/Outcome.h"
 
 using namespace mensor;

@@ -6,9 +6,9 @@
 #include <string>
 
 #include "Input.h"
-#include "Property.h"
 #include "codes/UcumGrammar.h"
 #include "mensor_codes/Codes.h"
+#include "property.h"
 
 using namespace mensor;
 using codes::eSystem;

@@ -7,9 +7,9 @@
 #include <string>
 
 #include "Input.h"
-#include "Property.h"
-#include "UnitTexts.h"
 #include "mensor/Unit.h"
+#include "property.h"
+#include "unit_texts.h"
 
 using namespace mensor;
 

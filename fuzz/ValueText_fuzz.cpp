@@ -15,9 +15,9 @@
 #include <string>
 
 #include "Input.h"
-#include "Property.h"
-#include "UnitTexts.h"
 #include "mensor/ValueWithUnit.h"
+#include "property.h"
+#include "unit_texts.h"
 
 using namespace mensor;
 using mensor::fuzz::require;

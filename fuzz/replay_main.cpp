@@ -16,8 +16,8 @@
 #include <string>
 #include <vector>
 
-#include "Property.h"
 #include "mensor/Unit.h"
+#include "property.h"
 #include "support/Invariants.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);

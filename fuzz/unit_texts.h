@@ -1,13 +1,13 @@
-// UnitTexts.h: the properties of reading and writing units, for several fuzzers.
-#ifndef MENSOR_FUZZ_UNITTEXTS_H
-#define MENSOR_FUZZ_UNITTEXTS_H
+// unit_texts.h: the properties of reading and writing units, for several fuzzers.
+#ifndef MENSOR_FUZZ_UNIT_TEXTS_H
+#define MENSOR_FUZZ_UNIT_TEXTS_H
 
 #include <cstddef>
 #include <string>
 
-#include "Property.h"
 #include "mensor/Unit.h"
 #include "mensor/UnitFormat.h"
+#include "property.h"
 #include "support/Notation.h"
 #include "support/Outcome.h"
 
@@ -82,4 +82,4 @@ inline void checkWriting(const CUnitPtr& unit) {
 
 }  // namespace mensor::fuzz
 
-#endif  // MENSOR_FUZZ_UNITTEXTS_H
+#endif  // MENSOR_FUZZ_UNIT_TEXTS_H

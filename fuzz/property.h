@@ -1,4 +1,4 @@
-// Property.h: how a fuzzer reports a broken property, and the properties that all fuzzers check.
+// property.h: how a fuzzer reports a broken property, and the properties that all fuzzers check.
 #ifndef MENSOR_FUZZ_PROPERTY_H
 #define MENSOR_FUZZ_PROPERTY_H
 
