@@ -16,7 +16,8 @@ const CLoops* const Avx512[] = {&Avx512Loops, &Avx2Loops, &PlainLoops, nullptr};
 
 bool hasAll(unsigned bits, unsigned wanted) { return (bits & wanted) == wanted; }
 
-// __builtin_cpu_supports() would ask for every feature there is, whenever the library is loaded.
+// Asks the processor for the few features that matter. __builtin_cpu_supports() would ask for all
+// features, and do so whenever the library is loaded.
 const CLoops* const* askProcessor() {
     unsigned a = 0;
     unsigned b = 0;
@@ -25,7 +26,7 @@ const CLoops* const* askProcessor() {
     if (__get_cpuid(1, &a, &b, &c, &d) == 0 || !hasAll(c, bit_OSXSAVE | bit_FMA)) {
         return Plain;
     }
-    // The system may not save the wide registers of a thread.
+    // The registers of the vectors that the operating system saves for each thread.
     constexpr unsigned Ymm = 0x06;
     constexpr unsigned Zmm = 0xE6;
     unsigned saved = 0;
