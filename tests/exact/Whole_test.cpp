@@ -92,7 +92,8 @@ TEST(Whole, QuotientsAndRestsAreThoseOfGmp) {
     }
 }
 
-// Dividends and divisors next to powers of 2^64. For these the guesses of the words are often too large.
+// Dividends and divisors next to powers of 2^64. A division that guesses each word often guesses too
+// much for them.
 TEST(Whole, QuotientsAreRightIfTheFirstGuessIsTooLarge) {
     const mpz_class word = mpz_class(1) << 64;
     const mpz_class half = mpz_class(1) << 63;
