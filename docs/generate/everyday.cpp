@@ -1,6 +1,6 @@
 // everyday.cpp: the tables of docs/everyday.md, from those of the library.
 //
-//     everyday spellings | words | traps | notes | refusals
+//     everyday spellings | words | traps | notes | refusals | forms
 #include <cstring>
 #include <iostream>
 #include <string>
@@ -64,26 +64,44 @@ void words() {
 // A text that has the trap in it.
 std::string exampleOf(const CTrap& trap) {
     const std::string text(trap.text());
+    const std::string behind(trap.behind());
     switch (trap.Place) {
         case ePlace::DEGREE: return "20° " + text;
         case ePlace::PRESSURE: return "5 bar " + text;
         case ePlace::ELECTRIC: return "230 V " + text;
-        case ePlace::MASS: return "50 mg " + text + "/l";
+        case ePlace::MASS:
+        case ePlace::MASS_PER: return "50 mg " + text + "/l";
         case ePlace::PERCENT: return "50 % " + text;
+        case ePlace::APART: return "5 " + behind + " " + text;
         case ePlace::MASS_BELOW: return "4 J/(kg " + text + ")";
+        case ePlace::TECHNICAL: return "5 kg/cm² " + text;
+        case ePlace::NOTE: return "5 mm/s " + text;
+        case ePlace::HEAT: return "4 kJ/(kg·" + text + ")";
         case ePlace::CUBED: return "5 " + text + "³/h";
         case ePlace::POWER: return "5 " + text + "²";
-        case ePlace::QUOTIENT: return "5 " + std::string(trap.behind()) + "/" + text;
+        case ePlace::QUOTIENT: return "5 " + behind + "/" + text;
         default: return "5 " + text;
     }
 }
 
+bool isNote(const CTrap& trap) {
+    return trap.Place == ePlace::UNUSUAL || trap.Place == ePlace::TOLD ||
+           trap.Place == ePlace::SHAPE;
+}
+
+// Whether two rows differ in their text alone.
+bool areAlike(const CTrap& a, const CTrap& b) {
+    return a.Place == b.Place && a.sentence() == b.sentence() && a.first() == b.first() &&
+           a.second() == b.second();
+}
+
+// Rows that are alike are one row of the page, with the message of the first.
 void refused(bool isUnknown) {
     std::cout << "| Written | Code | Because |\n|---|---|---|\n";
     const CCatalogue catalogue = everything();
-    for (const CTrap* trap = trapsBegin(); trap != trapsEnd(); ++trap) {
-        const bool isNote = trap->Place == ePlace::UNUSUAL || trap->Place == ePlace::TOLD;
-        if (isNote || (trap->Place == ePlace::UNKNOWN) != isUnknown) {
+    for (const CTrap* trap = trapsBegin(); trap != trapsEnd();) {
+        if (isNote(*trap) || (trap->Place == ePlace::UNKNOWN) != isUnknown) {
+            ++trap;
             continue;
         }
         const std::string text = exampleOf(*trap);
@@ -93,19 +111,48 @@ void refused(bool isUnknown) {
             std::exit(1);
         }
         const CDiagnosis diagnosis = diagnose(reading.Refusal, catalogue);
-        std::cout << "| " << code(text) << " | " << nameOf(diagnosis.Code) << " | "
-                  << diagnosis.message() << " |\n";
+        std::cout << "| " << code(text);
+        const CTrap* const first = trap;
+        for (++trap; trap != trapsEnd() && areAlike(*first, *trap); ++trap) {
+            std::cout << ", " << code(exampleOf(*trap));
+        }
+        std::cout << " | " << nameOf(diagnosis.Code) << " | " << diagnosis.message() << " |\n";
     }
 }
 
 void notes() {
     std::cout << "| Written | Note | With `Strict` |\n|---|---|---|\n";
     for (const CTrap* trap = trapsBegin(); trap != trapsEnd(); ++trap) {
-        if (trap->Place == ePlace::UNUSUAL || trap->Place == ePlace::TOLD) {
-            std::cout << "| " << code(trap->text()) << " | "
-                      << withName(trap->Sentence, trap->text()) << " | "
-                      << (trap->Place == ePlace::UNUSUAL ? "refused" : "read") << " |\n";
+        if (!isNote(*trap)) {
+            continue;
         }
+        std::string text(trap->text());
+        if (trap->Place == ePlace::SHAPE) {
+            text.insert(0, std::string(trap->behind()) + "/");
+        }
+        std::cout << "| " << code(text) << " | " << withName(trap->sentence(), text) << " | "
+                  << (trap->Place == ePlace::TOLD ? "read" : "refused") << " |\n";
+    }
+}
+
+void forms() {
+    std::cout << "| Written | Code | Because |\n|---|---|---|\n";
+    const CCatalogue catalogue = everything();
+    for (const char* const text : {
+#define MENSOR_FORM(text, code, sentence, first, second) text,
+#include "mensor_exact/refusals.def"
+         }) {
+        const CDiagnosis diagnosis = diagnose(tryReadValue(text, catalogue).Refusal, catalogue);
+        std::string shown;
+        for (const char c : std::string(text)) {  // what cannot be shown in a table
+            shown += c == '\n' ? "\\n" : c == '\xFF' ? "\\xFF" : std::string(1, c);
+        }
+        const std::size_t invisible = shown.find("\u200B");
+        if (invisible != std::string::npos) {
+            shown.replace(invisible, 3, "\\u200B");
+        }
+        std::cout << "| " << code(shown) << " | " << nameOf(diagnosis.Code) << " | "
+                  << diagnosis.message() << " |\n";
     }
 }
 
@@ -123,8 +170,10 @@ int main(int argc, char** argv) {
         notes();
     } else if (what == "refusals") {
         refused(true);
+    } else if (what == "forms") {
+        forms();
     } else {
-        std::cerr << "usage: everyday spellings | words | traps | notes | refusals\n";
+        std::cerr << "usage: everyday spellings | words | traps | notes | refusals | forms\n";
         return 2;
     }
 }

@@ -56,7 +56,7 @@ settle design.md
 "$@" "$programs/generate_collisions" >"$work/part" || exit 1
 replace reliability collisions
 cp "$source/docs/everyday.md" "$work/everyday" || exit 1
-for table in spellings words traps notes refusals; do
+for table in spellings words traps notes refusals forms; do
     "$@" "$programs/generate_everyday" $table >"$work/part" || exit 1
     replace_in everyday $table
 done

@@ -13,8 +13,11 @@
 #include "mensor/Unit.h"
 #include "mensor_checked/Meaning.h"
 #include "mensor_checked/checked_export.h"
+#include "mensor_exact/Conversion.h"
 
 namespace mensor::checked {
+
+using exact::eKinds;
 
 /// Returns the converter from values of `from` to values of `to`. It rounds each result once, to the
 /// nearest double (exact::CConversion). From a unit to itself it is CConverter::identity().
@@ -29,15 +32,18 @@ namespace mensor::checked {
 /// whose slope is the same in single precision.
 /// @throws std::invalid_argument  a unit is empty.
 /// @throws exact::CError  DIFFERENT_DIMENSIONS (also a std::invalid_argument): the units are not
-///     compatible. Other codes: as meaningOf and exact::CConversion.
+///     compatible; DIFFERENT_MARKS: with eKinds::SAME, if the radian, the steradian or the bit would
+///     count as 1. Other codes: as meaningOf and exact::CConversion.
 /// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
-MENSOR_CHECKED_API CConverterPtr converter(const CUnitPtr& from, const CUnitPtr& to);
+MENSOR_CHECKED_API CConverterPtr converter(const CUnitPtr& from, const CUnitPtr& to,
+                                           eKinds kinds = eKinds::COMPATIBLE);
 
 /// Returns the converter from one meaning to another. It serves texts that are refused as COLLISION or
 /// DIMENSION_COLLISION (readMeaning).
 /// @throws exact::CError  as exact::CConversion.
 /// @par Threads  Any thread; takes no lock.
-MENSOR_CHECKED_API CConverterPtr converter(const CMeaning& from, const CMeaning& to);
+MENSOR_CHECKED_API CConverterPtr converter(const CMeaning& from, const CMeaning& to,
+                                           eKinds kinds = eKinds::COMPATIBLE);
 
 }  // namespace mensor::checked
 

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 #include "mensor_checked/Lock.h"
@@ -23,6 +24,15 @@ double converted(double x, const CUnitPtr& from, const CUnitPtr& to) {
                                " has no constant size in " + describe(to));
     }
     return x * slope;
+}
+
+// Refuses infinity where the numbers that it was computed from are finite.
+double requireFinite(double result, double a, double b, const char* function) {
+    if (std::isfinite(a) && std::isfinite(b) && !std::isfinite(result)) {
+        throw std::range_error(std::string(function) +
+                               ": the result is beyond the range of numbers");
+    }
+    return result;
 }
 
 }  // namespace
@@ -49,15 +59,18 @@ CDifference difference(const CValueWithUnit& a, const CValueWithUnit& b) {
     requireUnit(a.unit(), "difference");
     requireUnit(b.unit(), "difference");
     const Lock lock;
-    return {a.value() - b.valueAs(a.unit()), a.unit()};
+    const double value = a.value() - b.valueAs(a.unit());
+    return {requireFinite(value, a.value(), b.value(), "difference"), a.unit()};
 }
 
 CValueWithUnit operator+(const CValueWithUnit& a, const CDifference& change) {
-    return {a.value() + change.valueAs(a.unit()), a.unit()};
+    const double value = a.value() + change.valueAs(a.unit());
+    return {requireFinite(value, a.value(), change.value(), "operator+"), a.unit()};
 }
 
 CValueWithUnit operator-(const CValueWithUnit& a, const CDifference& change) {
-    return {a.value() - change.valueAs(a.unit()), a.unit()};
+    const double value = a.value() - change.valueAs(a.unit());
+    return {requireFinite(value, a.value(), change.value(), "operator-"), a.unit()};
 }
 
 }  // namespace mensor::checked

@@ -47,10 +47,12 @@ private:
 
 /// Returns `a` minus `b` in the unit of `a`. Both are values of their scales.
 /// @throws std::invalid_argument  a unit is empty, or the units are not compatible.
+/// @throws std::range_error  the result is infinite, and the values are not.
 /// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
 MENSOR_CHECKED_API CDifference difference(const CValueWithUnit& a, const CValueWithUnit& b);
 
 /// Returns `a`, higher or lower by a difference, in the unit of `a`. Throws what convertDifference throws.
+/// @throws std::range_error  also if the result is infinite, and the values are not.
 /// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
 MENSOR_CHECKED_API CValueWithUnit operator+(const CValueWithUnit& a, const CDifference& change);
 MENSOR_CHECKED_API CValueWithUnit operator-(const CValueWithUnit& a, const CDifference& change);

@@ -7,6 +7,7 @@
 #include "mensor/ProductUnit.h"
 #include "mensor/TransformedUnit.h"
 #include "mensor/UnitFormat.h"
+#include "mensor_checked/EverydayNames.h"
 #include "mensor_checked/Meaning.h"
 #include "mensor_exact/Definitions.h"
 #include "mensor_exact/Spelling.h"
@@ -61,11 +62,25 @@ CUnitPtr unitNamed(std::string_view name) {
     return isLateName(name) ? NonSI::Psi() : registeredUnit(name);
 }
 
+CUnitPtr unitRead(std::string_view name) {
+    CUnitPtr unit = unitNamed(name);
+    std::string fault;
+    return unit == nullptr && everydayMeaning(name) ? everydayUnit(name, fault) : unit;
+}
+
 bool isLateName(std::string_view name) { return name == "psi" && lookUp(name) == nullptr; }
 
 bool hasOffset(const CUnitPtr& unit) {
     const auto* transformed = dynamic_cast<CTransformedUnit*>(unit.get());
     return transformed != nullptr && transformed->toSystem()->convert(0.0) != 0.0;
+}
+
+CUnitPtr differenceOf(const CUnitPtr& unit) {
+    const auto& scale = dynamic_cast<CTransformedUnit&>(*unit);
+    if (scale.toSystem()->derivative(0.0) == 1.0) {
+        return unit->getSystemUnit();
+    }
+    return unit->getCtxToDimension()->isLinear() ? unit : nullptr;
 }
 
 std::optional<CPrefixedOffset> prefixedOffset(std::string_view name, const CUnitPtr& unit) {
@@ -114,6 +129,7 @@ void addNamesTo(exact::CNearestNames& nearest) {
             nearest.add(name);
         }
     }
+    addEverydayNamesTo(nearest);
 }
 
 std::vector<std::string> namesOf(const CUnitPtr& unit) {
@@ -122,6 +138,10 @@ std::vector<std::string> namesOf(const CUnitPtr& unit) {
         if (named == unit && !name.empty()) {
             names.push_back(mensor::toStdString(name));
         }
+    }
+    std::string everyday = everydayNameOf(unit);
+    if (!everyday.empty()) {
+        names.push_back(std::move(everyday));
     }
     return names;
 }

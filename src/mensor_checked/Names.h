@@ -24,8 +24,18 @@ namespace mensor::checked {
 /// For "psi" this function calls NonSI::Psi(), because the library has no such name before that call.
 CUnitPtr unitNamed(std::string_view name);
 
+/// Returns the unit as which a name was read: unitNamed, or the one of the pack EVERYDAY.
+CUnitPtr unitRead(std::string_view name);
+
 /// Returns whether `unit` is an offset unit, such as the degree Celsius.
 bool hasOffset(const CUnitPtr& unit);
+
+/// Returns the unit of differences of the offset unit `unit`, or none if the library has none.
+///
+/// For the degree Celsius this is the kelvin. The identity ignores offsets, so no other unit can have the size
+/// of the degree Fahrenheit. That unit itself serves if its converter counts as a scaling, because products
+/// then convert it by its slope alone.
+CUnitPtr differenceOf(const CUnitPtr& unit);
 
 /// A name that is a prefix and an offset unit, such as "m°C". The library ignores the offset in it.
 struct CPrefixedOffset {

@@ -9,7 +9,9 @@
 #include <string_view>
 #include <utility>
 
+#include "mensor_checked/EverydayNames.h"
 #include "mensor_checked/Lock.h"
+#include "mensor_checked/Making.h"
 #include "mensor_checked/NewUnit.h"
 #include "mensor_checked/Reading.h"
 #include "mensor_checked/Rows.h"
@@ -35,6 +37,7 @@ constexpr CPackRow Rows[] = {
     {ePack::SCIENCE, exact::ePack::SCIENCE},
     {ePack::OFFSETS, exact::ePack::OFFSETS},
     {ePack::COUNTING, exact::ePack::COUNTING},
+    {ePack::EVERYDAY, exact::ePack::EVERYDAY},
 };
 
 const CPackRow& packRow(ePack pack) {
@@ -117,6 +120,16 @@ exact::CCatalogue catalogueOf(const CPackRow& pack) {
     return exact::CCatalogue::builtIn().with(exact::ePack::CUSTOMARY).with(pack.Definitions);
 }
 
+// Makes the unit of a name of the pack EVERYDAY.
+CUnitPtr makeUnit(const CMeaning& meaning, std::string& fault) {
+    try {
+        return checked::unitOf(meaning);
+    } catch (const CIdentityError& error) {
+        fault = error.what();
+        return nullptr;
+    }
+}
+
 [[noreturn]] void refuse(const CPackUnit& row, const std::exception& reason,
                          const CUnitPtr& inTheWay) {
     throw CIdentityError("the pack " + quoted(nameOf(row.Pack)) + " is refused for its unit " +
@@ -146,6 +159,9 @@ const std::vector<CPackUnit>& packUnits() {
     static const std::vector<CPackUnit>& Units = *new std::vector<CPackUnit>([] {
         std::vector<CPackUnit> units;
         for (const CPackRow& pack : Rows) {
+            if (pack.Pack == ePack::EVERYDAY) {
+                continue;
+            }
             const exact::CCatalogue catalogue = catalogueOf(pack);
             for (const exact::CDefinition& definition : catalogue.definitions()) {
                 if (definition.Pack == pack.Definitions) {
@@ -203,6 +219,10 @@ std::optional<ePack> packNamed(std::string_view name) {
 void registerPack(ePack pack) {
     packRow(pack);
     const Lock lock;
+    if (pack == ePack::EVERYDAY) {
+        readEverydayNames(makeUnit);
+        return;
+    }
     if (pack == ePack::US || pack == ePack::IMPERIAL) {
         registerPack(ePack::CUSTOMARY);
     }

@@ -33,7 +33,8 @@ enum class ePack : int {
     IMPERIAL,   ///< the same names, as in the United Kingdom; brings CUSTOMARY
     SCIENCE,    ///< energy, physics, astronomy, chemistry
     OFFSETS,    ///< the degree Fahrenheit and gauge pressures
-    COUNTING    ///< ppm, rpm, KiB and their like
+    COUNTING,   ///< ppm, rpm, KiB and their like
+    EVERYDAY    ///< what people write for units that have another name: degC, kOhm, barg
 };
 
 /// One unit of a pack. Texts are UTF-8 and belong to the library.
@@ -61,7 +62,8 @@ struct CRefusedUnit {
     const char* Why;       ///< the reason, an English clause
 };
 
-/// Returns all units of all packs, in the order in which they are built.
+/// Returns all units of all packs, in the order in which they are built. EVERYDAY has none: its names are on
+/// the page docs/everyday.md.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_CHECKED_API const std::vector<CPackUnit>& packUnits();
 
@@ -86,6 +88,9 @@ MENSOR_CHECKED_API const char* descriptionOf(ePack pack);
 MENSOR_CHECKED_API std::optional<ePack> packNamed(std::string_view name);
 
 /// Registers all units of `pack`. Units that are registered already stay as they are.
+///
+/// EVERYDAY registers nothing at once. Its names can be read from then on, and a unit is made when its name
+/// is first read. A name that the registry has is the registry's.
 ///
 /// If the pack is refused, none of its names can be read. Objects that were built before the refusal may
 /// stay registered without a name. Symbols of alternate units stay, because the library cannot remove them.

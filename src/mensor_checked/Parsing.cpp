@@ -1,71 +1,138 @@
 #include "mensor_checked/Parsing.h"
 
 #include <cstdint>
+#include <utility>
 
-#include "mensor/UnitFormat.h"
+#include "mensor_checked/EverydayNames.h"
 #include "mensor_checked/Names.h"
+#include "mensor_checked/Rounding.h"
+#include "mensor_checked/Words.h"
+#include "mensor_exact/Definitions.h"
 #include "mensor_exact/Parser.h"
 
 namespace mensor::checked {
 
 namespace {
 
-// Finds names in the registry, and numbers the units that it has found from 1.
+// Returns the names of all packs. US and IMPERIAL have no name that is a trap.
+const exact::CCatalogue& allPackNames() {
+    static const exact::CCatalogue& All = *new exact::CCatalogue(exact::CCatalogue::builtIn()
+                                                                     .with(exact::ePack::CUSTOMARY)
+                                                                     .with(exact::ePack::SCIENCE)
+                                                                     .with(exact::ePack::OFFSETS)
+                                                                     .with(exact::ePack::COUNTING)
+                                                                     .with(exact::ePack::EVERYDAY));
+    return All;
+}
+
+std::optional<CMeaning> meaningOfName(std::string_view name) {
+    const CName* const known = knownName(name);
+    return known != nullptr ? tryMeaningOf(known->Unit) : everydayMeaning(name);
+}
+
+// Finds names in the registry and in the pack EVERYDAY, and numbers the units that it has found from 1.
 class CRegistryNames final : public exact::CResolver {
 public:
     std::uint32_t find(std::string_view name) override {
-        const CName* const known = knownName(name);
-        if (known == nullptr && !isLateName(name)) {
-            return None;
+        CFactor factor{nullptr, nullptr, {}, true, false, false, std::nullopt};
+        if (const CName* const known = knownName(name)) {
+            factor.Unit = factor.Named = known->Unit;
+            factor.IsExact = known->IsExact;
+            factor.HasOffset = known->HasOffset;
+            factor.IsPrefixed = known->Prefixed.has_value();
+        } else if (!isLateName(name)) {
+            factor.Everyday = everydayMeaning(name);
+            if (!factor.Everyday) {
+                return None;
+            }
+            factor.IsExact = false;
+            factor.HasOffset = !factor.Everyday->offset().isZero();
         }
-        // take() makes the units that the library does not have yet, after the whole text has been parsed.
-        m_Found.push_back(known != nullptr ? CFactor{known->Unit,
-                                                     known->Unit,
-                                                     {},
-                                                     known->IsExact,
-                                                     known->HasOffset,
-                                                     known->Prefixed.has_value()}
-                                           : CFactor{nullptr, nullptr, {}, true, false, false});
+        m_Found.push_back(std::move(factor));
         return static_cast<std::uint32_t>(m_Found.size());
     }
 
-    bool knows(std::string_view name) override { return knownName(name) != nullptr; }
+    bool knows(std::string_view name) override {
+        return knownName(name) != nullptr || everydayMeaning(name).has_value();
+    }
 
-    // The registry does not tell the labels of a program from those of the library.
-    bool isOwn(std::string_view) override { return false; }
+    // The registry does not tell the labels of a program from those of the library. Their meanings do.
+    bool isOwn(std::string_view name) override {
+        const CName* const known = knownName(name);
+        if (known == nullptr) {
+            return false;
+        }
+        const std::optional<CMeaning> row = allPackNames().meaning(name);
+        const std::optional<CMeaning> meaning = tryMeaningOf(known->Unit);
+        return !row || !meaning || !areSame(*row, *meaning, known->Unit);
+    }
 
     void addNamesTo(exact::CNearestNames& nearest) override { checked::addNamesTo(nearest); }
 
-    // Everyday spellings are no units that a program could register.
-    bool offers(exact::ePack pack) override { return pack != exact::ePack::EVERYDAY; }
+    bool offers(exact::ePack) override { return true; }
 
-    // Checks names and form only. Whether the library has an object for the unit does not matter.
+    // Checks names, form and offsets only. Whether the library has an object for the unit does not matter.
     exact::eFit fit(std::string_view text, std::size_t begin, exact::CRefusal& refusal) override {
         CRegistryNames names;
         exact::CNamedFactors factors;
-        return exact::parse(text, begin, false, names, factors, refusal) ? exact::eFit::READ
-                                                                         : exact::eFit::REFUSED;
+        if (!exact::parse(text, begin, false, names, factors, refusal)) {
+            return exact::eFit::REFUSED;
+        }
+        for (const exact::CNamedFactor& factor : factors) {
+            if (!factors.isOneName() && names.m_Found[factor.Unit - 1].HasOffset) {
+                refusal = {eRefusal::OFFSET_IN_PRODUCT, text, factor.Name, "",
+                           exact::eReadings::NONE,      {},   begin,       nullptr};
+                return exact::eFit::REFUSED;
+            }
+        }
+        return exact::eFit::READ;
     }
 
-    void addWords(const exact::CRefusal&, std::vector<std::string>&) override {}
+    void addWords(const exact::CRefusal& refusal, std::vector<std::string>& words) override {
+        const CName* const known =
+            refusal.Code == eRefusal::OFFSET_IN_PRODUCT ? knownName(refusal.token()) : nullptr;
+        const CUnitPtr difference = known != nullptr ? differenceOf(known->Unit) : nullptr;
+        if (difference && difference != known->Unit) {
+            words.push_back(difference->toStdString());
+        }
+    }
 
-    std::string sumOf(const std::vector<exact::CNamedNumber>&) override { return {}; }
+    std::string sumOf(const std::vector<exact::CNamedNumber>& values) override {
+        return exact::sumOf(values, meaningOfName);
+    }
 
     // Returns the factors, with their exponents. m_Found has the same order.
-    std::vector<CFactor> take(const exact::CNamedFactors& factors, std::string_view text) {
+    std::vector<CFactor> take(const exact::CNamedFactors& factors, std::string_view text,
+                              bool makesUnits) {
         for (const exact::CNamedFactor& factor : factors) {
             CFactor& found = m_Found[factor.Unit - 1];
             found.Name = factor.Name;
             found.Pow = factor.Pow;
             found.Root = factor.Root;
-            if (!found.Unit) {
-                found.Unit = found.Named = unitNamed(factor.Name.of(text));
+            const std::string_view name = factor.Name.of(text);
+            if (!found.Everyday && !found.Unit) {  // made when the whole text has been parsed
+                found.Unit = found.Named = unitNamed(name);
+            } else if (found.Everyday && makesUnits) {
+                found.Unit = found.Named = makeEveryday(text, factor.Name);
             }
         }
         return std::move(m_Found);
     }
 
 private:
+    static CUnitPtr makeEveryday(std::string_view text, CSpan name) {
+        std::string fault;
+        CUnitPtr unit = everydayUnit(name.of(text), fault);
+        if (!unit) {
+            throw Refused{diagnose(eRefusal::COLLISION, text, name,
+                                   quoted(std::string(name.of(text))) +
+                                       " cannot be made: " + fault +
+                                       "; its values convert by checked::readMeaning and "
+                                       "checked::converter")};
+        }
+        return unit;
+    }
+
     std::vector<CFactor> m_Found;
 };
 
@@ -87,14 +154,21 @@ std::optional<CDiagnosis> formFault(std::string_view text, std::size_t begin,
     return diagnosisOf(refusal);
 }
 
-std::vector<CFactor> factorsOf(std::string_view text, const CReadOptions& options) {
+CParsed parsed(std::string_view text, const CReadOptions& options, bool makesUnits) {
     CRegistryNames names;
     exact::CNamedFactors factors;
     exact::CRefusal refusal;
-    if (!exact::parse(text, 0, options.Dimensionless, names, factors, refusal)) {
+    exact::CNotes notes;
+    if (!exact::parse(text, 0, options.Dimensionless, names, factors, refusal) ||
+        !exact::takeNotes(text, 0, factors, names, options.Strict, notes, refusal)) {
         throw Refused{exact::diagnose(refusal, names)};
     }
-    return names.take(factors, text);
+    CParsed result;
+    for (const exact::CNote& note : notes) {
+        result.Notes.push_back(note.words(text));
+    }
+    result.Factors = names.take(factors, text, makesUnits);
+    return result;
 }
 
 }  // namespace mensor::checked

@@ -3,6 +3,7 @@
 #define MENSOR_CHECKED_PARSING_H
 
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -22,14 +23,22 @@ struct Refused {
 
 /// One named unit of a text, with its exponent in the whole text.
 struct CFactor {
-    CUnitPtr Unit;    ///< the unit of the name, or the unit of its differences
+    CUnitPtr Unit;    ///< the unit of the name, or the unit of its differences. Empty
+                      ///< for a name of the pack EVERYDAY whose unit was not asked for
     CUnitPtr Named;   ///< the unit of the name
     CSpan Name;       ///< where in the text the name is
     bool IsExact;     ///< as in CName
     bool HasOffset;   ///< as in CName
     bool IsPrefixed;  ///< the name is a prefix and an offset unit, such as "m°C"
+    std::optional<CMeaning> Everyday;  ///< the meaning of a name of the pack EVERYDAY
     int Pow = 1;
     int Root = 1;  ///< positive; Pow/Root is in lowest terms
+};
+
+/// The result of parsing a text.
+struct CParsed {
+    std::vector<CFactor> Factors;  ///< in their order; the dimensionless unit has none
+    std::vector<std::string> Notes;
 };
 
 /// Returns a refusal in words, with the texts to write instead. The caller holds the lock.
@@ -40,11 +49,10 @@ CDiagnosis diagnosisOf(const exact::CRefusal& refusal);
 std::optional<CDiagnosis> formFault(std::string_view text, std::size_t begin,
                                     const CReadOptions& options);
 
-/// Returns the factors of the unit written in `text`, in their order. The dimensionless unit has none.
-///
-/// Only looks names up; registers nothing. The caller holds the lock.
+/// Returns the factors of the unit written in `text`, and the notes on it. Only looks names up. With
+/// `makesUnits`, it also makes the units of names of the pack EVERYDAY. The caller holds the lock.
 /// @throws Refused  the form is wrong or a name unknown.
-std::vector<CFactor> factorsOf(std::string_view text, const CReadOptions& options);
+CParsed parsed(std::string_view text, const CReadOptions& options, bool makesUnits);
 
 }  // namespace mensor::checked
 

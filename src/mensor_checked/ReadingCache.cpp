@@ -14,13 +14,12 @@ constexpr std::size_t LongestPassing = 100;
 constexpr std::size_t MostSound = 4000;
 
 // Never destroyed, because threads and statics of clients may still read units while the process ends.
-CReadingCache& plain = *new CReadingCache;
-CReadingCache& withDifferences = *new CReadingCache;
+auto& caches = *new std::array<CReadingCache, 4>;
 
 }  // namespace
 
 CReadingCache& CReadingCache::instance(const CReadOptions& options) {
-    return options.Differences ? withDifferences : plain;
+    return caches[(options.Differences ? 1U : 0U) + (options.Strict ? 2U : 0U)];
 }
 
 const CReadingCache::CEntry* CReadingCache::find(std::string_view text) {
@@ -43,7 +42,7 @@ const CReadingCache::CEntry* CReadingCache::find(std::string_view text) {
         return nullptr;
     }
     const bool areSame = std::all_of(entry.Names.begin(), entry.Names.end(), [](const auto& name) {
-        return unitNamed(name.first) == name.second;
+        return unitRead(name.first) == name.second;
     });
     entry.Version = areSame ? version : 0;
     return areSame ? &entry : nullptr;

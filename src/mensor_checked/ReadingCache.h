@@ -25,8 +25,8 @@ namespace mensor::checked {
 
 class CReadingCache {
 public:
-    /// Returns the cache of the process for these options. There are two: with and without Differences.
-    /// The other options do not change which unit a text gives.
+    /// Returns the cache of the process for these options. There is one for each pair of Differences and
+    /// Strict. The other options do not change which unit a text gives.
     static CReadingCache& instance(const CReadOptions& options);
 
     struct CEntry {

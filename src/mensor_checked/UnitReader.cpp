@@ -12,7 +12,6 @@
 
 #include "mensor/ProductUnit.h"
 #include "mensor/RegistrationBound.h"
-#include "mensor/TransformedUnit.h"
 #include "mensor_checked/Elements.h"
 #include "mensor_checked/Faults.h"
 #include "mensor_checked/Meaning.h"
@@ -35,8 +34,13 @@ constexpr const char* OtherWay =
 
 class CReader {
 public:
-    CReader(std::string_view text, const CReadOptions& options)
-        : m_Text(text), m_Options(options), m_Factors(factorsOf(text, options)) {}
+    /// With `makesUnits` the units of all names are made, as read() needs them.
+    CReader(std::string_view text, const CReadOptions& options, bool makesUnits)
+        : m_Text(text), m_Options(options) {
+        CParsed parsed = checked::parsed(text, options, makesUnits);
+        m_Factors = std::move(parsed.Factors);
+        m_Notes = std::move(parsed.Notes);
+    }
 
     CReading read(bool isKept) {
         meaning();
@@ -81,7 +85,14 @@ private:
     }
 
     void takeDifference(CFactor& factor, const std::string& name) {
-        const CUnitPtr difference = differenceOf(factor.Unit);
+        if (factor.Everyday && m_Options.Differences) {
+            factor.Everyday = factor.Everyday->difference();
+            m_Notes.push_back(quoted(name) + " is read as a difference, " +
+                              inWords(*factor.Everyday));
+            factor.Unit = factor.Unit ? differenceOf(factor.Unit) : nullptr;
+            return;
+        }
+        const CUnitPtr difference = factor.Unit ? differenceOf(factor.Unit) : nullptr;
         if (!m_Options.Differences || !difference) {
             CDiagnosis diagnosis = diagnose(
                 eRefusal::OFFSET_IN_PRODUCT, m_Text, factor.Name,
@@ -107,24 +118,12 @@ private:
     // Adds `text` to the texts that may be meant. If it is refused, adds what may be meant by it.
     void addReadings(const std::string& text, CDiagnosis& diagnosis) const {
         try {
-            CReader(text, m_Options).checkScales();
+            CReader(text, m_Options, false).checkScales();
             diagnosis.Readings.push_back(text);
         } catch (const Refused& refused) {
             const std::vector<std::string>& readings = refused.Diagnosis.Readings;
             diagnosis.Readings.insert(diagnosis.Readings.end(), readings.begin(), readings.end());
         }
-    }
-
-    // Returns the unit of differences of the offset unit `unit`, or none if the library has none. For the
-    // degree Celsius this is the kelvin. The identity ignores offsets, so no other unit can have the size
-    // of the degree Fahrenheit. That unit itself serves if its converter counts as a scaling, because
-    // products then convert it by its slope alone.
-    static CUnitPtr differenceOf(const CUnitPtr& unit) {
-        const auto& scale = dynamic_cast<CTransformedUnit&>(*unit);
-        if (scale.toSystem()->derivative(0.0) == 1.0) {
-            return unit->getSystemUnit();
-        }
-        return unit->getCtxToDimension()->isLinear() ? unit : nullptr;
     }
 
     void checkPrefixedOffset(const CFactor& factor, const std::string& name,
@@ -158,7 +157,7 @@ private:
         CMeaning product;
         for (const CFactor& factor : m_Factors) {
             try {
-                const CMeaning unit = meaningOf(factor.Unit);
+                const CMeaning unit = factor.Everyday ? *factor.Everyday : meaningOf(factor.Unit);
                 if (isAlone()) {
                     return unit;
                 }
@@ -337,12 +336,12 @@ CReading read(std::string_view text, const CReadOptions& options, bool isKept) {
             return {known->Unit, std::nullopt, known->Notes};
         }
     }
-    return readOrRefuse<CReading>(text, [&] { return CReader(text, options).read(isKept); });
+    return readOrRefuse<CReading>(text, [&] { return CReader(text, options, true).read(isKept); });
 }
 
 CMeaningReading readForMeaning(std::string_view text, const CReadOptions& options) {
     return readOrRefuse<CMeaningReading>(text, [&] {
-        CReader reader(text, options);
+        CReader reader(text, options, false);
         CMeaning meaning = reader.meaning();
         return CMeaningReading{std::move(meaning), std::nullopt, reader.notes()};
     });

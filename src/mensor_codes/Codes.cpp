@@ -136,11 +136,12 @@ std::string CMatch::toString(eSystem system) const {
         return Code;
     }
     std::string text = std::string("no code of ") + codes::nameOf(system) + " means exactly this";
-    if (!Nearest.empty()) {
+    constexpr double Most = 0.1;  // a code that is farther off is of no use
+    if (!Nearest.empty() && std::fabs(Deviation) <= Most) {
         char size[32];
-        std::snprintf(size, sizeof size, "%.2g", std::fabs(Deviation));
-        text += "; the nearest is " + Nearest + ", " + (Deviation < 0 ? "smaller" : "larger") +
-                " by " + size + " of it";
+        std::snprintf(size, sizeof size, "%.2g", 100 * std::fabs(Deviation));
+        text += "; the nearest is " + Nearest + ", which is " + size + " % " +
+                (Deviation < 0 ? "smaller" : "larger");
     }
     return text;
 }

@@ -128,7 +128,7 @@ struct CMatch {
     explicit operator bool() const { return !Code.empty(); }
 
     /// Returns the code, or a sentence such as "no code of UN/CEFACT means exactly this; the nearest is
-    /// PS, smaller by 4e-07 of it".
+    /// PS, which is 3.9e-05 % smaller". It does not name a code that is more than a tenth larger or smaller.
     MENSOR_CODES_API std::string toString(eSystem system) const;
 };
 

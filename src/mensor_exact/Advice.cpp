@@ -20,12 +20,36 @@
 #include "mensor_exact/Spelling.h"
 #include "mensor_exact/Table.h"
 #include "mensor_exact/Traps.h"
+#include "mensor_exact/sentences.h"
 #include "mensor_exact/utf8.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
+
+constexpr std::uint32_t BuiltInPacks = 3;  // CATALOGUE and SI
+
+// The name in the table that differs from `name` in case only; empty if there is none.
+std::string_view inOtherCase(std::string_view name, std::uint32_t packs) {
+    const auto small = [](char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+    };
+    constexpr std::size_t Longest = 32;  // bytes; no name is longer
+    if (name.size() > Longest) {
+        return {};
+    }
+    const std::uint32_t letters = letterSet(name);
+    for (std::size_t row = 0; row < CTable::size(); ++row) {
+        const std::string_view known = CTable::name(row);
+        const bool isIn = (packs >> static_cast<unsigned>(CTable::pack(row)) & 1U) != 0;
+        if (isIn && CTable::letters(row) == letters && known.size() == name.size() &&
+            std::equal(known.begin(), known.end(), name.begin(),
+                       [&](char a, char b) { return small(a) == small(b); })) {
+            return known;
+        }
+    }
+    return {};
+}
 
 // A text to be tried.
 struct CCandidate {
@@ -41,7 +65,7 @@ std::string joined(const std::vector<std::string>& factors) {
     return product;
 }
 
-// One factor of "a/b/c·d", behind the first one.
+// One factor of "a/b/c·d" after the first one.
 struct CChained {
     bool Divides;
     std::string Text;
@@ -53,7 +77,7 @@ public:
     CChainReader(std::string_view text, std::size_t begin, CResolver& resolver)
         : m_Text(text), m_Resolver(resolver), m_Cursor(text, begin) {}
 
-    // False where something stands in the chain that is no factor.
+    // Returns false if the chain has something in it that is no factor.
     bool read() {
         for (;;) {
             m_Cursor.skipBlanks();
@@ -139,7 +163,7 @@ private:
         return true;
     }
 
-    // A name with the digits behind it, which may be a part of the name as in "mmH2O".
+    // A name with its digits, which may be a part of the name as in "mmH2O".
     void name() {
         const std::size_t begin = m_Cursor.position();
         while (m_Cursor.kind() == eKind::NAME) {
@@ -174,6 +198,9 @@ public:
 
     std::vector<CCandidate> find() {
         addValues();
+        if (m_Found.empty()) {
+            addWithoutPunctuation();
+        }
         if (!m_Found.empty()) {
             return std::move(m_Found);
         }
@@ -193,13 +220,14 @@ public:
             case eReadings::JOIN: addJoined(); break;
             case eReadings::CLOSE: replace({m_Text.size(), m_Text.size()}, ")"); break;
             case eReadings::REMOVE: addWithout(); break;
+            case eReadings::DOT: replace(token, "·"); break;
         }
         if (m_Refusal.Code == eRefusal::UNKNOWN_NAME) {
             addOtherSpelling();
         } else if (m_Refusal.Code == eRefusal::INEXACT_EXPONENT) {
             addSmallFraction();
-        } else if (m_Refusal.Code == eRefusal::UNEXPECTED_CHARACTER && slice(token) == "<") {
-            addWithoutMarkup();
+        } else if (m_Refusal.Code == eRefusal::UNEXPECTED_CHARACTER) {
+            addForCharacter(slice(token));
         }
         std::vector<std::string> words;
         m_Resolver.addWords(m_Refusal, words);
@@ -216,8 +244,9 @@ public:
 
     // The unknown name taken apart into known ones, as "N·m".
     std::vector<CCandidate> split() {
+        constexpr std::size_t Longest = 16;  // longer names are not run together
         const std::string_view name = m_Refusal.token();
-        for (std::size_t at = 1; at < name.size(); ++at) {
+        for (std::size_t at = 1; at < name.size() && name.size() <= Longest; ++at) {
             const bool isBoundary = (static_cast<unsigned char>(name[at]) & 0xC0U) != 0x80U;
             const bool isDoubled = name[at] == name[at - 1];  // rather a slip of the finger
             if (isBoundary && !isDoubled && isPiece(name.substr(0, at)) &&
@@ -236,7 +265,10 @@ private:
                                            << static_cast<unsigned>(ePack::EVERYDAY);
         const bool isSpelling = CTable::find(piece, Everyday) != CTable::None &&
                                 CTable::find(piece, ~Everyday) == CTable::None;
-        return piece != "One" && !isSpelling && !everydayWord(piece) && m_Resolver.knows(piece);
+        const CTrap* const note = findNote(piece);
+        return piece != "One" && !isSpelling && !everydayWord(piece) &&
+               (note == nullptr || note->Place == ePlace::TOLD) && !hasRarePrefix(piece) &&
+               m_Resolver.knows(piece);
     }
 
     void addValues() {
@@ -254,7 +286,7 @@ private:
         }
     }
 
-    // "a/b/c" and longer ones. Habit puts all behind the first stroke below it; mathematics goes from
+    // "a/b/c" and longer ones. By habit, all that follows the first slash is below it; mathematics goes from
     // left to right.
     void addChain() {
         const CSpan left = m_Refusal.Pieces[0];
@@ -294,12 +326,31 @@ private:
                 continue;
             }
             std::string text(words);
+            const bool isValue = m_Refusal.UnitBegin > 0;
+            if (text == "1" && isValue && m_Refusal.Token.Begin == m_Refusal.UnitBegin &&
+                m_Refusal.Token.End == m_Text.size()) {
+                text = "One";  // "5 1" are two numbers
+            }
             const std::size_t place = text.find("{}");
             if (place != std::string::npos) {
                 text.replace(place, 2, slice(m_Refusal.Pieces[0]));
             }
-            replace(m_Refusal.Token, text);
+            CSpan token = m_Refusal.Token;
+            const eKind next = CCursor(m_Text, token.End).kind();
+            if (text.back() == ')' && (next == eKind::DIGIT || next == eKind::MINUS)) {
+                text += '^';  // digits are an exponent only after a name
+            }
+            if (isRaised(text)) {
+                while (token.Begin > m_Refusal.UnitBegin && m_Text[token.Begin - 1] == ' ') {
+                    --token.Begin;
+                }
+            }
+            replace(token, text);
         }
+    }
+
+    static bool isRaised(const std::string& text) {
+        return CCursor(text).kind() == eKind::RAISED_DIGIT;
     }
 
     void addJoined() {
@@ -332,7 +383,45 @@ private:
         replace({m_Refusal.UnitBegin, m_Text.size()}, unit);
     }
 
-    // "m<sup>2</sup>".
+    // "5 m." at the end of a sentence.
+    void addWithoutPunctuation() {
+        const bool isOfUnit =
+            m_Refusal.Code < eRefusal::NO_NUMBER || m_Refusal.Code == eRefusal::MISLEADING;
+        const std::size_t end = m_Text.find_last_not_of(" \t.,;:!?");
+        const bool isFaultThere = m_Refusal.Token.End > end || m_Refusal.Token.Begin > end;
+        if (!isOfUnit || m_Refusal.Trap != nullptr || end == std::string_view::npos ||
+            end < m_Refusal.UnitBegin || !isFaultThere ||
+            m_Text.find_first_of(".,;:!?", end) == std::string_view::npos) {
+            return;
+        }
+        replace({end + 1, m_Text.size()}, "");
+    }
+
+    void addForCharacter(const std::string& character) {
+        if (character == "<" || character == "&") {
+            addWithoutMarkup();
+        } else if (character == "\"") {
+            replace(m_Refusal.Token, "in");  // also "\"Hg"
+            replace(m_Refusal.Token, "″");
+        } else if (character == "'") {
+            replace(m_Refusal.Token, "ft");
+            replace(m_Refusal.Token, "′");
+        }
+    }
+
+    struct CEntity {
+        std::string_view Name;
+        std::string_view Sign;
+    };
+    static constexpr CEntity Entities[] = {
+        {"&deg;", "°"},        {"&#176;", "°"},      {"&micro;", "\u00B5"}, {"&#181;", "\u00B5"},
+        {"&mu;", "\u00B5"},    {"&sup2;", "²"},      {"&#178;", "²"},       {"&sup3;", "³"},
+        {"&#179;", "³"},       {"&middot;", "·"},    {"&#183;", "·"},       {"&times;", "·"},
+        {"&Omega;", "\u2126"}, {"&#937;", "\u2126"}, {"&#8486;", "\u2126"}, {"&permil;", "‰"},
+        {"&nbsp;", " "},       {"&#160;", " "},      {"&Aring;", "Å"},      {"&radic;", "√"},
+    };
+
+    // "m<sup>2</sup>", "m&sup2;".
     void addWithoutMarkup() {
         constexpr std::string_view Open = "<sup>";
         constexpr std::string_view Close = "</sup>";
@@ -342,6 +431,12 @@ private:
         }
         for (std::size_t at = unit.find(Close); at != std::string::npos; at = unit.find(Close)) {
             unit.erase(at, Close.size());
+        }
+        for (const auto& [entity, sign] : Entities) {
+            for (std::size_t at = unit.find(entity); at != std::string::npos;
+                 at = unit.find(entity)) {
+                unit.replace(at, entity.size(), sign);
+            }
         }
         replace({m_Refusal.UnitBegin, m_Text.size()}, unit);
     }
@@ -380,7 +475,28 @@ private:
 
     // What the pack EVERYDAY has for the name, or for the same word in small letters: "WATT".
     void addOtherSpelling() {
+        constexpr std::size_t Longest = 40;  // bytes, of a name that is a slip of the finger
         const std::string_view name = m_Refusal.token();
+        if (name.size() > Longest) {
+            return;
+        }
+        if (name.size() > 2 && name.front() == '[' && name.back() == ']') {  // "5 [m]"
+            replace(m_Refusal.Token, std::string(name.substr(1, name.size() - 2)));
+            return;
+        }
+        const std::size_t slash = name.find_first_of("\\|");  // "m\\s"
+        if (slash != std::string_view::npos) {
+            replace({m_Refusal.Token.Begin + slash, m_Refusal.Token.Begin + slash + 1}, "/");
+            return;
+        }
+        if (name.size() > 1 && name[0] == 'u') {  // "uf"
+            const std::string_view micro =
+                inOtherCase(std::string("\u00B5").append(name.substr(1)), BuiltInPacks);
+            if (!micro.empty()) {
+                replace(m_Refusal.Token, std::string(micro));
+                return;
+            }
+        }
         const std::size_t row =
             CTable::find(name, std::uint32_t{1} << static_cast<unsigned>(ePack::EVERYDAY));
         if (row != CTable::None) {
@@ -409,6 +525,7 @@ private:
         std::string text(m_Text.substr(0, span.Begin));
         text.append(words).append(m_Text.substr(span.End));
         std::size_t begin = m_Refusal.UnitBegin;
+        text.resize(std::max(begin, text.find_last_not_of(" \t") + 1));
         if (begin > 0 && ((text[begin - 1] >= '0' && text[begin - 1] <= '9') ||
                           text[begin - 1] == '.')) {  // a blank between a number and its unit
             text.insert(begin, 1, ' ');
@@ -444,7 +561,7 @@ public:
         if (candidates.sentence() != nullptr) {
             m_Diagnosis.Sentence = candidates.sentence();
         } else if (isRange()) {
-            m_Diagnosis.Sentence = "a value has one number and cannot be a range";
+            m_Diagnosis.Sentence = sentences::RANGE;
         }
         if (m_Refusal.Code == eRefusal::UNKNOWN_NAME && candidates.sentence() == nullptr) {
             if (m_Refusal.Trap == nullptr && addPacks(m_Refusal.token())) {
@@ -455,7 +572,9 @@ public:
         }
         const bool isNothingOffered = m_Diagnosis.Readings.empty() &&
                                       m_Diagnosis.Suggestions.empty() && m_Diagnosis.Packs.empty();
-        if (!m_Missing.empty() && (isNothingOffered || m_Refusal.Trap != nullptr)) {
+        const bool isOfTwoUnits =
+            m_Refusal.Trap != nullptr && m_Refusal.Trap->Place == ePlace::UNKNOWN;
+        if (!m_Missing.empty() && (isNothingOffered || isOfTwoUnits)) {
             addPacks(m_Missing);
             m_Diagnosis.Sentence += "; " + m_PackSentence;
         }
@@ -524,28 +643,27 @@ private:
         return !m_Diagnosis.Packs.empty();
     }
 
-    // "4-20 mA".
+    // "4-20 mA", "4...20 mA".
     bool isRange() const {
-        return m_Refusal.UnitBegin > 0 && m_Refusal.Token.Begin == m_Refusal.UnitBegin &&
-               CCursor(m_Refusal.Text, m_Refusal.UnitBegin).kind() == eKind::MINUS;
+        const std::size_t begin = m_Refusal.UnitBegin;
+        if (begin == 0) {
+            return false;
+        }
+        CCursor cursor(m_Refusal.Text, begin);
+        const bool hasSign = cursor.kind() == eKind::MINUS ||
+                             (cursor.kind() == eKind::POINT &&
+                              (m_Refusal.Text[begin - 1] == '.' || cursor.peek() == eKind::POINT));
+        while (cursor.kind() == eKind::MINUS || cursor.kind() == eKind::POINT) {
+            cursor.advance();
+        }
+        cursor.skipBlanks();
+        return hasSign && cursor.kind() == eKind::DIGIT;
     }
 
     // The name of a pack that differs from the unknown one in case only, as "hp" for "Hp".
-    std::string_view inOtherCase(std::string_view name) const {
-        const auto small = [](char c) {
-            return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-        };
-        const std::uint32_t letters = letterSet(name);
-        for (std::size_t row = 0; row < CTable::size(); ++row) {
-            const std::string_view known = CTable::name(row);
-            if (CTable::letters(row) == letters && known.size() == name.size() &&
-                std::equal(known.begin(), known.end(), name.begin(),
-                           [&](char a, char b) { return small(a) == small(b); }) &&
-                isInPack(known)) {
-                return known;
-            }
-        }
-        return {};
+    std::string_view inOtherCaseOfPacks(std::string_view name) const {
+        const std::string_view known = inOtherCase(name, CTable::AllPacks);
+        return !known.empty() && isInPack(known) ? known : std::string_view();
     }
 
     struct COffer {
@@ -560,7 +678,7 @@ private:
         m_Resolver.addNamesTo(nearest);
         const std::vector<CNearestNames::CNear>& found = nearest.best();
         const bool isOtherCase = !found.empty() && found[0].Distance == 0 && !found[0].IsRare;
-        const std::string_view ofPack = isOtherCase ? std::string_view() : inOtherCase(name);
+        const std::string_view ofPack = isOtherCase ? std::string_view() : inOtherCaseOfPacks(name);
         if (isSplitFirst(isOtherCase || !ofPack.empty())) {
             tryAll(CCandidates(m_Refusal, m_Resolver).split(), Deepest);
             if (!m_Diagnosis.Readings.empty()) {
@@ -574,6 +692,9 @@ private:
         }
         std::vector<COffer> offers;
         for (const CNearestNames::CNear& near : found) {
+            if (isGuess(near)) {
+                continue;
+            }
             CRefusal refusal;
             const eFit fit =
                 m_Resolver.fit(m_Refusal.replaced(near.Name), m_Refusal.UnitBegin, refusal);
@@ -581,9 +702,11 @@ private:
                 offers.push_back({near, fit});
             }
         }
-        if (offers.empty()) {  // the text has another fault behind this one
+        if (offers.empty()) {  // the text has another fault, too
             for (const CNearestNames::CNear& near : found) {
-                tryOne({m_Refusal.replaced(near.Name), m_Refusal.UnitBegin}, Deepest);
+                if (!isGuess(near)) {
+                    tryOne({m_Refusal.replaced(near.Name), m_Refusal.UnitBegin}, Deepest);
+                }
             }
         }
         offer(offers);
@@ -631,6 +754,19 @@ private:
                (offer.Near.IsRare ? Penalty : 0) + (offer.Fit == eFit::TARGET ? 0 : Other);
     }
 
+    // Of two letters, any two names are near: only a swapped or doubled letter is a slip.
+    bool isGuess(const CNearestNames::CNear& near) const {
+        const std::string_view name = m_Refusal.token();
+        if (near.Distance == 0 || countCodePoints(name) != 2) {
+            return false;
+        }
+        const bool isSwapped = near.Name.size() == 2 && name.size() == 2 &&
+                               near.Name[0] == name[1] && near.Name[1] == name[0];
+        const bool isDoubled = name.size() == 2 && name[0] == name[1] && near.Name.size() == 1 &&
+                               near.Name[0] == name[0];
+        return !isSwapped && !isDoubled;
+    }
+
     void offer(std::vector<COffer>& offers) {
         std::stable_sort(offers.begin(), offers.end(), [this](const COffer& a, const COffer& b) {
             return scoreOf(a) < scoreOf(b);
@@ -658,5 +794,4 @@ CDiagnosis diagnose(const CRefusal& refusal, CResolver& resolver) {
     return CAdviser(refusal, resolver).diagnose();
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

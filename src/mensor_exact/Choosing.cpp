@@ -7,8 +7,7 @@
 
 #include "mensor_exact/Spelling.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -110,5 +109,4 @@ std::string readableUnit(const CFraction& value, std::string_view unit,
     return smallest;
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

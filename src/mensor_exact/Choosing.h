@@ -15,8 +15,7 @@
 #include "mensor_exact/Meaning.h"
 #include "mensor_exact/exact_export.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// One entry of a drop-down list.
 struct CChoice {
@@ -40,7 +39,6 @@ MENSOR_EXACT_API std::vector<CChoice> choicesFor(
 MENSOR_EXACT_API std::string readableUnit(const CFraction& value, std::string_view unit,
                                           const CCatalogue& catalogue = CCatalogue::builtIn());
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_CHOOSING_H

@@ -14,6 +14,7 @@
 #include "mensor_exact/Parts.h"
 #include "mensor_exact/Rounding.h"
 #include "mensor_exact/concatenate.h"
+#include "mensor_exact/kinds.h"
 
 namespace mensor::exact {
 
@@ -253,8 +254,11 @@ struct CConversion::CPlan final : CSlowWay {
     CFastForm Fast{false, this};
 };
 
-CConversion::CConversion(const CMeaning& from, const CMeaning& to) {
+CConversion::CConversion(const CMeaning& from, const CMeaning& to, eKinds kinds) {
     requireCompatible(from, to);
+    if (kinds == eKinds::SAME) {
+        requireSameMarks(from, to);
+    }
     m_Plan = std::make_shared<const CPlan>(from, to);
     m_Form = &m_Plan->Fast;
     m_Convert = m_Form->One;
@@ -278,17 +282,17 @@ CConversion& CConversion::operator=(const CConversion&) noexcept = default;
 CConversion::~CConversion() = default;
 
 CConversion CConversion::between(std::string_view from, std::string_view to,
-                                 const CCatalogue& catalogue) {
+                                 const CCatalogue& catalogue, eKinds kinds) {
     const CMeaning a = catalogue.evaluate(from);
     const CMeaning b = catalogue.evaluate(to);
     if (!a.isCompatibleWith(b)) {
         throwDifferent(from, to, a, b);
     }
-    return {a, b};
+    return {a, b, kinds};
 }
 
-CConversion CConversion::ofDifferences(const CMeaning& from, const CMeaning& to) {
-    return {from.difference(), to.difference()};
+CConversion CConversion::ofDifferences(const CMeaning& from, const CMeaning& to, eKinds kinds) {
+    return {from.difference(), to.difference(), kinds};
 }
 
 template <class In, class Out>

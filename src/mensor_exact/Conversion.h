@@ -30,6 +30,13 @@ namespace mensor::exact {
 
 struct CFastForm;  // FastForm.h, not installed
 
+/// Which conversions are allowed. The radian, the steradian and the bit are 1, so rpm can be converted to
+/// 1/min and byte to rad. That is hardly ever meant (docs/everyday.md).
+enum class eKinds : std::uint8_t {
+    COMPATIBLE,  ///< between units of the same dimension
+    SAME         ///< only if none of these three counts as 1
+};
+
 /// The exact number Sign·Size, which may be zero.
 struct COffset {
     int Sign = 0;  ///< -1, 0 or 1
@@ -45,13 +52,14 @@ struct COffset {
 class MENSOR_EXACT_API CConversion {
 public:
     /// @throws CError  DIFFERENT_DIMENSIONS, TOO_LARGE; EXPONENT_RANGE: the ratio of the two factors has
-    ///                 a root or a power of π beyond 99.
-    CConversion(const CMeaning& from, const CMeaning& to);
+    ///                 a root or a power of π beyond 99; DIFFERENT_MARKS with eKinds::SAME.
+    CConversion(const CMeaning& from, const CMeaning& to, eKinds kinds = eKinds::COMPATIBLE);
 
     /// The same for two definitions (Definitions.h). A name is a definition, too.
     /// @throws CError  what the constructor and CCatalogue::evaluate throw. The message quotes the texts.
     static CConversion between(std::string_view from, std::string_view to,
-                               const CCatalogue& catalogue = CCatalogue::builtIn());
+                               const CCatalogue& catalogue = CCatalogue::builtIn(),
+                               eKinds kinds = eKinds::COMPATIBLE);
 
     /// Returns CConversion(from, to).convert(x), the exact result if it is a fraction. This is faster for
     /// a single value.
@@ -66,7 +74,8 @@ public:
     /// Returns the conversion of differences. It leaves offsets out: a difference of 10 °C is one of 10
     /// K.
     /// @throws CError  what the constructor throws.
-    static CConversion ofDifferences(const CMeaning& from, const CMeaning& to);
+    static CConversion ofDifferences(const CMeaning& from, const CMeaning& to,
+                                     eKinds kinds = eKinds::COMPATIBLE);
 
     /// Returns the double nearest to factor·x + offset, ties to even, for every double x.
     ///

@@ -13,8 +13,7 @@
 #include "mensor_exact/Reading.h"
 #include "mensor_exact/concatenate.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -75,7 +74,7 @@ private:
         }
     }
 
-    // What becomes of a line, whose form is good.
+    // Defines what a line of good form says.
     CDefined evaluate(std::string_view line, const CDefinitionLine& parts) {
         requireName(line, parts.Name);
         CDefined defined = meaningOf(line, parts);
@@ -170,7 +169,7 @@ private:
         return unit.shifted(inBaseUnits / unit.factor().radicand());
     }
 
-    // The definition. A unit with an offset stands in no product, so it is written by base units.
+    // The definition. A unit with an offset cannot be part of a product, so it is written in base units.
     std::string textOf(std::string_view line, const CDefinitionLine& parts, const CMeaning& unit,
                        const CMeaning& meaning) const {
         if (!unit.offset().isZero()) {
@@ -202,7 +201,7 @@ private:
         return *std::move(reading.Meaning);
     }
 
-    // Says so if another line defines the name.
+    // Tells whether another line defines the name.
     void tellOtherLine(CDiagnosis& diagnosis) {
         if (m_Lines.empty()) {
             for (CDefinitionLines lines(m_Text); lines.next();) {
@@ -278,5 +277,4 @@ CDefinitionError::~CDefinitionError() = default;
 
 const std::vector<CLineFinding>& CDefinitionError::findings() const noexcept { return m_Findings; }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

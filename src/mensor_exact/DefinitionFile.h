@@ -13,13 +13,13 @@
 //     exact::read("EUR/smoot", file.Catalogue);
 //
 //     file       = { line "\n" }
-//     line       = [ definition ] [ "#" anything ]         the "#" at the beginning or behind a blank
+//     line       = [ definition ] [ "#" anything ]         the "#" at the beginning or after a blank
 //     definition = [ "replace" blanks ] name "=" ( "base unit" | size [ "," zero ] )
 //     size       = number unit
 //     zero       = "zero at" ( "+" | "-" ) number unit     what 0 of the new unit is
 //     number     = decimal [ "/" decimal ]                 digits, a point, an exponent; no blanks
 //
-// Between all parts blanks may stand. Names and units are those of docs/reading.md. A number behind a
+// All parts may have blanks in between. Names and units are those of docs/reading.md. A number after a
 // unit without "zero at" is refused: "5 m 2" may be meant as 5 m² or as a zero at 2 m. If one line is
 // refused, no line counts.
 #ifndef MENSOR_EXACT_DEFINITIONFILE_H
@@ -35,8 +35,7 @@
 #include "mensor_exact/Diagnosis.h"
 #include "mensor_exact/exact_export.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// One line that is refused.
 struct CLineFinding {
@@ -51,7 +50,7 @@ struct CTakenName {
     std::string Before;  ///< what it meant: "0.45359237 kg"
 };
 
-/// What became of a file.
+/// The result of reading a file.
 struct CDefinitionFile {
     CCatalogue Catalogue;                ///< with the units of the file; the given one when refused
     std::vector<std::string> Names;      ///< of the units, as defined; empty when refused
@@ -96,7 +95,6 @@ MENSOR_EXACT_API CCatalogue readDefinitions(std::string_view text,
                                             const CCatalogue& catalogue = CCatalogue::builtIn(),
                                             std::string_view source = {});
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_DEFINITIONFILE_H

@@ -11,8 +11,7 @@
 #include "mensor_exact/concatenate.h"
 #include "mensor_exact/utf8.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -30,7 +29,7 @@ CSpan trimmed(std::string_view text, CSpan span) {
     return span;
 }
 
-// What stands before the comment.
+// The line before its comment.
 CSpan definitionIn(std::string_view line) {
     std::size_t end = 0;
     while (end < line.size() && (line[end] != '#' || (end > 0 && !isBlank(line[end - 1])))) {
@@ -114,7 +113,7 @@ private:
         CSpan rest = trimmed(m_Line, {comma + 1, end});
         if (!skipWord("zero", rest.Begin, rest.End) || !skipWord("at", rest.Begin, rest.End)) {
             refuse(eRefusal::UNEXPECTED_CHARACTER, {comma, comma + 1},
-                   "behind a comma \"zero at\" comes, with what 0 of the unit is");
+                   "after the comma \"zero at\" is expected, with what 0 of the unit is");
         }
         CLineValue zero;
         const std::size_t begin = rest.Begin;
@@ -122,19 +121,20 @@ private:
         if (beginsDecimal(rest.Begin)) {
             CDiagnosis diagnosis =
                 exact::diagnose(eRefusal::NO_NUMBER, m_Line, {rest.Begin, rest.Begin + 1},
-                                "the number behind \"zero at\" has a sign");
+                                "the number after \"zero at\" must have a sign");
             diagnosis.Readings = {before(rest.Begin) + "+" + from(rest.Begin)};
             throw Refused{std::move(diagnosis)};
         }
         if (rest.Begin == rest.End || (sign != eKind::PLUS && sign != eKind::MINUS)) {
             refuse(eRefusal::NO_NUMBER, {rest.Begin, rest.Begin},
-                   "behind \"zero at\" comes a number with its sign");
+                   "after \"zero at\" a number with its sign is expected");
         }
         CCursor cursor(m_Line, rest.Begin);
         cursor.advance();
         rest = trimmed(m_Line, {cursor.position(), rest.End});
         if (!beginsDecimal(rest.Begin)) {
-            refuse(eRefusal::NO_NUMBER, {rest.Begin, rest.Begin}, "behind the sign comes a number");
+            refuse(eRefusal::NO_NUMBER, {rest.Begin, rest.Begin},
+                   "after the sign a number is expected");
         }
         zero.Number = number(rest);
         if (sign == eKind::MINUS) {
@@ -161,7 +161,7 @@ private:
         return isDigit(charAt(at + (charAt(at) == '.' ? 1U : 0U)));
     }
 
-    // A decimal or a quotient of two at the beginning of `rest`, which then begins behind it.
+    // A decimal or a quotient of two at the beginning of `rest`, which then begins after it.
     CFraction number(CSpan& rest) {
         const std::size_t begin = rest.Begin;
         const CQuotientText text = quotient(rest);
@@ -233,14 +233,14 @@ private:
         CDiagnosis diagnosis =
             exact::diagnose(eRefusal::NO_NUMBER, m_Line,
                             {rest.Begin, rest.Begin + (rest.Begin < rest.End ? 1U : 0U)},
-                            "behind \"=\" comes a number, or \"base unit\"");
+                            "after \"=\" a number is expected, or \"base unit\"");
         if (rest.Begin < rest.End) {
             diagnosis.Readings = {before(rest.Begin) + "1 " + from(rest.Begin)};
         }
         throw Refused{std::move(diagnosis)};
     }
 
-    // A number behind the unit may be meant as an exponent or as a zero, so it is refused.
+    // A number after the unit may be meant as an exponent or as a zero, so it is refused.
     void requireNoNumber(CSpan unit) {
         std::size_t word = unit.End;
         while (word > unit.Begin && !isBlank(m_Line[word - 1])) {
@@ -290,7 +290,7 @@ private:
 
     // Pieces of the line.
 
-    // Whether `word` comes next, and a blank or the end behind it; steps over both.
+    // Whether `word` comes next, followed by a blank or the end; steps over both.
     bool skipWord(std::string_view word, std::size_t& at, std::size_t end) const {
         const std::size_t behind = at + word.size();
         if (behind > end || m_Line.substr(at, word.size()) != word ||
@@ -383,5 +383,4 @@ void keepReadings(CDiagnosis& diagnosis, const std::function<bool(std::string_vi
                    readings.end());
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

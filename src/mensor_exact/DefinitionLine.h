@@ -18,8 +18,7 @@
 #include "mensor_exact/Refusal.h"
 #include "mensor_exact/exact_export.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// The lines of a text that define something.
 class MENSOR_EXACT_API CDefinitionLines {
@@ -67,7 +66,6 @@ MENSOR_EXACT_API CDiagnosis inLine(CDiagnosis diagnosis, std::string_view line, 
 MENSOR_EXACT_API void keepReadings(CDiagnosis& diagnosis,
                                    const std::function<bool(std::string_view)>& isAccepted);
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_DEFINITIONLINE_H

@@ -20,6 +20,13 @@ std::string quotedList(const std::vector<std::string>& items) {
     return list;
 }
 
+std::string inCapitals(std::string text) {
+    for (char& c : text) {
+        c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    }
+    return text;
+}
+
 }  // namespace
 
 const char* nameOf(eRefusal code) {
@@ -72,11 +79,17 @@ std::string CDiagnosis::message() const {
         message += " (did you mean " + quotedList(Suggestions) + "?)";
     }
     if (!Packs.empty()) {
-        std::string enumerator = Packs[0];
-        for (char& c : enumerator) {
-            c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+        std::string names = Packs[0];
+        std::string enumerators = "ePack::" + inCapitals(Packs[0]);
+        for (const std::string& pack : MorePacks) {
+            names += "," + pack;
+            enumerators += " and ePack::" + inCapitals(pack);
         }
-        message += " (type --pack " + Packs[0] + ", or ask for ePack::" + enumerator + ")";
+        message += " (type --pack " + names + ", or ask for " + enumerators;
+        if (!WithPacks.empty()) {
+            message += "; then write " + quotedList(WithPacks);
+        }
+        message += ")";
     }
     return message;
 }

@@ -88,8 +88,12 @@ struct MENSOR_EXACT_API CDiagnosis {
     std::vector<std::string> Readings;
     /// Known names that are similar to an unknown one, the best first.
     std::vector<std::string> Suggestions;
-    /// The names of the packs that have the unknown name: "customary".
+    /// The names of the packs that have the unknown name: "customary". Each of them is enough.
     std::vector<std::string> Packs;
+    /// The packs that the text needs for its other names, apart from Packs[0].
+    std::vector<std::string> MorePacks;
+    /// Texts to write once these packs are added, if the text has another fault.
+    std::vector<std::string> WithPacks;
 
     /// Returns all of it in one line: the sentence, "(write ... or ...)", "(did you mean ...?)" and how
     /// to add a pack.

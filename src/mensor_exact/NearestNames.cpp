@@ -36,8 +36,15 @@ std::size_t editDistance(const Letters& a, std::size_t aSize, const Letters& b, 
     return (*last)[bSize];
 }
 
-// Whether the name is that of a unit with one of the prefixes beyond tera and pico.
-bool isRare(std::string_view name) {
+// Less is better.
+bool isNearer(const CNearestNames::CNear& a, const CNearestNames::CNear& b) {
+    return std::tie(a.Distance, a.IsRare, a.ExactDistance, a.Name) <
+           std::tie(b.Distance, b.IsRare, b.ExactDistance, b.Name);
+}
+
+}  // namespace
+
+bool hasRarePrefix(std::string_view name) {
     const std::size_t row = CTable::find(name, CTable::AllPacks);
     if (row == CTable::None) {
         return false;
@@ -51,14 +58,6 @@ bool isRare(std::string_view name) {
     }
     return false;
 }
-
-// Orders names. The better one is less.
-bool isNearer(const CNearestNames::CNear& a, const CNearestNames::CNear& b) {
-    return std::tie(a.Distance, a.IsRare, a.ExactDistance, a.Name) <
-           std::tie(b.Distance, b.IsRare, b.ExactDistance, b.Name);
-}
-
-}  // namespace
 
 CNearestNames::CNearestNames(std::string_view unknown) {
     m_HasNone = !read(unknown, m_Unknown) || m_Unknown.Size > Longest;
@@ -109,7 +108,7 @@ void CNearestNames::add(std::string_view known) {
     }
     m_Found.push_back({std::string(known), distance,
                        editDistance(m_Unknown.Exact, m_Unknown.Size, letters.Exact, letters.Size),
-                       isRare(known)});
+                       hasRarePrefix(known)});
     for (std::size_t i = m_Found.size() - 1; i > 0 && isNearer(m_Found[i], m_Found[i - 1]); --i) {
         std::swap(m_Found[i], m_Found[i - 1]);
     }

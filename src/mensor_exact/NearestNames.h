@@ -29,6 +29,9 @@ constexpr std::uint32_t letterSet(std::string_view name) {
     return letters;
 }
 
+/// Whether the name is that of a unit with a prefix beyond tera and pico, which are hardly used.
+bool hasRarePrefix(std::string_view name);
+
 /// Collects the known names that are most similar to an unknown one. First come names with the same
 /// letters in other case. The others are ordered by the number of insertions, deletions, replacements
 /// and swaps of neighbouring letters. Names with usual prefixes come before names with rare ones.

@@ -6,9 +6,11 @@
 #include <numeric>
 
 #include "mensor_exact/Characters.h"
+#include "mensor_exact/Conversion.h"
+#include "mensor_exact/Error.h"
+#include "mensor_exact/sentences.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -56,7 +58,14 @@ public:
         return result;
     }
 
+    // Also the signs of feet and inches.
     std::string_view name() {
+        if (skipCharacter(U'\'') || skipCharacter(U'\u2019')) {
+            return "ft";
+        }
+        if (skipCharacter(U'"') || skipCharacter(U'\u201D')) {
+            return "in";
+        }
         const std::size_t begin = m_Cursor.position();
         while (m_Cursor.kind() == eKind::NAME) {
             m_Cursor.advance();
@@ -125,6 +134,27 @@ void addComma(std::string_view value, std::vector<std::string>& meant) {
     } while (text.skipCharacter(U','));
     const std::string fraction = text.skip(eKind::POINT) ? "." + text.digits() : "";
     meant.push_back(sign + whole + groups + fraction + text.rest());
+}
+
+// "1.000.000 m", "1.234,5 m".
+void addPoints(std::string_view value, std::vector<std::string>& meant) {
+    CValueText text(value);
+    std::string number = text.sign() + text.digits();
+    int groups = 0;
+    while (text.skip(eKind::POINT)) {
+        const std::string group = text.digits();
+        if (group.size() != 3) {
+            return;
+        }
+        number += group;
+        ++groups;
+    }
+    const bool hasComma = text.skipCharacter(U',');
+    const std::string fraction = hasComma ? text.digits() : "";
+    if (groups == 0 || (groups == 1 && !hasComma) || (hasComma && fraction.empty())) {
+        return;
+    }
+    meant.push_back(number + (hasComma ? "." + fraction : "") + text.rest());
 }
 
 // "1 000 m", "1'000 m".
@@ -267,6 +297,30 @@ void addSum(std::string_view value, CResolver& resolver, std::vector<std::string
 
 }  // namespace
 
+std::string sumOf(const std::vector<CNamedNumber>& values,
+                  const std::function<std::optional<CMeaning>(std::string_view)>& meaningOf) {
+    const std::string_view unit = values.back().Name;
+    const std::optional<CMeaning> last = meaningOf(unit);
+    CFraction sum;
+    for (const CNamedNumber& value : values) {
+        const std::optional<CMeaning> meaning = meaningOf(value.Name);
+        if (!meaning || !last || !meaning->offset().isZero() || !meaning->isCompatibleWith(*last)) {
+            return {};
+        }
+        try {
+            const std::optional<CFraction> size =
+                CConversion(*meaning, *last).convert(CFraction::ofText(value.Number));
+            if (!size) {
+                return {};
+            }
+            sum = sum + *size;
+        } catch (const CError&) {  // numbers that are too long
+            return {};
+        }
+    }
+    return shortest(sum.toDouble()).append(" ").append(unit);
+}
+
 CValuesMeant valuesMeant(std::string_view text, CResolver& resolver) {
     CValuesMeant meant;
     const auto isFound = [&meant](const char* sentence) {
@@ -277,24 +331,27 @@ CValuesMeant valuesMeant(std::string_view text, CResolver& resolver) {
     if (isFound(nullptr)) {
         return meant;
     }
+    addPoints(text, meant.Values);
+    if (isFound(sentences::OTHER_MARKS)) {
+        return meant;
+    }
     addGroups(text, meant.Values);
-    if (isFound("a number cannot contain blanks or apostrophes")) {
+    if (isFound(sentences::BLANKS_IN_NUMBER)) {
         return meant;
     }
     addFraction(text, meant.Values);
-    if (isFound("a number must be a decimal number, not a fraction")) {
+    if (isFound(sentences::FRACTION)) {
         return meant;
     }
     addPowerOfTen(text, meant.Values);
-    if (isFound("a power of ten in a number is written with an e")) {
+    if (isFound(sentences::POWER_OF_TEN)) {
         return meant;
     }
     addSum(text, resolver, meant.Values);
-    if (!isFound("a value has one number and one unit")) {
+    if (!isFound(sentences::ONE_NUMBER)) {
         meant.Sentence = nullptr;
     }
     return meant;
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

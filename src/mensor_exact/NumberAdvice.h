@@ -9,8 +9,7 @@
 
 #include "mensor_exact/Parser.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// What a value may have meant.
 struct CValuesMeant {
@@ -22,7 +21,6 @@ struct CValuesMeant {
 /// "90 min" for "1 h 30 min".
 CValuesMeant valuesMeant(std::string_view text, CResolver& resolver);
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_NUMBERADVICE_H

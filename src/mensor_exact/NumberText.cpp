@@ -4,6 +4,7 @@
 
 #include "mensor_exact/Characters.h"
 #include "mensor_exact/Parser.h"
+#include "mensor_exact/sentences.h"
 
 namespace mensor::exact {
 
@@ -28,8 +29,7 @@ public:
 
     bool find(bool mayBeNotFinite) {
         if (m_Text.size() > LongestText && countCodePoints(m_Text) > LongestText) {
-            return refuse(eRefusal::TOO_LONG, {0, 0},
-                          "a value cannot have more than 4096 characters");
+            return refuse(eRefusal::TOO_LONG, {0, 0}, sentences::LONG_VALUE);
         }
         CCursor cursor(m_Text);
         cursor.skipBlanks();
@@ -41,7 +41,7 @@ public:
         const std::size_t begin = cursor.position();
         if (at(begin) == '0' && (at(begin + 1) | 0x20) == 'x') {
             return refuse(eRefusal::HEXADECIMAL, {m_Number.Whole.Begin, begin + 2},
-                          "a number must be decimal");
+                          sentences::NOT_DECIMAL);
         }
         const bool isDecimal = isDigit(at(begin)) || (at(begin) == '.' && isDigit(at(begin + 1)));
         if (!(isDecimal ? decimal(begin) : word(begin, mayBeNotFinite))) {
@@ -67,10 +67,8 @@ private:
             }
         }
         m_Number.Size = {begin, end};
-        return at(end) != ',' ||
-               refuse(eRefusal::DECIMAL_COMMA, {end, end + 1},
-                      "there is a comma in this number; the decimal sign is a point",
-                      eReadings::VALUE);
+        return at(end) != ',' || refuse(eRefusal::DECIMAL_COMMA, {end, end + 1},
+                                        sentences::DECIMAL_COMMA, eReadings::VALUE);
     }
 
     bool word(std::size_t begin, bool mayBeNotFinite) {
@@ -82,14 +80,14 @@ private:
             m_Number.Size = {begin, begin + name.size()};
             return mayBeNotFinite ||
                    refuse(eRefusal::NOT_FINITE, {m_Number.Whole.Begin, m_Number.Size.End},
-                          "the number of a value must be finite");
+                          sentences::NOT_FINITE);
         }
         CCursor cursor(m_Text, begin);
         if (cursor.kind() != eKind::END) {
             cursor.advance();
         }
         return refuse(eRefusal::NO_NUMBER, {m_Number.Whole.Begin, cursor.position()},
-                      "a value must begin with a number");
+                      sentences::NUMBER_FIRST);
     }
 
     // As a unit alone, "1" is accepted. After a number it is probably a mistake.
@@ -104,8 +102,7 @@ private:
         const std::size_t end = cursor.position();
         cursor.skipBlanks();
         return cursor.kind() != eKind::END ||
-               refuse(eRefusal::STRAY_NUMBER, {begin, end},
-                      "there are two numbers; the unit without a dimension is \"One\"");
+               refuse(eRefusal::STRAY_NUMBER, {begin, end}, sentences::TWO_NUMBERS);
     }
 
     bool refuse(eRefusal code, CSpan span, const char* sentence,

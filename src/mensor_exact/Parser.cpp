@@ -19,10 +19,10 @@
 #include "mensor_exact/Characters.h"
 #include "mensor_exact/Reading.h"
 #include "mensor_exact/Traps.h"
+#include "mensor_exact/sentences.h"
 #include "mensor_exact/utf8.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -46,9 +46,6 @@ bool isInRange(Fraction fraction) {
     return std::abs(fraction.Pow) <= LargestExponent && fraction.Root <= LargestExponent;
 }
 
-constexpr const char* InvisibleCharacter = "there is an invisible character here";
-constexpr const char* UnmatchedBracket = "unmatched closing bracket";
-
 bool isSign(eKind kind) { return kind == eKind::PLUS || kind == eKind::MINUS; }
 
 bool isRaised(eKind kind) {
@@ -57,18 +54,16 @@ bool isRaised(eKind kind) {
 
 const char* sentenceOnForeign(char32_t c) {
     switch (c) {
-        case U'\'': return "a unit cannot contain an apostrophe; the minute of arc is \"′\"";
-        case U'"': return "a unit cannot contain a quotation mark; the second of arc is \"″\"";
-        case U',': return "a unit cannot contain a comma";
+        case U'\'': return sentences::APOSTROPHE;
+        case U'"': return sentences::QUOTATION_MARK;
+        case U',': return sentences::COMMA;
         case U'<':
         case U'>':
         case U'&':
-        case U';': return "a unit cannot contain markup";
+        case U';': return sentences::MARKUP;
         case U'\n':
-        case U'\r': return "a unit cannot contain a line break";
-        default:
-            return c < 0x80 && c > 0x20 ? "a unit cannot contain this character"
-                                        : InvisibleCharacter;
+        case U'\r': return sentences::LINE_BREAK;
+        default: return c < 0x80 && c > 0x20 ? sentences::FOREIGN_CHARACTER : sentences::INVISIBLE;
     }
 }
 
@@ -86,21 +81,23 @@ public:
     bool parse(bool mayBeEmpty) {
         const std::string_view unit = m_Text.substr(m_Begin);
         if (unit.size() > LongestText && countCodePoints(unit) > LongestText) {
-            return refuse(eRefusal::TOO_LONG, {m_Begin, m_Begin},
-                          "a unit cannot have more than 4096 characters");
+            return refuse(eRefusal::TOO_LONG, {m_Begin, m_Begin}, sentences::LONG_UNIT);
         }
         if (!requireWellFormed()) {
             return false;
         }
         m_Cursor.skipBlanks();
         if (kind() == eKind::END) {
-            return mayBeEmpty || refuse(eRefusal::EMPTY, {at(), at()}, "the unit is missing");
+            return mayBeEmpty || refuse(eRefusal::EMPTY, {at(), at()}, sentences::EMPTY_UNIT);
         }
         if (!expression(0)) {
             return false;
         }
-        return kind() == eKind::END ||
-               refuse(eRefusal::STRAY_BRACKET, here(), UnmatchedBracket, eReadings::REMOVE);
+        if (kind() != eKind::END) {
+            return refuse(eRefusal::STRAY_BRACKET, here(), sentences::UNMATCHED_BRACKET,
+                          eReadings::REMOVE);
+        }
+        return requireNoLetterOfTemperature();
     }
 
 private:
@@ -120,7 +117,7 @@ private:
         return (kind() != eKind::SLASH || divisor(depth, left)) && requireEnd();
     }
 
-    // The rest of an expression, from its stroke on.
+    // The rest of an expression, from its slash on.
     bool divisor(int depth, CSpan left) {
         m_Cursor.advance();
         m_Cursor.skipBlanks();
@@ -139,8 +136,9 @@ private:
         if (!goesOn) {
             return requireNoQuotientTrap(left, right);
         }
-        return (!hadBlank ||
-                (requireNoPair(lastWord(right), right) && requireNoPair(lastWord(left), right))) &&
+        return requireNoNoteBehind({left.Begin, right.End}) &&
+               (!hadBlank || (requireNoNote() && requireNoPair(lastWord(right), right) &&
+                              requireNoPairOfQuotient(left, right))) &&
                refuseChain(left);
     }
 
@@ -167,11 +165,15 @@ private:
             const bool isPlain = m_PlainName.End == at();  // a name without an exponent
             m_Cursor.skipBlanks();
             if (isOperator()) {
+                const bool isPoint = kind() == eKind::POINT;
                 m_Cursor.advance();
                 m_Cursor.skipBlanks();
+                if (isPoint && isPlain && !requireOneName(m_PlainName)) {
+                    return false;
+                }
             } else if (!beginsFactor() || !hadBlank) {
                 return true;
-            } else if (isPlain && !requireNoPair(m_PlainName, m_PlainName)) {
+            } else if ((isPlain && !requireNoPair(m_PlainName, m_PlainName)) || !requireNoNote()) {
                 return false;
             }
             if (!factor(depth)) {
@@ -182,8 +184,7 @@ private:
 
     bool factor(int depth) {
         if (depth > DeepestNesting) {
-            return refuse(eRefusal::TOO_DEEP, here(),
-                          "brackets and roots cannot be nested more than 64 deep");
+            return refuse(eRefusal::TOO_DEEP, here(), sentences::NESTED_TOO_DEEP);
         }
         const std::size_t begin = m_Factors.size();
         const std::size_t beginText = at();
@@ -292,7 +293,7 @@ private:
         m_Cursor.skipBlanks();
         if (kind() == eKind::CLOSE) {
             return refuse(eRefusal::MISSING_UNIT, {opening.Begin, here().End},
-                          "these brackets are empty");
+                          sentences::EMPTY_BRACKETS);
         }
         if (kind() == eKind::END) {
             return refuseOpen(opening);
@@ -315,7 +316,7 @@ private:
         return digits(eKind::DIGIT, n) && raise(begin, {sign * n, 1}, {beginPower, at()});
     }
 
-    // A power behind a name or parentheses, if there is one; raises the factors from `begin` on.
+    // A power after a name or parentheses, if there is one; raises the factors from `begin` on.
     bool exponent(std::size_t begin, std::size_t beginText) {
         const std::size_t beginPower = at();
         Fraction power{};
@@ -343,7 +344,7 @@ private:
         }
         if (kind() != eKind::RAISED_DIGIT) {
             return refuse(eRefusal::MALFORMED_EXPONENT, {begin, at()},
-                          "superscript sign without a digit");
+                          sentences::SIGN_WITHOUT_DIGIT);
         }
         int n = 0;
         if (!digits(eKind::RAISED_DIGIT, n)) {
@@ -368,7 +369,7 @@ private:
         return true;
     }
 
-    // What stands behind the "^" at `begin`: an integer, a decimal or a fraction.
+    // The number after the "^" at `begin`: an integer, a decimal or a fraction.
     bool power(std::size_t begin, Fraction& power) {
         const bool isBracketed = kind() == eKind::OPEN;
         const CSpan opening = here();
@@ -379,7 +380,7 @@ private:
         const int sign = this->sign();
         if (kind() != eKind::DIGIT) {
             return refuse(eRefusal::MALFORMED_EXPONENT, {begin, at()},
-                          "an exponent must be a number");
+                          sentences::EXPONENT_NO_NUMBER);
         }
         Fraction fraction{0, 1};
         if (!digits(eKind::DIGIT, fraction.Pow)) {
@@ -395,7 +396,7 @@ private:
             }
             if (fraction.Root == 0) {
                 return refuse(eRefusal::MALFORMED_EXPONENT, {begin, at()},
-                              "the denominator is zero");
+                              sentences::ZERO_DENOMINATOR);
             }
         }
         power = multiplied({sign, 1}, fraction);
@@ -408,8 +409,7 @@ private:
             return refuseOpen(opening);
         }
         if (kind() != eKind::CLOSE) {
-            return refuse(eRefusal::MALFORMED_EXPONENT, {begin, at()},
-                          "the brackets of an exponent can only contain a number");
+            return refuse(eRefusal::MALFORMED_EXPONENT, {begin, at()}, sentences::MORE_IN_EXPONENT);
         }
         m_Cursor.advance();
         return true;
@@ -452,8 +452,7 @@ private:
         }
         const std::int64_t divisor = std::gcd(numerator, denominator);
         if (isLonger || denominator / divisor > LargestExponent) {
-            return refuse(eRefusal::INEXACT_EXPONENT, {begin, at()},
-                          "this exponent is not a small fraction");
+            return refuse(eRefusal::INEXACT_EXPONENT, {begin, at()}, sentences::NO_SMALL_FRACTION);
         }
         if (numerator / divisor > LargestExponent) {
             return refuseRange({begin, at()});
@@ -567,12 +566,11 @@ private:
                 continue;
             }
             if (byte == 0) {
-                return refuse(eRefusal::MALFORMED_TEXT, {at, at + 1}, "the text contains a NUL");
+                return refuse(eRefusal::MALFORMED_TEXT, {at, at + 1}, sentences::NUL_IN_TEXT);
             }
             const char32_t c = decode(m_Text.substr(at), length);
             if (c == NotUtf8) {
-                return refuse(eRefusal::MALFORMED_TEXT, {at, at + length},
-                              "the text is not UTF-8 here");
+                return refuse(eRefusal::MALFORMED_TEXT, {at, at + length}, sentences::NOT_UTF8);
             }
             constexpr char32_t SoftHyphen = 0xAD;
             constexpr char32_t NextInvisible = 0x34F;
@@ -581,7 +579,7 @@ private:
             }
         }
         return invisible.End == 0 || refuse(eRefusal::UNEXPECTED_CHARACTER, invisible,
-                                            InvisibleCharacter, eReadings::REMOVE);
+                                            sentences::INVISIBLE, eReadings::REMOVE);
     }
 
     [[gnu::cold]] bool refuseForeign() {
@@ -590,48 +588,76 @@ private:
     }
 
     [[gnu::cold]] bool refuseOpen(CSpan opening) {
-        return refuse(eRefusal::OPEN_BRACKET, opening, "this bracket is never closed",
-                      eReadings::CLOSE);
+        return refuse(eRefusal::OPEN_BRACKET, opening, sentences::NEVER_CLOSED, eReadings::CLOSE);
     }
 
     [[gnu::cold]] bool refuseRange(CSpan span) {
-        return refuse(eRefusal::EXPONENT_RANGE, span, "an exponent cannot be beyond 99");
+        return refuse(eRefusal::EXPONENT_RANGE, span, sentences::EXPONENT_TOO_LARGE);
     }
 
     // "m^1/2", which mathematics reads as m/2.
     [[gnu::cold]] bool refuseBareFraction() {
-        return refuse(eRefusal::STRAY_NUMBER, number(),
-                      "an exponent that is a fraction needs brackets", eReadings::FRACTION,
-                      m_CaretPower);
+        return refuse(eRefusal::STRAY_NUMBER, number(), sentences::BARE_FRACTION,
+                      eReadings::FRACTION, m_CaretPower);
     }
 
-    // What stands where a factor should begin.
+    // Refuses what is there in place of a factor.
     [[gnu::cold]] bool refuseFactor() {
         switch (kind()) {
             case eKind::FOREIGN: return refuseForeign();
             case eKind::DIGIT:
-                return refuse(eRefusal::STRAY_NUMBER, number(),
-                              "a unit cannot contain the number {}", eReadings::JOIN);
+                return refuse(eRefusal::STRAY_NUMBER, number(), sentences::NUMBER_IN_UNIT,
+                              eReadings::JOIN);
             case eKind::CLOSE_NAME:
-                return refuse(eRefusal::STRAY_BRACKET, here(), UnmatchedBracket, eReadings::REMOVE);
+                return refuse(eRefusal::STRAY_BRACKET, here(), sentences::UNMATCHED_BRACKET,
+                              eReadings::REMOVE);
             case eKind::CLOSE:
                 return m_Factors.empty()
-                           ? refuse(eRefusal::STRAY_BRACKET, here(), UnmatchedBracket,
+                           ? refuse(eRefusal::STRAY_BRACKET, here(), sentences::UNMATCHED_BRACKET,
                                     eReadings::REMOVE)
-                           : refuse(eRefusal::MISSING_UNIT, here(), "a unit is missing here");
-            case eKind::PLUS:
+                           : refuse(eRefusal::MISSING_UNIT, here(), sentences::NO_UNIT_HERE);
             case eKind::MINUS:
+                if (m_Factors.empty() && !requireNoLoneSign()) {
+                    return false;
+                }
+                if (isHyphen()) {
+                    if (m_PlainName.End == at() && !requireNoNameBehind(m_PlainName)) {
+                        return false;
+                    }
+                    return refuse(eRefusal::UNEXPECTED_CHARACTER, here(), sentences::HYPHEN,
+                                  eReadings::DOT);
+                }
+                [[fallthrough]];
+            case eKind::PLUS:
             case eKind::COLON:
-                return refuse(eRefusal::UNEXPECTED_CHARACTER, here(),
-                              "this sign can only be part of an exponent", eReadings::JOIN);
+                return refuse(eRefusal::UNEXPECTED_CHARACTER, here(), sentences::STRAY_SIGN,
+                              eReadings::JOIN);
             default: break;
         }
         const bool isFirstSlash = kind() == eKind::SLASH && m_Factors.empty() && at() == m_Begin;
         return refuse(eRefusal::MISSING_UNIT, kind() == eKind::END ? CSpan{at(), at()} : here(),
-                      "a unit is missing here", isFirstSlash ? eReadings::ONE : eReadings::NONE);
+                      sentences::NO_UNIT_HERE, isFirstSlash ? eReadings::ONE : eReadings::NONE);
     }
 
-    // What stands where an expression should end.
+    // "-" for no unit.
+    [[gnu::cold]] bool requireNoLoneSign() {
+        const std::size_t end = m_Text.find_last_not_of(" \t") + 1;
+        const CSpan rest{at(), std::max(at(), end)};
+        const CTrap* const trap = findTrap(ePlace::UNKNOWN, rest.of(m_Text));
+        return trap == nullptr || refuseTrap(rest, *trap);
+    }
+
+    // Whether the minus sign here is the hyphen of "kW-h".
+    bool isHyphen() const {
+        CCursor ahead = m_Cursor;
+        ahead.advance();
+        ahead.skipBlanks();
+        return !m_Factors.empty() &&
+               (ahead.kind() == eKind::NAME || ahead.kind() == eKind::OPEN_NAME ||
+                ahead.kind() == eKind::OPEN || ahead.kind() == eKind::ROOT);
+    }
+
+    // Refuses what follows an expression.
     bool requireEnd() {
         switch (kind()) {
             case eKind::END:
@@ -643,14 +669,14 @@ private:
                 if (m_PlainName.End == at() && !requireNoPair(m_PlainName, m_PlainName)) {
                     return false;  // "kPa(g)"
                 }
-                return refuse(eRefusal::MISSING_OPERATOR, here(),
-                              "there is no operator between these units", eReadings::TIMES);
+                return refuse(eRefusal::MISSING_OPERATOR, here(), sentences::NO_OPERATOR,
+                              eReadings::TIMES);
             case eKind::RAISED_DIGIT:
             case eKind::RAISED_MINUS:
             case eKind::RAISED_PLUS:
             case eKind::CARET:
                 return refuse(eRefusal::MALFORMED_EXPONENT, here(),
-                              "no blank is allowed before an exponent", eReadings::JOIN);
+                              sentences::BLANK_BEFORE_EXPONENT, eReadings::JOIN);
             default: return refuseFactor();
         }
     }
@@ -667,7 +693,7 @@ private:
         CCursor afterwards = ahead;
         afterwards.advance();
         return refuse(eRefusal::SECOND_EXPONENT, {ahead.position(), afterwards.position()},
-                      "a unit can have one exponent only", eReadings::POWER, {begin, at()});
+                      sentences::TWO_EXPONENTS, eReadings::POWER, {begin, at()});
     }
 
     // Behind a/b the cursor is at another operator: mathematics and habit read on differently.
@@ -676,14 +702,13 @@ private:
         ahead.advance();
         ahead.skipBlanks();
         if (kind() == eKind::SLASH && ahead.kind() == eKind::END) {
-            return refuse(eRefusal::MISSING_UNIT, here(), "a unit is missing behind this sign",
+            return refuse(eRefusal::MISSING_UNIT, here(), sentences::NO_UNIT_BEHIND,
                           eReadings::REMOVE);
         }
-        return kind() == eKind::SLASH
-                   ? refuse(eRefusal::SECOND_DIVISION, here(), "a second division needs brackets",
-                            eReadings::CHAIN, left)
-                   : refuse(eRefusal::PRODUCT_AFTER_DIVISION, here(),
-                            "a product behind a division needs brackets", eReadings::CHAIN, left);
+        return kind() == eKind::SLASH ? refuse(eRefusal::SECOND_DIVISION, here(),
+                                               sentences::DIVISION_CHAIN, eReadings::CHAIN, left)
+                                      : refuse(eRefusal::PRODUCT_AFTER_DIVISION, here(),
+                                               sentences::PRODUCT_CHAIN, eReadings::CHAIN, left);
     }
 
     // Behind a name that no unit has.
@@ -693,22 +718,24 @@ private:
         if (cubed != nullptr) {
             return refuseCubed(span, *cubed);
         }
-        CCursor ahead(m_Text, span.End);
-        while (ahead.kind() == eKind::NAME || ahead.kind() == eKind::DIGIT) {
-            ahead.advance();
+        const CTrap* trap = nullptr;
+        const CSpan whole = longestText(span.Begin, [&](std::string_view text) {  // "kgCO2", "w/w"
+            trap = findTrap(ePlace::UNKNOWN, text);
+            return trap != nullptr;
+        });
+        if (trap != nullptr && whole.End > span.End) {
+            return refuseTrap(whole, *trap);
         }
-        const CSpan whole{span.Begin, ahead.position()};  // "kgCO2"
-        const CTrap* trap = findTrap(ePlace::UNKNOWN, whole.of(m_Text));
-        if (trap != nullptr) {
-            span = whole;
-        } else {
-            trap = findTrap(ePlace::UNKNOWN, name);
+        if (!requireNoNameBehind(span)) {
+            return false;
         }
-        if (trap != nullptr) {
-            return refuse(eRefusal::UNKNOWN_NAME, span, trap->Sentence, eReadings::TRAP, span,
-                          trap);
-        }
-        return refuse(eRefusal::UNKNOWN_NAME, span, "no unit has the name \"{}\"");
+        trap = findTrap(ePlace::UNKNOWN, name);
+        return trap != nullptr ? refuseTrap(span, *trap)
+                               : refuse(eRefusal::UNKNOWN_NAME, span, sentences::UNKNOWN);
+    }
+
+    [[gnu::cold]] bool refuseTrap(CSpan span, const CTrap& trap) {
+        return refuse(eRefusal::UNKNOWN_NAME, span, trap.sentence(), eReadings::TRAP, span, &trap);
     }
 
     // Traps. All return false where the text is refused.
@@ -733,7 +760,7 @@ private:
         if (cubed != nullptr) {
             return refuseCubed(m_PlainName, *cubed);
         }
-        return refuse(eRefusal::MISLEADING, m_PlainName, trap->Sentence, eReadings::TRAP,
+        return refuse(eRefusal::MISLEADING, m_PlainName, trap->sentence(), eReadings::TRAP,
                       m_PlainName, trap);
     }
 
@@ -762,37 +789,203 @@ private:
 
     [[gnu::cold]] bool refuseCubed(CSpan name, const CTrap& trap) {
         const CSpan token{name.Begin, cube().End};
-        return refuse(eRefusal::MISLEADING, token, trap.Sentence, eReadings::TRAP, token, &trap);
+        return refuse(eRefusal::MISLEADING, token, trap.sentence(), eReadings::TRAP, token, &trap);
     }
 
-    // Before a name with a blank before it: "psi g". `before` tells the class of the name; `kept` stays.
-    bool requireNoPair(CSpan before, CSpan kept) {
-        if (kind() != eKind::NAME && kind() != eKind::OPEN) {
-            return true;
-        }
-        CCursor ahead = m_Cursor;
+    // The longest text from `begin` on that `isKnown`: some names, digits and the signs in between, or what
+    // is in brackets. Empty if there is none.
+    template <class IsKnown>
+    CSpan longestText(std::size_t begin, const IsKnown& isKnown) const {
+        constexpr std::size_t Most = 6;  // pieces
+        std::array<std::size_t, Most> ends{};
+        std::size_t count = 0;
+        CCursor ahead(m_Text, begin);
         const bool isBracketed = ahead.kind() == eKind::OPEN;
         if (isBracketed) {
             ahead.advance();
         }
-        while (ahead.kind() == eKind::NAME || ahead.kind() == eKind::DIGIT) {
-            ahead.advance();
-        }
-        if (isBracketed) {
-            if (ahead.kind() != eKind::CLOSE) {
-                return true;
+        constexpr std::size_t Longest = 32;  // bytes
+        while (count < Most && ahead.position() - begin <= Longest) {
+            const std::size_t start = ahead.position();
+            while (ahead.position() - begin <= Longest &&
+                   (ahead.kind() == eKind::NAME || ahead.kind() == eKind::DIGIT ||
+                    ahead.kind() == eKind::RAISED_DIGIT)) {
+                ahead.advance();
             }
+            if (ahead.position() > start && !isBracketed) {
+                ends[count++] = ahead.position();
+            }
+            if (ahead.position() > start && !isBracketed && count < Most) {
+                const std::size_t end = endOfBrackets(ahead);  // "ppm(w)"
+                if (end > ahead.position()) {
+                    ends[count++] = end;
+                    break;
+                }
+            }
+            if (isBracketed && ahead.kind() == eKind::CLOSE) {
+                ahead.advance();
+                ends[count++] = ahead.position();
+                break;
+            }
+            if (ahead.kind() != eKind::POINT && ahead.kind() != eKind::SLASH &&
+                ahead.kind() != eKind::MINUS) {
+                break;
+            }
+            const bool isPoint = ahead.kind() == eKind::POINT;
             ahead.advance();
+            if (isPoint && !isBracketed && count > 0 && count < Most) {
+                ends[count++] = ahead.position();  // "abs."
+            }
         }
-        const CSpan next{at(), ahead.position()};
-        const bool isBelow =
-            m_Text.substr(m_Begin, before.Begin - m_Begin).find('/') != std::string_view::npos;
-        const CTrap* const trap = findPair(before.of(m_Text), next.of(m_Text), isBelow);
-        if (trap == nullptr || m_Resolver.isOwn(next.of(m_Text))) {
+        while (count > 0) {
+            const CSpan text{begin, ends[--count]};
+            if (isKnown(text.of(m_Text))) {
+                return text;
+            }
+        }
+        return {};
+    }
+
+    // The end of names in brackets at the cursor, or the cursor's position.
+    static std::size_t endOfBrackets(CCursor cursor) {
+        const std::size_t begin = cursor.position();
+        if (cursor.kind() != eKind::OPEN) {
+            return begin;
+        }
+        do {
+            cursor.advance();
+        } while (cursor.kind() == eKind::NAME || cursor.kind() == eKind::DIGIT);
+        const bool isClosed = cursor.kind() == eKind::CLOSE;
+        cursor.advance();
+        return isClosed ? cursor.position() : begin;
+    }
+
+    // Before a name or a bracket with a blank before it: "psi g". `before` tells the class of the name;
+    // `kept` stays.
+    bool requireNoPair(CSpan before, CSpan kept) {
+        if (kind() != eKind::NAME && kind() != eKind::OPEN) {
             return true;
         }
-        return refuse(eRefusal::MISLEADING, {kept.Begin, next.End}, trap->Sentence, eReadings::TRAP,
-                      kept, trap);
+        const bool isBelow =
+            m_Text.substr(m_Begin, before.Begin - m_Begin).find('/') != std::string_view::npos;
+        const CTrap* trap = nullptr;
+        const CSpan next = longestText(at(), [&](std::string_view text) {
+            trap = findPair(before.of(m_Text), text, isBelow);
+            return trap != nullptr;
+        });
+        if (trap == nullptr || m_Resolver.isOwn(next.of(m_Text)) ||
+            (trap->Place == ePlace::MASS_PER && !isPerMember(next.End))) {
+            return true;
+        }
+        return refusePair(kept, next, *trap);
+    }
+
+    // The same after a quotient that has a mass above its slash: "mg/l N".
+    bool requireNoPairOfQuotient(CSpan left, CSpan right) {
+        const std::string_view mass = lastWord(left).of(m_Text);
+        const CTrap* trap = nullptr;
+        const CSpan next = longestText(at(), [&](std::string_view text) {
+            trap = findPair(mass, text, false);
+            return trap != nullptr;
+        });
+        if (trap == nullptr || m_Resolver.isOwn(next.of(m_Text)) ||
+            (trap->Place == ePlace::MASS_PER && !isMember(firstWord(right), ePlace::MASS_PER))) {
+            return true;
+        }
+        return refusePair(right, next, *trap);
+    }
+
+    [[gnu::cold]] bool refusePair(CSpan kept, CSpan next, const CTrap& trap) {
+        return refuse(eRefusal::MISLEADING, {kept.Begin, next.End}, trap.sentence(),
+                      eReadings::TRAP, kept, &trap);
+    }
+
+    // Whether a slash and a name of the class MASS_PER are at `position`: "/l".
+    bool isPerMember(std::size_t position) const {
+        CCursor ahead(m_Text, position);
+        ahead.skipBlanks();
+        if (ahead.kind() != eKind::SLASH) {
+            return false;
+        }
+        ahead.advance();
+        ahead.skipBlanks();
+        return isMember(firstWord({ahead.position(), m_Text.size()}), ePlace::MASS_PER);
+    }
+
+    // Behind a point: "deg.C", "sq.m".
+    bool requireOneName(CSpan before) {
+        const CTrap* trap = nullptr;
+        const CSpan next = longestText(at(), [&](std::string_view text) {
+            trap = findApart(before.of(m_Text), text);
+            return trap != nullptr;
+        });
+        return trap == nullptr || m_Resolver.isOwn(next.of(m_Text)) ||
+               refusePair(before, next, *trap);
+    }
+
+    // Behind an unknown name: "sq m", "cu.ft", "Deg C".
+    [[gnu::cold]] bool requireNoNameBehind(CSpan name) {
+        CCursor ahead(m_Text, name.End);
+        if (ahead.kind() == eKind::POINT || ahead.kind() == eKind::MINUS) {
+            ahead.advance();
+        }
+        ahead.skipBlanks();
+        if (ahead.position() == name.End) {
+            return true;
+        }
+        const CTrap* trap = nullptr;
+        const CSpan next = longestText(ahead.position(), [&](std::string_view text) {
+            trap = findApart(name.of(m_Text), text);
+            return trap != nullptr;
+        });
+        return trap == nullptr || refusePair(name, next, *trap);
+    }
+
+    // A word that is a note wherever it is: "mm/s rms".
+    bool requireNoNote() {
+        const CTrap* trap = nullptr;
+        const CSpan word = longestText(at(), [&](std::string_view text) {
+            trap = findTrap(ePlace::NOTE, text);
+            return trap != nullptr;
+        });
+        return trap == nullptr || m_Resolver.knows(word.of(m_Text)) ||
+               refuse(eRefusal::MISLEADING, word, trap->sentence(),
+                      trap->first().empty() ? eReadings::REMOVE : eReadings::TRAP, word, trap);
+    }
+
+    // Directly after a quotient: "kg/cm2g".
+    bool requireNoNoteBehind(CSpan quotient) {
+        constexpr std::size_t Longest = 16;
+        const std::string_view text = quotient.of(m_Text);
+        if (text.size() > Longest || !isMember(text, ePlace::TECHNICAL)) {
+            return true;
+        }
+        const CTrap* trap = nullptr;
+        const CSpan note = longestText(at(), [&](std::string_view word) {
+            trap = findTrap(ePlace::TECHNICAL, word);
+            return trap != nullptr;
+        });
+        return trap == nullptr || refusePair(quotient, note, *trap);
+    }
+
+    // "kJ/(kg·C)", "kJ·C/kg": a heat or a power by three units has no coulomb in it.
+    bool requireNoLetterOfTemperature() {
+        if (m_Factors.size() < 3) {
+            return true;
+        }
+        for (const CNamedFactor& factor : m_Factors) {
+            const std::string_view name = factor.Name.of(m_Text);
+            if (name.size() != 1 || std::abs(factor.Pow) != 1 || factor.Root != 1) {
+                continue;
+            }
+            const CTrap* const trap = findTrap(ePlace::HEAT, name);
+            if (trap != nullptr && isMember(m_Factors[0].Name.of(m_Text), ePlace::HEAT) &&
+                !m_Resolver.isOwn(name)) {
+                return refuse(eRefusal::MISLEADING, factor.Name, trap->sentence(), eReadings::TRAP,
+                              factor.Name, trap);
+            }
+        }
+        return true;
     }
 
     // A quotient that has two meanings: "W/mK".
@@ -806,13 +999,17 @@ private:
         if (name.End - name.Begin > Longest) {
             return true;
         }
-        const CTrap* const trap =
-            findTrap(ePlace::QUOTIENT, name.of(m_Text), lastWord(left).of(m_Text));
+        CSpan above = lastWord(left);
+        const CTrap* trap = findTrap(ePlace::QUOTIENT, name.of(m_Text), above.of(m_Text));
+        if (trap == nullptr) {  // "m3/H"
+            above = lastWordWithPower(left);
+            trap = findTrap(ePlace::QUOTIENT, name.of(m_Text), above.of(m_Text));
+        }
         if (trap == nullptr || m_Resolver.isOwn(name.of(m_Text))) {
             return true;
         }
-        return refuse(eRefusal::MISLEADING, {lastWord(left).Begin, right.End}, trap->Sentence,
-                      eReadings::TRAP, left, trap);
+        return refuse(eRefusal::MISLEADING, {above.Begin, right.End}, trap->sentence(),
+                      eReadings::TRAP, above, trap);
     }
 
     // The characters of a name at the end of a piece of the text.
@@ -828,13 +1025,42 @@ private:
         return word;
     }
 
+    // The same with its exponent: "m3".
+    CSpan lastWordWithPower(CSpan span) const {
+        CSpan word{span.Begin, span.End};
+        bool wasPower = false;
+        for (CCursor walk(m_Text.substr(0, span.End), span.Begin); walk.kind() != eKind::END;) {
+            const bool isName = walk.kind() == eKind::NAME;
+            const bool isPower = walk.kind() == eKind::DIGIT || walk.kind() == eKind::CARET ||
+                                 walk.kind() == eKind::RAISED_DIGIT;
+            if (isName && wasPower) {
+                word.Begin = walk.position();
+            }
+            wasPower = isPower;
+            walk.advance();
+            if (!isName && !isPower) {
+                word.Begin = walk.position();
+            }
+        }
+        return word;
+    }
+
+    // The characters of a name at the beginning of a piece of the text.
+    std::string_view firstWord(CSpan span) const {
+        CCursor walk(m_Text, span.Begin);
+        while (walk.kind() == eKind::NAME) {
+            walk.advance();
+        }
+        return m_Text.substr(span.Begin, walk.position() - span.Begin);
+    }
+
     const std::string_view m_Text;
     const std::size_t m_Begin;  // of the unit
     CResolver& m_Resolver;
     CNamedFactors& m_Factors;
     CRefusal& m_Refusal;
     CCursor m_Cursor;
-    CSpan m_CaretPower;  // what stands behind the latest "^"
+    CSpan m_CaretPower;  // the number after the latest "^"
     CSpan m_PlainName;   // the latest name without brackets
 };
 
@@ -843,6 +1069,38 @@ private:
 bool parse(std::string_view text, std::size_t begin, bool mayBeEmpty, CResolver& resolver,
            CNamedFactors& factors, CRefusal& refusal) {
     return CParser(text, begin, resolver, factors, refusal).parse(mayBeEmpty);
+}
+
+bool takeNotes(std::string_view text, std::size_t begin, const CNamedFactors& factors,
+               CResolver& resolver, bool isStrict, CNotes& notes, CRefusal& refusal) {
+    const auto take = [&](const CTrap* trap, CSpan span) {
+        const bool isUnusual = trap->Place != ePlace::TOLD;
+        if (isUnusual && isStrict) {
+            refusal = {eRefusal::MISLEADING, text,   span,  trap->sentence(),
+                       eReadings::TRAP,      {span}, begin, trap};
+            return false;
+        }
+        notes.add({trap->sentence(), span, isUnusual});
+        return true;
+    };
+    for (const CNamedFactor& factor : factors) {
+        const std::string_view name = factor.Name.of(text);
+        const CTrap* const trap = findNote(name);
+        if (trap != nullptr && !resolver.isOwn(name) && !take(trap, factor.Name)) {
+            return false;
+        }
+    }
+    constexpr std::size_t Longest = 3;
+    if (factors.size() != 2 || factors[0].Pow != 1 || factors[0].Root != 1 || factors[1].Pow < -2 ||
+        factors[1].Pow > -1 || factors[1].Root != 1 || factors[1].Name.of(text).size() > Longest) {
+        return true;
+    }
+    const std::string_view left = factors[0].Name.of(text);
+    const std::string_view right = factors[1].Name.of(text);
+    const CTrap* const shape = findTrap(
+        ePlace::SHAPE, factors[1].Pow == -2 ? std::string(right) + "²" : std::string(right), left);
+    return shape == nullptr || resolver.isOwn(left) || resolver.isOwn(right) ||
+           take(shape, {factors[0].Name.Begin, text.find_last_not_of(" \t") + 1});
 }
 
 bool isName(std::string_view text) {
@@ -867,5 +1125,4 @@ bool isName(std::string_view text) {
     return cursor.kind() == eKind::END;
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -5,15 +5,19 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
 #include "mensor_exact/Definitions.h"
+#include "mensor_exact/Meaning.h"
+#include "mensor_exact/Notes.h"
 #include "mensor_exact/Refusal.h"
 #include "mensor_exact/exact_export.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 constexpr std::size_t LongestText = 4096;  // code points
 constexpr int DeepestNesting = 64;
@@ -82,7 +86,7 @@ struct CNamedFactor {
     int Root;  ///< positive; the fraction is in lowest terms
 };
 
-/// The factors of a text in their order. The first few need no memory beside the object.
+/// The factors of a text in their order. The first few are stored in the object.
 class CNamedFactors {
 public:
     std::size_t size() const { return m_Size; }
@@ -121,11 +125,22 @@ private:
 MENSOR_EXACT_API bool parse(std::string_view text, std::size_t begin, bool mayBeEmpty,
                             CResolver& resolver, CNamedFactors& factors, CRefusal& refusal);
 
+/// Adds the notes on a text that parse() has read from the byte `begin` on. With `isStrict`, a text that
+/// people use for another unit is refused: returns false, and `refusal` tells why.
+MENSOR_EXACT_API bool takeNotes(std::string_view text, std::size_t begin,
+                                const CNamedFactors& factors, CResolver& resolver, bool isStrict,
+                                CNotes& notes, CRefusal& refusal);
+
+/// The sum of values of one kind, in the unit of the last one: "90 min". Empty if there is none.
+/// `meaningOf` gives what a name means.
+MENSOR_EXACT_API std::string sumOf(
+    const std::vector<CNamedNumber>& values,
+    const std::function<std::optional<CMeaning>(std::string_view)>& meaningOf);
+
 /// All words of a refusal of parse() or findNumber(), with what to write instead. Whatever is offered
 /// was read by the resolver's fit().
 MENSOR_EXACT_API CDiagnosis diagnose(const CRefusal& refusal, CResolver& resolver);
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_PARSER_H

@@ -1,15 +1,12 @@
 #include "mensor_exact/Reading.h"
 
 #include <array>
-#include <charconv>
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "mensor_exact/Conversion.h"
 #include "mensor_exact/Error.h"
 #include "mensor_exact/NearestNames.h"
 #include "mensor_exact/NumberText.h"
@@ -17,11 +14,10 @@
 #include "mensor_exact/Parser.h"
 #include "mensor_exact/Spelling.h"
 #include "mensor_exact/Table.h"
-#include "mensor_exact/Traps.h"
 #include "mensor_exact/UnitsWriter.h"
+#include "mensor_exact/sentences.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -97,7 +93,7 @@ std::optional<CPrefixedScale> prefixedScale(std::string_view name, const CCatalo
 }
 
 // Finds names in a catalogue. Numbers what it finds from 2 on: even numbers, and odd ones for the
-// differences of a scale behind a prefix.
+// differences of a scale with a prefix.
 class CCatalogueNames final : public CResolver {
 public:
     /// `target` is what advice is to fit; it may be null.
@@ -162,7 +158,7 @@ public:
 private:
     const CCatalogue& m_Catalogue;
     const CMeaning* m_Target;
-    std::array<std::optional<CMeaning>, 6> m_Few;  // needs no memory beside the object
+    std::array<std::optional<CMeaning>, 6> m_Few;  // stored in the object
     std::vector<CMeaning> m_Many;
     std::size_t m_Count = 0;
 };
@@ -181,12 +177,13 @@ public:
         if (!parse(m_Text, m_Begin, m_Options.Dimensionless, names, factors, result.Refusal)) {
             return result;
         }
+        if (!takeNotes(m_Text, m_Begin, factors, names, m_Options.Strict, result.Notes,
+                       result.Refusal)) {
+            return result;
+        }
         const bool isAlone = factors.isOneName();
         for (const CNamedFactor& factor : factors) {
             CMeaning& unit = names.meaning(factor);
-            if (!takeNote(factor.Name, result)) {
-                return result;
-            }
             if (CCatalogueNames::isPrefixedScale(factor)) {
                 if (!takePrefixedScale(factor.Name, isAlone, result)) {
                     return result;
@@ -206,22 +203,6 @@ public:
     }
 
 private:
-    // A name that people use for something else.
-    bool takeNote(CSpan name, CReading& result) const {
-        const CTrap* const trap = findNote(name.of(m_Text));
-        if (trap == nullptr || isOwn(name.of(m_Text), m_Catalogue)) {
-            return true;
-        }
-        const bool isUnusual = trap->Place == ePlace::UNUSUAL;
-        if (isUnusual && m_Options.Strict) {
-            result.Refusal = {eRefusal::MISLEADING, m_Text, name,    trap->Sentence,
-                              eReadings::TRAP,      {name}, m_Begin, trap};
-            return false;
-        }
-        result.Notes.add({trap->Sentence, name, isUnusual});
-        return true;
-    }
-
     // "W/m°C" may be meant as W/(m·K), so the prefix is refused where it is a unit, too.
     bool takePrefixedScale(CSpan name, bool isAlone, CReading& result) const {
         const std::string_view prefix = prefixedScale(name.of(m_Text), m_Catalogue)->Prefix;
@@ -231,21 +212,14 @@ private:
             return true;
         }
         const CSpan unit{name.Begin, name.Begin + (isAmbiguous ? prefix.size() : 0)};
-        result.Refusal = {eRefusal::PREFIXED_OFFSET,
-                          m_Text,
-                          name,
-                          "\"{}\" is a prefix before a scale with its own zero",
-                          eReadings::NONE,
-                          {unit},
-                          m_Begin,
-                          nullptr};
+        result.Refusal = {eRefusal::PREFIXED_OFFSET, m_Text, name,    sentences::PREFIXED_SCALE,
+                          eReadings::NONE,           {unit}, m_Begin, nullptr};
         return false;
     }
 
     bool takeDifference(CSpan name, CMeaning& unit, CReading& result) const {
         if (!m_Options.Differences) {
-            refuse(eRefusal::OFFSET_IN_PRODUCT, name,
-                   "\"{}\" is a scale with its own zero and cannot be part of a product", result);
+            refuse(eRefusal::OFFSET_IN_PRODUCT, name, sentences::SCALE_IN_PRODUCT, result);
             return false;
         }
         unit = unit.difference();
@@ -260,11 +234,11 @@ private:
                 product.multiplyBy(names.meaning(factor), {factor.Pow, factor.Root});
             } catch (const CError& error) {
                 if (error.code() == eError::EXPONENT_RANGE) {
-                    refuse(eRefusal::EXPONENT_RANGE, factor.Name,
-                           "the exponents of \"{}\" add up to more than 99", result);
+                    refuse(eRefusal::EXPONENT_RANGE, factor.Name, sentences::EXPONENTS_ADD_UP,
+                           result);
                 } else {
                     refuse(eRefusal::FACTOR_RANGE, {m_Begin, m_Text.size()},
-                           "the exact factor of this unit needs more than 16384 bits", result);
+                           sentences::FACTOR_TOO_LONG, result);
                 }
                 return;
             }
@@ -309,7 +283,7 @@ private:
     return nameOf(scale.difference(), catalogue);
 }
 
-// "; for differences write ..." behind the sentence on a scale in a product.
+// "; for differences write ..." after the sentence on a scale in a product.
 [[gnu::cold]] void tellDifference(const CRefusal& refusal, const CCatalogue& catalogue,
                                   CDiagnosis& diagnosis) {
     const std::optional<CMeaning> scale = meaningOf(refusal.token(), catalogue);
@@ -363,29 +337,48 @@ eFit CCatalogueNames::fit(std::string_view text, std::size_t begin, CRefusal& re
     words.emplace_back(nameOf(scale->Meaning, m_Catalogue));
 }
 
-[[gnu::cold]] std::string CCatalogueNames::sumOf(const std::vector<CNamedNumber>& values) {
-    const std::string_view unit = values.back().Name;
-    const std::optional<CMeaning> last = meaningOf(unit, m_Catalogue);
-    CFraction sum;
-    for (const CNamedNumber& value : values) {
-        const std::optional<CMeaning> meaning = meaningOf(value.Name, m_Catalogue);
-        if (!meaning || !last || hasOffset(*meaning) || !meaning->isCompatibleWith(*last)) {
-            return {};
-        }
+CCatalogue withPack(const CCatalogue& catalogue, const std::string& name) {
+    const ePack pack = *packNamed(name);
+    const bool isOfCountry = pack == ePack::US || pack == ePack::IMPERIAL;
+    return (isOfCountry ? catalogue.with(ePack::CUSTOMARY) : catalogue).with(pack);
+}
+
+// Reads the text with the packs that it lacks, and tells what else it lacks.
+[[gnu::cold]] void readWithPacks(const CRefusal& refusal, const CCatalogue& catalogue,
+                                 const CMeaning* target, CDiagnosis& diagnosis) {
+    constexpr std::size_t MostPacks = 3;
+    const CReadOptions options;
+    std::string pack = diagnosis.Packs[0];
+    CCatalogue extended = catalogue;
+    for (std::size_t packs = 0; packs < MostPacks; ++packs) {
         try {
-            const std::optional<CFraction> size =
-                CConversion(*meaning, *last).convert(CFraction::ofText(value.Number));
-            if (!size) {
-                return {};
-            }
-            sum = sum + *size;
-        } catch (const CError&) {  // numbers that are too long
-            return {};
+            extended = withPack(extended, pack);
+        } catch (const CError&) {  // the program's own names are in the way
+            return;
         }
+        const CReading reading =
+            CUnitReader(refusal.Text, refusal.UnitBegin, extended, options).read();
+        if (reading) {
+            return;
+        }
+        CCatalogueNames names(extended, target);
+        CDiagnosis next = diagnose(reading.Refusal, names);
+        if (next.Packs.empty()) {
+            diagnosis.WithPacks = std::move(next.Readings);
+            for (const std::string& name : next.Suggestions) {
+                diagnosis.WithPacks.push_back(reading.Refusal.replaced(name));
+            }
+            return;
+        }
+        diagnosis.Sentence += "; " + next.Sentence;
+        pack = next.Packs[0];
+        diagnosis.MorePacks.push_back(pack);
     }
-    char digits[32];
-    const auto end = std::to_chars(digits, std::end(digits), sum.toDouble()).ptr;
-    return std::string(digits, end).append(" ").append(unit);
+}
+
+[[gnu::cold]] std::string CCatalogueNames::sumOf(const std::vector<CNamedNumber>& values) {
+    return exact::sumOf(values,
+                        [this](std::string_view name) { return meaningOf(name, m_Catalogue); });
 }
 
 }  // namespace
@@ -433,6 +426,9 @@ CMeaning read(std::string_view text, const CCatalogue& catalogue, const CReadOpt
     if (refusal.Code == eRefusal::OFFSET_IN_PRODUCT) {
         tellDifference(refusal, catalogue, diagnosis);
     }
+    if (diagnosis.Readings.empty() && !diagnosis.Packs.empty()) {
+        readWithPacks(refusal, catalogue, target, diagnosis);
+    }
     return diagnosis;
 }
 
@@ -450,7 +446,7 @@ CValueReading tryReadValue(std::string_view text, const CCatalogue& catalogue,
         result.Refusal = {eRefusal::NUMBER_RANGE,
                           text,
                           number.Whole,
-                          "this number is too long or too large",
+                          sentences::NUMBER_TOO_LONG,
                           eReadings::NONE,
                           {},
                           0,
@@ -478,5 +474,4 @@ CValue readValue(std::string_view text, const CCatalogue& catalogue, const CRead
     return *std::move(reading.Value);
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

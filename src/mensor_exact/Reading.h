@@ -25,16 +25,14 @@
 #include "mensor_exact/Refusal.h"
 #include "mensor_exact/exact_export.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// What a reader allows beyond the plain grammar.
 struct CReadOptions {
     bool Dimensionless = false;  ///< the empty text is the dimensionless unit
     bool Differences = false;    ///< an offset unit in a product is its difference: "J/°C" is J/K
                                  ///< (but "W/m°C" stays refused: W/(m·K)?)
-    bool Strict = false;     ///< names that people use for something else are refused, too: "pH";
-                             ///< not by the companion, where a name may be the program's own
+    bool Strict = false;  ///< what people use for something else is refused, too: "pH", "kg/cm²"
     bool NotFinite = false;  ///< values may be "nan", "inf", "infinity", with a sign; only where
                              ///< they are doubles
 };
@@ -46,7 +44,7 @@ struct CReading {
     std::optional<CMeaning> Meaning;  ///< empty when refused
     CRefusal Refusal;                 ///< why; it refers to the text. Of no meaning when read
     bool HasDifference = false;       ///< a scale with a zero of its own was read as a difference
-    CNotes Notes;                     ///< what to say beside the meaning
+    CNotes Notes;                     ///< remarks on the meaning
 
     explicit operator bool() const { return Meaning.has_value(); }
 };
@@ -64,7 +62,7 @@ MENSOR_EXACT_API CMeaning read(std::string_view text,
 
 /// The same without exceptions for refused texts. Only std::bad_alloc may pass.
 ///
-/// Needs no memory beside the result for everyday texts, refused ones included.
+/// For everyday texts, refused ones included, it allocates no memory but that of the result.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_EXACT_API CReading tryRead(std::string_view text,
                                   const CCatalogue& catalogue = CCatalogue::builtIn(),
@@ -128,7 +126,6 @@ MENSOR_EXACT_API CValueReading tryReadValue(std::string_view text,
 /// @par Threads  Any thread; takes no lock.
 MENSOR_EXACT_API bool isName(std::string_view text);
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_READING_H

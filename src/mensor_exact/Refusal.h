@@ -35,7 +35,8 @@ enum class eReadings : std::uint8_t {
     TRAP,      ///< the texts of Trap in place of the token; Pieces[0] is the name in the token
     JOIN,      ///< no blank before the token: "m ²" is "m²"
     CLOSE,     ///< a closing bracket at the end
-    REMOVE     ///< nothing in place of the token
+    REMOVE,    ///< nothing in place of the token
+    DOT        ///< "·" in place of the token: "N-m" is "N·m"
 };
 
 /// A refusal. It allocates no memory. It refers to the text, which must outlive it.

@@ -6,8 +6,7 @@
 
 #include "mensor_exact/Table.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 namespace {
 
@@ -129,5 +128,4 @@ bool isCapitalLitre(std::string_view name) {
                                        [&](const CPrefix& p) { return p.Symbol == name; });
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact

@@ -11,8 +11,7 @@
 #include "mensor_exact/ShortText.h"
 #include "mensor_exact/exact_export.h"
 
-namespace mensor {
-namespace exact {
+namespace mensor::exact {
 
 /// `name` with characters that Unicode has twice as the catalogue spells them: Greek mu as the micro
 /// sign, Greek omega as the ohm sign, "℃" as "°C" and their like. These pairs look alike in every
@@ -31,10 +30,10 @@ inline constexpr CPrefix Prefixes[] = {
     {"n", -9}, {"p", -12}, {"f", -15}, {"a", -18}, {"z", -21}, {"y", -24},
 };
 
-/// Whether `name` is the litre's "L", alone or behind a prefix of the SI. The catalogue writes "l".
+/// Whether `name` is the litre's "L", alone or with a prefix of the SI. The catalogue writes "l".
 MENSOR_EXACT_API bool isCapitalLitre(std::string_view name);
 
-/// A word of spellings.def: what it stands for is 10^Power of the unit with this symbol.
+/// A word of spellings.def. It means 10^Power of the unit with this symbol.
 struct CWord {
     std::string_view Prefix;  ///< the symbol of the prefix, which may be empty
     std::string_view Symbol;
@@ -71,7 +70,6 @@ auto lookUpSpellings(std::string_view name, const LookUp& lookUp) {
     return found;
 }
 
-}  // namespace exact
-}  // namespace mensor
+}  // namespace mensor::exact
 
 #endif  // MENSOR_EXACT_SPELLING_H

@@ -248,6 +248,10 @@ CMeaning CTable::meaning(std::size_t row) {
 }
 
 std::size_t CTable::find(std::string_view name, std::uint32_t packs) noexcept {
+    constexpr std::size_t Longest = 32;  // bytes; no name is longer
+    if (name.size() > Longest) {
+        return None;
+    }
     return findRow(name, packs);
 }
 

@@ -87,6 +87,10 @@ TEST(Differences, RefuseResultsBeyondTheRangeOfDouble) {
     EXPECT_TRUE(std::isnan(convertDifference(std::nan(""), km, mm)));
     EXPECT_EQ(convertDifference(0.0, mm, km), 0.0);
     EXPECT_GT(convertDifference(1e-310, mm, SI::Meter()), 0.0) << "subnormal, not zero";
+    EXPECT_THROW(difference(CValueWithUnit(1, mm), CValueWithUnit(1e308, km)), std::range_error);
+    const CValueWithUnit large(1.5e308, mm);
+    EXPECT_THROW(large + CDifference(1.5e308, mm), std::range_error);
+    EXPECT_THROW(CValueWithUnit(-1.5e308, mm) - CDifference(1.5e308, mm), std::range_error);
 }
 
 TEST(Differences, RefuseAConverterThatIsNoStraightLine) {

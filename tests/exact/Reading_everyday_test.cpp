@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <fstream>
 #include <new>
 #include <random>
 #include <set>
@@ -19,6 +20,8 @@
 #include "mensor_exact/Reading.h"
 #include "mensor_exact/Spelling.h"
 #include "mensor_exact/Traps.h"
+#include "mensor_exact/kinds.h"
+#include "mensor_exact/sentences.h"
 #include "support/Everyday.h"
 #include "support/OperatorNew.h"
 
@@ -359,7 +362,8 @@ TEST(Traps, OfferOnlyAcceptedTextsInEachRow) {
         const CDiagnosis diagnosis = diagnosisOf(text, catalogue);
         EXPECT_EQ(diagnosis.Code, eRefusal::UNKNOWN_NAME);
         expectOffersToBeRead(text, diagnosis, catalogue, false);
-        if (trap->first() != "" && trap->first() != "/") {
+        const std::set<std::string_view> signs = {"", "/", "²", "³", "√"};
+        if (signs.count(trap->first()) == 0) {
             EXPECT_THAT(diagnosis.Readings, Contains(std::string(trap->first())));
         }
     }
@@ -455,12 +459,35 @@ TEST(NotesOnMarks, RequireSameMarksThrowsThem) {
     }
 }
 
+TEST(Kinds, AreAnOptionOfTheConversion) {
+    const CMeaning turns = read("rev/min");
+    const CMeaning perMinute = read("1/min");
+    EXPECT_NO_THROW(CConversion(turns, perMinute));
+    EXPECT_NO_THROW(CConversion(turns, read("rad/s"), eKinds::SAME));
+    const auto codeOf = [](const auto& convert) {
+        try {
+            convert();
+        } catch (const CError& error) {
+            return error.code();
+        }
+        return eError::SYNTAX;
+    };
+    EXPECT_EQ(codeOf([&] { CConversion(turns, perMinute, eKinds::SAME); }),
+              eError::DIFFERENT_MARKS);
+    EXPECT_EQ(codeOf([&] { CConversion::between("byte", "rad", plain(), eKinds::SAME); }),
+              eError::DIFFERENT_MARKS);
+    EXPECT_EQ(codeOf([&] { CConversion::ofDifferences(turns, perMinute, eKinds::SAME); }),
+              eError::DIFFERENT_MARKS);
+    EXPECT_EQ(codeOf([&] { CConversion(turns, read("m"), eKinds::SAME); }),
+              eError::DIFFERENT_DIMENSIONS);
+}
+
 // ---- Refusals ----
 
 TEST(Advice, OffersWholeChains) {
     EXPECT_THAT(diagnosisOfValue("10 kg·m/s/s/h").Readings, ElementsAre("10 kg·m/(s·s·h)"));
     EXPECT_THAT(diagnosisOf("J/kg·K/s").Readings, ElementsAre("J/(kg·K·s)", "J·K/(kg·s)"));
-    EXPECT_THAT(diagnosisOf("a/b").Readings, IsEmpty());
+    EXPECT_THAT(diagnosisOf("q/v").Readings, IsEmpty());
     EXPECT_THAT(diagnosisOf("1/m/s").Readings, ElementsAre("1/(m·s)", "s/m"));
     EXPECT_THAT(diagnosisOf("(W/m/K)²").Readings, ElementsAre("(W/(m·K))²", "(W·K/m)²"));
     EXPECT_THAT(diagnosisOf("J/kg/°C").Readings, ElementsAre("J/(kg·K)", "J·K/kg"));
@@ -547,6 +574,43 @@ TEST(Advice, HasPlainSentences) {
     }
 }
 
+struct CForm {
+    const char* Text;
+    eRefusal Code;
+    const char* Sentence;
+    const char* First;
+    const char* Second;
+};
+
+TEST(RefusalsOfForm, SayAndOfferWhatTheirRowsHave) {
+    const CForm rows[] = {
+#define MENSOR_FORM(text, code, sentence, first, second) \
+    {text, eRefusal::code, sentences::sentence, first, second},
+#include "mensor_exact/refusals.def"
+    };
+    const CCatalogue catalogue = everything();
+    for (const CForm& row : rows) {
+        SCOPED_TRACE(row.Text);
+        const CDiagnosis diagnosis = diagnosisOfValue(row.Text, catalogue);
+        EXPECT_EQ(nameOf(diagnosis.Code), std::string(nameOf(row.Code)));
+        std::string sentence = row.Sentence;
+        if (const std::size_t place = sentence.find("{}"); place != std::string::npos) {
+            sentence.replace(place, 2, diagnosis.Token);
+        }
+        EXPECT_EQ(diagnosis.Sentence.substr(0, sentence.size()), sentence);
+        std::vector<std::string> offered;
+        for (const char* const text : {row.First, row.Second}) {
+            if (*text != '\0') {
+                offered.emplace_back(text);
+                EXPECT_TRUE(tryReadValue(text, catalogue)) << text;
+            }
+        }
+        EXPECT_EQ(diagnosis.Readings, offered);
+        EXPECT_THAT(diagnosis.Suggestions, IsEmpty());
+        EXPECT_THAT(diagnosis.Packs, IsEmpty());
+    }
+}
+
 TEST(Advice, OffersOnlyAcceptedTexts) {
     const CCatalogue catalogues[] = {plain(), people(), everything()};
     std::vector<std::string> texts = {
@@ -593,6 +657,55 @@ TEST(Advice, OffersOnlyAcceptedTexts) {
         }
     }
     EXPECT_GT(offered, 1000);
+}
+
+// ---- Plants ----
+
+std::vector<std::string> split(const std::string& text, const std::string& separator) {
+    std::vector<std::string> parts;
+    std::size_t begin = 0;
+    for (;;) {
+        const std::size_t end = text.find(separator, begin);
+        parts.push_back(text.substr(begin, end - begin));
+        if (end == std::string::npos) {
+            return parts;
+        }
+        begin = end + separator.size();
+    }
+}
+
+// Texts that plant engineers, programmers of gateways and of panels type.
+TEST(PlantTexts, AreReadOrRefusedWithWhatToWrite) {
+    std::ifstream table(MENSOR_TEST_DATA "/plant_texts.tsv");
+    const CCatalogue catalogue = everything();
+    int count = 0;
+    for (std::string line; std::getline(table, line);) {
+        if (line[0] == '#') {
+            continue;
+        }
+        ++count;
+        const std::vector<std::string> row = split(line, "\t");
+        ASSERT_EQ(row.size(), 4U) << line;
+        const std::string& text = row[1];
+        SCOPED_TRACE(text);
+        const bool isValue = row[0] == "value";
+        const CValueReading value = isValue ? tryReadValue(text, catalogue) : CValueReading();
+        const CReading unit = isValue ? CReading() : tryRead(text, catalogue);
+        if (isValue ? static_cast<bool>(value) : static_cast<bool>(unit)) {
+            EXPECT_EQ(isValue
+                          ? value.Value->Number.toString() + " × " + value.Value->Unit.toString()
+                          : unit.Meaning->toString(),
+                      row[2]);
+            continue;
+        }
+        const CDiagnosis diagnosis = diagnose(isValue ? value.Refusal : unit.Refusal, catalogue);
+        EXPECT_EQ(nameOf(diagnosis.Code), row[2]);
+        std::vector<std::string> offered = diagnosis.Readings;
+        offered.insert(offered.end(), diagnosis.Suggestions.begin(), diagnosis.Suggestions.end());
+        EXPECT_EQ(offered, row[3].empty() ? std::vector<std::string>() : split(row[3], " | "));
+        expectOffersToBeRead(text, diagnosis, catalogue, isValue);
+    }
+    EXPECT_GT(count, 1000);
 }
 
 // ---- Characters ----

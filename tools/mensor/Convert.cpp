@@ -12,6 +12,7 @@
 #include <mensor_exact/Notes.h>
 #include <mensor_exact/Reading.h>
 #include <mensor_exact/Refusal.h>
+#include <mensor_exact/kinds.h>
 
 #include "Commands.h"
 #include "Display.h"

@@ -33,9 +33,6 @@ public:
     CLibraryRegistry() { mensor::NonSI::Psi(); }
 
     std::optional<std::string> addPack(ePack pack) override {
-        if (pack == ePack::EVERYDAY) {
-            return std::nullopt;  // it only has other spellings of units
-        }
         try {
             mensor::checked::registerPack(*mensor::checked::packNamed(nameOf(pack)));
         } catch (const mensor::checked::CIdentityError& error) {

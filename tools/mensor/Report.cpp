@@ -88,6 +88,8 @@ std::string jsonOf(const CDiagnosis& diagnosis) {
         .raw("readings", jsonArray(jsonTexts(diagnosis.Readings)))
         .raw("suggestions", jsonArray(jsonTexts(diagnosis.Suggestions)))
         .raw("packs", jsonArray(jsonTexts(diagnosis.Packs)))
+        .raw("morePacks", jsonArray(jsonTexts(diagnosis.MorePacks)))
+        .raw("withPacks", jsonArray(jsonTexts(diagnosis.WithPacks)))
         .toString();
 }
 

@@ -68,6 +68,7 @@ void CUnits::addFile(const std::string& name, CReport& report) {
 
 bool CUnits::registerAll(CReport* report) const {
     bool isGood = true;
+    registry().addPack(ePack::EVERYDAY);  // which has names only, and is never refused
     for (const ePack pack : m_Packs) {
         if (const auto refusal = registry().addPack(pack)) {
             isGood = false;
