@@ -55,6 +55,15 @@ public:
         return None;
     }
 
+    /// The hash of a name, less than the number of places.
+    static constexpr std::size_t placeOf(std::string_view name) {
+        std::uint32_t hash = 2166136261U;  // FNV-1a
+        for (const char c : name) {
+            hash = (hash ^ static_cast<unsigned char>(c)) * 16777619U;
+        }
+        return (hash ^ hash >> 15) % Places;
+    }
+
 private:
     static constexpr std::size_t placesFor(std::size_t rows) {
         std::size_t places = 1;
@@ -62,14 +71,6 @@ private:
             places *= 2;
         }
         return places;
-    }
-
-    static constexpr std::size_t placeOf(std::string_view name) {
-        std::uint32_t hash = 2166136261U;  // FNV-1a
-        for (const char c : name) {
-            hash = (hash ^ static_cast<unsigned char>(c)) * 16777619U;
-        }
-        return (hash ^ hash >> 15) % Places;
     }
 
     static constexpr std::size_t Places = placesFor(Rows);

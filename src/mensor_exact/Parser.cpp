@@ -996,7 +996,7 @@ private:
             name = {right.Begin + 1, right.End - 1};
         }
         constexpr std::size_t Longest = 4;
-        if (name.End - name.Begin > Longest) {
+        if (name.End - name.Begin > Longest || !hasTrap(ePlace::QUOTIENT, name.of(m_Text))) {
             return true;
         }
         CSpan above = lastWord(left);

@@ -133,15 +133,43 @@ constexpr std::string_view textOf(std::size_t row) {
 
 constexpr CNameIndex<RowCount> Index(textOf);
 
-// The first row with this text that `isRight` says is the right one.
-template <class IsRight>
-const CTrap* find(std::string_view text, const IsRight& isRight) {
+constexpr bool isNote(ePlace place) { return place == ePlace::UNUSUAL || place == ePlace::TOLD; }
+
+// A bit for the hash of each name with a note. Few other names have such a hash.
+struct CNoteHashes {
+    static constexpr std::size_t Count = 1024;
+    std::uint64_t Bits[Count / 64] = {};
+
+    static constexpr std::uint64_t bitOf(std::size_t hash) { return std::uint64_t{1} << hash % 64; }
+    constexpr bool has(std::size_t hash) const {
+        return (Bits[hash % Count / 64] & bitOf(hash)) != 0;
+    }
+};
+
+constexpr CNoteHashes makeNoteHashes() {
+    CNoteHashes hashes;
+    for (std::size_t row = 0; row < RowCount; ++row) {
+        if (isNote(All.Rows[row].Place)) {
+            const std::size_t hash = Index.placeOf(textOf(row));
+            hashes.Bits[hash % CNoteHashes::Count / 64] |= CNoteHashes::bitOf(hash);
+        }
+    }
+    return hashes;
+}
+
+constexpr CNoteHashes NoteHashes = makeNoteHashes();
+
+// The first row with this text for which `isRight` is true. `isPlace` tells which places count. It is cheap and
+// rules out most of the rows that a name meets in the index.
+template <class IsPlace, class IsRight>
+const CTrap* find(std::string_view text, const IsPlace& isPlace, const IsRight& isRight) {
     constexpr std::size_t Longest = 32;  // as no row is
     if (text.size() > Longest) {
         return nullptr;
     }
-    const std::size_t row = Index.find(
-        text, [&](std::size_t i) { return isEqual(textOf(i), text) && isRight(All.Rows[i]); });
+    const std::size_t row = Index.find(text, [&](std::size_t i) {
+        return isPlace(All.Rows[i].Place) && isEqual(textOf(i), text) && isRight(All.Rows[i]);
+    });
     return row == Index.None ? nullptr : &All.Rows[row];
 }
 
@@ -161,14 +189,22 @@ const CTrap* trapsBegin() noexcept { return std::begin(All.Rows); }
 const CTrap* trapsEnd() noexcept { return std::end(All.Rows); }
 
 const CTrap* findTrap(ePlace place, std::string_view text, std::string_view behind) noexcept {
-    return find(text,
-                [&](const CTrap& row) { return row.Place == place && row.behind() == behind; });
+    return find(
+        text, [place](ePlace other) { return other == place; },
+        [behind](const CTrap& row) { return row.behind() == behind; });
+}
+
+bool hasTrap(ePlace place, std::string_view text) noexcept {
+    return find(
+               text, [place](ePlace other) { return other == place; },
+               [](const CTrap&) { return true; }) != nullptr;
 }
 
 const CTrap* findNote(std::string_view name) noexcept {
-    return find(name, [](const CTrap& row) {
-        return row.Place == ePlace::UNUSUAL || row.Place == ePlace::TOLD;
-    });
+    if (!NoteHashes.has(Index.placeOf(name))) {
+        return nullptr;
+    }
+    return find(name, isNote, [](const CTrap&) { return true; });
 }
 
 bool isMember(std::string_view name, ePlace place) noexcept {
@@ -185,20 +221,22 @@ const CTrap* findPair(std::string_view name, std::string_view next, bool isBelow
     if (below != nullptr && isMember(name, ePlace::MASS)) {
         return below;
     }
-    return find(next, [&](const CTrap& row) {
-        return row.Place == ePlace::APART ? row.behind() == name
-               : row.Place == ePlace::MASS_PER
-                   ? !isBelow && isMember(name, ePlace::MASS)
-                   : row.Place < ePlace::MASS_PER && isMember(name, row.Place);
-    });
+    return find(
+        next, [](ePlace place) { return place <= ePlace::APART; },
+        [&](const CTrap& row) {
+            return row.Place == ePlace::APART      ? row.behind() == name
+                   : row.Place == ePlace::MASS_PER ? !isBelow && isMember(name, ePlace::MASS)
+                                                   : isMember(name, row.Place);
+        });
 }
 
 const CTrap* findApart(std::string_view name, std::string_view next) noexcept {
-    return find(next, [&](const CTrap& row) {
-        return row.Place == ePlace::APART
-                   ? row.behind() == name
-                   : row.Place == ePlace::DEGREE && isMember(name, ePlace::DEGREE);
-    });
+    return find(
+        next, [](ePlace place) { return place == ePlace::APART || place == ePlace::DEGREE; },
+        [name](const CTrap& row) {
+            return row.Place == ePlace::APART ? row.behind() == name
+                                              : isMember(name, ePlace::DEGREE);
+        });
 }
 
 }  // namespace mensor::exact

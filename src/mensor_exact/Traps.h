@@ -61,6 +61,9 @@ MENSOR_EXACT_API const CTrap* trapsEnd() noexcept;
 /// slash, for the places that ask for it.
 const CTrap* findTrap(ePlace place, std::string_view text, std::string_view behind = {}) noexcept;
 
+/// Whether there is a row of this place with this text, whatever is before it.
+bool hasTrap(ePlace place, std::string_view text) noexcept;
+
 /// The note on a name, null if there is none: a row of UNUSUAL or TOLD.
 MENSOR_EXACT_API const CTrap* findNote(std::string_view name) noexcept;
 
