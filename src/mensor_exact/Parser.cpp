@@ -795,7 +795,7 @@ private:
     // The longest text from `begin` on that `isKnown`: some names, digits and the signs in between, or what
     // is in brackets. Empty if there is none.
     template <class IsKnown>
-    CSpan longestText(std::size_t begin, const IsKnown& isKnown) const {
+    [[gnu::cold]] CSpan longestText(std::size_t begin, const IsKnown& isKnown) const {
         constexpr std::size_t Most = 6;  // pieces
         std::array<std::size_t, Most> ends{};
         std::size_t count = 0;
@@ -862,7 +862,7 @@ private:
 
     // Before a name or a bracket with a blank before it: "psi g". `before` tells the class of the name;
     // `kept` stays.
-    bool requireNoPair(CSpan before, CSpan kept) {
+    [[gnu::cold]] bool requireNoPair(CSpan before, CSpan kept) {
         if (kind() != eKind::NAME && kind() != eKind::OPEN) {
             return true;
         }
@@ -881,7 +881,7 @@ private:
     }
 
     // The same after a quotient that has a mass above its slash: "mg/l N".
-    bool requireNoPairOfQuotient(CSpan left, CSpan right) {
+    [[gnu::cold]] bool requireNoPairOfQuotient(CSpan left, CSpan right) {
         const std::string_view mass = lastWord(left).of(m_Text);
         const CTrap* trap = nullptr;
         const CSpan next = longestText(at(), [&](std::string_view text) {
@@ -901,7 +901,7 @@ private:
     }
 
     // Whether a slash and a name of the class MASS_PER are at `position`: "/l".
-    bool isPerMember(std::size_t position) const {
+    [[gnu::cold]] bool isPerMember(std::size_t position) const {
         CCursor ahead(m_Text, position);
         ahead.skipBlanks();
         if (ahead.kind() != eKind::SLASH) {
@@ -913,7 +913,7 @@ private:
     }
 
     // Behind a point: "deg.C", "sq.m".
-    bool requireOneName(CSpan before) {
+    [[gnu::cold]] bool requireOneName(CSpan before) {
         const CTrap* trap = nullptr;
         const CSpan next = longestText(at(), [&](std::string_view text) {
             trap = findApart(before.of(m_Text), text);
@@ -942,7 +942,7 @@ private:
     }
 
     // A word that is a note wherever it is: "mm/s rms".
-    bool requireNoNote() {
+    [[gnu::cold]] bool requireNoNote() {
         const CTrap* trap = nullptr;
         const CSpan word = longestText(at(), [&](std::string_view text) {
             trap = findTrap(ePlace::NOTE, text);
@@ -954,7 +954,7 @@ private:
     }
 
     // Directly after a quotient: "kg/cm2g".
-    bool requireNoNoteBehind(CSpan quotient) {
+    [[gnu::cold]] bool requireNoNoteBehind(CSpan quotient) {
         constexpr std::size_t Longest = 16;
         const std::string_view text = quotient.of(m_Text);
         if (text.size() > Longest || !isMember(text, ePlace::TECHNICAL)) {
@@ -1026,7 +1026,7 @@ private:
     }
 
     // The same with its exponent: "m3".
-    CSpan lastWordWithPower(CSpan span) const {
+    [[gnu::cold]] CSpan lastWordWithPower(CSpan span) const {
         CSpan word{span.Begin, span.End};
         bool wasPower = false;
         for (CCursor walk(m_Text.substr(0, span.End), span.Begin); walk.kind() != eKind::END;) {
