@@ -67,7 +67,7 @@ public:
 private:
     static constexpr std::size_t placesFor(std::size_t rows) {
         std::size_t places = 1;
-        while (places < 2 * rows) {
+        while (2 * places < 3 * rows) {
             places *= 2;
         }
         return places;
