@@ -1,5 +1,5 @@
-// Advice.cpp: what to write instead of a refused text. Every offer is read before it is made. Where a
-// corrected text is refused for a second fault, it is corrected again.
+// Advice.cpp: finds corrections for a refused text. The reader must accept a correction before it is
+// offered. If the reader refuses it for another fault, that fault is corrected, too.
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -29,12 +29,12 @@ namespace {
 
 constexpr std::uint32_t BuiltInPacks = 3;  // CATALOGUE and SI
 
-// The name in the table that differs from `name` in case only; empty if there is none.
+// Returns the name in the table that differs from `name` in case only. Empty if there is none.
 std::string_view inOtherCase(std::string_view name, std::uint32_t packs) {
     const auto small = [](char c) {
         return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
     };
-    constexpr std::size_t Longest = 32;  // bytes; no name is longer
+    constexpr std::size_t Longest = 32;  // bytes; no name of the table is longer
     if (name.size() > Longest) {
         return {};
     }
@@ -51,7 +51,7 @@ std::string_view inOtherCase(std::string_view name, std::uint32_t packs) {
     return {};
 }
 
-// A text to be tried.
+// A possible correction, not yet read.
 struct CCandidate {
     std::string Text;
     std::size_t UnitBegin;
@@ -71,13 +71,13 @@ struct CChained {
     std::string Text;
 };
 
-// Takes the rest of a chain of divisions and products apart, up to its end or a closing bracket.
+// Splits the rest of a chain of divisions and products into its factors, up to the end or a closing bracket.
 class CChainReader {
 public:
     CChainReader(std::string_view text, std::size_t begin, CResolver& resolver)
         : m_Text(text), m_Resolver(resolver), m_Cursor(text, begin) {}
 
-    // Returns false if the chain has something in it that is no factor.
+    // Returns false if a piece of the chain is no factor.
     bool read() {
         for (;;) {
             m_Cursor.skipBlanks();
@@ -163,7 +163,7 @@ private:
         return true;
     }
 
-    // A name with its digits, which may be a part of the name as in "mmH2O".
+    // Reads a name and the digits after it. The digits may be a part of the name, as in "mmH2O".
     void name() {
         const std::size_t begin = m_Cursor.position();
         while (m_Cursor.kind() == eKind::NAME) {
@@ -190,7 +190,7 @@ private:
     std::size_t m_End = 0;
 };
 
-// Finds what may be meant by a refused text. Nothing is tried here.
+// Finds texts that a refused text may mean. It does not read them; the caller does.
 class CCandidates {
 public:
     CCandidates(const CRefusal& refusal, CResolver& resolver)
@@ -239,16 +239,16 @@ public:
         return std::move(m_Found);
     }
 
-    /// Why the text is refused, where that is not what its refusal says; null otherwise.
+    /// Returns a better reason than the refusal has, or null.
     const char* sentence() const { return m_Sentence; }
 
-    // The unknown name taken apart into known ones, as "N·m".
+    // Splits the unknown name into two known names, as "N·m" for "Nm".
     std::vector<CCandidate> split() {
-        constexpr std::size_t Longest = 16;  // longer names are not run together
+        constexpr std::size_t Longest = 16;  // longer names are hardly two names without a dot
         const std::string_view name = m_Refusal.token();
         for (std::size_t at = 1; at < name.size() && name.size() <= Longest; ++at) {
             const bool isBoundary = (static_cast<unsigned char>(name[at]) & 0xC0U) != 0x80U;
-            const bool isDoubled = name[at] == name[at - 1];  // rather a slip of the finger
+            const bool isDoubled = name[at] == name[at - 1];  // more likely a typing error
             if (isBoundary && !isDoubled && isPiece(name.substr(0, at)) &&
                 isPiece(name.substr(at))) {
                 replace(m_Refusal.Token,
@@ -259,7 +259,7 @@ public:
     }
 
 private:
-    // Whether the name is one that people run together with others; words are not.
+    // Returns true for a name that people write next to another without a dot: a symbol, not a word.
     bool isPiece(std::string_view piece) {
         constexpr std::uint32_t Everyday = std::uint32_t{1}
                                            << static_cast<unsigned>(ePack::EVERYDAY);
@@ -286,8 +286,8 @@ private:
         }
     }
 
-    // "a/b/c" and longer ones. By habit, all that follows the first slash is below it; mathematics goes from
-    // left to right.
+    // Adds both readings of "a/b/c" and of longer chains: a/(b·c), as people often mean it, and (a/b)/c, by
+    // the rules of mathematics.
     void addChain() {
         const CSpan left = m_Refusal.Pieces[0];
         CChainReader reader(m_Text, left.End, m_Resolver);
@@ -367,7 +367,7 @@ private:
         }
     }
 
-    // Without the token, or without all characters that cannot be seen.
+    // Adds the text without the token, or without all invisible characters.
     void addWithout() {
         if (m_Refusal.Code != eRefusal::UNEXPECTED_CHARACTER) {
             replace(m_Refusal.Token, "");
@@ -383,7 +383,7 @@ private:
         replace({m_Refusal.UnitBegin, m_Text.size()}, unit);
     }
 
-    // "5 m." at the end of a sentence.
+    // Adds the text without punctuation marks at its end: "5 m.".
     void addWithoutPunctuation() {
         const bool isOfUnit =
             m_Refusal.Code < eRefusal::NO_NUMBER || m_Refusal.Code == eRefusal::MISLEADING;
@@ -421,7 +421,7 @@ private:
         {"&nbsp;", " "},       {"&#160;", " "},      {"&Aring;", "Å"},      {"&radic;", "√"},
     };
 
-    // "m<sup>2</sup>", "m&sup2;".
+    // Adds the text without HTML: "m<sup>2</sup>", "m&sup2;".
     void addWithoutMarkup() {
         constexpr std::string_view Open = "<sup>";
         constexpr std::string_view Close = "</sup>";
@@ -441,7 +441,7 @@ private:
         replace({m_Refusal.UnitBegin, m_Text.size()}, unit);
     }
 
-    // "^0.333" is ^(1/3) to three places.
+    // Adds the fraction that a decimal exponent rounds: ^(1/3) for "^0.333".
     void addSmallFraction() {
         const std::string token = slice(m_Refusal.Token);
         const std::size_t digits = token.find_first_of("0123456789");
@@ -454,7 +454,7 @@ private:
         if (exponent > LargestExponent) {
             return;
         }
-        double half = 0.5;  // of the last place
+        double half = 0.5;  // half a unit of the last decimal place
         for (std::size_t at = point + 1; at < token.size() && token[at] >= '0' && token[at] <= '9';
              ++at) {
             half /= 10;
@@ -473,9 +473,9 @@ private:
         }
     }
 
-    // What the pack EVERYDAY has for the name, or for the same word in small letters: "WATT".
+    // Adds the unit of the pack EVERYDAY for the name, or for the name in small letters: "WATT".
     void addOtherSpelling() {
-        constexpr std::size_t Longest = 40;  // bytes, of a name that is a slip of the finger
+        constexpr std::size_t Longest = 40;  // bytes; a longer name has no correction here
         const std::string_view name = m_Refusal.token();
         if (name.size() > Longest) {
             return;
@@ -520,14 +520,14 @@ private:
         }
     }
 
-    // The text with `words` in place of a piece of it.
+    // Adds the text with `words` in place of `span`.
     void replace(CSpan span, const std::string& words) {
         std::string text(m_Text.substr(0, span.Begin));
         text.append(words).append(m_Text.substr(span.End));
         std::size_t begin = m_Refusal.UnitBegin;
         text.resize(std::max(begin, text.find_last_not_of(" \t") + 1));
         if (begin > 0 && ((text[begin - 1] >= '0' && text[begin - 1] <= '9') ||
-                          text[begin - 1] == '.')) {  // a blank between a number and its unit
+                          text[begin - 1] == '.')) {  // put a blank between the number and the unit
             text.insert(begin, 1, ' ');
             ++begin;
         }
@@ -582,8 +582,8 @@ public:
     }
 
 private:
-    static constexpr int Deepest = 4;      // corrections of one text
-    static constexpr int MostTrials = 40;  // of one refusal
+    static constexpr int Deepest = 4;      // most corrections of one text
+    static constexpr int MostTrials = 40;  // most texts read for one refusal
     static constexpr std::size_t MostOffers = 3;
 
     void tryAll(const std::vector<CCandidate>& candidates, int depth) {
@@ -592,7 +592,7 @@ private:
         }
     }
 
-    // Offers the candidate if it is read, or else what it may mean.
+    // Offers the candidate if the reader accepts it. Otherwise tries to correct the candidate.
     void tryOne(const CCandidate& candidate, int depth) {
         std::vector<std::string>& readings = m_Diagnosis.Readings;
         if (++m_Trials > MostTrials || readings.size() == MostOffers) {
@@ -629,7 +629,7 @@ private:
                            [&](ePack pack) { return m_Resolver.offers(pack) && isIn(pack, name); });
     }
 
-    // The packs that have a name which the resolver does not know. Returns false if there are none.
+    // Adds the packs that have the name. Returns false if no pack has it.
     bool addPacks(std::string_view name) {
         std::string list;
         for (const ePack pack : Packs) {
@@ -643,7 +643,7 @@ private:
         return !m_Diagnosis.Packs.empty();
     }
 
-    // "4-20 mA", "4...20 mA".
+    // Returns true for a range: "4-20 mA", "4...20 mA".
     bool isRange() const {
         const std::size_t begin = m_Refusal.UnitBegin;
         if (begin == 0) {
@@ -660,7 +660,7 @@ private:
         return hasSign && cursor.kind() == eKind::DIGIT;
     }
 
-    // The name of a pack that differs from the unknown one in case only, as "hp" for "Hp".
+    // Returns the name of a pack that differs from `name` in case only: "hp" for "Hp". Empty if there is none.
     std::string_view inOtherCaseOfPacks(std::string_view name) const {
         const std::string_view known = inOtherCase(name, CTable::AllPacks);
         return !known.empty() && isInPack(known) ? known : std::string_view();
@@ -671,7 +671,7 @@ private:
         eFit Fit;
     };
 
-    // Names that are near, or the name taken apart.
+    // Adds similar names, or the name split into two.
     void addNames() {
         const std::string_view name = m_Refusal.token();
         CNearestNames nearest(name);
@@ -715,7 +715,7 @@ private:
         }
     }
 
-    // The pack that has the nearest name, if none that is known is near.
+    // Adds the pack with the most similar name. Called if the resolver knows no similar name.
     void addNearestOfPacks() {
         CNearestNames nearest(m_Refusal.token());
         for (std::size_t row = 0; row < CTable::size(); ++row) {
@@ -727,14 +727,15 @@ private:
             }
         }
         const std::vector<CNearestNames::CNear>& found = nearest.best();
-        constexpr std::size_t Shortest = 3;  // of two letters, any two names are near
+        constexpr std::size_t Shortest = 3;  // all names of two letters are similar
         if (countCodePoints(m_Refusal.token()) >= Shortest && !found.empty() &&
             found[0].Distance <= 1 && !m_Resolver.knows(found[0].Name) && addPacks(found[0].Name)) {
             m_Diagnosis.Sentence += "; " + m_PackSentence;
         }
     }
 
-    // "Nm" is rather N·m than nm, but "Kg" rather kg than K·g, "KWh" rather kWh, and "FT" rather ft.
+    // Returns true if a split name is more likely than one in other case. "Nm" is more likely N·m than nm. But
+    // "Kg" is more likely kg than K·g, "KWh" more likely kWh, and "FT" more likely ft.
     bool isSplitFirst(bool isOtherCase) const {
         const std::string_view name = m_Refusal.token();
         const bool hasSmall =
@@ -742,19 +743,20 @@ private:
         return !isOtherCase || (name.size() == 2 && name[0] != 'K' && hasSmall);
     }
 
-    // Less is better. A name that gives the whole text a kind with a name goes before one that is a
-    // little nearer, and before one with a prefix that is hardly used.
+    // Returns a score; a lower score is better. A name with which the whole text has a named kind is better than
+    // a slightly more similar name, and better than a name with a rare prefix.
     std::size_t scoreOf(const COffer& offer) const {
         const bool isWhole = m_Refusal.Token.Begin == m_Refusal.UnitBegin &&
                              m_Refusal.Token.End == m_Refusal.Text.size();
         constexpr std::size_t Step = 2;
         constexpr std::size_t Penalty = 3;
-        constexpr std::size_t Other = 100;  // than the kind that is asked for
+        constexpr std::size_t Other = 100;  // for a kind that the caller did not ask for
         return Step * offer.Near.Distance + (!isWhole && offer.Fit == eFit::READ ? Penalty : 0) +
                (offer.Near.IsRare ? Penalty : 0) + (offer.Fit == eFit::TARGET ? 0 : Other);
     }
 
-    // Of two letters, any two names are near: only a swapped or doubled letter is a slip.
+    // Returns true if the similarity is an accident. All names of two letters are similar, so only a swapped or
+    // doubled letter counts as a typing error.
     bool isGuess(const CNearestNames::CNear& near) const {
         const std::string_view name = m_Refusal.token();
         if (near.Distance == 0 || countCodePoints(name) != 2) {
@@ -783,8 +785,8 @@ private:
     const CRefusal& m_Refusal;
     CResolver& m_Resolver;
     CDiagnosis m_Diagnosis;
-    std::string m_Missing;       // a name that a tried text lacks, and a pack has
-    std::string m_PackSentence;  // which packs
+    std::string m_Missing;       // a name that a pack has and the resolver does not know
+    std::string m_PackSentence;  // names the packs that have it
     int m_Trials = 0;
 };
 

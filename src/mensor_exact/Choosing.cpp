@@ -13,7 +13,8 @@ namespace {
 
 CFactor powerOfTen(int power) { return CFactor(CFraction(10)).power(power); }
 
-// Whether there is a unit named `prefix` and `root` that is that prefix, of a power of 1000, times `root`.
+// Returns true if the prefix is a power of 1000 and the catalogue has that multiple of `root` under the
+// prefixed name.
 bool isPrefixedForm(const CPrefix& prefix, std::string_view root, const CMeaning& rootMeaning,
                     const CCatalogue& catalogue) {
     if (prefix.Power % 3 != 0) {
@@ -24,10 +25,10 @@ bool isPrefixedForm(const CPrefix& prefix, std::string_view root, const CMeaning
     return meaning && *meaning == rootMeaning.scaled(powerOfTen(prefix.Power));
 }
 
-// A name taken apart.
+// A name, split into its prefix and the rest.
 struct CPrefixedName {
     std::string_view Root;
-    int Power = 0;  // of ten, of the prefix
+    int Power = 0;  // the prefix's exponent of ten
 };
 
 CPrefixedName takeApart(std::string_view name, const CMeaning& meaning,

@@ -1,4 +1,4 @@
-// Choosing.h: which units there are for a quantity, and which of them suits a value.
+// Choosing.h: lists the units of a quantity, and chooses the most readable unit for a value.
 //
 //     for (const auto& choice : exact::choicesFor(exact::read("Pa"))) list.add(choice.Name);
 //     exact::readableUnit(CFraction::ofText("0.000001"), "m");     // "µm"
@@ -19,22 +19,23 @@ namespace mensor::exact {
 
 /// One entry of a drop-down list.
 struct CChoice {
-    std::string_view Name;  ///< lives as the texts of CDefinition do
+    std::string_view Name;  ///< valid as long as the texts of CDefinition
     CMeaning Meaning;
 };
 
-/// All units of the catalogue that are compatible with `meaning`, by size, then by name. Other
-/// spellings of a name, as "mL" of "ml", are left out.
+/// Returns all units of the catalogue that are compatible with `meaning`, sorted by size, then by name.
+/// The list has one spelling of each name: "ml", not "mL".
 /// @par Threads  Any thread; takes no lock.
 MENSOR_EXACT_API std::vector<CChoice> choicesFor(
     const CMeaning& meaning, const CCatalogue& catalogue = CCatalogue::builtIn());
 
-/// The name of the unit in which `value`, given in the unit named `unit`, reads best: of the names that
-/// differ from it by a prefix for a power of 1000, the largest in which the value is at least 1; the
-/// smallest if there is none.
+/// Returns the name of the most readable unit for `value`, which is given in the unit named `unit`.
 ///
-/// Zero, units with an offset, units that have no prefixed forms, and texts that are no name of the
-/// catalogue stay as they are.
+/// The candidates differ from `unit` by a prefix for a power of 1000. The result is the largest unit in which
+/// the value is at least 1. If there is none, the result is the smallest unit.
+///
+/// Returns `unit` for zero, for a unit with an offset, for a unit without prefixed forms, and for a text
+/// that is no name of the catalogue.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_EXACT_API std::string readableUnit(const CFraction& value, std::string_view unit,
                                           const CCatalogue& catalogue = CCatalogue::builtIn());

@@ -17,14 +17,14 @@ namespace mensor::exact {
 
 namespace {
 
-// A line that is refused.
+// Thrown for a refused line.
 struct Refused {
     CDiagnosis Diagnosis;
 };
 
-// What a line makes of its name.
+// The definition that a line gives to its name.
 struct CDefined {
-    std::string Text;  // a definition as Definitions.h has it
+    std::string Text;  // a definition in the notation of Definitions.h
     CMeaning Meaning;
 };
 
@@ -74,7 +74,7 @@ private:
         }
     }
 
-    // Defines what a line of good form says.
+    // Returns the definition in a line of the right form.
     CDefined evaluate(std::string_view line, const CDefinitionLine& parts) {
         requireName(line, parts.Name);
         CDefined defined = meaningOf(line, parts);
@@ -95,7 +95,7 @@ private:
         }
     }
 
-    // A name that could not be told from something else in a definition.
+    // Refuses a name that a definition could not contain.
     static void requireName(std::string_view line, CSpan name) {
         CDefinitionReader reader(name.of(line));
         const CTerm term = reader.next();
@@ -153,7 +153,7 @@ private:
         }
     }
 
-    // The unit with a zero of its own.
+    // Returns `unit` with the zero point `zero`.
     CMeaning withZero(std::string_view line, const CMeaning& unit, const CLineValue& zero) {
         const CMeaning zeroUnit = read(line, zero.Unit);
         if (!zeroUnit.isCompatibleWith(unit)) {
@@ -169,7 +169,8 @@ private:
         return unit.shifted(inBaseUnits / unit.factor().radicand());
     }
 
-    // The definition. A unit with an offset cannot be part of a product, so it is written in base units.
+    // Returns the text of the definition. An offset unit cannot be part of a product, so it is written in base
+    // units.
     std::string textOf(std::string_view line, const CDefinitionLine& parts, const CMeaning& unit,
                        const CMeaning& meaning) const {
         if (!unit.offset().isZero()) {
@@ -188,7 +189,7 @@ private:
         return text;
     }
 
-    // The meaning of the unit at `part` of the line.
+    // Returns the meaning of the unit at `part` of the line.
     CMeaning read(std::string_view line, CSpan part) {
         CReading reading = tryRead(part.of(line), catalogue());
         if (!reading) {
@@ -201,7 +202,7 @@ private:
         return *std::move(reading.Meaning);
     }
 
-    // Tells whether another line defines the name.
+    // If another line defines the unknown name, adds that line to the message.
     void tellOtherLine(CDiagnosis& diagnosis) {
         if (m_Lines.empty()) {
             for (CDefinitionLines lines(m_Text); lines.next();) {
@@ -218,7 +219,7 @@ private:
         const std::string number = std::to_string(other->second);
         diagnosis.Sentence += other->second < m_Number
                                   ? "; line " + number + ", which defines it, is refused"
-                                  : "; line " + number + " defines it, and has to stand above";
+                                  : "; line " + number + " defines it and must come first";
         diagnosis.Suggestions.clear();
     }
 
@@ -236,9 +237,9 @@ private:
     const CCatalogue& m_Given;
     const std::string_view m_Source;
     CCatalogueBuilder m_Builder;
-    std::size_t m_Number = 0;  // of the line that is read
+    std::size_t m_Number = 0;  // the number of the current line
     std::map<std::string_view, std::size_t, std::less<>>
-        m_Lines;  // of each name, once it is asked for
+        m_Lines;  // the line of each name; filled at the first use
 };
 
 // Returns "line 2: no unit has the name "xyz" (and 1 more)".

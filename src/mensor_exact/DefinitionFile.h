@@ -1,11 +1,11 @@
-// DefinitionFile.h: a program's own units, from a text that people edit.
+// DefinitionFile.h: reads a program's own units from a text that people edit.
 //
 //     # units.txt
 //     smoot = 1.7018 m                    # name = number unit
 //     span  = 9/10 ft                     # a fraction; units of lines above may be used
-//     °X    = 5/4 K, zero at +273.15 K    # a zero of its own: 0 °X is 273.15 K
+//     °X    = 5/4 K, zero at +273.15 K    # with an offset: 0 °X is 273.15 K
 //     EUR   = base unit                   # a dimension of its own
-//     replace lb = 0.5 kg                 # takes the name away from another unit
+//     replace lb = 0.5 kg                 # gives the name to another unit
 //
 //     const auto file = exact::tryReadDefinitions(contentsOf("units.txt"), catalogue, "units.txt");
 //     for (const auto& finding : file.Findings)
@@ -16,12 +16,12 @@
 //     line       = [ definition ] [ "#" anything ]         the "#" at the beginning or after a blank
 //     definition = [ "replace" blanks ] name "=" ( "base unit" | size [ "," zero ] )
 //     size       = number unit
-//     zero       = "zero at" ( "+" | "-" ) number unit     what 0 of the new unit is
+//     zero       = "zero at" ( "+" | "-" ) number unit     the value of 0 of the new unit
 //     number     = decimal [ "/" decimal ]                 digits, a point, an exponent; no blanks
 //
 // All parts may have blanks in between. Names and units are those of docs/reading.md. A number after a
-// unit without "zero at" is refused: "5 m 2" may be meant as 5 m² or as a zero at 2 m. If one line is
-// refused, no line counts.
+// unit without "zero at" is refused: "5 m 2" may mean 5 m² or a zero at 2 m. If one line is refused, the file
+// changes nothing.
 #ifndef MENSOR_EXACT_DEFINITIONFILE_H
 #define MENSOR_EXACT_DEFINITIONFILE_H
 
@@ -37,30 +37,30 @@
 
 namespace mensor::exact {
 
-/// One line that is refused.
+/// A refused line.
 struct CLineFinding {
     std::size_t Line;    ///< from 1
-    CDiagnosis Refusal;  ///< of the line without its end
+    CDiagnosis Refusal;  ///< of the line, without the line break
 };
 
-/// A text that was read as another unit before the file.
+/// A name whose meaning the file changes.
 struct CTakenName {
-    std::size_t Line;    ///< from 1: the line that takes it away
-    std::string Name;    ///< "lb"; also a name that was another spelling so far, as "℃" of "°C"
-    std::string Before;  ///< what it meant: "0.45359237 kg"
+    std::size_t Line;    ///< from 1: the line that changes the meaning
+    std::string Name;    ///< "lb"; may be a former spelling, as "℃" of "°C"
+    std::string Before;  ///< its old meaning: "0.45359237 kg"
 };
 
 /// The result of reading a file.
 struct CDefinitionFile {
     CCatalogue Catalogue;                ///< with the units of the file; the given one when refused
     std::vector<std::string> Names;      ///< of the units, as defined; empty when refused
-    std::vector<CTakenName> Taken;       ///< the names that mean something else now; as above
+    std::vector<CTakenName> Taken;       ///< the names with a new meaning; empty when refused
     std::vector<CLineFinding> Findings;  ///< the lines that are refused; empty when all is well
 
     explicit operator bool() const { return Findings.empty(); }
 };
 
-/// A file that is refused; what() tells the first line.
+/// Thrown for a refused file. what() names the first refused line.
 ///
 /// Class contract: caller serialises changes of one object; distinct objects any thread.
 class MENSOR_EXACT_API CDefinitionError : public std::invalid_argument {
@@ -76,19 +76,18 @@ private:
     std::vector<CLineFinding> m_Findings;
 };
 
-/// Reads the definitions in `text`. Every line is tried, and all lines that are refused are reported.
+/// Reads the definitions in `text`. Reads every line, and reports all refused lines.
 ///
-/// A name that means the same already may be defined again. A name that means something else is taken
-/// away only by "replace"; the names of base units never are. Other spellings of a name, as "℃" of
-/// "°C", need no "replace", and are reported as taken. Units of the catalogue keep their meanings
-/// whatever names are taken away.
-/// @param source  what certificates call the text; "units.txt" gives "units.txt:3"
+/// A line may define a name again with the same meaning. A new meaning needs "replace"; the name of a base
+/// unit never gets one. Another spelling of a name, as "℃" of "°C", needs no "replace", and the result lists
+/// it under `Taken`. The units that the catalogue has already keep their meanings.
+/// @param source  the name of the text in certificates: "units.txt" gives "units.txt:3"
 /// @par Threads  Any thread; takes no lock.
 MENSOR_EXACT_API CDefinitionFile
 tryReadDefinitions(std::string_view text, const CCatalogue& catalogue = CCatalogue::builtIn(),
                    std::string_view source = {});
 
-/// The same; gives the catalogue.
+/// The same as tryReadDefinitions(), but returns the catalogue.
 /// @throws CDefinitionError  a line is refused.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_EXACT_API CCatalogue readDefinitions(std::string_view text,

@@ -18,7 +18,7 @@ namespace {
 bool isBlank(char c) { return c == ' ' || c == '\t'; }
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-// A piece of `text` without the blanks at its ends.
+// Returns `span` without the blanks at its ends.
 CSpan trimmed(std::string_view text, CSpan span) {
     while (span.Begin < span.End && isBlank(text[span.Begin])) {
         ++span.Begin;
@@ -29,7 +29,7 @@ CSpan trimmed(std::string_view text, CSpan span) {
     return span;
 }
 
-// The line before its comment.
+// Returns the line without its comment.
 CSpan definitionIn(std::string_view line) {
     std::size_t end = 0;
     while (end < line.size() && (line[end] != '#' || (end > 0 && !isBlank(line[end - 1])))) {
@@ -38,7 +38,7 @@ CSpan definitionIn(std::string_view line) {
     return trimmed(line, {0, end});
 }
 
-// A line that is refused.
+// Thrown for a refused line.
 struct Refused {
     CDiagnosis Diagnosis;
 };
@@ -51,8 +51,7 @@ public:
 
     void read() {
         if (m_Line.size() > LongestText && countCodePoints(m_Line) > LongestText) {
-            refuse(eRefusal::TOO_LONG, {0, 0},
-                   "a line of more than 4096 characters is no definition");
+            refuse(eRefusal::TOO_LONG, {0, 0}, "a line cannot have more than 4096 characters");
         }
         const std::size_t equals = m_Line.find('=', m_Definition.Begin);
         if (equals >= m_Definition.End) {
@@ -95,7 +94,8 @@ private:
         CLineValue size;
         size.Number = number(rest);
         if (size.Number.isZero() || size.Number.isNegative()) {
-            refuse(eRefusal::FACTOR_RANGE, {begin, rest.Begin}, "the size of a unit is above zero");
+            refuse(eRefusal::FACTOR_RANGE, {begin, rest.Begin},
+                   "the size of a unit must be above zero");
         }
         const std::size_t comma = std::min(m_Line.find(',', rest.Begin), rest.End);
         size.NumberText = {begin, rest.Begin};
@@ -113,7 +113,7 @@ private:
         CSpan rest = trimmed(m_Line, {comma + 1, end});
         if (!skipWord("zero", rest.Begin, rest.End) || !skipWord("at", rest.Begin, rest.End)) {
             refuse(eRefusal::UNEXPECTED_CHARACTER, {comma, comma + 1},
-                   "after the comma \"zero at\" is expected, with what 0 of the unit is");
+                   "\"zero at\" and a value must follow the comma");
         }
         CLineValue zero;
         const std::size_t begin = rest.Begin;
@@ -127,14 +127,13 @@ private:
         }
         if (rest.Begin == rest.End || (sign != eKind::PLUS && sign != eKind::MINUS)) {
             refuse(eRefusal::NO_NUMBER, {rest.Begin, rest.Begin},
-                   "after \"zero at\" a number with its sign is expected");
+                   "a number with a sign must follow \"zero at\"");
         }
         CCursor cursor(m_Line, rest.Begin);
         cursor.advance();
         rest = trimmed(m_Line, {cursor.position(), rest.End});
         if (!beginsDecimal(rest.Begin)) {
-            refuse(eRefusal::NO_NUMBER, {rest.Begin, rest.Begin},
-                   "after the sign a number is expected");
+            refuse(eRefusal::NO_NUMBER, {rest.Begin, rest.Begin}, "a number must follow the sign");
         }
         zero.Number = number(rest);
         if (sign == eKind::MINUS) {
@@ -161,7 +160,7 @@ private:
         return isDigit(charAt(at + (charAt(at) == '.' ? 1U : 0U)));
     }
 
-    // A decimal or a quotient of two at the beginning of `rest`, which then begins after it.
+    // Reads a decimal, or a quotient of two decimals, at the beginning of `rest`. Removes it from `rest`.
     CFraction number(CSpan& rest) {
         const std::size_t begin = rest.Begin;
         const CQuotientText text = quotient(rest);
@@ -178,7 +177,7 @@ private:
 
     struct CQuotientText {
         CSpan Above;
-        CSpan Below;  // empty where there is none
+        CSpan Below;  // the denominator; empty if there is none
     };
 
     CQuotientText quotient(CSpan& rest) {
@@ -223,7 +222,7 @@ private:
         std::size_t end = number.End + 1;
         skipDigits(end);
         constexpr std::size_t Group = 3;
-        if (end - number.End - 1 == Group) {  // perhaps thousands
+        if (end - number.End - 1 == Group) {  // the comma may separate thousands
             diagnosis.Readings.push_back(before(number.End) + from(number.End + 1));
         }
         throw Refused{std::move(diagnosis)};
@@ -233,14 +232,14 @@ private:
         CDiagnosis diagnosis =
             exact::diagnose(eRefusal::NO_NUMBER, m_Line,
                             {rest.Begin, rest.Begin + (rest.Begin < rest.End ? 1U : 0U)},
-                            "after \"=\" a number is expected, or \"base unit\"");
+                            "a number or \"base unit\" must follow \"=\"");
         if (rest.Begin < rest.End) {
             diagnosis.Readings = {before(rest.Begin) + "1 " + from(rest.Begin)};
         }
         throw Refused{std::move(diagnosis)};
     }
 
-    // A number after the unit may be meant as an exponent or as a zero, so it is refused.
+    // Refuses a number after the unit: people may mean an exponent or a zero.
     void requireNoNumber(CSpan unit) {
         std::size_t word = unit.End;
         while (word > unit.Begin && !isBlank(m_Line[word - 1])) {
@@ -290,7 +289,7 @@ private:
 
     // Pieces of the line.
 
-    // Whether `word` comes next, followed by a blank or the end; steps over both.
+    // If `word` comes next, with a blank or the end after it, skips both and returns true.
     bool skipWord(std::string_view word, std::size_t& at, std::size_t end) const {
         const std::size_t behind = at + word.size();
         if (behind > end || m_Line.substr(at, word.size()) != word ||
@@ -311,7 +310,7 @@ private:
         return position < m_Definition.End ? m_Line[position] : '\0';
     }
 
-    // Of the definition, without the comment.
+    // Returns the definition before `end`, without the comment.
     std::string before(std::size_t end) const {
         return std::string(CSpan{m_Definition.Begin, end}.of(m_Line));
     }

@@ -1,5 +1,5 @@
-// DefinitionLine.h: the lines of a file of definitions, taken apart. For mensor's own libraries; not
-// installed. The grammar is in DefinitionFile.h.
+// DefinitionLine.h: splits the lines of a file of definitions into their parts. For mensor's own libraries;
+// not installed. The grammar is in DefinitionFile.h.
 //
 //     for (CDefinitionLines lines(text); lines.next();) {
 //         CDefinitionLine definition;
@@ -20,12 +20,12 @@
 
 namespace mensor::exact {
 
-/// The lines of a text that define something.
+/// Iterates over the lines of a text that contain a definition.
 class MENSOR_EXACT_API CDefinitionLines {
 public:
     explicit CDefinitionLines(std::string_view text);
 
-    /// Goes on to the next line that is not empty.
+    /// Moves to the next line with a definition. Returns false if there is none.
     bool next();
 
     std::string_view line() const { return m_Line; }  ///< without its end
@@ -50,19 +50,20 @@ struct CLineValue {
 struct CDefinitionLine {
     CSpan Name;
     bool TakesAway = false;          ///< "replace"
-    std::optional<CLineValue> Size;  ///< none: a base unit. The number is above zero.
+    std::optional<CLineValue> Size;  ///< empty for a base unit; the number is above zero
     std::optional<CLineValue> Zero;  ///< with its sign
 };
 
-/// Takes a line apart. Gives a diagnosis if it is refused for its form; `result` then has at most the name.
+/// Splits a line into its parts. Returns a diagnosis if the form of the line is wrong; `result` then has at
+/// most the name.
 MENSOR_EXACT_API std::optional<CDiagnosis> takeApart(std::string_view line,
                                                      CDefinitionLine& result);
 
-/// The diagnosis of `part` of `line`, counted from the beginning of the line. What it offers becomes
-/// whole lines, without the comment.
+/// Turns the diagnosis of `part` into a diagnosis of `line`. Its places count from the beginning of the line,
+/// and its corrections are whole lines without the comment.
 MENSOR_EXACT_API CDiagnosis inLine(CDiagnosis diagnosis, std::string_view line, CSpan part);
 
-/// Keeps the readings that `isAccepted` accepts.
+/// Removes the readings for which `isAccepted` returns false.
 MENSOR_EXACT_API void keepReadings(CDiagnosis& diagnosis,
                                    const std::function<bool(std::string_view)>& isAccepted);
 

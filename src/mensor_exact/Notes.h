@@ -17,17 +17,17 @@
 
 namespace mensor::exact {
 
-/// A note on a piece of a text. It needs no memory.
+/// A note on a piece of a text. It allocates no memory.
 struct MENSOR_EXACT_API CNote {
     const char* Sentence = "";  ///< constant; "{}" in it is replaced by the piece
     CSpan Token;
-    bool IsUnusual = false;  ///< whether CReadOptions::Strict refuses the text for it
+    bool IsUnusual = false;  ///< true if CReadOptions::Strict refuses the text
 
-    /// The sentence, without a full stop. `text` is the text that was read.
+    /// Returns the sentence, without a full stop. `text` is the text that was read.
     std::string words(std::string_view text) const;
 };
 
-/// The notes on one text, at most four: the first ones.
+/// The first four notes on a text.
 ///
 /// Class contract: caller serialises changes of one object; distinct objects any thread.
 class CNotes {

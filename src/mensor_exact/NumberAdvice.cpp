@@ -19,7 +19,7 @@ std::string shortest(double number) {
     return {digits, std::to_chars(digits, std::end(digits), number).ptr};
 }
 
-// Walks over a value, and takes pieces that follow each other.
+// Reads the pieces of a value, one after the other.
 class CValueText {
 public:
     explicit CValueText(std::string_view text) : m_Text(text), m_Cursor(text) {
@@ -29,7 +29,7 @@ public:
     bool isAtEnd() const { return m_Cursor.kind() == eKind::END; }
     std::string rest() const { return std::string(m_Text.substr(m_Cursor.position())); }
 
-    // "-" or nothing.
+    // Reads a sign. Returns "-" or an empty text.
     std::string sign() {
         const bool isMinus = m_Cursor.kind() == eKind::MINUS;
         if (isMinus || m_Cursor.kind() == eKind::PLUS) {
@@ -38,7 +38,7 @@ public:
         return isMinus ? "-" : "";
     }
 
-    // Digits, empty if there are none.
+    // Reads digits. Returns an empty text if there are none.
     std::string digits(eKind kind = eKind::DIGIT) {
         std::string result;
         while (m_Cursor.kind() == kind && result.size() < Longest) {
@@ -48,7 +48,7 @@ public:
         return result;
     }
 
-    // Digits and perhaps a point and more of them.
+    // Reads a decimal number: digits, and maybe a point and more digits.
     std::string decimal() {
         std::string result = digits();
         if (m_Cursor.kind() == eKind::POINT && m_Cursor.peek() == eKind::DIGIT) {
@@ -58,7 +58,7 @@ public:
         return result;
     }
 
-    // Also the signs of feet and inches.
+    // Reads a name, or a sign of feet or inches.
     std::string_view name() {
         if (skipCharacter(U'\'') || skipCharacter(U'\u2019')) {
             return "ft";
@@ -96,13 +96,13 @@ public:
     }
 
 private:
-    static constexpr std::size_t Longest = 18;  // more is no slip of the pen
+    static constexpr std::size_t Longest = 18;  // longer numbers get no correction
 
     std::string_view m_Text;
     CCursor m_Cursor;
 };
 
-// "2,5 km", "1,234.5 m".
+// Corrects "2,5 km" and "1,234.5 m".
 void addComma(std::string_view value, std::vector<std::string>& meant) {
     CValueText text(value);
     const std::string sign = text.sign();
@@ -136,7 +136,7 @@ void addComma(std::string_view value, std::vector<std::string>& meant) {
     meant.push_back(sign + whole + groups + fraction + text.rest());
 }
 
-// "1.000.000 m", "1.234,5 m".
+// Corrects "1.000.000 m" and "1.234,5 m".
 void addPoints(std::string_view value, std::vector<std::string>& meant) {
     CValueText text(value);
     std::string number = text.sign() + text.digits();
@@ -157,7 +157,7 @@ void addPoints(std::string_view value, std::vector<std::string>& meant) {
     meant.push_back(number + (hasComma ? "." + fraction : "") + text.rest());
 }
 
-// "1 000 m", "1'000 m".
+// Corrects "1 000 m" and "1'000 m".
 void addGroups(std::string_view value, std::vector<std::string>& meant) {
     CValueText text(value);
     std::string number = text.sign() + text.digits();
@@ -184,7 +184,7 @@ void addGroups(std::string_view value, std::vector<std::string>& meant) {
     }
 }
 
-// "1/2 in", "1 1/2 in", "1-1/2 in".
+// Corrects "1/2 in", "1 1/2 in" and "1-1/2 in".
 void addFraction(std::string_view value, std::vector<std::string>& meant) {
     CValueText text(value);
     const std::string sign = text.sign();
@@ -219,14 +219,14 @@ void addFraction(std::string_view value, std::vector<std::string>& meant) {
             left /= prime;
         }
     }
-    if (left == 1) {  // else no decimal is the fraction
+    if (left == 1) {  // otherwise no decimal is equal to the fraction
         meant.push_back(
             sign + shortest(std::stod(whole) + static_cast<double>(n) / static_cast<double>(d)) +
             text.rest());
     }
 }
 
-// "10^3 m", "2×10³ m", "2 x 10^-3 m".
+// Corrects "10^3 m", "2×10³ m" and "2 x 10^-3 m".
 void addPowerOfTen(std::string_view value, std::vector<std::string>& meant) {
     CValueText text(value);
     std::string number = text.sign();
@@ -265,7 +265,7 @@ void addPowerOfTen(std::string_view value, std::vector<std::string>& meant) {
     meant.push_back(number + "e" + power + text.rest());
 }
 
-// "1 h 30 min", "5 ft 6 in".
+// Corrects "1 h 30 min" and "5 ft 6 in".
 void addSum(std::string_view value, CResolver& resolver, std::vector<std::string>& meant) {
     constexpr std::size_t Most = 4;
     CValueText text(value);
@@ -314,7 +314,7 @@ std::string sumOf(const std::vector<CNamedNumber>& values,
                 return {};
             }
             sum = sum + *size;
-        } catch (const CError&) {  // numbers that are too long
+        } catch (const CError&) {  // a number is too long
             return {};
         }
     }

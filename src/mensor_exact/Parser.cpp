@@ -5,10 +5,10 @@
 //     product    = factor { times factor }
 //     factor     = "√" factor | name [ power | digits ] | "(" ( "1" | expression ) ")" [ power ]
 //
-// The result is flat: each name with its exponent, which parentheses, roots and divisions around it
-// multiply when they close. So the mathematics of the text is done when its last character is read.
+// The result is a flat list of names with exponents. When parentheses, a root or a division end, the parser
+// multiplies the exponents of all names inside.
 //
-// The function of a rule returns false where the text is refused; m_Refusal then says why.
+// The function of a rule returns false if the text is refused. m_Refusal then has the reason.
 #include "mensor_exact/Parser.h"
 
 #include <algorithm>
@@ -31,7 +31,7 @@ struct Fraction {
     int Root;
 };
 
-// The product in lowest terms; none of the four numbers exceeds 9999 in size, so nothing overflows.
+// Returns the product in lowest terms. All four numbers are within ±9999, so no product overflows.
 Fraction multiplied(Fraction a, Fraction b) {
     const int pow = a.Pow * b.Pow;
     const int root = a.Root * b.Root;
@@ -103,7 +103,7 @@ public:
 private:
     // Rules.
 
-    // Reads up to the end of the text or a ")", and leaves the cursor there.
+    // Reads up to the end of the text or up to a ")". The cursor is then at the ")".
     bool expression(int depth) {
         const std::size_t begin = at();
         if ((kind() != eKind::DIGIT || !one()) && !product(depth)) {
@@ -117,7 +117,7 @@ private:
         return (kind() != eKind::SLASH || divisor(depth, left)) && requireEnd();
     }
 
-    // The rest of an expression, from its slash on.
+    // Reads the rest of an expression. The cursor is at the slash.
     bool divisor(int depth, CSpan left) {
         m_Cursor.advance();
         m_Cursor.skipBlanks();
@@ -142,7 +142,7 @@ private:
                refuseChain(left);
     }
 
-    // The "1" of "1/s", or the whole of a text or parentheses.
+    // Reads a "1" before a slash, as in "1/s", or a "1" that is the whole text or all that parentheses contain.
     bool one() {
         const CCursor before = m_Cursor;
         const std::string_view digits = number().of(m_Text);
@@ -229,8 +229,8 @@ private:
         return push(m_PlainName);
     }
 
-    // Takes a sign, too, where by the grammar the text would be refused, and the resolver has a name with
-    // that sign in it: "mmH2O", "bar(g)", "in.".
+    // Extends the name that begins at `begin` by digits, brackets or a point if the resolver knows the
+    // longer name: "mmH2O", "bar(g)", "in.". The grammar alone would refuse these texts.
     void extendName(std::size_t begin) {
         CCursor ahead = m_Cursor;
         switch (kind()) {
@@ -239,7 +239,7 @@ private:
                     ahead.advance();
                 }
                 if (ahead.kind() != eKind::NAME) {
-                    return;  // an exponent
+                    return;  // the digits are an exponent
                 }
                 while (ahead.kind() == eKind::NAME || ahead.kind() == eKind::DIGIT) {
                     ahead.advance();
@@ -308,7 +308,7 @@ private:
         return true;
     }
 
-    // The digits of "m2" and "s-1".
+    // Reads an exponent without a "^", as in "m2" and "s-1".
     bool bareExponent(std::size_t begin) {
         const std::size_t beginPower = at();
         const int sign = this->sign();
@@ -316,7 +316,7 @@ private:
         return digits(eKind::DIGIT, n) && raise(begin, {sign * n, 1}, {beginPower, at()});
     }
 
-    // A power after a name or parentheses, if there is one; raises the factors from `begin` on.
+    // Reads a power after a name or parentheses, if there is one. Raises the factors from `begin` on.
     bool exponent(std::size_t begin, std::size_t beginText) {
         const std::size_t beginPower = at();
         Fraction power{};
@@ -354,7 +354,7 @@ private:
         return true;
     }
 
-    // Steps over "^" or "**" and the blanks around, if they come next.
+    // If "^" or "**" comes next, skips it and the blanks around it and returns true.
     bool caret() {
         CCursor ahead = m_Cursor;
         ahead.skipBlanks();
@@ -369,7 +369,7 @@ private:
         return true;
     }
 
-    // The number after the "^" at `begin`: an integer, a decimal or a fraction.
+    // Reads the number after the "^" at `begin`: an integer, a decimal or a fraction.
     bool power(std::size_t begin, Fraction& power) {
         const bool isBracketed = kind() == eKind::OPEN;
         const CSpan opening = here();
@@ -415,7 +415,7 @@ private:
         return true;
     }
 
-    // Steps over the sign of a fraction and to its denominator, if they come next.
+    // If a fraction sign and a denominator come next, moves to the denominator and returns true.
     bool separatesFraction(bool isBracketed) {
         CCursor ahead = m_Cursor;
         if (isBracketed) {
@@ -435,9 +435,9 @@ private:
         return true;
     }
 
-    // Makes the fraction that a decimal is of its whole part, from the point on.
+    // Reads the decimals of an exponent. `fraction` has the integer part and becomes the exact value.
     bool decimal(std::size_t begin, Fraction& fraction) {
-        constexpr int MostPlaces = 6;  // as 1/64 has; longer ones are no small fractions
+        constexpr int MostPlaces = 6;  // 1/64 has six; a longer decimal has a larger denominator
         std::int64_t numerator = fraction.Pow;
         std::int64_t denominator = 1;
         bool isLonger = false;
@@ -472,7 +472,7 @@ private:
         return sign;
     }
 
-    // A number of an exponent, exactly: cut down to lowest terms it may yet be in range.
+    // Reads up to four digits. "4/200" is accepted: it is in range in lowest terms.
     bool digits(eKind digitKind, int& n) {
         constexpr int Largest = 9999;
         const std::size_t begin = at();
@@ -483,7 +483,7 @@ private:
         return n <= Largest || refuseRange({begin, at()});
     }
 
-    // A number where none belongs, with its decimals.
+    // Reads a misplaced number with its decimals.
     CSpan number() {
         const std::size_t begin = at();
         while (kind() == eKind::DIGIT ||
@@ -511,7 +511,7 @@ private:
         return {at(), next.position()};
     }
 
-    // From `begin` to here, without the blanks before the cursor.
+    // Returns the text from `begin` to the cursor, without the blanks before the cursor.
     CSpan trimmed(std::size_t begin) const {
         CCursor walk(m_Text.substr(0, at()), begin);
         std::size_t end = begin;
@@ -546,7 +546,7 @@ private:
         return isAllInRange || refuseRange(span);
     }
 
-    // Refusals. All return false. The compiler makes them small and keeps them apart from what reads.
+    // Refusals. All return false. They are marked as cold, so the compiler moves them out of the fast path.
 
     [[gnu::cold, gnu::noinline]] bool refuse(eRefusal code, CSpan span, const char* sentence,
                                              eReadings readings = eReadings::NONE, CSpan a = {},
@@ -555,7 +555,8 @@ private:
         return false;
     }
 
-    // First of all: who reads a part of such a text may read another text than was written.
+    // Refuses text that is not UTF-8, a NUL and invisible characters. This check comes first: a piece of such
+    // a text may look like another text than the whole.
     bool requireWellFormed() {
         std::size_t length = 1;
         CSpan invisible;
@@ -595,13 +596,13 @@ private:
         return refuse(eRefusal::EXPONENT_RANGE, span, sentences::EXPONENT_TOO_LARGE);
     }
 
-    // "m^1/2", which mathematics reads as m/2.
+    // Refuses "m^1/2". The rules of mathematics make it m/2; people often mean m^(1/2).
     [[gnu::cold]] bool refuseBareFraction() {
         return refuse(eRefusal::STRAY_NUMBER, number(), sentences::BARE_FRACTION,
                       eReadings::FRACTION, m_CaretPower);
     }
 
-    // Refuses what is there in place of a factor.
+    // Refuses the character at the cursor, where a factor must begin.
     [[gnu::cold]] bool refuseFactor() {
         switch (kind()) {
             case eKind::FOREIGN: return refuseForeign();
@@ -639,7 +640,7 @@ private:
                       sentences::NO_UNIT_HERE, isFirstSlash ? eReadings::ONE : eReadings::NONE);
     }
 
-    // "-" for no unit.
+    // Refuses a "-" that stands for "no unit".
     [[gnu::cold]] bool requireNoLoneSign() {
         const std::size_t end = m_Text.find_last_not_of(" \t") + 1;
         const CSpan rest{at(), std::max(at(), end)};
@@ -647,7 +648,7 @@ private:
         return trap == nullptr || refuseTrap(rest, *trap);
     }
 
-    // Whether the minus sign here is the hyphen of "kW-h".
+    // Returns true if the minus sign at the cursor is a hyphen, as in "kW-h".
     bool isHyphen() const {
         CCursor ahead = m_Cursor;
         ahead.advance();
@@ -657,7 +658,7 @@ private:
                 ahead.kind() == eKind::OPEN || ahead.kind() == eKind::ROOT);
     }
 
-    // Refuses what follows an expression.
+    // Refuses text after the end of an expression.
     bool requireEnd() {
         switch (kind()) {
             case eKind::END:
@@ -681,7 +682,7 @@ private:
         }
     }
 
-    // Behind the power that begins at `begin`.
+    // Refuses a second exponent. The power before the cursor begins at `begin`.
     bool requireOneExponent(std::size_t begin) {
         CCursor ahead = m_Cursor;
         ahead.skipBlanks();
@@ -696,7 +697,7 @@ private:
                       sentences::TWO_EXPONENTS, eReadings::POWER, {begin, at()});
     }
 
-    // Behind a/b the cursor is at another operator: mathematics and habit read on differently.
+    // Refuses "a/b/c" and "a/b·c", which people read in two ways. The cursor is after a/b.
     [[gnu::cold]] bool refuseChain(CSpan left) {
         CCursor ahead = m_Cursor;
         ahead.advance();
@@ -711,7 +712,7 @@ private:
                                                sentences::PRODUCT_CHAIN, eReadings::CHAIN, left);
     }
 
-    // Behind a name that no unit has.
+    // Refuses a name that no unit has. The cursor is after the name.
     [[gnu::cold]] bool refuseUnknown(CSpan span) {
         const std::string_view name = span.of(m_Text);
         const CTrap* const cubed = isCubed() ? findTrap(ePlace::CUBED, name) : nullptr;
@@ -738,9 +739,9 @@ private:
         return refuse(eRefusal::UNKNOWN_NAME, span, trap.sentence(), eReadings::TRAP, span, &trap);
     }
 
-    // Traps. All return false where the text is refused.
+    // Traps. All return false if the text is refused.
 
-    // Behind a name: "Nm³", "Nm²".
+    // Refuses a misleading name with an exponent: "Nm³", "Nm²". The cursor is after the name.
     bool requireNoPowerTrap() {
         const std::string_view name = m_PlainName.of(m_Text);
         CCursor ahead = m_Cursor;
@@ -764,10 +765,10 @@ private:
                       m_PlainName, trap);
     }
 
-    // Whether the exponent 3 is next.
+    // Returns true if the exponent 3 is next.
     bool isCubed() const { return !cube().of(m_Text).empty(); }
 
-    // Where it is; empty if it is not next.
+    // Returns the place of the exponent 3 if it is next. Returns an empty span otherwise.
     CSpan cube() const {
         CCursor ahead = m_Cursor;
         if (!isRaised(ahead.kind()) && ahead.kind() != eKind::DIGIT) {
@@ -792,8 +793,8 @@ private:
         return refuse(eRefusal::MISLEADING, token, trap.sentence(), eReadings::TRAP, token, &trap);
     }
 
-    // The longest text from `begin` on that `isKnown`: some names, digits and the signs in between, or what
-    // is in brackets. Empty if there is none.
+    // Returns the longest text from `begin` on for which `isKnown` returns true. The text has names, digits
+    // and signs between them, or is in brackets. Returns an empty span if there is no such text.
     template <class IsKnown>
     [[gnu::cold]] CSpan longestText(std::size_t begin, const IsKnown& isKnown) const {
         constexpr std::size_t Most = 6;  // pieces
@@ -846,7 +847,7 @@ private:
         return {};
     }
 
-    // The end of names in brackets at the cursor, or the cursor's position.
+    // Returns the end of the brackets at the cursor. Returns the position of the cursor if there are none.
     static std::size_t endOfBrackets(CCursor cursor) {
         const std::size_t begin = cursor.position();
         if (cursor.kind() != eKind::OPEN) {
@@ -860,8 +861,8 @@ private:
         return isClosed ? cursor.position() : begin;
     }
 
-    // Before a name or a bracket with a blank before it: "psi g". `before` tells the class of the name;
-    // `kept` stays.
+    // Refuses a pair of names such as "psi g". The cursor is at the second name or at a bracket. `before` is
+    // the first name. The corrections keep the text `kept`.
     [[gnu::cold]] bool requireNoPair(CSpan before, CSpan kept) {
         if (kind() != eKind::NAME && kind() != eKind::OPEN) {
             return true;
@@ -880,7 +881,7 @@ private:
         return refusePair(kept, next, *trap);
     }
 
-    // The same after a quotient that has a mass above its slash: "mg/l N".
+    // Refuses a name after the quotient of a mass, such as "mg/l N".
     [[gnu::cold]] bool requireNoPairOfQuotient(CSpan left, CSpan right) {
         const std::string_view mass = lastWord(left).of(m_Text);
         const CTrap* trap = nullptr;
@@ -900,7 +901,7 @@ private:
                       eReadings::TRAP, kept, &trap);
     }
 
-    // Whether a slash and a name of the class MASS_PER are at `position`: "/l".
+    // Returns true if a slash and a name of the class MASS_PER are at `position`: "/l".
     [[gnu::cold]] bool isPerMember(std::size_t position) const {
         CCursor ahead(m_Text, position);
         ahead.skipBlanks();
@@ -912,7 +913,7 @@ private:
         return isMember(firstWord({ahead.position(), m_Text.size()}), ePlace::MASS_PER);
     }
 
-    // Behind a point: "deg.C", "sq.m".
+    // Refuses one name that has a point in it: "deg.C", "sq.m". The cursor is after the point.
     [[gnu::cold]] bool requireOneName(CSpan before) {
         const CTrap* trap = nullptr;
         const CSpan next = longestText(at(), [&](std::string_view text) {
@@ -923,7 +924,7 @@ private:
                refusePair(before, next, *trap);
     }
 
-    // Behind an unknown name: "sq m", "cu.ft", "Deg C".
+    // Refuses an unknown name and the next name if both are one unit: "sq m", "cu.ft", "Deg C".
     [[gnu::cold]] bool requireNoNameBehind(CSpan name) {
         CCursor ahead(m_Text, name.End);
         if (ahead.kind() == eKind::POINT || ahead.kind() == eKind::MINUS) {
@@ -941,7 +942,7 @@ private:
         return trap == nullptr || refusePair(name, next, *trap);
     }
 
-    // A word that is a note wherever it is: "mm/s rms".
+    // Refuses a word that is a remark and no unit after any unit: "mm/s rms".
     [[gnu::cold]] bool requireNoNote() {
         const CTrap* trap = nullptr;
         const CSpan word = longestText(at(), [&](std::string_view text) {
@@ -953,7 +954,7 @@ private:
                       trap->first().empty() ? eReadings::REMOVE : eReadings::TRAP, word, trap);
     }
 
-    // Directly after a quotient: "kg/cm2g".
+    // Refuses a remark without a blank before it, as in "kg/cm2g". The cursor is after the quotient.
     [[gnu::cold]] bool requireNoNoteBehind(CSpan quotient) {
         constexpr std::size_t Longest = 16;
         const std::string_view text = quotient.of(m_Text);
@@ -968,7 +969,7 @@ private:
         return trap == nullptr || refusePair(quotient, note, *trap);
     }
 
-    // "kJ/(kg·C)", "kJ·C/kg": a heat or a power by three units has no coulomb in it.
+    // Refuses "kJ/(kg·C)" and "kJ·C/kg". In a heat or a power with three units, C means a temperature.
     bool requireNoLetterOfTemperature() {
         if (m_Factors.size() < 3) {
             return true;
@@ -988,7 +989,7 @@ private:
         return true;
     }
 
-    // A quotient that has two meanings: "W/mK".
+    // Refuses a quotient that has two meanings: "W/mK".
     bool requireNoQuotientTrap(CSpan left, CSpan right) {
         CSpan name = right;
         const std::string_view text = right.of(m_Text);
@@ -1012,7 +1013,7 @@ private:
                       eReadings::TRAP, above, trap);
     }
 
-    // The characters of a name at the end of a piece of the text.
+    // Returns the name at the end of `span`.
     CSpan lastWord(CSpan span) const {
         CSpan word{span.Begin, span.End};
         for (CCursor walk(m_Text.substr(0, span.End), span.Begin); walk.kind() != eKind::END;) {
@@ -1025,7 +1026,7 @@ private:
         return word;
     }
 
-    // The same with its exponent: "m3".
+    // Returns the name at the end of `span` with its exponent: "m3".
     [[gnu::cold]] CSpan lastWordWithPower(CSpan span) const {
         CSpan word{span.Begin, span.End};
         bool wasPower = false;
@@ -1045,7 +1046,7 @@ private:
         return word;
     }
 
-    // The characters of a name at the beginning of a piece of the text.
+    // Returns the name at the beginning of `span`.
     std::string_view firstWord(CSpan span) const {
         CCursor walk(m_Text, span.Begin);
         while (walk.kind() == eKind::NAME) {
@@ -1055,7 +1056,7 @@ private:
     }
 
     const std::string_view m_Text;
-    const std::size_t m_Begin;  // of the unit
+    const std::size_t m_Begin;  // where the unit begins
     CResolver& m_Resolver;
     CNamedFactors& m_Factors;
     CRefusal& m_Refusal;

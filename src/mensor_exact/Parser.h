@@ -1,4 +1,4 @@
-// Parser.h: from text to named units with exponents. For mensor's own libraries; not installed.
+// Parser.h: parses a text into named units with exponents. For mensor's own libraries; not installed.
 #ifndef MENSOR_EXACT_PARSER_H
 #define MENSOR_EXACT_PARSER_H
 
@@ -25,50 +25,52 @@ constexpr int LargestExponent = 99;
 
 class CNearestNames;
 
-/// How well a text fits that is to be offered.
+/// How well a suggested text fits. A greater value fits better.
 enum class eFit : std::uint8_t {
     REFUSED,
-    READ,
-    KIND,   ///< read, and of a kind that has a name
-    TARGET  ///< read, and of the kind that is asked for
+    READ,   ///< accepted
+    KIND,   ///< accepted, and its kind has a name
+    TARGET  ///< accepted, and of the kind that the caller asked for
 };
 
-/// A number and the name of a unit, as they are written.
+/// A number and the name of a unit, as the text has them.
 struct CNamedNumber {
     std::string_view Number;
     std::string_view Name;
 };
 
-/// Where the parser asks for names.
+/// Looks up names for the parser.
 class CResolver {
 public:
     static constexpr std::uint32_t None = 0;
 
-    /// A number of the resolver's choice for the unit with this name, in any spelling, or None.
+    /// Returns a number for the unit with this name, in any spelling, or None. The resolver chooses
+    /// the numbers.
     virtual std::uint32_t find(std::string_view name) = 0;
 
-    /// Whether a unit has this name, in any spelling.
+    /// Returns true if a unit has this name, in any spelling.
     virtual bool knows(std::string_view name) = 0;
 
-    /// Whether the name is the program's own, which is no trap.
+    /// Returns true if the program defined the name. Such a name is no trap.
     virtual bool isOwn(std::string_view name) = 0;
 
-    // For the words of a refusal.
+    // For diagnose().
 
-    /// Adds all names that may be suggested.
+    /// Adds all names that diagnose() may suggest.
     virtual void addNamesTo(CNearestNames& nearest) = 0;
 
-    /// Whether a program can ask for this pack.
+    /// Returns true if diagnose() may suggest this pack.
     virtual bool offers(ePack pack) = 0;
 
-    /// Reads the unit that begins at the byte `begin` of `text` as the refused one was read. REFUSED
-    /// comes with the reason.
+    /// Reads the unit that begins at the byte `begin` of `text`, in the same way as the refused text. If
+    /// the result is REFUSED, `refusal` has the reason.
     virtual eFit fit(std::string_view text, std::size_t begin, CRefusal& refusal) = 0;
 
-    /// Adds what may be written for the token of a refusal that only the resolver understands.
+    /// Adds replacements for the token of `refusal` that only the resolver knows.
     virtual void addWords(const CRefusal& refusal, std::vector<std::string>& words) = 0;
 
-    /// The sum of values of one kind, in the unit of the last one: "90 min"; empty if there is none.
+    /// Returns the sum of values of one kind in the unit of the last value: "90 min". Returns an empty
+    /// text if the values have no common kind.
     virtual std::string sumOf(const std::vector<CNamedNumber>& values) = 0;
 
 protected:
@@ -78,7 +80,7 @@ protected:
     ~CResolver() = default;
 };
 
-/// One named unit of a text and the exponent that it comes to have.
+/// One named unit of a text and its final exponent.
 struct CNamedFactor {
     CSpan Name;
     std::uint32_t Unit;  ///< what the resolver found
@@ -108,7 +110,7 @@ public:
         ++m_Size;
     }
 
-    /// Whether the text is one name without an exponent.
+    /// Returns true if the text is one name without an exponent.
     bool isOneName() const { return m_Size == 1 && (*this)[0].Pow == 1 && (*this)[0].Root == 1; }
 
 private:
@@ -120,25 +122,25 @@ private:
 /// Reads the unit that begins at the byte `begin` of `text`. The dimensionless unit has no factors. An
 /// empty unit is refused unless `mayBeEmpty`.
 ///
-/// Returns false where the text is refused; `factors` then has no meaning, and `refusal` tells why.
-/// Needs memory only for more than six factors. Passes on what the resolver throws.
+/// Returns false if the text is refused. Then `refusal` has the reason, and the caller must not use
+/// `factors`. Allocates memory only for more than six factors. Throws what the resolver throws.
 MENSOR_EXACT_API bool parse(std::string_view text, std::size_t begin, bool mayBeEmpty,
                             CResolver& resolver, CNamedFactors& factors, CRefusal& refusal);
 
-/// Adds the notes on a text that parse() has read from the byte `begin` on. With `isStrict`, a text that
-/// people use for another unit is refused: returns false, and `refusal` tells why.
+/// Adds the notes on a text that parse() accepted. The unit begins at the byte `begin`. If `isStrict` is
+/// true and people use the text for another unit, returns false and writes the reason into `refusal`.
 MENSOR_EXACT_API bool takeNotes(std::string_view text, std::size_t begin,
                                 const CNamedFactors& factors, CResolver& resolver, bool isStrict,
                                 CNotes& notes, CRefusal& refusal);
 
-/// The sum of values of one kind, in the unit of the last one: "90 min". Empty if there is none.
-/// `meaningOf` gives what a name means.
+/// Returns the sum of values of one kind in the unit of the last value: "90 min". Returns an empty text if
+/// the values have no common kind. `meaningOf` returns the meaning of a name.
 MENSOR_EXACT_API std::string sumOf(
     const std::vector<CNamedNumber>& values,
     const std::function<std::optional<CMeaning>(std::string_view)>& meaningOf);
 
-/// All words of a refusal of parse() or findNumber(), with what to write instead. Whatever is offered
-/// was read by the resolver's fit().
+/// Returns the message of a refusal of parse() or findNumber(), with corrected texts. The resolver's fit()
+/// has accepted each of them.
 MENSOR_EXACT_API CDiagnosis diagnose(const CRefusal& refusal, CResolver& resolver);
 
 }  // namespace mensor::exact

@@ -23,7 +23,7 @@ namespace {
 
 bool hasOffset(const CMeaning& meaning) { return !meaning.offset().isZero(); }
 
-// What a word of the pack EVERYDAY means, "kilometres".
+// Returns the meaning of a word of the pack EVERYDAY: "kilometres".
 std::optional<CMeaning> wordMeaning(std::string_view name) {
     const std::optional<CWord> word = everydayWord(name);
     if (!word) {
@@ -33,8 +33,8 @@ std::optional<CMeaning> wordMeaning(std::string_view name) {
     return word->Power == 0 ? meaning : meaning.scaled(CFactor(CFraction(10)).power(word->Power));
 }
 
-// What a name means in `catalogue`, in any spelling; "One" is the dimensionless unit. Tells the
-// catalogue's spelling if it is asked for, an empty one if no definition can have that.
+// Returns the meaning of a name in `catalogue`, in any spelling. "One" is the dimensionless unit. If `known`
+// is not null, writes the catalogue's spelling into it. That is empty if no definition can contain it.
 std::optional<CMeaning> meaningOf(std::string_view name, const CCatalogue& catalogue,
                                   std::string* known = nullptr) {
     std::optional<CMeaning> meaning =
@@ -45,7 +45,7 @@ std::optional<CMeaning> meaningOf(std::string_view name, const CCatalogue& catal
                                    catalogue.find(spelling)->Pack == ePack::OWN;
             std::optional<CMeaning> found =
                 isAnother ? std::optional<CMeaning>() : catalogue.meaning(spelling);
-            if (found && known != nullptr) {  // "bar(g)" and "in." stand in no definition
+            if (found && known != nullptr) {  // no definition can contain "bar(g)" or "in."
                 *known = spelling.find_first_of("(.") == std::string_view::npos
                              ? spelling
                              : std::string_view();
@@ -68,11 +68,11 @@ bool isOwn(std::string_view name, const CCatalogue& catalogue) {
     return definition && definition->Pack == ePack::OWN;
 }
 
-// A name that is a prefix and a scale with a zero of its own, as "m°C".
+// A name of a prefix and an offset unit: "m°C".
 struct CPrefixedScale {
     std::string_view Prefix;
     std::string_view Scale;
-    CMeaning Meaning;  // of its differences
+    CMeaning Meaning;  // the meaning of its differences
 };
 
 std::optional<CPrefixedScale> prefixedScale(std::string_view name, const CCatalogue& catalogue) {
@@ -92,11 +92,11 @@ std::optional<CPrefixedScale> prefixedScale(std::string_view name, const CCatalo
     return std::nullopt;
 }
 
-// Finds names in a catalogue. Numbers what it finds from 2 on: even numbers, and odd ones for the
-// differences of a scale with a prefix.
+// Finds names in a catalogue. Numbers them from 2 on. A number is odd for the differences of an offset unit
+// with a prefix, and even for any other unit.
 class CCatalogueNames final : public CResolver {
 public:
-    /// `target` is what advice is to fit; it may be null.
+    /// The corrections should be compatible with `target`. It may be null.
     explicit CCatalogueNames(const CCatalogue& catalogue, const CMeaning* target = nullptr)
         : m_Catalogue(catalogue), m_Target(target) {}
 
@@ -203,7 +203,7 @@ public:
     }
 
 private:
-    // "W/m°C" may be meant as W/(m·K), so the prefix is refused where it is a unit, too.
+    // Refuses a prefix that is also a unit: people may mean W/(m·K) by "W/m°C".
     bool takePrefixedScale(CSpan name, bool isAlone, CReading& result) const {
         const std::string_view prefix = prefixedScale(name.of(m_Text), m_Catalogue)->Prefix;
         const bool isAmbiguous = !isAlone && meaningOf(prefix, m_Catalogue);
@@ -256,7 +256,7 @@ private:
     const CReadOptions& m_Options;
 };
 
-// The first name of the catalogue with this meaning, empty if there is none.
+// Returns the first name of the catalogue with this meaning. Empty if there is none.
 [[gnu::cold]] std::string_view nameOf(const CMeaning& meaning, const CCatalogue& catalogue) {
     std::string_view name;
     catalogue.forEach([&](const CDefinition& definition) {
@@ -266,7 +266,7 @@ private:
     return name;
 }
 
-// The catalogue's name for what `name` is as a factor of a product, or alone. Empty: it has none.
+// Returns the catalogue's name for the meaning that `name` has alone or in a product. Empty if there is none.
 [[gnu::cold]] std::string namedInProduct(std::string_view name, bool isAlone,
                                          const CCatalogue& catalogue) {
     std::string known(name);
@@ -278,12 +278,12 @@ private:
                                            : std::string(nameOf(meaning->difference(), catalogue));
 }
 
-// The name of the differences of a scale, empty if they have none.
+// Returns the name of the differences of an offset unit. Empty if there is none.
 [[gnu::cold]] std::string_view differenceName(const CMeaning& scale, const CCatalogue& catalogue) {
     return nameOf(scale.difference(), catalogue);
 }
 
-// "; for differences write ..." after the sentence on a scale in a product.
+// Adds "; for differences write ..." to the sentence about an offset unit in a product.
 [[gnu::cold]] void tellDifference(const CRefusal& refusal, const CCatalogue& catalogue,
                                   CDiagnosis& diagnosis) {
     const std::optional<CMeaning> scale = meaningOf(refusal.token(), catalogue);
@@ -328,7 +328,7 @@ eFit CCatalogueNames::fit(std::string_view text, std::size_t begin, CRefusal& re
     if (!scale) {
         return;
     }
-    const std::string_view prefix = refusal.Pieces[0].of(refusal.Text);  // if it is a unit, too
+    const std::string_view prefix = refusal.Pieces[0].of(refusal.Text);  // empty if it is no unit
     const std::string_view unprefixed =
         differenceName(*meaningOf(scale->Scale, m_Catalogue), m_Catalogue);
     if (!prefix.empty() && !unprefixed.empty()) {
@@ -343,7 +343,7 @@ CCatalogue withPack(const CCatalogue& catalogue, const std::string& name) {
     return (isOfCountry ? catalogue.with(ePack::CUSTOMARY) : catalogue).with(pack);
 }
 
-// Reads the text with the packs that it lacks, and tells what else it lacks.
+// Reads the text with the missing packs, and adds to the diagnosis what is still missing.
 [[gnu::cold]] void readWithPacks(const CRefusal& refusal, const CCatalogue& catalogue,
                                  const CMeaning* target, CDiagnosis& diagnosis) {
     constexpr std::size_t MostPacks = 3;
@@ -353,7 +353,7 @@ CCatalogue withPack(const CCatalogue& catalogue, const std::string& name) {
     for (std::size_t packs = 0; packs < MostPacks; ++packs) {
         try {
             extended = withPack(extended, pack);
-        } catch (const CError&) {  // the program's own names are in the way
+        } catch (const CError&) {  // a name of the pack is already the program's own
             return;
         }
         const CReading reading =

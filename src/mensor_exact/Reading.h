@@ -8,8 +8,9 @@
 //     const exact::CReading reading = exact::tryRead(line, catalogue);
 //     if (!reading) std::cerr << exact::diagnose(reading.Refusal, catalogue).message() << '\n';
 //
-// Nothing is registered, kept or locked. Names come from an immutable catalogue (Definitions.h), which
-// any number of threads may share. The grammar and all refusals are on the page docs/reading.md.
+// The functions register nothing, keep nothing and take no lock. Names come from an immutable catalogue
+// (Definitions.h), which any number of threads may share. The page docs/reading.md has the grammar and all
+// refusals.
 #ifndef MENSOR_EXACT_READING_H
 #define MENSOR_EXACT_READING_H
 
@@ -27,14 +28,14 @@
 
 namespace mensor::exact {
 
-/// What a reader allows beyond the plain grammar.
+/// Options that change which texts the reader accepts.
 struct CReadOptions {
     bool Dimensionless = false;  ///< the empty text is the dimensionless unit
-    bool Differences = false;    ///< an offset unit in a product is its difference: "J/°C" is J/K
-                                 ///< (but "W/m°C" stays refused: W/(m·K)?)
-    bool Strict = false;  ///< what people use for something else is refused, too: "pH", "kg/cm²"
-    bool NotFinite = false;  ///< values may be "nan", "inf", "infinity", with a sign; only where
-                             ///< they are doubles
+    bool Differences = false;    ///< an offset unit in a product is its difference: "J/°C" is J/K;
+                                 ///< "W/m°C" stays refused: it may mean W/(m·K)
+    bool Strict = false;         ///< refuses texts with another common use, too: "pH", "kg/cm²"
+    bool NotFinite = false;  ///< values may be "nan", "inf" or "infinity", with a sign; only for
+                             ///< functions that return a double
 };
 
 /// The outcome of a reading that does not throw.
@@ -42,44 +43,45 @@ struct CReadOptions {
 /// Class contract: caller serialises changes of one object; distinct objects any thread.
 struct CReading {
     std::optional<CMeaning> Meaning;  ///< empty when refused
-    CRefusal Refusal;                 ///< why; it refers to the text. Of no meaning when read
-    bool HasDifference = false;       ///< a scale with a zero of its own was read as a difference
+    CRefusal Refusal;                 ///< the reason; refers to the text. Unused if accepted
+    bool HasDifference = false;       ///< true if an offset unit was read as a difference
     CNotes Notes;                     ///< remarks on the meaning
 
     explicit operator bool() const { return Meaning.has_value(); }
 };
 
-/// What the unit written in `text`, UTF-8, means.
+/// Returns the meaning of the unit in `text`, which is UTF-8.
 ///
-/// "1" and "One" are the dimensionless unit. A name is looked up as it is written; then with
-/// characters that Unicode has twice as the catalogue spells them, and the litre's "L" as "l"; and if
-/// the catalogue has the pack EVERYDAY, as a word ("kilometres"), and with "u" as the micro sign.
+/// "1" and "One" are the dimensionless unit. The function looks up a name as it is written,
+/// then with the catalogue's choice among equivalent Unicode characters, then with "l" for the litre's "L".
+/// If the catalogue has the pack EVERYDAY, the name may also be a word ("kilometres") or have "u" in place
+/// of the micro sign.
 /// @throws CReadError  the text is refused.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_EXACT_API CMeaning read(std::string_view text,
                                const CCatalogue& catalogue = CCatalogue::builtIn(),
                                const CReadOptions& options = {});
 
-/// The same without exceptions for refused texts. Only std::bad_alloc may pass.
+/// The same as read(), without an exception for a refused text. Throws nothing but std::bad_alloc.
 ///
-/// For everyday texts, refused ones included, it allocates no memory but that of the result.
+/// For everyday texts, also refused ones, allocates no memory except for the result.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_EXACT_API CReading tryRead(std::string_view text,
                                   const CCatalogue& catalogue = CCatalogue::builtIn(),
                                   const CReadOptions& options = {});
 
-/// The refusal in words, with what to write instead. The catalogue is the one that was read with. Of
-/// names that are equally near, those are offered that make the text compatible with `target`, if it is
-/// not null.
+/// Returns the message of a refusal, with corrected texts. `catalogue` must be the one that refused the text.
+/// If several names are equally similar and `target` is not null, the result has those that make the text
+/// compatible with `target`.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_EXACT_API CDiagnosis diagnose(const CRefusal& refusal,
                                      const CCatalogue& catalogue = CCatalogue::builtIn(),
                                      const CMeaning* target = nullptr);
 
-/// The unit written in `text` in one plain notation, which definitions (Definitions.h) and the reader
-/// both read: "W/(m²·K)" for "W·m**-2 K^-1", with the names as the catalogue spells them.
+/// Returns the unit in `text` in a plain notation that definitions (Definitions.h) and the reader both
+/// accept: "W/(m²·K)" for "W·m**-2 K^-1", with the names as the catalogue spells them.
 ///
-/// A difference is written as the unit that it is, "J/K" for "J/°C".
+/// A difference has the name of its own unit: "J/K" for "J/°C".
 /// @throws CReadError  the text is refused.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_EXACT_API std::string notationOf(std::string_view text,
@@ -88,7 +90,7 @@ MENSOR_EXACT_API std::string notationOf(std::string_view text,
 
 /// A number and its unit.
 struct CValue {
-    CFraction Number;  ///< exactly as it is written
+    CFraction Number;  ///< exact
     CMeaning Unit;
 };
 
@@ -98,30 +100,30 @@ struct CValue {
 struct CValueReading {
     std::optional<CValue> Value;  ///< empty when refused
     CRefusal Refusal;             ///< as in CReading
-    CSpan Unit;                   ///< where the unit is written
+    CSpan Unit;                   ///< the place of the unit in the text
     bool HasDifference = false;   ///< as in CReading
     CNotes Notes;                 ///< as in CReading
 
     explicit operator bool() const { return Value.has_value(); }
 };
 
-/// The value written in `text`: a number as docs/reading.md has it, nothing or blanks, a unit.
+/// Returns the value in `text`: a number, optional blanks and a unit. docs/reading.md has the grammar.
 ///
-/// A number alone is a value of the dimensionless unit only by CReadOptions::Dimensionless. Numbers are
-/// finite, whatever the options say.
+/// Accepts a number without a unit only with the option CReadOptions::Dimensionless. Accepts finite numbers
+/// only, with any options.
 /// @throws CReadError  the text is refused.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_EXACT_API CValue readValue(std::string_view text,
                                   const CCatalogue& catalogue = CCatalogue::builtIn(),
                                   const CReadOptions& options = {});
 
-/// The same without exceptions for refused texts. Only std::bad_alloc may pass.
+/// The same as readValue(), without an exception for a refused text. Throws nothing but std::bad_alloc.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_EXACT_API CValueReading tryReadValue(std::string_view text,
                                             const CCatalogue& catalogue = CCatalogue::builtIn(),
                                             const CReadOptions& options = {});
 
-/// Whether `text` is one name by the grammar, so that a unit labelled with it can be read:
+/// Returns true if `text` is one name by the grammar. A unit with this label can then be read:
 /// "km", "[in_i]", but not "m2", "a b" or "".
 /// @par Threads  Any thread; takes no lock.
 MENSOR_EXACT_API bool isName(std::string_view text);

@@ -33,7 +33,7 @@ constexpr CShortText<5> PrefixNames[] = {
 };
 static_assert(std::size(PrefixNames) == std::size(Prefixes));
 
-// Without a prefix.
+// Returns the row of a word without a prefix, or null.
 const CWordRow* plainWord(std::string_view name) {
     for (const CWordRow& word : Words) {
         if (name == word.Singular || name == word.Plural) {
@@ -45,7 +45,8 @@ const CWordRow* plainWord(std::string_view name) {
 
 bool isSmall(char c) { return c >= 'a' && c <= 'z'; }
 
-// "um" for "\u00B5m". Only symbols of the built-in catalogue: a program's own "µx" need not be meant.
+// Reads "um" as "\u00B5m". Only for symbols of the built-in catalogue: "ux" may mean something else than a
+// program's own "µx".
 std::optional<CWord> micro(std::string_view name) {
     constexpr std::uint32_t BuiltIn = 3;  // CATALOGUE and SI
     const std::string_view stem = name.substr(1);

@@ -13,15 +13,15 @@
 
 namespace mensor::exact {
 
-/// `name` with characters that Unicode has twice as the catalogue spells them: Greek mu as the micro
-/// sign, Greek omega as the ohm sign, "℃" as "°C" and their like. These pairs look alike in every
-/// font, and Unicode calls them equivalent. Letters that merely resemble each other are left alone.
+/// Returns `name` with the catalogue's choice among equivalent characters: Greek mu becomes the micro sign,
+/// Greek omega the ohm sign, "℃" becomes "°C" and so on. Unicode defines these pairs as equivalent, and they
+/// look alike in every font. Letters that are only similar do not change.
 MENSOR_EXACT_API std::string respelled(std::string_view name);
 
 /// A prefix of the SI.
 struct CPrefix {
     CShortText<2> Symbol;
-    std::int8_t Power;  ///< of ten
+    std::int8_t Power;  ///< the exponent of ten
 };
 
 inline constexpr CPrefix Prefixes[] = {
@@ -30,7 +30,7 @@ inline constexpr CPrefix Prefixes[] = {
     {"n", -9}, {"p", -12}, {"f", -15}, {"a", -18}, {"z", -21}, {"y", -24},
 };
 
-/// Whether `name` is the litre's "L", alone or with a prefix of the SI. The catalogue writes "l".
+/// Returns true if `name` is the litre's "L", alone or with a prefix of the SI. The catalogue writes "l".
 MENSOR_EXACT_API bool isCapitalLitre(std::string_view name);
 
 /// A word of spellings.def. It means 10^Power of the unit with this symbol.
@@ -42,12 +42,12 @@ struct CWord {
     std::string text() const { return std::string(Prefix).append(Symbol); }
 };
 
-/// What the pack EVERYDAY reads though it has no row for it: a word such as "kilometres", or "u" for the
-/// micro sign as in "um". None for any other name.
+/// Returns the meaning of a name that the pack EVERYDAY reads without a row of its own: a word such as
+/// "kilometres", or "u" for the micro sign as in "um". Empty for any other name.
 MENSOR_EXACT_API std::optional<CWord> everydayWord(std::string_view name);
 
-/// What `lookUp` finds for `name`: as it is written, else respelled, else with the litre's small "l".
-/// A result that converts to false counts as nothing.
+/// Returns the first result of `lookUp` that converts to true. Looks up `name` as it is written, then
+/// respelled, then with the litre's small "l".
 template <class LookUp>
 auto lookUpSpellings(std::string_view name, const LookUp& lookUp) {
     auto found = lookUp(name);

@@ -9,7 +9,7 @@ namespace mensor::exact {
 
 namespace {
 
-// All texts, one after the other: pointers would have to be relocated when the library is loaded.
+// All texts, one after the other. An array of pointers would need relocations at load time.
 constexpr char Texts[] =
 #define MENSOR_TRAP(place, text, sentence, first, second) text first second
 #define MENSOR_BEHIND(place, left, right, sentence, first, second) right left first second
@@ -25,7 +25,7 @@ struct CRow {
     std::size_t Lengths[4];
 };
 
-// NOLINTBEGIN(bugprone-macro-parentheses): the arguments are literals, and the rows lists.
+// NOLINTBEGIN(bugprone-macro-parentheses): the arguments are literals, and the rows are lists.
 constexpr CRow Written[] = {
 #define MENSOR_TRAP(place, text, sentence, first, second) \
     {ePlace::place,                                       \
@@ -50,15 +50,15 @@ constexpr CRow Written[] = {
 
 constexpr std::size_t RowCount = std::size(Written);
 
-// Each sentence once. Rows know it by its number.
+// Holds each sentence once. A row has the number of its sentence.
 struct CSentences {
     static constexpr std::size_t Most = 250;
     const char* All[Most] = {};
-    std::size_t Rows[Most] = {};  // the first one of each
+    std::size_t Rows[Most] = {};  // the first row with each sentence
     std::uint8_t Numbers[RowCount] = {};
 };
 
-// Rows of one sentence mostly follow each other, so the latest ones are compared first.
+// Compares the latest sentences first: rows with one sentence are mostly next to each other.
 constexpr CSentences makeSentences() {
     CSentences sentences;
     std::size_t count = 0;
@@ -135,7 +135,7 @@ constexpr CNameIndex<RowCount> Index(textOf);
 
 constexpr bool isNote(ePlace place) { return place == ePlace::UNUSUAL || place == ePlace::TOLD; }
 
-// A bit for the hash of each name with a note. Few other names have such a hash.
+// Holds one bit for each hash of a name with a note. Few other names have such a hash.
 struct CNoteHashes {
     static constexpr std::size_t Count = 1024;
     std::uint64_t Bits[Count / 64] = {};
@@ -159,11 +159,11 @@ constexpr CNoteHashes makeNoteHashes() {
 
 constexpr CNoteHashes NoteHashes = makeNoteHashes();
 
-// The first row with this text for which `isRight` is true. `isPlace` tells which places count. It is cheap and
-// rules out most of the rows that a name meets in the index.
+// Returns the first row with this text for which `isPlace` and `isRight` return true, or null. `isPlace` is
+// cheap and excludes most of the rows.
 template <class IsPlace, class IsRight>
 const CTrap* find(std::string_view text, const IsPlace& isPlace, const IsRight& isRight) {
-    constexpr std::size_t Longest = 32;  // as no row is
+    constexpr std::size_t Longest = 32;  // no row is longer
     if (text.size() > Longest) {
         return nullptr;
     }

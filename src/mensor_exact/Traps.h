@@ -1,5 +1,5 @@
-// Traps.h: texts that are read as something else than people mean by them, and names that are no units.
-// For mensor's own libraries; not installed. The rows are in traps.def and refusals.def.
+// Traps.h: texts that people often use with another meaning, and names that are no units. For mensor's own
+// libraries; not installed. The rows are in traps.def and refusals.def.
 #ifndef MENSOR_EXACT_TRAPS_H
 #define MENSOR_EXACT_TRAPS_H
 
@@ -11,7 +11,7 @@
 
 namespace mensor::exact {
 
-/// Where a trap is.
+/// Where a text must be to be a trap.
 enum class ePlace : std::uint8_t {
     DEGREE,      ///< after a degree sign and a blank
     PRESSURE,    ///< after a pressure and a blank
@@ -26,26 +26,26 @@ enum class ePlace : std::uint8_t {
     HEAT,        ///< below the slash, with another unit, after a heat or a power
     CUBED,       ///< before the exponent 3
     POWER,       ///< before an exponent
-    QUOTIENT,    ///< right of a slash; `Behind` is left of it
-    SHAPE,       ///< squared, right of a slash; `Behind` is left of it. Read with a note
-    UNUSUAL,     ///< anywhere; read with a note, and refused by the option Strict
+    QUOTIENT,    ///< to the right of a slash; `Behind` is to the left
+    SHAPE,       ///< the same with a square: "kg/cm²". Read with a note
+    UNUSUAL,     ///< anywhere; read with a note. The option Strict refuses it
     TOLD,        ///< anywhere; read with a note
     UNKNOWN      ///< anywhere, where no unit has this name
 };
 
 /// One row. It has no pointers, which would be relocated when the library is loaded.
 struct MENSOR_EXACT_API CTrap {
-    std::uint16_t Start;  ///< of its texts among all
+    std::uint16_t Start;  ///< where its texts begin in the array of all texts
     std::uint8_t Lengths[4];
     ePlace Place;
     std::uint8_t SentenceNumber;
 
-    /// Constant, without a full stop; "{}" in it is the text that is refused or noted.
+    /// A constant text without a full stop. "{}" stands for the refused or noted text.
     const char* sentence() const noexcept;
 
     std::string_view text() const noexcept { return piece(0); }
     std::string_view behind() const noexcept { return piece(1); }
-    /// What to write instead, which may be empty. "{}" in it is the name before the trap.
+    /// What to write instead. May be empty. "{}" stands for the name before the trap.
     std::string_view first() const noexcept { return piece(2); }
     std::string_view second() const noexcept { return piece(3); }
 
@@ -57,24 +57,24 @@ private:
 MENSOR_EXACT_API const CTrap* trapsBegin() noexcept;
 MENSOR_EXACT_API const CTrap* trapsEnd() noexcept;
 
-/// The row of this place, null if there is none. `behind` is what is before the blank or left of the
-/// slash, for the places that ask for it.
+/// Returns the row for this place and text, or null. `behind` is the text before the blank or to the left of
+/// the slash. Only the places that name `Behind` use it.
 const CTrap* findTrap(ePlace place, std::string_view text, std::string_view behind = {}) noexcept;
 
-/// Whether there is a row of this place with this text, whatever is before it.
+/// Returns true if a row has this place and this text. Does not compare `Behind`.
 bool hasTrap(ePlace place, std::string_view text) noexcept;
 
-/// The note on a name, null if there is none: a row of UNUSUAL or TOLD.
+/// Returns the note on a name, a row of UNUSUAL or TOLD, or null.
 MENSOR_EXACT_API const CTrap* findNote(std::string_view name) noexcept;
 
-/// The row for two names with only a blank between, null if that is no trap. `isBelow` says whether they
-/// stand to the right of a slash.
+/// Returns the row for two names with only a blank between them, or null. `isBelow` is true if they are to
+/// the right of a slash.
 const CTrap* findPair(std::string_view name, std::string_view next, bool isBelow) noexcept;
 
-/// The row for two names that are one name or one unit: "mm Hg", "deg.C". Null if they are not.
+/// Returns the row for two names that are one name or one unit, "mm Hg" or "deg.C", or null.
 const CTrap* findApart(std::string_view name, std::string_view next) noexcept;
 
-/// Whether a name is in the class of this place.
+/// Returns true if the name is in the class of this place.
 bool isMember(std::string_view name, ePlace place) noexcept;
 
 }  // namespace mensor::exact

@@ -224,7 +224,7 @@ TEST(DefinitionFile, TellsWhichOtherLineDefinesAName) {
         "qg = 3 qf\n");
     ASSERT_EQ(file.Findings.size(), 6U);
     EXPECT_EQ(file.Findings[0].Refusal.message(),
-              "no unit has the name \"qb\"; line 3 defines it, and has to stand above");
+              "no unit has the name \"qb\"; line 3 defines it and must come first");
     EXPECT_EQ(file.Findings[2].Refusal.message(),
               "no unit has the name \"qc\"; line 2, which defines it, is refused");
     EXPECT_EQ(file.Findings[3].Refusal.Sentence, "no unit has the name \"qe\"") << "itself";
