@@ -595,7 +595,11 @@ private:
     // Offers the candidate if the reader accepts it. Otherwise tries to correct the candidate.
     void tryOne(const CCandidate& candidate, int depth) {
         std::vector<std::string>& readings = m_Diagnosis.Readings;
-        if (++m_Trials > MostTrials || readings.size() == MostOffers) {
+        // "5 1" has two numbers, though "1" alone is a unit.
+        const bool isTwoNumbers =
+            candidate.UnitBegin > 0 &&
+            std::string_view(candidate.Text).substr(candidate.UnitBegin) == "1";
+        if (isTwoNumbers || ++m_Trials > MostTrials || readings.size() == MostOffers) {
             return;
         }
         CRefusal refusal;
