@@ -13,6 +13,7 @@
 #include "mensor/ProductUnit.h"
 #include "mensor/SI.h"
 #include "mensor/UnitFormat.h"
+#include "mensor_checked/Meaning.h"
 #include "mensor_checked/Reading.h"
 #include "support/ClientUnit.h"
 #include "support/Matchers.h"
@@ -243,6 +244,13 @@ TEST(Making, RefusesUnitsBeyondTheRangeOfDoubleAndRegistersNothing) {
     EXPECT_THROW(checked::power(large, -2), std::invalid_argument);
     EXPECT_THROW(checked::power(small, 3), std::invalid_argument);
     EXPECT_EQ(Tables(), before);
+}
+
+TEST(Making, AnAlternateUnitLosesTheRadiansOfItsParent) {
+    const CUnitPtr spin = checked::alternateUnit("qspin", SI::Radian() / SI::Second());
+    EXPECT_EQ(checked::meaningOf(spin).unitsText(), "1/s");
+    EXPECT_EQ(checked::readUnit("qspin"), spin);
+    EXPECT_DOUBLE_EQ(spin->convertValueToUnit(3, SI::Hertz()), 3);
 }
 
 TEST(Making, RefusesEmptyPointers) {

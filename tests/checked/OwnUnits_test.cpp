@@ -251,6 +251,33 @@ TEST(OwnUnits, DefinesOrRefusesAnyBytes) {
     EXPECT_GT(refused, 1000U);
 }
 
+TEST(OwnUnits, RefusesAUnitBeyondTheRangeOfDouble) {
+    const CDefinitions result = tryDefineUnits("qa = 1e308 km");
+    ASSERT_EQ(result.Findings.size(), 1U);
+    EXPECT_EQ(result.Findings[0].Refusal.Code, eRefusal::REFUSED_BY_LIBRARY);
+    EXPECT_EQ(result.Findings[0].Refusal.Token, "qa");
+    EXPECT_THAT(result.Findings[0].Refusal.Sentence, HasSubstr("beyond the range of double"));
+    EXPECT_EQ(CUnitFormat::unitFor("qa"), nullptr);
+}
+
+// "k°F" reads as the prefixed °F, which has no zero of its own. No such name may be given to a unit.
+TEST(OwnUnits, RefusesANameThatReadsAsAPrefixedOffsetUnit) {
+    registerPack(ePack::OFFSETS);
+    EXPECT_EQ(refusalOf("k°F = 7 K"), "COLLISION 0 'k°F'");
+    EXPECT_EQ(refusalOf("k°F = 60 K"), "COLLISION 0 'k°F'");
+    defineUnits("qk = 60 K");
+    EXPECT_EQ(refusalOf("k°F = 60 K"), "PREFIXED_OFFSET 0 'k°F'") << "as a second name";
+    EXPECT_EQ(CUnitFormat::unitFor("k°F"), nullptr);
+}
+
+// A program may move a label by CUnitFormat::label. Then the unit that had it has no text.
+TEST(OwnUnits, RefusesASecondNameForAUnitWhoseLabelNamesAnother) {
+    defineUnits("qlost = 1.7 m");
+    const CUnitPtr lost = readUnit("qlost");
+    CUnitFormat::label(SI::Second()->multiply(1.7), "qlost");
+    EXPECT_EQ(refusalOf("qfound = 1.7 m"), "defined");
+}
+
 TEST(OwnUnits, AnEmptyTableDefinesNone) {
     EXPECT_TRUE(tryDefineUnits(""));
     EXPECT_TRUE(tryDefineUnits("\xEF\xBB\xBF# nothing\n\n   \n"));

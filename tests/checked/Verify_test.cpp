@@ -151,6 +151,13 @@ TEST(Verify, UsesTheDimensionsOfMappedBaseUnits) {
            base("qxy") * base("m").scaled(CFactor(CFraction::ofDouble(0.3))));
 }
 
+TEST(Verify, TheErrorCanBeAssigned) {
+    CIdentityError error("none", nullptr);
+    error = CIdentityError("the metre", SI::Meter());
+    EXPECT_STREQ(error.what(), "the metre");
+    EXPECT_EQ(error.inTheWay(), SI::Meter());
+}
+
 TEST(Verify, RefusesAnEmptyPointer) {
     EXPECT_THAT([] { verify(nullptr, CMeaning()); },
                 ThrowsMessage<std::invalid_argument>("verify: the unit is an empty pointer"));

@@ -33,4 +33,14 @@ shown=$(on_a_terminal "$slowly | $MENSOR_COMMAND convert - m")
 shown=$(bash -c "$slowly | $MENSOR_COMMAND convert - m" 2>&1)
 [[ $shown != *$'\e'* ]] || fail "progress without a terminal: $(printf %q "$shown")"
 
+# The output waits until something reads it, so the conversion of the file takes long enough to show its progress.
+numbers=$(mktemp)
+seq -f '%g km' 20000 > "$numbers"
+shown=$(on_a_terminal "$MENSOR_COMMAND convert - m < $numbers | (sleep 1.5; cat > /dev/null)")
+rm "$numbers"
+[[ $shown =~ $'\r\e[K'([0-9]+)' lines, 0 refused, '([0-9]+)' %' ]] ||
+    fail "no percentage for a file: $(printf %q "$shown")"
+percent=$((BASH_REMATCH[1] * 100 / 20000))
+[ "$((BASH_REMATCH[2] - percent))" -le 3 ] || fail "$percent % of the lines are shown as ${BASH_REMATCH[2]} %"
+
 exit $failed

@@ -19,21 +19,14 @@ using namespace mensor::exact;
 // rank are done from left to right. Returns none if the text is refused for another reason.
 std::optional<std::string> fromLeftToRight(const CDiagnosis& refusal, const CUnits& units,
                                            const CReadOptions& options) {
-    CDiagnosis next = refusal;
-    for (int i = 0; i < 100; ++i) {
-        const bool isDivision = next.Code == eRefusal::SECOND_DIVISION;
-        const bool isProduct = next.Code == eRefusal::PRODUCT_AFTER_DIVISION;
-        if ((!isDivision && !isProduct) || next.Readings.empty()) {
-            return std::nullopt;
-        }
-        const std::string text = isDivision ? next.Readings.front() : next.Readings.back();
-        const CReading reading = tryRead(text, units.catalogue(), options);
-        if (reading) {
-            return text;
-        }
-        next = diagnose(reading.Refusal, units.catalogue());
+    const bool isDivision = refusal.Code == eRefusal::SECOND_DIVISION;
+    const bool isProduct = refusal.Code == eRefusal::PRODUCT_AFTER_DIVISION;
+    if ((!isDivision && !isProduct) || refusal.Readings.empty()) {
+        return std::nullopt;
     }
-    return std::nullopt;
+    const std::string& text = isDivision ? refusal.Readings.front() : refusal.Readings.back();
+    const bool isRead{tryRead(text, units.catalogue(), options)};  // the option --strict may refuse it
+    return isRead ? std::optional(text) : std::nullopt;
 }
 
 // Returns the refusal of the checked reader in one line, or an empty text.

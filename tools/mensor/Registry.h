@@ -28,8 +28,8 @@ struct CLibraryAnswer {
 /// The registry of this process. The module implements it.
 class CRegistry {
 public:
-    /// Registers the units of a pack. Returns why it is refused, or none.
-    virtual std::optional<std::string> addPack(mensor::exact::ePack pack) = 0;
+    /// Registers the units of a pack. Packs do not collide with each other, so this comes first.
+    virtual void addPack(mensor::exact::ePack pack) = 0;
 
     /// Registers the units of a definition file. Returns the refused lines.
     virtual std::vector<mensor::exact::CLineFinding> addDefinitions(const std::string& text) = 0;

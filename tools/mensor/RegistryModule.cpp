@@ -18,27 +18,13 @@ namespace {
 using mensor::CUnit, mensor::CUnitPtr;
 using mensor::exact::CDiagnosis, mensor::exact::CReadOptions, mensor::exact::ePack;
 
-// Returns the text of a unit. A scaled unit without a label has none, so its meaning is returned instead.
-std::string textOf(const CUnitPtr& unit, const std::optional<mensor::exact::CMeaning>& meaning) {
-    try {
-        return unit->toStdString();
-    } catch (const std::exception&) {
-        return meaning ? meaning->toString() : "a unit without an exact meaning";
-    }
-}
-
 class CLibraryRegistry final : public CRegistry {
 public:
     // The library registers the psi only on this call.
     CLibraryRegistry() { mensor::NonSI::Psi(); }
 
-    std::optional<std::string> addPack(ePack pack) override {
-        try {
-            mensor::checked::registerPack(*mensor::checked::packNamed(nameOf(pack)));
-        } catch (const mensor::checked::CIdentityError& error) {
-            return error.what();
-        }
-        return std::nullopt;
+    void addPack(ePack pack) override {
+        mensor::checked::registerPack(*mensor::checked::packNamed(nameOf(pack)));
     }
 
     std::vector<mensor::exact::CLineFinding> addDefinitions(const std::string& text) override {
@@ -61,7 +47,7 @@ public:
         try {
             const CUnitPtr unit = CUnit::fromString(text);
             answer.Meaning = mensor::checked::tryMeaningOf(unit);
-            answer.Unit = textOf(unit, answer.Meaning);
+            answer.Unit = unit->toStdString();
             answer.IsSame = unit == reading.Unit;
         } catch (const std::exception& e) {
             answer.Refusal = e.what();

@@ -68,14 +68,9 @@ void CUnits::addFile(const std::string& name, CReport& report) {
 
 bool CUnits::registerAll(CReport* report) const {
     bool isGood = true;
-    registry().addPack(ePack::EVERYDAY);  // which has names only, and is never refused
+    registry().addPack(ePack::EVERYDAY);
     for (const ePack pack : m_Packs) {
-        if (const auto refusal = registry().addPack(pack)) {
-            isGood = false;
-            if (report != nullptr) {
-                report->refuse("", *refusal);
-            }
-        }
+        registry().addPack(pack);
     }
     for (const CFile& file : m_Files) {
         for (const auto& finding : registry().addDefinitions(file.Text)) {
