@@ -270,12 +270,19 @@ TEST(OwnUnits, RefusesANameThatReadsAsAPrefixedOffsetUnit) {
     EXPECT_EQ(CUnitFormat::unitFor("k°F"), nullptr);
 }
 
-// A program may move a label by CUnitFormat::label. Then the unit that had it has no text.
-TEST(OwnUnits, RefusesASecondNameForAUnitWhoseLabelNamesAnother) {
-    defineUnits("qlost = 1.7 m");
-    const CUnitPtr lost = readUnit("qlost");
-    CUnitFormat::label(SI::Second()->multiply(1.7), "qlost");
-    EXPECT_EQ(refusalOf("qfound = 1.7 m"), "defined");
+// "qc·m" is the same object as "qa·s", which cannot be written once its factor has no name.
+TEST(OwnUnits, RefusesASecondNameForAUnitWithoutAText) {
+    defineUnits("qa = 1.7 m\nqc = 1.7 s\n");
+    const CUnitPtr product = readUnit("qa·s");
+    EXPECT_EQ(readUnit("qc·m"), product);
+    CUnitFormat::detach(readUnit("qa"), "qa");
+    const CDefinitions result = tryDefineUnits("qd = 1 qc·m");
+    ASSERT_EQ(result.Findings.size(), 1U);
+    EXPECT_EQ(result.Findings[0].Refusal.Code, eRefusal::COLLISION);
+    EXPECT_EQ(result.Findings[0].InTheWay, product);
+    EXPECT_THAT(result.Findings[0].Refusal.Sentence,
+                HasSubstr("has no text that reads back as the same"));
+    EXPECT_EQ(CUnitFormat::unitFor("qd"), nullptr);
 }
 
 TEST(OwnUnits, AnEmptyTableDefinesNone) {

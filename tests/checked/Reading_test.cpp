@@ -469,16 +469,6 @@ TEST(Reading, RefusesANameWhoseUnitHasNoPositiveSize) {
     EXPECT_THAT(checked::choicesFor(SI::Meter()), ::testing::SizeIs(::testing::Gt(20U)));
 }
 
-TEST(Reading, ReadsMoreTextsThanTheCacheHolds) {
-    for (int round = 0; round < 2; ++round) {
-        for (int i = 0; i < 1500; ++i) {
-            const std::string blanks(static_cast<std::size_t>(i % 50), ' ');
-            EXPECT_EQ(readUnit(blanks + "km" + std::string(static_cast<std::size_t>(i / 50), ' ')),
-                      CUnit::fromString("km"));
-        }
-    }
-}
-
 // The name of a client's own unit has no other spelling.
 TEST(Reading, ReadsACapitalLOnlyForTheLitre) {
     EXPECT_EQ(readUnit("L"), NonSI::Liter());

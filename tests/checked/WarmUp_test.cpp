@@ -10,6 +10,8 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <new>
+#include <optional>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -111,6 +113,30 @@ TEST(WarmUp, LaterUseRegistersAndCachesNothing) {
     EXPECT_EQ(Tables(), before);
     EXPECT_EQ(CUnit::dimensions().size(), dimensions);
     EXPECT_EQ(CUnit::toDimensions().size(), converters);
+}
+
+TEST(WarmUp, PassesOnThatThereIsNoMemory) {
+    static bool isMemoryLeft = true;  // static, because the unit lives longer
+    const auto unit = freshClientUnit();
+    unit->CtxDimension = []() -> CUnitPtr {
+        if (!isMemoryLeft) {
+            throw std::bad_alloc();
+        }
+        return SI::Meter();
+    };
+    isMemoryLeft = false;
+    EXPECT_THROW(warmUp({}), std::bad_alloc);
+    isMemoryLeft = true;
+    EXPECT_THAT(warmUp({"km/h"}), IsEmpty());
+}
+
+// "qc·m" is the same object as "qa·s", which cannot be written once its factor has no name.
+TEST(WarmUp, AcceptsAUnitWithoutAText) {
+    checked::defineUnits("qa = 1.7 m\nqc = 1.7 s\n");
+    readUnit("qa·s");
+    CUnitFormat::detach(readUnit("qa"), "qa");
+    EXPECT_EQ(checked::textOf(readUnit("qc·m")), std::nullopt);
+    EXPECT_THAT(warmUp({"qc·m"}), IsEmpty());
 }
 
 // A client's own class of unit may hold the mutex of a unit for a long time. Readers of warm texts do not

@@ -25,7 +25,8 @@ std::optional<std::string> fromLeftToRight(const CDiagnosis& refusal, const CUni
         return std::nullopt;
     }
     const std::string& text = isDivision ? refusal.Readings.front() : refusal.Readings.back();
-    const bool isRead{tryRead(text, units.catalogue(), options)};  // the option --strict may refuse it
+    const bool isRead{
+        tryRead(text, units.catalogue(), options)};  // the option --strict may refuse it
     return isRead ? std::optional(text) : std::nullopt;
 }
 
