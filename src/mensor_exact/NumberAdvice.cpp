@@ -139,7 +139,8 @@ void addComma(std::string_view value, std::vector<std::string>& meant) {
 // Corrects "1.000.000 m" and "1.234,5 m".
 void addPoints(std::string_view value, std::vector<std::string>& meant) {
     CValueText text(value);
-    std::string number = text.sign() + text.digits();
+    std::string number = text.sign();
+    number += text.digits();
     int groups = 0;
     while (text.skip(eKind::POINT)) {
         const std::string group = text.digits();
@@ -160,7 +161,8 @@ void addPoints(std::string_view value, std::vector<std::string>& meant) {
 // Corrects "1 000 m" and "1'000 m".
 void addGroups(std::string_view value, std::vector<std::string>& meant) {
     CValueText text(value);
-    std::string number = text.sign() + text.digits();
+    std::string number = text.sign();
+    number += text.digits();
     int groups = 0;
     for (;;) {
         CValueText ahead = text;

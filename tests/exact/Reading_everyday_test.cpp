@@ -510,6 +510,39 @@ TEST(Advice, CorrectsNumbers) {
     EXPECT_EQ(readValue("+5 m").Number, CFraction(5));
 }
 
+TEST(Advice, CorrectsSignsAndDecimalsInNumbers) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"1 000.5 m", "1000.5 m"},
+        {"-1'000.25 m", "-1000.25 m"},
+        {"-10 000 m", "-10000 m"},
+        {"-1.000.000 m", "-1000000 m"},
+        {"-1.234,5 m", "-1234.5 m"},
+        {"1_000_000 m", "1000000 m"},
+        {"1,234,567.5 m", "1234567.5 m"},
+        {"-1,234.5 m", "-1234.5 m"},
+        {"10^(3) m", "1e3 m"},
+        {"10**3 m", "1e3 m"},
+        {"-2×10⁻³ m", "-2e-3 m"},
+        {"1-1/2 m", "1.5 m"},
+        {"-3/8 m", "-0.375 m"},
+        {"-1 h 30 min", "-90 min"},
+        {"1 h 30 min 5 s 500 ms", "5405500 ms"},
+    };
+    for (const auto& [text, meant] : rows) {
+        EXPECT_THAT(diagnosisOfValue(text).Readings, ElementsAre(meant)) << text;
+    }
+    EXPECT_THAT(diagnosisOfValue("1,234 m").Readings, ElementsAre("1.234 m", "1234 m"));
+}
+
+TEST(Advice, OffersNoNumberThatNobodyMeant) {
+    for (const char* const text :
+         {"1,23,456 m", "12,345,67 m", "1,2,3 m", "1,, m", "1 000 00 m", "10^ m", "10^(3 m",
+          "2x10⁻ m", "3 x 11^2 m", "2*10 m", "1/0 m", "1/7 m", "1/1234567890 m", "1234567890/2 m",
+          "1 h 30", "1 h 30 °C", "1 °C 30 K m", "1 h 2 min 3 s 4 ms 5 ms", "1 h 30 xyzzy"}) {
+        EXPECT_THAT(diagnosisOfValue(text).Readings, IsEmpty()) << text;
+    }
+}
+
 TEST(Advice, NamesThePackOfAName) {
     const CDiagnosis pound = diagnosisOf("lb");
     EXPECT_EQ(pound.message(),
