@@ -337,6 +337,11 @@ TEST(DefinitionFile, ThrowsTheFirstFindingAndTheNumberOfOthers) {
     }
 }
 
+TEST(DefinitionFile, OffersBothMeaningsOfAComma) {
+    EXPECT_THAT(diagnosisOf("qa = 1,500 m").Readings, ElementsAre("qa = 1.500 m", "qa = 1500 m"));
+    EXPECT_THAT(diagnosisOf("qa = 1,5 m").Readings, ElementsAre("qa = 1.5 m"));
+}
+
 TEST(DefinitionFile, AcceptsAnEmptyFile) {
     EXPECT_TRUE(tryReadDefinitions(""));
     EXPECT_TRUE(tryReadDefinitions("\xEF\xBB\xBF# nothing\n\n   \n"));

@@ -328,6 +328,18 @@ TEST(Definitions, OfAProgramMayHaveNamesInBrackets) {
     expectError(eError::SYNTAX, [] { BuiltIn.with({{"[ab]c", "3 m"}}); });
 }
 
+TEST(Definitions, AVisitEndsWhereTheVisitorSaysSo) {
+    const CCatalogue own = BuiltIn.with({{"qa", "3 m"}, {"qb", "4 m"}});
+    for (const std::string last : {"km", "qa", "qb"}) {
+        std::string visited;
+        own.forEach([&](const CDefinition& definition) {
+            visited = definition.Name;
+            return visited != last;
+        });
+        EXPECT_EQ(visited, last);
+    }
+}
+
 TEST(Definitions, PacksHaveNames) {
     EXPECT_STREQ(nameOf(ePack::CUSTOMARY), "customary");
     EXPECT_STREQ(nameOf(ePack::CATALOGUE), "catalogue");
@@ -338,6 +350,9 @@ TEST(Definitions, PacksHaveNames) {
         EXPECT_STRNE(descriptionOf(pack), "");
         EXPECT_NO_THROW(BuiltIn.with(pack));
     }
+    EXPECT_STREQ(descriptionOf(ePack::CATALOGUE),
+                 "what the library knows after it is loaded, and psi");
+    EXPECT_STREQ(descriptionOf(ePack::OWN), "definitions of the program");
     EXPECT_FALSE(packNamed("metric"));
     EXPECT_FALSE(packNamed("own"));
 }

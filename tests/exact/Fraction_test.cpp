@@ -186,6 +186,7 @@ TEST(Fraction, SumsAreInLowestTerms) {
 }
 
 TEST(Fraction, CountsItsBits) {
+    EXPECT_EQ(CFraction().bits(), 1U);
     EXPECT_EQ(CFraction(1).bits(), 2U);
     EXPECT_EQ(CFraction(255).bits(), 9U);
     EXPECT_EQ(CFraction(256).bits(), 10U);
