@@ -16,7 +16,7 @@ void addText(const std::string& text) {
     });
 }
 
-// More texts than either cache holds, of units that both know.
+// Returns more texts than the cache of mensor or of the companion holds. Both have registered the units.
 const std::vector<std::string>& manyTexts() {
     static const std::vector<std::string> texts = [] {
         std::vector<std::string> all;

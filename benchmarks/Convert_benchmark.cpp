@@ -93,8 +93,8 @@ void addLookup(const Pair& pair) {
         });
 }
 
-// Dependent: each conversion needs the result of the previous one, there and back so that the
-// values stay the same. Independent: the processor may overlap them.
+// Dependent: each conversion needs the result of the previous one. Every second conversion goes back,
+// so the values stay the same. Independent: the processor may overlap the conversions.
 constexpr std::size_t Values = 1024;
 
 template <class There, class Back>

@@ -16,7 +16,7 @@
 include_guard(DIRECTORY)
 include(MensorHardening)
 
-define_property(GLOBAL PROPERTY MENSOR_LIBRARIES BRIEF_DOCS "The libraries of the house, in order")
+define_property(GLOBAL PROPERTY MENSOR_LIBRARIES BRIEF_DOCS "The libraries of the project, in order")
 
 function(mensor_library target)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "SUMMARY;DESCRIPTION" "SOURCES;HEADERS;LINKS")

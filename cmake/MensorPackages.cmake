@@ -68,7 +68,7 @@ text, tells which units are compatible, and converts values. The results
 have the same bits on every machine.
 ")
 
-set(depends "")  # on every library, in this very version
+set(depends "")  # each package of a library, with exactly this version
 foreach(library IN LISTS MENSOR_LIBRARIES)
   get_target_property(package ${library} MENSOR_DEBIAN_PACKAGE)
   get_target_property(summary ${library} MENSOR_SUMMARY)

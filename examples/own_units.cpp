@@ -15,7 +15,7 @@ int main() {
         "mi = 5280 ft\n");
     std::cout << checked::readValue("26.2 mi").valueAs(checked::readUnit("km")) << " km\n";
 
-    // By calls: an offset unit, and a base unit that the SI does not have.
+    // Defines two units with function calls: an offset unit, and a base unit that the SI does not have.
     const CUnitPtr fahrenheit =
         checked::label(checked::affine(SI::Kelvin(), 5.0 / 9, 459.67 * 5 / 9), "°F");
     std::cout << CValueWithUnit(98.6, fahrenheit).convertTo(SI::Celsius()) << '\n';

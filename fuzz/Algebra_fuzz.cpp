@@ -261,7 +261,7 @@ void checkConversion(const CUnitPtr& from, const CUnitPtr& to, double value) {
             "is converted to a wrong number by convertValueToUnit()");
     require(areSame(converter->derivative(value), expected->derivative(value)), "a converter",
             "has a wrong slope");
-    // Only if no digits are lost: numbers of usual size, and offsets that are not larger, not even
+    // Checks this only if no digits are lost: numbers of usual size, and offsets that are not larger, not even
     // two that cancel.
     const CConverterPtr inverse = converter->inverse();
     const CConverterPtr there = from->getCtxToDimension(), back = to->getCtxToDimension();

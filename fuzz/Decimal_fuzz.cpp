@@ -1,5 +1,5 @@
-// Decimal_fuzz.cpp: decimal numbers are read, converted and written as a calculation with GMP and MPFR has
-// it. The first byte of an input chooses the conversion, the second the number of digits, the third the
+// Decimal_fuzz.cpp: reads, converts and writes decimal numbers, and compares with a calculation by GMP and
+// MPFR. The first byte of an input chooses the conversion, the second the number of digits, the third the
 // notation. The rest is the number.
 #include <gmpxx.h>
 
@@ -100,7 +100,7 @@ mpq_class scaledByTen(const mpq_class& value, long exponent) {
     return exponent < 0 ? mpq_class(value / power) : mpq_class(value * power);
 }
 
-// `value` to so many significant digits, ties to even.
+// Returns `value` rounded to `digits` significant digits, ties to even.
 mpq_class rounded(const mpq_class& value, int digits) {
     if (value == 0) {
         return value;

@@ -114,7 +114,7 @@ def statements(code):
 
 
 def moved_by_one(literal):
-    """A number one off in its last place, or a character one further."""
+    """Returns a number changed by one in its last place, or the next character."""
     if literal.endswith("'"):
         return f"({literal} + 1)"
     digits = re.match(r"0[xX][\da-fA-F']+|[\d.']+", literal).group()
@@ -206,7 +206,7 @@ class Sources:
         return tuple(re.sub(r"\s+", " ", part).strip() for part in (text[start:end], after))
 
     def sample(self, count, seed):
-        """Of each source the name, its mutations in the order of drawing, and how many are wanted."""
+        """For each source: the name, the mutations in the order of drawing, and the number to draw."""
         total = sum(map(len, self.mutations.values()))
         for name, mutations in self.mutations.items():
             # A generator for each source, so that a change of one does not change the samples of the
@@ -243,7 +243,7 @@ class Killed(Exception):
 
 
 def run(command, directory, seconds, processor_seconds):
-    """The output of a test program; raises Killed if it fails, or goes on without end."""
+    """The output of a test program; raises Killed if it fails or does not end."""
     def limit():
         resource.setrlimit(resource.RLIMIT_CPU, (processor_seconds, processor_seconds + 5))
         resource.setrlimit(resource.RLIMIT_AS, (4 << 30, 4 << 30))
@@ -347,7 +347,7 @@ class Laboratory:
                 for target in targets]
 
     def judge(self, mutation):
-        """Why the mutant does not count or who killed it: (verdict, by whom)."""
+        """Returns (verdict, reason): why the mutant does not count, or the test that killed it."""
         path = self.sources.directory / mutation.source
         targets = self.targets(mutation.source)
         if mutation.source not in self.originals:
@@ -394,7 +394,7 @@ def main():
         return (mutation.source, *sources.difference(mutation))
 
     for source, before, after in sorted(explained - set(map(key, every))):
-        print(f"no mutant of {source} any more, though explained:\n    - {before}\n    + {after}")
+        print(f"{source} has no such mutant any more; remove its explanation:\n    - {before}\n    + {after}")
     if any(":" in place for place in arguments.only):
         wanted = [m for m in every if f"{m.source}:{sources.line(m)}" in arguments.only]
         draws = [(wanted, len(wanted))]

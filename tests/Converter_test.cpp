@@ -310,7 +310,7 @@ TEST(Compound, IsLinearEvenIfItsSecondStepIsAnOffset) {
     EXPECT_FALSE(chain(chain(adds(1), scales(2)), scales(2))->isLinear());
 }
 
-TEST(Compound, IsLinearAsksTheFirstStepTwiceAndTheSecondNever) {
+TEST(Compound, IsLinearCallsTheFirstStepTwiceAndNeverTheSecond) {
     CLogged::Log log;
     const auto a = std::make_shared<CLogged>("a", log), b = std::make_shared<CLogged>("b", log);
     b->IsLinear = false;
@@ -322,7 +322,7 @@ TEST(Compound, IsLinearAsksTheFirstStepTwiceAndTheSecondNever) {
     EXPECT_THAT(log, ElementsAre("a.isLinear"));
 }
 
-TEST(Compound, IsNotLinearIfTheSecondAnswerOfItsFirstStepIsNo) {
+TEST(Compound, IsNotLinearIfTheSecondCallOfItsFirstStepReturnsFalse) {
     class CWavering : public CScaling {
     public:
         using CScaling::CScaling;
@@ -373,13 +373,13 @@ TEST(Compound, EqualsACompoundWithEqualSteps) {
     EXPECT_FALSE(compound->equals(chain(scales(1.9), adds(32))));
 }
 
-TEST(Compound, EqualsNoOtherClassThatConvertsTheSame) {
+TEST(Compound, IsUnequalToAnotherClassWithTheSameConversion) {
     EXPECT_FALSE(chain(scales(2), scales(3))->equals(scales(6)));
     EXPECT_FALSE(chain(CConverter::identity(), scales(6))->equals(scales(6)));
     EXPECT_FALSE(chain(adds(1), adds(1))->equals(adds(2)));
 }
 
-TEST(Compound, EqualsNoOtherNestingThatConvertsTheSame) {
+TEST(Compound, IsUnequalToAnotherNestingWithTheSameConversion) {
     const CConverterPtr a = scales(2), b = scales(3), c = scales(5);
     EXPECT_FALSE(chain(chain(a, b), c)->equals(chain(a, chain(b, c))));
     EXPECT_TRUE(chain(chain(a, b), c)->equals(chain(chain(a, b), c)));

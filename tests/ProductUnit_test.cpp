@@ -474,7 +474,7 @@ TEST(ProductUnit, EqualsComparesTheNumberAndTheRecordsOfTheFactors) {
 }
 
 // A factor that the other unit has twice is found twice in one factor of this unit.
-TEST(ProductUnit, EqualsLooksForEachFactorOfTheOtherAmongItsOwn) {
+TEST(ProductUnit, EqualsFindsEachFactorOfTheOtherInThisProduct) {
     const CUnitPtr a = freshUnit();
     const CUnitPtr b = freshUnit();
     const CUnitPtr ab = a * b;

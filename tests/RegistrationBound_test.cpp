@@ -39,7 +39,7 @@ TEST(RegistrationBound, EndsWithTheObject) {
     EXPECT_NE(SI::Meter()->multiply(12.0), nullptr);
 }
 
-TEST(RegistrationBound, TakesTheSmallestOfNestedOnes) {
+TEST(RegistrationBound, TheSmallestNestedBoundDecides) {
     const CRegistrationBound outer(1);
     {
         const CRegistrationBound wider(5);

@@ -1,5 +1,5 @@
-// TransformedUnit_test.cpp: scaled and shifted units, the nesting of their converters, and what
-// follows from an identity that is the slope in single precision.
+// TransformedUnit_test.cpp: scaled and shifted units and the nesting of their converters. Their hash
+// code is the slope in single precision; some tests show what follows from that.
 #include "mensor/TransformedUnit.h"
 
 #include <gmock/gmock.h>
@@ -246,7 +246,7 @@ TEST(TransformedUnit, TheHashCodeUsesTheStoredHashCodeOfTheSystemUnit) {
     const CUnitPtr system = std::make_shared<CAlternateUnit>("qq", SI::Meter());
     CTransformedUnit unit(system, factor(2));
     unit.calculateHashCode();
-    EXPECT_EQ(unit.hashCode(), 0x40000000);  // that of the system unit has not been computed
+    EXPECT_EQ(unit.hashCode(), 0x40000000);  // the hash code of the system unit is not computed yet
 }
 
 TEST(TransformedUnit, FactorsThatAreTheSameInSinglePrecisionAreOneUnit) {

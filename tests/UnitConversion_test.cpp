@@ -220,7 +220,7 @@ TEST(UnitConversion, TheConverterGoesToTheDimensionAndThenByTheInverseToThat) {
     EXPECT_EQ(CUnit::toDimensions().at(other), ofOther);
 }
 
-TEST(UnitConversion, FromADimensionTheConverterIsTheInverseAlone) {
+TEST(UnitConversion, TheConverterFromADimensionIsOnlyTheInverse) {
     const auto unit = freshClientUnit();
     unit->CtxDimension = [] { return SI::Meter(); };
     unit->CtxToDimension = [] { return factor(4); };
@@ -230,7 +230,7 @@ TEST(UnitConversion, FromADimensionTheConverterIsTheInverseAlone) {
     EXPECT_THAT(inverse->factor(), HasBitsOf(0.25));
 }
 
-TEST(UnitConversion, ToADimensionTheChainEndsWithTheIdentity) {
+TEST(UnitConversion, TheChainToADimensionEndsWithTheIdentity) {
     const auto unit = freshClientUnit();
     const CConverterPtr ofUnit = factor(4);
     unit->CtxDimension = [] { return SI::Meter(); };
@@ -266,7 +266,7 @@ TEST(UnitConversion, TheConverterToAUnitCallsTheInverseOfAClientsConverter) {
     EXPECT_THAT(from, ConvertsTo(CUnitPtr(to), 1.0, 0.75));
 }
 
-TEST(UnitConversion, FromADimensionByAChainTheInverseIsKept) {
+TEST(UnitConversion, TheChainFromADimensionKeepsTheInverse) {
     const CUnitPtr system = freshUnit();
     const auto unit = freshClientUnit();
     unit->CtxDimension = [&] { return system; };

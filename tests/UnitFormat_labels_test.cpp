@@ -286,7 +286,7 @@ TEST(PrefixedLabels, DenoteTheMultiplesOfTheUnit) {
     expectMirroredLabels();
 }
 
-TEST(PrefixedLabels, OfTheMetreExistAlready) {
+TEST(PrefixedLabels, TheLabelsOfTheMetreExistAlready) {
     const Tables before;
     CUnitFormat::labelPrefixedUnit({KILO, MILLI}, SI::Meter());
     EXPECT_EQ(Tables(), before);
@@ -353,7 +353,7 @@ TEST(LabelTables, AreTheSameObjectsAtEachCall) {
     EXPECT_EQ(CUnitFormat::labelUnitMap().count("furlong"), 1U);
 }
 
-TEST(Names, AreAllNamesOfUnitForWithItsPrecedence) {
+TEST(Names, AreTheNamesThatUnitForFindsInItsOrder) {
     const CUnitPtr labelled = unnamedUnit();
     CUnitFormat::alias(SI::Second(), "qq");
     CUnitFormat::label(labelled, "qq");

@@ -126,7 +126,7 @@ TEST(UnitTables, AreTheSameObjectsAtEachCall) {
     EXPECT_EQ(&CUnit::mutex(), &CUnit::mutex());
 }
 
-// As at load, when the table is used for the first time.
+// This happens at load, at the first use of the table.
 TEST(UnitTables, AnEmptyTableOfInstancesGetsTheDimensionlessUnit) {
     std::map<int, CUnitPtr> loaded;
     loaded.swap(CUnit::instances());
@@ -142,7 +142,7 @@ TEST(UnitTables, AnEmptyTableOfInstancesGetsTheDimensionlessUnit) {
     loaded.swap(CUnit::instances());
 }
 
-TEST(UnitTables, ATableThatIsNotEmptyStaysAsTheClientLeftIt) {
+TEST(UnitTables, ATableThatIsNotEmptyKeepsTheChangesOfTheClient) {
     std::map<int, CUnitPtr> loaded = CUnit::instances();
     CUnit::instances().erase(0);
     EXPECT_EQ(CUnit::instances().size(), loaded.size() - 1);
@@ -400,7 +400,7 @@ TEST(UnitMutex, IsRecursive) {
     EXPECT_FALSE(isFree(CUnit::mutex()));
 }
 
-TEST(UnitMutex, LookupsRegistrationAndDimensionsWaitForIt) {
+TEST(UnitMutex, LookupsRegistrationAndDimensionsLockTheMutex) {
     const CUnitPtr metre = SI::Meter();
     const auto unit = plain(string_t(), freshHash());
     const auto other = CClientUnit::make(string_t(), freshHash());
@@ -427,7 +427,7 @@ TEST(UnitMutex, LookupsRegistrationAndDimensionsWaitForIt) {
     }
 }
 
-// ---- functions that a kind need not override
+// ---- functions with a default that a kind may override
 
 TEST(Unit, HasItsSymbolFromTheConstructorAndItsHashCodeAndIdFromRegistration) {
     const string_t symbol = freshSymbol();
@@ -536,7 +536,7 @@ TEST(UnitText, AppendToKeepsTheGivenText) {
     }
 }
 
-TEST(UnitText, OfAClientsKindIsItsLabelOrItsSymbolOrNone) {
+TEST(UnitText, AClientsKindHasItsLabelOrItsSymbolOrNoText) {
     const string_t symbol = freshSymbol(), label = freshSymbol();
     const auto unit = plain(symbol, freshHash());
     unit->canonical();

@@ -80,7 +80,7 @@ TEST(HashFromString, EndsAtTheLargestInt) {
     EXPECT_EQ(hashFromString("Laaaaa"), Largest) << "six code points from L on";
 }
 
-TEST(HashFromString, OfEightCodePointsThatDoNotBeginWithNulIsTheLargestInt) {
+TEST(HashFromString, EightCodePointsThatDoNotBeginWithNulHaveTheLargestIntAsHash) {
     for (const char* symbol : {"abcdefgh", "ABCDEFGH", "zzzzzzzz", "µ°²³·′″m",
                                "\x01\x01\x01\x01"
                                "\x01\x01\x01\x01",
@@ -114,7 +114,7 @@ TEST(HashFromString, IsZeroAfterANulTimesAnInfinitePower) {
     EXPECT_EQ(hashFromString(nuls(300) + "m" + nuls(200)), Largest);
 }
 
-TEST(HashFromString, OfAVeryLongTextIsTheLargestInt) {
+TEST(HashFromString, AVeryLongTextHasTheLargestIntAsHash) {
     EXPECT_EQ(hashFromString(std::string(10000, 'm')), Largest);
 }
 

@@ -109,7 +109,7 @@ TEST(GreatestCommonDivisor, WorksAtTheLimitsOfInt) {
 }
 
 // The quotient does not fit an int, but the remainder is 0.
-TEST(GreatestCommonDivisor, OfTheSmallestIntAndMinusOneIsMinusOne) {
+TEST(GreatestCommonDivisor, TheSmallestIntAndMinusOneGiveMinusOne) {
     EXPECT_EQ(greatestCommonDivisor(Smallest, -1), -1);
     EXPECT_EQ(greatestCommonDivisor(-1, Smallest), -1);
 }

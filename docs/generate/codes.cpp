@@ -1,4 +1,4 @@
-// codes.cpp: the tables of codes as a page, asked of the library itself.
+// codes.cpp: writes the tables of codes of the library as a page.
 //
 //     codes > docs/codes-tables.md
 #include <iostream>
@@ -13,7 +13,7 @@ using codes::eSystem;
 
 namespace {
 
-// As code. Doxygen takes an apostrophe between backticks for their end.
+// Returns `text` as code. For Doxygen an apostrophe ends a text between backticks.
 std::string code(std::string_view text) {
     if (text.empty()) {
         return {};

@@ -152,7 +152,7 @@ bool CCompound::isLinear() const {
     while (const CCompound* compound = Chain::asCompound(*first)) {
         first = compound->m_First.get();
     }
-    // The first step is asked twice and the second never. A client's class can observe this, and
+    // Calls the first step twice and the second step never. A client's class can observe this, and
     // the identity of units depends on the answer.
     return first->isLinear() && first->isLinear();
 }

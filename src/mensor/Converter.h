@@ -63,7 +63,7 @@ public:
     /// The converter that applies `other` first and then this one.
     ///
     /// Returns this object when `other` is `identity()`, otherwise a new `CCompound(other, this)`.
-    /// Constants are not combined, so the shape of a chain tells how it was made.
+    /// Constants are not combined, so the shape of a chain shows how it was built.
     /// @throws std::bad_weak_ptr  this object is not owned by a shared pointer.
     CConverterPtr concatenate(CConverterPtr other);
 
@@ -139,7 +139,7 @@ public:
     /// The chain rule: the slope of the first step at `x`, times the slope of the second step at
     /// the value of the first.
     double derivative(double x) const override;
-    /// Whether the first step is linear. The second step is not asked, so a scaling followed by an
+    /// Whether the first step is linear. The second step does not matter, so a scaling followed by an
     /// offset counts as linear.
     bool isLinear() const override;
     /// Whether `other` is a compound and its steps equal these, pair by pair.

@@ -26,7 +26,7 @@ void reportFailure(const FailureReport& report) noexcept;
 /// The file of the module, in a folder next to the library.
 constexpr char ModuleFile[] = "mensor/log4cplus.so";
 
-/// The one function of the module.
+/// The only function of the module.
 constexpr char ModuleFunction[] = "mensorLogFailure";
 using LogFailure = void(const FailureReport& report);
 

@@ -1,10 +1,10 @@
 // RegistrationBound.h: a bound on how many units a piece of a program registers.
 //
 //     CRegistrationBound bound(10);
-//     const CUnitPtr unit = CUnit::fromString(text);   // throws CTooManyUnits rather than the 11th unit
-//     bound.used();                                    // how many it has registered
+//     const CUnitPtr unit = CUnit::fromString(text);   // throws CTooManyUnits before the 11th unit
+//     bound.used();                                    // the number of new units
 //
-// Units are never removed. A program that reads texts of strangers can keep their number down.
+// Units are never removed. A program that reads untrusted texts can limit their number.
 #ifndef MENSOR_REGISTRATIONBOUND_H
 #define MENSOR_REGISTRATIONBOUND_H
 
@@ -25,11 +25,11 @@ public:
     ~CTooManyUnits() override;
 };
 
-/// While it lives, this thread registers no more than a number of units. Units that are registered
-/// already are found as ever.
+/// While the object exists, this thread can register only a limited number of units. Finding units that
+/// are registered already is not limited.
 ///
-/// It holds CUnit::mutex(), so that no other thread registers a unit meanwhile. Bounds may be nested:
-/// the smallest counts.
+/// The object holds CUnit::mutex(), so no other thread can register a unit. Bounds may be nested: the
+/// smallest bound decides.
 ///
 /// Class contract: caller serialises; made and destroyed by one thread.
 class MENSOR_API CRegistrationBound {

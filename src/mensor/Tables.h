@@ -7,7 +7,7 @@
 //
 // - The library counts its own changes. contextEpoch changes when the dimensions are cleared, namesEpoch
 //   when a label or alias is added or removed. An entry of another epoch is not used. All other changes
-//   only add what no answer so far could depend on: units and symbols are never removed, and a symbol is
+//   only add entries that no earlier answer depends on: units and symbols are never removed, and a symbol is
 //   looked up after labels and aliases.
 // - The library cannot count the changes of a client. So the first call of an accessor that hands out a
 //   table sets tablesHandedOut before the client has the reference, and the caches are off from then on.

@@ -144,22 +144,22 @@ public:
     /// The product of this unit and `that`. A new product has its factors in this order.
     /// @throws std::invalid_argument  `that` is empty.
     /// @throws std::overflow_error  an exponent leaves the range of `int`.
-    /// @par Threads  Any thread, locks m_LookupVectorMutex; the first time mutex(), then it.
+    /// @par Threads  Any thread, locks m_LookupVectorMutex; a first call locks mutex() before it.
     CUnitPtr multiply(CUnitPtr that);
 
     /// The quotient of this unit and `that`. Throws what `multiply` throws.
-    /// @par Threads  Any thread, locks m_LookupVectorMutex; the first time mutex(), then it.
+    /// @par Threads  Any thread, locks m_LookupVectorMutex; a first call locks mutex() before it.
     CUnitPtr divide(CUnitPtr that);
 
     /// The root of order `n` of this unit. A negative order gives the reciprocal of the root.
     /// @throws std::invalid_argument  "Root's order of zero".
     /// @throws std::overflow_error  an exponent leaves the range of `int`.
-    /// @par Threads  Any thread, locks m_LookupVectorMutex; the first time mutex(), then it.
+    /// @par Threads  Any thread, locks m_LookupVectorMutex; a first call locks mutex() before it.
     CUnitPtr root(int n);
 
     /// This unit to the power `n`. The power 0 is the dimensionless unit.
     /// @throws std::overflow_error  an exponent leaves the range of `int`.
-    /// @par Threads  Any thread, locks m_LookupVectorMutex; the first time mutex(), then it.
+    /// @par Threads  Any thread, locks m_LookupVectorMutex; a first call locks mutex() before it.
     CUnitPtr pow(int n);
 
     /// A system unit with a symbol of its own that is equal to this one, as N is equal to kg·m/s².

@@ -56,8 +56,8 @@ public:
     /// @par Threads  Any thread, locks CUnit::mutex().
     static CUnitPtr label(CUnitPtr unit, const string_t& label);
 
-    /// Makes `alias` read as `unit`. If it is an alias already, nothing changes: the first one
-    /// wins. Returns `unit`.
+    /// Adds `alias` as a name that the parser reads as `unit`. An alias that exists already keeps its
+    /// unit. Returns `unit`.
     /// @throws std::invalid_argument  `unit` is empty.
     /// @par Threads  Any thread, locks CUnit::mutex().
     static CUnitPtr alias(CUnitPtr unit, string_t alias);
@@ -122,8 +122,8 @@ public:
     ///     locks.
     static CUnitPtr parseUnit(const string_t& text);
 
-    static bool isUnitIdentifierPart(char_t c);  ///< whether `c` may stand in a name
-    static bool isExponent(char_t c);            ///< whether `c` may stand in an exponent
+    static bool isUnitIdentifierPart(char_t c);  ///< whether a name may contain `c`
+    static bool isExponent(char_t c);            ///< whether an exponent may contain `c`
 
     /// Returns the integer in `text`, written with ASCII or superscript digits, or 1 for the empty
     /// text. A "-" at any position makes it negative.

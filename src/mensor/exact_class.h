@@ -1,4 +1,4 @@
-// exact_class.h: tells whether an object is of a class itself and not of a derived one. A class
+// exact_class.h: checks that an object is of a class itself and not of a derived class. A class
 // that a client derives may override any virtual function. Not installed.
 #ifndef MENSOR_EXACT_CLASS_H
 #define MENSOR_EXACT_CLASS_H

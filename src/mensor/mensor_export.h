@@ -10,7 +10,7 @@
 // Internal classes that the public ones name as friends.
 namespace mensor::detail {
 struct Chain;           // walks over chains of converters
-struct DebugLayout;     // tells debuggers where the members of the classes are
+struct DebugLayout;     // has the offsets of the members of classes, for debuggers
 struct Products;        // builds products
 struct UnitAlgebra;     // the caches of the algebra
 struct UnitConversion;  // dimensions and converters between units

@@ -73,7 +73,7 @@ inline std::size_t encodeUtf8(char32_t codePoint, char (&out)[6]) {
         out[i] = static_cast<char>(0x80u | (codePoint & 0x3Fu));
         codePoint >>= 6;
     }
-    // As many leading ones as there are bytes, a zero, and the bits that are left.
+    // The first byte has one leading 1 for each byte, then a 0 and the remaining bits.
     out[0] = static_cast<char>((0xFF00u >> length & 0xFFu) | codePoint);
     return length;
 }

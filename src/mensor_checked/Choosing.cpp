@@ -39,7 +39,7 @@ std::set<CUnitPtr> namedUnits() {
     return units;
 }
 
-// Returns whether `unit` has the size of `prefix` times `root`, but for rounding of a client's factors.
+// Returns true if `unit` is `prefix` times `root`. Allows rounding errors in the factors of a client.
 bool isPrefixed(const CUnitPtr& unit, const exact::CPrefix& prefix, const CUnitPtr& root) {
     const exact::CFactor ten(exact::CFraction(10));
     const std::optional<CMeaning> meaning = tryMeaningOf(unit);
@@ -79,7 +79,7 @@ std::vector<CChoice> choicesFor(const CUnitPtr& unit) {
     const CMeaning meaning = meaningOf(unit);
     std::vector<CChoice> choices;
     for (const CUnitPtr& candidate : namedUnits()) {
-        // The library tells dimensions apart by hash codes alone, so the meanings are compared, too.
+        // The library compares dimensions by hash codes alone, so this compares the meanings, too.
         const std::optional<CMeaning> own = tryMeaningOf(candidate);
         if (!own || !own->isCompatibleWith(meaning) || !unit->isCompatible(candidate)) {
             continue;

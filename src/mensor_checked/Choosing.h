@@ -1,4 +1,4 @@
-// Choosing.h: lists the units of a quantity, and picks the one that suits a value.
+// Choosing.h: lists the units of a quantity, and chooses the most readable unit for a value.
 //
 //     for (const auto& choice : checked::choicesFor(SI::Pascal())) list.add(choice.Text);
 //     checked::readable(CValueWithUnit(1e-6, SI::Meter()));            // 1 µm

@@ -25,7 +25,7 @@ bool isRow(const std::optional<exact::CDefinition>& row) {
     return row && row->Pack == exact::ePack::EVERYDAY;
 }
 
-// What the name stands for as units that the registry may read: "kΩ" for "kOhm".
+// Returns the name in units that the registry may know: "kΩ" for "kOhm".
 std::string plainText(std::string_view name) {
     const std::optional<exact::CDefinition> row = everydayNames->Catalogue.find(name);
     if (isRow(row)) {

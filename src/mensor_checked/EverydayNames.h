@@ -15,7 +15,8 @@
 
 namespace mensor::checked {
 
-/// Makes a unit with this meaning. Returns nothing if another unit is in the way; `fault` tells which.
+/// Makes a unit with this meaning. If another unit has its hash code, returns nothing and names that unit in
+/// `fault`.
 using MakeUnit = CUnitPtr (*)(const CMeaning& meaning, std::string& fault);
 
 /// Lets the names be read from now on. `make` makes their units.
@@ -24,8 +25,8 @@ void readEverydayNames(MakeUnit make);
 /// What a name of the pack means. None if the names are not read, or the pack has no such name.
 std::optional<CMeaning> everydayMeaning(std::string_view name);
 
-/// The unit of a name of the pack. It is made when it is first asked for, and has no label. Returns nothing
-/// if another unit is in the way; `fault` tells which.
+/// Returns the unit of a name of the pack. The first call makes the unit; it has no label. If another unit
+/// prevents this, returns nothing and names that unit in `fault`.
 CUnitPtr everydayUnit(std::string_view name, std::string& fault);
 
 /// The first name by which everydayUnit() gave this unit, empty if it did not.

@@ -33,8 +33,8 @@ bool hasOffset(const CUnitPtr& unit);
 /// Returns the unit of differences of the offset unit `unit`, or none if the library has none.
 ///
 /// For the degree Celsius this is the kelvin. The identity ignores offsets, so no other unit can have the size
-/// of the degree Fahrenheit. That unit itself serves if its converter counts as a scaling, because products
-/// then convert it by its slope alone.
+/// of the degree Fahrenheit. If the converter of such a unit counts as a scaling, the function returns the unit
+/// itself: products then convert it by its slope alone.
 CUnitPtr differenceOf(const CUnitPtr& unit);
 
 /// A name that is a prefix and an offset unit, such as "m°C". The library ignores the offset in it.

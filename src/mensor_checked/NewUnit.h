@@ -39,7 +39,7 @@ public:
     /// @throws std::invalid_argument  a number or the name is out of range.
     CUnitPtr define(const CNewUnit& wanted);
 
-    /// Keeps all names that were given so far.
+    /// Keeps all names that define() has given so far. Without this call the destructor removes them.
     void keep() { m_Given.clear(); }
 
 private:

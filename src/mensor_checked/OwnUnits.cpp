@@ -87,7 +87,7 @@ private:
         } catch (const CIdentityError& e) {
             std::string sentence = e.what();
             if (m_Parts.TakesAway) {
-                sentence += "; \"replace\" cannot take a name away in the registry";
+                sentence += "; \"replace\" cannot change a name of the registry";
             }
             throw CObstacle{
                 diagnose(eRefusal::COLLISION, m_Line, m_Parts.Name, std::move(sentence)),

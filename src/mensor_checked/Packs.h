@@ -3,7 +3,7 @@
 //     checked::registerPack(checked::ePack::CUSTOMARY);
 //     checked::readValue("10 ft").valueAs(SI::Meter());                   // 3.048
 //     checked::registerPack(checked::ePack::OFFSETS);
-//     checked::readValue("98.6 °F").valueAs(SI::Celsius());               // 37, but for the last digits
+//     checked::readValue("98.6 °F").valueAs(SI::Celsius());               // 37, except for the last digits
 //     for (const auto& row : checked::packUnits()) list.add(row.Symbol);  // the whole table
 //
 // The table of definitions (<mensor_exact/Definitions.h>) says what each unit means. Each unit is checked

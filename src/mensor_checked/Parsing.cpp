@@ -56,7 +56,7 @@ public:
         return knownName(name) != nullptr || everydayMeaning(name).has_value();
     }
 
-    // The registry does not tell the labels of a program from those of the library. Their meanings do.
+    // The registry does not know which labels the program added. Their meanings differ from the table.
     bool isOwn(std::string_view name) override {
         const CName* const known = knownName(name);
         if (known == nullptr) {

@@ -1,9 +1,9 @@
-// RegistrationLimit.h: a limit for programs that read texts of strangers.
+// RegistrationLimit.h: a limit for programs that read untrusted texts.
 //
 //     checked::setRegistrationLimit(1000);
 //     const auto reading = checked::tryReadUnit(line);   // after 1000 new units: LIMIT_REACHED
 //
-// A new unit stays until the process ends (docs/reliability.md tells how much memory one takes). With a
+// A new unit stays until the process ends (docs/reliability.md has its size in memory). With a
 // limit, a program can read any number of texts in bounded memory. exact::read (<mensor_exact/Reading.h>)
 // registers nothing and needs no limit.
 #ifndef MENSOR_CHECKED_REGISTRATIONLIMIT_H

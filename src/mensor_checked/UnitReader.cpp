@@ -45,7 +45,7 @@ public:
     CReading read(bool isKept) {
         meaning();
         requireRange();
-        // A single name gives its unit as it is, whatever exponents the unit has.
+        // A single name gives its own unit, also if that unit is a power.
         const CUnitPtr unit = isAlone() ? m_Factors[0].Unit : product();
         CReadingCache& cache = CReadingCache::instance(m_Options);
         if (!cache.isSound(unit)) {
@@ -115,7 +115,7 @@ private:
                    : "for differences write " + describe(difference);
     }
 
-    // Adds `text` to the texts that may be meant. If it is refused, adds what may be meant by it.
+    // Adds `text` to the corrections. If the reader refuses it, adds the corrections of `text`.
     void addReadings(const std::string& text, CDiagnosis& diagnosis) const {
         try {
             CReader(text, m_Options, false).checkScales();

@@ -136,7 +136,7 @@ std::string CMatch::toString(eSystem system) const {
         return Code;
     }
     std::string text = std::string("no code of ") + codes::nameOf(system) + " means exactly this";
-    constexpr double Most = 0.1;  // a code that is farther off is of no use
+    constexpr double Most = 0.1;  // the largest relative error of a nearest code
     if (!Nearest.empty() && std::fabs(Deviation) <= Most) {
         char size[32];
         std::snprintf(size, sizeof size, "%.2g", 100 * std::fabs(Deviation));

@@ -87,7 +87,7 @@ MENSOR_CODES_API exact::CMeaning read(eSystem system, std::string_view code);
 /// @par Threads  Any thread; takes no lock.
 MENSOR_CODES_API CReading tryRead(eSystem system, std::string_view code);
 
-/// Returns whether `text` is a code of the system. It need not have an exact meaning.
+/// Returns true if `text` is a code of the system, with or without an exact meaning.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_CODES_API bool isCode(eSystem system, std::string_view text);
 

@@ -33,18 +33,18 @@ struct CEUInformation {
     std::string Description;
 };
 
-/// Returns the unit of a code of UN/CEFACT. The code need not have an exact meaning.
+/// Returns the unit of a code of UN/CEFACT, also of a code without an exact meaning.
 /// @throws exact::CReadError  UNKNOWN_CODE.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_CODES_API CEUInformation opcUaUnit(std::string_view code);
 
 /// Returns the unit id of a code of one to three digits and capital letters, or none for any other text.
-/// The code need not be in the table.
+/// Does not check that the code is in the table.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_CODES_API std::optional<std::int32_t> unitIdOf(std::string_view code);
 
 /// Returns the code of a unit id, or an empty text if the id is not made of one to three digits and capital
-/// letters. The code need not be in the table.
+/// letters. Does not check that the code is in the table.
 /// @par Threads  Any thread; takes no lock.
 MENSOR_CODES_API std::string codeOfUnitId(std::int32_t unitId);
 

@@ -343,7 +343,7 @@ private:
                            : refuse(eRefusal::UNKNOWN_CODE, symbol, "UCUM has no unit {}");
             case eUcumUnit::TAKES_NO_PREFIX:
                 return refuse(eRefusal::UNKNOWN_CODE, symbol,
-                              "UCUM has no unit {}: its last part takes no prefix");
+                              "UCUM has no unit {}: the unit at its end cannot have a prefix");
         }
         int exponent = 1;
         if (!this->exponent(exponent)) {
@@ -365,7 +365,7 @@ private:
     }
 
     bool exponent(int& exponent) {
-        constexpr int Enough = 1000;  // out of range, and 10 times it cannot overflow
+        constexpr int Enough = 1000;  // out of range; 10 times this value does not overflow
         const std::size_t begin = m_At;
         const bool isSigned = peek() == '+' || peek() == '-';
         const bool isNegative = peek() == '-';

@@ -51,7 +51,7 @@ private:
     static constexpr std::uint32_t AllPacks = 0xFFFFFFFF;
 
     // The conversion was built before, so every name is known, and no definition leads back to itself.
-    // A unit of a pack may be defined by one of another pack, which the catalogue need not have.
+    // The definition of a unit may use a unit of a pack that the catalogue does not have.
     CDefinition definitionOf(std::string_view name) const {
         const std::optional<CDefinition> found = m_Catalogue.find(name);
         return found ? *found : CTable::definition(CTable::find(name, AllPacks));

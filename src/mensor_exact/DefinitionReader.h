@@ -242,7 +242,7 @@ private:
     }
 
     static constexpr int append(int value, int digit) {
-        constexpr int Enough = 1000;  // out of range, whatever follows
+        constexpr int Enough = 1000;  // out of range, with any further digits
         return value >= Enough ? Enough : 10 * value + digit;
     }
 

@@ -58,7 +58,7 @@ std::int64_t readTens(std::string_view text, std::size_t at) {
 
 // Returns the greatest exponent of a power of ten that is not above the number.
 std::int64_t pointOf(const CWhole& numerator, const CWhole& denominator) {
-    // The number of bits gives it or one less: log10(2) = 0.30102999...
+    // The estimate from the number of bits is the exponent or one less: log10(2) = 0.30102999...
     const std::int64_t bits = static_cast<std::int64_t>(numerator.bits()) -
                               static_cast<std::int64_t>(denominator.bits()) - 1;
     const std::int64_t scaled = bits * 30103;

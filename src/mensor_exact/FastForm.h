@@ -100,8 +100,8 @@ struct CFastForm {
     double Slack = 0;
     double SlackCenter = 0;
 
-    // The way is correct, or decides ties, for |x| from Least to Most and |x − Center| from
-    // LeastDistance on. These are the bits of doubles.
+    // The fast calculation is correct, or finds the ties, for |x| from Least to Most and |x − Center| of
+    // LeastDistance or more. The three numbers are bits of doubles.
     std::int64_t Least = 0;
     std::int64_t Most = 0;
     std::int64_t LeastDistance = 0;

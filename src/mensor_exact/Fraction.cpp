@@ -54,7 +54,7 @@ bool multiplyByFives(std::uint64_t& number, std::int32_t times) {
     return true;
 }
 
-// Divides `number` by `prime` as often as the result is whole. Returns how often.
+// Divides `number` by `prime` while the result is an integer. Returns the number of divisions.
 std::int64_t strip(CWhole& number, const CWhole& prime) {
     std::int64_t count = 0;
     // Divides by ever higher powers first, then by ever lower ones.

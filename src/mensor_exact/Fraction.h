@@ -87,7 +87,7 @@ public:
 private:
     friend struct CParts;
 
-    CSmallFraction m_Small;  // if m_Big is set, only the sign and the powers of 2 and 5
+    CSmallFraction m_Small;  // if m_Big is set, has only the sign and the powers of 2 and 5
     std::shared_ptr<const CQuotient> m_Big;
 };
 

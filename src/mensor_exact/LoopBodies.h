@@ -254,7 +254,7 @@ bool tiesAll(const CFastForm& form, const double* __restrict values, double* __r
     CRanges ranges;
     for (std::size_t i = 0; i < count; ++i) {
         const double x = values[i];
-        // `high` is farther from zero than `low` by 0 or 1 in the last place.
+        // The magnitude of `high` is that of `low` or one unit in the last place larger.
         const std::int64_t low = bitsOfDouble(scaled(local, x, local.TailLow));
         const std::int64_t high = bitsOfDouble(scaled(local, x, local.TailHigh));
         results[i] = doubleOfBits(low + ((high - low) & low));

@@ -67,7 +67,7 @@ void requireNoOffset(const CMeaning& meaning) {
                  "a unit whose factor has π or a root cannot have an offset");
 }
 
-// The product of the dimensions that are not of the SI. Few units have any.
+// Multiplies the dimensions that are not in the SI. Few units have such a dimension.
 [[gnu::cold]] std::vector<CPower> multiplied(std::vector<CPower> powers,
                                              const std::vector<CPower>& others,
                                              CExponent exponent) {

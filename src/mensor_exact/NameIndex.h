@@ -42,7 +42,7 @@ public:
         }
     }
 
-    /// Returns the row with this name, or None. `fits(row)` tells whether a row has the name.
+    /// Returns the row with this name, or None. `fits(row)` returns true if the row has the name.
     template <class Fits>
     constexpr std::size_t find(std::string_view name, const Fits& fits) const {
         for (std::size_t place = placeOf(name); m_Places[place] != 0;

@@ -33,7 +33,7 @@ struct CFormat {
     static constexpr CFormat ofFloat() { return {24, -149, 8}; }
 };
 
-/// The bits of a double or float, and whether rounding has not changed the number.
+/// The bits of a double or float, and whether they are exactly the number.
 struct CNearest {
     std::uint64_t Bits;
     bool IsExact;

@@ -90,7 +90,7 @@ private:
                       sentences::NUMBER_FIRST);
     }
 
-    // As a unit alone, "1" is accepted. After a number it is probably a mistake.
+    // The unit "1" is accepted alone. After a number it is probably a mistake.
     bool unit() {
         CCursor cursor(m_Text, m_Number.Whole.End);
         cursor.skipBlanks();

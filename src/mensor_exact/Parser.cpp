@@ -640,7 +640,7 @@ private:
                       sentences::NO_UNIT_HERE, isFirstSlash ? eReadings::ONE : eReadings::NONE);
     }
 
-    // Refuses a "-" that stands for "no unit".
+    // Refuses a "-" that means "no unit".
     [[gnu::cold]] bool requireNoLoneSign() {
         const std::size_t end = m_Text.find_last_not_of(" \t") + 1;
         const CSpan rest{at(), std::max(at(), end)};

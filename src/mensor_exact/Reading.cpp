@@ -39,7 +39,7 @@ std::optional<CMeaning> meaningOf(std::string_view name, const CCatalogue& catal
                                   std::string* known = nullptr) {
     std::optional<CMeaning> meaning =
         lookUpSpellings(name, [&](std::string_view spelling) -> std::optional<CMeaning> {
-            // A program's own "Ml" need not be the megalitre.
+            // A program's own "Ml" may have another meaning than "ML", the megalitre.
             const bool isSmallLitre = name.back() == 'L' && spelling.back() == 'l';
             const bool isAnother = isSmallLitre && catalogue.find(spelling) &&
                                    catalogue.find(spelling)->Pack == ePack::OWN;

@@ -18,7 +18,7 @@ namespace mensor::exact {
 CNearest nearestQuotient(const CFormat& format, bool negative, const CWhole& numerator,
                          const CWhole& denominator, std::int64_t twos);
 
-/// A double, and whether rounding has not changed the number.
+/// A double, and whether it is exactly the number.
 struct CRounded {
     double Value;
     bool IsExact;

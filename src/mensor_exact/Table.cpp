@@ -20,8 +20,8 @@ struct CColumn {
     std::size_t Size = 0;
 };
 
-// Makes a column. isSame(row, other) tells whether two rows have the same value. More than 256 values
-// do not compile.
+// Makes a column. isSame(row, other) returns true if two rows have the same value. More than 256 values
+// are a compile error.
 template <class IsSame>
 constexpr CColumn makeColumn(const IsSame& isSame) {
     CColumn column;

@@ -114,7 +114,7 @@ bool isNeverNearMiddle(int bits, const std::uint64_t (&twice)[3], Compute comput
         if (middle % (2 * half) != half) {
             return true;
         }
-        // So close to the middle, the missing bits could decide, or the product is a tie.
+        // The product is very close to the middle: the missing bits could decide, or it is a tie.
         const std::uint64_t distance = isBelow ? 0 - away.High : away.High;
         if (distance <= std::uint64_t{1} << 4) {
             return false;

@@ -18,7 +18,7 @@
 namespace mensor {
 namespace {
 
-// REACHABLE(name): Reachable_name<Class> tells whether a client can write &Class::name.
+// REACHABLE(name): Reachable_name<Class> is true if a client can write &Class::name.
 #define REACHABLE(name)                           \
     template <class Class, class = void>          \
     struct Reachable_##name : std::false_type {}; \

@@ -62,14 +62,14 @@ TEST(CachedTexts, FollowALabelThatMovesToAnotherUnit) {
     EXPECT_EQ(parsedTwice("mi"), milli);
 }
 
-TEST(CachedTexts, ANewAliasHidesASymbolAtOnce) {
+TEST(CachedTexts, ANewAliasReplacesASymbolImmediately) {
     EXPECT_EQ(parsedTwice("K"), SI::Kelvin());
     CUnitFormat::alias(SI::Celsius(), "K");
     EXPECT_EQ(parsedTwice("K"), SI::Celsius());
     EXPECT_EQ(parsedTwice("K/s"), SI::Celsius() / SI::Second());
 }
 
-TEST(CachedTexts, ARefusedTextReadsOnceItsNameIsKnown) {
+TEST(CachedTexts, ARefusedTextIsAcceptedAfterItsNameIsRegistered) {
     EXPECT_THROW(CUnit::fromString("psi"), std::invalid_argument);
     EXPECT_THROW(CUnit::fromString("psi"), std::invalid_argument);
     const CUnitPtr psi = NonSI::Psi();

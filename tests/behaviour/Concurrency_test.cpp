@@ -255,7 +255,7 @@ TEST_F(Concurrency, OneOfSeveralUnitsGetsALabel) {
     }
 }
 
-TEST_F(Concurrency, OneOfSeveralUnitsGetsAnAliasAndAllThreadsSeeTheSame) {
+TEST_F(Concurrency, AllThreadsSeeTheSameUnitForAnAliasThatSeveralUnitsWant) {
     for (int round = 0; round < Rounds; ++round) {
         const string_t alias = freshSymbol();
         const std::vector<CUnitPtr> units = raceFor([&] {
@@ -321,7 +321,7 @@ TEST_P(ConcurrentReading, MoreTextsThanTheCacheHoldsGiveTheirUnits) {
 
 // Labels move between units. The thread that moves one sees that at once, the others sooner or
 // later.
-TEST_P(ConcurrentReading, AMovingLabelReadsAsAUnitThatHadIt) {
+TEST_P(ConcurrentReading, AMovingLabelReadsAsOneOfItsUnits) {
     const CUnitPtr first = freshUnit(), second = freshUnit();
     const string_t wanderer = freshSymbol(), firstAtRest = freshSymbol(),
                    secondAtRest = freshSymbol();

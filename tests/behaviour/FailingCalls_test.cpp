@@ -223,7 +223,7 @@ TEST(AClientsKind, WithoutASystemUnitIsRefused) {
     EXPECT_ANY_THROW(unit->alternate(freshSymbol()));
 }
 
-TEST(AClientsKind, WithAConverterWithoutInverseIsRefused) {
+TEST(AClientsKind, IsRefusedIfItsConverterHasNoInverse) {
     class CNoInverse : public CConverter {
     public:
         CConverterPtr inverse() override { return nullptr; }

@@ -86,7 +86,7 @@ std::vector<Pieces> shape(const std::vector<std::string>& names, std::size_t cou
     return texts;
 }
 
-// One text of `count` names, none of them twice.
+// Returns a text of `count` different names.
 std::vector<Pieces> differentNames(const std::vector<std::string>& names, std::size_t count) {
     Pieces pieces;
     for (std::size_t i = 0; i < count; ++i) {
@@ -216,7 +216,7 @@ TEST(Growth, TheAlgebraOfAClientFillsTheCaches) {
     EXPECT_EQ(Inside::powLookUp(unit).size(), 16U);
 }
 
-// A text gives the result that a client has put into a cache.
+// If a client puts a result into a cache, parsing a text returns that result.
 TEST(Growth, TextsUseTheFilledCacheEntries) {
     const CUnitPtr m = SI::Meter(), s = SI::Second(), m5 = m->pow(5), one = CProductUnit::one();
     const CUnitPtr root = m->root(7), product = m->multiply(s), quotient = one->divide(m5);

@@ -72,7 +72,7 @@ TEST(HostileText, LeavesOnlyTheProductsOfItsFactors) {
     }
 }
 
-TEST(HostileText, WithManyFactorsGivesTheProductOfTheAlgebra) {
+TEST(HostileText, ATextWithManyFactorsGivesTheProductOfTheAlgebra) {
     const auto own = CClientUnit::make("", 47110815);
     CUnitFormat::alias(own, "unregistered");
     const std::string piece = "m·kg^2/s^3·K^1:2·A^-1·mol^0/cd^2:-3·unregistered/pF^-1:-1/";
@@ -101,7 +101,7 @@ TEST(HostileText, WithManyFactorsGivesTheProductOfTheAlgebra) {
         << "the text has registered each of these products";
 }
 
-TEST(HostileText, WithUnregisteredUnitsGivesTheSharedResultOfTheAlgebra) {
+TEST(HostileText, ATextWithUnregisteredUnitsGivesTheSharedResultOfTheAlgebra) {
     const CUnitPtr first = CClientUnit::make("", 47110816), other = CClientUnit::make("", 47110817);
     first->calculateHashCode();
     other->calculateHashCode();
@@ -167,7 +167,7 @@ TEST(HostileText, NeedsLittleStackAndProportionalMemoryWhichItFrees) {
     EXPECT_LE(liveBytes - before, 4096);
 }
 
-TEST(HostileText, OfEachMalformedFormGivesAUnitOrAMessageWithTheName) {
+TEST(HostileText, EachMalformedFormGivesAUnitOrAMessageWithTheName) {
     for (const test::Utf8Text& row : test::utf8Texts()) {
         SCOPED_TRACE(row.What);
         const std::string text = repeated(row.Bytes, 5000);
@@ -183,7 +183,7 @@ TEST(HostileText, OfEachMalformedFormGivesAUnitOrAMessageWithTheName) {
     }
 }
 
-TEST(HostileText, OfAValueHasTheOutcomeOfItsShortForms) {
+TEST(HostileText, ALongValueHasTheResultOfItsShortForms) {
     const std::string digits = repeated("7", Many);
     const long before = liveBytes;
     const struct {

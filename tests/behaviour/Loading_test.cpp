@@ -201,7 +201,7 @@ MATCHER_P2(Reports, function, message, "") {
            arg.Function == function && arg.Message == message;
 }
 
-// The labels after so many steps of labelling the SI units, and then the others.
+// Returns the labels after a number of labelling steps: first for SI units, then for other units.
 
 struct Labelling {
     std::string Label, Replaces;
@@ -484,7 +484,7 @@ TEST(Loading, TheLineOnStandardErrorIsWrittenEvenIfTheLoggerIsOff) {
     EXPECT_THAT(outcome.Records, IsEmpty());
 }
 
-// Without a configuration log4cplus writes a complaint, after the line of mensor.
+// log4cplus without a configuration writes an error line. The line of mensor comes before it.
 TEST(Loading, TheLineOnStandardErrorComesFirst) {
     const Outcome outcome = load("bad_alloc+bare", {allocationsOfALoad() / 2});
     EXPECT_THAT(outcome.Error, StartsWith(LINE_OF_THE_SI_UNITS));

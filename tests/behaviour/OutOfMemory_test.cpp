@@ -40,11 +40,11 @@ using test::Requests;
 
 // How many of all cases the tests try.
 struct Effort {
-    long Stride;         // in a process of its own: every so many allocations of a request
-    long RequestStride;  // ... and every so many requests
+    long Stride;         // in a process of its own: fails each Stride-th allocation of a request
+    long RequestStride;  // ... and of each RequestStride-th request
     long
         ManyOfARequest;  // in one process: all allocations of a request up to this one, then ever fewer
-    long LookEvery;      // the tables are checked after every so many failures
+    long LookEvery;      // the number of failures between two checks of the tables
     long WarmUpsTried;  // the number of allocations of a warm-up that fail
 };
 constexpr Effort All{9, 1, 1'000'000, 1, 40}, Many{13, 3, 32, 32, 5}, Some{13, 3, 8, 128, 5};
@@ -320,7 +320,7 @@ TEST(OutOfMemory, AnswersAreTheSameAfterSingleFailures) {
     expectTheSameAnswers(eFailing::ONE, eCaches::OFF);
 }
 
-TEST(OutOfMemory, AnswersAreTheSameOnceThereIsMemoryAgain) {
+TEST(OutOfMemory, ResultsAreTheSameAfterMemoryIsAvailableAgain) {
     expectTheSameAnswers(eFailing::ALL_LATER, eCaches::OFF);
 }
 
@@ -328,7 +328,7 @@ TEST(OutOfMemory, CachedAnswersAreTheSameAfterSingleFailures) {
     expectTheSameAnswers(eFailing::ONE, eCaches::ON);
 }
 
-TEST(OutOfMemory, CachedAnswersAreTheSameOnceThereIsMemoryAgain) {
+TEST(OutOfMemory, CachedResultsAreTheSameAfterMemoryIsAvailableAgain) {
     expectTheSameAnswers(eFailing::ALL_LATER, eCaches::ON);
 }
 
@@ -380,7 +380,7 @@ TEST(OutOfMemory, TablesAreTheSameAfterASingleFailure) {
     expectTheSameTables(eFailing::ONE, eCaches::OFF);
 }
 
-TEST(OutOfMemory, TablesAndCachesAreTheSameOnceThereIsMemoryAgain) {
+TEST(OutOfMemory, TablesAndCachesAreTheSameAfterMemoryIsAvailableAgain) {
     expectTheSameTables(eFailing::ALL_LATER, eCaches::ON);
 }
 

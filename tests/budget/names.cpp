@@ -1,6 +1,6 @@
-// names.cpp: parses products of different names under callgrind, and for each a text of the same
-// length that repeats one name, "<KIND> <NUMBER OF NAMES>". The products of different names have a
-// factor more for each name; those of the same name have one factor.
+// names.cpp: parses two texts of the same length under callgrind for each "<KIND> <NUMBER OF NAMES>". One
+// has different names, so the product has a factor for each name. The other repeats one name, so the
+// product has one factor.
 #include <cstddef>
 #include <string>
 #include <vector>

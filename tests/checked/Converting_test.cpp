@@ -68,7 +68,7 @@ TEST(Converting, AgreesWithTheExactLibraryForAllPairs) {
     EXPECT_GT(count, 1000);
 }
 
-TEST(Converting, FromAUnitToItselfIsTheIdentityConverter) {
+TEST(Converting, AUnitToItselfGivesTheIdentityConverter) {
     EXPECT_EQ(converter(SI::Meter(), SI::Meter()), CConverter::identity());
 }
 
@@ -166,14 +166,14 @@ TEST(Converting, ConvertsByMeaningsWhereTheRegistryHasNoObject) {
               0.3);
 }
 
-TEST(Converting, IsTheConverterOfTheRegistryIfABaseUnitIsMapped) {
+TEST(Converting, UsesTheConverterOfTheRegistryIfABaseUnitIsMapped) {
     const auto own = std::dynamic_pointer_cast<CBaseUnit>(CBaseUnit::getInstance("qxy"));
     own->setDimension(SI::Second(), std::make_shared<CMultiplyConverter>(0.25));
     EXPECT_EQ(converter(own, SI::Second())->convert(3), 0.75);
     EXPECT_EQ(converter(SI::Second(), own)->convert(0.75), 3);
 }
 
-TEST(Converting, IsTheConverterOfTheRegistryForAClientsClassOfConverter) {
+TEST(Converting, UsesTheConverterOfTheRegistryForAClientsClassOfConverter) {
     const CUnitPtr bent = CTransformedUnit::getInstance(SI::Meter(), std::make_shared<CBent>(0.5));
     EXPECT_EQ(converter(bent, SI::Meter())->convert(2), 1);
 }

@@ -24,7 +24,7 @@ using ::testing::ThrowsMessage;
 
 CUnitPtr fahrenheit() { return checked::affine(SI::Kelvin(), 5.0 / 9.0, 459.67 * 5.0 / 9.0); }
 
-TEST(Differences, OfTemperaturesConvertWithoutTheOffset) {
+TEST(Differences, DifferencesOfTemperaturesConvertWithoutTheOffset) {
     // These are the three examples of the page.
     const CValueWithUnit inside(20, SI::Celsius()), outside(15, SI::Celsius());
     EXPECT_EQ(difference(inside, outside).valueAs(SI::Kelvin()), 5);
@@ -33,7 +33,7 @@ TEST(Differences, OfTemperaturesConvertWithoutTheOffset) {
     EXPECT_EQ((inside - CDifference(5, SI::Kelvin())).value(), 15);
 }
 
-TEST(Differences, OfFahrenheitConvertByItsSlope) {
+TEST(Differences, DifferencesOfFahrenheitConvertByItsSlope) {
     EXPECT_DOUBLE_EQ(convertDifference(10, SI::Celsius(), fahrenheit()), 18);
     EXPECT_DOUBLE_EQ(convertDifference(18, fahrenheit(), SI::Kelvin()), 10);
     EXPECT_DOUBLE_EQ(convertDifference(-9, fahrenheit(), SI::Celsius()), -5);
@@ -44,7 +44,7 @@ TEST(Differences, OfFahrenheitConvertByItsSlope) {
     EXPECT_NEAR((room + difference(body, room)).value(), 37, 1e-10);
 }
 
-TEST(Differences, OfUnitsWithoutOffsetConvertAsTheLibraryDoes) {
+TEST(Differences, DifferencesOfUnitsWithoutOffsetConvertAsValues) {
     for (const char* pair : {"km m", "h s", "psi Pa", "µm nm", "°/s rad/s", "kW·h J"}) {
         NonSI::Psi();
         const std::string both = pair;

@@ -48,7 +48,7 @@ std::vector<std::string> spellings() {
     return names;
 }
 
-TEST(EverydayNames, AreReadOnceThePackIsRegistered) {
+TEST(EverydayNames, AreReadAfterThePackIsRegistered) {
     EXPECT_THAT(refusalOf("kOhm").Packs, ElementsAre("everyday"));
     EXPECT_THAT(refusalOf("kilometres").Packs, ElementsAre("everyday"));
     registerEveryday();
@@ -63,7 +63,7 @@ TEST(EverydayNames, AreReadOnceThePackIsRegistered) {
     EXPECT_EQ(in(SI::Joule(), "1 kWh"), 3600000);
 }
 
-TEST(EverydayNames, MeanWhatTheExactLibraryReads) {
+TEST(EverydayNames, HaveTheMeaningsOfTheExactLibrary) {
     registerEveryday();
     const exact::CCatalogue people = exact::CCatalogue::builtIn().with(exact::ePack::EVERYDAY);
     int objects = 0;
@@ -152,7 +152,7 @@ TEST(NotesOfTheCompanion, AreDeliveredWithTheReading) {
     EXPECT_THAT(tryReadUnit("barg").Notes, ElementsAre(HasSubstr("101325 Pa")));
 }
 
-TEST(NotesOfTheCompanion, AreRefusalsWithStrict) {
+TEST(NotesOfTheCompanion, TheOptionStrictRefusesTextsWithNotes) {
     CReadOptions strict;
     strict.Strict = true;
     EXPECT_TRUE(tryReadUnit("PS"));
@@ -164,7 +164,7 @@ TEST(NotesOfTheCompanion, AreRefusalsWithStrict) {
     EXPECT_TRUE(tryReadUnit("kg·m", strict));
 }
 
-TEST(NotesOfTheCompanion, AreNoneOnNamesOfTheProgram) {
+TEST(NotesOfTheCompanion, AProgramsOwnNamesGetNoNotes) {
     label(scaled(SI::Watt(), 735.49875), "st");
     CReadOptions strict;
     strict.Strict = true;
@@ -172,14 +172,14 @@ TEST(NotesOfTheCompanion, AreNoneOnNamesOfTheProgram) {
     EXPECT_THAT(tryReadUnit("st").Notes, IsEmpty());
 }
 
-TEST(TrapsOfTheCompanion, AreNoneWhereTheNameIsTheProgramsOwn) {
+TEST(TrapsOfTheCompanion, AProgramsOwnNameIsNoTrap) {
     EXPECT_EQ(refusalOf("bar ac").Code, eRefusal::UNKNOWN_NAME);
     EXPECT_EQ(refusalOf("bar g").Code, eRefusal::MISLEADING);
     label(scaled(SI::Meter(), 3), "abs");
     EXPECT_TRUE(tryReadUnit("bar abs"));
 }
 
-TEST(AdviceOfTheCompanion, IsTriedWithScales) {
+TEST(AdviceOfTheCompanion, CorrectsTextsWithOffsetUnitsAndSums) {
     EXPECT_THAT(refusalOf("W/m²/°C").Readings, ElementsAre("W/(m²·K)", "W·K/m²"));
     const CValueReading sum = tryReadValue("1 h 30 min");
     ASSERT_FALSE(sum);

@@ -66,7 +66,7 @@ private:
     double m_Slope, m_Zero;
 };
 
-TEST(Meaning, OfAUnitOfTheCatalogueIsItsDefinition) {
+TEST(Meaning, AUnitOfTheCatalogueHasTheMeaningOfItsDefinition) {
     EXPECT_EQ(meaningOf(SI::Meter()), base("m"));
     EXPECT_EQ(meaningOf(SI::Newton()), newton());
     EXPECT_EQ(meaningOf(SI::Kilo(SI::Newton())), newton().scaled(CFactor(CFraction(1000))));
@@ -88,7 +88,7 @@ TEST(Meaning, KeepsRadiansSteradiansAndBits) {
 }
 
 // Compares each unit of the library, by the name that it has after load.
-TEST(Meaning, OfEveryNameOfTheCatalogueIsItsRow) {
+TEST(Meaning, EveryNameOfTheCatalogueHasTheMeaningOfItsRow) {
     int count = 0;
     CCatalogue::builtIn().forEach([&](const exact::CDefinition& definition) {
         const std::string name(definition.Name);
@@ -105,7 +105,7 @@ TEST(Meaning, OfEveryNameOfTheCatalogueIsItsRow) {
     EXPECT_EQ(count, 569 + 29 - 20 + 1);
 }
 
-TEST(Meaning, OfAPrefixedKelvinHasNoOffset) {
+TEST(Meaning, APrefixedKelvinHasNoOffset) {
     const CUnitPtr millikelvin = SI::Kelvin()->multiply(0.001);
     ASSERT_EQ(toStdString(CUnitFormat::labelFor(millikelvin)), "m°C");
     EXPECT_EQ(meaningOf(millikelvin).toString(), "0.001 K");
@@ -119,7 +119,7 @@ TEST(Meaning, DoesNotChangeWhenALabelMoves) {
     EXPECT_EQ(meaningOf(CUnitFormat::unitFor("mm")), base("m").scaled(factor(0.2)));
 }
 
-TEST(Meaning, OfAClientsUnitIsThatOfItsDoubles) {
+TEST(Meaning, AClientsUnitHasTheMeaningOfItsDoubles) {
     EXPECT_EQ(meaningOf(SI::Meter()->multiply(0.3)).factor(), factor(0.3));
     EXPECT_NE(meaningOf(SI::Meter()->multiply(0.3)).factor(), CFactor(CFraction(3, 10)));
     // Not registered, because the registry already has a unit with this slope.
@@ -134,7 +134,7 @@ TEST(Meaning, OfAClientsUnitIsThatOfItsDoubles) {
     EXPECT_EQ(meaningOf(tenth), base("m").scaled(factor(0.3)) / base("s"));
 }
 
-TEST(Meaning, OfAUnitOfAPackIsItsRowAfterRegistration) {
+TEST(Meaning, AUnitOfAPackHasTheMeaningOfItsRowAfterRegistration) {
     const CUnitPtr unit = SI::Meter()->multiply(0.0254);
     EXPECT_EQ(meaningOf(unit).factor(), factor(0.0254));
     checked::registerPack(checked::ePack::CUSTOMARY);
@@ -142,7 +142,7 @@ TEST(Meaning, OfAUnitOfAPackIsItsRowAfterRegistration) {
     EXPECT_EQ(meaningOf(unit).factor(), CFactor(CFraction(127, 5000)));
 }
 
-TEST(Meaning, OfEachUnitOfThePacksIsItsRow) {
+TEST(Meaning, EachUnitOfThePacksHasTheMeaningOfItsRow) {
     using checked::ePack;
     const std::pair<ePack, exact::ePack> packs[] = {
         {ePack::SI, exact::ePack::SI},           {ePack::CUSTOMARY, exact::ePack::CUSTOMARY},
@@ -161,13 +161,13 @@ TEST(Meaning, OfEachUnitOfThePacksIsItsRow) {
     }
 }
 
-TEST(Meaning, OfAClientsConverterIsItsScalingAtZero) {
+TEST(Meaning, AClientsConverterHasTheMeaningOfItsScalingAtZero) {
     const auto own = std::make_shared<ClientConverter>(0.1, 7.0);
     const CUnitPtr unit = std::make_shared<CTransformedUnit>(SI::Meter(), own);
     EXPECT_EQ(meaningOf(unit), base("m").shifted(CFraction(7)).scaled(factor(0.1)));
 }
 
-TEST(Meaning, OfAVeryLongChainIsComputed) {
+TEST(Meaning, AVeryLongChainHasAMeaning) {
     CConverterPtr chain = std::make_shared<CMultiplyConverter>(2.0);
     for (int i = 0; i < 100000; ++i) {
         const double step = i % 2 == 0 ? 0.5 : 2.0;
@@ -198,7 +198,7 @@ TEST(Meaning, RegistersNothing) {
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(Meaning, OfAClientsClassOfUnitFollowsItsElements) {
+TEST(Meaning, AClientsClassOfUnitHasTheMeaningOfItsElements) {
     const auto own = CClientUnit::make("qx", 4711);
     EXPECT_EQ(meaningOf(own), base("qx"));
     own->BaseUnits = [] { return CUnitPtr(SI::Meter()); };
@@ -209,7 +209,7 @@ TEST(Meaning, OfAClientsClassOfUnitFollowsItsElements) {
     EXPECT_EQ(meaningOf(own), base("m").power(CExponent(1, 2)) / base("s"));
 }
 
-TEST(Meaning, OfAClientsClassOfUnitDoesNotFollowFromItsSymbol) {
+TEST(Meaning, AClientsClassOfUnitDoesNotHaveTheMeaningOfItsSymbol) {
     const auto own = CClientUnit::make("N", 4711);
     EXPECT_EQ(meaningOf(own), base("N"));
 }

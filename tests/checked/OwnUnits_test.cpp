@@ -110,7 +110,7 @@ TEST(OwnUnits, RefusesToReplaceAName) {
     const CDefinitions result = tryDefineUnits("replace km = 3 m");
     ASSERT_EQ(result.Findings.size(), 1U);
     EXPECT_THAT(result.Findings[0].Refusal.Sentence,
-                HasSubstr("\"replace\" cannot take a name away"));
+                HasSubstr("\"replace\" cannot change a name of the registry"));
 }
 
 TEST(OwnUnits, TellsWhatIsWrongWithALine) {

@@ -319,7 +319,7 @@ TEST(Packs, USAndImperialExcludeEachOther) {
 }
 
 // The identity ignores offsets, so only one unit can have this size: the first one.
-TEST(Packs, OffsetsIsRefusedAfterTheRankine) {
+TEST(Packs, ThePackOffsetsIsRefusedAfterTheRankine) {
     const CUnitPtr rankine = label(scaled(SI::Kelvin(), 5.0 / 9.0), "°R");
     try {
         registerPack(ePack::OFFSETS);

@@ -1,7 +1,7 @@
 // Reading_collisions_test.cpp: reads a thousand everyday units in fifty orders, each in a new process.
 //
 // Units with the same hash code are one unit, so the order of reading decides which of two colliding units is
-// refused. In no order may a unit be silently wrong. docs/collisions-everyday.md lists the refused texts. This
+// refused. A unit must not be silently wrong in any order. docs/collisions-everyday.md lists the refused texts. This
 // test compares the page, or writes it if MENSOR_UPDATE_DOCS is set.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -43,7 +43,7 @@ constexpr int Orders = 50;
 // the reason for each refused text.
 void readAll(std::uint32_t seed, std::ostream& out) {
     std::map<std::map<std::string, Fraction>, std::size_t>
-        dimensions;  // and the first text that has it
+        dimensions;  // with the first text of each dimension
     std::map<CUnitPtr, std::size_t> known;
     std::vector<CUnitPtr> units(everyday().size());
     for (const std::size_t i : order(seed, everyday().size())) {

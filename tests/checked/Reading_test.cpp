@@ -360,7 +360,7 @@ TEST(Reading, ANoteTellsThatAPrefixHasMoved) {
     }
 }
 
-TEST(Reading, RefusesAnotherUnitEvenIfItMeansTheSame) {
+TEST(Reading, RefusesAnotherUnitWithTheSameMeaning) {
     // A client's own class of unit may have any hash code: here that of Bq·m, with the elements of Hz·m.
     const int hash = hashFromString("Bq") + hashFromString("m");
     const auto impostor = CClientUnit::make("", hash);

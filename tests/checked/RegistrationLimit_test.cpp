@@ -1,4 +1,4 @@
-// RegistrationLimit_test.cpp: with a limit, a bounded number of units is registered, whatever is read.
+// RegistrationLimit_test.cpp: with a limit, any texts register a bounded number of units.
 //
 // The operator new of this program counts the bytes, including those of the library.
 #include "mensor_checked/RegistrationLimit.h"

@@ -78,7 +78,7 @@ TEST(Codes, TheNearestCodeIsNoSynonymAndKeepsTheRadian) {
               (std::vector<std::string>{"F23", "GL"}));
 }
 
-TEST(Codes, AnOffsetUnitHasACodeButNoNearestOne) {
+TEST(Codes, AnOffsetUnitHasACodeButNoNearestCode) {
     EXPECT_EQ(codes::codeFor(eSystem::UNECE, exact::read("°C")).Code, "CEL");
     EXPECT_EQ(codes::codeFor(eSystem::UNECE, exact::read("K")).Code, "KEL");
     const exact::CMeaning shifted = exact::read("K").shifted(exact::CFraction(100));

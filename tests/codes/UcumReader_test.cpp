@@ -333,7 +333,8 @@ TEST(Ucum, SaysWhatIsWrongWithAText) {
         {"", "the text is empty; the unit one is \"1\""},
         {"foo", "UCUM has no unit \"foo\""},
         {"kmin",
-         "UCUM has no unit \"kmin\": its last part takes no prefix (did you mean \"min\"?)"},
+         "UCUM has no unit \"kmin\": the unit at its end cannot have a prefix (did you mean "
+         "\"min\"?)"},
         {"m/", "there is no unit after this sign"},
         {"(m/)", "there is no unit after this sign"},
         {"m//s", "there is no unit before this sign"},
@@ -411,7 +412,7 @@ TEST(Ucum, SuggestsACorrectionOfTheWholeText) {
     }
     EXPECT_EQ(codes::diagnose(tryRead("µm").Refusal).message(),
               "codes of UCUM are written in ASCII; the prefix micro is \"u\" (write \"um\")");
-    // The kelvin may be meant to multiply or to divide.
+    // People may multiply or divide by the kelvin in these texts.
     for (const char* text : {"W/m²·K", "J/kg*K", "W/m2K", "m s", "°", "µfoo", "m^", "m{a}{b}",
                              "m¹⁰⁰", "m)", "(m", "\x80", "ä"}) {
         EXPECT_THAT(readings(text), IsEmpty()) << text;
@@ -439,7 +440,7 @@ TEST(Ucum, SuggestsCodesForAnUnknownUnit) {
     EXPECT_THAT(suggestions("ohm"), ElementsAre("Ohm"));
     EXPECT_THAT(suggestions("kWh"), ElementsAre("kW.h"));
     EXPECT_THAT(suggestions("Nm"), Contains("nm"));
-    EXPECT_THAT(suggestions("cal_IT2"), IsEmpty());  // a code
+    EXPECT_THAT(suggestions("cal_IT2"), IsEmpty());  // this text is a code already
     EXPECT_THAT(suggestions("[arbU]"), Contains("[arb'U]"));
     EXPECT_THAT(suggestions("xyzzy"), IsEmpty());
     EXPECT_THAT(suggestions(std::string(33, 'm')), IsEmpty());

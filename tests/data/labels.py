@@ -135,7 +135,7 @@ def product(left, right):
     return canonical(Unit(factors=result))
 
 
-# What the process knows.
+# The names of the process.
 
 ONE = Unit("One")
 instances, symbols, labels, names, dimensions = {0: ONE}, {}, {}, {}, {}

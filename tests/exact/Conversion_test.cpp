@@ -520,7 +520,7 @@ TEST(Conversion, RefusesNumbersThatItCannotConvert) {
     expectError(eError::TOO_LARGE, [] { converted("1e30000", "m", "mi"); });
 }
 
-TEST(Conversion, OfDifferencesIgnoresOffsets) {
+TEST(Conversion, ConvertingDifferencesIgnoresOffsets) {
     const CCatalogue catalogue = CCatalogue::builtIn().with(ePack::OFFSETS);
     const CMeaning celsius = *catalogue.meaning("°C");
     const CMeaning fahrenheit = *catalogue.meaning("°F");

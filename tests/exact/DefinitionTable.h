@@ -31,7 +31,7 @@ struct DefinitionRow {
 };
 
 inline std::vector<DefinitionRow> definitionRows() {
-    // Constant data first: a list of so many strings takes the compiler half a minute.
+    // The rows are constant data: the compiler needs half a minute for a vector of as many strings.
     struct Texts {
         eRow Kind;
         const char *Set, *Name, *Definition, *English, *Source;

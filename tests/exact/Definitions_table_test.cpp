@@ -113,7 +113,7 @@ int stepsOf(const CConverterPtr& converter) {
     return std::dynamic_pointer_cast<CIdentity>(converter) ? 0 : 1;
 }
 
-// The largest relative error after so many roundings. Each rounding multiplies the result by a number
+// Returns the largest relative error after a number of roundings. Each rounding multiplies the result by a number
 // between 1 - 2^-53 and 1 + 2^-53. Thus all of them multiply it by at most (1 + 2^-53)^roundings.
 // 2^-150 is added for the error of the value of π in this test.
 mpq_class largestError(int roundings) {

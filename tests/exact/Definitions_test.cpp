@@ -71,7 +71,7 @@ TEST(Definitions, HaveEveryRowOfTheTable) {
     EXPECT_EQ(next, found.size());
 }
 
-TEST(Definitions, OfAPackNeedThePack) {
+TEST(Definitions, DefinitionsOfAPackNeedThePack) {
     EXPECT_FALSE(BuiltIn.find("in"));
     const CCatalogue more = BuiltIn.with(ePack::CUSTOMARY);
     EXPECT_EQ(more.find("in")->Text, "25.4 mm");
@@ -205,7 +205,7 @@ TEST(Definitions, OffsetUnitsInProductsAreRefused) {
     expectRefused(eError::OFFSET_NOT_RATIONAL, "π/180 rad, offset 1");
 }
 
-TEST(Definitions, OfAProgramMayUseEachOtherInAnyOrder) {
+TEST(Definitions, DefinitionsOfAProgramMayUseEachOtherInAnyOrder) {
     const CCatalogue own = BuiltIn.with({{"smoot", "1.7018 m", "smoot", "MIT, 1958"},
                                          {"bridge", "364.4 smoot"},
                                          {"ab", "2 cd_x"},
@@ -228,7 +228,7 @@ TEST(Definitions, OfAProgramMayUseEachOtherInAnyOrder) {
     EXPECT_FALSE(own.find("gross"));
 }
 
-TEST(Definitions, OfAProgramAreCopied) {
+TEST(Definitions, DefinitionsOfAProgramAreCopied) {
     CCatalogue own = BuiltIn;
     {
         const std::string name = std::string("smoot") + "_long_enough_for_the_heap";
@@ -255,7 +255,7 @@ TEST(Definitions, CyclesAreRefused) {
         "108 m³");
 }
 
-TEST(Definitions, OfAProgramMayBeALongChain) {
+TEST(Definitions, DefinitionsOfAProgramMayBeALongChain) {
     constexpr int Length = 20000;
     std::vector<std::string> names;
     std::vector<std::string> texts;
@@ -273,7 +273,7 @@ TEST(Definitions, OfAProgramMayBeALongChain) {
     expectError(eError::CYCLE, [&] { BuiltIn.with(definitions); });
 }
 
-TEST(Definitions, OfAProgramNeedAFreeName) {
+TEST(Definitions, ADefinitionOfAProgramNeedsAnUnusedName) {
     expectError(
         eError::NAME_TAKEN,
         [] {
@@ -301,7 +301,7 @@ TEST(Definitions, OfAProgramNeedAFreeName) {
     expectError(eError::SYNTAX, [] { BuiltIn.with({{"ab", "5 //"}}); });
 }
 
-TEST(Definitions, OfAProgramMayTakeTheNameOfABuiltInUnit) {
+TEST(Definitions, ADefinitionOfAProgramMayReplaceABuiltInUnit) {
     const auto taking = [](const char* name, const char* text) {
         return CDefinition{name, text, "", "", ePack::OWN, true};
     };
@@ -322,7 +322,7 @@ TEST(Definitions, OfAProgramMayTakeTheNameOfABuiltInUnit) {
     expectError(eError::CYCLE, [&] { BuiltIn.with({taking("km", "2 km")}); });
 }
 
-TEST(Definitions, OfAProgramMayHaveNamesInBrackets) {
+TEST(Definitions, DefinitionsOfAProgramMayHaveNamesInBrackets) {
     const CCatalogue own = BuiltIn.with({{"[a/b c²]", "3 m"}, {"de", "2/[a/b c²]²"}});
     EXPECT_EQ(own.meaning("de")->toString(), "2/9 1/m²");
     expectError(eError::SYNTAX, [] { BuiltIn.with({{"[ab]c", "3 m"}}); });

@@ -109,7 +109,7 @@ TEST(Fraction, RefusesDivisionByZero) {
     expectError(eError::DIVISION_BY_ZERO, [] { CFraction().power(-1); });
 }
 
-TEST(Fraction, OfADoubleIsExact) {
+TEST(Fraction, TheFractionOfADoubleIsExact) {
     EXPECT_NE(CFraction::ofDouble(0.1), CFraction(1, 10));
     EXPECT_EQ(CFraction::ofDouble(0.1).toString(), "3602879701896397/36028797018963968");
     EXPECT_EQ(CFraction::ofDouble(-0.0), CFraction());

@@ -48,7 +48,7 @@ std::vector<std::string> edited(const std::string& name) {
     return texts;
 }
 
-TEST(NearestNames, AreThoseOneEditAway) {
+TEST(NearestNames, FindsNamesAtOneEdit) {
     for (const std::string& name : asciiNames(3)) {
         for (const std::string& text : edited(name)) {
             EXPECT_TRUE(CNearestNames(text).isNear(name)) << text << " and " << name;
@@ -56,7 +56,7 @@ TEST(NearestNames, AreThoseOneEditAway) {
     }
 }
 
-TEST(NearestNames, AreTwoEditsAwayOnlyFromFiveLettersOn) {
+TEST(NearestNames, FindsNamesAtTwoEditsIfTheNameHasFiveLetters) {
     EXPECT_TRUE(CNearestNames("xouley").isNear("Joule"));
     EXPECT_TRUE(CNearestNames("oule\u2126").isNear("joule"));
     EXPECT_TRUE(CNearestNames("\u00B5\u2126ule").isNear("joule"));
@@ -69,14 +69,14 @@ TEST(NearestNames, AreTwoEditsAwayOnlyFromFiveLettersOn) {
     EXPECT_FALSE(CNearestNames("mol").isNear("mit"));
 }
 
-TEST(NearestNames, OfOneLetterDifferInCaseOnly) {
+TEST(NearestNames, NamesOfOneLetterMatchOnlyInOtherCase) {
     EXPECT_TRUE(CNearestNames("M").isNear("m"));
     EXPECT_FALSE(CNearestNames("M").isNear("k"));
     EXPECT_FALSE(CNearestNames("M").isNear("mm"));
     EXPECT_FALSE(CNearestNames("\u00B5").isNear("\u2126"));
 }
 
-TEST(NearestNames, AreTheTwelveBestInOrder) {
+TEST(NearestNames, ReturnsTheTwelveBestInOrder) {
     CNearestNames nearest("Joule");
     for (const std::string_view name :
          {"jouleab", "joulea", "jOuLE", "joulec", "joulee", "joulef", "joule", "jouleg", "jouleb",

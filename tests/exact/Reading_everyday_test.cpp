@@ -295,7 +295,7 @@ TEST(EverydaySpellings, DoNotChangeTextsThatAreReadWithoutThem) {
 
 // ---- Traps ----
 
-TEST(Traps, AreRefusedWithOffers) {
+TEST(Traps, AreRefusedWithCorrections) {
     const std::pair<const char*, std::vector<std::string>> rows[] = {
         {"300° K", {"300 K"}},
         {"20° C", {"20 °C"}},
@@ -420,7 +420,7 @@ TEST(Notes, ExplainAName) {
     EXPECT_TRUE(value.Notes.begin()->IsUnusual);
 }
 
-TEST(Notes, AreRefusalsWithTheOptionStrict) {
+TEST(Notes, TheOptionStrictRefusesTextsWithNotes) {
     CReadOptions strict;
     strict.Strict = true;
     for (const char* const text : {"pH", "PS", "Grad", "Gs", "m/PS"}) {
@@ -433,7 +433,7 @@ TEST(Notes, AreRefusalsWithTheOptionStrict) {
 
 TEST(Notes, AreAtMostFour) { EXPECT_EQ(notesOf("pH·PS·Grad·Gs·pH").size(), 4U); }
 
-TEST(NotesOnMarks, TellWhichMarkCountsAsOne) {
+TEST(NotesOnMarks, NameTheMarkThatCountsAsOne) {
     const CMeaning rpm = read("rpm", people());
     const CMeaning perMinute = read("1/min");
     EXPECT_EQ(
@@ -448,7 +448,7 @@ TEST(NotesOnMarks, TellWhichMarkCountsAsOne) {
     EXPECT_EQ(noteOnMarks("1", "Hz", read("Hz"), perMinute), "");
 }
 
-TEST(NotesOnMarks, RequireSameMarksThrowsThem) {
+TEST(NotesOnMarks, RequireSameMarksThrowsTheNote) {
     EXPECT_NO_THROW(requireSameMarks(read("rev/min"), read("rad/s")));
     try {
         requireSameMarks(read("rev/min"), read("1/min"));
@@ -459,7 +459,7 @@ TEST(NotesOnMarks, RequireSameMarksThrowsThem) {
     }
 }
 
-TEST(Kinds, AreAnOptionOfTheConversion) {
+TEST(Kinds, TheConversionComparesKindsByOption) {
     const CMeaning turns = read("rev/min");
     const CMeaning perMinute = read("1/min");
     EXPECT_NO_THROW(CConversion(turns, perMinute));
@@ -708,7 +708,7 @@ std::vector<std::string> split(const std::string& text, const std::string& separ
 }
 
 // Texts that plant engineers, programmers of gateways and of panels type.
-TEST(PlantTexts, AreReadOrRefusedWithWhatToWrite) {
+TEST(PlantTexts, AreReadOrRefusedWithCorrections) {
     std::ifstream table(MENSOR_TEST_DATA "/plant_texts.tsv");
     const CCatalogue catalogue = everything();
     int count = 0;

@@ -109,12 +109,12 @@ TEST(NearMiddle, ProvesNoFactorWithAProductTooCloseToTheMiddle) {
     EXPECT_TRUE(isProved({0x807F01FC07EFA0BE, 0x82FA0BE82FA0BE82, 0xFA0BE82FA0BE82FA}, 129));
 }
 
-TEST(NearMiddle, VisitsAllNumbersWhoseMultiplesAreNearWholeOnes) {
+TEST(NearMiddle, VisitsAllNumbersWithMultiplesNearIntegers) {
     std::mt19937_64 random(1);
     for (int i = 0; i < 3000; ++i) {
         CTwoWords alpha = {random(), random()};
         if (i % 3 == 0) {
-            // A fraction. Its multiples repeat.
+            // Alpha is a fraction, so its multiples repeat.
             std::uint64_t rest = 0;
             const std::uint64_t divisor = random() % 300 + 2;
             alpha = {quotient({random() % divisor, 0}, divisor, rest), 0};

@@ -232,7 +232,7 @@ public:
     }
 
 private:
-    // All variants of a sign as one ASCII character: "@" is the root, "^" stands before exponents.
+    // All variants of a sign as one ASCII character: "@" is the root, and "^" comes before exponents.
     static std::string plain(const std::string& text) {
         static const std::vector<std::pair<std::string, std::string>> Signs = [] {
             std::vector<std::pair<std::string, std::string>> signs = {

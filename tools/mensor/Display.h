@@ -23,8 +23,8 @@ bool isBlank(std::string_view line);
 /// Returns `text`, filled with blanks to `columns`.
 std::string padded(const std::string& text, std::size_t columns);
 
-/// Returns two lines that begin with `indent`: `text`, and carets under the `length` bytes from `byte`. Only
-/// the surroundings of that place are shown of a long text.
+/// Returns two lines that begin with `indent`: `text`, and carets under the `length` bytes from `byte`. For
+/// a long text, shows only the part around that place.
 std::string underlined(std::string_view text, std::size_t byte, std::size_t length,
                        const std::string& indent);
 

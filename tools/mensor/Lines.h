@@ -8,8 +8,8 @@
 #include <string>
 #include <utility>
 
-/// Reads lines one by one, without their ends ("\n" or "\r\n"). Of a very long line only the beginning is
-/// kept. It is still too long for the reader of units, which refuses it.
+/// Reads lines one by one, without their ends ("\n" or "\r\n"). Keeps only the
+/// beginning of a very long line. The beginning is still too long, so the reader of units refuses it.
 class CLines {
 public:
     /// @param name  the name of the input in messages

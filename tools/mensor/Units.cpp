@@ -61,7 +61,7 @@ void CUnits::addFile(const std::string& name, CReport& report) {
     for (const auto& taken : file.Taken) {
         report.note(
             placeOf(name, taken.Line),
-            quoted(taken.Name) + " is taken away from another unit, " + quoted(taken.Before));
+            quoted(taken.Name) + " has a new meaning; before, it was " + quoted(taken.Before));
     }
     m_Catalogue = std::move(file.Catalogue);
 }
