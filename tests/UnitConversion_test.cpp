@@ -241,7 +241,7 @@ TEST(UnitConversion, TheChainToADimensionEndsWithTheIdentity) {
     EXPECT_EQ(chain->second(), CConverter::identity());
 }
 
-TEST(UnitConversion, BetweenTwoUnitsThatConvertByTheIdentityItIsTheIdentity) {
+TEST(UnitConversion, TwoUnitsThatConvertByTheIdentityHaveTheIdentityAsConverter) {
     const CUnitPtr product = SI::Meter() * SI::Kilogram() / (SI::Second() ^ 2);
     ASSERT_NE(SI::Newton(), product);
     EXPECT_EQ(SI::Newton()->getConverterTo(product), CConverter::identity());
