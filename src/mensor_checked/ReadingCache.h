@@ -61,8 +61,7 @@ private:
     std::unordered_map<std::string_view, std::unique_ptr<CEntry>> m_Entries;
     std::size_t m_Passing = 0;                  // the number of entries that are not kept for good
     std::array<std::size_t, 1024> m_Seen = {};  // hashes of texts, indexed by their last bits
-    std::unordered_map<CUnitPtr, CUnitPtr>
-        m_SoundUnits;  // each checked unit and its dimension at that time
+    std::unordered_map<CUnitPtr, CUnitPtr> m_SoundUnits;  // a checked unit and its dimension
 };
 
 }  // namespace mensor::checked

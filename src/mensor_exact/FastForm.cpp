@@ -51,7 +51,7 @@ struct CRemainder {
         return result;
     }
 
-    // Less by the slack, but not negative.
+    // Returns the remainder minus the slack, at least 0.
     CRemainder less() const {
         CRemainder result = *this;
         if (Word[0] == 0 && Word[1] < Slack) {

@@ -72,7 +72,7 @@ inline const std::vector<Utf8Text>& utf8Texts() {
                 0x80, 0x80, 0x80, 0xAF, 0xFC, 0x80, 0x80, 0x80, 0x80, 0xAF}),
          U"/////"},
 
-        // bytes that begin nothing
+        // bytes that begin no code point
         {"stray continuation bytes", bytes({0x80, 'm', 0xBF, 0xBF}),
          codePoints({0x80, 'm', 0xBF, 0xBF})},
         {"one continuation byte too many", bytes({0xC2, 0xB5, 0xB5}), codePoints({0xB5, 0xB5})},
