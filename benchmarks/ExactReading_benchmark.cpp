@@ -18,7 +18,7 @@ void addText(const std::string& text) {
     });
 }
 
-// A refusal without its message, and with it.
+// Measures a refusal, first without and then with its message.
 void addRefusal(const std::string& text) {
     add("refuse exactly " + text, "code", [text](benchmark::State& state) {
         const exact::CCatalogue catalogue = exact::CCatalogue::builtIn();

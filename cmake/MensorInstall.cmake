@@ -14,7 +14,7 @@ cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBDIR BASE_DIRECTORY ${CMAKE_INSTAL
   OUTPUT_VARIABLE MENSOR_PC_LIBDIR)
 set(MENSOR_PC_RUN_PATH "")
 if(NOT MENSOR_DEBIAN AND NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
-  # Outside the folders of the system, a program needs the path of its libraries.
+  # If the libraries are not in a system folder, a program needs their path.
   set(MENSOR_PC_RUN_PATH "-Wl,-rpath,\${libdir} ")
 endif()
 

@@ -394,7 +394,7 @@ private:
         }
     }
 
-    // Counted from the top. The metre is below all others.
+    // Returns the unit at `depth` from the top of the stack. The metre is at the bottom.
     CUnitPtr at(std::size_t depth) const {
         return depth < m_Stack.size() ? m_Stack[m_Stack.size() - 1 - depth] : SI::Meter();
     }

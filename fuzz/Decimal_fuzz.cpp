@@ -157,7 +157,7 @@ const CConversion& conversionOf(const CPair& pair) {
 
 double doubleOf(const mpq_class& value) { return nearest(value.get_num(), value.get_den(), 0); }
 
-// Checks what is written of the exact result.
+// Checks the text of the exact result.
 void checkText(const std::string& number, const mpq_class& result, const std::string& written,
                int digits) {
     const CRead back = readNumber(written);

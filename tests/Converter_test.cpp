@@ -81,7 +81,7 @@ TEST(Identity, MakesACompoundWhenCalledThroughTheBaseClass) {
     EXPECT_EQ(compound->second(), CConverter::identity());
 }
 
-TEST(Identity, ConcatenateReturnsTheOtherWhenCalledThroughItsOwnClass) {
+TEST(Identity, ConcatenateThroughTheOwnClassReturnsTheOtherConverter) {
     const auto identity = std::static_pointer_cast<CIdentity>(CConverter::identity());
     for (const CConverterPtr& c : oneOfEach()) {
         EXPECT_EQ(identity->concatenate(c), c);
@@ -184,7 +184,7 @@ TEST(Converter, ConcatenatedWithTheIdentityIsItself) {
     EXPECT_EQ(compound->concatenate(CConverter::identity()), compound);
 }
 
-TEST(Converter, ConcatenateAppliesTheOtherFirst) {
+TEST(Converter, ConcatenateAppliesTheOtherConverterFirst) {
     for (const CConverterPtr& a : oneOfEach()) {
         for (const CConverterPtr& b : oneOfEach()) {
             const CConverterPtr ab = a->concatenate(b);

@@ -1,4 +1,4 @@
-// RegistrationBound_test.cpp: no more units are registered than the bound allows, and what is there is
+// RegistrationBound_test.cpp: no more units are registered than the bound allows, and registered units are
 // found.
 #include "mensor/RegistrationBound.h"
 

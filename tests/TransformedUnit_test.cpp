@@ -132,7 +132,7 @@ TEST(TransformedUnit, AScaledProductOfOffsetUnitsHasNoConverterToItsSystemUnit) 
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(TransformedUnit, NestingOfTheConvertersBetweenUnits) {
+TEST(TransformedUnit, TheConvertersBetweenUnitsHaveTheDocumentedNesting) {
     const CUnitPtr base = freshUnit();
     const CUnitPtr km = base * 1000.0;
     const CUnitPtr half = base * 0.5;

@@ -299,7 +299,7 @@ TEST(UnitConversion, ACachedConverterIsUsedWithoutACallOfTheUnit) {
     EXPECT_THAT(unit->Asked, ElementsAre("getCtxDimension"));
 }
 
-TEST(UnitConversion, KilometresAndMetres) {
+TEST(UnitConversion, ConvertsKilometresAndMetres) {
     const CUnitPtr km = SI::Meter() * 1000.0;
     EXPECT_THAT(km, ConvertsTo(SI::Meter(), 1.0, 1000.0));
     EXPECT_THAT(SI::Meter(), ConvertsTo(km, 1000.0, 1.0));

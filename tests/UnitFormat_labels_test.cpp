@@ -294,7 +294,7 @@ TEST(PrefixedLabels, TheLabelsOfTheMetreExistAlready) {
     EXPECT_EQ(CUnitFormat::unitFor("mm"), SI::Meter()->multiply(0.001));
 }
 
-TEST(PrefixedLabels, AnEmptyListOfPrefixesAttachesNone) {
+TEST(PrefixedLabels, AnEmptyListOfPrefixesAttachesNoLabel) {
     const Tables before;
     CUnitFormat::labelPrefixedUnit({}, SI::Meter());
     EXPECT_EQ(Tables(), before);
@@ -313,7 +313,7 @@ TEST(PrefixedLabels, ConsistOfThePrefixAndTheTextOfTheUnit) {
     EXPECT_EQ(CUnitFormat::unitFor(text), speed->multiply(1000));
 }
 
-TEST(PrefixedLabels, AttachedBeforeAnErrorStay) {
+TEST(PrefixedLabels, LabelsAttachedBeforeAnErrorStay) {
     const CUnitPtr unit = CBaseUnit::getInstance(freshSymbol());
     const std::string symbol = labelOf(unit);
     const CUnitPtr other = CUnitFormat::label(unnamedUnit(), "m" + symbol);

@@ -31,7 +31,7 @@ std::optional<CMeaning> mapped(const CMeaning& meaning) {
     return isMapped ? std::optional<CMeaning>(product.scaled(meaning.factor())) : std::nullopt;
 }
 
-// Returns in words what a unit means that the library converts to `dimension` as `given` says.
+// Returns in words the meaning of a unit that the library converts to `dimension` by `given`.
 std::string known(const CRounded& given, const CMeaning& meaning, const CMeaning& dimension) {
     if (!std::isnormal(given.Slope) || given.Slope < 0 || !std::isfinite(given.Zero)) {
         return shortest(given.Slope) + " " + dimension.unitsText();

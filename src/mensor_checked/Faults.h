@@ -14,7 +14,7 @@ namespace mensor::checked {
 struct CFault {
     CUnitPtr
         Dimension;  ///< the unit that the library takes for its dimension, if that is wrong; else none
-    std::string Known;  ///< what the unit means by that dimension and the converter to it
+    std::string Known;  ///< the meaning that follows from that dimension and the converter to it
 };
 
 /// Compares the dimension of `unit` and the converter to it with its meaning, `meaning`, within rounding

@@ -34,7 +34,7 @@ enum class ePack : int {
     SCIENCE,    ///< energy, physics, astronomy, chemistry
     OFFSETS,    ///< the degree Fahrenheit and gauge pressures
     COUNTING,   ///< ppm, rpm, KiB and their like
-    EVERYDAY    ///< what people write for units that have another name: degC, kOhm, barg
+    EVERYDAY    ///< other spellings of units: degC, kOhm, barg
 };
 
 /// One unit of a pack. Texts are UTF-8 and belong to the library.

@@ -44,7 +44,8 @@ using exact::nameOf;
 struct CReading {
     CUnitPtr Unit;                      ///< empty when refused
     std::optional<CDiagnosis> Refusal;  ///< empty when read
-    std::vector<std::string> Notes;  ///< sentences: what was read differently than written, and how
+    std::vector<std::string>
+        Notes;  ///< sentences about texts that were read differently than written
 
     explicit operator bool() const { return Unit != nullptr; }
 };

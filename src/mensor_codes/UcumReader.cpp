@@ -392,7 +392,7 @@ private:
 
     // Refusals.
 
-    // Refuses what is here, because it begins no component.
+    // Refuses the text at the cursor, because it begins no component.
     bool refuseComponent() {
         const CSpan before{m_At - 1, m_At};  // not used at the start of the text
         switch (peek()) {
@@ -428,7 +428,7 @@ private:
                    : refuse(eRefusal::MISSING_UNIT, before, "there is no unit after this sign");
     }
 
-    // Refuses what is here, because it cannot follow a component.
+    // Refuses the text at the cursor, because it cannot follow a component.
     bool refuseAfterComponent() {
         const char c = peek();
         if (isDigit(c)) {

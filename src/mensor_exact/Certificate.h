@@ -50,7 +50,7 @@ struct MENSOR_EXACT_API CCertificate {
     std::vector<CCertifiedDefinition> Definitions;  ///< each after the definitions that use it
     CCertifiedNumber Factor;
     CCertifiedNumber Offset;
-    std::string Rounded;  ///< what is rounded, and the largest error
+    std::string Rounded;  ///< which number is rounded, and the largest error
     std::string Version;  ///< the version of the library
 
     /// Returns lines for people, as above.

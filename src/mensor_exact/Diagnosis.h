@@ -70,7 +70,7 @@ enum class eRefusal : int {
 /// @par Threads  Any thread; takes no lock.
 MENSOR_EXACT_API const char* nameOf(eRefusal code);
 
-/// Tells what is wrong in a text, and where.
+/// Describes the error in a text and its place.
 ///
 /// Every offer was tested: each reading is accepted, and so is the text with each suggestion in place
 /// of the token.

@@ -292,7 +292,7 @@ TEST(BadInput, AValueWithAnInvalidNumberIsRefused) {
     });
 }
 
-TEST(BadInput, AnObjectWithoutSharedOwnerThrowsWhereItWouldReturnItself) {
+TEST(BadInput, AnObjectWithoutSharedOwnerThrowsInsteadOfReturningItself) {
     CTransformedUnit kilometre(SI::Meter(), std::make_shared<CMultiplyConverter>(1000));
     EXPECT_EQ(outcomeOf([&] { kilometre.elements(); }), "std::bad_weak_ptr: bad_weak_ptr");
     EXPECT_EQ(outcomeOf([&] { kilometre.getDimension(); }), "std::bad_weak_ptr: bad_weak_ptr");

@@ -87,7 +87,7 @@ TEST(EmptyPointers, ConvertersRefuseEmptyPointers) {
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(EmptyPointers, EqualNothing) {
+TEST(EmptyPointers, AreEqualToNoObject) {
     EXPECT_FALSE(SI::Meter()->equals(nullptr));
     EXPECT_FALSE(SI::Newton()->equals(nullptr));
     EXPECT_FALSE((SI::Meter() * 1000)->equals(nullptr));

@@ -348,8 +348,8 @@ TEST(Loading, AnExceptionThatIsNotStandardIsReportedAsUnknown) {
     expectSound(others);
 }
 
-// A hundred allocations after the first failure, it has been reported and the other units are being
-// registered.
+// A hundred allocations after the first failure, the library has reported the failure and registers the
+// other units.
 TEST(Loading, FailuresInBothGroupsAreReportedInOrder) {
     const long first = allocationsOfALoad() / 2;
     const Outcome outcome = load("bad_alloc", {first, first + 100});

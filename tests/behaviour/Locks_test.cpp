@@ -130,7 +130,7 @@ TEST(LockOrder, LargePowersAlwaysLockTheTablesAndThenTheUnit) {
 }
 
 // A cached power is looked up and its unit unlocked before the dimensionless unit is locked.
-TEST(LockOrder, CachedNegativePowersLockOneUnitAfterTheOther) {
+TEST(LockOrder, CachedNegativePowersLockOneUnitAtATime) {
     const CUnitPtr a = freshUnit(), known = (a ^ -3) * a->root(-3);
     std::recursive_mutex &ofOne = Inside::lookupMutex(CProductUnit::one()),
                          &ofUnit = Inside::lookupMutex(a);

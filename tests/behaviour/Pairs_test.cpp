@@ -73,7 +73,7 @@ double rounding(const Member& from, const Member& to, const Member& by, double i
            (std::fabs(inSystem) + (hasOffset ? 273.15 : 0.0));
 }
 
-TEST(Pairs, TheyIncludeTheUnitOfEveryAccessor) {
+TEST(Pairs, ThePairsIncludeTheUnitOfEveryAccessor) {
     std::set<CUnitPtr> units;
     for (const Member& member : members()) {
         units.insert(member.Unit);

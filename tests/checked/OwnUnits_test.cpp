@@ -113,7 +113,7 @@ TEST(OwnUnits, RefusesToReplaceAName) {
                 HasSubstr("\"replace\" cannot change a name of the registry"));
 }
 
-TEST(OwnUnits, TellsWhatIsWrongWithALine) {
+TEST(OwnUnits, ReportsTheErrorInALine) {
     const struct {
         const char* Line;
         const char* Refusal;

@@ -128,7 +128,7 @@ TEST(Verify, RefusesAUnitThatTheLibraryRoundsToOne) {
                     ::testing::HasSubstr("as \"m·s\" in place of \"1.0000000005 m·s\"")));
 }
 
-TEST(Verify, TellsRadiansSteradiansAndBitsFromNumbers) {
+TEST(Verify, DistinguishesRadiansSteradiansAndBitsFromNumbers) {
     verify(SI::Radian() / SI::Second(), base("rad") / base("s"));
     EXPECT_THROW(verify(SI::Radian() / SI::Second(), base("s").power(-1)), CIdentityError);
     EXPECT_THROW(verify(SI::Hertz(), base("rad") / base("s")), CIdentityError);

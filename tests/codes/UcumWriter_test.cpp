@@ -163,7 +163,7 @@ TEST(UcumWriter, FindsTheNearestCodeIfThereIsNone) {
     EXPECT_FALSE(codeFor(CMeaning::base("m").scaled(CFactor(CFraction(2)).power({1, 2}))));
 }
 
-TEST(UcumWriter, TellsRadiansAndArbitraryUnitsFromNumbers) {
+TEST(UcumWriter, DistinguishesRadiansAndArbitraryUnitsFromNumbers) {
     EXPECT_EQ(codeFor(CMeaning::base("rad")).Code, "rad");
     EXPECT_EQ(codeFor(CMeaning::base("rad") / CMeaning::base("s")).Code, "rad/s");
     EXPECT_EQ(codeFor(CMeaning::base("bit") / CMeaning::base("s")).Code, "bit/s");

@@ -50,7 +50,7 @@ void expectBits(double found, double expected) {
 
 // ---- making conversions ----
 
-TEST(Conversion, TellsItsFactorAndOffsetExactly) {
+TEST(Conversion, ReturnsItsExactFactorAndOffset) {
     EXPECT_EQ(between("°F", "°C").factor(), "5/9");
     EXPECT_EQ(between("°F", "°C").offset(), "-160/9");
     EXPECT_EQ(between("°C", "K").offset(), "273.15");
@@ -90,7 +90,7 @@ TEST(Conversion, ConvertsUnitsWhoseHashCodesCollideInTheRegistry) {
     EXPECT_EQ(converted("1", "1/s²", "1/min²"), "3600");
 }
 
-TEST(Conversion, TellsWhetherMarksAreKept) {
+TEST(Conversion, ReportsWhetherMarksAreKept) {
     EXPECT_TRUE(between("rpm", "rad/s").keepsMarks());
     EXPECT_FALSE(between("rad/s", "Hz").keepsMarks());
     EXPECT_FALSE(between("lm", "cd").keepsMarks());
@@ -225,7 +225,7 @@ TEST(Conversion, AVerySmallOffsetDecidesATie) {
                0x1.0000000000003p2);
 }
 
-TEST(Conversion, TellsWhichResultsAreExact) {
+TEST(Conversion, ReportsWhichResultsAreExact) {
     EXPECT_TRUE(between("km", "m").isExact(2.5));
     EXPECT_FALSE(between("m", "km").isExact(2.5));
     EXPECT_TRUE(between("m", "km").isExact(125.0));

@@ -124,7 +124,7 @@ TEST(DefinitionFile, RefusesANumberAfterTheUnitAndOffersLines) {
     EXPECT_THAT(diagnosisOf("a = 5 xyz 2").Readings, IsEmpty()) << "neither can be read";
 }
 
-TEST(DefinitionFile, TellsWhatIsWrongWithALine) {
+TEST(DefinitionFile, ReportsTheErrorInALine) {
     const struct {
         const char* Line;
         const char* Refusal;
@@ -213,7 +213,7 @@ TEST(DefinitionFile, DefinesNothingIfALineIsRefused) {
     EXPECT_TRUE(tryRead("km", file.Catalogue));
 }
 
-TEST(DefinitionFile, TellsWhichOtherLineDefinesAName) {
+TEST(DefinitionFile, NamesTheOtherLineThatDefinesAName) {
     const CDefinitionFile file = tryReadDefinitions(
         "qa = 3 qb\n"
         "qc = 2 xyzzy\n"

@@ -385,7 +385,7 @@ TEST(Traps, DoNotApplyToNamesOfTheProgram) {
     EXPECT_EQ(diagnosisOf("bar abs", plain()).Code, eRefusal::MISLEADING);
 }
 
-TEST(Traps, AllocateNothing) {
+TEST(Traps, LookingUpATrapAllocatesNothing) {
     const CCatalogue catalogue = people();
     for (const char* const text : {"° K", "W/mK", "bar g", "pH", "Nm³", "5 bar(g)", "kt"}) {
         beforeAllocation = [](long) { throw std::bad_alloc(); };

@@ -208,7 +208,7 @@ TEST(Reading, RefusesAnOffsetUnitInAProduct) {
     EXPECT_EQ(read("(°C)"), read("°C"));
 }
 
-TEST(Reading, TellsTheSizeOfADifferenceWithoutAName) {
+TEST(Reading, ReportsTheSizeOfADifferenceWithoutAName) {
     const CDiagnosis diagnosis = diagnosisOf("J/°X", withUnit("°X", "5/4 K, offset 10"));
     EXPECT_THAT(
         diagnosis.Sentence,
@@ -332,7 +332,7 @@ TEST(ReadingOfValues, GivesTheNumberExactly) {
     EXPECT_EQ(readValue("5", builtIn(), dimensionless()).Unit, CMeaning());
 }
 
-TEST(ReadingOfValues, TellsThePositionOfTheUnit) {
+TEST(ReadingOfValues, ReportsThePositionOfTheUnit) {
     const std::string text = " 2.5 km/h ";
     const CValueReading reading = tryReadValue(text);
     ASSERT_TRUE(reading);

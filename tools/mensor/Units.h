@@ -14,13 +14,13 @@
 /// line.
 class CUnits {
 public:
-    /// Reports what is refused.
+    /// Reports refused lines and packs.
     /// @throws std::runtime_error  "cannot read "units.txt"".
     CUnits(const CArguments& arguments, CReport& report);
 
     const mensor::exact::CCatalogue& catalogue() const { return m_Catalogue; }
 
-    /// Registers the same units in the library's registry. Reports what is refused, if there is a report.
+    /// Registers the same units in the library's registry. If there is a report, reports refused units.
     /// Returns whether all units were accepted.
     /// @throws std::runtime_error  the registry cannot be loaded.
     bool registerAll(CReport* report) const;
