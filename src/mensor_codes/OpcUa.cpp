@@ -34,7 +34,7 @@ public:
     CReading tryRead(std::string_view text) const override {
         const std::string code = codeOfUnitId(numberOf(text));
         CReading reading = unece().tryRead(code);
-        if (!reading) {  // that refusal names the code; this one must name the text
+        if (!reading) {  // the message must name the text instead of the code
             const bool isKnown = reading.Refusal.Code == exact::eRefusal::NO_MEANING;
             reading.Refusal =
                 text.empty() ? refusalOf(eSystem::OPCUA, text, exact::eRefusal::EMPTY,

@@ -120,7 +120,7 @@ TEST(Catalogue, TheDimensionlessUnitPrintsAsOneButTheTextOneIsUnknown) {
                 ThrowsMessage<std::invalid_argument>(StrEq("Label: One not recognized")));
 }
 
-// In both notations, for all units with a label or symbol and all products.
+// Tests both notations, with all units that have a label or symbol and with all products.
 TEST(Catalogue, EveryPrintedUnitReadsBackAsTheSameObject) {
     std::vector<CUnitPtr> units;
     for (const auto& instance : CUnit::instances()) {

@@ -1,5 +1,5 @@
-// CommaLocale_test.cpp: what depends on the locale. Units and messages do not. The numbers of
-// CValueWithUnit, of streams and of the symbols of converters do (docs/reliability.md).
+// CommaLocale_test.cpp: units and messages do not depend on the locale. The numbers of
+// CValueWithUnit, of streams and of the symbols of converters depend on it (docs/reliability.md).
 #include <clocale>
 #include <iomanip>
 #include <map>

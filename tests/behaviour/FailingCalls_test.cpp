@@ -186,7 +186,7 @@ INSTANTIATE_TEST_SUITE_P(, FailingCalls, ::testing::Range(std::size_t{0}, calls(
 
 // Virtual functions of clients that return an empty pointer.
 
-TEST(AClientsKind, WithoutADimensionIsRefused) {
+TEST(AClientsKind, IsRefusedIfItHasNoDimension) {
     const auto unit = freshClientUnit();
     unit->CtxDimension = [] { return CUnitPtr(); };
     EXPECT_THROW(unit->getDimension(), std::logic_error);
@@ -197,7 +197,7 @@ TEST(AClientsKind, WithoutADimensionIsRefused) {
     EXPECT_EQ(unit->getDimension(), unit);
 }
 
-TEST(AClientsKind, WithoutAConverterIsRefused) {
+TEST(AClientsKind, IsRefusedIfItHasNoConverter) {
     const auto unit = freshClientUnit();
     unit->CtxDimension = [] { return CUnitPtr(SI::Meter()); };
     unit->CtxToDimension = [] { return CConverterPtr(); };
@@ -213,7 +213,7 @@ TEST(AClientsKind, WithoutAConverterIsRefused) {
     EXPECT_THROW(scaled->getCtxToDimension(), std::logic_error);
 }
 
-TEST(AClientsKind, WithoutASystemUnitIsRefused) {
+TEST(AClientsKind, IsRefusedIfItHasNoSystemUnit) {
     const auto unit = freshClientUnit();
     unit->SystemUnit = unit->BaseUnits = [] { return CUnitPtr(); };
     const CUnitPtr area = SI::Meter() * unit;
