@@ -72,7 +72,7 @@ TEST(EmptyPointers, AreRefusedWithTheNameOfTheCalledFunction) {
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(EmptyPointers, ConvertersRefuseEmptyPointers) {
+TEST(EmptyPointers, EmptyConverterPointersAreRefused) {
     const CConverterPtr none;
     const Tables before;
     EXPECT_THAT([&] { CTransformedUnit::getInstance(SI::Meter(), none); },
