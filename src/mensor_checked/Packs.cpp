@@ -77,7 +77,7 @@ constexpr CBuiltOn BuiltOn[] = {
     {"kg/(m·s²)", {"Pa_g", "kPa_g", "mbar_g", "bar_g", "psi_g"}},
 };
 
-// Units of their own, as the hertz is. The other units are multiples of the unit they are built on.
+// Units with a symbol of their own, like the hertz. The other units are multiples of another unit.
 constexpr std::string_view Alternates[] = {"cps", "Bd"};
 
 template <std::size_t N>

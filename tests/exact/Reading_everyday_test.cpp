@@ -615,7 +615,7 @@ struct CForm {
     const char* Second;
 };
 
-TEST(RefusalsOfForm, SayAndOfferWhatTheirRowsHave) {
+TEST(RefusalsOfForm, HaveTheMessageAndTheCorrectionsOfTheirRows) {
     const CForm rows[] = {
 #define MENSOR_FORM(text, code, sentence, first, second) \
     {text, eRefusal::code, sentences::sentence, first, second},

@@ -63,7 +63,7 @@ struct Asked {
     }
 };
 
-// A scanner of whole tokens, while the library has a state machine.
+// Reads whole tokens. The parser of the library is a state machine, so the same error in both is unlikely.
 class CAsking {
 public:
     explicit CAsking(const std::string& text)
