@@ -17,8 +17,8 @@ struct CValuesMeant {
     std::vector<std::string> Values;  ///< not yet read; empty if the number is right
 };
 
-/// Returns corrections: "2.5 km" for "2,5 km", "0.5 in" for "1/2 in", "1000 m" for "1 000 m", "2e3 m" for "2×10³ m",
-/// "90 min" for "1 h 30 min".
+/// Returns corrections: "2.5 km" for "2,5 km", "0.5 in" for "1/2 in", "1000 m" for "1 000 m",
+/// "2e3 m" for "2×10³ m", "90 min" for "1 h 30 min".
 CValuesMeant valuesMeant(std::string_view text, CResolver& resolver);
 
 }  // namespace mensor::exact

@@ -1,6 +1,7 @@
 // TwoWords.h: whole numbers of 128 bits, on every processor. Not installed.
 //
-// The functions use the 128-bit integers of the compiler if it has them. On 32-bit ARM it has none. The functions of `portable` work without them and give the same results.
+// The functions use the 128-bit integers of the compiler if it has them. On 32-bit ARM it has
+// none. The functions of `portable` work without them and give the same results.
 #ifndef MENSOR_EXACT_TWOWORDS_H
 #define MENSOR_EXACT_TWOWORDS_H
 

@@ -1,8 +1,8 @@
 // Reading_collisions_test.cpp: reads a thousand everyday units in fifty orders, each in a new process.
 //
 // Units with the same hash code are one unit, so the order of reading decides which of two colliding units is
-// refused. A unit must not be silently wrong in any order. docs/collisions-everyday.md lists the refused texts. This
-// test compares the page, or writes it if MENSOR_UPDATE_DOCS is set.
+// refused. A unit must not be silently wrong in any order. docs/collisions-everyday.md lists the refused texts.
+// This test compares the page, or writes it if MENSOR_UPDATE_DOCS is set.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
