@@ -102,6 +102,9 @@ TEST(Converting, EqualsConvertersOfTheSameConversion) {
     EXPECT_TRUE(toKelvin->equals(toKelvin));
     EXPECT_TRUE(toKelvin->equals(converter(SI::Celsius(), SI::Kelvin())));
     EXPECT_FALSE(toKelvin->equals(converter(SI::Kelvin(), SI::Celsius())));
+    EXPECT_FALSE(
+        toKelvin->equals(converter(checked::CMeaning::base("K").shifted(exact::CFraction(273)),
+                                   checked::CMeaning::base("K"))));
     EXPECT_FALSE(toKelvin->equals(CConverter::identity()));
     EXPECT_FALSE(CConverter::identity()->equals(toKelvin));
 }

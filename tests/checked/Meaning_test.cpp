@@ -209,6 +209,13 @@ TEST(Meaning, AClientsClassOfUnitHasTheMeaningOfItsElements) {
     EXPECT_EQ(meaningOf(own), base("m").power(CExponent(1, 2)) / base("s"));
 }
 
+TEST(Meaning, AClientsClassOfUnitHasTheMeaningOfItsConverterToItsSystemUnit) {
+    const auto own = CClientUnit::make("qx", 4711);
+    own->SystemUnit = own->CtxDimension = [] { return CUnitPtr(SI::Meter()); };
+    own->CtxToDimension = [] { return std::make_shared<CMultiplyConverter>(2.5); };
+    EXPECT_EQ(meaningOf(own), base("m").scaled(factor(2.5)));
+}
+
 TEST(Meaning, AClientsClassOfUnitDoesNotHaveTheMeaningOfItsSymbol) {
     const auto own = CClientUnit::make("N", 4711);
     EXPECT_EQ(meaningOf(own), base("N"));

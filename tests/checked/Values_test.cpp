@@ -132,6 +132,18 @@ TEST(Values, PositionsCountInTheWholeText) {
     EXPECT_EQ(tryReadValue("5 T·m/m/N·s").Refusal->Code, eRefusal::SECOND_DIVISION);
 }
 
+TEST(Values, ARefusalSuggestsWholeValues) {
+    for (const char* const text : {"2.5 J/°C", "2.5J/°C"}) {
+        const auto value = checked::tryReadValue(text);
+        ASSERT_TRUE(value.Refusal) << text;
+        EXPECT_EQ(value.Refusal->Text, text);
+        ASSERT_EQ(value.Refusal->Readings.size(), 1U) << text;
+        const std::string& meant = value.Refusal->Readings[0];
+        EXPECT_EQ(readValue(meant).value(), 2.5) << meant;
+        EXPECT_EQ(readValue(meant).unit(), checked::readUnit("J/K")) << meant;
+    }
+}
+
 TEST(Values, HaveTheNotesOfTheUnit) {
     CReadOptions options;
     options.Differences = true;
