@@ -195,14 +195,16 @@ TEST(Whole, OperandsMayBeTheSameObject) {
     for (int i = 0; i < 100; ++i) {
         const CPair a = pairOf(numbers.nextPositive());
         CWhole sum = a.Ours;
-        sum += sum;
+        const CWhole& sameSum = sum;
+        sum += sameSum;
         EXPECT_EQ(judged(sum), 2 * a.Theirs);
-        sum -= sum;
+        sum -= sameSum;
         EXPECT_TRUE(sum.isZero());
         CWhole square = a.Ours;
-        square *= square;
+        const CWhole& sameSquare = square;
+        square *= sameSquare;
         EXPECT_EQ(judged(square), a.Theirs * a.Theirs);
-        square /= square;
+        square /= sameSquare;
         EXPECT_TRUE(square.isOne());
     }
 }
