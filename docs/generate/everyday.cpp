@@ -145,11 +145,11 @@ void forms() {
         const CDiagnosis diagnosis = diagnose(tryReadValue(text, catalogue).Refusal, catalogue);
         std::string shown;
         for (const char c : std::string(text)) {  // what cannot be shown in a table
-            shown += c == '\n' ? "\\n" : c == '\xFF' ? "\\xFF" : std::string(1, c);
+            shown += c == '\n' ? "⟨U+000A⟩" : c == '\xFF' ? "⟨byte FF⟩" : std::string(1, c);
         }
         const std::size_t invisible = shown.find("\u200B");
         if (invisible != std::string::npos) {
-            shown.replace(invisible, 3, "\\u200B");
+            shown.replace(invisible, 3, "⟨U+200B⟩");
         }
         std::cout << "| " << code(shown) << " | " << nameOf(diagnosis.Code) << " | "
                   << diagnosis.message() << " |\n";
