@@ -1,9 +1,9 @@
 // Algebra_benchmark.cpp: multiplying, dividing and raising existing units. mensor caches results,
 // so the second call differs from the first. UDUNITS-2 makes a new object at each call, and freeing
 // it is part of the measured work.
-#include "Benchmark.h"
-#include "Programs.h"
 #include "mensor/Unit.h"
+#include "programs.h"
+#include "support.h"
 
 using namespace mensor;
 

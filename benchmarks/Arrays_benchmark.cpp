@@ -1,9 +1,9 @@
 // Arrays_benchmark.cpp: many values at once, from one array into another, compared with the limits
 // of the machine: copying the bytes, and a plain loop y = x * a + b compiled for this processor.
-#include "Benchmark.h"
 #include "mensor/Converter.h"
 #include "mensor/Unit.h"
 #include "roofline.h"
+#include "support.h"
 
 #include <cstring>
 

@@ -1,8 +1,8 @@
 // Checked_benchmark.cpp: reading with the checked companion, compared with the parser of the
 // library on the same texts.
-#include "Benchmark.h"
 #include "mensor/Unit.h"
 #include "mensor_checked/Reading.h"
+#include "support.h"
 
 using namespace mensor;
 

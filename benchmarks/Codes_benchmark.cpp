@@ -2,8 +2,8 @@
 // compared with a map of finished meanings.
 #include <unordered_map>
 
-#include "Benchmark.h"
 #include "mensor_codes/Codes.h"
+#include "support.h"
 
 using namespace mensor;
 using codes::eSystem;

@@ -3,9 +3,9 @@
 // A converter of mensor is a chain of the steps that define the two units. A converter of UDUNITS-2
 // is a single new object, which must be freed. Boost.Units knows the factor at compile time, which
 // is the minimum cost of a conversion.
-#include "Benchmark.h"
 #include "mensor/NonSI.h"
 #include "mensor/SI.h"
+#include "support.h"
 
 #include <boost/units/absolute.hpp>
 #include <boost/units/make_scaled_unit.hpp>

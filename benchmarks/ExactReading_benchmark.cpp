@@ -1,9 +1,9 @@
 // ExactReading_benchmark.cpp: reading texts with the exact library, which has no cache. UDUNITS-2
 // parses the same texts.
-#include "Benchmark.h"
-#include "Programs.h"
 #include "mensor_exact/Conversion.h"
 #include "mensor_exact/Reading.h"
+#include "programs.h"
+#include "support.h"
 
 using namespace mensor;
 

@@ -3,9 +3,9 @@
 //
 // "A virtual call" is the minimum cost of a converter that is chosen at run time: a virtual call and one
 // multiplication. "A plain loop" multiplies each element, in vectors of the same width.
-#include "Benchmark.h"
 #include "mensor_exact/Conversion.h"
 #include "mensor_exact/FastForm.h"
+#include "support.h"
 
 #include <charconv>
 #include <cstring>

@@ -1,8 +1,8 @@
 // Format_benchmark.cpp: from a unit to its text. mensor returns a string_t. UDUNITS-2 fills an
 // existing buffer. It prints the kilometre as "1000 m". It writes a product in base units only with
 // UT_DEFINITION; otherwise it writes kg·m²/s² as the joule.
-#include "Benchmark.h"
 #include "mensor/UnitFormat.h"
+#include "support.h"
 
 using namespace mensor;
 

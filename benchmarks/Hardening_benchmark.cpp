@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "Benchmark.h"
-#include "Programs.h"
+#include "programs.h"
+#include "support.h"
 
 namespace {
 

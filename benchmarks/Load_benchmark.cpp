@@ -3,8 +3,8 @@
 //
 // The own part of a library is the difference between a process with it and an empty one. For the
 // same state, a database in memory, UDUNITS-2 reads its XML files.
-#include "Benchmark.h"
-#include "Programs.h"
+#include "programs.h"
+#include "support.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,10 +1,10 @@
 // Parse_benchmark.cpp: from the text of a unit to the unit. Each library gets an existing text in
 // its own type, a string_t or a C string. The result is released: in mensor a pointer to the only
 // object of the unit, in UDUNITS-2 a new object.
-#include "Benchmark.h"
-#include "Programs.h"
-#include "TypicalTexts.h"
 #include "mensor/Unit.h"
+#include "programs.h"
+#include "support.h"
+#include "typical_texts.h"
 
 #include <iterator>
 #include <stdexcept>

@@ -1,8 +1,8 @@
 // Request_benchmark.cpp: what a gateway does with every message: "2.5 km" comes in as text, the
 // number in metres is wanted. UDUNITS-2 leaves splitting the text and the number to its caller.
-#include "Benchmark.h"
 #include "mensor/SI.h"
 #include "mensor/ValueWithUnit.h"
+#include "support.h"
 
 #include <cstdlib>
 

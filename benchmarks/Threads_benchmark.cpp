@@ -1,11 +1,11 @@
 // Threads_benchmark.cpp: two threads, each on a core of its own, compared with one. There is no peer:
 // the parser of UDUNITS-2 serves one thread at a time. Each kind of work is measured with the same
 // units for both threads and with different ones.
-#include "Benchmark.h"
 #include "mensor/NonSI.h"
 #include "mensor/SI.h"
 #include "mensor/ValueWithUnit.h"
 #include "mensor_exact/Reading.h"
+#include "support.h"
 
 using namespace mensor;
 

@@ -1,7 +1,7 @@
 // Ucum_benchmark.cpp: reading codes of UCUM without a cache, and finding the code of a meaning.
 // UDUNITS-2 parses the same unit in its own notation.
-#include "Benchmark.h"
 #include "mensor_codes/Codes.h"
+#include "support.h"
 
 using namespace mensor;
 using codes::eSystem;

@@ -2,10 +2,10 @@
 #include <iostream>
 
 #include <mensor/mensor.h>
-#include <mensor_checked/Making.h>
 #include <mensor_checked/OwnUnits.h>
 #include <mensor_checked/Reading.h>
 #include <mensor_checked/Values.h>
+#include <mensor_checked/making.h>
 
 using namespace mensor;
 

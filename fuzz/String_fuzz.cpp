@@ -12,7 +12,7 @@
 #include "Input.h"
 #include "mensor/utf8_string.h"
 #include "property.h"
-#include "support/Outcome.h"
+#include "support/outcome.h"
 
 using namespace mensor;
 using mensor::fuzz::require;

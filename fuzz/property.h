@@ -10,7 +10,7 @@
 
 #include "mensor/Unit.h"
 #include "mensor/UnitFormat.h"
-#include "support/Invariants.h"
+#include "support/invariants.h"
 
 namespace mensor::fuzz {
 

@@ -18,7 +18,7 @@
 
 #include "mensor/Unit.h"
 #include "property.h"
-#include "support/Invariants.h"
+#include "support/invariants.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 

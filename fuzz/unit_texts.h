@@ -9,7 +9,7 @@
 #include "mensor/UnitFormat.h"
 #include "property.h"
 #include "support/Notation.h"
-#include "support/Outcome.h"
+#include "support/outcome.h"
 
 namespace mensor::fuzz {
 

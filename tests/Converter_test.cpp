@@ -20,7 +20,7 @@
 #include "mensor/mensor_math.h"
 #include "support/ClientConverters.h"
 #include "support/Matchers.h"
-#include "support/Threads.h"
+#include "support/threads.h"
 
 namespace mensor {
 namespace {

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "support/Threads.h"
+#include "support/threads.h"
 
 namespace mensor {
 namespace {

@@ -25,7 +25,7 @@
 #include "support/ClientConverters.h"
 #include "support/ClientUnit.h"
 #include "support/Matchers.h"
-#include "support/Threads.h"
+#include "support/threads.h"
 
 namespace mensor {
 namespace {

@@ -9,7 +9,7 @@
 #include "mensor/SI.h"
 #include "mensor/UnitFormat.h"
 #include "support/Matchers.h"
-#include "support/Outcome.h"
+#include "support/outcome.h"
 
 namespace mensor {
 namespace {

@@ -14,7 +14,7 @@
 #include "support/ClientUnit.h"
 #include "support/Matchers.h"
 #include "support/Notation.h"
-#include "support/Outcome.h"
+#include "support/outcome.h"
 
 namespace mensor {
 namespace {

@@ -14,7 +14,7 @@
 #include "mensor/ProductUnit.h"
 #include "mensor/SI.h"
 #include "support/Matchers.h"
-#include "support/Outcome.h"
+#include "support/outcome.h"
 
 namespace mensor {
 namespace {

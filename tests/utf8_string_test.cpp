@@ -18,7 +18,7 @@
 #include <utility>
 #include <vector>
 
-#include "support/utf8_texts.h"
+#include "support/Utf8Texts.h"
 
 namespace mensor {
 namespace {

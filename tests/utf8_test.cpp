@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "support/utf8_texts.h"
+#include "support/Utf8Texts.h"
 
 namespace mensor {
 namespace {

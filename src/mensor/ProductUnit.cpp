@@ -7,12 +7,12 @@
 #include <stdexcept>
 #include <utility>
 
+#include "mensor/Factors.h"
 #include "mensor/Kept.h"
 #include "mensor/MultiplyConverter.h"
 #include "mensor/Tables.h"
 #include "mensor/TextStream.h"
 #include "mensor/UnitAlgebra.h"
-#include "mensor/factors.h"
 #include "mensor/require.h"
 
 namespace mensor {

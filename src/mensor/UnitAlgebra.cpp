@@ -2,8 +2,8 @@
 
 #include <limits>
 
+#include "mensor/Factors.h"
 #include "mensor/ProductUnit.h"
-#include "mensor/factors.h"
 
 namespace mensor::detail {
 

@@ -7,9 +7,9 @@
 #include <string>
 #include <utility>
 
+#include "mensor/Factors.h"
 #include "mensor/ProductUnit.h"
 #include "mensor/UnitAlgebra.h"
-#include "mensor/factors.h"
 #include "mensor/utf8.h"
 
 namespace mensor::detail {

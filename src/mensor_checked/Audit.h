@@ -27,7 +27,7 @@ struct CFinding {
 };
 
 /// Reads all `texts` in order and returns those that are refused.
-/// @par Threads  Any thread, locks CUnit::mutex() for each text (see WarmUp.h).
+/// @par Threads  Any thread, locks CUnit::mutex() for each text (see warm_up.h).
 MENSOR_CHECKED_API std::vector<CFinding> audit(const std::vector<std::string>& texts,
                                                const CReadOptions& options = {});
 

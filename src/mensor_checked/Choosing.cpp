@@ -8,13 +8,13 @@
 #include <tuple>
 
 #include "mensor/UnitFormat.h"
-#include "mensor_checked/Converting.h"
 #include "mensor_checked/Lock.h"
 #include "mensor_checked/Meaning.h"
 #include "mensor_checked/Names.h"
 #include "mensor_checked/Rounding.h"
 #include "mensor_checked/Values.h"
-#include "mensor_checked/Words.h"
+#include "mensor_checked/converting.h"
+#include "mensor_checked/words.h"
 #include "mensor_exact/Conversion.h"
 #include "mensor_exact/Spelling.h"
 

@@ -25,7 +25,7 @@ struct CChoice {
 /// Returns all units with a label or symbol that are compatible with `unit`, sorted by size, then by text.
 /// Units without a text that reads back are left out.
 /// @throws std::invalid_argument  `unit` is empty.
-/// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
+/// @par Threads  Any thread, locks CUnit::mutex() (see warm_up.h).
 MENSOR_CHECKED_API std::vector<CChoice> choicesFor(const CUnitPtr& unit);
 
 /// Returns the unit in which `value`, given in `unit`, is easiest to read. The candidates are the units
@@ -36,12 +36,12 @@ MENSOR_CHECKED_API std::vector<CChoice> choicesFor(const CUnitPtr& unit);
 /// again with the converted value gives the same unit. Returns `unit` for zero, NaN, infinity, offset
 /// units and units without prefixed forms.
 /// @throws std::invalid_argument  `unit` is empty.
-/// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
+/// @par Threads  Any thread, locks CUnit::mutex() (see warm_up.h).
 MENSOR_CHECKED_API CUnitPtr readableUnit(double value, const CUnitPtr& unit);
 
-/// Returns `value` converted to its readableUnit, rounded once (Converting.h). A finite value stays finite.
+/// Returns `value` converted to its readableUnit, rounded once (converting.h). A finite value stays finite.
 /// @throws std::invalid_argument  the unit of `value` is empty.
-/// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
+/// @par Threads  Any thread, locks CUnit::mutex() (see warm_up.h).
 MENSOR_CHECKED_API CValueWithUnit readable(const CValueWithUnit& value);
 
 }  // namespace mensor::checked

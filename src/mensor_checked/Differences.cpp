@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "mensor_checked/Lock.h"
-#include "mensor_checked/Words.h"
+#include "mensor_checked/words.h"
 
 namespace mensor::checked {
 

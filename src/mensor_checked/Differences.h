@@ -22,7 +22,7 @@ namespace mensor::checked {
 ///     CUnit::getConverterTo.
 /// @throws std::range_error  the result is infinite, or it is zero and `x` is not.
 /// @throws std::logic_error  a client's converter is neither a scaling nor a shift.
-/// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
+/// @par Threads  Any thread, locks CUnit::mutex() (see warm_up.h).
 MENSOR_CHECKED_API double convertDifference(double x, const CUnitPtr& from, const CUnitPtr& to);
 
 /// A difference of two quantities. A CValueWithUnit would count from the zero of its scale.
@@ -37,7 +37,7 @@ public:
     const CUnitPtr& unit() const { return m_Unit; }  ///< its offset does not count
 
     /// Returns the difference in `unit`. Throws what convertDifference throws.
-    /// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
+    /// @par Threads  Any thread, locks CUnit::mutex() (see warm_up.h).
     double valueAs(const CUnitPtr& unit) const;
 
 private:
@@ -48,12 +48,12 @@ private:
 /// Returns `a` minus `b` in the unit of `a`. Both are values of their scales.
 /// @throws std::invalid_argument  a unit is empty, or the units are not compatible.
 /// @throws std::range_error  the result is infinite, and the values are not.
-/// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
+/// @par Threads  Any thread, locks CUnit::mutex() (see warm_up.h).
 MENSOR_CHECKED_API CDifference difference(const CValueWithUnit& a, const CValueWithUnit& b);
 
 /// Returns `a`, higher or lower by a difference, in the unit of `a`. Throws what convertDifference throws.
 /// @throws std::range_error  also if the result is infinite, and the values are not.
-/// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
+/// @par Threads  Any thread, locks CUnit::mutex() (see warm_up.h).
 MENSOR_CHECKED_API CValueWithUnit operator+(const CValueWithUnit& a, const CDifference& change);
 MENSOR_CHECKED_API CValueWithUnit operator-(const CValueWithUnit& a, const CDifference& change);
 

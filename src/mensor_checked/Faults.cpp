@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "mensor_checked/Rounding.h"
-#include "mensor_checked/Words.h"
+#include "mensor_checked/words.h"
 
 namespace mensor::checked {
 

@@ -11,7 +11,7 @@
 namespace mensor::checked {
 
 /// Locks CUnit::mutex(). Each function of the companion holds one for all its work; locks of one thread
-/// may nest. The outermost one enforces the limit of new units, and counts them (RegistrationLimit.h).
+/// may nest. The outermost one enforces the limit of new units, and counts them (registration_limit.h).
 class Lock {
 public:
     Lock();

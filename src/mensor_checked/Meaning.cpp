@@ -11,8 +11,8 @@
 #include "mensor_checked/ExactConverter.h"
 #include "mensor_checked/Lock.h"
 #include "mensor_checked/Rounding.h"
-#include "mensor_checked/Rows.h"
-#include "mensor_checked/Words.h"
+#include "mensor_checked/rows.h"
+#include "mensor_checked/words.h"
 #include "mensor_exact/Error.h"
 
 namespace mensor::checked {

@@ -32,12 +32,12 @@ using exact::CMeaning;
 /// @throws std::logic_error  the expansion of a unit of a client's own class does not end.
 /// @throws exact::CError  the unit has no exact meaning: NOT_POSITIVE and BAD_NUMBER for a factor that is
 ///     not a positive number, OFFSET_IN_PRODUCT, EXPONENT_RANGE, TOO_LARGE.
-/// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
+/// @par Threads  Any thread, locks CUnit::mutex() (see warm_up.h).
 MENSOR_CHECKED_API CMeaning meaningOf(const CUnitPtr& unit);
 
 /// Like meaningOf, but returns none if the unit has no exact meaning.
 /// @throws std::invalid_argument, std::logic_error  as meaningOf.
-/// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
+/// @par Threads  Any thread, locks CUnit::mutex() (see warm_up.h).
 MENSOR_CHECKED_API std::optional<CMeaning> tryMeaningOf(const CUnitPtr& unit);
 
 }  // namespace mensor::checked

@@ -7,8 +7,8 @@
 #include "mensor/ProductUnit.h"
 #include "mensor/TransformedUnit.h"
 #include "mensor/UnitFormat.h"
-#include "mensor_checked/EverydayNames.h"
 #include "mensor_checked/Meaning.h"
+#include "mensor_checked/everyday_names.h"
 #include "mensor_exact/Definitions.h"
 #include "mensor_exact/Spelling.h"
 

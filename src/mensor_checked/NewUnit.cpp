@@ -1,14 +1,14 @@
 #include "mensor_checked/NewUnit.h"
 
 #include "mensor/UnitFormat.h"
-#include "mensor_checked/Making.h"
 #include "mensor_checked/Meaning.h"
 #include "mensor_checked/Names.h"
 #include "mensor_checked/Reading.h"
 #include "mensor_checked/Rounding.h"
 #include "mensor_checked/Values.h"
 #include "mensor_checked/Verify.h"
-#include "mensor_checked/Words.h"
+#include "mensor_checked/making.h"
+#include "mensor_checked/words.h"
 
 namespace mensor::checked {
 

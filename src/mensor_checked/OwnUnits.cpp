@@ -5,12 +5,12 @@
 #include <utility>
 
 #include "mensor_checked/Lock.h"
-#include "mensor_checked/Making.h"
 #include "mensor_checked/NewUnit.h"
 #include "mensor_checked/Parsing.h"
-#include "mensor_checked/UnitReader.h"
 #include "mensor_checked/Verify.h"
-#include "mensor_checked/Words.h"
+#include "mensor_checked/making.h"
+#include "mensor_checked/unit_reader.h"
+#include "mensor_checked/words.h"
 #include "mensor_exact/DefinitionLine.h"
 
 namespace mensor::checked {

@@ -46,12 +46,12 @@ struct CDefinitions {
 ///
 /// If the table is refused, objects that were built may stay registered without a name, and symbols of base
 /// units stay, because the library cannot remove them. Defining the same table again changes nothing.
-/// @par Threads  Any thread, locks CUnit::mutex() for all its work (see WarmUp.h).
+/// @par Threads  Any thread, locks CUnit::mutex() for all its work (see warm_up.h).
 MENSOR_CHECKED_API CDefinitions tryDefineUnits(std::string_view table);
 
 /// Like tryDefineUnits, but throws if a line is refused. Returns the names.
 /// @throws CDefinitionError  a line is refused.
-/// @par Threads  Any thread, locks CUnit::mutex() for all its work (see WarmUp.h).
+/// @par Threads  Any thread, locks CUnit::mutex() for all its work (see warm_up.h).
 MENSOR_CHECKED_API std::vector<std::string> defineUnits(std::string_view table);
 
 }  // namespace mensor::checked

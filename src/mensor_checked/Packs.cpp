@@ -9,14 +9,14 @@
 #include <string_view>
 #include <utility>
 
-#include "mensor_checked/EverydayNames.h"
 #include "mensor_checked/Lock.h"
-#include "mensor_checked/Making.h"
 #include "mensor_checked/NewUnit.h"
 #include "mensor_checked/Reading.h"
-#include "mensor_checked/Rows.h"
 #include "mensor_checked/Verify.h"
-#include "mensor_checked/Words.h"
+#include "mensor_checked/everyday_names.h"
+#include "mensor_checked/making.h"
+#include "mensor_checked/rows.h"
+#include "mensor_checked/words.h"
 #include "mensor_exact/Conversion.h"
 #include "mensor_exact/Definitions.h"
 

@@ -97,7 +97,7 @@ MENSOR_CHECKED_API std::optional<ePack> packNamed(std::string_view name);
 /// @throws CIdentityError  a unit cannot be built. The message names it; inTheWay() is the unit that has
 ///     its name or identity.
 /// @throws std::invalid_argument  `pack` is no pack.
-/// @par Threads  Any thread, locks CUnit::mutex() for all its work (see WarmUp.h).
+/// @par Threads  Any thread, locks CUnit::mutex() for all its work (see warm_up.h).
 MENSOR_CHECKED_API void registerPack(ePack pack);
 
 }  // namespace mensor::checked

@@ -3,10 +3,10 @@
 #include <cstdint>
 #include <utility>
 
-#include "mensor_checked/EverydayNames.h"
 #include "mensor_checked/Names.h"
 #include "mensor_checked/Rounding.h"
-#include "mensor_checked/Words.h"
+#include "mensor_checked/everyday_names.h"
+#include "mensor_checked/words.h"
 #include "mensor_exact/Definitions.h"
 #include "mensor_exact/Parser.h"
 
@@ -34,7 +34,7 @@ std::optional<CMeaning> meaningOfName(std::string_view name) {
 class CRegistryNames final : public exact::CResolver {
 public:
     std::uint32_t find(std::string_view name) override {
-        CFactor factor{nullptr, nullptr, {}, true, false, false, std::nullopt};
+        CNamedUnit factor{nullptr, nullptr, {}, true, false, false, std::nullopt};
         if (const CName* const known = knownName(name)) {
             factor.Unit = factor.Named = known->Unit;
             factor.IsExact = known->IsExact;
@@ -102,10 +102,10 @@ public:
     }
 
     // Returns the factors, with their exponents. m_Found has the same order.
-    std::vector<CFactor> take(const exact::CNamedFactors& factors, std::string_view text,
-                              bool makesUnits) {
+    std::vector<CNamedUnit> take(const exact::CNamedFactors& factors, std::string_view text,
+                                 bool makesUnits) {
         for (const exact::CNamedFactor& factor : factors) {
-            CFactor& found = m_Found[factor.Unit - 1];
+            CNamedUnit& found = m_Found[factor.Unit - 1];
             found.Name = factor.Name;
             found.Pow = factor.Pow;
             found.Root = factor.Root;
@@ -133,7 +133,7 @@ private:
         return unit;
     }
 
-    std::vector<CFactor> m_Found;
+    std::vector<CNamedUnit> m_Found;
 };
 
 }  // namespace

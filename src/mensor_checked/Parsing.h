@@ -22,7 +22,7 @@ struct Refused {
 };
 
 /// One named unit of a text, with its exponent in the whole text.
-struct CFactor {
+struct CNamedUnit {
     CUnitPtr Unit;    ///< the unit of the name, or the unit of its differences. Empty
                       ///< for a name of the pack EVERYDAY whose unit was not asked for
     CUnitPtr Named;   ///< the unit of the name
@@ -37,7 +37,7 @@ struct CFactor {
 
 /// The result of parsing a text.
 struct CParsed {
-    std::vector<CFactor> Factors;  ///< in their order; the dimensionless unit has none
+    std::vector<CNamedUnit> Factors;  ///< in their order; the dimensionless unit has none
     std::vector<std::string> Notes;
 };
 

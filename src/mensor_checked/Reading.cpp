@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "mensor_checked/Lock.h"
-#include "mensor_checked/UnitReader.h"
+#include "mensor_checked/unit_reader.h"
 
 namespace mensor::checked {
 

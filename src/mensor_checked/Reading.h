@@ -63,11 +63,11 @@ struct CMeaningReading {
 ///
 /// "1" and "One" are the dimensionless unit. The library prints it as "One".
 /// @throws CReadError  the text is refused.
-/// @par Threads  Any thread, locks CUnit::mutex() for the whole reading (see WarmUp.h).
+/// @par Threads  Any thread, locks CUnit::mutex() for the whole reading (see warm_up.h).
 MENSOR_CHECKED_API CUnitPtr readUnit(std::string_view text, const CReadOptions& options = {});
 
 /// Like readUnit, but returns refusals. Throws nothing but std::bad_alloc.
-/// @par Threads  Any thread, locks CUnit::mutex() for the whole reading (see WarmUp.h).
+/// @par Threads  Any thread, locks CUnit::mutex() for the whole reading (see warm_up.h).
 MENSOR_CHECKED_API CReading tryReadUnit(std::string_view text, const CReadOptions& options = {});
 
 /// Returns what the unit written in `text` means, by the names of the registry. The library builds no
@@ -77,11 +77,11 @@ MENSOR_CHECKED_API CReading tryReadUnit(std::string_view text, const CReadOption
 ///
 /// The meaning of a single name is meaningOf its unit. Factors may be beyond the range of double.
 /// @throws CReadError  the text is refused.
-/// @par Threads  Any thread, locks CUnit::mutex() for the whole reading (see WarmUp.h).
+/// @par Threads  Any thread, locks CUnit::mutex() for the whole reading (see warm_up.h).
 MENSOR_CHECKED_API CMeaning readMeaning(std::string_view text, const CReadOptions& options = {});
 
 /// Like readMeaning, but returns refusals. Throws nothing but std::bad_alloc.
-/// @par Threads  Any thread, locks CUnit::mutex() for the whole reading (see WarmUp.h).
+/// @par Threads  Any thread, locks CUnit::mutex() for the whole reading (see warm_up.h).
 MENSOR_CHECKED_API CMeaningReading tryReadMeaning(std::string_view text,
                                                   const CReadOptions& options = {});
 

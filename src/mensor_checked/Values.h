@@ -35,12 +35,12 @@ struct CValueReading {
 ///
 /// A number without a unit is refused, unless CReadOptions::Dimensionless is set.
 /// @throws CReadError  the text is refused.
-/// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
+/// @par Threads  Any thread, locks CUnit::mutex() (see warm_up.h).
 MENSOR_CHECKED_API CValueWithUnit readValue(std::string_view text,
                                             const CReadOptions& options = {});
 
 /// Like readValue, but returns refusals. Throws nothing but std::bad_alloc.
-/// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
+/// @par Threads  Any thread, locks CUnit::mutex() (see warm_up.h).
 MENSOR_CHECKED_API CValueReading tryReadValue(std::string_view text,
                                               const CReadOptions& options = {});
 
@@ -57,7 +57,7 @@ public:
 /// the ASCII notation, the aliases of the unit and, for a product, the aliases of its factors. The text of
 /// the dimensionless unit is "One".
 /// @throws std::invalid_argument  `unit` is empty.
-/// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
+/// @par Threads  Any thread, locks CUnit::mutex() (see warm_up.h).
 MENSOR_CHECKED_API std::optional<std::string> textOf(const CUnitPtr& unit);
 
 /// Returns a text such as "2.5 km": the shortest digits that read back as the same double, a blank, and
@@ -65,7 +65,7 @@ MENSOR_CHECKED_API std::optional<std::string> textOf(const CUnitPtr& unit);
 /// @throws CWriteError  the unit has no text that reads back; or the value is not finite, and
 ///     CReadOptions::NotFinite is not set.
 /// @throws std::invalid_argument  `unit` is empty.
-/// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
+/// @par Threads  Any thread, locks CUnit::mutex() (see warm_up.h).
 MENSOR_CHECKED_API std::string writeValue(double value, const CUnitPtr& unit,
                                           const CReadOptions& options = {});
 MENSOR_CHECKED_API std::string writeValue(const CValueWithUnit& value,

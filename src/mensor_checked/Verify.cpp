@@ -5,7 +5,7 @@
 #include "mensor_checked/Faults.h"
 #include "mensor_checked/Lock.h"
 #include "mensor_checked/Rounding.h"
-#include "mensor_checked/Words.h"
+#include "mensor_checked/words.h"
 
 namespace mensor::checked {
 

@@ -46,7 +46,7 @@ private:
 /// @throws CIdentityError  the check fails. The message names the unit, its meaning and `meaning`.
 /// @throws std::invalid_argument  `unit` is empty.
 /// @throws exact::CError  as meaningOf.
-/// @par Threads  Any thread, locks CUnit::mutex() (see WarmUp.h).
+/// @par Threads  Any thread, locks CUnit::mutex() (see warm_up.h).
 MENSOR_CHECKED_API void verify(const CUnitPtr& unit, const CMeaning& meaning);
 
 }  // namespace mensor::checked

@@ -57,7 +57,8 @@ constexpr CArray<std::uint32_t, Rows> makeStarts() {
     return starts;
 }
 
-struct CFactor {
+// A fraction times a power of π: a factor, or an offset, which has no π.
+struct CStoredNumber {
     std::uint64_t Numerator = 0;
     std::uint64_t Denominator = 1;
     std::int16_t Twos = 0;
@@ -65,8 +66,8 @@ struct CFactor {
     std::int8_t Pi = 0;
     bool Negative = false;
 
-    constexpr CFactor() = default;
-    constexpr CFactor(const exact::CSmallFraction& fraction, std::int8_t pi)
+    constexpr CStoredNumber() = default;
+    constexpr CStoredNumber(const exact::CSmallFraction& fraction, std::int8_t pi)
         : Numerator(fraction.Numerator),
           Denominator(fraction.Denominator),
           Twos(static_cast<std::int16_t>(fraction.Twos)),
@@ -87,12 +88,13 @@ struct CFactor {
         return static_cast<std::size_t>((Numerator * 31 + Denominator) * 31 +
                                         static_cast<std::uint64_t>(Twos * 7 + Fives + Pi + 100000));
     }
-    friend constexpr bool operator==(const CFactor& a, const CFactor& b) {
+    friend constexpr bool operator==(const CStoredNumber& a, const CStoredNumber& b) {
         return a.Numerator == b.Numerator && a.Denominator == b.Denominator && a.Twos == b.Twos &&
                a.Fives == b.Fives && a.Pi == b.Pi && a.Negative == b.Negative;
     }
 };
 
+// A product of base units, with at most one unit of units.def.
 struct CUnits {
     std::int8_t Halves[exact::CSmallMeaning::Slots] = {};
     std::uint8_t Own = 0;  // its place in units::OwnNames
@@ -153,9 +155,9 @@ struct CRow {
 template <std::size_t Rows>
 struct CEvaluated {
     CRow Row[Rows] = {};
-    CDistinct<CFactor, Rows + 1> Factors;
+    CDistinct<CStoredNumber, Rows + 1> Factors;
     CDistinct<CUnits, Rows + 1> Units;
-    CDistinct<CFactor, Rows + 1> Offsets;
+    CDistinct<CStoredNumber, Rows + 1> Offsets;
     std::size_t Bad = Rows;  // the first row that cannot be evaluated; Rows if there is none
 };
 
@@ -163,9 +165,9 @@ template <const char* Texts, const CCodeLengths* Lengths, std::size_t Rows>
 constexpr CEvaluated<Rows> makeEvaluated() {
     CEvaluated<Rows> all{};
     // Each list gets an element, because an array cannot be empty.
-    all.Factors.numberOf(CFactor(exact::CSmallFraction(1), 0));
+    all.Factors.numberOf(CStoredNumber(exact::CSmallFraction(1), 0));
     all.Units.numberOf(CUnits());
-    all.Offsets.numberOf(CFactor(exact::CSmallFraction(), 0));
+    all.Offsets.numberOf(CStoredNumber(exact::CSmallFraction(), 0));
     const auto starts = makeStarts<Lengths, Rows>();
     for (std::size_t row = 0; row < Rows; ++row) {
         const CCodeLengths& lengths = Lengths[row];
@@ -178,9 +180,9 @@ constexpr CEvaluated<Rows> makeEvaluated() {
             all.Bad = row;
             return all;
         }
-        all.Row[row].Factor = all.Factors.numberOf(CFactor(meaning.Factor, meaning.Pi));
+        all.Row[row].Factor = all.Factors.numberOf(CStoredNumber(meaning.Factor, meaning.Pi));
         all.Row[row].Units = all.Units.numberOf(CUnits(meaning));
-        all.Row[row].Offset = all.Offsets.numberOf(CFactor(meaning.Offset, 0));
+        all.Row[row].Offset = all.Offsets.numberOf(CStoredNumber(meaning.Offset, 0));
     }
     return all;
 }
@@ -189,9 +191,9 @@ template <std::size_t RowCount, std::size_t FactorCount, std::size_t UnitsCount,
           std::size_t OffsetCount>
 struct CMeanings {
     CRow Row[RowCount];
-    CFactor Factors[FactorCount];
+    CStoredNumber Factors[FactorCount];
     CUnits Units[UnitsCount];
-    CFactor Offsets[OffsetCount];
+    CStoredNumber Offsets[OffsetCount];
 };
 
 template <class T>
@@ -261,7 +263,7 @@ public:
     static exact::CSmallMeaning smallMeaning(std::size_t row) {
         constexpr const auto& All = stored::Meanings<Texts, Lengths, Rows>;
         const stored::CRow& numbers = All.Row[row];
-        const stored::CFactor& factor = All.Factors[numbers.Factor];
+        const stored::CStoredNumber& factor = All.Factors[numbers.Factor];
         const stored::CUnits& units = All.Units[numbers.Units];
         exact::CSmallMeaning result;
         result.Factor = factor.fraction();

@@ -1,8 +1,8 @@
 #include "mensor_codes/System.h"
 #include "mensor_codes/UcumAtoms.h"
-#include "mensor_codes/UcumReader.h"
-#include "mensor_codes/UcumSuggestions.h"
-#include "mensor_codes/UcumWriter.h"
+#include "mensor_codes/ucum_reader.h"
+#include "mensor_codes/ucum_suggestions.h"
+#include "mensor_codes/ucum_writer.h"
 
 namespace mensor::codes {
 

@@ -62,7 +62,7 @@ enum class eRefusal : int {
     // Everyday spellings.
     MISLEADING,  ///< a text that probably means something else than it says: "300° K", "W/mK",
                  ///< "30 psi g"; with CReadOptions::Strict also "pH", the picohenry
-    // Registering (mensor_checked/RegistrationLimit.h).
+    // Registering (mensor_checked/registration_limit.h).
     LIMIT_REACHED  ///< the companion has registered as many units as the program allows
 };
 

@@ -16,7 +16,7 @@
 #include "mensor/ValueWithUnit.h"
 #include "support/ClientUnit.h"
 #include "support/Matchers.h"
-#include "support/Outcome.h"
+#include "support/outcome.h"
 
 namespace mensor {
 namespace {

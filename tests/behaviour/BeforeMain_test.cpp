@@ -12,8 +12,8 @@
 #include "mensor/SI.h"
 #include "mensor/Unit.h"
 #include "mensor/UnitFormat.h"
-#include "support/Invariants.h"
-#include "support/Threads.h"
+#include "support/invariants.h"
+#include "support/threads.h"
 
 namespace mensor {
 namespace {

@@ -24,9 +24,9 @@
 #include "mensor/ValueWithUnit.h"
 #include "support/ClientUnit.h"
 #include "support/Fork.h"
-#include "support/ManyTexts.h"
 #include "support/Matchers.h"
-#include "support/Threads.h"
+#include "support/many_texts.h"
+#include "support/threads.h"
 
 namespace mensor {
 namespace {

@@ -16,7 +16,7 @@
 #include "support/CommaLocale.h"
 #include "support/Inside.h"
 #include "support/Matchers.h"
-#include "support/Outcome.h"
+#include "support/outcome.h"
 
 namespace mensor {
 namespace {

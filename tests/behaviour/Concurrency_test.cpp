@@ -20,10 +20,10 @@
 #include "mensor/Unit.h"
 #include "mensor/UnitFormat.h"
 #include "support/ClientUnit.h"
-#include "support/Invariants.h"
-#include "support/ManyTexts.h"
 #include "support/Matchers.h"
-#include "support/Threads.h"
+#include "support/invariants.h"
+#include "support/many_texts.h"
+#include "support/threads.h"
 
 namespace mensor {
 namespace {

@@ -23,12 +23,12 @@
 #include "mensor/ValueWithUnit.h"
 #include "mensor_checked/Audit.h"
 #include "mensor_checked/Differences.h"
-#include "mensor_checked/Making.h"
 #include "mensor_checked/Meaning.h"
 #include "mensor_checked/OwnUnits.h"
 #include "mensor_checked/Reading.h"
 #include "mensor_checked/Values.h"
 #include "mensor_checked/Verify.h"
+#include "mensor_checked/making.h"
 #include "support/ClientUnit.h"
 #include "support/Matchers.h"
 

@@ -22,8 +22,8 @@
 #include "support/Fork.h"
 #include "support/Inside.h"
 #include "support/Matchers.h"
-#include "support/OperatorNew.h"
 #include "support/Random.h"
+#include "support/operator_new.h"
 
 namespace mensor {
 namespace {

@@ -13,10 +13,10 @@
 #include "mensor/ValueWithUnit.h"
 #include "support/ClientUnit.h"
 #include "support/Matchers.h"
-#include "support/OperatorNew.h"
-#include "support/Outcome.h"
-#include "support/Threads.h"
-#include "support/utf8_texts.h"
+#include "support/Utf8Texts.h"
+#include "support/operator_new.h"
+#include "support/outcome.h"
+#include "support/threads.h"
 
 namespace mensor {
 namespace {

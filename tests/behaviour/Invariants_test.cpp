@@ -1,5 +1,5 @@
-// Invariants_test.cpp: the invariants of the tables hold, and the check finds each violation.
-#include "support/Invariants.h"
+// invariants_test.cpp: the invariants of the tables hold, and the check finds each violation.
+#include "support/invariants.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -22,7 +22,7 @@
 #include "mensor/mensor_global.h"
 #include "support/Catalogue.h"
 #include "support/Matchers.h"
-#include "support/Thorough.h"
+#include "support/thorough.h"
 
 namespace mensor {
 namespace {

@@ -30,10 +30,10 @@
 #include "support/ClientUnit.h"
 #include "support/Fork.h"
 #include "support/Inside.h"
-#include "support/Invariants.h"
 #include "support/Matchers.h"
-#include "support/Outcome.h"
-#include "support/Threads.h"
+#include "support/invariants.h"
+#include "support/outcome.h"
+#include "support/threads.h"
 
 namespace mensor {
 namespace {

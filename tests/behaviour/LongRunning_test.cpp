@@ -16,11 +16,11 @@
 #include "mensor/Unit.h"
 #include "mensor/UnitFormat.h"
 #include "support/Inside.h"
-#include "support/Invariants.h"
 #include "support/Matchers.h"
-#include "support/OperatorNew.h"
 #include "support/Session.h"
-#include "support/Thorough.h"
+#include "support/invariants.h"
+#include "support/operator_new.h"
+#include "support/thorough.h"
 
 namespace mensor {
 namespace {

@@ -14,7 +14,7 @@
 #include "mensor/mensor_global.h"
 #include "mensor/utf8.h"
 #include "support/Matchers.h"
-#include "support/utf8_texts.h"
+#include "support/Utf8Texts.h"
 
 namespace mensor {
 namespace {

@@ -22,15 +22,15 @@
 #include "mensor/SI.h"
 #include "mensor/Unit.h"
 #include "mensor/UnitFormat.h"
-#include "mensor_checked/WarmUp.h"
+#include "mensor_checked/warm_up.h"
 #include "support/ClientUnit.h"
 #include "support/Fork.h"
-#include "support/Invariants.h"
 #include "support/Matchers.h"
-#include "support/OperatorNew.h"
 #include "support/Session.h"
-#include "support/Thorough.h"
-#include "support/Threads.h"
+#include "support/invariants.h"
+#include "support/operator_new.h"
+#include "support/thorough.h"
+#include "support/threads.h"
 
 namespace mensor {
 namespace {

@@ -11,11 +11,11 @@
 
 #include <valgrind/callgrind.h>
 
-#include "TypicalTexts.h"
 #include "mensor/NonSI.h"
 #include "mensor/SI.h"
 #include "mensor/UnitFormat.h"
 #include "mensor/ValueWithUnit.h"
+#include "typical_texts.h"
 
 using namespace mensor;
 

@@ -14,10 +14,10 @@
 #include "mensor/ProductUnit.h"
 #include "mensor/SI.h"
 #include "mensor/UnitFormat.h"
-#include "mensor_checked/Making.h"
 #include "mensor_checked/Packs.h"
 #include "mensor_checked/Reading.h"
 #include "mensor_checked/Values.h"
+#include "mensor_checked/making.h"
 #include "support/Matchers.h"
 
 namespace mensor {

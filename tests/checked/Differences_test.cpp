@@ -9,7 +9,7 @@
 
 #include "mensor/NonSI.h"
 #include "mensor/SI.h"
-#include "mensor_checked/Making.h"
+#include "mensor_checked/making.h"
 #include "support/ClientUnit.h"
 #include "support/Matchers.h"
 

@@ -17,9 +17,9 @@
 #include "mensor/UnitFormat.h"
 #include "mensor_checked/Audit.h"
 #include "mensor_checked/Differences.h"
-#include "mensor_checked/Making.h"
 #include "mensor_checked/OwnUnits.h"
 #include "mensor_checked/Values.h"
+#include "mensor_checked/making.h"
 #include "support/Matchers.h"
 
 namespace mensor::checked {

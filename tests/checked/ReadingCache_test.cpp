@@ -14,9 +14,9 @@
 
 #include "mensor/SI.h"
 #include "mensor_checked/Reading.h"
-#include "mensor_checked/WarmUp.h"
+#include "mensor_checked/warm_up.h"
 #include "support/Matchers.h"
-#include "support/OperatorNew.h"
+#include "support/operator_new.h"
 
 namespace mensor {
 namespace {

@@ -20,10 +20,10 @@
 #include "mensor_checked/Meaning.h"
 #include "mensor_checked/Reading.h"
 #include "mensor_checked/Values.h"
-#include "support/Documents.h"
 #include "support/Everyday.h"
 #include "support/Fork.h"
 #include "support/Mathematics.h"
+#include "support/documents.h"
 
 namespace mensor {
 namespace {

@@ -19,14 +19,14 @@
 #include "mensor/TransformedUnit.h"
 #include "mensor/UnitFormat.h"
 #include "mensor_checked/Choosing.h"
-#include "mensor_checked/Making.h"
 #include "mensor_checked/Meaning.h"
 #include "mensor_checked/OwnUnits.h"
 #include "mensor_checked/Values.h"
+#include "mensor_checked/making.h"
 #include "support/ClientUnit.h"
-#include "support/Documents.h"
 #include "support/Matchers.h"
 #include "support/Mathematics.h"
+#include "support/documents.h"
 
 namespace mensor {
 namespace {

@@ -20,8 +20,8 @@
 #include "mensor_checked/Meaning.h"
 #include "mensor_checked/Packs.h"
 #include "support/CommaLocale.h"
-#include "support/Documents.h"
 #include "support/Matchers.h"
+#include "support/documents.h"
 
 namespace mensor {
 namespace {

@@ -11,8 +11,8 @@
 #include "mensor/NonSI.h"
 #include "mensor/SI.h"
 #include "mensor/UnitFormat.h"
-#include "mensor_checked/Making.h"
 #include "mensor_checked/Packs.h"
+#include "mensor_checked/making.h"
 #include "mensor_exact/Definitions.h"
 #include "support/Matchers.h"
 

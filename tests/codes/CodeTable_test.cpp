@@ -3,7 +3,7 @@
 #include <map>
 #include <set>
 
-#include "ExpectedMeaning.h"
+#include "expected_meaning.h"
 #include "gmock/gmock.h"
 #include "gtest/gtest.h"
 #include "mensor_codes/Codes.h"

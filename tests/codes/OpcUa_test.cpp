@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "ExpectedMeaning.h"
+#include "expected_meaning.h"
 #include "mensor_codes/Codes.h"
 
 using namespace mensor;

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "ExpectedMeaning.h"
+#include "expected_meaning.h"
 #include "mensor_exact/Meaning.h"
 
 namespace mensor {

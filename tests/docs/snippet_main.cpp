@@ -1,7 +1,7 @@
 // snippet_main.cpp: runs one snippet of a page. The argument is its line.
 #include <cstdlib>
 
-#include "snippet.h"
+#include "Snippet.h"
 
 int main(int argc, char** argv) {
     const int line = argc == 2 ? std::atoi(argv[1]) : -1;

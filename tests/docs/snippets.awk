@@ -4,7 +4,7 @@
 #
 # A ```cpp block with a main() becomes a program of its own, FOLDER/tutorial-LINE.cpp, without changes. Each
 # other block becomes a function in a source of its own, FOLDER/tutorial_LINE.cpp, which first includes what the
-# block includes (see snippet.h); FOLDER/tutorial.cpp lists the functions. FOLDER/tutorial.list names the blocks
+# block includes (see Snippet.h); FOLDER/tutorial.cpp lists the functions. FOLDER/tutorial.list names the blocks
 # in order. A ```text block shows the output of the C++ block before it; FOLDER/tutorial.expected contains the
 # output of all blocks.
 #
@@ -63,7 +63,7 @@ function write_function(   i, file, includes, body) {
     print "}\n" > file
     print "void line" start "();" > file
     print "void line" start "() {\n" body "}\n" > file
-    print "#include \"snippet.h\"" > file
+    print "#include \"Snippet.h\"" > file
     close(file)
     functions = functions "void line" start "();\n"
     calls = calls "    {" start ", line" start "},\n"
@@ -114,7 +114,7 @@ END {
     require_provoked()
     file = out ".cpp"
     print "// Made of " page "." > file
-    print "#include \"snippet.h\"\n" > file
+    print "#include \"Snippet.h\"\n" > file
     print functions > file
     print "const mensor_docs::Snippet mensor_docs::SNIPPETS[] = {\n" calls "    {0, nullptr}};" > file
 }

@@ -2,7 +2,7 @@
 // the slow way only if they must. GMP computes the expected results.
 //
 // The environment variable MENSOR_EXACT_CASES sets the approximate number of values. Without it, the
-// test tries a sample, or very many values if it is to be thorough (support/Thorough.h).
+// test tries a sample, or very many values if it is to be thorough (support/thorough.h).
 #include "mensor_exact/FastForm.h"
 
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@
 
 #include "exact/WholeLine.h"
 #include "mensor_exact/TwoWords.h"
-#include "support/Thorough.h"
+#include "support/thorough.h"
 
 namespace mensor::exact {
 namespace {

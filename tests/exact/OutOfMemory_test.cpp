@@ -11,7 +11,7 @@
 #include "mensor_exact/Certificate.h"
 #include "mensor_exact/Conversion.h"
 #include "mensor_exact/DefinitionFile.h"
-#include "support/OperatorNew.h"
+#include "support/operator_new.h"
 
 namespace mensor::exact {
 namespace {

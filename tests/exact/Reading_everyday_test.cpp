@@ -23,7 +23,7 @@
 #include "mensor_exact/kinds.h"
 #include "mensor_exact/sentences.h"
 #include "support/Everyday.h"
-#include "support/OperatorNew.h"
+#include "support/operator_new.h"
 
 namespace mensor::exact {
 namespace {

@@ -16,11 +16,11 @@
 #include "mensor_checked/Reading.h"
 #include "mensor_exact/Conversion.h"
 #include "mensor_exact/Spelling.h"
-#include "support/Documents.h"
 #include "support/Everyday.h"
 #include "support/Mathematics.h"
-#include "support/OperatorNew.h"
-#include "support/Threads.h"
+#include "support/documents.h"
+#include "support/operator_new.h"
+#include "support/threads.h"
 
 namespace mensor::exact {
 namespace {

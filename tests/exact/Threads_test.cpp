@@ -9,7 +9,7 @@
 #include "mensor_exact/Certificate.h"
 #include "mensor_exact/Conversion.h"
 #include "mensor_exact/Error.h"
-#include "support/Threads.h"
+#include "support/threads.h"
 
 namespace mensor::exact {
 namespace {

@@ -1,5 +1,5 @@
 // Whole_test.cpp: whole numbers of any size give the results of GMP. If the test is to be thorough, it
-// tries many more numbers (support/Thorough.h).
+// tries many more numbers (support/thorough.h).
 #include <cstdint>
 #include <random>
 #include <string>
@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "mensor_exact/Whole.h"
-#include "support/Thorough.h"
+#include "support/thorough.h"
 
 namespace {
 

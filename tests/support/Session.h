@@ -30,14 +30,14 @@
 #include "mensor_checked/Audit.h"
 #include "mensor_checked/Choosing.h"
 #include "mensor_checked/Differences.h"
-#include "mensor_checked/Making.h"
 #include "mensor_checked/OwnUnits.h"
 #include "mensor_checked/Packs.h"
 #include "mensor_checked/Reading.h"
 #include "mensor_checked/Values.h"
+#include "mensor_checked/making.h"
 #include "support/ClientUnit.h"
 #include "support/Matchers.h"
-#include "support/Outcome.h"
+#include "support/outcome.h"
 
 namespace mensor::test {
 

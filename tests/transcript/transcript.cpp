@@ -39,8 +39,8 @@
 #include "mensor_checked/Values.h"
 #include "support/Fork.h"
 #include "support/Inside.h"
-#include "support/Outcome.h"
-#include "support/utf8_texts.h"
+#include "support/Utf8Texts.h"
+#include "support/outcome.h"
 
 namespace mensor {
 namespace {

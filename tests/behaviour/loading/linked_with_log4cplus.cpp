@@ -12,7 +12,7 @@
 #include <log4cplus/logger.h>
 
 #include "mensor/SI.h"
-#include "support/OperatorNew.h"
+#include "support/operator_new.h"
 
 namespace {
 

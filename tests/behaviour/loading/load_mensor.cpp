@@ -27,7 +27,7 @@
 
 #include "logging.h"
 #include "support/Fork.h"
-#include "support/OperatorNew.h"
+#include "support/operator_new.h"
 
 namespace {
 

@@ -12,7 +12,7 @@
 #include "mensor/SI.h"
 #include "mensor/UnitFormat.h"
 #include "mensor/io.h"
-#include "support/Invariants.h"
+#include "support/invariants.h"
 
 using namespace mensor;
 

@@ -5,10 +5,10 @@
 #include "mensor/BaseUnit.h"
 #include "mensor/UnitFormat.h"
 #include "mensor/io.h"
-#include "mensor_checked/Making.h"
 #include "mensor_checked/Reading.h"
+#include "mensor_checked/making.h"
 #include "support/Inside.h"
-#include "support/Invariants.h"
+#include "support/invariants.h"
 
 using namespace mensor;
 

@@ -1,0 +1,25 @@
+// thorough.h: whether the tests that try very many cases try all of them. With
+// MENSOR_TESTS_THOROUGH in the environment, as "scripts/test --all" sets it, they do. Otherwise
+// they try a sample.
+#ifndef MENSOR_TESTS_THOROUGH_H
+#define MENSOR_TESTS_THOROUGH_H
+
+#include <cstdlib>
+
+namespace mensor::test {
+
+inline bool isThorough() {
+    static const bool is = std::getenv("MENSOR_TESTS_THOROUGH") != nullptr;
+    return is;
+}
+
+/// Whether a case takes many times as long as natively: under an emulator or a sanitizer.
+#if defined(__arm__) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool IsSlow = true;
+#else
+constexpr bool IsSlow = false;
+#endif
+
+}  // namespace mensor::test
+
+#endif  // MENSOR_TESTS_THOROUGH_H
