@@ -16,17 +16,13 @@
 #include "support/Utf8Texts.h"
 #include "support/operator_new.h"
 #include "support/outcome.h"
+#include "support/thorough.h"
 #include "support/threads.h"
 
 namespace mensor {
 namespace {
 
-// Fewer cases under an emulator and the sanitizers, which are slow.
-#if defined(__arm__) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr int Many = 100000;
-#else
-constexpr int Many = 1000000;
-#endif
+constexpr int Many = test::IsSlow ? 100000 : 1000000;
 
 std::string repeated(const std::string& piece, int times) {
     std::string text;

@@ -35,10 +35,8 @@ long requestedRequests() {
     }
 #if defined(__arm__)
     constexpr long Most = 20'000;  // under an emulator
-#elif defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    constexpr long Most = 50'000;
 #else
-    constexpr long Most = 1'000'000;
+    constexpr long Most = test::IsSlow ? 50'000 : 1'000'000;
 #endif
     return test::isThorough() ? Most : 10'000;
 }

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <map>
 #include <memory>
 #include <random>
@@ -16,19 +15,15 @@
 #include "exact/DefinitionTable.h"
 #include "exact/Judge.h"
 #include "mensor_exact/Conversion.h"
+#include "support/thorough.h"
 
 namespace mensor::exact {
 namespace {
 
-constexpr long Thorough =
-#if defined(__arm__) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    100000;
-#else
-    10000000;
-#endif
+constexpr long Thorough = test::IsSlow ? 100000 : 10000000;
 
 // The approximate number of values. Half of them are random, and half of them are hard cases.
-long cases() { return std::getenv("MENSOR_TESTS_THOROUGH") != nullptr ? Thorough : 20000; }
+long cases() { return test::isThorough() ? Thorough : 20000; }
 
 struct Unit {
     std::string Name;

@@ -13,8 +13,8 @@ inline bool isThorough() {
     return is;
 }
 
-/// Whether a case takes many times as long as natively: under an emulator or a sanitizer.
-#if defined(__arm__) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+/// True if a case takes many times as long as natively: under an emulator or a sanitizer.
+#if defined(__arm__) || defined(MENSOR_TESTS_SANITIZED)
 constexpr bool IsSlow = true;
 #else
 constexpr bool IsSlow = false;
