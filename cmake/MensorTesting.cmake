@@ -2,8 +2,10 @@
 #
 # The label of a test says what kind it is. scripts/test chooses the tests of a preset by label, and the
 # target mensor_tests_<label> builds what they need.
-#   unit         the test programs below
-#   sweep        test programs that take long, because they try very many cases
+#   unit         the test programs of the sources
+#   behaviour    the test programs of tests/behaviour: threads, loading, exit, odd text
+#   memory       test programs that let each allocation fail, or count the heap over very many requests
+#   sweep        test programs that take long, because they try very many numbers
 #   starts       programs that are started very often
 #   vectors      loops with narrower vectors than the processor has
 #   abi, budget, certificates, docs, examples, fuzz, gdb, package, statics, tool, transcript
@@ -45,6 +47,9 @@ function(mensor_test file)
   mensor_quickly_built(${name})
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES LABELS ${test_LABEL} TIMEOUT 3600)
+  if(test_LABEL MATCHES "memory|sweep")
+    set_tests_properties(${name} PROPERTIES COST 100)  # ctest starts the longest first
+  endif()
   mensor_built_for_tests(${test_LABEL} ${name})
 endfunction()
 

@@ -279,7 +279,7 @@ class Tests:
         self.programs, self.rest = {}, []
         for number, test in enumerate(json.loads(described)["tests"], 1):
             properties = {p["name"]: p["value"] for p in test["properties"]}
-            if set(properties.get("LABELS", [])) & {"unit", "sweep"}:
+            if set(properties.get("LABELS", [])) & {"unit", "behaviour", "memory", "sweep"}:
                 self.programs[test["name"]] = (test["command"], properties["WORKING_DIRECTORY"])
             else:
                 self.rest.append(number)
