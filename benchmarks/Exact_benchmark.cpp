@@ -43,8 +43,9 @@ struct Pair {
 const Pair Pairs[] = {
     {"ft to m", "ft", "m", "ft", "m", {3048, 0, 10000, 0, false}},
     {"m/s to km/h", "m/s", "km/h", "m/s", "km/h", {18, 0, 5, 0, false}},
+    {"m to in", "m", "in", "m", "in", {5000, 0, 127, 0, false}},  // needs two sums for ties
     {"° to rad", "°", "rad", "degree", "radian", {1, 0, 1, 0, false}},
-    {"m to pc", "m", "pc", "m", "parsec", {1, 0, 1, 0, false}},  // the factor that needs the test
+    {"rad to °", "rad", "°", "radian", "degree", {1, 0, 1, 0, false}},  // needs the test
     {"°F to °C", "°F", "°C", "°F", "°C", {5, 160, 9, 0, true}},
     {"°C to °F", "°C", "°F", "°C", "°F", {9, 160, 5, 0, false}},
 };

@@ -64,7 +64,23 @@ struct CRemainder {
     }
 
     // The highest 53 bits of the remainder, rounded down or up.
-    double rounded(bool isUp) const {
+    double roundedDown() const {
+        return rounded([](std::uint64_t, bool) { return false; });
+    }
+    double roundedUp() const {
+        return rounded([](std::uint64_t rest, bool isExact) { return rest != 0 || !isExact; });
+    }
+
+    // The highest 53 bits, rounded to the nearest double. A middle is rounded up.
+    double nearest() const {
+        return rounded([](std::uint64_t rest, bool) { return rest >> 10 != 0; });
+    }
+
+private:
+    // `isUp(rest, isExact)` tells whether to round up. `rest` are the next 11 bits. `isExact` is false if
+    // anything follows them.
+    template <class Up>
+    double rounded(const Up& isUp) const {
         std::uint64_t word[3] = {Word[0], Word[1], Word[2]};
         std::int64_t twos = Twos + 128;
         for (int i = 0; i < 2 && word[0] == 0; ++i) {
@@ -78,8 +94,9 @@ struct CRemainder {
         }
         const int up = __builtin_clzll(word[0]);
         const CTwoWords high = shiftedLeft({word[0], word[1]}, up);
-        const bool isExact = (high.High & 0x7FF) == 0 && high.Low == 0 && word[2] == 0 && IsWhole;
-        const std::uint64_t mantissa = (high.High >> 11) + (isUp && !isExact ? 1 : 0);
+        const bool isExact = high.Low == 0 && word[2] == 0 && IsWhole;
+        const std::uint64_t mantissa =
+            (high.High >> 11) + (isUp(high.High & 0x7FF, isExact) ? 1 : 0);
         return static_cast<double>(mantissa) * power(twos - up + 11);
     }
 };
@@ -91,13 +108,25 @@ double headOf(const CLeading& number) {
 
 std::uint64_t oddPartOf(std::uint64_t number) { return number >> __builtin_ctzll(number); }
 
-// Whether one sum is correct for every number. It is if it is correct for the numbers nearest to ties.
-bool isProved(const CLeading& factor, const CFastForm& form) {
+// Looks for a tail with which one sum is correct for every number: the tail rounded down or up. A sum is
+// correct for every number if it is so for the numbers whose products are nearest to ties. Leaves the
+// tail in the form.
+bool findProvedTail(const CLeading& factor, const CRemainder& remainder, CFastForm& form) {
     const double scale = power(exponentOf(factor));
-    return form.Tail > 0 && isNeverNearMiddle(53, factor.Word, [&](std::uint64_t n) {
-               const double y = form.Loops->One[PROVED](form, static_cast<double>(n)) / scale;
-               return static_cast<std::uint64_t>(y);
-           });
+    const double tails[] = {remainder.roundedDown(), remainder.roundedUp()};
+    bool isProved[] = {tails[0] > 0, tails[1] > 0};
+    const bool isDone =
+        isNeverNearMiddle(53, factor.Word, [&](std::uint64_t n, std::uint64_t product) {
+            const auto x = static_cast<double>(n);
+            const double y = static_cast<double>(product) * scale;
+            for (int i = 0; i < 2; ++i) {
+                form.Tail = tails[i];
+                isProved[i] = isProved[i] && form.Loops->One[PROVED](form, x) == y;
+            }
+            return isProved[0] || isProved[1];
+        });
+    form.Tail = tails[isProved[0] ? 0 : 1];
+    return isDone && (isProved[0] || isProved[1]);
 }
 
 }  // namespace
@@ -142,9 +171,9 @@ CFastForm::CFastForm(const CLeading& factor, const CShortLine* line, const CSlow
     } else if (exponent >= -900 && exponent <= 900) {
         Way = TESTED;
         Head = headOf(factor);
-        Tail = remainder.rounded(false);
-        TailLow = remainder.less().rounded(false);
-        TailHigh = remainder.more().rounded(true);
+        Tail = remainder.nearest();
+        TailLow = remainder.less().roundedDown();
+        TailHigh = remainder.more().roundedUp();
         // From here on the result is at least 2^-960, and x can be split.
         Least = orderedBits(power(std::max<std::int64_t>(-960 - exponent, -1000))) - 1;
         // Up to here neither splitting x nor the product overflows.
@@ -152,13 +181,13 @@ CFastForm::CFastForm(const CLeading& factor, const CShortLine* line, const CSlow
         const std::uint64_t a = HasLine ? oddPartOf(Line.A) : 0;
         const std::uint64_t d = HasLine ? oddPartOf(Line.D) : 0;
         if (HasLine && a <= mostOddPart(53) && d <= mostOddPart(53)) {
-            Way = hasTies(53, a, d) ? TIES : PROVED;
+            Way = hasTies(53, a, d) && !isRightForTies(53, a, d) ? TIES : PROVED;
         }
     }
     const double c = Head * 134217729.0;
     HeadHigh = std::fabs(Head) < 0x1p990 ? c - (c - Head) : 0;
     HeadLow = Head - HeadHigh;
-    if (Way == TESTED && isProved(factor, *this)) {
+    if (Way == TESTED && findProvedTail(factor, remainder, *this)) {
         Way = PROVED;
     }
     One = loops.One[Way];
@@ -175,9 +204,9 @@ CFastForm::CFastForm(const CLeading& factor, const CLeading& center, bool isNega
         Way = OFFSET;
         const double sign = isNegative ? -1 : 1;
         Head = headOf(factor);
-        Tail = CRemainder(factor).rounded(false);
+        Tail = CRemainder(factor).roundedDown();
         Center = sign * headOf(center);
-        CenterTail = sign * CRemainder(center).rounded(false);
+        CenterTail = sign * CRemainder(center).roundedDown();
         Slack = Head * 0x1p-99;
         SlackCenter = Slack * std::fabs(Center);
         const double c = Head * 134217729.0;
@@ -200,7 +229,7 @@ CFastForm::CFastForm(const CLeading& factor, const CLeading& center, bool isNega
                 Divisor = d;
                 const CLeading inverse = CLeading::ofQuotient(1, Line.D, 0);
                 Inverse = headOf(inverse);
-                InverseTail = CRemainder(inverse).rounded(false);
+                InverseTail = CRemainder(inverse).roundedDown();
                 MostWhole = (0x1p53 - 1 - b) / a;
             }
         }

@@ -6,6 +6,7 @@
 #ifndef MENSOR_EXACT_NEAR_MIDDLE_H
 #define MENSOR_EXACT_NEAR_MIDDLE_H
 
+#include <algorithm>
 #include <cstdint>
 
 #include "mensor_exact/TwoWords.h"
@@ -27,6 +28,35 @@ constexpr bool hasTies(int bits, std::uint64_t numerator, std::uint64_t denomina
     return multiple * denominator < end;
 }
 
+/// Whether one sum of products, Head·x + Tail·x, is right for every x whose product with numerator/denominator
+/// is a tie. Head is the highest `bits` bits of the factor, and Tail the number of `bits` bits nearest to the
+/// rest of it. Arguments as for `hasTies`. The factor has more than `bits` bits.
+inline bool isRightForTies(int bits, std::uint64_t numerator, std::uint64_t denominator) {
+    // What is left of n/d, from 1 to 2, below its highest `bits` bits, times 2^(bits - 1)·d.
+    const auto restOf = [bits](std::uint64_t n, std::uint64_t d) {
+        std::uint64_t rest = 0;
+        quotient(shiftedLeft({0, n - d}, bits - 1), d, rest);
+        return rest;
+    };
+    // Scales n/d to a number from 1 to 2.
+    const auto scale = [](std::uint64_t& n, std::uint64_t& d) {
+        const int up = bitsOf(n) - bitsOf(d);
+        (up < 0 ? n : d) <<= up < 0 ? -up : up;
+        n <<= n < d ? 1 : 0;
+    };
+    std::uint64_t n = numerator;
+    std::uint64_t d = denominator;
+    scale(n, d);
+    std::uint64_t tail = restOf(n, d);
+    scale(tail, d);
+    // The error of rounding the tail, in units of its last place, is `error`/d.
+    const std::uint64_t rest = restOf(tail, d);
+    const std::uint64_t error = rest < d - rest ? rest : d - rest;
+    // For a tie the exact product of x and the tail is a number of `bits` bits. Tail·x is rounded to it if
+    // this holds.
+    return 4 * error <= tail;
+}
+
 /// Calls `visit(n)` for each n from 1 to `end` − 1, in ascending order, for which the distance of
 /// n·alpha from a whole number is less than `reach`. `alpha` and `reach` are in units of 2^-128.
 /// Returns false if `visit` returns false or this would take too long.
@@ -37,23 +67,35 @@ bool visitNearWholes(const CTwoWords& alpha, const CTwoWords& reach, std::uint64
     // Finds the smallest numbers whose multiples of alpha are above and below a whole number by less
     // than the width. In each step, the sum of both numbers is the next one whose multiple is closer
     // than all before.
-    CTwoWords above = alpha;
-    CTwoWords below = CTwoWords() - alpha;
-    std::uint64_t stepAbove = 1;
-    std::uint64_t stepBelow = 1;
-    for (int left = 500; !(above < width) || !(below < width); --left) {
+    struct CStep {
+        CTwoWords Distance;
+        std::uint64_t Number;
+    };
+    CStep above = {alpha, 1};
+    CStep below = {CTwoWords() - alpha, 1};
+    const auto add = [&](CStep& far, const CStep& close) {
+        // Does many equal steps at once, unless the search may end among them.
+        std::uint64_t times =
+            std::min<std::uint64_t>(far.Distance.High / (close.Distance.High + 1), 1000);
+        if (times == 0 || close.Distance < width ||
+            far.Number + (times + 1) * close.Number >= end) {
+            times = 1;
+        }
+        far.Distance = far.Distance - CTwoWords{close.Distance.High * times, 0} -
+                       product(close.Distance.Low, times);
+        far.Number += times * close.Number;
+    };
+    for (int left = 500; !(above.Distance < width) || !(below.Distance < width); --left) {
         if (left == 0) {
             return false;
         }
-        if (stepAbove + stepBelow >= end) {
+        if (above.Number + below.Number >= end) {
             break;
         }
-        if (below < above) {
-            above = above - below;
-            stepAbove += stepBelow;
+        if (below.Distance < above.Distance) {
+            add(above, below);
         } else {
-            below = below - above;
-            stepBelow += stepAbove;
+            add(below, above);
         }
     }
     // Zero is in the middle of the interval. The next number whose multiple is in the interval is one
@@ -61,16 +103,16 @@ bool visitNearWholes(const CTwoWords& alpha, const CTwoWords& reach, std::uint64
     CTwoWords place = reach;
     std::uint64_t n = 0;
     for (int left = 300; left > 0; --left) {
-        const CTwoWords up = place + above;
-        if (above < width && up < width) {
+        const CTwoWords up = place + above.Distance;
+        if (above.Distance < width && up < width) {
             place = up;
-            n += stepAbove;
-        } else if (below < width && !(place < below)) {
-            place = place - below;
-            n += stepBelow;
+            n += above.Number;
+        } else if (below.Distance < width && !(place < below.Distance)) {
+            place = place - below.Distance;
+            n += below.Number;
         } else {
-            place = up - below;
-            n += stepAbove + stepBelow;
+            place = up - below.Distance;
+            n += above.Number + below.Number;
         }
         if (n >= end) {
             return true;
@@ -82,22 +124,21 @@ bool visitNearWholes(const CTwoWords& alpha, const CTwoWords& reach, std::uint64
     return false;
 }
 
-/// Whether `compute` rounds every product correctly, if its error before rounding is at most 2^(3 −
-/// bits) of the last place.
+/// Whether a fast way rounds every product correctly, if its error before rounding is at most 2^(3 − bits).
 ///
-/// `compute(n)` returns the factor times n, rounded to `bits` bits, for any n of `bits` bits. The
-/// factor is from 1 to 2. `twice`, of three words, is twice the factor in units of 2^-190, rounded
-/// down.
+/// `isRight(n, product)` returns whether the fast way gives `product`, the correct one, for n. The numbers
+/// n have `bits` bits. The factor is from 1 to 2. `twice`, of three words, is twice the factor in units of
+/// 2^-190, rounded down.
 ///
 /// Returns false also if a product may be a tie, or finding out would take too long.
-template <class Compute>
-bool isNeverNearMiddle(int bits, const std::uint64_t (&twice)[3], Compute compute) {
+template <class IsRight>
+bool isNeverNearMiddle(int bits, const std::uint64_t (&twice)[3], IsRight isRight) {
     const std::uint64_t whole = twice[0] >> 62;
     const CTwoWords fraction = {twice[0] << 2 | twice[1] >> 62, twice[1] << 2 | twice[2] >> 62};
     const std::uint64_t first = std::uint64_t{1} << (bits - 1);
-    // Twice two places of the larger products, and a little more for the bits that `fraction` lacks.
+    // Twice the error, and a little more for the bits that `fraction` lacks.
     const CTwoWords reach =
-        shiftedLeft({0, 1}, 128 - (bits - 5)) + CTwoWords{std::uint64_t{1} << 4, 0};
+        shiftedLeft({0, 1}, 128 - (bits - 4)) + CTwoWords{std::uint64_t{1} << 4, 0};
     return visitNearWholes(fraction, reach, 2 * first, [&](std::uint64_t n) {
         if (n < first) {
             return true;
@@ -119,7 +160,7 @@ bool isNeverNearMiddle(int bits, const std::uint64_t (&twice)[3], Compute comput
         if (distance <= std::uint64_t{1} << 4) {
             return false;
         }
-        return compute(n) == (isBelow ? middle - half : middle + half) / 2;
+        return isRight(n, (isBelow ? middle - half : middle + half) / 2);
     });
 }
 
