@@ -203,26 +203,29 @@ CFastForm::CFastForm(const CLeading& factor, const CLeading& center, bool isNega
     if (std::abs(exponentOf(factor)) <= 200 && std::abs(exponentOf(center)) <= 200) {
         Way = OFFSET;
         const double sign = isNegative ? -1 : 1;
+        const CRemainder remainder(center);
         Head = headOf(factor);
         Tail = CRemainder(factor).roundedDown();
         Center = sign * headOf(center);
-        CenterTail = sign * CRemainder(center).roundedDown();
-        Slack = Head * 0x1p-99;
-        SlackCenter = Slack * std::fabs(Center);
+        CenterTail = Head * (sign * remainder.roundedDown());
+        ExactCenter = remainder.isZero() ? 1 : 0;
         const double c = Head * 134217729.0;
         HeadHigh = c - (c - Head);
         HeadLow = Head - HeadHigh;
         // No number is between these limits.
         Least = std::numeric_limits<std::int64_t>::min();
         Most = -1;
+        // The distance of the two tails from the exact one, relative to the highest bit of the factor. If two
+        // different sums shall mean a tie, it must be small for large numbers in the line.
+        double slack = 0x1p-88;
         const std::uint64_t mostShort = std::uint64_t{1} << 40;
         if (HasLine && Line.A <= mostShort && Line.B <= mostShort && Line.D <= mostShort) {
             const auto a = static_cast<double>(Line.A);
             const auto b = static_cast<double>(Line.B);
             const auto d = static_cast<double>(Line.D);
-            Least = orderedBits(b * 0x1p-41);
-            Most = orderedBits(0x1p95 / a);
-            LeastDistance = orderedBits(b / a * d * 0x1p-41);
+            slack = std::max(power(-72 - bitsOf(std::max(Line.A, Line.D) - 1)), 0x1p-97);
+            Least = orderedBits(b * slack * 0x1p57);
+            Most = orderedBits(0x1p-4 / (a * slack));
             if (std::abs(Line.Twos) <= 900) {
                 Scale = a * power(Line.Twos);
                 Offset = (Line.IsMinusB ? -b : b) * power(Line.Twos);
@@ -233,6 +236,10 @@ CFastForm::CFastForm(const CLeading& factor, const CLeading& center, bool isNega
                 MostWhole = (0x1p53 - 1 - b) / a;
             }
         }
+        LeastDistance = orderedBits(std::fabs(Center) * (0x1p-100 / slack));
+        slack *= power(exponentOf(factor));
+        TailLow = Tail - slack;
+        TailHigh = Tail + slack;
     }
     One = loops.One[Way];
     Many = loops.Many[Way];
@@ -355,10 +362,22 @@ void divide(const CFastForm& form, const std::int32_t* values, double* results, 
     form.Loops->Divide32(form, values, results, count);
 }
 
+void oneByOne(const CFastForm& form, const double* values, double* results, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        results[i] = form.One(form, values[i]);
+    }
+}
+
+// If some results of a block may be wrong, looks for them in small pieces.
 void toDoubles(const CFastForm& form, const double* values, double* results, std::size_t count) {
-    if (!form.Many(form, values, results, count)) {
-        for (std::size_t i = 0; i < count; ++i) {
-            results[i] = form.One(form, values[i]);
+    if (form.Many(form, values, results, count)) {
+        return;
+    }
+    constexpr std::size_t Piece = 32;
+    for (std::size_t i = 0; i < count; i += Piece) {
+        const std::size_t n = std::min(Piece, count - i);
+        if (count <= Piece || !form.Many(form, values + i, results + i, n)) {
+            oneByOne(form, values + i, results + i, n);
         }
     }
 }
@@ -383,7 +402,7 @@ void convertBlocks(const CFastForm& form, const In* values, Out* results, std::s
     Out streamed[CanStream ? StreamedBlockSize : 1];
     std::size_t n = 0;
     for (std::size_t begin = 0; begin < count; begin += n) {
-        n = begin == 0 ? countToNextLine(results) : 0;
+        n = begin == 0 && form.Way != OFFSET ? countToNextLine(results) : 0;
         n = std::min(n != 0 ? n : size, count - begin);
         const In* const from = values + begin;
         Out* const to = isStreamed ? streamed : results + begin;

@@ -10,8 +10,8 @@
 // it is the double nearest to the exact result. If not, the exact result is very close to the middle
 // between two doubles, and whole numbers decide.
 //
-// With an offset the result is f·(x − c). The center c is stored as the sum of two doubles, and x − c is
-// computed as such a sum, too.
+// With an offset the result is f·(x − c). The center c is stored as two doubles, and x − c is computed as the
+// sum of two doubles. TailLow and TailHigh are further apart.
 //
 // docs/exact-fast.md has the proof, and tests/proofs has the bounds.
 #ifndef MENSOR_EXACT_FASTFORM_H
@@ -94,17 +94,15 @@ struct CFastForm {
     double HeadHigh = 0;  // Head = HeadHigh + HeadLow, each with 26 bits
     double HeadLow = 0;
     double Center = 0;
-    double CenterTail = 0;
+    double CenterTail = 0;  // (c − Center)·Head
 
-    // The error of a sum with an offset is at most Slack·|x − Center| + SlackCenter.
-    double Slack = 0;
-    double SlackCenter = 0;
-
-    // The fast calculation is correct, or finds the ties, for |x| from Least to Most and |x − Center| of
-    // LeastDistance or more. The three numbers are bits of doubles.
+    // The fast calculation is correct, or finds the ties, for |x| from Least to Most. With an offset,
+    // |x − Center| must also be LeastDistance or more, or zero if ExactCenter is 1. Least, Most and
+    // LeastDistance are bits of doubles.
     std::int64_t Least = 0;
     std::int64_t Most = 0;
     std::int64_t LeastDistance = 0;
+    std::int64_t ExactCenter = 0;
 
     // For arrays (CLoops).
     bool (*Many)(const CFastForm& form, const double* values, double* results,

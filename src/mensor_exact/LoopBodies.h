@@ -100,10 +100,10 @@ private:
 
 #endif
 
-// The limits of the exact result f·(x − c), both rounded to doubles.
+// Two limits of the exact result f·(x − c), rounded to doubles, if |Distance| is large enough.
 struct COffsetSum {
-    double Low;
-    double High;
+    double One;
+    double Other;
     double Distance;
 
     COffsetSum(const CFastForm& form, double x) {
@@ -111,20 +111,17 @@ struct COffsetSum {
         const double difference = x - form.Center;
         const double part = difference - x;
         const double error = (x - (difference - part)) + (-form.Center - part);
-        const double rest = error - form.CenterTail;
 #if MENSOR_FUSED
-        const double slack =
-            __builtin_fma(form.Slack, __builtin_fabs(difference), form.SlackCenter);
-        const double small = __builtin_fma(form.Head, rest, form.Tail * difference);
-        Low = __builtin_fma(form.Head, difference, small - slack);
-        High = __builtin_fma(form.Head, difference, small + slack);
+        const double rest = __builtin_fma(form.Head, error, -form.CenterTail);
+        One = __builtin_fma(form.Head, difference, __builtin_fma(form.TailLow, difference, rest));
+        Other =
+            __builtin_fma(form.Head, difference, __builtin_fma(form.TailHigh, difference, rest));
 #else
-        const double slack = form.Slack * __builtin_fabs(difference) + form.SlackCenter;
         const double product = form.Head * difference;
-        const double small =
-            (form.Head * rest + form.Tail * difference) - addedTo(product, form, difference);
-        Low = product + (small - slack);
-        High = product + (small + slack);
+        const double rest =
+            (form.Head * error - form.CenterTail) - addedTo(product, form, difference);
+        One = product + (form.TailLow * difference + rest);
+        Other = product + (form.TailHigh * difference + rest);
 #endif
         Distance = difference;
     }
@@ -139,17 +136,25 @@ inline std::uint64_t mostAboveLeast(const CFastForm& form) {
     return static_cast<std::uint64_t>(form.Most) - static_cast<std::uint64_t>(form.Least);
 }
 
-// The greater, the closer to zero the distance is.
-inline std::uint64_t nearness(double distance) {
-    return static_cast<std::uint64_t>(~bitsOfDouble(distance) & Magnitude);
+// The greater, the closer to zero the distance is. If the center is exact, a distance of zero counts as a
+// large one, since the result is exactly zero.
+inline std::uint64_t nearness(const CFastForm& form, double distance) {
+    const auto bits = static_cast<std::uint64_t>(bitsOfDouble(distance)) -
+                      static_cast<std::uint64_t>(form.ExactCenter);
+    return ~bits & static_cast<std::uint64_t>(Magnitude);
 }
 inline std::uint64_t mostNearness(const CFastForm& form) {
-    return static_cast<std::uint64_t>(Magnitude - form.LeastDistance);
+    return static_cast<std::uint64_t>(Magnitude - (form.LeastDistance - form.ExactCenter));
+}
+
+// Whether the limits enclose the exact result.
+inline bool encloses(const CFastForm& form, const COffsetSum& sum) {
+    return nearness(form, sum.Distance) <= mostNearness(form);
 }
 
 // Whether the exact result for x is a tie if its two limits differ.
-inline bool showTie(const CFastForm& form, double x, double distance) {
-    return aboveLeast(form, x) <= mostAboveLeast(form) && nearness(distance) <= mostNearness(form);
+inline bool showTie(const CFastForm& form, double x) {
+    return aboveLeast(form, x) <= mostAboveLeast(form);
 }
 
 // Whether many values all can be decided here: no value is too close to the center, and if the limits
@@ -157,10 +162,10 @@ inline bool showTie(const CFastForm& form, double x, double distance) {
 class CTies {
 public:
     void add(const CFastForm& form, double x, const COffsetSum& sum) {
-        const std::uint64_t unsure = sum.Low == sum.High ? 0 : ~std::uint64_t{0};
+        const std::uint64_t unsure = sum.One == sum.Other ? 0 : ~std::uint64_t{0};
         const std::uint64_t above = aboveLeast(form, x) & unsure;
         m_Above = above > m_Above ? above : m_Above;
-        const std::uint64_t near = nearness(sum.Distance);
+        const std::uint64_t near = nearness(form, sum.Distance);
         m_Nearness = near > m_Nearness ? near : m_Nearness;
     }
     bool areGood(const CFastForm& form) const {
@@ -173,15 +178,17 @@ private:
 };
 
 // Returns the one of two neighbours whose last bit is 0. They may also be equal.
-inline double evenOf(double low, double high) { return (bitsOfDouble(low) & 1) == 0 ? low : high; }
+inline double evenOf(double one, double other) {
+    return (bitsOfDouble(one) & 1) == 0 ? one : other;
+}
 
 // The same, faster, for results that are not nearly subnormal.
-inline double middleOf(double low, double high) {
+inline double middleOf(double one, double other) {
 #if MENSOR_FUSED
     // The middle is a tie, which the processor rounds to the even neighbour.
-    return __builtin_fma(0.5, low, 0.5 * high);
+    return __builtin_fma(0.5, one, 0.5 * other);
 #else
-    return evenOf(low, high);
+    return evenOf(one, other);
 #endif
 }
 
@@ -223,10 +230,15 @@ double tested(const CFastForm& form, double x) {
 
 double offset(const CFastForm& form, double x) {
     const COffsetSum sum(form, x);
-    if (sum.Low == sum.High) {
-        return sum.Low;
+    if (__builtin_expect(encloses(form, sum), 1)) {
+        if (sum.One == sum.Other) {
+            return sum.One;
+        }
+        if (showTie(form, x)) {
+            return evenOf(sum.One, sum.Other);
+        }
     }
-    return showTie(form, x, sum.Distance) ? evenOf(sum.Low, sum.High) : form.convertSlowly(x);
+    return form.convertSlowly(x);
 }
 
 bool slowlyAll(const CFastForm& form, const double* values, double* results, std::size_t count) {
@@ -297,7 +309,7 @@ bool offsetAll(const CFastForm& form, const double* __restrict values, double* _
     for (std::size_t i = 0; i < count; ++i) {
         const double x = values[i];
         const COffsetSum sum(local, x);
-        results[i] = middleOf(sum.Low, sum.High);
+        results[i] = middleOf(sum.One, sum.Other);
         ties.add(local, x, sum);
     }
     return ties.areGood(local);

@@ -13,7 +13,7 @@ struct CFastForm;
 enum eWay {
     SLOWLY,    ///< with whole numbers, always
     MULTIPLY,  ///< one multiplication, if the factor is a double
-    PROVED,    ///< one sum of products, if it always gives the nearest double
+    PROVED,    ///< one sum of products, if it always gives the nearest double, also for ties
     TIES,      ///< two sums; if they differ, the exact result is a tie, and the even one is taken
     TESTED,    ///< two sums; if they differ, whole numbers decide
     OFFSET     ///< two sums with an offset; if they differ, as TIES or as TESTED

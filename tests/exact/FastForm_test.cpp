@@ -546,17 +546,24 @@ TEST(FastForm, HasTheLimitsOfTheProof) {
     EXPECT_EQ(small.Most, orderedBits(0x1p990));
 
     const CFastForm line = limits({9, 160, 5, 0, false});
-    EXPECT_EQ(line.Least, orderedBits(160 * 0x1p-41));
-    EXPECT_EQ(line.Most, orderedBits(0x1p95 / 9));
-    EXPECT_EQ(line.LeastDistance, orderedBits(160.0 / 9 * 5 * 0x1p-41));
-    EXPECT_EQ(line.Slack, line.Head * 0x1p-99);
-    EXPECT_EQ(line.SlackCenter, line.Slack * -line.Center);
+    EXPECT_EQ(line.Least, orderedBits(160 * 0x1p-19));
+    EXPECT_EQ(line.Most, orderedBits(0x1p72 / 9));
+    EXPECT_EQ(line.LeastDistance, orderedBits(-line.Center * 0x1p-24));
+    EXPECT_EQ(line.TailLow, line.Tail - 0x1p-76);
+    EXPECT_EQ(line.TailHigh, line.Tail + 0x1p-76);
+    EXPECT_EQ(line.ExactCenter, 0);
+    const CFastForm inverse32 = limits({5, 160, 9, 0, true});
+    EXPECT_EQ(inverse32.Center, 32);
+    EXPECT_EQ(inverse32.CenterTail, 0);
+    EXPECT_EQ(inverse32.ExactCenter, 1);
+    EXPECT_EQ(inverse32.TailHigh, inverse32.Tail + 0x1p-77);  // the factor is from 1/2 to 1
     // Head and center are rounded towards zero. The nearest doubles would be larger.
     EXPECT_EQ(line.Head, std::nextafter(1.8, 0));
     EXPECT_EQ(line.Center, std::nextafter(-160.0 / 9, 0));
-    const mpq_class center = mpq_class(160, 9) + fractionOf(line.Center);
-    EXPECT_GE(center, -fractionOf(line.CenterTail));
-    EXPECT_LT(center, -fractionOf(std::nextafter(line.CenterTail, -1)));
+    // CenterTail is the rest of the center times the factor.
+    const mpq_class center = -mpq_class(160, 9) - fractionOf(line.Center);
+    EXPECT_DOUBLE_EQ(line.CenterTail, 1.8 * center.get_d());
+    EXPECT_LT(line.CenterTail, 0);
     EXPECT_EQ(limits({9, 160, 5, 0, true}).Center, -line.Center);
     EXPECT_EQ(limits({9, 160, 5, 0, true}).CenterTail, -line.CenterTail);
     EXPECT_EQ(line.MostWhole, (0x1p53 - 1 - 160) / 9);
@@ -572,10 +579,19 @@ TEST(FastForm, HasTheLimitsOfTheProof) {
           CShortLine{1, 1, most, 0, false}}) {
         EXPECT_GT(limits(known).Most, 0);
     }
+    // The tails are never closer to each other than the proof needs.
+    const CFastForm longest = limits({most, 1, 1, 0, false});
+    EXPECT_EQ(longest.TailHigh, 0x1p-97 * 0x1p40);
+    EXPECT_EQ(longest.LeastDistance, orderedBits(0x1p-43));
+    const CFastForm oneLonger = limits({1, 1, std::uint64_t{1} << 25, 0, false});
+    EXPECT_EQ(oneLonger.TailHigh, 0x1p-97 * 0x1p-25);
+    EXPECT_EQ(limits({1, 1, (std::uint64_t{1} << 24) - 1, 0, false}).LeastDistance,
+              orderedBits(0x1p-4));
     for (const CShortLine& longer :
          {CShortLine{most + 1, 1, 1, 0, false}, CShortLine{1, most + 1, 1, 0, false},
           CShortLine{1, 1, most + 1, 0, false}}) {
         EXPECT_EQ(limits(longer).Most, -1);
+        EXPECT_EQ(limits(longer).LeastDistance, orderedBits(-limits(longer).Center * 0x1p-12));
         EXPECT_EQ(limits(longer).Least, std::numeric_limits<std::int64_t>::min());
         EXPECT_EQ(limits(longer).MostWhole, 0);
     }
@@ -617,10 +633,6 @@ TEST(FastForm, DecidesUsualValuesZerosAndTiesWithoutTheSlowWay) {
                 values.push_back(std::ldexp(static_cast<double>((random() >> 14) * line.D), -44));
                 values.push_back(line.B == 0 ? 0.0 : 1.0);
             }
-            for (double& value : values) {
-                value =
-                    value == 32 ? 33 : value;  // 32 °F is exactly 0 °C, which needs the slow way
-            }
             std::vector<double> results(values.size());
             const long before = WholeLine::Calls;
             form.convertAll(values.data(), results.data(), values.size());
@@ -637,7 +649,7 @@ TEST(FastForm, DecidesUsualValuesZerosAndTiesWithoutTheSlowWay) {
 TEST(FastForm, DecidesAtItsLimitsWithoutTheSlowWay) {
     // The ways PROVED, TIES and TESTED.
     const std::pair<CShortLine, eLine> lines[] = {{{5, 0, 9, 0, false}, eLine::KNOWN},
-                                                  {{9, 0, 5, 0, false}, eLine::KNOWN},
+                                                  {{78125, 0, 10467, 0, false}, eLine::KNOWN},
                                                   {{9, 0, 5, 0, false}, eLine::UNKNOWN}};
     forAllLoops([&](const CLoops& loops) {
         for (const auto& [line, isKnown] : lines) {
@@ -673,8 +685,8 @@ TEST(FastForm, DecidesTiesOnlyBetweenItsLimits) {
     forAllLoops([&](const CLoops& loops) {
         CFastForm form = formOf(line, eLine::KNOWN, judge, loops);
         form.HasLine = false;
-        form.Slack *= 0x1p60;  // so that the two sums always differ
-        form.SlackCenter *= 0x1p60;
+        form.TailLow -= 0x1p-40;  // so that the two sums always differ
+        form.TailHigh += 0x1p-40;
         const auto isDecided = [&](double x) {
             double result = 0;
             const long before = WholeLine::Calls;
@@ -700,8 +712,8 @@ TEST(FastForm, DecidesTiesOnlyBetweenItsLimits) {
 
         // Without a CShortLine, no value is between the limits.
         CFastForm unknown = formOf(line, eLine::UNKNOWN, judge, loops);
-        unknown.Slack *= 0x1p60;
-        unknown.SlackCenter *= 0x1p60;
+        unknown.TailLow -= 0x1p-40;
+        unknown.TailHigh += 0x1p-40;
         const double noNumber = doubleOfBits(~std::uint64_t{0});
         for (const double x : {0.0, -0.0, 1.0, -1e300, noNumber, -noNumber}) {
             double result = 0;
@@ -710,21 +722,65 @@ TEST(FastForm, DecidesTiesOnlyBetweenItsLimits) {
     });
 }
 
-// A loop decides no value too close to the center, even if the two sums are equal.
-TEST(FastForm, LoopsLeaveValuesNextToTheCenterToSingleConversions) {
+// The two sums may be equal but wrong for a value too close to the center. Only the center itself has an exact
+// result, if it is a double.
+TEST(FastForm, AsksTheSlowWayForValuesNextToTheCenter) {
+    const CShortLine line = {9, 160, 5, 0, false};
+    const CShortLine inverse = {5, 160, 9, 0, true};
+    const WholeLine judge(line);
+    const WholeLine inverseJudge(inverse);
+    forAllLoops([&](const CLoops& loops) {
+        const auto isDecided = [&](const CFastForm& form, double x) {
+            double result = 0;
+            const long before = WholeLine::Calls;
+            const bool isRight = form.Many(form, &x, &result, 1);
+            form.convert(x);
+            EXPECT_EQ(isRight, WholeLine::Calls == before) << loops.Name << " of " << x;
+            return isRight;
+        };
+        CFastForm form = formOf(line, eLine::KNOWN, judge, loops);
+        form.HasLine = false;
+        form.LeastDistance = orderedBits(2.0);
+        EXPECT_FALSE(isDecided(form, -19.0));
+        EXPECT_FALSE(isDecided(form, -17.0));
+        EXPECT_FALSE(isDecided(form, form.Center));
+        EXPECT_TRUE(isDecided(form, -20.0));
+        EXPECT_TRUE(isDecided(form, -15.0));
+        CFastForm exact = formOf(inverse, eLine::KNOWN, inverseJudge, loops);
+        exact.HasLine = false;
+        exact.LeastDistance = orderedBits(2.0);
+        EXPECT_TRUE(isDecided(exact, 32.0));
+        EXPECT_FALSE(isDecided(exact, 33.0));
+        EXPECT_FALSE(isDecided(exact, std::nextafter(32.0, 0)));
+        EXPECT_TRUE(isDecided(exact, 34.0));
+    });
+}
+
+// The values that `countedOne` has converted.
+long counted = 0;
+double (*realOne)(const CFastForm& form, double x) = nullptr;
+double countedOne(const CFastForm& form, double x) {
+    ++counted;
+    return realOne(form, x);
+}
+
+TEST(FastForm, ConvertsOnlyAShortPieceOfABlockValueByValue) {
     const CShortLine line = {9, 160, 5, 0, false};
     const WholeLine judge(line);
     forAllLoops([&](const CLoops& loops) {
         CFastForm form = formOf(line, eLine::KNOWN, judge, loops);
-        form.LeastDistance = orderedBits(2.0);
-        for (const double x : {-19.0, -17.0}) {
-            double result = 0;
-            EXPECT_FALSE(form.Many(form, &x, &result, 1)) << loops.Name << " of " << x;
-        }
-        for (const double x : {-20.0, -15.0}) {
-            double result = 0;
-            EXPECT_TRUE(form.Many(form, &x, &result, 1)) << loops.Name << " of " << x;
-        }
+        realOne = form.One;
+        form.One = countedOne;
+        std::vector<double> values(1000, 21.5), results(values.size());
+        values[700] = std::nan("");
+        values[999] = std::numeric_limits<double>::infinity();
+        counted = 0;
+        form.convertAll(values.data(), results.data(), values.size());
+        EXPECT_GE(counted, 2) << loops.Name;
+        EXPECT_LE(counted, 64) << loops.Name;
+        EXPECT_TRUE(std::isnan(results[700]));
+        EXPECT_EQ(results[701], 70.7);
+        EXPECT_EQ(results[999], values[999]);
     });
 }
 
