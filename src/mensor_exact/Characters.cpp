@@ -27,6 +27,9 @@ bool isInvisible(char32_t c) {
     return range != std::end(Invisible) && c >= range->First;
 }
 
+namespace {
+
+// Returns the kind of a character that is not ASCII, or is NotUtf8. Sets `digit` to the value of a digit.
 eKind kindBeyondAscii(char32_t c, int& digit) {
     switch (c) {
         case U'\u00A0':  // no-break space
@@ -98,6 +101,13 @@ eKind kindBeyondAscii(char32_t c, int& digit) {
         return eKind::DIGIT;
     }
     return eKind::NAME;
+}
+
+}  // namespace
+
+void CCursor::readBeyondAscii() {
+    m_Character = decode(m_Text.substr(m_At), m_Length);
+    m_Kind = kindBeyondAscii(m_Character, m_Digit);
 }
 
 }  // namespace mensor::exact

@@ -68,10 +68,6 @@ constexpr std::array<eKind, 128> asciiKinds() {
 
 inline constexpr std::array<eKind, 128> AsciiKinds = asciiKinds();
 
-/// Returns the kind of a character that is not ASCII, or is NotUtf8. Sets `digit` to the value of a
-/// digit.
-MENSOR_EXACT_API eKind kindBeyondAscii(char32_t c, int& digit);
-
 /// Whether the character is invisible: a default-ignorable or format character of Unicode, or the Braille
 /// pattern blank (invisible.def).
 MENSOR_EXACT_API bool isInvisible(char32_t c);
@@ -120,9 +116,10 @@ private:
             m_Digit = lead - '0';
             return;
         }
-        m_Character = decode(m_Text.substr(m_At), m_Length);
-        m_Kind = kindBeyondAscii(m_Character, m_Digit);
+        readBeyondAscii();
     }
+
+    MENSOR_EXACT_API void readBeyondAscii();
 
     std::string_view m_Text;
     std::size_t m_At;

@@ -321,36 +321,29 @@ CCatalogue CCatalogue::with(const std::vector<CDefinition>& definitions) const {
     return CAdder(*this).add(definitions);
 }
 
-std::optional<CDefinition> CCatalogue::findOwn(std::string_view name) const noexcept {
-    if (m_Own != nullptr) {
-        const auto own = m_Own->Entries.find(name);
-        if (own != m_Own->Entries.end()) {
-            return COwnDefinitions::definition(*own);
-        }
+CNamePlace CCatalogue::place(std::string_view name) const noexcept {
+    const std::size_t row = CTable::find(name, m_Packs);
+    if (m_Own == nullptr || (row != CTable::None && !takesAway(name))) {
+        return {row, nullptr};
     }
-    return std::nullopt;
+    const auto own = m_Own->Entries.find(name);
+    return {CTable::None, own != m_Own->Entries.end() ? &*own : nullptr};
 }
 
 std::optional<CDefinition> CCatalogue::find(std::string_view name) const noexcept {
-    if (takesAway(name)) {
-        return findOwn(name);
+    const CNamePlace found = place(name);
+    if (found.Own != nullptr) {
+        return COwnDefinitions::definition(*found.Own);
     }
-    const std::size_t row = CTable::find(name, m_Packs);
-    return row != CTable::None ? CTable::definition(row) : findOwn(name);
+    return found.Row != CTable::None ? std::optional(CTable::definition(found.Row)) : std::nullopt;
 }
 
 std::optional<CMeaning> CCatalogue::meaning(std::string_view name) const {
-    const std::size_t row = CTable::find(name, m_Packs);
-    if (row != CTable::None && !takesAway(name)) {
-        return CTable::meaning(row);
+    const CNamePlace found = place(name);
+    if (found.Own != nullptr) {
+        return found.Own->second.Meaning;
     }
-    if (m_Own != nullptr) {
-        const auto own = m_Own->Entries.find(name);
-        if (own != m_Own->Entries.end()) {
-            return own->second.Meaning;
-        }
-    }
-    return std::nullopt;
+    return found.Row != CTable::None ? std::optional(CTable::meaning(found.Row)) : std::nullopt;
 }
 
 // Whether the program has defined this name although a built-in unit may have it, too.

@@ -78,6 +78,8 @@ struct CDefinition {
     bool TakesAway = false;
 };
 
+struct CNamePlace;  // OwnDefinitions.h, not installed
+
 /// Names and their meanings. A catalogue is immutable: `with` returns a changed copy. Copies are cheap.
 ///
 /// Class contract: caller serialises changes of one object; distinct objects any thread. Any number of
@@ -126,7 +128,7 @@ private:
     CCatalogue() noexcept = default;
 
     bool takesAway(std::string_view name) const noexcept;
-    std::optional<CDefinition> findOwn(std::string_view name) const noexcept;
+    CNamePlace place(std::string_view name) const noexcept;
 
     std::uint32_t m_Packs = 3;  // one bit for each pack: CATALOGUE and SI
     std::shared_ptr<const COwnDefinitions> m_Own;

@@ -97,9 +97,9 @@ CParts::CParts(const CFraction& fraction)
     : Twos(fraction.m_Small.Twos),
       Fives(fraction.m_Small.Fives),
       Negative(fraction.m_Small.Negative) {
-    if (fraction.m_Big != nullptr) {
-        Numerator = fraction.m_Big->Numerator;
-        Denominator = fraction.m_Big->Denominator;
+    if (!fraction.isSmall()) {
+        Numerator = fraction.m_Big.get()->Numerator;
+        Denominator = fraction.m_Big.get()->Denominator;
     } else {
         Numerator = fraction.m_Small.Numerator;
         Denominator = fraction.m_Small.Denominator;
@@ -130,7 +130,7 @@ CFraction CParts::fraction() const {
         small.Numerator = Numerator.low();
         small.Denominator = Denominator.low();
     } else {
-        result.m_Big = std::make_shared<const CQuotient>(CQuotient{Numerator, Denominator});
+        result.m_Big = CBigPart(new CSharedQuotient({Numerator, Denominator}));
     }
     if (result.needsMoreThan(MostBits)) {
         throwTooLarge();
@@ -162,6 +162,75 @@ std::size_t CParts::bits() const {
            static_cast<std::size_t>(Twos < 0 ? -Twos : Twos);
 }
 
+namespace {
+
+// The operations on numbers of any size. They are cold, so the fast ones stay small.
+
+[[gnu::cold]] CFraction sumOf(const CParts& x, const CParts& y) {
+    CParts sum;
+    sum.Twos = std::min(x.Twos, y.Twos);
+    sum.Fives = std::min(x.Fives, y.Fives);
+    const CWhole left = (x.Numerator * CWhole(5).power(x.Fives - sum.Fives) * y.Denominator)
+                            .shifted(x.Twos - sum.Twos);
+    const CWhole right = (y.Numerator * CWhole(5).power(y.Fives - sum.Fives) * x.Denominator)
+                             .shifted(y.Twos - sum.Twos);
+    sum.Numerator = x.Negative == y.Negative ? left + right : left - right;
+    sum.Negative = x.Negative;
+    if (sum.Numerator.isNegative()) {
+        sum.Numerator = -sum.Numerator;
+        sum.Negative = y.Negative;
+    }
+    sum.Denominator = x.Denominator * y.Denominator;
+    sum.normalize();
+    return sum.fraction();
+}
+
+[[gnu::cold]] CFraction productOf(const CParts& x, const CParts& y) {
+    const CWhole g = gcd(x.Numerator, y.Denominator);
+    const CWhole h = gcd(y.Numerator, x.Denominator);
+    CParts product;
+    product.Numerator = (x.Numerator / g) * (y.Numerator / h);
+    product.Denominator = (x.Denominator / h) * (y.Denominator / g);
+    product.Twos = x.Twos + y.Twos;
+    product.Fives = x.Fives + y.Fives;
+    product.Negative = x.Negative != y.Negative;
+    return product.Numerator.isZero() ? CFraction() : product.fraction();
+}
+
+[[gnu::cold]] CFraction inverseOf(CParts parts) {
+    std::swap(parts.Numerator, parts.Denominator);
+    parts.Twos = -parts.Twos;
+    parts.Fives = -parts.Fives;
+    return parts.fraction();
+}
+
+[[gnu::cold]] CFraction powerOf(CParts parts, int exponent) {
+    parts.Numerator = parts.Numerator.power(exponent);
+    parts.Denominator = parts.Denominator.power(exponent);
+    parts.Twos *= exponent;
+    parts.Fives *= exponent;
+    parts.Negative = parts.Negative && exponent % 2 != 0;
+    return parts.fraction();
+}
+
+[[gnu::cold]] double roundParts(const CParts& parts) {
+    return roundQuotient(parts.Negative, parts.numeratorWithFives(), parts.denominatorWithFives(),
+                         parts.Twos)
+        .Value;
+}
+
+}  // namespace
+
+[[gnu::cold]] void CBigPart::share(const CSharedQuotient* quotient) noexcept {
+    quotient->Owners.fetch_add(1, std::memory_order_relaxed);
+}
+
+[[gnu::cold]] void CBigPart::release(const CSharedQuotient* quotient) noexcept {
+    if (quotient->Owners.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        delete quotient;
+    }
+}
+
 CFraction::CFraction(std::int64_t whole)
     : m_Small(whole < 0 ? -static_cast<std::uint64_t>(whole) : static_cast<std::uint64_t>(whole)) {
     m_Small.Negative = whole < 0;
@@ -189,7 +258,7 @@ std::size_t CFraction::bits() const {
     if (isZero()) {
         return 1;
     }
-    if (m_Big == nullptr && m_Small.Fives == 0) {
+    if (isSmall() && m_Small.Fives == 0) {
         return boundOfBits(bitsOf(m_Small.Numerator), bitsOf(m_Small.Denominator), m_Small.Twos, 0);
     }
     return CParts(*this).bits();
@@ -197,9 +266,9 @@ std::size_t CFraction::bits() const {
 
 bool CFraction::needsMoreThan(std::size_t most) const {
     const std::size_t numerator =
-        m_Big == nullptr ? bitsOf(m_Small.Numerator) : m_Big->Numerator.bits();
+        isSmall() ? bitsOf(m_Small.Numerator) : m_Big.get()->Numerator.bits();
     const std::size_t denominator =
-        m_Big == nullptr ? bitsOf(m_Small.Denominator) : m_Big->Denominator.bits();
+        isSmall() ? bitsOf(m_Small.Denominator) : m_Big.get()->Denominator.bits();
     return boundOfBits(numerator, denominator, m_Small.Twos, m_Small.Fives) > most && bits() > most;
 }
 
@@ -207,17 +276,14 @@ double CFraction::toDouble() const {
     // The usual case: numerator and denominator have 64 bits each.
     std::uint64_t numerator = m_Small.Numerator;
     std::uint64_t denominator = m_Small.Denominator;
-    if (m_Big == nullptr && multiplyByFives(numerator, m_Small.Fives) &&
+    if (isSmall() && multiplyByFives(numerator, m_Small.Fives) &&
         multiplyByFives(denominator, -m_Small.Fives)) {
         const CShortLine quotient{numerator, 0, denominator, m_Small.Twos, false};
         if (const auto nearest = quotient.convert({m_Small.Negative, 1, 0}, CFormat::ofDouble())) {
             return doubleOfBits(nearest->Bits);
         }
     }
-    const CParts parts(*this);
-    return roundQuotient(parts.Negative, parts.numeratorWithFives(), parts.denominatorWithFives(),
-                         parts.Twos)
-        .Value;
+    return roundParts(CParts(*this));
 }
 
 [[gnu::cold]] std::string CFraction::toString() const {
@@ -242,7 +308,7 @@ CFraction CFraction::power(int exponent) const {
         return CFraction(1) / power(-exponent);
     }
     CSmallFraction small = m_Small;
-    if (m_Big == nullptr && small.raise(exponent)) {
+    if (isSmall() && small.raise(exponent)) {
         CFraction result(small);
         if (result.needsMoreThan(MostBits)) {
             throwTooLarge();
@@ -256,87 +322,48 @@ CFraction CFraction::power(int exponent) const {
     if ((bits() - 1) * times > MostBits + 2 * times) {
         throwTooLarge();  // before computing it takes long
     }
-    CParts parts(*this);
-    parts.Numerator = parts.Numerator.power(exponent);
-    parts.Denominator = parts.Denominator.power(exponent);
-    parts.Twos *= exponent;
-    parts.Fives *= exponent;
-    parts.Negative = parts.Negative && exponent % 2 != 0;
-    return parts.fraction();
+    return powerOf(CParts(*this), exponent);
 }
 
 CFraction operator+(const CFraction& a, const CFraction& b) {
     CSmallFraction small = a.m_Small;
-    if (a.m_Big == nullptr && b.m_Big == nullptr && small.add(b.m_Small)) {
+    if (a.isSmall() && b.isSmall() && small.add(b.m_Small)) {
         return CFraction(small);  // cannot be too large
     }
-    const CParts x(a);
-    const CParts y(b);
-    CParts sum;
-    sum.Twos = std::min(x.Twos, y.Twos);
-    sum.Fives = std::min(x.Fives, y.Fives);
-    const CWhole left = (x.Numerator * CWhole(5).power(x.Fives - sum.Fives) * y.Denominator)
-                            .shifted(x.Twos - sum.Twos);
-    const CWhole right = (y.Numerator * CWhole(5).power(y.Fives - sum.Fives) * x.Denominator)
-                             .shifted(y.Twos - sum.Twos);
-    sum.Numerator = x.Negative == y.Negative ? left + right : left - right;
-    sum.Negative = x.Negative;
-    if (sum.Numerator.isNegative()) {
-        sum.Numerator = -sum.Numerator;
-        sum.Negative = y.Negative;
-    }
-    sum.Denominator = x.Denominator * y.Denominator;
-    sum.normalize();
-    return sum.fraction();
+    return sumOf(CParts(a), CParts(b));
 }
 
 CFraction operator-(const CFraction& a, const CFraction& b) { return a + -b; }
 
 CFraction operator*(const CFraction& a, const CFraction& b) {
     CSmallFraction small = a.m_Small;
-    if (a.m_Big == nullptr && b.m_Big == nullptr && small.multiply(b.m_Small)) {
+    if (a.isSmall() && b.isSmall() && small.multiply(b.m_Small)) {
         const CFraction result(small);
         if (result.needsMoreThan(MostBits)) {
             throwTooLarge();
         }
         return result;
     }
-    const CParts x(a);
-    const CParts y(b);
-    const CWhole g = gcd(x.Numerator, y.Denominator);
-    const CWhole h = gcd(y.Numerator, x.Denominator);
-    CParts product;
-    product.Numerator = (x.Numerator / g) * (y.Numerator / h);
-    product.Denominator = (x.Denominator / h) * (y.Denominator / g);
-    product.Twos = x.Twos + y.Twos;
-    product.Fives = x.Fives + y.Fives;
-    product.Negative = x.Negative != y.Negative;
-    if (product.Numerator.isZero()) {
-        return {};
-    }
-    return product.fraction();
+    return productOf(CParts(a), CParts(b));
 }
 
 CFraction operator/(const CFraction& a, const CFraction& b) {
     if (b.isZero()) {
         throwDivisionByZero();
     }
-    if (b.m_Big == nullptr) {
+    if (b.isSmall()) {
         return a * CFraction(b.m_Small.inverse());
     }
-    CParts inverse(b);
-    std::swap(inverse.Numerator, inverse.Denominator);
-    inverse.Twos = -inverse.Twos;
-    inverse.Fives = -inverse.Fives;
-    return a * inverse.fraction();
+    return a * inverseOf(CParts(b));
 }
 
 bool operator==(const CFraction& a, const CFraction& b) noexcept {
-    if (!(a.m_Small == b.m_Small) || (a.m_Big == nullptr) != (b.m_Big == nullptr)) {
+    if (!(a.m_Small == b.m_Small) || a.isSmall() != b.isSmall()) {
         return false;
     }
-    return a.m_Big == b.m_Big || (a.m_Big->Numerator == b.m_Big->Numerator &&
-                                  a.m_Big->Denominator == b.m_Big->Denominator);
+    const CSharedQuotient* const x = a.m_Big.get();
+    const CSharedQuotient* const y = b.m_Big.get();
+    return x == y || (x->Numerator == y->Numerator && x->Denominator == y->Denominator);
 }
 
 }  // namespace mensor::exact

@@ -12,17 +12,50 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "mensor_exact/SmallFraction.h"
 #include "mensor_exact/exact_export.h"
 
 namespace mensor::exact {
 
-struct CParts;     // Parts.h, not installed
-struct CQuotient;  // Parts.h, not installed
+struct CParts;           // Parts.h, not installed
+struct CSharedQuotient;  // Parts.h, not installed
+
+/// The allocated part of a fraction, which its copies share. Null for most fractions, so everything else is
+/// out of line. For CFraction only.
+///
+/// Class contract: as CFraction.
+class CBigPart {
+public:
+    CBigPart() noexcept = default;
+    explicit CBigPart(const CSharedQuotient* owned) noexcept : m_Quotient(owned) {}
+    CBigPart(const CBigPart& other) noexcept : m_Quotient(other.m_Quotient) {
+        if (m_Quotient != nullptr) {
+            share(m_Quotient);
+        }
+    }
+    CBigPart(CBigPart&& other) noexcept : m_Quotient(std::exchange(other.m_Quotient, nullptr)) {}
+    CBigPart& operator=(CBigPart other) noexcept {
+        std::swap(m_Quotient, other.m_Quotient);
+        return *this;
+    }
+    ~CBigPart() {
+        if (m_Quotient != nullptr) {
+            release(m_Quotient);
+        }
+    }
+
+    const CSharedQuotient* get() const noexcept { return m_Quotient; }
+
+private:
+    MENSOR_EXACT_API static void share(const CSharedQuotient* quotient) noexcept;
+    MENSOR_EXACT_API static void release(const CSharedQuotient* quotient) noexcept;
+
+    const CSharedQuotient* m_Quotient = nullptr;
+};
 
 /// An exact fraction.
 ///
@@ -44,8 +77,8 @@ public:
 
     /// Converts to a CSmallFraction. Returns false and changes nothing if 64 bits are too few.
     bool toSmall(CSmallFraction& small) const noexcept {
-        small = m_Big == nullptr ? m_Small : small;
-        return m_Big == nullptr;
+        small = isSmall() ? m_Small : small;
+        return isSmall();
     }
 
     /// Returns the exact value of a double.
@@ -57,8 +90,8 @@ public:
     /// @throws CError  BAD_NUMBER, TOO_LARGE.
     static CFraction ofText(std::string_view text);
 
-    bool isOne() const noexcept { return m_Big == nullptr && m_Small == CSmallFraction(1); }
-    bool isZero() const noexcept { return m_Small.isZero() && m_Big == nullptr; }
+    bool isOne() const noexcept { return isSmall() && m_Small == CSmallFraction(1); }
+    bool isZero() const noexcept { return m_Small.isZero() && isSmall(); }
     bool isNegative() const noexcept { return m_Small.Negative; }
 
     /// Returns the number of bits of the numerator and the denominator together, in lowest terms.
@@ -87,8 +120,10 @@ public:
 private:
     friend struct CParts;
 
+    bool isSmall() const noexcept { return m_Big.get() == nullptr; }
+
     CSmallFraction m_Small;  // if m_Big is set, has only the sign and the powers of 2 and 5
-    std::shared_ptr<const CQuotient> m_Big;
+    CBigPart m_Big;
 };
 
 }  // namespace mensor::exact

@@ -54,11 +54,14 @@ constexpr CKind Kinds[] = {
     {0, 0, 0, 0, 0, 1, -1, "catalytic activity"},
 };
 
+[[noreturn, gnu::cold]] void throwOffset(const CMeaning& meaning) {
+    throw CError(eError::OFFSET_IN_PRODUCT,
+                 concatenate({"a unit with an offset, ", meaning.toString(), ", in a product"}));
+}
+
 void requireNoOffset(const CMeaning& meaning) {
     if (!meaning.offset().isZero()) {
-        throw CError(
-            eError::OFFSET_IN_PRODUCT,
-            concatenate({"a unit with an offset, ", meaning.toString(), ", in a product"}));
+        throwOffset(meaning);
     }
 }
 
@@ -135,7 +138,7 @@ bool CMeaning::toSmall(CSmallMeaning& small) const noexcept {
     return true;
 }
 
-CMeaning CMeaning::base(std::string_view name) {
+[[gnu::cold]] CMeaning CMeaning::base(std::string_view name) {
     static_assert(SlotCount == Slots);
     if (name.empty()) {
         throw CError(eError::SYNTAX, "a dimension without a name");
@@ -171,7 +174,7 @@ CMeaning CMeaning::base(std::string_view name) {
     return result;
 }
 
-CExponent CMeaning::exponentOf(std::string_view name) const noexcept {
+[[gnu::cold]] CExponent CMeaning::exponentOf(std::string_view name) const noexcept {
     const std::size_t slot = slotOf(name);
     if (slot < Slots) {
         return m_Exponents[slot];
@@ -195,7 +198,7 @@ bool CMeaning::hasMarksOf(const CMeaning& other) const noexcept {
                       other.m_Exponents.begin() + Dimensions);
 }
 
-CMeaning CMeaning::scaled(const CFactor& factor) const {
+[[gnu::cold]] CMeaning CMeaning::scaled(const CFactor& factor) const {
     CMeaning result = *this;
     result.m_Factor = m_Factor * factor;
     if (!m_Offset.isZero() && !result.m_Factor.isRational()) {
@@ -219,7 +222,7 @@ CMeaning CMeaning::scaled(const CFactor& factor) const {
     return result;
 }
 
-CMeaning CMeaning::difference() const {
+[[gnu::cold]] CMeaning CMeaning::difference() const {
     CMeaning result = *this;
     result.m_Offset = {};
     return result;
@@ -275,7 +278,7 @@ CMeaning operator/(const CMeaning& a, const CMeaning& b) {
     return result;
 }
 
-bool operator==(const CMeaning& a, const CMeaning& b) noexcept {
+[[gnu::cold]] bool operator==(const CMeaning& a, const CMeaning& b) noexcept {
     return a.m_Exponents == b.m_Exponents && a.m_Others == b.m_Others && a.m_Factor == b.m_Factor &&
            a.m_Offset == b.m_Offset;
 }
@@ -322,7 +325,7 @@ bool operator==(const CMeaning& a, const CMeaning& b) noexcept {
     return nullptr;
 }
 
-bool CMeaning::hasNamedKind() const noexcept {
+[[gnu::cold]] bool CMeaning::hasNamedKind() const noexcept {
     const bool hasNone =
         m_Others.empty() && std::all_of(m_Exponents.begin(), m_Exponents.begin() + Dimensions,
                                         [](CExponent e) { return e == CExponent(0); });

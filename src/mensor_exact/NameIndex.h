@@ -22,6 +22,14 @@ constexpr bool isEqual(std::string_view a, std::string_view b) {
     return true;
 }
 
+/// The hash FNV-1a of a name, or, with the hash of another text, that of both texts.
+constexpr std::uint32_t hashOfName(std::string_view name, std::uint32_t hash = 2166136261U) {
+    for (const char c : name) {
+        hash = (hash ^ static_cast<unsigned char>(c)) * 16777619U;
+    }
+    return hash;
+}
+
 /// Finds rows of a table by name, with linear probing. If several rows have one name, the first row is
 /// found first.
 template <std::size_t Rows>
@@ -57,10 +65,7 @@ public:
 
     /// The hash of a name, less than the number of places.
     static constexpr std::size_t placeOf(std::string_view name) {
-        std::uint32_t hash = 2166136261U;  // FNV-1a
-        for (const char c : name) {
-            hash = (hash ^ static_cast<unsigned char>(c)) * 16777619U;
-        }
+        const std::uint32_t hash = hashOfName(name);
         return (hash ^ hash >> 15) % Places;
     }
 

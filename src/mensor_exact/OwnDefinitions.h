@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "mensor_exact/Definitions.h"
+#include "mensor_exact/Table.h"
 
 namespace mensor::exact {
 
@@ -22,7 +23,9 @@ struct COwnDefinitions {
         CMeaning Meaning;
     };
 
-    static CDefinition definition(const std::pair<const std::string, CEntry>& named) {
+    using CNamed = std::pair<const std::string, CEntry>;
+
+    static CDefinition definition(const CNamed& named) {
         const CEntry& entry = named.second;
         return {named.first, entry.Text, entry.English, entry.Source, ePack::OWN};
     }
@@ -35,6 +38,12 @@ struct COwnDefinitions {
     bool TakesAway = false;  ///< whether a built-in unit may have one of the names, too
 };
 
+/// Where a catalogue has a name: in a row of the table, in an entry of the program, or nowhere.
+struct CNamePlace {
+    std::size_t Row = CTable::None;
+    const COwnDefinitions::CNamed* Own = nullptr;
+};
+
 /// Builds a catalogue name by name.
 class CCatalogueBuilder {
 public:
@@ -42,6 +51,11 @@ public:
 
     /// Returns the definitions that a program has added to a catalogue, or null if there are none.
     static const COwnDefinitions* own(const CCatalogue& catalogue) { return catalogue.m_Own.get(); }
+
+    /// Returns where a catalogue has a name, spelled exactly so.
+    static CNamePlace place(const CCatalogue& catalogue, std::string_view name) noexcept {
+        return catalogue.place(name);
+    }
 
     /// Returns the catalogue so far. add() changes it.
     const CCatalogue& catalogue() const { return m_Catalogue; }

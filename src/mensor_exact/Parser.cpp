@@ -112,7 +112,7 @@ private:
         if (kind() == eKind::END) {
             return true;
         }
-        const CSpan left = trimmed(begin);
+        const CSpan left{begin, m_FactorEnd};
         m_Cursor.skipBlanks();
         return (kind() != eKind::SLASH || divisor(depth, left)) && requireEnd();
     }
@@ -129,7 +129,7 @@ private:
         if (!factor(depth) || !raise(divisors, {-1, 1}, left)) {
             return false;
         }
-        const CSpan right = trimmed(begin);
+        const CSpan right{begin, at()};
         const bool hadBlank = kind() == eKind::BLANK;
         m_Cursor.skipBlanks();
         const bool goesOn = kind() == eKind::SLASH || isOperator() || beginsFactor();
@@ -146,6 +146,7 @@ private:
     bool one() {
         const CCursor before = m_Cursor;
         const std::string_view digits = number().of(m_Text);
+        m_FactorEnd = at();
         m_Cursor.skipBlanks();
         const bool standsAlone =
             kind() == eKind::END || kind() == eKind::SLASH || kind() == eKind::CLOSE;
@@ -161,6 +162,7 @@ private:
             return false;
         }
         for (;;) {
+            m_FactorEnd = at();
             const bool hadBlank = kind() == eKind::BLANK;
             const bool isPlain = m_PlainName.End == at();  // a name without an exponent
             m_Cursor.skipBlanks();
@@ -231,7 +233,7 @@ private:
 
     // Extends the name that begins at `begin` by digits, brackets or a point if the resolver knows the
     // longer name: "mmH2O", "bar(g)", "in.". The grammar alone would refuse these texts.
-    void extendName(std::size_t begin) {
+    [[gnu::noinline]] void extendName(std::size_t begin) {
         CCursor ahead = m_Cursor;
         switch (kind()) {
             case eKind::DIGIT:
@@ -270,7 +272,7 @@ private:
         }
     }
 
-    bool bracketedName() {
+    [[gnu::cold]] bool bracketedName() {
         const CSpan opening = here();
         const std::size_t begin = at();
         int depth = 0;
@@ -287,7 +289,7 @@ private:
         return push({begin, at()});
     }
 
-    bool parentheses(int depth) {
+    [[gnu::noinline]] bool parentheses(int depth) {
         const CSpan opening = here();
         m_Cursor.advance();
         m_Cursor.skipBlanks();
@@ -370,7 +372,7 @@ private:
     }
 
     // Reads the number after the "^" at `begin`: an integer, a decimal or a fraction.
-    bool power(std::size_t begin, Fraction& power) {
+    [[gnu::noinline]] bool power(std::size_t begin, Fraction& power) {
         const bool isBracketed = kind() == eKind::OPEN;
         const CSpan opening = here();
         if (isBracketed) {
@@ -403,7 +405,7 @@ private:
         return !isBracketed || closeExponent(begin, opening);
     }
 
-    bool closeExponent(std::size_t begin, CSpan opening) {
+    [[gnu::cold]] bool closeExponent(std::size_t begin, CSpan opening) {
         m_Cursor.skipBlanks();
         if (kind() == eKind::END) {
             return refuseOpen(opening);
@@ -416,7 +418,7 @@ private:
     }
 
     // If a fraction sign and a denominator come next, moves to the denominator and returns true.
-    bool separatesFraction(bool isBracketed) {
+    [[gnu::cold]] bool separatesFraction(bool isBracketed) {
         CCursor ahead = m_Cursor;
         if (isBracketed) {
             ahead.skipBlanks();
@@ -436,7 +438,7 @@ private:
     }
 
     // Reads the decimals of an exponent. `fraction` has the integer part and becomes the exact value.
-    bool decimal(std::size_t begin, Fraction& fraction) {
+    [[gnu::cold]] bool decimal(std::size_t begin, Fraction& fraction) {
         constexpr int MostPlaces = 6;  // 1/64 has six; a longer decimal has a larger denominator
         std::int64_t numerator = fraction.Pow;
         std::int64_t denominator = 1;
@@ -473,7 +475,7 @@ private:
     }
 
     // Reads up to four digits. "4/200" is accepted: it is in range in lowest terms.
-    bool digits(eKind digitKind, int& n) {
+    [[gnu::noinline]] bool digits(eKind digitKind, int& n) {
         constexpr int Largest = 9999;
         const std::size_t begin = at();
         n = 0;
@@ -505,22 +507,10 @@ private:
     eKind kind() const { return m_Cursor.kind(); }
     std::size_t at() const { return m_Cursor.position(); }
 
-    CSpan here() const {
+    [[gnu::cold]] CSpan here() const {
         CCursor next = m_Cursor;
         next.advance();
         return {at(), next.position()};
-    }
-
-    // Returns the text from `begin` to the cursor, without the blanks before the cursor.
-    CSpan trimmed(std::size_t begin) const {
-        CCursor walk(m_Text.substr(0, at()), begin);
-        std::size_t end = begin;
-        while (walk.kind() != eKind::END) {
-            const bool isBlank = walk.kind() == eKind::BLANK;
-            walk.advance();
-            end = isBlank ? end : walk.position();
-        }
-        return {begin, end};
     }
 
     // Factors.
@@ -534,7 +524,7 @@ private:
         return true;
     }
 
-    bool raise(std::size_t begin, Fraction exponent, CSpan span) {
+    [[gnu::noinline]] bool raise(std::size_t begin, Fraction exponent, CSpan span) {
         bool isAllInRange = isInRange(exponent);
         for (std::size_t i = begin; i < m_Factors.size() && isAllInRange; ++i) {
             CNamedFactor& factor = m_Factors[i];
@@ -769,7 +759,7 @@ private:
     bool isCubed() const { return !cube().of(m_Text).empty(); }
 
     // Returns the place of the exponent 3 if it is next. Returns an empty span otherwise.
-    CSpan cube() const {
+    [[gnu::cold]] CSpan cube() const {
         CCursor ahead = m_Cursor;
         if (!isRaised(ahead.kind()) && ahead.kind() != eKind::DIGIT) {
             ahead.skipBlanks();
@@ -793,20 +783,39 @@ private:
         return refuse(eRefusal::MISLEADING, token, trap.sentence(), eReadings::TRAP, token, &trap);
     }
 
+    // The ends of the texts that may be one name, the shortest first.
+    struct CEnds {
+        static constexpr std::size_t Most = 6;
+        std::array<std::size_t, Most> Ends{};
+        std::size_t Count = 0;
+
+        void add(std::size_t end) { Ends[Count++] = end; }
+        bool isFull() const { return Count == Most; }
+    };
+
     // Returns the longest text from `begin` on for which `isKnown` returns true. The text has names, digits
     // and signs between them, or is in brackets. Returns an empty span if there is no such text.
     template <class IsKnown>
     [[gnu::cold]] CSpan longestText(std::size_t begin, const IsKnown& isKnown) const {
-        constexpr std::size_t Most = 6;  // pieces
-        std::array<std::size_t, Most> ends{};
-        std::size_t count = 0;
+        const CEnds ends = endsOfTexts(begin);
+        for (std::size_t i = ends.Count; i > 0; --i) {
+            const CSpan text{begin, ends.Ends[i - 1]};
+            if (isKnown(text.of(m_Text))) {
+                return text;
+            }
+        }
+        return {};
+    }
+
+    [[gnu::cold, gnu::noinline]] CEnds endsOfTexts(std::size_t begin) const {
+        CEnds ends;
         CCursor ahead(m_Text, begin);
         const bool isBracketed = ahead.kind() == eKind::OPEN;
         if (isBracketed) {
             ahead.advance();
         }
         constexpr std::size_t Longest = 32;  // bytes
-        while (count < Most && ahead.position() - begin <= Longest) {
+        while (!ends.isFull() && ahead.position() - begin <= Longest) {
             const std::size_t start = ahead.position();
             while (ahead.position() - begin <= Longest &&
                    (ahead.kind() == eKind::NAME || ahead.kind() == eKind::DIGIT ||
@@ -814,18 +823,18 @@ private:
                 ahead.advance();
             }
             if (ahead.position() > start && !isBracketed) {
-                ends[count++] = ahead.position();
+                ends.add(ahead.position());
             }
-            if (ahead.position() > start && !isBracketed && count < Most) {
+            if (ahead.position() > start && !isBracketed && !ends.isFull()) {
                 const std::size_t end = endOfBrackets(ahead);  // "ppm(w)"
                 if (end > ahead.position()) {
-                    ends[count++] = end;
+                    ends.add(end);
                     break;
                 }
             }
             if (isBracketed && ahead.kind() == eKind::CLOSE) {
                 ahead.advance();
-                ends[count++] = ahead.position();
+                ends.add(ahead.position());
                 break;
             }
             if (ahead.kind() != eKind::POINT && ahead.kind() != eKind::SLASH &&
@@ -834,17 +843,11 @@ private:
             }
             const bool isPoint = ahead.kind() == eKind::POINT;
             ahead.advance();
-            if (isPoint && !isBracketed && count > 0 && count < Most) {
-                ends[count++] = ahead.position();  // "abs."
+            if (isPoint && !isBracketed && ends.Count > 0 && !ends.isFull()) {
+                ends.add(ahead.position());  // "abs."
             }
         }
-        while (count > 0) {
-            const CSpan text{begin, ends[--count]};
-            if (isKnown(text.of(m_Text))) {
-                return text;
-            }
-        }
-        return {};
+        return ends;
     }
 
     // Returns the end of the brackets at the cursor. Returns the position of the cursor if there are none.
@@ -1002,7 +1005,7 @@ private:
         }
         CSpan above = lastWord(left);
         const CTrap* trap = findTrap(ePlace::QUOTIENT, name.of(m_Text), above.of(m_Text));
-        if (trap == nullptr) {  // "m3/H"
+        if (trap == nullptr && above.Begin == above.End) {  // "m3/H"
             above = lastWordWithPower(left);
             trap = findTrap(ePlace::QUOTIENT, name.of(m_Text), above.of(m_Text));
         }
@@ -1014,7 +1017,7 @@ private:
     }
 
     // Returns the name at the end of `span`.
-    CSpan lastWord(CSpan span) const {
+    [[gnu::noinline]] CSpan lastWord(CSpan span) const {
         CSpan word{span.Begin, span.End};
         for (CCursor walk(m_Text.substr(0, span.End), span.Begin); walk.kind() != eKind::END;) {
             const bool isName = walk.kind() == eKind::NAME;
@@ -1047,7 +1050,7 @@ private:
     }
 
     // Returns the name at the beginning of `span`.
-    std::string_view firstWord(CSpan span) const {
+    [[gnu::cold]] std::string_view firstWord(CSpan span) const {
         CCursor walk(m_Text, span.Begin);
         while (walk.kind() == eKind::NAME) {
             walk.advance();
@@ -1063,6 +1066,7 @@ private:
     CCursor m_Cursor;
     CSpan m_CaretPower;  // the number after the latest "^"
     CSpan m_PlainName;   // the latest name without brackets
+    std::size_t m_FactorEnd = 0;  // where the latest factor of a product or the latest "1" ends
 };
 
 }  // namespace
@@ -1075,13 +1079,12 @@ bool parse(std::string_view text, std::size_t begin, bool mayBeEmpty, CResolver&
 bool takeNotes(std::string_view text, std::size_t begin, const CNamedFactors& factors,
                CResolver& resolver, bool isStrict, CNotes& notes, CRefusal& refusal) {
     const auto take = [&](const CTrap* trap, CSpan span) {
-        const bool isUnusual = trap->Place != ePlace::TOLD;
-        if (isUnusual && isStrict) {
+        if (isStrict && trap->Place != ePlace::TOLD) {
             refusal = {eRefusal::MISLEADING, text,   span,  trap->sentence(),
                        eReadings::TRAP,      {span}, begin, trap};
             return false;
         }
-        notes.add({trap->sentence(), span, isUnusual});
+        notes.add({trap->sentence(), span, trap->Place != ePlace::TOLD});
         return true;
     };
     for (const CNamedFactor& factor : factors) {

@@ -2,6 +2,7 @@
 #ifndef MENSOR_EXACT_PARTS_H
 #define MENSOR_EXACT_PARTS_H
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 
@@ -10,10 +11,17 @@
 
 namespace mensor::exact {
 
-/// The allocated part of a CFraction.
+/// A numerator and a denominator.
 struct CQuotient {
-    CWhole Numerator;    // coprime to 10 and to Denominator
-    CWhole Denominator;  // coprime to 10
+    CWhole Numerator;
+    CWhole Denominator;
+};
+
+/// The allocated part of a CFraction. The numbers are coprime to each other and to 10.
+struct CSharedQuotient : CQuotient {
+    explicit CSharedQuotient(const CQuotient& quotient) : CQuotient(quotient) {}
+
+    mutable std::atomic<std::uint32_t> Owners{1};
 };
 
 /// ±Numerator/Denominator·2^Twos·5^Fives, in lowest terms after normalize().

@@ -23,44 +23,77 @@ namespace {
 
 bool hasOffset(const CMeaning& meaning) { return !meaning.offset().isZero(); }
 
-// Returns the meaning of a word of the pack EVERYDAY: "kilometres".
-std::optional<CMeaning> wordMeaning(std::string_view name) {
-    const std::optional<CWord> word = everydayWord(name);
-    if (!word) {
-        return std::nullopt;
+// What a name is: a row of the table times a power of ten, a definition of the program, or the number one.
+struct CFound {
+    CNamePlace Place;
+    int Power = 0;  // of ten, for a word such as "kilometres"
+    bool IsOne = false;
+
+    explicit operator bool() const {
+        return Place.Row != CTable::None || Place.Own != nullptr || IsOne;
     }
-    CMeaning meaning = CTable::meaning(CTable::find(word->Symbol, CTable::AllPacks));
-    return word->Power == 0 ? meaning : meaning.scaled(CFactor(CFraction(10)).power(word->Power));
+
+    bool hasOffset() const {
+        return Place.Own != nullptr ? exact::hasOffset(Place.Own->second.Meaning)
+                                    : !IsOne && CTable::hasOffset(Place.Row);
+    }
+
+    CMeaning meaning() const {
+        if (Place.Own != nullptr || IsOne) {
+            return IsOne ? CMeaning() : Place.Own->second.Meaning;
+        }
+        return Power == 0 ? CTable::meaning(Place.Row) : scaledByTens();
+    }
+
+private:
+    [[gnu::cold]] CMeaning scaledByTens() const {
+        return CTable::meaning(Place.Row).scaled(CFactor(CFraction(10)).power(Power));
+    }
+};
+
+// Finds a name that the catalogue does not have in this spelling or in an equivalent one.
+[[gnu::cold]] CFound findWord(std::string_view name, const CCatalogue& catalogue) {
+    CFound found;
+    found.IsOne = name == "One";
+    if (!found.IsOne && catalogue.has(ePack::EVERYDAY)) {
+        if (const std::optional<CWord> word = everydayWord(name)) {
+            found.Place.Row = CTable::find(word->Symbol, CTable::AllPacks);
+            found.Power = word->Power;
+        }
+    }
+    return found;
 }
 
-// Returns the meaning of a name in `catalogue`, in any spelling. "One" is the dimensionless unit. If `known`
-// is not null, writes the catalogue's spelling into it. That is empty if no definition can contain it.
-std::optional<CMeaning> meaningOf(std::string_view name, const CCatalogue& catalogue,
-                                  std::string* known = nullptr) {
-    std::optional<CMeaning> meaning =
-        lookUpSpellings(name, [&](std::string_view spelling) -> std::optional<CMeaning> {
-            // A program's own "Ml" may have another meaning than "ML", the megalitre.
-            const bool isSmallLitre = name.back() == 'L' && spelling.back() == 'l';
-            const bool isAnother = isSmallLitre && catalogue.find(spelling) &&
-                                   catalogue.find(spelling)->Pack == ePack::OWN;
-            std::optional<CMeaning> found =
-                isAnother ? std::optional<CMeaning>() : catalogue.meaning(spelling);
-            if (found && known != nullptr) {  // no definition can contain "bar(g)" or "in."
-                *known = spelling.find_first_of("(.") == std::string_view::npos
-                             ? spelling
-                             : std::string_view();
-            }
-            return found;
-        });
-    if (!meaning && name == "One") {
-        meaning.emplace();
-    } else if (!meaning && catalogue.has(ePack::EVERYDAY)) {
-        meaning = wordMeaning(name);
-        if (meaning && known != nullptr) {
+// Finds a name in `catalogue`, in any spelling. "One" is the dimensionless unit. If `known` is not null,
+// writes the catalogue's spelling into it. That is empty if no definition can contain it.
+CFound find(std::string_view name, const CCatalogue& catalogue, std::string* known = nullptr) {
+    CFound found = lookUpSpellings(name, [&](std::string_view spelling) {
+        CFound result{CCatalogueBuilder::place(catalogue, spelling)};
+        // A program's own "Ml" may have another meaning than "ML", the megalitre.
+        const bool isSmallLitre = name.back() == 'L' && spelling.back() == 'l';
+        if (isSmallLitre && result.Place.Own != nullptr) {
+            return CFound();
+        }
+        if (result && known != nullptr) {  // no definition can contain "bar(g)" or "in."
+            *known = spelling.find_first_of("(.") == std::string_view::npos ? spelling
+                                                                            : std::string_view();
+        }
+        return result;
+    });
+    if (!found) {
+        found = findWord(name, catalogue);
+        if (found && known != nullptr && !found.IsOne) {
             known->clear();
         }
     }
-    return meaning;
+    return found;
+}
+
+// Returns the meaning of a name in `catalogue`, or nothing. The rest is as for find().
+[[gnu::cold]] std::optional<CMeaning> meaningOf(std::string_view name, const CCatalogue& catalogue,
+                                                std::string* known = nullptr) {
+    const CFound found = find(name, catalogue, known);
+    return found ? std::optional(found.meaning()) : std::nullopt;
 }
 
 bool isOwn(std::string_view name, const CCatalogue& catalogue) {
@@ -75,7 +108,7 @@ struct CPrefixedScale {
     CMeaning Meaning;  // the meaning of its differences
 };
 
-std::optional<CPrefixedScale> prefixedScale(std::string_view name, const CCatalogue& catalogue) {
+[[gnu::cold]] std::optional<CPrefixedScale> prefixedScale(std::string_view name, const CCatalogue& catalogue) {
     for (const CPrefix& prefix : Prefixes) {
         const std::size_t length = prefix.Symbol.size();
         if (name.size() <= length || name.substr(0, length) != prefix.Symbol) {
@@ -92,34 +125,28 @@ std::optional<CPrefixedScale> prefixedScale(std::string_view name, const CCatalo
     return std::nullopt;
 }
 
-// Finds names in a catalogue. Numbers them from 2 on. A number is odd for the differences of an offset unit
-// with a prefix, and even for any other unit.
+// Finds names in a catalogue.
 class CCatalogueNames final : public CResolver {
 public:
     /// The corrections should be compatible with `target`. It may be null.
     explicit CCatalogueNames(const CCatalogue& catalogue, const CMeaning* target = nullptr)
         : m_Catalogue(catalogue), m_Target(target) {}
 
+    /// Returns the number of what find() has found, from 2 on, or PrefixedScale.
     std::uint32_t find(std::string_view name) override {
-        std::optional<CMeaning> meaning = meaningOf(name, m_Catalogue);
-        const bool isPlain = meaning.has_value();
-        if (!isPlain) {
-            std::optional<CPrefixedScale> scale = prefixedScale(name, m_Catalogue);
-            if (!scale) {
-                return None;
-            }
-            meaning = std::move(scale->Meaning);
+        const CFound found = exact::find(name, m_Catalogue);
+        if (!found) {
+            return prefixedScale(name, m_Catalogue) ? PrefixedScale : None;
         }
         if (m_Count < m_Few.size()) {
-            m_Few[m_Count] = std::move(meaning);
+            m_Few[m_Count] = found;
         } else {
-            m_Many.push_back(*std::move(meaning));
+            m_Many.push_back(found);
         }
-        ++m_Count;
-        return static_cast<std::uint32_t>(2 * m_Count + (isPlain ? 0 : 1));
+        return First + m_Count++;
     }
 
-    bool knows(std::string_view name) override { return meaningOf(name, m_Catalogue).has_value(); }
+    bool knows(std::string_view name) override { return bool(exact::find(name, m_Catalogue)); }
 
     bool isOwn(std::string_view name) override { return exact::isOwn(name, m_Catalogue); }
 
@@ -148,19 +175,24 @@ public:
     void addWords(const CRefusal& refusal, std::vector<std::string>& words) override;
     std::string sumOf(const std::vector<CNamedNumber>& values) override;
 
-    static bool isPrefixedScale(const CNamedFactor& factor) { return factor.Unit % 2 != 0; }
+    /// Whether the factor is the differences of an offset unit with a prefix.
+    static bool isPrefixedScale(const CNamedFactor& factor) { return factor.Unit == PrefixedScale; }
 
-    CMeaning& meaning(const CNamedFactor& factor) {
-        const std::size_t place = factor.Unit / 2 - 1;
-        return place < m_Few.size() ? *m_Few[place] : m_Many[place - m_Few.size()];
+    /// What find() has found for any other factor.
+    const CFound& found(const CNamedFactor& factor) const {
+        const std::size_t place = factor.Unit - First;
+        return place < m_Few.size() ? m_Few[place] : m_Many[place - m_Few.size()];
     }
 
 private:
+    static constexpr std::uint32_t PrefixedScale = 1;
+    static constexpr std::uint32_t First = 2;
+
     const CCatalogue& m_Catalogue;
     const CMeaning* m_Target;
-    std::array<std::optional<CMeaning>, 6> m_Few;  // stored in the object
-    std::vector<CMeaning> m_Many;
-    std::size_t m_Count = 0;
+    std::array<CFound, 6> m_Few;  // stored in the object
+    std::vector<CFound> m_Many;
+    std::uint32_t m_Count = 0;
 };
 
 // Reads the unit that begins at the byte `begin` of a text.
@@ -181,21 +213,8 @@ public:
                        result.Refusal)) {
             return result;
         }
-        const bool isAlone = factors.isOneName();
-        for (const CNamedFactor& factor : factors) {
-            CMeaning& unit = names.meaning(factor);
-            if (CCatalogueNames::isPrefixedScale(factor)) {
-                if (!takePrefixedScale(factor.Name, isAlone, result)) {
-                    return result;
-                }
-            } else if (!isAlone && hasOffset(unit)) {
-                if (!takeDifference(factor.Name, unit, result)) {
-                    return result;
-                }
-            }
-        }
-        if (isAlone) {
-            result.Meaning = std::move(names.meaning(factors[0]));
+        if (factors.isOneName()) {
+            readAlone(factors[0], names, result);
         } else {
             multiply(factors, names, result);
         }
@@ -206,7 +225,7 @@ private:
     // Refuses a prefix that is also a unit: people may mean W/(m·K) by "W/m°C".
     bool takePrefixedScale(CSpan name, bool isAlone, CReading& result) const {
         const std::string_view prefix = prefixedScale(name.of(m_Text), m_Catalogue)->Prefix;
-        const bool isAmbiguous = !isAlone && meaningOf(prefix, m_Catalogue);
+        const bool isAmbiguous = !isAlone && find(prefix, m_Catalogue);
         if (m_Options.Differences && !isAmbiguous) {
             result.HasDifference = true;
             return true;
@@ -217,33 +236,79 @@ private:
         return false;
     }
 
-    bool takeDifference(CSpan name, CMeaning& unit, CReading& result) const {
-        if (!m_Options.Differences) {
-            refuse(eRefusal::OFFSET_IN_PRODUCT, name, sentences::SCALE_IN_PRODUCT, result);
-            return false;
+    void readAlone(const CNamedFactor& factor, const CCatalogueNames& names,
+                   CReading& result) const {
+        if (!CCatalogueNames::isPrefixedScale(factor)) {
+            result.Meaning.emplace(names.found(factor).meaning());
+        } else if (takePrefixedScale(factor.Name, true, result)) {
+            result.Meaning = prefixedScale(factor.Name.of(m_Text), m_Catalogue)->Meaning;
         }
-        unit = unit.difference();
-        result.HasDifference = true;
+    }
+
+    // Returns what a factor of a product means.
+    CMeaning meaningInProduct(const CNamedFactor& factor, const CCatalogueNames& names) const {
+        if (CCatalogueNames::isPrefixedScale(factor)) {
+            return prefixedScale(factor.Name.of(m_Text), m_Catalogue)->Meaning;
+        }
+        const CFound& found = names.found(factor);
+        return found.hasOffset() ? found.meaning().difference() : found.meaning();
+    }
+
+    // Returns false and refuses the text if a factor is an offset unit, unless its difference is meant.
+    bool takeDifferences(const CNamedFactors& factors, const CCatalogueNames& names,
+                         CReading& result) const {
+        for (const CNamedFactor& factor : factors) {
+            if (CCatalogueNames::isPrefixedScale(factor)) {
+                if (!takePrefixedScale(factor.Name, false, result)) {
+                    return false;
+                }
+            } else if (names.found(factor).hasOffset()) {
+                if (!m_Options.Differences) {
+                    refuse(eRefusal::OFFSET_IN_PRODUCT, factor.Name, sentences::SCALE_IN_PRODUCT,
+                           result);
+                    return false;
+                }
+                result.HasDifference = true;
+            }
+        }
         return true;
     }
 
-    void multiply(const CNamedFactors& factors, CCatalogueNames& names, CReading& result) const {
-        CMeaning product;
+    void multiply(const CNamedFactors& factors, const CCatalogueNames& names,
+                  CReading& result) const {
+        if (!takeDifferences(factors, names, result)) {
+            return;
+        }
+        if (factors.empty()) {
+            result.Meaning.emplace();
+        }
         for (const CNamedFactor& factor : factors) {
             try {
-                product.multiplyBy(names.meaning(factor), {factor.Pow, factor.Root});
-            } catch (const CError& error) {
-                if (error.code() == eError::EXPONENT_RANGE) {
-                    refuse(eRefusal::EXPONENT_RANGE, factor.Name, sentences::EXPONENTS_ADD_UP,
-                           result);
-                } else {
-                    refuse(eRefusal::FACTOR_RANGE, {m_Begin, m_Text.size()},
-                           sentences::FACTOR_TOO_LONG, result);
+                if (!result.Meaning && factor.Pow == 1 && factor.Root == 1) {
+                    result.Meaning.emplace(meaningInProduct(factor, names));
+                    continue;
                 }
+                if (!result.Meaning) {
+                    result.Meaning.emplace();
+                }
+                result.Meaning->multiplyBy(meaningInProduct(factor, names),
+                                           {factor.Pow, factor.Root});
+            } catch (const CError& error) {
+                result.Meaning.reset();
+                refuseProduct(error.code(), factor, result);
                 return;
             }
         }
-        result.Meaning = std::move(product);
+    }
+
+    [[gnu::cold]] void refuseProduct(eError code, const CNamedFactor& factor,
+                                     CReading& result) const {
+        if (code == eError::EXPONENT_RANGE) {
+            refuse(eRefusal::EXPONENT_RANGE, factor.Name, sentences::EXPONENTS_ADD_UP, result);
+        } else {
+            refuse(eRefusal::FACTOR_RANGE, {m_Begin, m_Text.size()}, sentences::FACTOR_TOO_LONG,
+                   result);
+        }
     }
 
     void refuse(eRefusal code, CSpan token, const char* sentence, CReading& result) const {

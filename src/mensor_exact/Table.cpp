@@ -247,6 +247,8 @@ CMeaning CTable::meaning(std::size_t row) {
     return result;
 }
 
+bool CTable::hasOffset(std::size_t row) noexcept { return PackedRows[row].Offset != 0; }
+
 std::size_t CTable::find(std::string_view name, std::uint32_t packs) noexcept {
     constexpr std::size_t Longest = 32;  // bytes; no name is longer
     if (name.size() > Longest) {

@@ -23,6 +23,7 @@ public:
     static ePack pack(std::size_t row) noexcept;
     static std::uint32_t letters(std::size_t row) noexcept;  ///< letterSet() of the name
     static CMeaning meaning(std::size_t row);
+    static bool hasOffset(std::size_t row) noexcept;
 
     /// Returns the row with this name in one of these packs (one bit for each), or None.
     static std::size_t find(std::string_view name, std::uint32_t packs) noexcept;

@@ -50,28 +50,26 @@ constexpr CRow Written[] = {
 
 constexpr std::size_t RowCount = std::size(Written);
 
-// Holds each sentence once. A row has the number of its sentence.
+// The number of the sentence of each row, and the first row with each sentence.
 struct CSentences {
     static constexpr std::size_t Most = 250;
-    const char* All[Most] = {};
-    std::size_t Rows[Most] = {};  // the first row with each sentence
+    std::size_t Rows[Most] = {};
     std::uint8_t Numbers[RowCount] = {};
+    std::size_t Count = 0;
 };
 
 // Compares the latest sentences first: rows with one sentence are mostly next to each other.
 constexpr CSentences makeSentences() {
     CSentences sentences;
-    std::size_t count = 0;
     for (std::size_t row = 0; row < RowCount; ++row) {
-        std::size_t number = count;
+        std::size_t number = sentences.Count;
         while (number > 0 &&
                !isEqual(Written[sentences.Rows[number - 1]].Sentence, Written[row].Sentence)) {
             --number;
         }
         if (number == 0) {
-            sentences.All[count] = Written[row].Sentence.data();
-            sentences.Rows[count] = row;
-            number = ++count;
+            sentences.Rows[sentences.Count] = row;
+            number = ++sentences.Count;
         }
         sentences.Numbers[row] = static_cast<std::uint8_t>(number - 1);
     }
@@ -80,14 +78,30 @@ constexpr CSentences makeSentences() {
 
 constexpr CSentences Numbered = makeSentences();
 
+constexpr std::size_t sizeOfSentences() {
+    std::size_t size = 0;
+    for (std::size_t i = 0; i < Numbered.Count; ++i) {
+        size += Written[Numbered.Rows[i]].Sentence.size() + 1;
+    }
+    return size;
+}
+
+// Holds each sentence once, with a zero at its end.
 struct CSentenceTexts {
-    const char* All[CSentences::Most] = {};
+    char All[sizeOfSentences()] = {};
+    std::uint16_t Starts[Numbered.Count] = {};
 };
 
 constexpr CSentenceTexts makeSentenceTexts() {
+    static_assert(sizeOfSentences() < 65536);
     CSentenceTexts texts;
-    for (std::size_t i = 0; i < CSentences::Most; ++i) {
-        texts.All[i] = Numbered.All[i];
+    std::size_t end = 0;
+    for (std::size_t i = 0; i < Numbered.Count; ++i) {
+        texts.Starts[i] = static_cast<std::uint16_t>(end);
+        for (const char c : Written[Numbered.Rows[i]].Sentence) {
+            texts.All[end++] = c;
+        }
+        ++end;
     }
     return texts;
 }
@@ -131,33 +145,52 @@ constexpr std::string_view textOf(std::size_t row) {
     return {Texts + All.Rows[row].Start, All.Rows[row].Lengths[0]};
 }
 
+constexpr std::string_view behindOf(std::size_t row) {
+    const CTrap& trap = All.Rows[row];
+    return {Texts + trap.Start + trap.Lengths[0], trap.Lengths[1]};
+}
+
 constexpr CNameIndex<RowCount> Index(textOf);
 
 constexpr bool isNote(ePlace place) { return place == ePlace::UNUSUAL || place == ePlace::TOLD; }
 
-// Holds one bit for each hash of a name with a note. Few other names have such a hash.
-struct CNoteHashes {
-    static constexpr std::size_t Count = 1024;
+// Whether the reader looks for rows of this place in texts that it accepts.
+constexpr bool isCommon(ePlace place) { return place >= ePlace::HEAT && place <= ePlace::TOLD; }
+
+// Holds one bit for each hash of a common row. Few other texts have such a hash, so most look-ups end here.
+struct CHashes {
+    static constexpr std::size_t Count = 4096;
     std::uint64_t Bits[Count / 64] = {};
 
-    static constexpr std::uint64_t bitOf(std::size_t hash) { return std::uint64_t{1} << hash % 64; }
-    constexpr bool has(std::size_t hash) const {
-        return (Bits[hash % Count / 64] & bitOf(hash)) != 0;
+    constexpr void add(std::size_t hash) { Bits[hash / 64] |= std::uint64_t{1} << hash % 64; }
+    constexpr bool has(std::size_t hash) const { return (Bits[hash / 64] >> hash % 64 & 1) != 0; }
+
+    static constexpr std::size_t hashOf(ePlace place, std::string_view text,
+                                        std::string_view behind) {
+        const std::uint32_t seed = isNote(place) ? 0 : static_cast<std::uint32_t>(place);
+        const std::uint32_t hash = hashOfName(behind, hashOfName(text) + seed);
+        return (hash ^ hash >> 15) % Count;
     }
 };
 
-constexpr CNoteHashes makeNoteHashes() {
-    CNoteHashes hashes;
+constexpr CHashes makeHashes() {
+    CHashes hashes;
     for (std::size_t row = 0; row < RowCount; ++row) {
-        if (isNote(All.Rows[row].Place)) {
-            const std::size_t hash = Index.placeOf(textOf(row));
-            hashes.Bits[hash % CNoteHashes::Count / 64] |= CNoteHashes::bitOf(hash);
+        const ePlace place = All.Rows[row].Place;
+        if (isCommon(place)) {
+            hashes.add(CHashes::hashOf(place, textOf(row), {}));
+            hashes.add(CHashes::hashOf(place, textOf(row), behindOf(row)));
         }
     }
     return hashes;
 }
 
-constexpr CNoteHashes NoteHashes = makeNoteHashes();
+constexpr CHashes Hashes = makeHashes();
+
+// Returns false if no row has this place and these texts. May return true if none has.
+bool mayHave(ePlace place, std::string_view text, std::string_view behind) {
+    return !isCommon(place) || Hashes.has(CHashes::hashOf(place, text, behind));
+}
 
 // Returns the first row with this text for which `isPlace` and `isRight` return true, or null. `isPlace` is
 // cheap and excludes most of the rows.
@@ -183,25 +216,31 @@ std::string_view CTrap::piece(std::size_t index) const noexcept {
     return {Texts + start, Lengths[index]};
 }
 
-const char* CTrap::sentence() const noexcept { return Sentences.All[SentenceNumber]; }
+const char* CTrap::sentence() const noexcept {
+    return Sentences.All + Sentences.Starts[SentenceNumber];
+}
 
 const CTrap* trapsBegin() noexcept { return std::begin(All.Rows); }
 const CTrap* trapsEnd() noexcept { return std::end(All.Rows); }
 
 const CTrap* findTrap(ePlace place, std::string_view text, std::string_view behind) noexcept {
+    if (!mayHave(place, text, behind)) {
+        return nullptr;
+    }
     return find(
         text, [place](ePlace other) { return other == place; },
         [behind](const CTrap& row) { return row.behind() == behind; });
 }
 
 bool hasTrap(ePlace place, std::string_view text) noexcept {
-    return find(
+    return mayHave(place, text, {}) &&
+           find(
                text, [place](ePlace other) { return other == place; },
                [](const CTrap&) { return true; }) != nullptr;
 }
 
 const CTrap* findNote(std::string_view name) noexcept {
-    if (!NoteHashes.has(Index.placeOf(name))) {
+    if (!mayHave(ePlace::TOLD, name, {})) {
         return nullptr;
     }
     return find(name, isNote, [](const CTrap&) { return true; });
