@@ -1,11 +1,15 @@
 // DefinitionFile_fuzz.cpp: a definition file is accepted as a whole, or defines nothing. Each line of
-// an accepted file has the form of the grammar, and its unit has the meaning that a direct calculation
-// with doubles gives. The definition in the catalogue has exactly the same meaning. Each finding of a
+// an accepted file has the form of the grammar, and its unit has exactly the meaning that a calculation with
+// GMP gives. The definition in the catalogue has the same meaning. Each finding of a
 // refused file has a position in its line, and every line that it offers instead is accepted.
-#include <cmath>
+#include <gmpxx.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <map>
+#include <numeric>
+#include <optional>
 #include <regex>
 #include <sstream>
 #include <stdexcept>
@@ -13,6 +17,7 @@
 #include <vector>
 
 #include "Input.h"
+#include "exact/DefinitionTable.h"
 #include "mensor_exact/DefinitionFile.h"
 #include "mensor_exact/Reading.h"
 #include "property.h"
@@ -24,7 +29,7 @@ using mensor::exact::CDefinitionFile;
 using mensor::exact::CMeaning;
 using mensor::exact::CPower;
 using mensor::fuzz::fail;
-using mensor::test::Quantity;
+using mensor::test::Fraction;
 
 namespace {
 
@@ -50,66 +55,216 @@ std::string definitionIn(const std::string& line) {
     return std::regex_replace(std::regex_replace(line, Comment, ""), Ends, "");
 }
 
-Quantity quantityOf(const CMeaning& meaning) {
-    Quantity quantity;
-    for (const CPower& power : meaning.dimensions()) {
-        quantity.Exponents[power.Name] = {power.Exponent.numerator(), power.Exponent.denominator()};
+// The exact number of a text like "9/10", "-160/9" or "1e-24".
+mpq_class exactNumber(std::string text) {
+    for (char& c : text) {
+        c = c == 'E' ? 'e' : c;
     }
-    quantity.Factor = meaning.factor().toDouble();
-    quantity.Offset = meaning.offset().toDouble();
+    const bool isNegative = text[0] == '-';
+    const std::vector<std::string> parts = split(text.substr(isNegative ? 1 : 0), "/");
+    mpq_class number = decimal(parts[0]);
+    if (parts.size() > 1) {
+        number /= decimal(parts[1]);
+    }
+    return isNegative ? mpq_class(-number) : number;
+}
+
+// A quantity that GMP computes: Radicand^(1/Root)·π^Pi base units, and the zero in base units.
+struct ExactQuantity {
+    std::map<std::string, Fraction>
+        Exponents;  // of dimensions and marks; not zero, in lowest terms
+    mpq_class Radicand = 1;
+    std::int64_t Root = 1;
+    Fraction Pi{0, 1};
+    mpq_class Offset = 0;
+
+    ExactQuantity to(Fraction power) const {
+        if (power == Fraction{1, 1}) {
+            return *this;
+        }
+        ExactQuantity result;
+        if (power.first != 0) {
+            for (const auto& [base, exponent] : Exponents) {
+                result.Exponents[base] = product(exponent, power);
+            }
+            result.Radicand = raised(Radicand, power.first);
+            result.Root = Root * power.second;
+            result.Pi = product(Pi, power);
+        }
+        return result;
+    }
+
+    ExactQuantity times(const ExactQuantity& other) const {
+        ExactQuantity result = *this;
+        for (const auto& [base, exponent] : other.Exponents) {
+            Fraction& mine = result.Exponents.emplace(base, Fraction{0, 1}).first->second;
+            mine = sum(mine, exponent);
+            if (mine.first == 0) {
+                result.Exponents.erase(base);
+            }
+        }
+        result.Root = std::lcm(Root, other.Root);
+        result.Radicand =
+            raised(Radicand, result.Root / Root) * raised(other.Radicand, result.Root / other.Root);
+        result.Pi = sum(Pi, other.Pi);
+        result.Offset = 0;
+        return result;
+    }
+
+    ExactQuantity over(const ExactQuantity& other) const { return times(other.to({-1, 1})); }
+
+    friend bool operator==(const ExactQuantity& a, const ExactQuantity& b) {
+        const std::int64_t root = std::lcm(a.Root, b.Root);
+        return a.Exponents == b.Exponents && a.Pi == b.Pi && a.Offset == b.Offset &&
+               raised(a.Radicand, root / a.Root) == raised(b.Radicand, root / b.Root);
+    }
+
+private:
+    static Fraction product(Fraction a, Fraction b) {
+        return test::lowest(a.first * b.first, a.second * b.second);
+    }
+
+    static Fraction sum(Fraction a, Fraction b) {
+        return test::lowest(a.first * b.second + b.first * a.second, a.second * b.second);
+    }
+
+    // @throws std::invalid_argument  the result is too large to be computed.
+    static mpq_class raised(const mpq_class& number, std::int64_t exponent) {
+        const auto times = static_cast<unsigned long>(std::abs(exponent));
+        mpz_class above;
+        mpz_class below;
+        if ((mpz_sizeinbase(number.get_num_mpz_t(), 2) +
+             mpz_sizeinbase(number.get_den_mpz_t(), 2)) *
+                times >
+            1000000) {
+            throw std::invalid_argument("a large number");
+        }
+        mpz_pow_ui(above.get_mpz_t(), number.get_num_mpz_t(), times);
+        mpz_pow_ui(below.get_mpz_t(), number.get_den_mpz_t(), times);
+        mpq_class result = exponent < 0 ? mpq_class(below, above) : mpq_class(above, below);
+        result.canonicalize();
+        return result;
+    }
+};
+
+ExactQuantity quantityOf(const Reference& reference) {
+    ExactQuantity quantity;
+    for (const auto* powers : {&reference.Dimensions, &reference.Marks}) {
+        for (const auto& [name, exponent] : *powers) {
+            quantity.Exponents[name] = {exponent, 1};
+        }
+    }
+    quantity.Radicand = reference.Factor;
+    quantity.Pi = {reference.Pi, 1};
+    quantity.Offset = reference.Offset * reference.Factor;
     return quantity;
 }
 
-double numberOf(const std::string& above, const std::string& below) {
-    const double divisor = below.empty() ? 1.0 : std::strtod(below.c_str(), nullptr);
-    return std::strtod(above.c_str(), nullptr) / divisor;
+ExactQuantity quantityOf(const CMeaning& meaning) {
+    ExactQuantity quantity;
+    for (const auto& powers : {meaning.dimensions(), meaning.marks()}) {
+        for (const CPower& power : powers) {
+            quantity.Exponents[power.Name] = {power.Exponent.numerator(),
+                                              power.Exponent.denominator()};
+        }
+    }
+    quantity.Radicand = exactNumber(meaning.factor().radicand().toString());
+    quantity.Root = meaning.factor().root();
+    const exact::CExponent pi = meaning.factor().piExponent();
+    quantity.Pi = {pi.numerator(), pi.denominator()};
+    quantity.Offset = exactNumber(meaning.offset().toString());
+    return quantity;
 }
 
-// Checks an accepted line. Returns the name that it defines.
-std::string checkLine(const std::string& line, const CDefinitionFile& file) {
-    static const std::string Number = "([0-9]*\\.?[0-9]*(?:[eE][+-]?[0-9]+)?)";
-    static const std::regex Form("^(?:replace[ \t]+)?([^]*?)[ \t]*=[ \t]*(?:(base[ \t]+unit)|" +
-                                 Number + "(?:/" + Number +
-                                 ")?[ \t]*([^,]*?)[ \t]*(?:,[ \t]*zero[ \t]+at[ \t]*([^0-9.\\s]+)" +
-                                 "[ \t]*" + Number + "(?:/" + Number + ")?[ \t]*([^,]*))?)$");
-    std::smatch parts;
-    if (!std::regex_match(line, parts, Form)) {
-        fail(line, "is accepted, but does not have the form of the grammar");
-    }
-    const std::string name = parts[1];
-    for (const std::string& own : file.Names) {  // its unit may be defined by another line
-        if (parts.str(5).find(own) != std::string::npos ||
-            parts.str(9).find(own) != std::string::npos) {
-            return name;
-        }
-    }
-    const CMeaning meaning = exact::read(name, file.Catalogue);
-    Quantity expected;
-    try {
-        if (parts[2].matched) {
-            expected.Exponents[name] = {1, 1};
-        } else {
-            const Quantity unit = test::calculated(parts[5]);
-            const double number = numberOf(parts[3], parts[4]);
-            expected = unit.times(number);
-            expected.Offset = unit.Offset;
-            if (parts[6].matched) {
-                const Quantity zeroUnit = test::calculated(parts[9]);
-                const std::string sign = parts[6];
-                const bool isPlus = sign == "+" || sign == "\uFF0B";
-                const double zero = (isPlus ? 1.0 : -1.0) * numberOf(parts[7], parts[8]);
-                expected.Offset = zero * zeroUnit.Factor + zeroUnit.Offset;
+// The built-in units, computed from the rows of their definitions.
+const std::map<std::string, ExactQuantity>& builtInUnits() {
+    static const std::map<std::string, ExactQuantity> Units = [] {
+        std::map<std::string, ExactQuantity> units;
+        const DefinitionTable table;
+        for (const DefinitionRow& row : table.rows()) {
+            if (row.Set == "CATALOGUE" || row.Set == "SI") {
+                units.emplace(row.Name, quantityOf(table.meaningOf(row)));
             }
         }
-    } catch (const std::invalid_argument&) {
-        return name;  // the calculation does not know a name in it
-    }
-    const bool isInRange = std::isnormal(expected.Factor) && std::isfinite(expected.Offset);
-    if (isInRange && !areSame(quantityOf(meaning), expected)) {
-        fail(line, "means another unit");
-    }
-    return name;
+        return units;
+    }();
+    return Units;
 }
+
+// The units of a file, calculated line by line.
+class CalculatedFile {
+public:
+    // Calculates an accepted line. Returns the name that it defines.
+    std::string add(const std::string& line) {
+        static const std::string Number = "([0-9]*\\.?[0-9]*(?:[eE][+-]?[0-9]+)?)";
+        static const std::regex Form(
+            "^(?:replace[ \t]+)?([^]*?)[ \t]*=[ \t]*(?:(base[ \t]+unit)|" + Number + "(?:/" +
+            Number + ")?[ \t]*([^,]*?)[ \t]*(?:,[ \t]*zero[ \t]+at[ \t]*([^0-9.\\s]+)" + "[ \t]*" +
+            Number + "(?:/" + Number + ")?[ \t]*([^,]*))?)$");
+        std::smatch parts;
+        if (!std::regex_match(line, parts, Form)) {
+            fail(line, "is accepted, but does not have the form of the grammar");
+        }
+        const std::string name = parts[1];
+        ExactQuantity unit;
+        try {
+            if (parts[2].matched) {
+                unit.Exponents[name] = {1, 1};
+            } else {
+                const ExactQuantity size = calculated(parts[5]);
+                ExactQuantity number;
+                number.Radicand = numberOf(parts[3], parts[4]);
+                unit = size.times(number);
+                unit.Offset = size.Offset;
+                if (parts[6].matched) {
+                    const ExactQuantity zero = calculated(parts[9]);
+                    const bool isPlus = parts[6] == "+" || parts[6] == "\uFF0B";
+                    const mpq_class value = numberOf(parts[7], parts[8]) * zero.Radicand;
+                    unit.Offset = (isPlus ? value : mpq_class(-value)) + zero.Offset;
+                }
+            }
+        } catch (const std::invalid_argument&) {  // the calculation does not know a name
+            m_Units[plain(name)] = std::nullopt;
+            return name;
+        }
+        // Another spelling of the same name may have another meaning.
+        const bool isSure = plain(name) == name;
+        m_Units[plain(name)] = isSure ? std::optional(unit) : std::nullopt;
+        return name;
+    }
+
+    void compare(const CDefinitionFile& file) const {
+        for (const auto& [name, unit] : m_Units) {
+            if (unit && !(quantityOf(exact::read(name, file.Catalogue)) == *unit)) {
+                fail(name, "means another unit");
+            }
+        }
+    }
+
+private:
+    static mpq_class numberOf(const std::string& above, const std::string& below) {
+        return exactNumber(below.empty() ? above : above + "/" + below);
+    }
+
+    ExactQuantity calculated(const std::string& text) const {
+        const auto named = [this](const std::string& name) -> const ExactQuantity* {
+            const auto own = m_Units.find(name);
+            if (own != m_Units.end()) {
+                return own->second ? &*own->second : nullptr;
+            }
+            const auto builtIn = builtInUnits().find(name);
+            return builtIn == builtInUnits().end() ? nullptr : &builtIn->second;
+        };
+        return test::Calculation<ExactQuantity, decltype(named)>(text, named).result();
+    }
+
+    static std::string plain(const std::string& name) {
+        return test::Calculation<test::Quantity, std::nullptr_t>::plain(name);
+    }
+
+    // The latest meaning of each name. Empty if it is not calculated.
+    std::map<std::string, std::optional<ExactQuantity>> m_Units;
+};
 
 void checkAccepted(const std::string& text, const CDefinitionFile& file) {
     std::vector<std::string> definitions;
@@ -122,11 +277,13 @@ void checkAccepted(const std::string& text, const CDefinitionFile& file) {
     if (definitions.size() != file.Names.size()) {
         fail(text, "has a wrong number of definitions");
     }
+    CalculatedFile calculated;
     for (std::size_t i = 0; i < definitions.size(); ++i) {
-        if (checkLine(definitions[i], file) != file.Names[i]) {
+        if (calculated.add(definitions[i]) != file.Names[i]) {
             fail(definitions[i], "has a wrong name");
         }
     }
+    calculated.compare(file);
     file.Catalogue.forEach([&](const exact::CDefinition& definition) {
         const bool isOwn = definition.Pack == exact::ePack::OWN && !definition.Text.empty();
         if (isOwn &&

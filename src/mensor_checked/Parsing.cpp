@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "mensor_checked/Names.h"
+#include "mensor_checked/PlannedNames.h"
 #include "mensor_checked/Rounding.h"
 #include "mensor_checked/everyday_names.h"
 #include "mensor_checked/words.h"
@@ -25,9 +26,15 @@ const exact::CCatalogue& allPackNames() {
     return All;
 }
 
+// Returns the meaning of a name that is not in the registry: of one that a table plans, or of the pack EVERYDAY.
+std::optional<CMeaning> meaningWithoutUnit(std::string_view name) {
+    std::optional<CMeaning> planned = plannedMeaning(name);
+    return planned ? planned : everydayMeaning(name);
+}
+
 std::optional<CMeaning> meaningOfName(std::string_view name) {
     const CName* const known = knownName(name);
-    return known != nullptr ? tryMeaningOf(known->Unit) : everydayMeaning(name);
+    return known != nullptr ? tryMeaningOf(known->Unit) : meaningWithoutUnit(name);
 }
 
 // Finds names in the registry and in the pack EVERYDAY, and numbers the units that it has found from 1.
@@ -41,7 +48,7 @@ public:
             factor.HasOffset = known->HasOffset;
             factor.IsPrefixed = known->Prefixed.has_value();
         } else if (!isLateName(name)) {
-            factor.Everyday = everydayMeaning(name);
+            factor.Everyday = meaningWithoutUnit(name);
             if (!factor.Everyday) {
                 return None;
             }
@@ -53,21 +60,24 @@ public:
     }
 
     bool knows(std::string_view name) override {
-        return knownName(name) != nullptr || everydayMeaning(name).has_value();
+        return knownName(name) != nullptr || meaningWithoutUnit(name).has_value();
     }
 
     // The registry does not know which labels the program added. Their meanings differ from the table.
     bool isOwn(std::string_view name) override {
         const CName* const known = knownName(name);
         if (known == nullptr) {
-            return false;
+            return plannedMeaning(name).has_value();
         }
         const std::optional<CMeaning> row = allPackNames().meaning(name);
         const std::optional<CMeaning> meaning = tryMeaningOf(known->Unit);
         return !row || !meaning || !areSame(*row, *meaning, known->Unit);
     }
 
-    void addNamesTo(exact::CNearestNames& nearest) override { checked::addNamesTo(nearest); }
+    void addNamesTo(exact::CNearestNames& nearest) override {
+        checked::addNamesTo(nearest);
+        addPlannedNamesTo(nearest);
+    }
 
     bool offers(exact::ePack) override { return true; }
 

@@ -1064,8 +1064,8 @@ private:
     CNamedFactors& m_Factors;
     CRefusal& m_Refusal;
     CCursor m_Cursor;
-    CSpan m_CaretPower;  // the number after the latest "^"
-    CSpan m_PlainName;   // the latest name without brackets
+    CSpan m_CaretPower;           // the number after the latest "^"
+    CSpan m_PlainName;            // the latest name without brackets
     std::size_t m_FactorEnd = 0;  // where the latest factor of a product or the latest "1" ends
 };
 

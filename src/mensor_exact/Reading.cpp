@@ -108,7 +108,8 @@ struct CPrefixedScale {
     CMeaning Meaning;  // the meaning of its differences
 };
 
-[[gnu::cold]] std::optional<CPrefixedScale> prefixedScale(std::string_view name, const CCatalogue& catalogue) {
+[[gnu::cold]] std::optional<CPrefixedScale> prefixedScale(std::string_view name,
+                                                          const CCatalogue& catalogue) {
     for (const CPrefix& prefix : Prefixes) {
         const std::size_t length = prefix.Symbol.size();
         if (name.size() <= length || name.substr(0, length) != prefix.Symbol) {

@@ -233,10 +233,9 @@ const CTrap* findTrap(ePlace place, std::string_view text, std::string_view behi
 }
 
 bool hasTrap(ePlace place, std::string_view text) noexcept {
-    return mayHave(place, text, {}) &&
-           find(
-               text, [place](ePlace other) { return other == place; },
-               [](const CTrap&) { return true; }) != nullptr;
+    return mayHave(place, text, {}) && find(
+                                           text, [place](ePlace other) { return other == place; },
+                                           [](const CTrap&) { return true; }) != nullptr;
 }
 
 const CTrap* findNote(std::string_view name) noexcept {

@@ -82,11 +82,66 @@ TEST(OwnUnits, MayBeBaseUnits) {
     EXPECT_FALSE(readUnit("qEUR")->isCompatible(SI::Meter()));
 }
 
-TEST(OwnUnits, OnlySymbolsOfBaseUnitsStayWhenATableIsRefused) {
-    EXPECT_FALSE(tryDefineUnits("qGBP = base unit\nqpence = 1/100 qGBP\nqx = 3 xyzzy\n"));
-    EXPECT_EQ(CUnitFormat::unitFor("qpence"), nullptr);
-    EXPECT_NE(CUnitFormat::unitFor("qGBP"), nullptr) << "the registry cannot remove a symbol";
-    EXPECT_TRUE(tryDefineUnits("qGBP = base unit\nqpence = 1/100 qGBP\n"));
+// The registry cannot remove the symbol of a base unit.
+TEST(OwnUnits, NoSymbolOfABaseUnitStaysWhenATableIsRefused) {
+    const Tables before;
+    const struct {
+        const char* Table;
+        const char* Refusal;
+    } rows[] = {
+        {"qGBP = base unit\nqpence = 1/100 qGBP\nqx = 3 xyzzy\n", "3 UNKNOWN_NAME 'xyzzy'"},
+        {"qGBP = base unit\nqx = 3 qGBPP\n", "2 UNKNOWN_NAME 'qGBPP'"},
+        {"qGBP = base unit\nqpence = 1/100 qGBP\nqx = 1 qpence/m/s\n", "3 SECOND_DIVISION '/'"},
+        {"qGBP = base unit\nkm = 3 qGBP\n", "2 COLLISION 'km'"},
+        {"qGBP = base unit\nqGBP = 3 m\n", "2 COLLISION 'qGBP'"},
+        {"qGBP = base unit\nqx = 3 qGBP\nqx = 4 qGBP\n", "3 COLLISION 'qx'"},
+        {"qGBP = base unit\nqx = 3 qGBP, zero at +1 m\n", "2 DIFFERENT_DIMENSIONS 'm'"},
+        {"qGBP = base unit\nqx = 3 m, zero at +1 qGBP\n", "2 DIFFERENT_DIMENSIONS 'qGBP'"},
+        {"qGBP = base unit\nqx = 3 qGBP·°C\n", "2 OFFSET_IN_PRODUCT '°C'"},
+        {"qGBP = base unit\nqx = 1e999 qGBP\n", "2 FACTOR_RANGE '1e999'"},
+        {"qGBP = base unit\nqx = 1e200 qGBP\nqy = 1e200 qx\n", "3 REFUSED_BY_LIBRARY 'qy'"},
+        {"qGBP = base unit\nqx = 3 qGBP^99\nqy = 3 qx·qGBP\n", "3 EXPONENT_RANGE 'qGBP'"},
+        {"qGBP = base unit\nqx 3\n", "2 MISSING_OPERATOR 'qx 3'"},
+        {"qdollar_US = base unit\nqdollar_CA = base unit\n", "2 COLLISION 'qdollar_CA'"},
+    };
+    for (const auto& row : rows) {
+        const CDefinitions result = tryDefineUnits(row.Table);
+        ASSERT_EQ(result.Findings.size(), 1U) << row.Table;
+        const CLineFinding& finding = result.Findings[0];
+        EXPECT_EQ(std::to_string(finding.Line) + " " + nameOf(finding.Refusal.Code) + " '" +
+                      finding.Refusal.Token + "'",
+                  row.Refusal)
+            << row.Table;
+        EXPECT_TRUE(result.Names.empty()) << row.Table;
+        EXPECT_EQ(CUnit::searchSymbol("qGBP"), nullptr) << row.Table;
+        EXPECT_EQ(CUnit::searchSymbol("qdollar_US"), nullptr) << row.Table;
+    }
+    EXPECT_EQ(Tables(), before);
+    EXPECT_THAT(defineUnits("qGBP = base unit\nqpence = 1/100 qGBP\n"),
+                ElementsAre("qGBP", "qpence"));
+}
+
+TEST(OwnUnits, RefusalsKnowTheNamesOfLinesAbove) {
+    const CDefinitions result = tryDefineUnits(
+        "qmoney = base unit\nqx = 3 qmonye\nqy = 3 m/qmoney/s\nkm = 1 qmoney\nqz = 2 qmoney\n"
+        "qz = 3 qmoney\n");
+    ASSERT_EQ(result.Findings.size(), 4U);
+    EXPECT_THAT(result.Findings[0].Refusal.Suggestions, ElementsAre("qmoney"));
+    EXPECT_THAT(result.Findings[1].Refusal.Readings,
+                ElementsAre("qy = 3 m/(qmoney·s)", "qy = 3 m·s/qmoney"));
+    EXPECT_EQ(result.Findings[2].Refusal.Sentence,
+              "the name \"km\" belongs to \"km\", which means \"1000 m\"");
+    EXPECT_EQ(result.Findings[2].InTheWay, CUnit::fromString("km"));
+    EXPECT_EQ(result.Findings[3].Refusal.Sentence,
+              "the name \"qz\" belongs to line 5, where it means \"2 qmoney\"");
+    EXPECT_EQ(CUnit::searchSymbol("qmoney"), nullptr);
+}
+
+TEST(OwnUnits, TheirNamesAreInTheOrderOfTheLines) {
+    EXPECT_THAT(defineUnits("qdime = base unit\nqrod = 5 m\nqten = 10 qdime\nqpole = 1 qrod\n"
+                            "qrent = 1 qten/qrod\n"),
+                ElementsAre("qdime", "qrod", "qten", "qpole", "qrent"));
+    EXPECT_THAT(readUnit("qrent"), ConvertsTo(readUnit("qdime/m"), 1, 2));
 }
 
 TEST(OwnUnits, RefusesANumberAfterTheUnitAndSuggestsLines) {

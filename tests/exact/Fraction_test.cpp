@@ -198,5 +198,20 @@ TEST(Fraction, CountsItsBits) {
     EXPECT_FALSE(text("1e4000").needsMoreThan(13289));
 }
 
+TEST(Fraction, CopiesOfALargeFractionShareItUntilTheLastOneIsGone) {
+    const CFraction large = CFraction(3).power(500) / CFraction(7).power(300);
+    CFraction copy = large;
+    CFraction moved = std::move(copy);
+    EXPECT_EQ(moved, large);
+    copy = moved;
+    copy = *&copy;
+    EXPECT_EQ(copy, large);
+    moved = CFraction(1);
+    EXPECT_EQ(copy, large);
+    EXPECT_EQ(moved, CFraction(1));
+    copy = CFraction(2);
+    EXPECT_EQ(large * CFraction(7).power(300), CFraction(3).power(500));
+}
+
 }  // namespace
 }  // namespace mensor::exact

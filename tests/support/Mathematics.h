@@ -187,9 +187,11 @@ inline const std::map<std::string, Quantity>& everyName() {
     return Names;
 }
 
+/// Computes a text with quantities of any kind. `Named(name)` returns the quantity of a name, or null.
+template <class Quantity, class Named>
 class Calculation {
 public:
-    explicit Calculation(const std::string& text) : m_Text(plain(text)) {}
+    Calculation(const std::string& text, Named named) : m_Text(plain(text)), m_Named(named) {}
 
     Quantity result() {
         bool isOperand = false;  // whether the last token ends an operand
@@ -231,7 +233,6 @@ public:
         return m_Operands.empty() ? Quantity() : m_Operands.back();
     }
 
-private:
     // All variants of a sign as one ASCII character: "@" is the root, and "^" comes before exponents.
     static std::string plain(const std::string& text) {
         static const std::vector<std::pair<std::string, std::string>> Signs = [] {
@@ -291,6 +292,7 @@ private:
         return result;
     }
 
+private:
     static bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
     // A full stop between names multiplies. Between digits it is a decimal point of an exponent,
@@ -310,14 +312,15 @@ private:
         if (name == "One") {
             return Quantity();
         }
-        if (everyName().count(name) == 0 && name.back() == 'L') {
+        const Quantity* found = m_Named(name);
+        if (found == nullptr && name.back() == 'L') {
             name.back() = 'l';
+            found = m_Named(name);
         }
-        const auto found = everyName().find(name);
-        if (found == everyName().end()) {
+        if (found == nullptr) {
             throw std::invalid_argument("no meaning for \"" + name + "\"");
         }
-        return found->second;
+        return *found;
     }
 
     // Digits directly after a name, and the full stop that multiplies.
@@ -418,12 +421,19 @@ private:
     }
 
     std::string m_Text;
+    Named m_Named;
     std::vector<Quantity> m_Operands;
     std::vector<char> m_Operators;
 };
 
 /// The meaning of `text`. @throws std::invalid_argument  a name is not in everyName().
-inline Quantity calculated(const std::string& text) { return Calculation(text).result(); }
+inline Quantity calculated(const std::string& text) {
+    const auto named = [](const std::string& name) {
+        const auto found = everyName().find(name);
+        return found == everyName().end() ? nullptr : &found->second;
+    };
+    return Calculation<Quantity, decltype(named)>(text, named).result();
+}
 
 /// The meaning of `unit` in the library: the base units of its dimension and the converter to it.
 /// @throws std::runtime_error  the dimension does not consist of base units.
