@@ -13,6 +13,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "mensor_checked/Meaning.h"
 #include "mensor_exact/NearestNames.h"
