@@ -28,6 +28,12 @@ double power(std::int64_t exponent) {
 /// The exponent of the highest bit.
 std::int64_t exponentOf(const CLeading& number) { return number.Twos + 191; }
 
+// The highest 53 bits, plus `more` last places.
+double headOf(const CLeading& number, std::uint64_t more = 0) {
+    const std::uint64_t mantissa = (number.Word[0] >> 11) + more;
+    return std::ldexp(static_cast<double>(mantissa), static_cast<int>(exponentOf(number) - 52));
+}
+
 /// A number less its highest 53 bits.
 struct CRemainder {
     std::uint64_t Word[3];
@@ -64,47 +70,42 @@ struct CRemainder {
     }
 
     // The highest 53 bits of the remainder, rounded down or up.
-    double roundedDown() const {
-        return rounded([](std::uint64_t, bool) { return false; });
-    }
+    double roundedDown() const { return headOf(leading()); }
     double roundedUp() const {
-        return rounded([](std::uint64_t rest, bool isExact) { return rest != 0 || !isExact; });
+        const CLeading bits = leading();
+        return headOf(bits, CRemainder(bits).isZero() ? 0 : 1);
     }
 
     // The highest 53 bits, rounded to the nearest double. A middle is rounded up.
     double nearest() const {
-        return rounded([](std::uint64_t rest, bool) { return rest >> 10 != 0; });
+        const CLeading bits = leading();
+        return headOf(bits, bits.Word[0] >> 10 & 1);
     }
+
+    // What roundedDown() leaves of the remainder, rounded down.
+    double belowRoundedDown() const { return CRemainder(leading()).roundedDown(); }
 
 private:
-    // `isUp(rest, isExact)` tells whether to round up. `rest` are the next 11 bits. `isExact` is false if
-    // anything follows them.
-    template <class Up>
-    double rounded(const Up& isUp) const {
-        std::uint64_t word[3] = {Word[0], Word[1], Word[2]};
-        std::int64_t twos = Twos + 128;
-        for (int i = 0; i < 2 && word[0] == 0; ++i) {
-            word[0] = word[1];
-            word[1] = word[2];
-            word[2] = 0;
-            twos -= 64;
+    // The remainder with its highest bit in the first word. All words are zero if the remainder has no
+    // known bits.
+    CLeading leading() const {
+        CLeading result = {{Word[0], Word[1], Word[2]}, Twos, IsWhole};
+        for (int i = 0; i < 2 && result.Word[0] == 0; ++i) {
+            result.Word[0] = result.Word[1];
+            result.Word[1] = result.Word[2];
+            result.Word[2] = 0;
+            result.Twos -= 64;
         }
-        if (word[0] == 0) {
-            return 0;
+        if (result.Word[0] != 0) {
+            const int up = __builtin_clzll(result.Word[0]);
+            result.Word[0] = shiftedLeft({result.Word[0], result.Word[1]}, up).High;
+            result.Word[1] = shiftedLeft({result.Word[1], result.Word[2]}, up).High;
+            result.Word[2] <<= up;
+            result.Twos -= up;
         }
-        const int up = __builtin_clzll(word[0]);
-        const CTwoWords high = shiftedLeft({word[0], word[1]}, up);
-        const bool isExact = high.Low == 0 && word[2] == 0 && IsWhole;
-        const std::uint64_t mantissa =
-            (high.High >> 11) + (isUp(high.High & 0x7FF, isExact) ? 1 : 0);
-        return static_cast<double>(mantissa) * power(twos - up + 11);
+        return result;
     }
 };
-
-// The highest 53 bits.
-double headOf(const CLeading& number) {
-    return static_cast<double>(number.Word[0] >> 11) * power(exponentOf(number) - 52);
-}
 
 std::uint64_t oddPartOf(std::uint64_t number) { return number >> __builtin_ctzll(number); }
 
@@ -174,14 +175,18 @@ CFastForm::CFastForm(const CLeading& factor, const CShortLine* line, const CSlow
         Tail = remainder.nearest();
         TailLow = remainder.less().roundedDown();
         TailHigh = remainder.more().roundedUp();
-        // From here on the result is at least 2^-960, and x can be split.
-        Least = orderedBits(power(std::max<std::int64_t>(-960 - exponent, -1000))) - 1;
+        // From here on the result is at least 2^-900, and x can be split.
+        Least = orderedBits(power(std::max<std::int64_t>(-900 - exponent, -1000))) - 1;
         // Up to here neither splitting x nor the product overflows.
         Most = orderedBits(power(std::min<std::int64_t>(1000 - exponent, 990)));
         const std::uint64_t a = HasLine ? oddPartOf(Line.A) : 0;
         const std::uint64_t d = HasLine ? oddPartOf(Line.D) : 0;
         if (HasLine && a <= mostOddPart(53) && d <= mostOddPart(53)) {
             Way = hasTies(53, a, d) && !isRightForTies(53, a, d) ? TIES : PROVED;
+        }
+        if (Way == TIES) {
+            Tail = remainder.roundedDown();
+            TailRest = remainder.belowRoundedDown();
         }
     }
     const double c = Head * 134217729.0;

@@ -88,8 +88,9 @@ struct CFastForm {
 
     double (*One)(const CFastForm& form, double x) = nullptr;  // for one value (CLoops)
     double Head = 0;
-    double Tail = 0;     // f − Head, rounded
-    double TailLow = 0;  // not negative
+    double Tail = 0;      // f − Head, rounded
+    double TailRest = 0;  // f − Head − Tail, for the way TIES
+    double TailLow = 0;   // not negative
     double TailHigh = 0;
     double HeadHigh = 0;  // Head = HeadHigh + HeadLow, each with 26 bits
     double HeadLow = 0;

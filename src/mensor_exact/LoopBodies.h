@@ -277,10 +277,16 @@ bool tiesAll(const CFastForm& form, const double* __restrict values, double* __r
     CRanges ranges;
     for (std::size_t i = 0; i < count; ++i) {
         const double x = values[i];
+#if MENSOR_FUSED
+        // For a tie, the inner sum is the exact product of x and the tail. The outer one is the tie, which
+        // the processor rounds to the even neighbour.
+        results[i] = __builtin_fma(local.Head, x, __builtin_fma(local.Tail, x, local.TailRest * x));
+#else
         // The magnitude of `high` is that of `low` or one unit in the last place larger.
         const std::int64_t low = bitsOfDouble(scaled(local, x, local.TailLow));
         const std::int64_t high = bitsOfDouble(scaled(local, x, local.TailHigh));
         results[i] = doubleOfBits(low + ((high - low) & low));
+#endif
         ranges.add(local, x);
     }
     return ranges.areGood(local);

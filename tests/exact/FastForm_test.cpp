@@ -483,6 +483,12 @@ TEST(FastForm, TailsEncloseTheRestOfTheFactor) {
         EXPECT_GE(rest, 0);
         EXPECT_LT(fractionOf(form.Head) + rest, fractionOf(std::nextafter(form.Head, 1e300)));
         EXPECT_TRUE(isBelow(std::nextafter(form.Tail, 0), rest, form.Tail)) << describe(line, form);
+        if (formOf(line, eLine::KNOWN, judge, bestLoops()).Way == TIES) {
+            const CFastForm ties = formOf(line, eLine::KNOWN, judge, bestLoops());
+            EXPECT_TRUE(isBelow(ties.Tail, rest, ties.Tail)) << describe(line, ties);
+            const mpq_class below = rest - fractionOf(ties.Tail);
+            EXPECT_TRUE(isBelow(ties.TailRest, below, ties.TailRest)) << describe(line, ties);
+        }
         const mpq_class low = rest > slack ? mpq_class(rest - slack) : mpq_class(0);
         EXPECT_TRUE(isBelow(form.TailLow, low, form.TailLow)) << describe(line, form);
         const mpq_class high = rest + slack;
@@ -536,13 +542,13 @@ TEST(FastForm, HasTheLimitsOfTheProof) {
         return formOf(line, eLine::KNOWN, WholeLine(line), bestLoops());
     };
     const CFastForm usual = limits({9, 0, 5, 0, false});
-    EXPECT_EQ(usual.Least, orderedBits(0x1p-960) - 1);
+    EXPECT_EQ(usual.Least, orderedBits(0x1p-900) - 1);
     EXPECT_EQ(usual.Most, orderedBits(0x1p990));
     const CFastForm large = limits({9, 0, 5, 500, false});
     EXPECT_EQ(large.Least, orderedBits(0x1p-1000) - 1);
     EXPECT_EQ(large.Most, orderedBits(0x1p500));
     const CFastForm small = limits({9, 0, 5, -500, false});
-    EXPECT_EQ(small.Least, orderedBits(0x1p-460) - 1);
+    EXPECT_EQ(small.Least, orderedBits(0x1p-400) - 1);
     EXPECT_EQ(small.Most, orderedBits(0x1p990));
 
     const CFastForm line = limits({9, 160, 5, 0, false});
