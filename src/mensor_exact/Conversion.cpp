@@ -22,7 +22,7 @@ namespace {
 
 // The precision, in bits, of the first bounds of an irrational factor. A random double needs about 110
 // bits to be rounded, and the hardest double about 60 more.
-constexpr int FirstBits = 256;
+constexpr int FirstBits = 240;
 
 // Numerator/Denominator·2^Twos. The numerator has the sign.
 struct CSigned {

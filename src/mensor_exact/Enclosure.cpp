@@ -22,11 +22,17 @@ CEnclosure product(const CEnclosure& a, const CEnclosure& b, int bits) {
 
 CEnclosure inverse(const CEnclosure& x, int bits) {
     const auto twos = static_cast<std::int64_t>(x.High.bits()) + bits;
-    const CWhole one = CWhole(1).shifted(twos);
-    return {one / x.High, one / x.Low + 1, -twos - x.Twos};
+    const CWhole low = CWhole(1).shifted(twos) / x.High;
+    // 1/Low − 1/High = (High − Low)/(Low·High). Low is at least 2^(bits − 1).
+    const CWhole more =
+        ((low + 1) * (x.High - x.Low)).shifted(1 - static_cast<std::int64_t>(x.Low.bits()));
+    return {low, low + more + 2, -twos - x.Twos};
 }
 
 CEnclosure power(const CEnclosure& x, int exponent, int bits) {
+    if (exponent == 1) {
+        return shortened(x, bits);
+    }
     CEnclosure result{1, 1, 0};
     CEnclosure square = x;
     for (; exponent > 0; exponent /= 2) {
@@ -77,7 +83,8 @@ CEnclosure pi(int bits) {
     if (bits <= PiBits) {
         CWhole low = 0;
         for (const std::uint64_t word : PiWords) {
-            low = low.shifted(64) + word;
+            low = low.shifted(64);
+            low += word;
         }
         return {low, low + 1, -PiBits};
     }
@@ -122,7 +129,7 @@ CWhole rootOf(const CWhole& number, int order) {
 
 CEnclosure enclose(const CFactor& factor, int bits) {
     // Each of the few steps loses some bits. A power of 99 loses at most eight.
-    const int working = bits + 64;
+    const int working = bits + 16;
     CEnclosure result = fraction(factor.radicand(), working);
     result = root(result, factor.root(), working);
     const CExponent exponent = factor.piExponent();
