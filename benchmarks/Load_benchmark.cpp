@@ -1,8 +1,8 @@
 // Load_benchmark.cpp: the cost of linking the library for a process: time from start to end, heap
 // and resident memory.
 //
-// The own part of a library is the difference between a process with it and an empty one. For the
-// same state, a database in memory, UDUNITS-2 reads its XML files.
+// The cost of a library is the difference between a process with it and an empty one. To be in the
+// same state, with all units in memory, UDUNITS-2 reads its XML files.
 #include "programs.h"
 #include "support.h"
 

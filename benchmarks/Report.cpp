@@ -10,11 +10,11 @@
 // One line of the table: two benchmarks and the ratio that is aimed at.
 struct CReport::Line {
     enum eKind {
-        AT_MOST,   // first / second should not be above the target
-        AT_LEAST,  // second / first, a gain in throughput, should not be below the target
+        AT_MOST,   // the ratio first / second should not be above the target
+        AT_LEAST,  // the ratio second / first, a gain in throughput, should not be below the target
         BYTES,     // the first alone, in bytes, should not be above the target
         TIME,      // the first alone, in nanoseconds, should not be above the target
-        HEADING    // divides the table
+        HEADING    // begins a new section of the table
     };
     eKind Kind;
     std::string Work;

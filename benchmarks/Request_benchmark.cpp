@@ -1,5 +1,5 @@
-// Request_benchmark.cpp: what a gateway does with every message: "2.5 km" comes in as text, the
-// number in metres is wanted. UDUNITS-2 leaves splitting the text and the number to its caller.
+// Request_benchmark.cpp: what a gateway does with every message: it gets the text "2.5 km" and
+// needs the number in metres. With UDUNITS-2, the caller splits the text and reads the number.
 #include "mensor/SI.h"
 #include "mensor/ValueWithUnit.h"
 #include "support.h"

@@ -1,6 +1,6 @@
-// Threads_benchmark.cpp: two threads, each on a core of its own, compared with one. There is no peer:
-// the parser of UDUNITS-2 serves one thread at a time. Each kind of work is measured with the same
-// units for both threads and with different ones.
+// Threads_benchmark.cpp: two threads, each on a core of its own, compared with one thread. There is
+// no peer: the parser of UDUNITS-2 serves one thread at a time. Each kind of work is measured twice:
+// both threads use the same units, or each uses its own.
 #include "mensor/NonSI.h"
 #include "mensor/SI.h"
 #include "mensor/ValueWithUnit.h"

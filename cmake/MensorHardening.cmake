@@ -23,7 +23,7 @@ function(mensor_hardened target)
     -fstack-protector-strong
     $<$<BOOL:${MENSOR_HAS_CF_PROTECTION}>:-fcf-protection=full>
     $<$<BOOL:${MENSOR_HAS_BRANCH_PROTECTION}>:-mbranch-protection=standard>
-    # The compiler computes the sizes only in optimised code.
+    # The compiler knows the sizes of buffers only in optimised code.
     $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>)
   target_link_options(${target} PRIVATE -Wl,-z,relro -Wl,-z,now)
 endfunction()

@@ -12,9 +12,10 @@
 #                the tests of a folder
 # Tests without a label run only where all tests run.
 
-# The code of tests is not optimised, which nearly halves the time of compiling it. The sanitizer of
-# undefined behaviour does not check it, which saves a third of that time in its build. Libraries,
-# tools, examples and the transcript are built as a user builds them, and the sanitizers check them.
+# Compiles a target of tests without optimisation, which nearly halves the time of compiling it. The
+# sanitizer of undefined behaviour does not check it, which saves a third of that time in its build.
+# Libraries, tools, examples and the transcript are built as a user builds them, and the sanitizers
+# check them.
 function(mensor_quickly_built target)
   target_compile_options(${target} PRIVATE -O0 -fno-sanitize=undefined)
 endfunction()

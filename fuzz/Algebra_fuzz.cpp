@@ -124,8 +124,8 @@ void requireCanonical(const CUnitPtr& unit, const char* operation) {
             operation, "gives an unregistered unit");
 }
 
-// `operation` returns the registered unit with the hash code of `factors`, or refuses if there are
-// none.
+// Checks that `operation` returns the registered unit with the hash code of `factors`, or throws if
+// there are no factors.
 template <class Operation>
 CUnitPtr checkProduct(const char* name, const Product& factors, Operation operation) {
     CUnitPtr unit;
@@ -137,14 +137,16 @@ CUnitPtr checkProduct(const char* name, const Product& factors, Operation operat
     require(outcome == "returned", name, ("ends with " + outcome).c_str());
     requireCanonical(unit, name);
     if (factors->empty()) {
-        require(unit == CProductUnit::one(), name, "of nothing is not the dimensionless unit");
+        require(unit == CProductUnit::one(), name,
+                "does not give the dimensionless unit for no factors");
     } else if (factors->size() == 1 && factors->front().getPow() == factors->front().getRoot()) {
-        require(unit == factors->front().getUnit(), name, "of one unit is not this unit");
+        require(unit == factors->front().getUnit(), name,
+                "does not give the unit of a single factor");
     } else {
         require(unit->hashCode() == static_cast<int>(hashOf(*factors)), name,
                 "does not have the hash code of its factors");
     }
-    require(operation() == unit, name, "is another unit the second time");
+    require(operation() == unit, name, "gives another unit the second time");
     return unit;
 }
 
@@ -174,7 +176,7 @@ CUnitPtr checkRoot(const CUnitPtr& unit, int n) {
         return nullptr;
     }
     if (n == 1) {
-        require(root() == unit, "a root of 1", "is another");
+        require(root() == unit, "a root of 1", "is another unit");
         return unit;
     }
     if (n == std::numeric_limits<int>::min()) {
@@ -243,7 +245,7 @@ void checkConversion(const CUnitPtr& from, const CUnitPtr& to, double value) {
                 ("ends with " + outcome).c_str());
         return;
     }
-    // A new converter, so no cached one is used.
+    // Made without the caches of the library.
     CConverterPtr expected;
     const std::string ofContext = outcomeOf([&] {
         const CConverterPtr there = from->getCtxToDimension();
@@ -261,8 +263,8 @@ void checkConversion(const CUnitPtr& from, const CUnitPtr& to, double value) {
             "is converted to a wrong number by convertValueToUnit()");
     require(areSame(converter->derivative(value), expected->derivative(value)), "a converter",
             "has a wrong slope");
-    // Checks this only if no digits are lost: numbers of usual size, and offsets that are not larger, not even
-    // two that cancel.
+    // Checks this only if no digits are lost: the numbers have usual sizes, and no offset is larger than they
+    // are, not even two offsets that cancel.
     const CConverterPtr inverse = converter->inverse();
     const CConverterPtr there = from->getCtxToDimension(), back = to->getCtxToDimension();
     const auto isUsual = [](double x) { return std::fabs(x) > 1e-90 && std::fabs(x) < 1e90; };
@@ -277,7 +279,7 @@ void checkConversion(const CUnitPtr& from, const CUnitPtr& to, double value) {
     }
 }
 
-// `unit` scaled or shifted by `step`.
+// Returns `unit` scaled or shifted by `step`.
 CUnitPtr checkTransformed(const CUnitPtr& unit, const CConverterPtr& step, bool isShift,
                           double number) {
     CUnitPtr result;

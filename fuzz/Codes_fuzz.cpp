@@ -32,7 +32,8 @@ void checkTable(eSystem system, const std::string& text) {
                   "is refused as without meaning, but has no row, or the reverse");
     fuzz::require(!isRefused || row->Definition.empty(), text,
                   "is refused as without meaning, but has a definition");
-    fuzz::require(reading.Refusal.Token.End <= text.size(), text, "has a refusal beyond its end");
+    fuzz::require(reading.Refusal.Token.End <= text.size(), text,
+                  "has a refusal with a place beyond its end");
     fuzz::require(!codes::diagnose(reading.Refusal).message().empty(), text,
                   "has a refusal without words");
 }

@@ -40,7 +40,8 @@ mpz_class powerOfTen(unsigned long exponent) {
     return result;
 }
 
-// A decimal number by its own small reader; none if it is no number, or its exponent is large.
+// Reads a decimal number without the library. Returns none if it is not a number or its exponent is
+// large.
 struct CRead {
     bool IsNumber = false;
     std::optional<mpq_class> Value;
@@ -162,7 +163,7 @@ void checkText(const std::string& number, const mpq_class& result, const std::st
                int digits) {
     const CRead back = readNumber(written);
     if (!back.IsNumber) {
-        fail(number, "is converted to what is no number: " + written);
+        fail(number, "is converted to a text that is not a number: " + written);
     }
     if (!back.Value) {
         return;
@@ -176,7 +177,7 @@ void checkText(const std::string& number, const mpq_class& result, const std::st
     const bool isExact = *back.Value == result;
     const bool isWhole = rounded(result, 17) == result;
     if (isWhole && !isExact) {
-        fail(number, "is not written whole: " + written);
+        fail(number, "is not written with all digits: " + written);
     }
     if (!isExact && doubleOf(*back.Value) != doubleOf(result)) {
         fail(number, "reads back as another double: " + written);
@@ -207,7 +208,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     if (!expected.IsNumber) {
-        fail(number, "is read, but is no number");
+        fail(number, "is read, but is not a number");
     }
     if (!expected.Value) {
         return 0;

@@ -294,7 +294,7 @@ void checkAccepted(const std::string& text, const CDefinitionFile& file) {
     });
 }
 
-// Whether the readings are whole lines and not texts for a unit in the line.
+// Returns whether the readings are whole lines and not texts for a unit in the line.
 bool isOfLine(const exact::CDiagnosis& refusal) {
     return refusal.Code == exact::eRefusal::NAME_TAKEN ||
            refusal.Code == exact::eRefusal::NO_NUMBER ||

@@ -1,5 +1,5 @@
-// Input.h: an input as one text, or its bytes as choices, one after the other; zeros after the last
-// byte.
+// Input.h: gives the input of a fuzzer as one text, or its bytes one by one as choices. After the
+// last byte it gives zeros.
 //
 //     fuzz::CInput input(data, size);
 //     while (!input.empty()) {
@@ -18,8 +18,8 @@
 
 namespace mensor::fuzz {
 
-/// The input as one text; none if it is longer than `longest`. Units stay until the process ends,
-/// and long texts show nothing new.
+/// Returns the input as one text, or none if it is longer than `longest`. Units stay until the
+/// process ends, and longer texts would find nothing new.
 inline std::optional<std::string> shortText(const std::uint8_t* data, std::size_t size,
                                             std::size_t longest) {
     return size <= longest ? std::optional<std::string>(std::in_place, data, data + size)
@@ -34,7 +34,7 @@ public:
 
     std::uint8_t byte() { return empty() ? std::uint8_t{0} : *m_Position++; }
 
-    /// From 0 to `count` - 1, at most 255.
+    /// Returns a number from 0 to `count` - 1. `count` is at most 256.
     std::size_t below(std::size_t count) { return byte() % count; }
 
     std::uint32_t word() {
@@ -45,7 +45,7 @@ public:
         return result;
     }
 
-    /// Any double, from its bits.
+    /// Returns any double, made from the next eight bytes.
     double real() {
         const std::uint64_t high = word();
         const std::uint64_t bits = high << 32 | word();
@@ -54,7 +54,7 @@ public:
         return result;
     }
 
-    /// At most `longest` bytes; the next byte is their number.
+    /// Returns a text of at most `longest` bytes. The next byte of the input is its length.
     std::string text(std::size_t longest) {
         const auto left = static_cast<std::size_t>(m_End - m_Position);
         const std::size_t length = std::min(below(longest + 1), left > 0 ? left - 1 : 0);

@@ -114,7 +114,7 @@ public:
 private:
     static std::string refusal(const std::string& message) {
         return std::string("std::invalid_argument: ") +
-               message.c_str();  // up to its first zero byte
+               message.c_str();  // stops at the first zero byte
     }
 
     std::map<std::string, CUnitPtr> m_Labelled, m_Aliases, m_Symbols;
@@ -145,7 +145,8 @@ public:
                 case 0:
                 case 1: label(unit, text); break;
                 case 2:
-                    require(CUnitFormat::alias(unit, text) == unit, text, "is no alias");
+                    require(CUnitFormat::alias(unit, text) == unit, text,
+                            "is not accepted as an alias");
                     names().alias(unit, text);
                     break;
                 case 3: labelPrefixed(unit); break;

@@ -1,5 +1,5 @@
 // String_fuzz.cpp: compares the string class with a simple model that decodes the whole text at
-// each operation: it counts, indexes, cuts and iterates the same code points, and keeps every byte.
+// each operation. Both must count, index, cut and iterate the same code points and keep every byte.
 // The bytes of the input are operations on three texts.
 #include <array>
 #include <cstddef>
@@ -88,7 +88,7 @@ void compare(const utf8_string& text, const std::string& bytes) {
     require(index == pieces.size(), bytes, "ends before its last code point");
     require(text[index] == 0 && *text.end() == 0, bytes, "is not 0 at its end");
     const auto end = text.end();
-    require(++text.end() == end, bytes, "lets an iterator pass its end");
+    require(++text.end() == end, bytes, "has an iterator that passes the end");
 }
 
 void checkPastTheEnd(const utf8_string& text) {
@@ -112,7 +112,7 @@ void compareOrder(const utf8_string& a, const utf8_string& b, const std::string&
     expected.width(7);
     stream << a;
     expected << x;
-    require(stream.str() == expected.str(), x, "is streamed wrongly");
+    require(stream.str() == expected.str(), x, "is written wrongly to a stream");
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 // Ucum_fuzz.cpp: a text is a code of UCUM exactly if the grammar accepts it. The code for the meaning
-// of a code has that meaning again. A refusal has a position in the text. The other systems survive the
-// text, too.
+// of a code has that meaning again. A refusal has a position in the text. Reading the text in the other
+// systems does not crash.
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -17,7 +17,7 @@ namespace {
 
 void checkRefusal(const std::string& text, const codes::CRefusal& refusal) {
     fuzz::require(refusal.Token.Begin <= refusal.Token.End && refusal.Token.End <= text.size(),
-                  text, "has a refusal beyond its end");
+                  text, "has a refusal with a place beyond its end");
     const exact::CDiagnosis diagnosis = codes::diagnose(refusal);
     fuzz::require(!diagnosis.message().empty() && !diagnosis.caret().empty(), text,
                   "has a refusal without words");

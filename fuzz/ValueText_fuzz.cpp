@@ -1,8 +1,8 @@
-// ValueText_fuzz.cpp: a text gives the value of its first two parts, or exactly the exception of
-// the notation of units or of std::stod, that of the unit first. A value is written with a field of
-// 63 bytes, and its text reads as the number in that field. For two values, one in each line, the
-// sum, the difference, the conversion and the comparisons are those of the converter between their
-// units.
+// ValueText_fuzz.cpp: a text gives the value of its first two parts, or exactly the exception that
+// the notation of units or std::stod throws. If both throw, the exception is that of the unit. A
+// value is written with a field of 63 bytes, and its text reads as the number in that field. For
+// two values, one in each line, the sum, the difference, the conversion and the comparisons are
+// those of the converter between their units.
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -129,8 +129,9 @@ void checkPair(const CValueWithUnit& a, const CValueWithUnit& b) {
         return;
     }
     const double x = a.value();
-    require(areSame(sum.value(), x + converted) && sum.unit() == a.unit(), "a sum", "is another");
-    require(areSame(difference.value(), x - converted), "a difference", "is another");
+    require(areSame(sum.value(), x + converted) && sum.unit() == a.unit(), "a sum",
+            "has another value");
+    require(areSame(difference.value(), x - converted), "a difference", "has another value");
     require(areSame(changed.value(), converted) && changed.unit() == a.unit(), "a value",
             "is converted to a wrong number");
     const double smaller = std::fmin(std::fabs(x), std::fabs(converted));

@@ -31,22 +31,24 @@ inline void require(bool holds, const std::string& about, const char* property) 
     }
 }
 
-/// Whether the caches of the library are off, because its tables have been handed out.
-inline bool isWithoutMemory() { return CUnitFormat::namesVersion() == 0; }
+/// Returns whether the caches of the library are off, because its tables have been handed out.
+inline bool areCachesOff() { return CUnitFormat::namesVersion() == 0; }
 
-/// Checks the invariants of the tables. Call it after each input. It does not check at each call.
+/// Checks the invariants of the tables. Called after each input, but does the work only after some
+/// of the calls.
 ///
-/// Looking at the tables switches the caches of the library off. So after the first inputs of a
-/// process it checks only the names: these inputs test the caches, the later ones the tables. The
-/// intervals grow with the tables, since checking takes time in proportion to them.
+/// Reading the tables switches the caches of the library off. So after the first inputs of a
+/// process it checks only the names: the first inputs test the caches, the later ones the tables.
+/// The intervals between two checks grow with the tables, since checking a table takes time in
+/// proportion to its size.
 inline void checkTables() {
-    constexpr std::size_t RememberedInputs = 4000;
+    constexpr std::size_t InputsWithCaches = 4000;
     static std::size_t inputs = 0;
     static std::size_t next = 1;
     if (++inputs < next) {
         return;
     }
-    const bool isByName = inputs < RememberedInputs && !isWithoutMemory();
+    const bool isByName = inputs < InputsWithCaches && !areCachesOff();
     const std::string broken = isByName ? test::brokenName() : test::brokenInvariant();
     if (!broken.empty()) {
         fail("the inputs so far", broken);

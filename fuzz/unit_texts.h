@@ -13,8 +13,8 @@
 
 namespace mensor::fuzz {
 
-/// Whether `outcome` is "std::overflow_error: Exponent -2147483649 is out of range", with any
-/// number.
+/// Returns whether `outcome` is "std::overflow_error: Exponent -2147483649 is out of range", with
+/// any number.
 inline bool isOverflow(const std::string& outcome) {
     const std::string before = "std::overflow_error: Exponent ", behind = " is out of range";
     if (outcome.size() <= before.size() + behind.size() ||
@@ -28,7 +28,7 @@ inline bool isOverflow(const std::string& outcome) {
 }
 
 /// The number of registered units, if they can be counted without switching the caches off.
-inline std::size_t unitCount() { return isWithoutMemory() ? CUnit::instances().size() : 0; }
+inline std::size_t unitCount() { return areCachesOff() ? CUnit::instances().size() : 0; }
 
 /// Reads `text` and returns the outcome.
 inline std::string checkReading(const std::string& text) {
@@ -43,7 +43,7 @@ inline std::string checkReading(const std::string& text) {
             asked.Refusal.empty() ? outcomeOf([&] { asked.unit(); }) : asked.Refusal.c_str();
         require(outcome == expected, text, ("ends with " + outcome).c_str());
     } else if (!asked.Refusal.empty()) {
-        fail(text, "is read, and ought to end with " + asked.Refusal);
+        fail(text, "is read, but should be refused with " + asked.Refusal);
     } else {
         require(unit == asked.unit(), text, "is another unit");
     }

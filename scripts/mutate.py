@@ -129,16 +129,16 @@ def moved_by_one(literal):
 
 
 REPLACEMENTS = [
-    ("comparison turned", r" (==|!=|<=|>=|<|>) ",
+    ("comparison changed", r" (==|!=|<=|>=|<|>) ",
      {"==": ["!="], "!=": ["=="], "<": ["<=", ">="], ">": [">=", "<="], "<=": ["<", ">"], ">=": [">", "<"]}),
-    ("operator turned", r" (\+|-|\*|/|%|\^|\+=|-=|\*=|\|=) ",
+    ("operator changed", r" (\+|-|\*|/|%|\^|\+=|-=|\*=|\|=) ",
      {"+": ["-"], "-": ["+"], "*": ["/"], "/": ["*"], "%": ["*"], "^": ["|"], "+=": ["-="], "-=": ["+="],
       "*=": ["/="], "|=": ["="]}),
-    ("operator turned", r"(\+\+|--)(?=[A-Za-z_(*])", {"++": ["--"], "--": ["++"]}),
-    ("connection turned", r" (&&|\|\|) ", {"&&": ["||"], "||": ["&&"]}),
+    ("operator changed", r"(\+\+|--)(?=[A-Za-z_(*])", {"++": ["--"], "--": ["++"]}),
+    ("and/or changed", r" (&&|\|\|) ", {"&&": ["||"], "||": ["&&"]}),
     ("sign dropped", r"(?<=[\s(])([-!])(?=[A-Za-z_(])", {"-": [""], "!": [""]}),
     ("branch forced", r" (\?) ", {"?": ["|| true ?", "&& false ?"]}),
-    ("truth turned", r"\b(true|false)\b", {"true": ["false"], "false": ["true"]}),
+    ("truth value changed", r"\b(true|false)\b", {"true": ["false"], "false": ["true"]}),
 ]
 
 
@@ -156,7 +156,7 @@ def mutations_of(source, text):
             for new in turned[match.group(1)]:
                 add(kind, match.start(1), match.end(1), new)
     for token in constants:
-        add("constant moved", token.start(), token.end(), moved_by_one(token.group()))
+        add("constant changed", token.start(), token.end(), moved_by_one(token.group()))
     for match in re.finditer(r"\b(if|while) ?\(", code):
         end = closing(code, match.end() - 1)
         condition = text[match.end():end]
@@ -254,7 +254,7 @@ def run(command, directory, seconds, processor_seconds):
     try:
         output = process.communicate(timeout=seconds)[0].decode(errors="replace")
     except subprocess.TimeoutExpired:
-        raise Killed("no end") from None
+        raise Killed("does not end") from None
     finally:
         try:
             os.killpg(process.pid, signal.SIGKILL)
@@ -358,7 +358,7 @@ class Laboratory:
             if not compile_targets(self.build, targets):
                 return "invalid", "does not compile"
             if self.digest(targets) == self.originals[mutation.source]:
-                return "invalid", "compiles to the same"
+                return "invalid", "compiles to the same code"
             self.tests.run_all(mutation.source)
             return "SURVIVED", ""
         except Killed as reason:
@@ -423,7 +423,7 @@ def main():
     try:
         laboratory = Laboratory(sources, arguments.build)
     except Killed as reason:
-        sys.exit(f"mutate: fails without a mutation: {reason}")
+        sys.exit(f"mutate: a test fails without a mutation: {reason}")
     counts, kinds = collections.Counter(), collections.defaultdict(collections.Counter)
     survivors, begin = [], time.monotonic()
     for mutations, wanted in draws:
@@ -454,7 +454,7 @@ def main():
     print(f"{total} mutants in {(time.monotonic() - begin) / 60:.0f} min: {counts['killed']} killed, "
           f"{counts['explained']} explained, {counts['SURVIVED']} survived "
           f"(not counted: {counts['does not compile']} that do not compile, "
-          f"{counts['compiles to the same']} that compile to the same)")
+          f"{counts['compiles to the same code']} that compile to the same code)")
     return 1 if survivors else 0
 
 

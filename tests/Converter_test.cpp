@@ -520,7 +520,8 @@ bool equals(const CConverterPtr& a, const CConverterPtr& b) {
            equals(left->second(), right->second());
 }
 
-// Whether two compounds have the same nesting, and steps of the same classes that convert the same.
+// Returns whether two compounds have the same nesting, and steps of the same classes that convert
+// the same.
 bool areAlike(const CConverterPtr& a, const CConverterPtr& b) {
     const CCompoundPtr left = asCompound(a), right = asCompound(b);
     if (left || right) {

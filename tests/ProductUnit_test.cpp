@@ -312,7 +312,7 @@ TEST(ProductUnit, TheRootOfASquareIsTheUnitItself) {
     EXPECT_EQ(CProductUnit::getRootInstance(square, 2), m);
 }
 
-TEST(ProductUnit, PowersOfASquareRoot) {
+TEST(ProductUnit, PowersOfASquareRootAreReduced) {
     const Letters units;
     const CUnitPtr m = units['a'];
     const CUnitPtr root = CProductUnit::getRootInstance(m, 2);
@@ -385,7 +385,7 @@ TEST(ProductUnit, TheCubeRootSquaredIsTheDimensionlessUnit) {
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(ProductUnit, AFactorWithHashWeightZeroDoesNotCount) {
+TEST(ProductUnit, AFactorWithHashWeightZeroDoesNotChangeTheHashCode) {
     const CUnitPtr a = freshUnit();
     const CUnitPtr b = freshUnit();
     EXPECT_EQ(
@@ -527,7 +527,7 @@ TEST(ProductUnit, TheSystemUnitIsComputedOnce) {
     EXPECT_THAT(client->Asked, ElementsAre("getSystemUnit"));
 }
 
-// Otherwise it would never be freed.
+// A product that owned itself would never be freed.
 TEST(ProductUnit, AProductThatIsItsOwnSystemUnitDoesNotOwnItself) {
     const CUnitPtr m = freshUnit();
     const CUnitPtr s = freshUnit();

@@ -14,7 +14,7 @@
 namespace mensor {
 namespace {
 
-TEST(RegistrationBound, AllowsSoManyNewUnitsAndNoMore) {
+TEST(RegistrationBound, AllowsAsManyNewUnitsAsItsNumber) {
     const CUnitPtr known = SI::Meter()->multiply(11.0);
     CRegistrationBound bound(2);
     EXPECT_EQ(bound.used(), 0U);

@@ -80,7 +80,7 @@ TEST(TransformedUnit, AScaledSystemUnitConvertsByTheFactorAndThenTheIdentity) {
     EXPECT_EQ(compound->second(), CConverter::identity());
 }
 
-TEST(TransformedUnit, NestingOfTheConvertersToTheSystemUnit) {
+TEST(TransformedUnit, TheConverterToTheSystemUnitHasTheDocumentedNesting) {
     const CUnitPtr base = freshUnit();
     EXPECT_EQ(shape(toSystem(base * 1000.0)), "(*1000, id)");
     EXPECT_EQ(shape(toSystem(freshUnit() + 100.0)), "(+100, id)");
@@ -145,7 +145,7 @@ TEST(TransformedUnit, TheConvertersBetweenUnitsHaveTheDocumentedNesting) {
     EXPECT_EQ(shape(shifted->getSystemUnit()->getConverterTo(shifted)), "(id, (id, +-100))");
 }
 
-TEST(TransformedUnit, NestingOfTheConvertersOfTheCatalogue) {
+TEST(TransformedUnit, ConvertersOfTheCatalogueHaveTheDocumentedNesting) {
     EXPECT_EQ(shape(toSystem(SI::Celsius())), "(+273.14999999999998, id)");
     EXPECT_EQ(shape(toSystem(SI::Gram())), "(*0.001, id)");
     EXPECT_EQ(shape(toSystem(NonSI::Minute())), "(*60, id)");
@@ -442,7 +442,7 @@ TEST(TransformedUnit, EqualsItselfButNoEmptyPointer) {
     const CUnitPtr unit = freshUnit() * 2.0;
     EXPECT_TRUE(unit->equals(unit));
     EXPECT_FALSE(unit->equals(CUnitPtr()));
-    // Even if the converter is not equal to itself, as a chain with an offset.
+    // True even if the converter is not equal to itself, as a chain with an offset is not.
     const CUnitPtr shifted = std::make_shared<CTransformedUnit>(
         SI::Meter(), chain(chain(offset(1), factor(1)), factor(2)));
     EXPECT_TRUE(shifted->equals(shifted));

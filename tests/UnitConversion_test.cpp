@@ -68,7 +68,7 @@ TEST(UnitConversion, ADimensionThatThrowsIsNotCached) {
     EXPECT_EQ(unit->getDimension(), unit);
 }
 
-TEST(UnitConversion, DimensionsOfTheKindsOfUnits) {
+TEST(UnitConversion, EachKindOfUnitHasItsDimension) {
     const CUnitPtr m = SI::Meter();
     EXPECT_EQ(m->getDimension(), m);
     EXPECT_EQ((m * 1000.0)->getDimension(), m);
@@ -307,7 +307,7 @@ TEST(UnitConversion, ConvertsKilometresAndMetres) {
     EXPECT_THAT(km, ConvertsTo(SI::Meter() * 0.001, 1.0, 1000.0 * (1.0 / 0.001)));
 }
 
-TEST(UnitConversion, DegreesCelsiusAndKelvins) {
+TEST(UnitConversion, DegreesCelsiusConvertToKelvinsWithTheirOffset) {
     EXPECT_THAT(SI::Celsius(), ConvertsTo(SI::Kelvin(), 0.0, 273.15));
     EXPECT_THAT(SI::Kelvin(), ConvertsTo(SI::Celsius(), 273.15, 0.0));
     EXPECT_THAT(SI::Celsius(), ConvertsTo(SI::Kelvin(), 21.5, 21.5 + 273.15));

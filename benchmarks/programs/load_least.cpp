@@ -24,7 +24,7 @@ struct CStep {
 struct CEntry {
     virtual ~CEntry() = default;
     std::array<std::size_t, 23> Fields = {1, 2, 3};
-    std::shared_ptr<CStep> Steps[2];  // its converter, and the inverse
+    std::shared_ptr<CStep> Steps[2];  // the unit's converter and its inverse
 };
 
 struct CTables {

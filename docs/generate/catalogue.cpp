@@ -2,7 +2,7 @@
 //
 //     catalogue markdown > docs/catalogue.md
 //     catalogue json > catalogue.json
-//     catalogue convert 2.5 km              "2500<tab>m" and so on: what the site is compared with
+//     catalogue convert 2.5 km              "2500<tab>m" and so on, for the test of the site
 //
 // This source has the names of quantities, the definitions in words and the published values. Every
 // symbol, label and factor comes from the library.

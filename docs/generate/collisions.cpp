@@ -34,7 +34,7 @@ bool haveSameSize(const CMeaning& a, const CMeaning& b) {
 void add(unsigned hash, const std::string& text, const CMeaning& meaning) {
     for (const Expression& other : expressions[static_cast<int>(hash)]) {
         if (haveSameSize(other.Meaning, meaning)) {
-            return;  // the same by another name is no harm
+            return;  // both texts denote the same unit
         }
     }
     expressions[static_cast<int>(hash)].push_back({text, meaning});

@@ -24,7 +24,7 @@ CCatalogue everything() {
         .with(ePack::EVERYDAY);
 }
 
-// Doxygen takes a back quote before these characters for something else.
+// Doxygen would take a back quote before these characters for something else.
 std::string code(std::string_view text) {
     const bool isPlain = text.find_first_of("%'\"") == std::string_view::npos;
     return isPlain ? "`" + std::string(text) + "`" : "<code>" + std::string(text) + "</code>";
@@ -89,13 +89,13 @@ bool isNote(const CTrap& trap) {
            trap.Place == ePlace::SHAPE;
 }
 
-// Whether two rows differ in their text alone.
+// Returns whether two rows differ in their text alone.
 bool areAlike(const CTrap& a, const CTrap& b) {
     return a.Place == b.Place && a.sentence() == b.sentence() && a.first() == b.first() &&
            a.second() == b.second();
 }
 
-// Rows that are alike are one row of the page, with the message of the first.
+// Writes rows that differ in their text alone as one row, with the message of the first.
 void refused(bool isUnknown) {
     std::cout << "| Written | Code | Because |\n|---|---|---|\n";
     const CCatalogue catalogue = everything();
@@ -144,7 +144,7 @@ void forms() {
          }) {
         const CDiagnosis diagnosis = diagnose(tryReadValue(text, catalogue).Refusal, catalogue);
         std::string shown;
-        for (const char c : std::string(text)) {  // what cannot be shown in a table
+        for (const char c : std::string(text)) {  // escapes the characters that a table cannot show
             shown += c == '\n' ? "⟨U+000A⟩" : c == '\xFF' ? "⟨byte FF⟩" : std::string(1, c);
         }
         const std::size_t invisible = shown.find("\u200B");

@@ -30,7 +30,7 @@ public:
     double convert(double x) const override;
     double derivative(double x) const override;  ///< 1
     bool isLinear() const override;              ///< false
-    /// Whether `other` is an offset converter with the same offset in single precision.
+    /// Returns whether `other` is an offset converter with the same offset in single precision.
     bool equals(CConverterPtr other) const override;
 
     /// If `other` is an offset converter, a new one with the sum of both offsets. Otherwise the

@@ -37,7 +37,7 @@ public:
     void calculateHashCode() override;    ///< from the symbol alone
     CUnitPtr getCtxDimension() override;  ///< that of the base units
     CUnitPtr getSystemUnit() override;    ///< this unit
-    /// Whether `that` has the same base units, by address, and the same symbol.
+    /// Returns whether `that` has the same base units, by address, and the same symbol.
     /// @throws std::logic_error  `that` is not a system unit.
     bool equals(CUnitPtr that) const override;
     CConverterPtr getCtxToDimension() override;  ///< that of the base units

@@ -19,7 +19,8 @@ CBaseUnitPtr CBaseUnit::getInstance(const string_t& symbol) {
 }
 
 void CBaseUnit::setDimension(CUnitPtr dimension, CConverterPtr toDimension) {
-    // `this` may be a unit of another kind, see getInstance, so its class is looked up.
+    // `this` may point at a unit of another kind (see getInstance), so its class is checked at run
+    // time.
     const auto self = std::dynamic_pointer_cast<CBaseUnit>(shared_from_this());
     if (!self) {
         detail::CTextStream message;

@@ -45,7 +45,7 @@ public:
     void calculateHashCode() override;
     CUnitPtr getCtxDimension() override;  ///< what `setDimension` stored, else this unit
     CUnitPtr getSystemUnit() override;    ///< this unit
-    /// Whether the symbol of `that` has the same bytes. `that` may be of any kind.
+    /// Returns whether the symbol of `that` has the same bytes. `that` may be of any kind.
     bool equals(CUnitPtr that) const override;
     CConverterPtr getCtxToDimension()
         override;                   ///< what `setDimension` stored, else the identity converter

@@ -1,7 +1,7 @@
 // Chain.h: walks over chains of compound converters. Not installed.
 //
-// A chain may be of any length, so no function here needs a stack in proportion to it: the first
-// levels of a chain are visited by recursion, which is fast, and the levels below with a list.
+// A chain may be of any length, so no function here may need a stack that grows with it. Recursion,
+// which is fast, visits the first levels of a chain. A list holds the levels below.
 #ifndef MENSOR_CHAIN_H
 #define MENSOR_CHAIN_H
 
@@ -13,8 +13,8 @@ namespace mensor::detail {
 struct Chain {
     static constexpr int RecursionLevels = 16;
 
-    // The compound, or null if the converter is of another class. A class that a client derives
-    // from CCompound is another class: it may convert in its own way.
+    // Returns the compound, or null if the converter is of another class. A client's class derived
+    // from CCompound counts as another class: it may convert in its own way.
     static const CCompound* asCompound(const CConverter& converter) {
         return isExactly<CCompound>(converter) ? static_cast<const CCompound*>(&converter)
                                                : nullptr;

@@ -95,7 +95,7 @@ CCompound::CCompound(const CConverterPtr& first, InverseOf second)
 
 namespace {
 
-// Whether dropping this pointer is likely to destroy a compound.
+// Returns whether dropping this pointer is likely to destroy a compound.
 bool isLastOwnerOfCompound(const CConverterPtr& converter) {
     return converter.use_count() == 1 && Chain::asCompound(*converter) != nullptr;
 }

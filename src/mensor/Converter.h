@@ -47,10 +47,10 @@ public:
     /// The slope of `convert` at `x`, in target units per source unit.
     virtual double derivative(double x) const = 0;
 
-    /// Whether this is a pure scaling, that is, has no offset.
+    /// Returns whether this is a pure scaling, that is, has no offset.
     virtual bool isLinear() const = 0;
 
-    /// Whether `other` is the same scaling: both linear, slopes equal in single precision.
+    /// Returns whether `other` is the same scaling: both linear, slopes equal in single precision.
     ///
     /// Slopes are compared as floats on purpose, which allows for rounding. An empty pointer gives
     /// false.
@@ -139,10 +139,10 @@ public:
     /// The chain rule: the slope of the first step at `x`, times the slope of the second step at
     /// the value of the first.
     double derivative(double x) const override;
-    /// Whether the first step is linear. The second step does not matter, so a scaling followed by an
-    /// offset counts as linear.
+    /// Returns whether the first step is linear. The second step does not matter, so a scaling
+    /// followed by an offset counts as linear.
     bool isLinear() const override;
-    /// Whether `other` is a compound and its steps equal these, pair by pair.
+    /// Returns whether `other` is a compound and its steps equal these, pair by pair.
     bool equals(CConverterPtr other) const override;
 
     CConverterPtr first() const;   ///< the step applied first

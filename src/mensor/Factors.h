@@ -26,15 +26,15 @@ using Factors = CShortVector<Factor, 8>;
 // The elements() of clients' units. Lists of factors point into them.
 using GivenFactors = std::forward_list<std::vector<CUnitRationalPower>>;
 
-// Whether the unit is of one of the library's own kinds, whose factors are known without calling
-// elements().
+// Returns whether the unit is of one of the library's own kinds, whose factors are known without
+// calling elements().
 bool isOwnKind(const CUnit& unit);
 
 // The factors of `unit`. For a client's kind, calls elements() and adds the result to `given`.
 // Throws std::invalid_argument if an element has no unit.
 Factors factorsOf(const CUnitPtr& unit, GivenFactors& given);
 
-// `factors` as such a list. Throws as above.
+// Returns `factors` as a list of Factor. Throws as above.
 Factors factorsOf(const std::vector<CUnitRationalPower>& factors);
 
 // The product of both lists. Factors of the same unit object become one factor in lowest terms.

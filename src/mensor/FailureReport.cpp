@@ -29,9 +29,9 @@ bool findModule(char* path) {
     return true;
 }
 
-// Whether log4cplus is in the process, but its static initialisers have not run. A program that
-// links both libraries may initialise this one first. Then log4cplus cannot be configured yet, and
-// even dlopen() with RTLD_NOLOAD would initialise it. The bytes of a constant std::string of
+// Returns whether log4cplus is in the process, but its static initialisers have not run. A program
+// that links both libraries may initialise this one first. Then log4cplus cannot be configured yet,
+// and even dlopen() with RTLD_NOLOAD would initialise it. The bytes of a constant std::string of
 // log4cplus are zero until it is initialised. If the constant is not found, log4cplus was loaded
 // separately and so is initialised.
 bool isNotInitialised() {

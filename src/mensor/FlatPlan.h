@@ -26,7 +26,7 @@ namespace mensor::detail {
 /// Class contract: caller serialises the two functions that set the plan; then any thread.
 class MENSOR_API CFlatPlan {
 public:
-    /// No plan.
+    /// Creates the object without a plan.
     CFlatPlan() = default;
     ~CFlatPlan() {
         if (m_OwnsArray) {
@@ -44,14 +44,14 @@ public:
     /// must hold.
     MENSOR_LOCAL void setInverse(const CConverter& first, const CConverter& toInvert);
 
-    /// Whether all steps of `converter` are known operations, so that the plan of its inverse
-    /// follows from its own.
+    /// Returns whether all steps of `converter` are known operations, so that the plan of its
+    /// inverse follows from its own.
     MENSOR_LOCAL static bool canInvert(const CConverter& converter);
 
     /// False for a chain of more than 32 steps. The functions below need a plan.
     bool exists() const { return m_Steps != nullptr; }
 
-    /// Whether the plan is one factor or one offset. Nearly all chains are.
+    /// Returns whether the plan is one factor or one offset. Nearly all chains are.
     bool isOneOperation() const { return m_Count == 1 && m_Steps->Kind != CALL; }
 
     /// The value of such a plan at `x`.

@@ -56,7 +56,7 @@ public:
     void calculateHashCode() override;
     CUnitPtr getCtxDimension() override;
     CUnitPtr getSystemUnit() override;
-    /// Whether `that` has the same factors in any order.
+    /// Returns whether `that` has the same factors in any order.
     bool equals(CUnitPtr that) const override;
     std::vector<CUnitRationalPower> elements() override;
     /// A scaling by the product of the slopes of the factors' converters, each raised to the

@@ -49,8 +49,8 @@ inline Tables& tables() {
     return created != nullptr ? *created : createTables();
 }
 
-// Whether `unit` is the registered unit of its hash code. The caller of the second function holds
-// the mutex.
+// Returns whether `unit` is the registered unit of its hash code. The caller of the second function
+// holds the mutex.
 bool isRegistered(const CUnitPtr& unit);
 bool isRegisteredLocked(const CUnitPtr& unit);
 
@@ -64,7 +64,8 @@ extern std::atomic<unsigned> namesEpoch;
 inline void advance(std::atomic<unsigned>& epoch) {
     const unsigned next = epoch.load(std::memory_order_relaxed) + 1;
     if (next == 0) {
-        tablesHandedOut.store(true);  // no number may come twice, so the caches end here
+        tablesHandedOut.store(
+            true);  // a number must not be used twice, so the caches stay off from here on
     }
     epoch.store(next);
 }

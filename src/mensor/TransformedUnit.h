@@ -43,7 +43,8 @@ public:
     void calculateHashCode() override;    ///< the sum of those of the system unit and the converter
     CUnitPtr getCtxDimension() override;  ///< that of the system unit
     CUnitPtr getSystemUnit() override;
-    /// Whether `that` is a transformed unit of the same system unit with an equal converter.
+    /// Returns whether `that` is a transformed unit of the same system unit with an equal
+    /// converter.
     bool equals(CUnitPtr that) const override;
     CConverterPtr getCtxToDimension() override;
     /// Returns the empty text. Computes the converter to the system unit first, and throws what

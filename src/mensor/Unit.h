@@ -57,8 +57,8 @@ public:
     /// The system unit that this unit is a transformation of. A system unit returns itself.
     virtual CUnitPtr getSystemUnit() = 0;
 
-    /// Whether `that` has the same definition. False for an empty pointer. To compare registered
-    /// units, compare the pointers.
+    /// Returns whether `that` has the same definition. False for an empty pointer. To compare
+    /// registered units, compare the pointers.
     virtual bool equals(CUnitPtr that) const = 0;
 
     /// The factors of the unit. A unit that is not a product has the single factor (itself, 1, 1).
@@ -84,7 +84,7 @@ public:
     /// computed.
     int hashCode() const { return m_HashCode; }
 
-    /// Whether this unit is its own system unit.
+    /// Returns whether this unit is its own system unit.
     bool isSystemUnit();
 
     // Conversion.
@@ -95,7 +95,7 @@ public:
     ///     holds mutex().
     CUnitPtr getDimension();
 
-    /// Whether values can be converted between this unit and `that`.
+    /// Returns whether values can be converted between this unit and `that`.
     ///
     ///     SI::Joule()->isCompatible(SI::Newton() * SI::Meter());   // true
     /// @throws std::invalid_argument  `that` is empty.

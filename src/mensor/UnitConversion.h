@@ -24,7 +24,7 @@ struct UnitConversion {
         return unit.m_CachedToDimension.load(std::memory_order_relaxed);
     }
 
-    // Whether both units have the same dimension. The caller has found both in the cache.
+    // Returns whether both units have the same dimension. The caller has found both in the cache.
     static bool haveSameCachedDimension(const CUnit& left, const CUnit& right) {
         return left.m_CachedDimension.load(std::memory_order_relaxed) ==
                right.m_CachedDimension.load(std::memory_order_relaxed);

@@ -146,7 +146,7 @@ CUnitPtr CUnitFormat::label(CUnitPtr unit, const string_t& label) {
         std::swap(former->second, spare);
     }
     if (isHeld) {
-        labelOf.erase(holder->second);  // the empty label moves to the last unit that gets it
+        labelOf.erase(holder->second);  // the unit that had the empty label loses it
     }
     holder->second = unit;
     detail::advance(detail::namesEpoch);

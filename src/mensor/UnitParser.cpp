@@ -131,7 +131,7 @@ inline void CUnitParser::commit() {
     m_SlashPending = false;
 }
 
-// From the beginning of the token to `end`.
+// Returns the text from the beginning of the token to `end`.
 inline std::string_view CUnitParser::slice(const char* end) const {
     return std::string_view(m_Start, static_cast<std::size_t>(end - m_Start));
 }

@@ -63,8 +63,8 @@ private:
     CUnitPtr m_Unit;  // shared with the registry
 };
 
-/// Whether both are equal in the unit of `a`, within 1e-12 of the smaller magnitude. Zero equals
-/// only zero, and NaN equals nothing.
+/// Returns whether both are equal in the unit of `a`, within 1e-12 of the smaller magnitude. Zero
+/// equals only zero, and NaN equals nothing.
 /// @par Threads  Any thread, locks what CUnit::getConverterTo locks. This holds for all comparisons.
 MENSOR_API bool operator==(const CValueWithUnit& a, const CValueWithUnit& b);
 /// The negation of `a == b`.

@@ -26,7 +26,7 @@ double converted(double x, const CUnitPtr& from, const CUnitPtr& to) {
     return x * slope;
 }
 
-// Refuses infinity where the numbers that it was computed from are finite.
+// Throws if the result is infinite although it was computed from finite numbers.
 double requireFinite(double result, double a, double b, const char* function) {
     if (std::isfinite(a) && std::isfinite(b) && !std::isfinite(result)) {
         throw std::range_error(std::string(function) +

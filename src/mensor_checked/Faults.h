@@ -13,7 +13,7 @@ namespace mensor::checked {
 /// How the library would convert a unit wrongly.
 struct CFault {
     CUnitPtr
-        Dimension;  ///< the unit that the library takes for its dimension, if that is wrong; else none
+        Dimension;  ///< the wrong dimension that the library gives the unit; none if the dimension is right
     std::string Known;  ///< the meaning that follows from that dimension and the converter to it
 };
 

@@ -23,7 +23,8 @@ using exact::CExponent;
 using exact::CFactor;
 using exact::CFraction;
 
-// A client's own class of unit might expand into itself without end.
+// The elements of a client's own class of unit might contain that unit itself, so the expansion
+// would not end.
 constexpr int DeepestExpansion = 100;
 
 CMeaning meaning(CUnit& unit, int depth);
@@ -44,7 +45,7 @@ CMeaning before(const CMeaning& target, const CFraction& offset, const CFactor& 
     return target.shifted(offset).scaled(factor);
 }
 
-// Returns the meaning of the unit whose values `step` converts to values of `target`.
+// Returns the meaning of the unit whose values are converted by `step` to values of `target`.
 CMeaning before(const CMeaning& target, const CConverter& step) {
     if (const auto* own = dynamic_cast<const CExactConverter*>(&step)) {
         const exact::COffset offset = own->conversion().exactOffset();

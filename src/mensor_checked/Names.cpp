@@ -24,7 +24,8 @@ bool startsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;
 }
 
-// Returns whether `unit` is the litre, or the prefixed litre, that `name` is in the table of definitions.
+// Returns whether `unit` is what the table of definitions says about `name`, the litre with or
+// without a prefix.
 bool isLitre(const CUnitPtr& unit, std::string_view name) {
     const auto row = exact::CCatalogue::builtIn().meaning(name);
     return row && tryMeaningOf(unit) == row;

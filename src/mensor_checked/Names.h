@@ -24,7 +24,7 @@ namespace mensor::checked {
 /// For "psi" this function calls NonSI::Psi(), because the library has no such name before that call.
 CUnitPtr unitNamed(std::string_view name);
 
-/// Returns the unit as which a name was read: unitNamed, or the one of the pack EVERYDAY.
+/// Returns the unit that a name was read as: that of unitNamed, or that of the pack EVERYDAY.
 CUnitPtr unitRead(std::string_view name);
 
 /// Returns whether `unit` is an offset unit, such as the degree Celsius.
@@ -62,7 +62,7 @@ const CName* knownName(std::string_view name);
 /// Returns whether unitNamed(name) would register a unit.
 bool isLateName(std::string_view name);
 
-/// Adds all names that are close to the wanted one, except those like "m°C" (prefixedOffset).
+/// Adds all names that are similar to the wanted one, except those like "m°C" (prefixedOffset).
 void addNamesTo(exact::CNearestNames& nearest);
 
 /// Returns all names under which `unit` can be read: its label, its aliases and its symbol.

@@ -49,7 +49,7 @@ const CPackRow& packRow(ePack pack) {
     throw std::invalid_argument("no pack has the number " + std::to_string(static_cast<int>(pack)));
 }
 
-// The units that are not built on the unit that their definition names.
+// The units that are built on another unit than the one that their definition names.
 //
 // The identity of a unit in the registry includes the unit that it is built on. A factor to a system unit
 // is rounded only once. A gauge pressure is built on kg/(m·s²) and not on the pascal: the identity counts
@@ -132,8 +132,9 @@ CUnitPtr makeUnit(const CMeaning& meaning, std::string& fault) {
 
 [[noreturn]] void refuse(const CPackUnit& row, const std::exception& reason,
                          const CUnitPtr& inTheWay) {
-    throw CIdentityError("the pack " + quoted(nameOf(row.Pack)) + " is refused for its unit " +
-                             quoted(std::string(row.Symbol)) + ": " + reason.what(),
+    throw CIdentityError("the pack " + quoted(nameOf(row.Pack)) +
+                             " is refused because of its unit " + quoted(std::string(row.Symbol)) +
+                             ": " + reason.what(),
                          inTheWay);
 }
 

@@ -31,8 +31,8 @@ const CReadingCache::CEntry* CReadingCache::find(std::string_view text) {
     if (entry.Unit->getDimension() != entry.Dimension) {
         return nullptr;
     }
-    // Without AreExact the version does not suffice: a new symbol may give the written spelling a meaning
-    // of its own, and a new symbol does not change the version.
+    // Without AreExact the version is not enough. A new symbol does not change the version, but it may
+    // give the text, as it is written, another meaning.
     const unsigned version = CUnitFormat::namesVersion();
     if (version != 0 && version == entry.Version && entry.AreExact) {
         return &entry;

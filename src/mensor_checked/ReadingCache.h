@@ -51,8 +51,8 @@ public:
     /// Adds an entry. At most 1000 entries that are not kept for good stay.
     void store(CEntry entry);
 
-    /// Returns whether setSound() was called for `unit` with the dimension that it still has. A sound
-    /// unit is one that the library converts by its meaning.
+    /// Returns whether setSound() was called for `unit` and the dimension has stayed the same since.
+    /// A sound unit is one that the library converts as its meaning says.
     bool isSound(const CUnitPtr& unit) const;
     void setSound(const CUnitPtr& unit);
 

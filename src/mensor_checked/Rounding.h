@@ -1,14 +1,14 @@
 // Rounding.h: how far the doubles of the registry may be from the exact numbers. For the companion's own
 // use; not installed.
 //
-// The registry converts by chains of doubles. Three roundings belong to each factor and each offset: the
-// number becomes a double, the library may invert it, and the product or sum with it is rounded. Each
+// The registry converts by chains of doubles. Each factor and each offset is rounded three times: when
+// the number becomes a double, when the library inverts it, and when it is multiplied or added. Each
 // rounding is at most 2^-53 of the result.
 //
-// A product of units has one factor, the product of powers. If a factor with k roundings is raised to the
-// power p/r, they become k·p/r. `std::pow` adds two more, since its error is up to one unit in the last
-// place. The multiplication adds one. If p/r is not a double, its rounding changes the power by as many
-// roundings as the logarithm of the power.
+// A product of units has one factor, which is a product of powers. If a factor with k roundings is raised
+// to the power p/r, they count as k·p/r. `std::pow` adds two more, since its error is up to one unit in
+// the last place. The multiplication adds one. If p/r is not a double, rounding it adds as many roundings
+// as the logarithm of the power.
 #ifndef MENSOR_CHECKED_ROUNDING_H
 #define MENSOR_CHECKED_ROUNDING_H
 

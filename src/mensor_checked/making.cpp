@@ -93,7 +93,7 @@ void requireFree(const std::string& name, const CUnitPtr& unit) {
 // Returns `unit`, or throws if its symbol is not `symbol`.
 CUnitPtr requireSymbol(const CUnitPtr& unit, const string_t& symbol) {
     if (unit->getSymbol() != symbol) {
-        throwInTheWay("the unit of symbol " + quoted(mensor::toStdString(symbol)), unit);
+        throwInTheWay("the unit with the symbol " + quoted(mensor::toStdString(symbol)), unit);
     }
     return unit;
 }
@@ -289,7 +289,7 @@ CUnitPtr root(const CUnitPtr& unit, int n) {
     requireSize(unit, "root");
     const Lock lock;
     if (n == 0) {
-        return unit->root(n);  // refuses it
+        return unit->root(n);  // throws, because n is 0
     }
     return powerOf(unit, CExponent(1, n), "root", [&] { return unit->root(n); });
 }

@@ -22,8 +22,8 @@ std::string shortest(double x);
 /// Returns the text of `unit` in quotes, or its meaning in quotes if it has no text.
 std::string describe(const CUnitPtr& unit);
 
-/// Returns `meaning` in quotes. A number with more than 24 characters, which most doubles would need, is
-/// given by the shortest digits of the nearest double.
+/// Returns `meaning` in quotes. For a factor or offset of more than 24 characters, which most doubles
+/// need, writes the shortest digits of the nearest double.
 std::string inWords(const CMeaning& meaning);
 
 /// Returns the meaning of `unit` in quotes, or why it has no exact meaning.

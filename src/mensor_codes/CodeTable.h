@@ -125,7 +125,7 @@ struct CUnits {
     }
 };
 
-// Different values, each with its number.
+// A list of values without repetitions. Each value has a number.
 template <class T, std::size_t Most>
 struct CDistinct {
     static constexpr std::size_t Places = 4 * Most;
@@ -312,7 +312,7 @@ public:
         }
     }
 
-    /// As codes::codeFor().
+    /// Does the work of codes::codeFor().
     static CMatch codeFor(const exact::CMeaning& meaning) {
         exact::CSmallMeaning small;
         const bool isSmall = meaning.toSmall(small);

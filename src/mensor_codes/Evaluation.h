@@ -146,7 +146,8 @@ static_assert(
     "a definition in units.def is malformed, uses a name that is not above it, or needs more "
     "than 64 bits");
 
-/// The names of the dimensions in units.def, as constants without pointers.
+/// The names of the dimensions in units.def. Constants without pointers need no work when the
+/// library is loaded.
 struct COwnName {
     char Text[24];
 };

@@ -17,16 +17,16 @@ class CSystem {
 public:
     virtual const char* name() const = 0;
 
-    /// As codes::tryRead().
+    /// Does the work of codes::tryRead().
     virtual CReading tryRead(std::string_view code) const = 0;
 
-    /// As codes::find().
+    /// Does the work of codes::find().
     virtual std::optional<CCode> find(std::string_view code) const = 0;
 
     /// Calls `visit` for each row, in the order of the table, until it returns false.
     virtual void forEach(const std::function<bool(const CCode&)>& visit) const = 0;
 
-    /// As codes::codeFor().
+    /// Does the work of codes::codeFor().
     virtual CMatch codeFor(const exact::CMeaning& meaning) const = 0;
 
     /// Returns codes that the refused `token` may have meant: those that differ only in case.

@@ -338,7 +338,7 @@ private:
         switch (findUcumUnit(symbol.of(m_Text), unit)) {
             case eUcumUnit::FOUND: break;
             case eUcumUnit::UNKNOWN:
-                return isForeign(peek())  // perhaps the rest of the name, as in "kΩ"
+                return isForeign(peek())  // the character may belong to the name, as in "kΩ"
                            ? refuseForeign()
                            : refuse(eRefusal::UNKNOWN_CODE, symbol, "UCUM has no unit {}");
             case eUcumUnit::TAKES_NO_PREFIX:
@@ -371,7 +371,7 @@ private:
         const bool isNegative = peek() == '-';
         m_At += isSigned ? std::size_t{1} : 0;
         if (!isDigit(peek())) {
-            return !isSigned || (isForeign(peek())  // perhaps the digits, as in "m-²"
+            return !isSigned || (isForeign(peek())  // the character may be a digit, as in "m-²"
                                      ? refuseForeign()
                                      : refuse(eRefusal::MALFORMED_EXPONENT, {begin, m_At},
                                               "no digits of an exponent follow this sign"));
@@ -474,7 +474,8 @@ private:
         return false;
     }
 
-    // Stores why the text has no meaning, for the case that it is a valid code. The first reason wins.
+    // Stores why the text has no meaning. The reason is used if the whole text turns out to be a
+    // valid code. The first reason wins.
     void addMeaningless(CSpan token, std::string_view sentence) {
         if (!m_IsMeaningless) {
             m_IsMeaningless = true;

@@ -23,8 +23,8 @@
 
 namespace mensor::codes {
 
-/// Returns what an expression means. NO_MEANING says that an expression is valid but has no meaning; other
-/// refusals say that it is not valid. Refusals name `system`.
+/// Returns what an expression means. The refusal NO_MEANING is for a valid expression without a meaning,
+/// all others are for expressions that are not valid. Refusals name `system`.
 ///
 /// Throws nothing but std::bad_alloc. Allocates memory only if the result does not fit into 64-bit numbers.
 CReading readUcum(eSystem system, std::string_view text);

@@ -77,7 +77,7 @@ public:
     CChainReader(std::string_view text, std::size_t begin, CResolver& resolver)
         : m_Text(text), m_Resolver(resolver), m_Cursor(text, begin) {}
 
-    // Returns false if a piece of the chain is no factor.
+    // Returns false if a piece of the chain is not a factor.
     bool read() {
         for (;;) {
             m_Cursor.skipBlanks();

@@ -96,7 +96,7 @@ std::string readableUnit(const CFraction& value, std::string_view unit,
         return isAtLeastOne(size / CFraction(10).power(power));
     };
     bool isRootTried = false;
-    for (const CPrefix& prefix : Prefixes) {  // largest first
+    for (const CPrefix& prefix : Prefixes) {  // the largest prefix first
         if (!isRootTried && prefix.Power < 0) {
             isRootTried = true;
             if (suits("", 0)) {

@@ -209,7 +209,7 @@ constexpr bool evaluateRow(CMeanings& all, std::size_t row, std::size_t depth) {
         all.Row[row] = result;
         return true;
     }
-    // A name that two packs have is used only in definitions of its own pack.
+    // The name may be in two packs. Definitions use such a name only within their own pack.
     const std::uint32_t packs =
         ~(bitOf(ePack::US) | bitOf(ePack::IMPERIAL)) | bitOf(Lengths[row].Pack);
     const std::size_t same = findRow(definitionOf(row), packs);

@@ -68,8 +68,9 @@ bool isSame(const CNearest& a, const CNearest& b) { return a.Bits == b.Bits; }
 bool isSame(double a, double b) { return bitsOfDouble(a) == bitsOfDouble(b); }
 bool isSame(const CDigits& a, const CDigits& b) { return a == b; }
 
-// Rounds factor·u + offset, which is irrational. The bounds become closer until both round to the same
-// result. This ends: it could fail only at a border between two results, and borders are rational.
+// Rounds factor·u + offset, which is irrational. Computes ever closer bounds until both round to the
+// same result. The loop ends, because the borders between results are rational, so the number is not
+// one of them.
 template <class Round>
 auto roundIrrational(const CFactor& factor, CEnclosure bounds, const CFraction& u,
                      const CFraction& offset, const Round& round) {

@@ -120,7 +120,8 @@ public:
     ///     root, and the offset is not zero.
     CConversion ofCounts(const CFraction& scale, const CFraction& offset = 0) const;
 
-    /// Whether `convert(x)` is exact, so that nothing is rounded. True for infinities and NaN.
+    /// Returns whether `convert(x)` is exact, so that nothing is rounded. True for infinities and
+    /// NaN.
     bool isExact(double x) const;
 
     /// Returns the exact result if it is a fraction, else nothing.
@@ -143,8 +144,8 @@ public:
     const CMeaning& from() const noexcept;
     const CMeaning& to() const noexcept;
 
-    /// Whether both units have the same marks (radian, steradian, bit). A conversion from rad/s to Hz has
-    /// different ones. It is allowed, but may be a mistake.
+    /// Returns whether both units have the same marks (radian, steradian, bit). A conversion from rad/s
+    /// to Hz has different ones. It is allowed, but may be a mistake.
     bool keepsMarks() const noexcept;
 
     CConversion inverse() const;

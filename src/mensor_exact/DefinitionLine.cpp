@@ -289,7 +289,8 @@ private:
 
     // Pieces of the line.
 
-    // If `word` comes next, with a blank or the end after it, skips both and returns true.
+    // Skips `word` and the blank after it, and returns true. Returns false if another text is next.
+    // At the end of the line no blank is needed.
     bool skipWord(std::string_view word, std::size_t& at, std::size_t end) const {
         const std::size_t behind = at + word.size();
         if (behind > end || m_Line.substr(at, word.size()) != word ||

@@ -67,7 +67,7 @@ CFraction offsetOf(std::string_view text) {
                                            : offset / CFraction::ofText(text.substr(slash + 1));
 }
 
-// Whether definitions can use `text` as a name: one visible word without an exponent.
+// Returns whether definitions can use `text` as a name: one visible word without an exponent.
 bool isName(std::string_view text) {
     CDefinitionReader reader(text);
     const CTerm term = reader.next();
@@ -346,7 +346,7 @@ std::optional<CMeaning> CCatalogue::meaning(std::string_view name) const {
     return found.Row != CTable::None ? std::optional(CTable::meaning(found.Row)) : std::nullopt;
 }
 
-// Whether the program has defined this name although a built-in unit may have it, too.
+// Returns whether the program has defined this name although a built-in unit may have it, too.
 bool CCatalogue::takesAway(std::string_view name) const noexcept {
     return m_Own != nullptr && (m_Own->TakesAway || has(ePack::EVERYDAY)) &&
            m_Own->Entries.find(name) != m_Own->Entries.end();

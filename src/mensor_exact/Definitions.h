@@ -93,7 +93,8 @@ public:
     ///                 gets IMPERIAL, or the reverse; OPTIONS: the pack is OWN.
     CCatalogue with(ePack pack) const;
 
-    /// Whether the catalogue has the pack. Always true for CATALOGUE and SI, and false for OWN.
+    /// Returns whether the catalogue has the pack. Always true for CATALOGUE and SI, and false for
+    /// OWN.
     bool has(ePack pack) const noexcept;
 
     /// Returns this catalogue and further definitions, which may use each other in any order. An empty

@@ -37,7 +37,7 @@ public:
     int root() const noexcept { return m_Root; }
     CExponent piExponent() const noexcept { return m_Pi; }
 
-    /// Whether the factor is a fraction. That fraction is then radicand().
+    /// Returns whether the factor is a fraction. That fraction is then radicand().
     bool isRational() const noexcept { return m_Root == 1 && m_Pi.isZero(); }
     bool isOne() const noexcept { return isRational() && m_Radicand.isOne(); }
 

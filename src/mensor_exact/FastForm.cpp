@@ -47,7 +47,7 @@ struct CRemainder {
 
     bool isZero() const { return Word[0] == 0 && Word[1] == 0 && Word[2] == 0 && IsWhole; }
 
-    // 2^-100 of the highest bit of the number.
+    // 2^-100 times the highest bit of the number.
     static constexpr std::uint64_t Slack = std::uint64_t{1} << 27;
 
     CRemainder more() const {
@@ -217,7 +217,7 @@ CFastForm::CFastForm(const CLeading& factor, const CLeading& center, bool isNega
         const double c = Head * 134217729.0;
         HeadHigh = c - (c - Head);
         HeadLow = Head - HeadHigh;
-        // No number is between these limits.
+        // No number is between these limits. They stay if there is no short line.
         Least = std::numeric_limits<std::int64_t>::min();
         Most = -1;
         // The distance of the two tails from the exact one, relative to the highest bit of the factor. If two
@@ -387,7 +387,7 @@ void toDoubles(const CFastForm& form, const double* values, double* results, std
     }
 }
 
-// Whether rounding the double to a float may round the result twice (CLoops::Narrow).
+// Returns whether rounding the double to a float may round the result twice (CLoops::Narrow).
 bool mayRoundTwice(const CFastForm& form, double x) {
     float rounded = 0;
     return !form.Loops->Narrow(&x, &rounded, 1);

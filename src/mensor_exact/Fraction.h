@@ -97,7 +97,8 @@ public:
     /// Returns the number of bits of the numerator and the denominator together, in lowest terms.
     std::size_t bits() const;
 
-    /// Whether bits() is greater than `most`. Faster than bits(), unless both are nearly equal.
+    /// Returns whether bits() is greater than `most`. Faster than bits(), unless both are nearly
+    /// equal.
     bool needsMoreThan(std::size_t most) const;
 
     double toDouble() const;  ///< the nearest double, ties to even

@@ -52,7 +52,7 @@ inline double scaled(const CFastForm& form, double x, double tail) {
 // exact enough.
 inline std::int64_t range(const CFastForm& form, double x) { return sizeLessOne(x) - form.Least; }
 
-// Whether any of many values has a negative range.
+// Returns whether any of many values has a negative range.
 class CRanges {
 public:
     void add(const CFastForm&, double x) {
@@ -77,7 +77,7 @@ inline double addedTo(double product, const CFastForm& form, double x) {
            low * form.HeadLow;
 }
 
-// A difference, since a sum would lose the sign of a zero.
+// Computed as a difference, because a sum would lose the sign of a zero.
 inline double scaled(const CFastForm& form, double x, double tail) {
     const double product = form.Head * x;
     return product - (addedTo(product, form, x) - tail * x);
@@ -88,7 +88,7 @@ inline std::int64_t range(const CFastForm& form, double x) {
     return (sizeLessOne(x) - form.Least) | (form.Most - (bitsOfDouble(x) & Magnitude));
 }
 
-// Whether any of many values has a negative range.
+// Returns whether any of many values has a negative range.
 class CRanges {
 public:
     void add(const CFastForm& form, double x) { m_All |= range(form, x); }
@@ -136,7 +136,7 @@ inline std::uint64_t mostAboveLeast(const CFastForm& form) {
     return static_cast<std::uint64_t>(form.Most) - static_cast<std::uint64_t>(form.Least);
 }
 
-// The greater, the closer to zero the distance is. If the center is exact, a distance of zero counts as a
+// The closer the distance is to zero, the greater is this number. If the center is exact, a distance of zero counts as a
 // large one, since the result is exactly zero.
 inline std::uint64_t nearness(const CFastForm& form, double distance) {
     const auto bits = static_cast<std::uint64_t>(bitsOfDouble(distance)) -
@@ -147,18 +147,18 @@ inline std::uint64_t mostNearness(const CFastForm& form) {
     return static_cast<std::uint64_t>(Magnitude - (form.LeastDistance - form.ExactCenter));
 }
 
-// Whether the limits enclose the exact result.
+// Returns whether the limits enclose the exact result.
 inline bool encloses(const CFastForm& form, const COffsetSum& sum) {
     return nearness(form, sum.Distance) <= mostNearness(form);
 }
 
-// Whether the exact result for x is a tie if its two limits differ.
+// Returns whether differing limits prove that the exact result for x is a tie.
 inline bool showTie(const CFastForm& form, double x) {
     return aboveLeast(form, x) <= mostAboveLeast(form);
 }
 
-// Whether many values all can be decided here: no value is too close to the center, and if the limits
-// of a value differ, its result is a tie.
+// Returns whether the results of all these values can be decided without whole numbers: no value is
+// too close to the center, and every value whose two limits differ is a tie.
 class CTies {
 public:
     void add(const CFastForm& form, double x, const COffsetSum& sum) {
@@ -344,8 +344,8 @@ void widenAll(const Number* __restrict values, double* __restrict results, std::
     }
 }
 
-// A double in the middle between two floats may be the result of rounding. Then rounding it again may
-// go the wrong way. The same is possible for a double that becomes a subnormal float.
+// A double in the middle between two floats may itself have been rounded. Rounding it again may then
+// give the wrong float. The same can happen to a double that becomes a subnormal float.
 bool narrowAll(const double* __restrict values, float* __restrict results, std::size_t count) {
     std::int64_t worst = 0;
     for (std::size_t i = 0; i < count; ++i) {

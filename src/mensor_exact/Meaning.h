@@ -78,7 +78,7 @@ public:
     std::vector<CPower> marks() const;       ///< sorted: bit, rad, sr
     CExponent exponentOf(std::string_view name) const noexcept;  ///< 0 if absent
 
-    /// Whether the dimensions are the same, so that values can be converted.
+    /// Returns whether the dimensions are the same, so that values can be converted.
     bool isCompatibleWith(const CMeaning& other) const noexcept;
     bool hasMarksOf(const CMeaning& other) const noexcept;
 
@@ -103,7 +103,7 @@ public:
     friend MENSOR_EXACT_API CMeaning operator*(const CMeaning& a, const CMeaning& b);
     friend MENSOR_EXACT_API CMeaning operator/(const CMeaning& a, const CMeaning& b);
 
-    /// Whether dimensions, marks, factor and offset are equal.
+    /// Returns whether dimensions, marks, factor and offset are equal.
     friend MENSOR_EXACT_API bool operator==(const CMeaning& a, const CMeaning& b) noexcept;
     friend bool operator!=(const CMeaning& a, const CMeaning& b) noexcept { return !(a == b); }
 
@@ -117,7 +117,7 @@ public:
     /// name for it, returns the base units.
     std::string kind() const;
 
-    /// Whether the library has a name for the quantity.
+    /// Returns whether the library has a name for the quantity.
     bool hasNamedKind() const noexcept;
 
 private:

@@ -50,7 +50,8 @@ CNearest nearest(const CFormat& format, bool isNegative, std::uint64_t mantissa,
     if (twos + drop < format.LeastTwos) {
         drop = format.LeastTwos - twos;
     }
-    // If more than 64 bits are dropped, the number is less than half of the smallest one.
+    // If more than 64 bits are dropped, the number is less than half of the smallest positive
+    // number of the format.
     if (drop > 64) {
         return {sign, false};
     }

@@ -36,7 +36,7 @@ std::size_t editDistance(const Letters& a, std::size_t aSize, const Letters& b, 
     return (*last)[bSize];
 }
 
-// Less is better.
+// A smaller number is better.
 bool isNearer(const CNearestNames::CNear& a, const CNearestNames::CNear& b) {
     return std::tie(a.Distance, a.IsRare, a.ExactDistance, a.Name) <
            std::tie(b.Distance, b.IsRare, b.ExactDistance, b.Name);
@@ -61,11 +61,12 @@ bool hasRarePrefix(std::string_view name) {
 
 CNearestNames::CNearestNames(std::string_view unknown) {
     m_HasNone = !read(unknown, m_Unknown) || m_Unknown.Size > Longest;
-    // A name of one letter is one change away from every other such name, so only its case counts.
+    // One change turns a name of one letter into any other, so the edit distance says nothing. Such
+    // a name is near only if it differs in case.
     m_Farthest = m_Unknown.Size < 2 ? 0 : m_Unknown.Size < 5 ? 1 : MostEdits;
 }
 
-// Returns false if the text is too long.
+// Splits the text into code points. Returns false if the text is too long.
 bool CNearestNames::read(std::string_view text, CLetters& letters) {
     std::size_t length = 0;
     for (std::size_t at = 0; at < text.size(); at += length) {

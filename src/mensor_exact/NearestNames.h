@@ -29,7 +29,8 @@ constexpr std::uint32_t letterSet(std::string_view name) {
     return letters;
 }
 
-/// Whether the name is that of a unit with a prefix beyond tera and pico, which are hardly used.
+/// Returns whether the name is that of a unit with a prefix beyond tera and pico, which are hardly
+/// used.
 bool hasRarePrefix(std::string_view name);
 
 /// Collects the known names that are most similar to an unknown one. First come names with the same
@@ -39,8 +40,8 @@ class MENSOR_EXACT_API CNearestNames {
 public:
     explicit CNearestNames(std::string_view unknown);
 
-    /// Whether add() may keep a name with this letterSet() and this number of bytes. A quick test that
-    /// excludes most names.
+    /// Returns whether add() may keep a name with this letterSet() and this number of bytes. A quick
+    /// test that excludes most names.
     bool mayBeNear(std::uint32_t letters, std::size_t bytes) const {
         return !m_HasNone && bytes + m_Farthest >= m_Unknown.Size &&
                // A name in ASCII has as many letters as bytes.
@@ -50,7 +51,7 @@ public:
                isAtMost(m_Unknown.Set & ~letters, m_Farthest);
     }
 
-    /// Whether add() would keep this name if it were the only one.
+    /// Returns whether add() would keep this name if it were the only one.
     bool isNear(std::string_view known) const;
 
     /// Keeps a name if it is near and one of the nearest twelve.
@@ -79,7 +80,7 @@ private:
         std::uint32_t Set = 0;  // letterSet()
     };
 
-    // Whether no more than `most` bits are set. `most` is at most MostEdits.
+    // Returns whether no more than `most` bits are set. `most` is at most MostEdits.
     static constexpr bool isAtMost(std::uint32_t bits, std::size_t most) {
         static_assert(MostEdits == 2);
         bits = most > 0 ? bits & (bits - 1) : bits;

@@ -12,7 +12,7 @@ namespace {
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-// Whether the first word of `text` is `word`, in small or capital letters.
+// Returns whether the first word of `text` is `word`, in small or capital letters.
 bool beginsWithWord(std::string_view text, std::string_view word) {
     if (text.size() < word.size() || !std::equal(word.begin(), word.end(), text.begin(),
                                                  [](char w, char t) { return (t | 0x20) == w; })) {

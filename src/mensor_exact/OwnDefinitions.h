@@ -70,7 +70,7 @@ private:
     CCatalogue m_Catalogue;
 };
 
-/// Whether the definition `text` uses `name`.
+/// Returns whether the definition `text` uses `name`.
 bool uses(std::string_view text, std::string_view name);
 
 /// Returns a definition of this meaning in base units: "1000 m", "π/180 rad", "K, offset 273.15".

@@ -470,7 +470,7 @@ CMeaning read(std::string_view text, const CCatalogue& catalogue, const CReadOpt
     CCatalogueNames names(catalogue);
     CNamedFactors factors;
     CRefusal refusal;
-    parse(text, 0, true, names, factors, refusal);  // as it was before
+    parse(text, 0, true, names, factors, refusal);  // it was accepted before
     CUnitsWriter writer;
     for (const CNamedFactor& factor : factors) {
         const std::string name =

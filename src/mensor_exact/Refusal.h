@@ -30,7 +30,7 @@ enum class eReadings : std::uint8_t {
     ONE,       ///< "1" before the unit: "/s" is "1/s"
     FRACTION,  ///< brackets around the exponent Pieces[0] and the token: "m^1/2" is "m^(1/2)"
     POWER,     ///< brackets around the power Pieces[0]: "m^2^3" is "(m^2)^3"
-    CHAIN,     ///< Pieces[0] is a of "a/b/c": "a/(b·c)" or "a·c/b"
+    CHAIN,     ///< Pieces[0] is the "a" of "a/b/c": "a/(b·c)" or "a·c/b"
     VALUE,     ///< other forms of the number of a value: "2,5" is "2.5", "2,500" perhaps "2500"
     TRAP,      ///< the texts of Trap in place of the token; Pieces[0] is the name in the token
     JOIN,      ///< no blank before the token: "m ²" is "m²"

@@ -11,7 +11,8 @@ namespace mensor::exact {
 /// The fraction ±Numerator/Denominator·2^Twos·5^Fives, in lowest terms. Powers of 2 and 5 are separate
 /// members, so the many powers of ten in units need no bits of the numerator and the denominator.
 ///
-/// Zero is 0/1, without powers and sign. Two fractions are equal exactly if all members are.
+/// Zero is 0/1, positive, and without powers of 2 and 5. Two fractions are equal exactly if all
+/// members are.
 struct CSmallFraction {
     std::uint64_t Numerator = 0;    ///< coprime to 10 and to Denominator
     std::uint64_t Denominator = 1;  ///< coprime to 10

@@ -77,7 +77,7 @@ struct CSmallMeaning {
         return true;
     }
 
-    /// Whether the dimensions and the marks are the same.
+    /// Returns whether the dimensions and the marks are the same.
     constexpr bool hasUnitsOf(const CSmallMeaning& other) const {
         for (std::size_t slot = 0; slot < Slots; ++slot) {
             if (Halves[slot] != other.Halves[slot]) {

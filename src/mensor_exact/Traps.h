@@ -27,7 +27,7 @@ enum class ePlace : std::uint8_t {
     CUBED,       ///< before the exponent 3
     POWER,       ///< before an exponent
     QUOTIENT,    ///< to the right of a slash; `Behind` is to the left
-    SHAPE,       ///< the same with a square: "kg/cm²". Read with a note
+    SHAPE,       ///< as QUOTIENT, with a square on the right: "kg/cm²". Read with a note
     UNUSUAL,     ///< anywhere; read with a note. The option Strict refuses it
     TOLD,        ///< anywhere; read with a note
     UNKNOWN      ///< anywhere, where no unit has this name

@@ -25,7 +25,7 @@ bool areTurnsMeant(const CMeaning& from, const CMeaning& to) {
     return from.exponentOf("rad") != to.exponentOf("rad") && from.exponentOf("s") == CExponent(-1);
 }
 
-// "314.16": six digits are enough for a note.
+// Returns a number such as "314.16". Six digits are enough for a note.
 std::string shortened(std::string_view number, const CMeaning& from, const CMeaning& to) {
     CDecimalStyle style;
     style.Digits = 6;

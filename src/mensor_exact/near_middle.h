@@ -17,8 +17,8 @@ namespace mensor::exact {
 /// from the middle.
 constexpr std::uint64_t mostOddPart(int bits) { return std::uint64_t{1} << (bits - 8); }
 
-/// Whether a number of `bits` bits times numerator/denominator can be a tie. Both are odd, coprime and
-/// at most `mostOddPart(bits)`.
+/// Returns whether a number of `bits` bits times numerator/denominator can be a tie. Both are odd,
+/// coprime and at most `mostOddPart(bits)`.
 constexpr bool hasTies(int bits, std::uint64_t numerator, std::uint64_t denominator) {
     // A tie is an odd number of bits + 1 bits and an odd multiple of the numerator. The number that
     // gives it is the same multiple of the denominator, times a power of two. The numerator is so small
@@ -124,7 +124,8 @@ bool visitNearWholes(const CTwoWords& alpha, const CTwoWords& reach, std::uint64
     return false;
 }
 
-/// Whether a fast way rounds every product correctly, if its error before rounding is at most 2^(3 − bits).
+/// Returns whether a fast way rounds every product correctly, if its error before rounding is at most
+/// 2^(3 − bits) of the last place.
 ///
 /// `isRight(n, product)` returns whether the fast way gives `product`, the correct one, for n. The numbers
 /// n have `bits` bits. The factor is from 1 to 2. `twice`, of three words, is twice the factor in units of

@@ -204,7 +204,7 @@ TEST(CachedDimensions, FollowABaseUnitWhoseDimensionIsSet) {
     EXPECT_FALSE(km->isCompatible(SI::Second()));
     const CConverterPtr before = km->getConverterTo(SI::Meter());
 
-    // A length as the time that light needs for it.
+    // The dimension of the metre becomes the second: a length is the time that light needs for it.
     SI::Meter()->setDimension(SI::Second(), std::make_shared<CMultiplyConverter>(1 / 299792458.0));
     EXPECT_TRUE(km->isCompatible(SI::Second()));
     EXPECT_EQ(km->convertValueToUnit(299792.458, SI::Second()),

@@ -43,7 +43,7 @@ TEST(CommaLocale, DoesNotChangeTheTextOfAnyUnit) {
     EXPECT_EQ(CUnit::fromString("m,s"), SI::Meter() * SI::Second());
 }
 
-TEST(CommaLocale, ANumberEndsAtTheDecimalPoint) {
+TEST(CommaLocale, ANumberIsReadWithADecimalComma) {
     EXPECT_EQ(CValueWithUnit::fromString("2.5 km").value(), 2.5);
     EXPECT_EQ(CValueWithUnit::fromString("2,5 km").value(), 2);
     const CCommaLocale comma;

@@ -291,9 +291,8 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(, ConcurrentReading, ::testing::Bool(), [](const auto& row) {
-    return row.param ? "WithRemembering" : "WithoutRemembering";
-});
+INSTANTIATE_TEST_SUITE_P(, ConcurrentReading, ::testing::Bool(),
+                         [](const auto& row) { return row.param ? "CachesOn" : "CachesOff"; });
 
 TEST_P(ConcurrentReading, TheSameNewTextIsTheSameObject) {
     for (int round = 0; round < Rounds; ++round) {

@@ -201,7 +201,8 @@ MATCHER_P2(Reports, function, message, "") {
            arg.Function == function && arg.Message == message;
 }
 
-// Returns the labels after a number of labelling steps: first for SI units, then for other units.
+// Returns the labels that exist if the library is loaded up to the given labels of SI units and of
+// other units.
 
 struct Labelling {
     std::string Label, Replaces;

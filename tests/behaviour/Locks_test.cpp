@@ -40,7 +40,7 @@ namespace {
 
 using Lock = std::lock_guard<std::recursive_mutex>;
 
-// Whether the thread `id` of this process is blocked.
+// Returns whether the thread `id` of this process is blocked.
 bool isAsleep(pid_t id) {
     std::ifstream file("/proc/self/task/" + std::to_string(id) + "/stat");
     std::string stat;
@@ -76,8 +76,8 @@ bool whileItWaits(std::recursive_mutex& held, const std::function<void()>& actio
     return isWaiting;
 }
 
-// Whether `action` holds `other` while it waits for `held`. No value if it does not wait for
-// `held`.
+// Returns whether `action` holds `other` while it waits for `held`. No value if it does not wait
+// for `held`.
 std::optional<bool> holdsWhileItWaits(std::recursive_mutex& held, std::recursive_mutex& other,
                                       const std::function<void()>& action) {
     std::optional<bool> result;

@@ -122,18 +122,18 @@ TEST(LongRunning, RefusedRequestsLeaveNothing) {
 }
 
 // Switches the caches off for the rest of the process.
-void endRemembering() {
+void switchCachesOff() {
     CUnit::instances();
     ASSERT_EQ(CUnitFormat::namesVersion(), 0U);
 }
 
 TEST(LongRunning, AnsweredRequestsLeaveNothingWithTheCachesOff) {
-    endRemembering();
+    switchCachesOff();
     expectNothingIsLeft(test::asking(), true, requestedRequests());
 }
 
 TEST(LongRunning, RefusedRequestsLeaveNothingWithTheCachesOff) {
-    endRemembering();
+    switchCachesOff();
     expectNothingIsLeft(test::refused(), false, requestedRequests() / 10);
 }
 

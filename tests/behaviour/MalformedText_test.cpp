@@ -20,7 +20,7 @@ namespace mensor {
 namespace {
 using ::testing::StrEq, ::testing::ThrowsMessage;
 
-TEST(MalformedText, HasTheHashCodeOfTheCodePointsItReadsAs) {
+TEST(MalformedText, HasTheHashCodeOfItsDecodedCodePoints) {
     for (const test::Utf8Text& row : test::utf8Texts()) {
         SCOPED_TRACE(row.What);
         std::string wellFormed;

@@ -186,9 +186,9 @@ std::string inFreshProcess(const std::function<std::string()>& work) {
     return end.Text;
 }
 
-// Whether no thread holds the mutex of the process or that of a unit. Reads the mutexes of the C
-// library, because under the emulator a forked process cannot start a thread that tries to lock
-// them.
+// Returns whether no thread holds the mutex of the process or that of a unit. Reads the mutexes of
+// the C library, because under the emulator a forked process cannot start a thread that tries to
+// lock them.
 bool areAllFree() {
     const auto isHeld = [](std::recursive_mutex& mutex) {
         return mutex.native_handle()->__data.__owner != 0;
@@ -332,7 +332,7 @@ TEST(OutOfMemory, CachedResultsAreTheSameAfterMemoryIsAvailableAgain) {
     expectTheSameAnswers(eFailing::ALL_LATER, eCaches::ON);
 }
 
-// Whether the request leaves the answer and the tables of a process without failures if its
+// Returns whether the request leaves the answer and the tables of a process without failures if its
 // allocation `n` fails. False as well if there is no allocation `n`.
 bool leavesNoTrace(const Request& request, long n, eFailing failing, eCaches caches,
                    const std::string& undisturbed) {

@@ -309,10 +309,10 @@ TEST(Packs, USAndImperialExcludeEachOther) {
         registerPack(ePack::IMPERIAL);
         FAIL();
     } catch (const CIdentityError& e) {
-        EXPECT_STREQ(
-            e.what(),
-            "the pack \"imperial\" is refused for its unit \"ton\": the name \"ton\" belongs "
-            "to \"ton_US\", which means \"907.18474 kg\"");
+        EXPECT_STREQ(e.what(),
+                     "the pack \"imperial\" is refused because of its unit \"ton\": the name "
+                     "\"ton\" belongs "
+                     "to \"ton_US\", which means \"907.18474 kg\"");
         EXPECT_EQ(e.inTheWay(), readUnit("ton_US"));
     }
     EXPECT_EQ(Tables(), before);
@@ -325,7 +325,8 @@ TEST(Packs, ThePackOffsetsIsRefusedAfterTheRankine) {
         registerPack(ePack::OFFSETS);
         FAIL();
     } catch (const CIdentityError& e) {
-        EXPECT_THAT(e.what(), HasSubstr("the pack \"offsets\" is refused for its unit \"°F\": "));
+        EXPECT_THAT(e.what(),
+                    HasSubstr("the pack \"offsets\" is refused because of its unit \"°F\": "));
         EXPECT_THAT(e.what(),
                     HasSubstr("but the object is \"°R\", which means \"0.5555555555555556 K\""));
         EXPECT_EQ(e.inTheWay(), rankine);
@@ -340,7 +341,8 @@ TEST(Packs, APackIsRefusedIfAUnitHasTheSameFactorInSinglePrecision) {
         registerPack(ePack::CUSTOMARY);
         FAIL();
     } catch (const CIdentityError& e) {
-        EXPECT_THAT(e.what(), HasSubstr("the pack \"customary\" is refused for its unit \"ft\": "));
+        EXPECT_THAT(e.what(),
+                    HasSubstr("the pack \"customary\" is refused because of its unit \"ft\": "));
         EXPECT_EQ(e.inTheWay(), almost);
     }
     EXPECT_EQ(CUnitFormat::unitFor("in"), nullptr) << "a name stayed";

@@ -31,7 +31,7 @@ std::string kilometre(int i) {
 }
 
 // A text that is read twice in a row is stored.
-TEST(ReadingCache, GivesTheSameUnitsWhenItForgetsTexts) {
+TEST(ReadingCache, GivesTheSameUnitsAfterItDroppedTexts) {
     EXPECT_THAT(checked::warmUp({"km/h"}), ::testing::IsEmpty());
     const CUnitPtr speed = readUnit("km/h");
     for (int i = 0; i < 2500; ++i) {
@@ -77,7 +77,7 @@ TEST(ReadingCache, StoresNoLongText) {
     EXPECT_GT(liveBlocks, before) << "a text of 100 bytes is stored";
 }
 
-TEST(ReadingCache, ReadsMoreUnitsThanItRemembers) {
+TEST(ReadingCache, GivesTheRightUnitsForMoreTextsThanItHolds) {
     std::vector<std::string> texts;
     for (int i = 0; i < 12000; ++i) {
         texts.push_back("m^" + std::to_string(1 + i % 23) + "·kg^" +

@@ -73,9 +73,10 @@ TEST(Making, FactorOneAndOffsetZeroGiveTheUnitItself) {
 
 TEST(Making, RefusesASymbolWithTheHashCodeOfAnother) {
     const CUnitPtr first = checked::baseUnit("dollar_US");
-    EXPECT_EQ(inTheWay([] { checked::baseUnit("dollar_CA"); },
-                       "the unit of symbol \"dollar_CA\" is the same object as \"dollar_US\" here"),
-              first);
+    EXPECT_EQ(
+        inTheWay([] { checked::baseUnit("dollar_CA"); },
+                 "the unit with the symbol \"dollar_CA\" is the same object as \"dollar_US\" here"),
+        first);
     EXPECT_EQ(inTheWay([] { checked::alternateUnit("percentage", CProductUnit::one()); },
                        "\"percentage\" is the same object as \"dollar_US\""),
               first);
@@ -84,7 +85,8 @@ TEST(Making, RefusesASymbolWithTheHashCodeOfAnother) {
 TEST(Making, RefusesASymbolOfAUnitThatIsNotABaseUnit) {
     const auto impostor = CClientUnit::make("", hashFromString("qqx"));
     impostor->canonical();
-    EXPECT_EQ(inTheWay([] { checked::baseUnit("qqx"); }, "the unit of symbol \"qqx\""), impostor);
+    EXPECT_EQ(inTheWay([] { checked::baseUnit("qqx"); }, "the unit with the symbol \"qqx\""),
+              impostor);
     EXPECT_EQ(inTheWay([] { checked::baseUnit("N"); }, "the base unit \"N\""), SI::Newton());
 }
 

@@ -115,7 +115,7 @@ TEST(WarmUp, LaterUseRegistersAndCachesNothing) {
     EXPECT_EQ(CUnit::toDimensions().size(), converters);
 }
 
-TEST(WarmUp, PassesOnThatThereIsNoMemory) {
+TEST(WarmUp, ThrowsBadAllocIfThereIsNoMemory) {
     static bool isMemoryLeft = true;  // static, because the unit lives longer
     const auto unit = freshClientUnit();
     unit->CtxDimension = []() -> CUnitPtr {

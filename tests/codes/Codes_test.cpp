@@ -55,7 +55,7 @@ TEST(Codes, TheNearestCodeHasTheSameDimension) {
     EXPECT_FALSE(none);
     EXPECT_EQ(none.Nearest, "");
     EXPECT_EQ(none.toString(eSystem::SENML), "no code of SenML means exactly this");
-    // The radian counts: rad/s is not Hz.
+    // The radian does not count as 1 here: rad/s is not Hz.
     EXPECT_EQ(codes::codeFor(eSystem::SENML, exact::read("rad/s")).Nearest, "");
     EXPECT_EQ(codes::codeFor(eSystem::UNECE, exact::read("rad/s")).Code, "2A");
 }
@@ -70,7 +70,7 @@ TEST(Codes, TheNearestCodeIsFoundForAVeryLargeFactor) {
 
 TEST(Codes, TheNearestCodeIsNoSynonymAndKeepsTheRadian) {
     const exact::CFactor huge(exact::CFraction::ofText("1234567890123456789012345678901234567891"));
-    // The largest angle, not the largest number.
+    // The nearest code is the largest angle and not the largest number.
     EXPECT_EQ(codes::codeFor(eSystem::UNECE, exact::read("rad").scaled(huge)).Nearest, "M44");
     const exact::CFactor nearly(exact::CFraction::ofText("1.0001"));
     EXPECT_EQ(codes::codeFor(eSystem::UNECE, exact::read("kg/m³").scaled(nearly)).Nearest, "KMQ");

@@ -105,7 +105,7 @@ TEST(Ucum, AFullStopIsAlwaysAProduct) {
     EXPECT_EQ(read("2.54.cm"), read("108.cm"));
 }
 
-TEST(Ucum, TakesNumbersOfAnyLength) {
+TEST(Ucum, ReadsNumbersOfAnyLength) {
     EXPECT_EQ(read("9999999999999999999").toString(), "9999999999999999999");
     EXPECT_EQ(read("18446744073709551616.m").toString(), "18446744073709551616 m");
     EXPECT_EQ(read("m/340282366920938463463374607431768211456"),
@@ -132,7 +132,7 @@ TEST(Ucum, ReadsHighPowersAndManyDimensions) {
     EXPECT_EQ(read("10*99"), CMeaning().scaled(CFactor(CFraction(10).power(99))));
 }
 
-TEST(Ucum, ACodeWithTooLargeAMeaningHasNone) {
+TEST(Ucum, ACodeWhoseMeaningIsOutOfRangeIsRefused) {
     const std::pair<const char*, const char*> texts[] = {
         {"m100", "the exponent of \"m100\" is beyond 99"},
         {"m-100", "the exponent of \"m-100\" is beyond 99"},
@@ -457,7 +457,7 @@ TEST(Ucum, SuggestsCodesForAnUnknownUnit) {
     }
 }
 
-TEST(Ucum, TakesAnyPrintableAsciiInAnnotations) {
+TEST(Ucum, AcceptsAnyPrintableAsciiInAnnotations) {
     std::string all;
     for (char c = '!'; c <= '~'; ++c) {
         all += c == '{' || c == '}' ? "" : std::string(1, c);

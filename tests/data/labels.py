@@ -37,7 +37,7 @@ class Unit:
 
     def __init__(self, symbol="", factors=(), expansion=None, system=None, steps=()):
         self.symbol, self.factors, self.expansion = symbol, list(factors), expansion
-        self.system, self.steps = system, list(steps)  # steps: ("*", x) or ("+", x), first first
+        self.system, self.steps = system, list(steps)  # steps: ("*", x) or ("+", x), in the order of the conversion
         self.hash = self.id = 0
         self.products, self.quotients = {}, {}
 

@@ -6,7 +6,7 @@ cd "$1" || exit 1
 status=0
 for page in *.md docs/*.md benchmarks/*.md; do
     for link in $(grep -o '[^[]](<*[^)]*)' "$page" | sed 's/^.](//; s/)$//; s/#.*//' | grep -v '^[a-z]*:'); do
-        [ -e "$(dirname "$page")/$link" ] || { echo "$page: nothing is at $link"; status=1; }
+        [ -e "$(dirname "$page")/$link" ] || { echo "$page: there is no file $link"; status=1; }
     done
 done
 exit $status

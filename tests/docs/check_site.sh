@@ -43,7 +43,7 @@ few=$(dom 'md_docs_catalogue.html?search=sidereal' | rows)
 none=$(dom 'md_docs_catalogue.html?search=no+such+unit' | rows)
 [ "$all" -gt 650 ] || fail "the catalogue shows $all rows"
 [ "$few" -eq 4 ] || fail "a search for \"sidereal\" leaves $few rows, not 4"
-[ "$none" -eq 0 ] || fail "a search for nothing leaves $none rows"
+[ "$none" -eq 0 ] || fail "a search that matches nothing leaves $none rows"
 
 codes=$(dom md_docs_codes_tables.html | rows)
 knots=$(dom 'md_docs_codes_tables.html?search=KNT' | rows)
@@ -64,12 +64,12 @@ compare() {
             off = $1 - given[$2]
             size = given[$2] < 0 ? -given[$2] : given[$2]
             if (!($2 in given) || off > 1e-12 * size || off < -1e-12 * size) {
-                print $2 ": " $1 " is shown, " given[$2] " is what the library gives"
+                print $2 ": the page shows " $1 ", the library gives " given[$2]
                 ++wrong
             }
         }
         END { if (shown != units || shown < 7) { print shown " units, not " units; ++wrong } exit wrong > 0 }
-    ' "$work/given" "$work/shown" || fail "$1 $2 is converted otherwise than by the library"
+    ' "$work/given" "$work/shown" || fail "the page and the library convert $1 $2 differently"
 }
 compare 2.5 km km
 compare 26.5 °C %C2%B0C

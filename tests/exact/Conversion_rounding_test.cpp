@@ -176,7 +176,7 @@ TEST(Rounding, GivesTheNearestDoubleAtAndNextToTies) {
     EXPECT_GE(Pair::Tried, cases() / 4);
 }
 
-// The test above needs this.
+// The test above relies on hardCases(), which this one checks.
 TEST(Rounding, HardCasesAreTiesAndNumbersNextToTies) {
     struct Case {
         mpq_class Factor, Offset;

@@ -1,4 +1,4 @@
-// Error_test.cpp: copies of the errors of the exact library tell the same as the errors.
+// Error_test.cpp: a copy of an error has the code and the message of the error.
 #include "mensor_exact/Error.h"
 
 #include <gmock/gmock.h>

@@ -84,7 +84,7 @@ const CShortLine Lines[] = {
 
 std::int64_t orderedBits(double x) { return static_cast<std::int64_t>(bitsOfDouble(x)); }
 
-// Whether a form knows its conversion as a CShortLine, too.
+// Returns whether a form knows its conversion as a CShortLine, too.
 enum class eLine { KNOWN, UNKNOWN };
 
 CFastForm formOf(const CShortLine& line, eLine isKnown, const CSlowWay& slowWay,
@@ -524,7 +524,7 @@ TEST(FastForm, CallsTheSlowWayOnceForEachValue) {
         long before = WholeLine::Calls;
         slow.convertAll(values, results, 3);
         EXPECT_EQ(WholeLine::Calls, before + 3) << loops.Name;
-        // For whole numbers, only for those that no double can have.
+        // Among whole numbers, only those that are not doubles need it.
         const CFastForm fast = formOf({9, 0, 5, 0, false}, eLine::UNKNOWN, judge, loops);
         const std::int64_t most = std::int64_t{1} << 53;
         const std::int64_t numbers[] = {1, -most, most, most + 1, -most - 1};

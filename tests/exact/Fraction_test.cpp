@@ -46,7 +46,7 @@ TEST(Fraction, IsInLowestTerms) {
     EXPECT_TRUE(CFraction(3, -2).isNegative());
 }
 
-TEST(Fraction, TakesTheSmallestInteger) {
+TEST(Fraction, AcceptsTheSmallestInteger) {
     const auto least = std::numeric_limits<std::int64_t>::min();
     EXPECT_EQ(CFraction(least).toString(), "-9223372036854775808");
     EXPECT_EQ(CFraction(least, least), CFraction(1));

@@ -49,7 +49,8 @@ inline double nearest(const mpz_class& numerator, const mpz_class& denominator, 
     const bool isTruncated = mpfr_div_z(truncated, exact, denominator.get_mpz_t(), MPFR_RNDZ) != 0;
     const long bits = std::min(53L, static_cast<long>(mpfr_get_exp(truncated)) + 1074);
     if (bits < 1) {
-        // More than half of the smallest double is rounded to that, exactly half to zero.
+        // A number of more than half of the smallest double is rounded up to it. Exactly half is
+        // rounded to zero.
         const bool isAboveHalf = bits == 0 && (isTruncated || mpfr_min_prec(truncated) > 1);
         return std::copysign(isAboveHalf ? std::numeric_limits<double>::denorm_min() : 0.0,
                              mpfr_sgn(static_cast<mpfr_ptr>(truncated)));

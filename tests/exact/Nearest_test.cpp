@@ -9,7 +9,7 @@
 namespace mensor::exact {
 namespace {
 
-TEST(Nearest, TakesDoublesAndWholeNumbersApart) {
+TEST(Nearest, SplitsDoublesAndWholeNumbersExactly) {
     const CNumber one = CNumber::ofDouble(-1.0);
     EXPECT_TRUE(one.IsNegative);
     EXPECT_EQ(std::ldexp(static_cast<double>(one.Mantissa), one.Twos), 1.0);

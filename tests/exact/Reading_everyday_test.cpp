@@ -534,7 +534,7 @@ TEST(Advice, CorrectsSignsAndDecimalsInNumbers) {
     EXPECT_THAT(diagnosisOfValue("1,234 m").Readings, ElementsAre("1.234 m", "1234 m"));
 }
 
-TEST(Advice, OffersNoNumberThatNobodyMeant) {
+TEST(Advice, OffersNoCorrectionIfTheMeantNumberIsUnknown) {
     for (const char* const text :
          {"1,23,456 m", "12,345,67 m", "1,2,3 m", "1,, m", "1 000 00 m", "10^ m", "10^(3 m",
           "2x10⁻ m", "3 x 11^2 m", "2*10 m", "1/0 m", "1/7 m", "1/1234567890 m", "1234567890/2 m",

@@ -70,7 +70,8 @@ std::string meaningText(std::string_view text) { return read(text).toString(); }
 
 bool isClose(double a, double b) { return std::fabs(a - b) <= 1e-11 * std::fabs(b); }
 
-// Whether `meaning` is the quantity within the rounding of its doubles. The quantity has no marks.
+// Returns whether `meaning` is the quantity within the rounding of its doubles. The quantity has no
+// marks.
 bool isQuantity(const CMeaning& meaning, const test::Quantity& quantity) {
     std::map<std::string, test::Fraction> exponents;
     for (const CPower& power : meaning.dimensions()) {

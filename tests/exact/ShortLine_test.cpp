@@ -53,10 +53,10 @@ TEST(ShortLine, RoundsOnceToDoublesAndFloats) {
     EXPECT_GT(known, 90000);
 }
 
-TEST(ShortLine, TakesTermsOfAtMost127Bits) {
+TEST(ShortLine, AcceptsTermsOfAtMost127Bits) {
     const CFormat format = CFormat::ofDouble();
     const CShortLine line = {1, 3, 1, 0, false};
-    // The offset of 2 bits or x is shifted by up to 125 places.
+    // Either x or the offset of 2 bits is shifted, by at most 125 places.
     EXPECT_TRUE(line.convert({false, 1, -125}, format).has_value());
     EXPECT_FALSE(line.convert({false, 1, -126}, format).has_value());
     EXPECT_TRUE(line.convert({false, 3, 125}, format).has_value());

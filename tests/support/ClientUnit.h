@@ -84,7 +84,7 @@ inline std::shared_ptr<CClientUnit> freshClientUnit() {
     return unit;
 }
 
-/// Whether another thread could lock `mutex` now.
+/// Returns whether another thread could lock `mutex` now.
 inline bool isFree(std::recursive_mutex& mutex) {
     bool isFree = false;
     std::thread([&] {

@@ -135,7 +135,7 @@ public:
                left.m_AliasUnits == right.m_AliasUnits;
     }
 
-    /// Whether symbols, labels and aliases are the same.
+    /// Returns whether symbols, labels and aliases are the same.
     bool namesAreThoseOf(const Tables& other) const {
         return m_Symbols == other.m_Symbols && m_LabelUnits == other.m_LabelUnits &&
                m_UnitLabels == other.m_UnitLabels && m_AliasUnits == other.m_AliasUnits;

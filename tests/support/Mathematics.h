@@ -398,8 +398,9 @@ private:
         return lowest(numerator, denominator);
     }
 
-    // All from left to right. A root applies to the operand after it. Exponents of that operand
-    // have been applied already; the order of the two makes no difference.
+    // Applies all operators from left to right. A root applies to the operand after it. The
+    // exponents of that operand have been applied already; the order of the two makes no
+    // difference.
     void push(char op) {
         while (!m_Operators.empty() && m_Operators.back() != '(') {
             apply();

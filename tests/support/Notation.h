@@ -115,7 +115,7 @@ private:
         return i;
     }
 
-    // 0 if the bracket is never closed.
+    // Returns 0 if the bracket is never closed.
     std::size_t behindBrackets(std::size_t i) const {
         for (int open = 0; i < m_Points.size(); ++i) {
             open += m_Points[i] == U'[' ? 1 : m_Points[i] == U']' ? -1 : 0;
@@ -155,7 +155,7 @@ private:
         }
     }
 
-    // None if it does not fit an int.
+    // Returns none if the number does not fit an int.
     static std::optional<int> number(const string_t& text) {
         bool isNegative = false;
         std::string digits = "0";
@@ -192,7 +192,8 @@ enum class Notation { STANDARD, ASCII };
 
 using Factors = std::vector<CUnitRationalPower>;
 
-/// The factors in the order in which a notation writes them: the standard one has divisors last.
+/// Returns the factors in the order in which a notation writes them. The standard notation writes
+/// divisors last.
 inline Factors inOrderOf(Notation notation, Factors factors) {
     if (notation == Notation::STANDARD) {
         std::stable_partition(factors.begin(), factors.end(),
@@ -242,10 +243,10 @@ inline std::optional<std::string> written(const CUnitPtr& unit, Notation notatio
 
 // ---- writing and reading back
 
-/// Whether the factors, multiplied one after the other, give a product of exactly these factors at
-/// each step. That may fail, because the hash code alone decides identity: the first factors may
-/// give a unit that exists already with other factors, and these are merged with the following
-/// ones.
+/// Returns whether the factors, multiplied one after the other, give a product of exactly these
+/// factors at each step. That may fail, because the hash code alone decides identity: the first
+/// factors may give a unit that exists already with other factors, and these are merged with the
+/// following ones.
 inline bool isBuiltFactorByFactor(const Factors& factors) try {
     CUnitPtr product = CProductUnit::one();
     for (std::size_t count = 1; count <= factors.size(); ++count) {
@@ -262,7 +263,7 @@ inline bool isBuiltFactorByFactor(const Factors& factors) try {
     return false;  // the exponents of another unit with the same hash code
 }
 
-/// Whether the parser reads `name` as one name in any text, and the name denotes `unit`.
+/// Returns whether the parser reads `name` as one name in any text, and the name denotes `unit`.
 inline bool isReadName(const string_t& name, const CUnitPtr& unit) {
     const std::string bytes = toStdString(name);
     const std::u32string points = CodePoints(bytes).Points;
@@ -283,7 +284,7 @@ inline bool isReadName(const string_t& name, const CUnitPtr& unit) {
     return isOfName && depth == 0 && shortest == bytes && CUnitFormat::unitFor(name) == unit;
 }
 
-/// Whether the text of `unit` in a notation must read back as the same object.
+/// Returns whether the text of `unit` in a notation must read back as the same object.
 inline bool readsBack(const CUnitPtr& unit, Notation notation) {
     if (unit == CProductUnit::one()) {
         return false;  // its symbol "One" does not read as it

@@ -33,7 +33,7 @@ using Clock = std::chrono::steady_clock;
 // After this time a signal ends the test. The tests of all cases take minutes on an idle machine.
 unsigned secondsOfATest() { return std::getenv("MENSOR_TESTS_THOROUGH") != nullptr ? 1800 : 300; }
 
-// Whether one of the patterns, which are separated by colons, matches the whole name.
+// Returns whether one of the patterns, which are separated by colons, matches the whole name.
 bool isMatchedByAny(const std::string& patterns, const std::string& name) {
     std::istringstream stream(patterns);
     for (std::string pattern; std::getline(stream, pattern, ':');) {

@@ -1,6 +1,6 @@
-// thorough.h: whether the tests that try very many cases try all of them. With
-// MENSOR_TESTS_THOROUGH in the environment, as "scripts/test --all" sets it, they do. Otherwise
-// they try a sample.
+// thorough.h: tells whether the tests that try very many cases try all of them. They do if
+// MENSOR_TESTS_THOROUGH is in the environment, as "scripts/test --all" sets it. Otherwise they try
+// a sample.
 #ifndef MENSOR_TESTS_THOROUGH_H
 #define MENSOR_TESTS_THOROUGH_H
 

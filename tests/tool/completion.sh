@@ -28,7 +28,7 @@ expect() {
     shift
     local got
     got=$(completed "$@")
-    [ "$got" = "$expected" ] || fail "mensor $* is completed to \"$got\" in place of \"$expected\""
+    [ "$got" = "$expected" ] || fail "mensor $* is completed to \"$got\" instead of \"$expected\""
 }
 
 expect "convert explain list audit code" ""
@@ -54,5 +54,5 @@ packs=$(mensor list packs | sed 's/ .*//')
 for pack in $packs; do
     grep -qwF -e "$pack" "$manual" || fail "the manual does not name the pack $pack"
 done
-[ "$(wc -w <<< "$options $packs")" -ge 15 ] || fail "there are but few options and packs"
+[ "$(wc -w <<< "$options $packs")" -ge 15 ] || fail "the help lists too few options and packs"
 exit $failed

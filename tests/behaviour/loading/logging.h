@@ -8,7 +8,7 @@
 /// Configures logging as `what` says, see load_mensor.cpp.
 void startLogging(const std::string& what);
 
-/// Writes the records since then, one in each line.
+/// Writes the records since startLogging(), one in each line.
 void printRecords();
 
 #endif  // MENSOR_TESTS_LOADING_LOGGING_H

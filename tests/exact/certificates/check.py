@@ -40,7 +40,7 @@ def evaluate(text, definitions, used):  # the quantity, and its zero in base uni
     top, _, bottom = (offset or "0").partition("/")
     return product, zero + product[0][0] * Fraction(top) / Fraction(bottom or 1)
 
-def agrees(exact, is_negative, given):  # whether a number of the certificate and its text have this value
+def agrees(exact, is_negative, given):  # returns whether a number of the certificate and its text have this value
     base, root = Fraction(int(given["numerator"]), int(given["denominator"])), given["root"]
     text = evaluate(given["text"].lstrip("-"), {}, set())[0][0]
     return all(base ** x[1] == x[0] ** root and Fraction(given["pi"]) == x[2] for x in (exact, text)
