@@ -62,15 +62,7 @@ void addLookup(const Pair& pair) {
             benchmark::DoNotOptimize(from->getConverterTo(to));
         }
     });
-    add(std::string("look up ") + pair.Name, "UDUNITS-2", [pair](benchmark::State& state) {
-        ut_unit* const from = udunit(pair.UdunitsFrom);
-        ut_unit* const to = udunit(pair.UdunitsTo);
-        for (auto _ : state) {
-            cv_converter* const converter = ut_get_converter(from, to);
-            benchmark::DoNotOptimize(converter);
-            cv_free(converter);
-        }
-    });
+    addUdunitsLookUp(std::string("look up ") + pair.Name, pair.UdunitsFrom, pair.UdunitsTo);
     add(std::string("look up and convert ") + pair.Name, "mensor", [pair](benchmark::State& state) {
         const CUnitPtr from = CUnit::fromString(pair.From), to = CUnit::fromString(pair.To);
         double value = 2.5;

@@ -228,15 +228,8 @@ const bool added = [] {
                     benchmark::DoNotOptimize(CConversion(conversion.from(), conversion.to()));
                 }
             });
-        add(std::string("exact, build ") + pair.Name, "UDUNITS-2", [pair](benchmark::State& state) {
-            ut_unit* const from = udunit(pair.UdunitsFrom);
-            ut_unit* const to = udunit(pair.UdunitsTo);
-            for (auto _ : state) {
-                cv_converter* const converter = ut_get_converter(from, to);
-                benchmark::DoNotOptimize(converter);
-                cv_free(converter);
-            }
-        });
+        addUdunitsLookUp(std::string("exact, build ") + pair.Name, pair.UdunitsFrom,
+                         pair.UdunitsTo);
     }
     addOne("exact, without FMA, ft to m", "mensor::exact",
            [] { return [form = withoutFma(Pairs[0])](double x) { return form.convert(x); }; });

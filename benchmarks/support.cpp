@@ -41,6 +41,18 @@ cv_converter* udunitsConverter(const std::string& from, const std::string& to) {
     return converter;
 }
 
+void addUdunitsLookUp(const std::string& work, const std::string& from, const std::string& to) {
+    add(work, "UDUNITS-2", [from, to](benchmark::State& state) {
+        ut_unit* const source = udunit(from);
+        ut_unit* const target = udunit(to);
+        for (auto _ : state) {
+            cv_converter* const converter = ut_get_converter(source, target);
+            benchmark::DoNotOptimize(converter);
+            cv_free(converter);
+        }
+    });
+}
+
 std::vector<std::size_t> randomOrder(std::size_t count) {
     std::mt19937 random(1);
     std::vector<std::size_t> order(8192);

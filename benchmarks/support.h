@@ -31,6 +31,9 @@ ut_unit* udunit(const std::string& text);
 /// The converter between two units of UDUNITS-2, which the process keeps.
 cv_converter* udunitsConverter(const std::string& from, const std::string& to);
 
+/// Registers the benchmark "`work`: UDUNITS-2" of making a converter between two units and freeing it.
+void addUdunitsLookUp(const std::string& work, const std::string& from, const std::string& to);
+
 /// Returns a long random order of `count` things, the same in every run. The branch prediction of the
 /// processor would learn a short one.
 std::vector<std::size_t> randomOrder(std::size_t count);

@@ -60,7 +60,7 @@ struct Piece {
 
 using Pieces = std::vector<Piece>;
 
-std::string written(const Pieces& pieces) {
+std::string textOf(const Pieces& pieces) {
     std::string text;
     for (const Piece& piece : pieces) {
         text += (text.empty() ? "" : "·") + piece.Name + "^" + std::to_string(piece.Pow) + ":" +
@@ -112,6 +112,17 @@ std::map<std::string, std::vector<Pieces>> shapes() {
             {"prefixed names", shape(prefixed, 1000, 3, 2)}};
 }
 
+// The texts of shapes().
+std::map<std::string, std::vector<string_t>> writtenShapes() {
+    std::map<std::string, std::vector<string_t>> written;
+    for (const auto& [name, texts] : shapes()) {
+        for (const Pieces& pieces : texts) {
+            written[name].push_back(textOf(pieces));
+        }
+    }
+    return written;
+}
+
 // The bytes on the heap, including the overhead of the allocator.
 long bytesOnTheHeap() { return liveBytes + liveBlocks * static_cast<long>(sizeof(std::size_t)); }
 
@@ -145,13 +156,9 @@ private:
 };
 
 TEST(Growth, AUnitFromATextNeedsABoundedNumberOfBytes) {
-    for (const auto& [name, texts] : shapes()) {
-        std::vector<string_t> read;
-        for (const Pieces& pieces : texts) {
-            read.push_back(written(pieces));
-        }
+    for (const auto& [name, texts] : writtenShapes()) {
         const CGrowth growth;
-        for (const string_t& text : read) {
+        for (const string_t& text : texts) {
             CUnit::fromString(text);
         }
         growth.expectBounded(name);
@@ -159,13 +166,9 @@ TEST(Growth, AUnitFromATextNeedsABoundedNumberOfBytes) {
 }
 
 TEST(Growth, AUnitWithACachedDimensionNeedsABoundedNumberOfBytes) {
-    for (const auto& [name, texts] : shapes()) {
-        std::vector<string_t> read;
-        for (const Pieces& pieces : texts) {
-            read.push_back(written(pieces));
-        }
+    for (const auto& [name, texts] : writtenShapes()) {
         const CGrowth growth;
-        for (const string_t& text : read) {
+        for (const string_t& text : texts) {
             const CUnitPtr unit = CUnit::fromString(text);
             unit->getSystemUnit();
             try {
@@ -326,7 +329,7 @@ std::string dumpAfter(Read read, Fold fold) {
 
 TEST(Growth, TextsAndFoldsRegisterTheSameUnitsAsTheAlgebraOfAClient) {
     const auto byTexts = inChild([](std::string& result) {
-        result = dumpAfter([](const Pieces& pieces) { return CUnit::fromString(written(pieces)); },
+        result = dumpAfter([](const Pieces& pieces) { return CUnit::fromString(textOf(pieces)); },
                            [](const CUnitPtr&, const auto&) {});
         return 0;
     });

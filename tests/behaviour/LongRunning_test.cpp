@@ -64,13 +64,17 @@ bool isLengthy(const Request& request) {
     return allocations > 100;
 }
 
-void expectNothingIsLeft(const Requests& requests, bool areAnswered, long count) {
+enum class eOutcome { ANSWERED, REFUSED };
+
+// Makes `count` requests, of which each has this outcome, and expects that they leave no memory, unit or
+// name.
+void expectNothingIsLeft(const Requests& requests, eOutcome outcome, long count) {
     for (const Request& request : test::registering()) {
         ASSERT_TRUE(isAnswered(request)) << request.Name;
     }
     Requests usual, lengthy;
     for (const Request& request : requests) {
-        ASSERT_EQ(isAnswered(request), areAnswered) << request.Name;
+        ASSERT_EQ(isAnswered(request), outcome == eOutcome::ANSWERED) << request.Name;
         (isLengthy(request) ? lengthy : usual).push_back(request);
     }
     ASSERT_GT(usual.size(), 20U);
@@ -113,12 +117,12 @@ void expectNothingIsLeft(const Requests& requests, bool areAnswered, long count)
 
 TEST(LongRunning, AnsweredRequestsLeaveNothing) {
     ASSERT_NE(CUnitFormat::namesVersion(), 0U);
-    expectNothingIsLeft(test::asking(), true, requestedRequests());
+    expectNothingIsLeft(test::asking(), eOutcome::ANSWERED, requestedRequests());
 }
 
 TEST(LongRunning, RefusedRequestsLeaveNothing) {
     ASSERT_NE(CUnitFormat::namesVersion(), 0U);
-    expectNothingIsLeft(test::refused(), false, requestedRequests());
+    expectNothingIsLeft(test::refused(), eOutcome::REFUSED, requestedRequests());
 }
 
 // Switches the caches off for the rest of the process.
@@ -129,12 +133,12 @@ void switchCachesOff() {
 
 TEST(LongRunning, AnsweredRequestsLeaveNothingWithTheCachesOff) {
     switchCachesOff();
-    expectNothingIsLeft(test::asking(), true, requestedRequests());
+    expectNothingIsLeft(test::asking(), eOutcome::ANSWERED, requestedRequests());
 }
 
 TEST(LongRunning, RefusedRequestsLeaveNothingWithTheCachesOff) {
     switchCachesOff();
-    expectNothingIsLeft(test::refused(), false, requestedRequests() / 10);
+    expectNothingIsLeft(test::refused(), eOutcome::REFUSED, requestedRequests() / 10);
 }
 
 }  // namespace

@@ -1,32 +1,21 @@
 # cmake -DSOURCE=<mensor> -DWORK=<folder> -DGENERATOR=<name> -DCOMPILER=<c++> -P projects_test.cmake:
 # configures mensor as a part of another project, alone, and from the files of the Conan recipe. Nothing
 # is built.
-set(failures 0)
+include(${CMAKE_CURRENT_LIST_DIR}/../expectations.cmake)
 file(REMOVE_RECURSE ${WORK})
 unset(ENV{CMAKE_BUILD_TYPE})
 
 # configures(<name> <source> <text> <option>...): configuring prints <text>, as one line.
-function(configures name source text)
-  execute_process(
-    COMMAND ${CMAKE_COMMAND} -G ${GENERATOR} -S ${source} -B ${WORK}/${name}
-      -DCMAKE_CXX_COMPILER=${COMPILER} ${ARGN}
-    OUTPUT_VARIABLE output ERROR_VARIABLE output)
-  string(REGEX REPLACE "[ \n]+" " " output "${output}")
-  string(FIND "${output}" "${text}" found)
-  if(found EQUAL -1)
-    message("${name}: expected \"${text}\" in: ${output}")
-    math(EXPR count "${failures} + 1")
-    set(failures ${count} PARENT_SCOPE)
-  endif()
-endfunction()
+macro(configures name source text)
+  expect_output(${name} "${text}" -S ${source} -B ${WORK}/${name} -DCMAKE_CXX_COMPILER=${COMPILER} ${ARGN})
+endmacro()
 
 # caches(<name> <variable> <value>): the cache of the configured folder has this value.
 function(caches name variable value)
   load_cache(${WORK}/${name} READ_WITH_PREFIX cached_ ${variable})
   if(NOT "${cached_${variable}}" STREQUAL "${value}")
     message("${name}: ${variable} is \"${cached_${variable}}\", not \"${value}\"")
-    math(EXPR count "${failures} + 1")
-    set(failures ${count} PARENT_SCOPE)
+    count_failure()
   endif()
 endfunction()
 
@@ -79,6 +68,4 @@ if(versions)
   math(EXPR failures "${failures} + 1")
 endif()
 
-if(failures)
-  message(FATAL_ERROR "${failures} expectations failed")
-endif()
+report_failures()

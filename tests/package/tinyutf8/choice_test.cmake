@@ -1,22 +1,12 @@
 # cmake -DBINARY_DIR=<folder> -DGENERATOR=<name> -P choice_test.cmake: tests the values of
 # MENSOR_STRING, with and without an installed package of tiny-utf8.
-set(failures 0)
+include(${CMAKE_CURRENT_LIST_DIR}/../expectations.cmake)
 
 # expect(<folder> <text> <options>...): configuring prints <text>, as one line.
-function(expect name text)
-  execute_process(
-    COMMAND ${CMAKE_COMMAND} --fresh -G ${GENERATOR}
-      -S ${CMAKE_CURRENT_LIST_DIR}/choice -B ${BINARY_DIR}/${name}
-      -DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF ${ARGN}
-    OUTPUT_VARIABLE output ERROR_VARIABLE output)
-  string(REGEX REPLACE "[ \n]+" " " output "${output}")
-  string(FIND "${output}" "${text}" found)
-  if(found EQUAL -1)
-    message("${name}: expected \"${text}\" in: ${output}")
-    math(EXPR count "${failures} + 1")
-    set(failures ${count} PARENT_SCOPE)
-  endif()
-endfunction()
+macro(expect name text)
+  expect_output(${name} "${text}" --fresh -S ${CMAKE_CURRENT_LIST_DIR}/choice -B ${BINARY_DIR}/${name}
+    -DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF ${ARGN})
+endmacro()
 
 # expect_header(<folder> <include> <class>): the generated header takes the class from there.
 function(expect_header name include class)
@@ -25,8 +15,7 @@ function(expect_header name include class)
   string(FIND "${header}" "\nusing string_t = ${class};\n" class_found)
   if(include_found EQUAL -1 OR class_found EQUAL -1)
     message("${name}: expected ${class} from ${include} in: ${header}")
-    math(EXPR count "${failures} + 1")
-    set(failures ${count} PARENT_SCOPE)
+    count_failure()
   endif()
 endfunction()
 
@@ -46,6 +35,4 @@ foreach(other auto std)
     ${with} -DMENSOR_STRING=${other})
 endforeach()
 
-if(failures)
-  message(FATAL_ERROR "${failures} expectations failed")
-endif()
+report_failures()
