@@ -31,7 +31,7 @@ void checkTable(eSystem system, const std::string& text) {
     fuzz::require(isRefused == row.has_value(), text,
                   "is refused as without meaning, but has no row, or the reverse");
     fuzz::require(!isRefused || row->Definition.empty(), text,
-                  "is refused as without meaning, but has a definition");
+                  "is refused for having no meaning, but has a definition");
     fuzz::require(reading.Refusal.Token.End <= text.size(), text,
                   "has a refusal with a place beyond its end");
     fuzz::require(!codes::diagnose(reading.Refusal).message().empty(), text,

@@ -35,12 +35,12 @@ void checkOffers(const exact::CRefusal& refusal, const CCatalogue& catalogue, bo
     const exact::CDiagnosis diagnosis = exact::diagnose(refusal, catalogue);
     for (const std::string& reading : diagnosis.Readings) {
         if (!isRead(reading, catalogue, isValue)) {
-            fail(diagnosis.Text, "is refused; what is offered is refused, too: " + reading);
+            fail(diagnosis.Text, "is refused and offers a text that is refused: " + reading);
         }
     }
     for (const std::string& name : diagnosis.Suggestions) {
         if (!isRead(refusal.replaced(name), catalogue, isValue)) {
-            fail(diagnosis.Text, "is refused; what is suggested is refused, too: " + name);
+            fail(diagnosis.Text, "is refused and suggests a text that is refused: " + name);
         }
     }
     CCatalogue extended = catalogue;
@@ -57,7 +57,7 @@ void checkOffers(const exact::CRefusal& refusal, const CCatalogue& catalogue, bo
     }
     for (const std::string& reading : diagnosis.WithPacks) {
         if (!isRead(reading, extended, isValue)) {
-            fail(diagnosis.Text, "is refused; what is offered with packs is refused: " + reading);
+            fail(diagnosis.Text, "is refused and offers with packs a text that is refused: " + reading);
         }
     }
 }

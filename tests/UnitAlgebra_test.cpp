@@ -32,8 +32,8 @@ using ::testing::IsEmpty;
 using ::testing::StrEq;
 using ::testing::ThrowsMessage;
 
-// A unit with an odd hash code. With an even one, powers near the limits of int would be other
-// powers.
+// A unit with an odd hash code. With an even one, powers near the limits of int would have the hash
+// codes of other powers.
 CUnitPtr freshUnitWithOddHash() {
     CUnitPtr unit = freshUnit();
     while (unit->hashCode() % 2 == 0) {

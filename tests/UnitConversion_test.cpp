@@ -201,7 +201,7 @@ TEST(UnitConversion, UnitsAreCalledOnceAndInAFixedOrder) {
     EXPECT_EQ(order.size(), 4U);  // all four are cached, per unit
 }
 
-TEST(UnitConversion, TheConverterGoesToTheDimensionAndThenByTheInverseToThat) {
+TEST(UnitConversion, TheConverterGoesThroughTheDimensionToTheOtherUnit) {
     const auto unit = freshClientUnit();
     const auto other = freshClientUnit();
     const CConverterPtr ofUnit = factor(6);

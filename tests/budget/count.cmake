@@ -4,7 +4,7 @@ cmake_minimum_required(VERSION 3.25)
 set(repetitions 1000)  # as in operations.cpp
 include(${CMAKE_CURRENT_LIST_DIR}/counts.cmake)
 if(NOT DEFINED count_nothing)
-  message(FATAL_ERROR "operations has not counted \"nothing\":\n${output}")
+  message(FATAL_ERROR "the output of operations has no count \"nothing\":\n${output}")
 endif()
 
 set(report "taken\tbudget\toperation\n")

@@ -23,7 +23,7 @@ endforeach()
 
 message("${report}")
 if(NOT compared EQUAL 3)
-  message(FATAL_ERROR "names has counted ${compared} pairs of texts instead of 3:\n${output}")
+  message(FATAL_ERROR "the output of names has counts of ${compared} pairs of texts, not of 3:\n${output}")
 endif()
 if(failures)
   list(JOIN failures "\n" failures)
