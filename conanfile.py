@@ -41,6 +41,7 @@ class Mensor(ConanFile):
         CMake(self).install()
 
     def package_info(self):
-        # The installed package configuration says which class string_t is. Conan's would not.
+        # The package configuration that mensor installs says which class string_t is. One that
+        # Conan generates would not.
         self.cpp_info.set_property("cmake_find_mode", "none")
         self.cpp_info.builddirs.append("lib/cmake/mensor")

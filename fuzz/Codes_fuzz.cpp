@@ -29,7 +29,7 @@ void checkTable(eSystem system, const std::string& text) {
     }
     const bool isRefused = reading.Refusal.Code == eRefusal::NO_MEANING;
     fuzz::require(isRefused == row.has_value(), text,
-                  "is refused as without meaning, but has no row, or the reverse");
+                  "is refused for having no meaning although no row refuses it, or the reverse");
     fuzz::require(!isRefused || row->Definition.empty(), text,
                   "is refused for having no meaning, but has a definition");
     fuzz::require(reading.Refusal.Token.End <= text.size(), text,

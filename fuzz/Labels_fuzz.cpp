@@ -175,7 +175,7 @@ private:
     static void label(const CUnitPtr& unit, const std::string& label) {
         const std::string outcome = outcomeOf([&] { CUnitFormat::label(unit, label); });
         require(outcome == names().label(unit, label), label,
-                ("is a label, or " + outcome).c_str());
+                ("is attached as a label with the outcome " + outcome).c_str());
     }
 
     void labelPrefixed(const CUnitPtr& unit) {

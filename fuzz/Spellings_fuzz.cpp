@@ -57,7 +57,8 @@ void checkOffers(const exact::CRefusal& refusal, const CCatalogue& catalogue, bo
     }
     for (const std::string& reading : diagnosis.WithPacks) {
         if (!isRead(reading, extended, isValue)) {
-            fail(diagnosis.Text, "is refused and offers with packs a text that is refused: " + reading);
+            fail(diagnosis.Text,
+                 "is refused and offers with packs a text that is refused: " + reading);
         }
     }
 }

@@ -137,7 +137,7 @@ void checkPair(const CValueWithUnit& a, const CValueWithUnit& b) {
     const double smaller = std::fmin(std::fabs(x), std::fabs(converted));
     const bool areNumbers = !std::isnan(x) && !std::isnan(converted);
     require(isEqual == (areNumbers && std::fabs(x - converted) * 1e12 <= smaller), "two values",
-            "are equal or not");
+            "are equal although they differ, or the reverse");
     require(isOther == !isEqual && isLess == (x < converted) && isGreater == (x > converted),
             "two values", "do not compare as their numbers in one unit");
     if (std::isfinite(x) && a.unit() == b.unit() && areSame(x, b.value())) {

@@ -184,7 +184,7 @@ TEST(BaseUnit, EmptyPointersRestoreTheDefaults) {
     EXPECT_EQ(unit->getCtxToDimension(), converter);
 }
 
-TEST(SetDimension, ClearsBothTablesOfDimensionsWhichFillAgain) {
+TEST(SetDimension, ClearsBothTablesOfDimensions) {
     const CUnitPtr kilometre = CUnit::fromString("km");
     ASSERT_EQ(kilometre->getDimension(), SI::Meter());
     ASSERT_GT(CUnit::dimensions().size(), 0U);

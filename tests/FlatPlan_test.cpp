@@ -244,7 +244,7 @@ TEST(FlatPlan, ConcurrentCallsForTheSecondStepReturnOneObject) {
 }
 
 TEST(FlatPlan, AConverterThatContainsADelayedInverseIsInverted) {
-    // Both converters delay their inversion. Inverting the one inverts the other.
+    // Both converters delay their inversion. Inverting one of them also inverts the other.
     const auto own = freshClientUnit();
     own->CtxDimension = [] { return SI::Second(); };
     own->CtxToDimension = [] { return NonSI::Hour()->getConverterTo(NonSI::Minute()); };
@@ -328,29 +328,36 @@ TEST(ConvertAll, GivesTheSameBitsAtEveryLength) {
     }
 }
 
+// Returns `target` with the results of values[from], values[from + 1] ... from target[to] on.
+std::vector<double> withResults(const CConverterPtr& converter, const std::vector<double>& values,
+                                std::size_t from, std::vector<double> target, std::size_t to,
+                                std::size_t length) {
+    for (std::size_t i = 0; i < length; ++i) {
+        target[to + i] = converter->convert(values[from + i]);
+    }
+    return target;
+}
+
 // Each array begins at each of the eight offsets of a double in a cache line.
 TEST(ConvertAll, WritesEachResultOnceForEachAlignmentOfTheArrays) {
-    constexpr std::size_t Places = 8, Longest = 40;
-    constexpr double Untouched = -1;
+    constexpr std::size_t Places = 8, Longest = 40, Size = Places + Longest + 1;
+    alignas(64) double values[Size];
+    alignas(64) double results[Size];
+    std::vector<double> numbers(Size);
+    std::iota(numbers.begin(), numbers.end(), 1.0);
+    const std::vector<double> untouched(Size, -1.0);
     for (const CConverterPtr& converter : {add(0.5), multiply(3)}) {
         for (std::size_t from = 0; from < Places; ++from) {
             for (std::size_t to = 0; to < Places; ++to) {
                 for (std::size_t length = 0; length <= Longest; ++length) {
-                    alignas(64) double values[Places + Longest + 1];
-                    alignas(64) double results[Places + Longest + 1];
-                    std::iota(std::begin(values), std::end(values), 1.0);
-                    std::fill(std::begin(results), std::end(results), Untouched);
+                    std::copy(numbers.begin(), numbers.end(), values);
+                    std::copy(untouched.begin(), untouched.end(), results);
                     converter->convertAll(values + from, results + to, length);
+                    ASSERT_EQ(std::vector<double>(results, results + Size),
+                              withResults(converter, numbers, from, untouched, to, length));
                     converter->convertAll(values + from, values + from, length);
-                    for (std::size_t i = 0; i < Places + Longest + 1; ++i) {
-                        const double value = 1.0 + static_cast<double>(i);
-                        const bool isResult = i >= to && i < to + length;
-                        const bool isInPlace = i >= from && i < from + length;
-                        const double moved =
-                            value - static_cast<double>(to) + static_cast<double>(from);
-                        ASSERT_EQ(results[i], isResult ? converter->convert(moved) : Untouched);
-                        ASSERT_EQ(values[i], isInPlace ? converter->convert(value) : value);
-                    }
+                    ASSERT_EQ(std::vector<double>(values, values + Size),
+                              withResults(converter, numbers, from, numbers, from, length));
                 }
             }
         }

@@ -177,11 +177,11 @@ TEST(ProductUnit, FactorsAreMergedReducedAndDropped) {
         {{{'a', 0, 1}, {'b', 1, 1}}, {}, "b"},
         {{{'a', 0, 5}}, {{'a', 1, 1}}, "a"},
         {{{'a', 0, 0}}, {{'b', 1, 1}}, "b"},
-        // Unmatched right factors are not.
+        // Unmatched right factors are neither reduced nor dropped.
         {{}, {{'a', 2, 4}}, "a^2/4"},
         {{}, {{'a', 0, 1}}, "a^0/1"},
         {{}, {{'a', 0, 1}, {'b', 1, 1}}, "a^0/1 b^1/1"},
-        // But a single factor whose power equals its root is the unit.
+        // A single factor whose power equals its root is the unit itself.
         {{}, {{'a', 1, 1}}, "a"},
         {{}, {{'a', 2, 2}}, "a"},
         {{}, {{'a', -3, -3}}, "a"},

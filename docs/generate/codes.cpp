@@ -56,7 +56,8 @@ void writeMeanings(eSystem system, bool hasIds) {
 }
 
 void writeRefusals(eSystem system) {
-    std::cout << "| Code | Symbol | Name | Refused, since | Remarks |\n|---|---|---|---|---|\n";
+    std::cout
+        << "| Code | Symbol | Name | Reason of the refusal | Remarks |\n|---|---|---|---|---|\n";
     for (const codes::CCode& row : codes::all(system)) {
         if (row.Definition.empty()) {
             std::cout << "| " << code(row.Code) << " | " << code(row.Symbol) << " | " << row.Name

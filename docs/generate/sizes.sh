@@ -8,7 +8,7 @@ packages=$1 readme=$2
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-# size PACKAGE ARCHITECTURE: of the library in it, in kB.
+# size PACKAGE ARCHITECTURE: prints the size of the library in the package, in kB.
 size() {
     rm -rf "$work/root"
     dpkg-deb -x "$(echo "$packages/$1"_*_"$2.deb")" "$work/root"

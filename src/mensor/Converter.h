@@ -157,7 +157,8 @@ private:
     friend struct detail::Chain;
     friend class detail::CFlatPlan;
 
-    // The second step as the inverse of a converter that is inverted when second() is first needed.
+    // Tells the constructor below that the second step is the inverse of this converter. The
+    // inverse is computed when second() is first called.
     struct InverseOf {
         const CConverterPtr& Converter;
     };

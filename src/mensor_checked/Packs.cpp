@@ -184,11 +184,13 @@ const std::vector<CRefusedUnit>& refusedUnits() {
          "the degree Rankine has the size of the degree Fahrenheit; the identity does not include "
          "its zero at 0 K"},
         {ePack::OFFSETS, "K_w", 1.0, "K", 273.16, "°C",
-         "a unit of the size of the kelvin with any offset is the degree Celsius"},
+         "a unit of the size of the kelvin has the identity of the degree Celsius, whatever its "
+         "offset"},
         {ePack::OFFSETS, "bar_p", 1e5, "Pa", 101325.0, "bar",
-         "built on the pascal, a bar with an offset is the bar"},
+         "a bar that is built on the pascal has the identity of the bar, whatever its offset"},
         {ePack::OFFSETS, "bar_b", 1e5, "kg/(m·s²)", 100000.0, "bar_g",
-         "a gauge pressure that counts from 1 bar is the bar_g, which counts from 1 atm"},
+         "a gauge pressure that counts from 1 bar has the identity of the bar_g, which counts from "
+         "1 atm"},
     };
     return Units;
 }

@@ -36,7 +36,7 @@ struct CCertifiedNumber {
     std::string Denominator;  ///< decimal digits
     int Root = 1;
     std::string Pi;    ///< "0", "-1", "1/2"
-    std::string Text;  ///< the whole number, as CConversion::factor and offset write it
+    std::string Text;  ///< the number as one text, as CConversion::factor and offset write it
 };
 
 /// The proof of a conversion: a value x in `From` is Factor·x + Offset in `To`.

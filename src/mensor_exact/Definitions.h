@@ -74,7 +74,8 @@ struct CDefinition {
     std::string_view English{};  ///< the name of the unit in English
     std::string_view Source{};   ///< the document that has the definition
     ePack Pack = ePack::OWN;
-    /// For CCatalogue::with: allows a name that a built-in unit has. That unit then has it no longer.
+    /// For CCatalogue::with: allows a name that a built-in unit has. The built-in unit then loses
+    /// the name.
     bool TakesAway = false;
 };
 

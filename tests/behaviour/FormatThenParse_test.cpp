@@ -34,7 +34,7 @@ class Random {
 public:
     explicit Random(std::uint32_t seed) : m_State(seed) {}
 
-    // From 0 to `count` - 1.
+    // Returns a number from 0 to `count` - 1.
     std::uint32_t below(std::size_t count) {
         m_State = m_State * 1664525U + 1013904223U;
         return static_cast<std::uint32_t>((m_State >> 8) % count);

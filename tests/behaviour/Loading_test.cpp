@@ -1,6 +1,6 @@
-// Loading_test.cpp: the library loads in a fixed order and without output, and its state is sound
-// when memory runs out during that. A program that loads the library has an operator new of its
-// own, which throws at given allocations (loading/).
+// Loading_test.cpp: the library loads in a fixed order and without output. If memory runs out
+// meanwhile, its tables stay consistent. A program that loads the library has an operator new of
+// its own, which throws at given allocations (loading/).
 #include <elf.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -492,6 +492,18 @@ TEST(Loading, TheLineOnStandardErrorComesFirst) {
     EXPECT_THAT(outcome.Error, HasSubstr("StdCoutLogger"));
 }
 
+void expectInterruptedSIRegistration(const Outcome& outcome) {
+    EXPECT_THAT(outcome.Records[0], Reports(SI_FUNCTION, "Exception: std::bad_alloc"));
+    EXPECT_EQ(outcome.Error, LINE_OF_THE_SI_UNITS);
+    EXPECT_THAT(outcome.Labels, AreThoseOfAnInterruptedSIRegistration());
+}
+
+void expectInterruptedNonSIRegistration(const Outcome& outcome) {
+    EXPECT_THAT(outcome.Records[0], Reports(NON_SI_FUNCTION, "Exception: std::bad_alloc"));
+    EXPECT_EQ(outcome.Error, "");
+    EXPECT_THAT(outcome.Labels, AreThoseOfAnInterruptedNonSIRegistration());
+}
+
 // Each failure is reported once, by the group that it happened in, and the tables are sound.
 TEST(Loading, SurvivesTheFailureOfAnyAllocation) {
     std::size_t reported = 0;
@@ -509,14 +521,10 @@ TEST(Loading, SurvivesTheFailureOfAnyAllocation) {
         }
         ++reported;
         ASSERT_THAT(outcome.Records, SizeIs(1));
-        const bool isSI = outcome.Records[0].Function == SI_FUNCTION;
-        EXPECT_THAT(outcome.Records[0],
-                    Reports(isSI ? SI_FUNCTION : NON_SI_FUNCTION, "Exception: std::bad_alloc"));
-        EXPECT_EQ(outcome.Error, isSI ? LINE_OF_THE_SI_UNITS : "");
-        if (isSI) {
-            EXPECT_THAT(outcome.Labels, AreThoseOfAnInterruptedSIRegistration());
+        if (outcome.Records[0].Function == SI_FUNCTION) {
+            expectInterruptedSIRegistration(outcome);
         } else {
-            EXPECT_THAT(outcome.Labels, AreThoseOfAnInterruptedNonSIRegistration());
+            expectInterruptedNonSIRegistration(outcome);
         }
     }
     std::cout << outcomes.size() << " allocations failed, " << reported << " reports\n";

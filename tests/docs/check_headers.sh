@@ -8,9 +8,9 @@ find src tools tests benchmarks fuzz -name '*.h' -o -name '*.h.in' | grep -v /ti
 # clang-format puts a declaration of a namespace at the start of its line, and indents those of a class.
 function settle() {
     if (path == "") return
-    if (name ~ /^[A-Z]/ && !types) complain("declares no class: a lower-case name says so")
+    if (name ~ /^[A-Z]/ && !types) complain("declares no class, so its name should be in lower case")
     # The class of utf8_string.h has a lower-case name. mensor_global.h has the prefixes beside its functions.
-    if (name ~ /^[a-z]/ && types && !isNamed && name != "mensor_global") complain("declares " type ": CamelCase says so")
+    if (name ~ /^[a-z]/ && types && !isNamed && name != "mensor_global") complain("declares " type ", so its name should be in CamelCase")
 }
 function complain(what) {
     print path ": " what

@@ -119,7 +119,8 @@ TEST(Conversion, CopiesAreIndependent) {
 }
 
 TEST(Conversion, TakesTheExactValuesOfDoublesAsFactorAndOffset) {
-    // The registry stores factors and offsets as doubles.
+    // The registry stores factors and offsets as doubles. A unit of the registry means the exact
+    // values of these doubles.
     const CMeaning unit = CMeaning::base("K")
                               .scaled(CFactor(CFraction::ofDouble(0.1)))
                               .shifted(CFraction::ofDouble(273.15));

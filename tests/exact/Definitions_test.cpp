@@ -221,7 +221,7 @@ TEST(Definitions, DefinitionsOfAProgramMayUseEachOtherInAnyOrder) {
     EXPECT_EQ(own.find("smoot")->Source, "MIT, 1958");
     EXPECT_EQ(own.find("smoot")->Pack, ePack::OWN);
     EXPECT_FALSE(BuiltIn.find("smoot"));
-    // More definitions are added to these.
+    // A catalogue that has definitions of a program can get more of them.
     const CCatalogue more = own.with({{"gross", "12 dozen"}}).with(ePack::CUSTOMARY);
     EXPECT_EQ(more.meaning("gross")->toString(), "144 piece");
     EXPECT_EQ(more.definitions().size(), BuiltIn.with(ePack::CUSTOMARY).definitions().size() + 8);

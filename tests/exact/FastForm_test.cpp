@@ -497,7 +497,7 @@ TEST(FastForm, TailsEncloseTheRestOfTheFactor) {
     }
 }
 
-TEST(FastForm, HasTheRightTailsFarBelowTheHead) {
+TEST(FastForm, RoundsTailsFarBelowTheHead) {
     const WholeLine unused({1, 0, 1, 0, false});
     const std::uint64_t highest = std::uint64_t{1} << 63;
     const CLeading far = {{highest, 0, highest}, -191, true};

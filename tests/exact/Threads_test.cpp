@@ -57,10 +57,14 @@ TEST(Threads, ThreadsThatShareObjectsGetTheAnswersOfOneThread) {
 
 // The test runs in a process of its own, so nothing was used before.
 TEST(Threads, SeveralThreadsMayBeTheFirstToUseTheLibrary) {
-    race(Threads, [](int thread) {
-        const CConversion conversion =
-            CConversion::between(thread % 2 == 0 ? "°" : "km", thread % 2 == 0 ? "rad" : "m");
-        EXPECT_EQ(conversion.convert(180.0), thread % 2 == 0 ? 3.141592653589793 : 180000.0);
+    const struct {
+        const char* From;
+        const char* To;
+        double Result;
+    } tasks[] = {{"°", "rad", 3.141592653589793}, {"km", "m", 180000.0}};
+    race(Threads, [&](int thread) {
+        const auto& task = tasks[thread % 2];
+        EXPECT_EQ(CConversion::between(task.From, task.To).convert(180.0), task.Result);
     });
 }
 

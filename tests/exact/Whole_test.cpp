@@ -179,7 +179,7 @@ TEST(Whole, PowersAreThoseOfGmp) {
     }
 }
 
-TEST(Whole, AcceptEveryMachineInteger) {
+TEST(Whole, AcceptsEveryMachineInteger) {
     EXPECT_EQ(CWhole(INT64_MIN).toString(), "-9223372036854775808");
     EXPECT_EQ(CWhole(INT64_MAX).toString(), "9223372036854775807");
     EXPECT_EQ(CWhole(UINT64_MAX).toString(), "18446744073709551615");

@@ -148,7 +148,7 @@ TEST(NearMiddle, GivesUpIfThereAreTooManyNumbers) {
     EXPECT_FALSE(visitNearWholes(half, small, 602, visit));  // 300 even numbers
     EXPECT_EQ(visited, 300);
     EXPECT_TRUE(visitNearWholes(half, small, 600, visit));
-    // Here the sums of steps take too long.
+    // Here the function gives up, because the sums of steps take too long.
     EXPECT_FALSE(visitNearWholes({1 << 20, 0}, {1, 0}, std::uint64_t{1} << 53, visit));
     visited = 0;
     EXPECT_FALSE(visitNearWholes(half, small, 100, [&](std::uint64_t) { return ++visited < 3; }));
