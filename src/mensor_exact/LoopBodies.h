@@ -136,8 +136,8 @@ inline std::uint64_t mostAboveLeast(const CFastForm& form) {
     return static_cast<std::uint64_t>(form.Most) - static_cast<std::uint64_t>(form.Least);
 }
 
-// The closer the distance is to zero, the greater is this number. If the center is exact, a distance of zero counts as a
-// large one, since the result is exactly zero.
+// The closer the distance is to zero, the greater is this number. If the center is exact, a distance of
+// zero counts as a large one, since the result is exactly zero.
 inline std::uint64_t nearness(const CFastForm& form, double distance) {
     const auto bits = static_cast<std::uint64_t>(bitsOfDouble(distance)) -
                       static_cast<std::uint64_t>(form.ExactCenter);
