@@ -10,8 +10,10 @@
 #include "mensor_exact/Definitions.h"
 #include "mensor_exact/Reading.h"
 #include "mensor_exact/Traps.h"
+#include "support/trap_example.h"
 
 using namespace mensor::exact;
+using mensor::test::exampleOf;
 
 namespace {
 
@@ -59,29 +61,6 @@ void words() {
     std::cout << "| " << code(singular) << " | " << code(plural) << " | " << code(symbol) << " | " \
               << ((prefixes) ? "yes" : "no") << " |\n";
 #include "mensor_exact/spellings.def"
-}
-
-// A text that has the trap in it.
-std::string exampleOf(const CTrap& trap) {
-    const std::string text(trap.text());
-    const std::string behind(trap.behind());
-    switch (trap.Place) {
-        case ePlace::DEGREE: return "20° " + text;
-        case ePlace::PRESSURE: return "5 bar " + text;
-        case ePlace::ELECTRIC: return "230 V " + text;
-        case ePlace::MASS:
-        case ePlace::MASS_PER: return "50 mg " + text + "/l";
-        case ePlace::PERCENT: return "50 % " + text;
-        case ePlace::APART: return "5 " + behind + " " + text;
-        case ePlace::MASS_BELOW: return "4 J/(kg " + text + ")";
-        case ePlace::TECHNICAL: return "5 kg/cm² " + text;
-        case ePlace::NOTE: return "5 mm/s " + text;
-        case ePlace::HEAT: return "4 kJ/(kg·" + text + ")";
-        case ePlace::CUBED: return "5 " + text + "³/h";
-        case ePlace::POWER: return "5 " + text + "²";
-        case ePlace::QUOTIENT: return "5 " + behind + "/" + text;
-        default: return "5 " + text;
-    }
 }
 
 bool isNote(const CTrap& trap) {

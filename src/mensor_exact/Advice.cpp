@@ -207,7 +207,7 @@ public:
         const CSpan token = m_Refusal.Token;
         const CSpan first = m_Refusal.Pieces[0];
         switch (m_Refusal.Readings) {
-            case eReadings::NONE:
+            case eReadings::NONE: addWithoutPoint(); break;
             case eReadings::VALUE: break;
             case eReadings::TIMES: replace({token.Begin, token.Begin}, "·"); break;
             case eReadings::ONE: replace({token.Begin, token.Begin}, "1"); break;
@@ -220,9 +220,10 @@ public:
             case eReadings::JOIN: addJoined(); break;
             case eReadings::CLOSE: replace({m_Text.size(), m_Text.size()}, ")"); break;
             case eReadings::REMOVE: addWithout(); break;
-            case eReadings::DOT: replace(token, "·"); break;
+            case eReadings::DOT: addDots(); break;
+            case eReadings::DIVISOR: addDivided(); break;
         }
-        if (m_Refusal.Code == eRefusal::UNKNOWN_NAME) {
+        if (m_Refusal.Code == eRefusal::UNKNOWN_NAME && m_Refusal.Trap == nullptr) {
             addOtherSpelling();
         } else if (m_Refusal.Code == eRefusal::INEXACT_EXPONENT) {
             addSmallFraction();
@@ -235,6 +236,42 @@ public:
             if (!word.empty()) {
                 replace(token, word);
             }
+        }
+        return std::move(m_Found);
+    }
+
+    // Finds what corrects a further fault of a text that was already corrected: "kg/H" for "KG/H" is wrong, too.
+    std::vector<CCandidate> findNext() {
+        std::vector<CCandidate> found = find();
+        if (found.empty() && m_Refusal.Code == eRefusal::UNKNOWN_NAME &&
+            m_Refusal.Trap == nullptr) {
+            CNearestNames nearest(m_Refusal.token());
+            m_Resolver.addNamesTo(nearest);
+            for (const CNearestNames::CNear& near : nearest.best()) {
+                if (near.Distance == 0 && !near.IsRare) {
+                    replace(m_Refusal.Token, near.Name);
+                }
+            }
+            found = std::move(m_Found);
+        }
+        return found;
+    }
+
+    // Finds the text without a remark at its end: "µS/cm @25°C", "mg/l as CaCO3", "m3/h (dry)".
+    std::vector<CCandidate> withoutRemark() {
+        if (!isOfUnit()) {
+            return {};
+        }
+        const std::string_view unit = m_Text.substr(m_Refusal.UnitBegin);
+        std::size_t end = unit.find('@');
+        for (const std::string_view word : {" at ", " as ", " ("}) {
+            const std::size_t place = unit.find(word);
+            if (place != std::string_view::npos && (word != " (" || unit.back() == ')')) {
+                end = std::min(end, place);
+            }
+        }
+        if (end != std::string_view::npos && end > 0) {
+            replace({m_Refusal.UnitBegin + end, m_Text.size()}, "");
         }
         return std::move(m_Found);
     }
@@ -327,9 +364,13 @@ private:
             }
             std::string text(words);
             const bool isValue = m_Refusal.UnitBegin > 0;
-            if (text == "1" && isValue && m_Refusal.Token.Begin == m_Refusal.UnitBegin &&
-                m_Refusal.Token.End == m_Text.size()) {
-                text = "One";  // "5 1" are two numbers
+            if (text == "1" && addWithoutDivisor()) {
+                continue;
+            }
+            const bool isAlone = m_Refusal.Token.Begin == m_Refusal.UnitBegin &&
+                                 m_Refusal.Token.End == m_Text.size();
+            if (text == "1" && (isAlone ? isValue : isFactor())) {
+                text = "One";  // "5 1" are two numbers, and "h·1" is no product
             }
             const std::size_t place = text.find("{}");
             if (place != std::string::npos) {
@@ -347,6 +388,26 @@ private:
             }
             replace(token, text);
         }
+    }
+
+    // Returns true if the token is a factor of a product, but not its first one.
+    bool isFactor() const {
+        const std::size_t before = m_Text.substr(0, m_Refusal.Token.Begin).find_last_not_of(" \t");
+        return before != std::string_view::npos && before >= m_Refusal.UnitBegin &&
+               m_Refusal.Token.Begin > m_Refusal.UnitBegin && m_Text[before] != '(';
+    }
+
+    // Adds "kg" for "kg/pcs". Returns false if the token is not a divisor.
+    bool addWithoutDivisor() {
+        const std::size_t begin = m_Refusal.Token.Begin;
+        const std::string_view before = m_Text.substr(0, begin);
+        const std::size_t slash = before.find_last_not_of(" \t");
+        if (slash == std::string_view::npos || slash <= m_Refusal.UnitBegin ||
+            before[slash] != '/') {
+            return false;
+        }
+        replace({slash, m_Refusal.Token.End}, "");
+        return true;
     }
 
     static bool isRaised(const std::string& text) {
@@ -383,13 +444,80 @@ private:
         replace({m_Refusal.UnitBegin, m_Text.size()}, unit);
     }
 
+    // Adds the text with a dot for each hyphen: "hr·ft2·F/BTU" for "hr-ft2-F/BTU".
+    void addDots() {
+        std::string unit(m_Text.substr(m_Refusal.Token.Begin));
+        for (std::size_t at = unit.find('-'); at != std::string::npos;
+             at = unit.find('-', at + 1)) {
+            const eKind next = CCursor(unit, at + 1).kind();
+            if (next == eKind::NAME || next == eKind::OPEN_NAME || next == eKind::OPEN) {
+                unit.replace(at, 1, "·");
+            }
+        }
+        replace({m_Refusal.Token.Begin, m_Text.size()}, unit);
+    }
+
+    // Adds "0.05 l/km" for "5 l/100km", and "mg/d" for "mg/24h".
+    void addDivided() {
+        CCursor ahead(m_Text, m_Refusal.Token.End);
+        ahead.skipBlanks();
+        const std::size_t begin = ahead.position();
+        while (ahead.kind() == eKind::NAME) {
+            ahead.advance();
+        }
+        const std::string_view name = m_Text.substr(begin, ahead.position() - begin);
+        const std::string_view divisor = m_Refusal.token();
+        const bool isDay = divisor == "24" && (name == "h" || name == "hr" || name == "hrs" ||
+                                               name == "hour" || name == "hours");
+        if (isDay) {
+            replace({m_Refusal.Token.Begin, ahead.position()}, "d");
+            return;
+        }
+        constexpr std::size_t Longest = 18;  // longer numbers get no correction
+        CNumberText number;
+        CRefusal refusal;
+        const std::size_t slash = m_Text.rfind('/', m_Refusal.Token.Begin);
+        if (m_Refusal.UnitBegin == 0 || slash <= m_Refusal.UnitBegin ||
+            m_Text.substr(m_Refusal.UnitBegin, slash - m_Refusal.UnitBegin) == "1" ||
+            divisor.size() > Longest || !findNumber(m_Text, false, number, refusal) ||
+            number.Size.End - number.Size.Begin > Longest ||
+            number.Size.of(m_Text).find_first_not_of("0123456789.") != std::string_view::npos) {
+            return;
+        }
+        const CFraction by = CFraction::ofText(divisor);
+        if (by.isZero()) {
+            return;
+        }
+        const std::string size = (CFraction::ofText(number.Size.of(m_Text)) / by).toString();
+        if (size.find_first_not_of("0123456789.") != std::string::npos) {
+            return;  // no short decimal
+        }
+        std::string text = (number.IsNegative ? "-" : "") + size + " ";
+        const std::size_t unit = text.size();
+        text.append(m_Text.substr(m_Refusal.UnitBegin, m_Refusal.Token.Begin - m_Refusal.UnitBegin))
+            .append(m_Text.substr(begin));
+        m_Found.push_back({std::move(text), unit});
+    }
+
+    // Adds the text without the point of an abbreviation: "rev/min" for "rev./min".
+    void addWithoutPoint() {
+        const std::size_t at = m_Refusal.Token.Begin;
+        if (m_Refusal.Code == eRefusal::MISSING_UNIT && at > m_Refusal.UnitBegin &&
+            m_Text[at - 1] == '.') {
+            replace({at - 1, at}, "");
+        }
+    }
+
+    // Returns true if the unit is refused, not the number of a value.
+    bool isOfUnit() const {
+        return m_Refusal.Code < eRefusal::NO_NUMBER || m_Refusal.Code == eRefusal::MISLEADING;
+    }
+
     // Adds the text without punctuation marks at its end: "5 m.".
     void addWithoutPunctuation() {
-        const bool isOfUnit =
-            m_Refusal.Code < eRefusal::NO_NUMBER || m_Refusal.Code == eRefusal::MISLEADING;
         const std::size_t end = m_Text.find_last_not_of(" \t.,;:!?");
         const bool isFaultThere = m_Refusal.Token.End > end || m_Refusal.Token.Begin > end;
-        if (!isOfUnit || m_Refusal.Trap != nullptr || end == std::string_view::npos ||
+        if (!isOfUnit() || m_Refusal.Trap != nullptr || end == std::string_view::npos ||
             end < m_Refusal.UnitBegin || !isFaultThere ||
             m_Text.find_first_of(".,;:!?", end) == std::string_view::npos) {
             return;
@@ -484,6 +612,10 @@ private:
             replace(m_Refusal.Token, std::string(name.substr(1, name.size() - 2)));
             return;
         }
+        if (name.size() > 1 && (name.front() == '%' || name.back() == '%')) {  // "%THD"
+            replace(m_Refusal.Token, "%");
+            return;
+        }
         const std::size_t slash = name.find_first_of("\\|");  // "m\\s"
         if (slash != std::string_view::npos) {
             replace({m_Refusal.Token.Begin + slash, m_Refusal.Token.Begin + slash + 1}, "/");
@@ -570,11 +702,15 @@ public:
                 addNames();
             }
         }
-        const bool isNothingOffered = m_Diagnosis.Readings.empty() &&
-                                      m_Diagnosis.Suggestions.empty() && m_Diagnosis.Packs.empty();
+        if (isNothingOffered()) {
+            tryAll(CCandidates(m_Refusal, m_Resolver).withoutRemark(), 0);
+            if (!m_Diagnosis.Readings.empty()) {
+                m_Diagnosis.Sentence = sentences::REMARK;
+            }
+        }
         const bool isOfTwoUnits =
             m_Refusal.Trap != nullptr && m_Refusal.Trap->Place == ePlace::UNKNOWN;
-        if (!m_Missing.empty() && (isNothingOffered || isOfTwoUnits)) {
+        if (!m_Missing.empty() && (isNothingOffered() || isOfTwoUnits)) {
             addPacks(m_Missing);
             m_Diagnosis.Sentence += "; " + m_PackSentence;
         }
@@ -582,6 +718,11 @@ public:
     }
 
 private:
+    bool isNothingOffered() const {
+        return m_Diagnosis.Readings.empty() && m_Diagnosis.Suggestions.empty() &&
+               m_Diagnosis.Packs.empty();
+    }
+
     static constexpr int Deepest = 4;      // most corrections of one text
     static constexpr int MostTrials = 40;  // most texts read for one refusal
     static constexpr std::size_t MostOffers = 3;
@@ -614,7 +755,7 @@ private:
             m_Missing = refusal.token();
         }
         if (depth > 0) {
-            tryAll(CCandidates(refusal, m_Resolver).find(), depth - 1);
+            tryAll(CCandidates(refusal, m_Resolver).findNext(), depth - 1);
         }
     }
 
@@ -667,7 +808,8 @@ private:
     // Returns the name of a pack that differs from `name` in case only: "hp" for "Hp". Empty if there is none.
     std::string_view inOtherCaseOfPacks(std::string_view name) const {
         const std::string_view known = inOtherCase(name, CTable::AllPacks);
-        return !known.empty() && isInPack(known) ? known : std::string_view();
+        return !known.empty() && isInPack(known) && !m_Resolver.knows(known) ? known
+                                                                             : std::string_view();
     }
 
     struct COffer {
@@ -680,6 +822,9 @@ private:
         const std::string_view name = m_Refusal.token();
         CNearestNames nearest(name);
         m_Resolver.addNamesTo(nearest);
+        if (m_Resolver.knows("metre")) {
+            addEverydayWordsTo(nearest, name);
+        }
         const std::vector<CNearestNames::CNear>& found = nearest.best();
         const bool isOtherCase = !found.empty() && found[0].Distance == 0 && !found[0].IsRare;
         const std::string_view ofPack = isOtherCase ? std::string_view() : inOtherCaseOfPacks(name);
@@ -695,6 +840,7 @@ private:
             return;
         }
         std::vector<COffer> offers;
+        bool isRightCaseRefused = false;  // the text has another fault, too
         for (const CNearestNames::CNear& near : found) {
             if (isGuess(near)) {
                 continue;
@@ -704,13 +850,21 @@ private:
                 m_Resolver.fit(m_Refusal.replaced(near.Name), m_Refusal.UnitBegin, refusal);
             if (fit != eFit::REFUSED) {
                 offers.push_back({near, fit});
+            } else if (near.Distance == 0 && !near.IsRare) {
+                isRightCaseRefused = true;
             }
         }
-        if (offers.empty()) {  // the text has another fault, too
+        const bool hasRightCase = std::any_of(offers.begin(), offers.end(), [](const COffer& o) {
+            return o.Near.Distance == 0 && !o.Near.IsRare;
+        });
+        if (offers.empty() || (isRightCaseRefused && !hasRightCase)) {
             for (const CNearestNames::CNear& near : found) {
-                if (!isGuess(near)) {
+                if (!isGuess(near) && (!isRightCaseRefused || near.Distance == 0)) {
                     tryOne({m_Refusal.replaced(near.Name), m_Refusal.UnitBegin}, Deepest);
                 }
+            }
+            if (!m_Diagnosis.Readings.empty()) {
+                return;
             }
         }
         offer(offers);
@@ -732,7 +886,10 @@ private:
         }
         const std::vector<CNearestNames::CNear>& found = nearest.best();
         constexpr std::size_t Shortest = 3;  // all names of two letters are similar
-        if (countCodePoints(m_Refusal.token()) >= Shortest && !found.empty() &&
+        // In a short name, another letter is hardly a typing error.
+        const bool isOtherLetter =
+            !found.empty() && found[0].Name.size() == m_Refusal.token().size() && isGuess(found[0]);
+        if (countCodePoints(m_Refusal.token()) >= Shortest && !found.empty() && !isOtherLetter &&
             found[0].Distance <= 1 && !m_Resolver.knows(found[0].Name) && addPacks(found[0].Name)) {
             m_Diagnosis.Sentence += "; " + m_PackSentence;
         }
@@ -759,18 +916,45 @@ private:
                (offer.Near.IsRare ? Penalty : 0) + (offer.Fit == eFit::TARGET ? 0 : Other);
     }
 
-    // Returns true if the similarity is an accident. All names of two letters are similar, so only a swapped or
-    // doubled letter counts as a typing error.
+    // Returns true if the similarity is an accident. People rarely mistype the first letter. In short names
+    // only a swapped, a doubled or a forgotten letter counts as a typing error.
     bool isGuess(const CNearestNames::CNear& near) const {
-        const std::string_view name = m_Refusal.token();
-        if (near.Distance == 0 || countCodePoints(name) != 2) {
+        if (near.Distance == 0) {
             return false;
         }
-        const bool isSwapped = near.Name.size() == 2 && name.size() == 2 &&
-                               near.Name[0] == name[1] && near.Name[1] == name[0];
-        const bool isDoubled = name.size() == 2 && name[0] == name[1] && near.Name.size() == 1 &&
-                               near.Name[0] == name[0];
-        return !isSwapped && !isDoubled;
+        const std::string name = small(m_Refusal.token());
+        const std::string known = small(near.Name);
+        const std::size_t size = countCodePoints(name);
+        const bool isSwapped = name.size() == known.size() &&
+                               std::is_permutation(name.begin(), name.end(), known.begin());
+        if (near.IsRare || (known[0] != name[0] && !isSwapped)) {
+            return true;
+        }
+        constexpr std::size_t Short = 3;
+        constexpr std::size_t Long = 7;
+        if (size > Short) {
+            return near.Distance > 1 && size < Long;
+        }
+        const bool isForgotten = size == Short && known.size() == name.size() + 1;
+        return !isSwapped && !isDoubled(name, known) && !isForgotten;
+    }
+
+    static std::string small(std::string_view text) {
+        std::string result(text);
+        for (char& c : result) {
+            c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+        }
+        return result;
+    }
+
+    // Returns true if `name` is `known` with one letter twice.
+    static bool isDoubled(const std::string& name, const std::string& known) {
+        for (std::size_t at = 1; at < name.size(); ++at) {
+            if (name[at] == name[at - 1] && name.substr(0, at) + name.substr(at + 1) == known) {
+                return true;
+            }
+        }
+        return false;
     }
 
     void offer(std::vector<COffer>& offers) {

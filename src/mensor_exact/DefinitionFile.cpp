@@ -242,7 +242,7 @@ private:
         m_Lines;  // the line of each name; filled at the first use
 };
 
-// Returns "line 2: no unit has the name "xyz" (and 1 more)".
+// Returns "line 2: a second division needs brackets (and 1 more)".
 std::string firstOf(const std::vector<CLineFinding>& findings) {
     std::string message = "no line is refused";
     if (!findings.empty()) {

@@ -20,6 +20,13 @@ std::string quotedList(const std::vector<std::string>& items) {
     return list;
 }
 
+// Returns true if nothing is known about an unknown name.
+bool isOnlyUnknown(const CDiagnosis& diagnosis) {
+    return diagnosis.Code == eRefusal::UNKNOWN_NAME && diagnosis.Readings.empty() &&
+           diagnosis.Suggestions.empty() && diagnosis.Packs.empty() &&
+           diagnosis.Sentence == "no unit has the name " + quotedList({diagnosis.Token});
+}
+
 std::string inCapitals(std::string text) {
     for (char& c : text) {
         c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
@@ -71,6 +78,9 @@ const char* nameOf(eRefusal code) {
 
 std::string CDiagnosis::message() const {
     std::string message = Sentence;
+    if (isOnlyUnknown(*this)) {
+        message += " (mensor list shows all names; a definition adds one)";
+    }
     const bool isCollision = Code == eRefusal::COLLISION || Code == eRefusal::DIMENSION_COLLISION;
     if (!Readings.empty() && !isCollision) {  // the sentence of a collision names both meanings
         message += " (write " + quotedList(Readings) + ")";

@@ -17,6 +17,7 @@
 #include <numeric>
 
 #include "mensor_exact/Characters.h"
+#include "mensor_exact/NearestNames.h"
 #include "mensor_exact/Reading.h"
 #include "mensor_exact/Traps.h"
 #include "mensor_exact/sentences.h"
@@ -136,7 +137,7 @@ private:
         if (!goesOn) {
             return requireNoQuotientTrap(left, right);
         }
-        return requireNoNoteBehind({left.Begin, right.End}) &&
+        return requireNoNoteBehind({left.Begin, right.End}) && requireNoPair(right, right) &&
                (!hadBlank || (requireNoNote() && requireNoPair(lastWord(right), right) &&
                               requireNoPairOfQuotient(left, right))) &&
                refuseChain(left);
@@ -596,9 +597,7 @@ private:
     [[gnu::cold]] bool refuseFactor() {
         switch (kind()) {
             case eKind::FOREIGN: return refuseForeign();
-            case eKind::DIGIT:
-                return refuse(eRefusal::STRAY_NUMBER, number(), sentences::NUMBER_IN_UNIT,
-                              eReadings::JOIN);
+            case eKind::DIGIT: return refuseNumber();
             case eKind::CLOSE_NAME:
                 return refuse(eRefusal::STRAY_BRACKET, here(), sentences::UNMATCHED_BRACKET,
                               eReadings::REMOVE);
@@ -630,6 +629,20 @@ private:
                       sentences::NO_UNIT_HERE, isFirstSlash ? eReadings::ONE : eReadings::NONE);
     }
 
+    [[gnu::cold]] bool refuseNumber() {
+        if (!m_Factors.empty() && !requireNoNote()) {
+            return false;  // "mm 0-pk"
+        }
+        const std::size_t before =
+            m_Text.find_last_not_of(" \t", at() - std::min<std::size_t>(at(), 1));
+        const bool isBelow =
+            at() > m_Begin && before != std::string_view::npos && m_Text[before] == '/';
+        return isBelow ? refuse(eRefusal::STRAY_NUMBER, number(), sentences::NUMBER_BELOW,
+                                eReadings::DIVISOR)
+                       : refuse(eRefusal::STRAY_NUMBER, number(), sentences::NUMBER_IN_UNIT,
+                                eReadings::JOIN);
+    }
+
     // Refuses a "-" that means "no unit".
     [[gnu::cold]] bool requireNoLoneSign() {
         const std::size_t end = m_Text.find_last_not_of(" \t") + 1;
@@ -657,8 +670,8 @@ private:
             case eKind::OPEN_NAME:
             case eKind::OPEN:
             case eKind::ROOT:
-                if (m_PlainName.End == at() && !requireNoPair(m_PlainName, m_PlainName)) {
-                    return false;  // "kPa(g)"
+                if (!requireNoPairWithPower() || !requireNoNote()) {
+                    return false;  // "kPa(g)", "m³N", "µm(p-p)"
                 }
                 return refuse(eRefusal::MISSING_OPERATOR, here(), sentences::NO_OPERATOR,
                               eReadings::TIMES);
@@ -721,8 +734,11 @@ private:
             return false;
         }
         trap = findTrap(ePlace::UNKNOWN, name);
-        return trap != nullptr ? refuseTrap(span, *trap)
-                               : refuse(eRefusal::UNKNOWN_NAME, span, sentences::UNKNOWN);
+        if (trap != nullptr) {
+            return refuseTrap(span, *trap);
+        }
+        return (m_Factors.empty() || requireNoNote(span.Begin)) &&
+               refuse(eRefusal::UNKNOWN_NAME, span, sentences::UNKNOWN);
     }
 
     [[gnu::cold]] bool refuseTrap(CSpan span, const CTrap& trap) {
@@ -744,8 +760,11 @@ private:
             return true;
         }
         const CTrap* trap = findTrap(ePlace::POWER, name);
-        if (trap == nullptr || m_Resolver.isOwn(name)) {
+        if (m_Resolver.isOwn(name)) {
             return true;
+        }
+        if (trap == nullptr) {
+            return requireNoNameOfDigits();
         }
         const CTrap* const cubed = isCubed() ? findTrap(ePlace::CUBED, name) : nullptr;
         if (cubed != nullptr) {
@@ -753,6 +772,21 @@ private:
         }
         return refuse(eRefusal::MISLEADING, m_PlainName, trap->sentence(), eReadings::TRAP,
                       m_PlainName, trap);
+    }
+
+    // Refuses a name whose digits are no exponent: "mH20" is a column of water, not mH to the power of 20.
+    bool requireNoNameOfDigits() {
+        if (kind() != eKind::DIGIT || m_Cursor.peek() != eKind::DIGIT) {
+            return true;
+        }
+        CCursor ahead = m_Cursor;
+        while (ahead.kind() == eKind::DIGIT) {
+            ahead.advance();
+        }
+        const CSpan whole{m_PlainName.Begin, ahead.position()};
+        const CTrap* const trap = findTrap(ePlace::UNKNOWN, whole.of(m_Text));
+        return trap == nullptr ||
+               refuse(eRefusal::MISLEADING, whole, trap->sentence(), eReadings::TRAP, whole, trap);
     }
 
     // Returns true if the exponent 3 is next.
@@ -884,6 +918,12 @@ private:
         return refusePair(kept, next, *trap);
     }
 
+    // Refuses a pair of a name with or without an exponent and what follows it without a blank, such as "m³N".
+    [[gnu::cold]] bool requireNoPairWithPower() {
+        const CSpan power{m_PlainName.Begin, at()};
+        return m_PlainName.End <= m_PlainName.Begin || requireNoPair(power, power);
+    }
+
     // Refuses a name after the quotient of a mass, such as "mg/l N".
     [[gnu::cold]] bool requireNoPairOfQuotient(CSpan left, CSpan right) {
         const std::string_view mass = lastWord(left).of(m_Text);
@@ -923,7 +963,11 @@ private:
             trap = findApart(before.of(m_Text), text);
             return trap != nullptr;
         });
-        return trap == nullptr || m_Resolver.isOwn(next.of(m_Text)) ||
+        // "g/(bar.g)" is a product.
+        const bool isProduct =
+            trap != nullptr && trap->Place == ePlace::PRESSURE &&
+            m_Text.substr(m_Begin, at() - m_Begin).find('/') != std::string_view::npos;
+        return trap == nullptr || isProduct || m_Resolver.isOwn(next.of(m_Text)) ||
                refusePair(before, next, *trap);
     }
 
@@ -946,13 +990,17 @@ private:
     }
 
     // Refuses a word that is a remark and no unit after any unit: "mm/s rms".
-    [[gnu::cold]] bool requireNoNote() {
+    [[gnu::cold]] bool requireNoNote() { return requireNoNote(at()); }
+
+    [[gnu::cold]] bool requireNoNote(std::size_t begin) {
         const CTrap* trap = nullptr;
-        const CSpan word = longestText(at(), [&](std::string_view text) {
+        const CSpan word = longestText(begin, [&](std::string_view text) {
             trap = findTrap(ePlace::NOTE, text);
             return trap != nullptr;
         });
-        return trap == nullptr || m_Resolver.knows(word.of(m_Text)) ||
+        const std::string_view text = word.of(m_Text);
+        return trap == nullptr || m_Resolver.isOwn(text) ||
+               (m_Resolver.knows(text) && !hasRarePrefix(text)) ||  // "PK" is no petakelvin
                refuse(eRefusal::MISLEADING, word, trap->sentence(),
                       trap->first().empty() ? eReadings::REMOVE : eReadings::TRAP, word, trap);
     }
@@ -972,7 +1020,8 @@ private:
         return trap == nullptr || refusePair(quotient, note, *trap);
     }
 
-    // Refuses "kJ/(kg·C)" and "kJ·C/kg". In a heat or a power with three units, C means a temperature.
+    // Refuses "kJ/(kg·C)", "kJ·C/kg" and "h·ft²·F/BTU". With a heat or a power and a third unit, C means a
+    // temperature.
     bool requireNoLetterOfTemperature() {
         if (m_Factors.size() < 3) {
             return true;
@@ -983,8 +1032,12 @@ private:
                 continue;
             }
             const CTrap* const trap = findTrap(ePlace::HEAT, name);
-            if (trap != nullptr && isMember(m_Factors[0].Name.of(m_Text), ePlace::HEAT) &&
-                !m_Resolver.isOwn(name)) {
+            const bool hasHeat =
+                trap != nullptr &&
+                std::any_of(m_Factors.begin(), m_Factors.end(), [&](const CNamedFactor& other) {
+                    return isMember(other.Name.of(m_Text), ePlace::HEAT);
+                });
+            if (hasHeat && !m_Resolver.isOwn(name)) {
                 return refuse(eRefusal::MISLEADING, factor.Name, trap->sentence(), eReadings::TRAP,
                               factor.Name, trap);
             }
@@ -1092,6 +1145,13 @@ bool takeNotes(std::string_view text, std::size_t begin, const CNamedFactors& fa
         const CTrap* const trap = findNote(name);
         if (trap != nullptr && !resolver.isOwn(name) && !take(trap, factor.Name)) {
             return false;
+        }
+        constexpr std::size_t LongestCubed = 2;
+        if (factor.Pow == 3 && factor.Root == 1 && name.size() == LongestCubed) {  // "Mm³"
+            const CTrap* const cubed = findNote(std::string(name) + "³");
+            if (cubed != nullptr && !resolver.isOwn(name) && !take(cubed, factor.Name)) {
+                return false;
+            }
         }
     }
     constexpr std::size_t Longest = 3;

@@ -36,7 +36,8 @@ enum class eReadings : std::uint8_t {
     JOIN,      ///< no blank before the token: "m ²" is "m²"
     CLOSE,     ///< a closing bracket at the end
     REMOVE,    ///< nothing in place of the token
-    DOT        ///< "·" in place of the token: "N-m" is "N·m"
+    DOT,       ///< "·" in place of the hyphens: "N-m" is "N·m"
+    DIVISOR    ///< the value divided by the token: "5 l/100km" is "0.05 l/km"; "mg/24h" is "mg/d"
 };
 
 /// A refusal. It allocates no memory. It refers to the text, which must outlive it.

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <iterator>
 
+#include "mensor_exact/NearestNames.h"
 #include "mensor_exact/Table.h"
 
 namespace mensor::exact {
@@ -88,6 +89,25 @@ std::optional<CWord> everydayWord(std::string_view name) {
         }
     }
     return std::nullopt;
+}
+
+void addEverydayWordsTo(CNearestNames& nearest, std::string_view unknown) {
+    const auto addAll = [&nearest](const std::string& prefix) {
+        for (const CWordRow& word : Words) {
+            if (prefix.empty() || word.HasPrefixes) {
+                nearest.add(prefix + std::string(std::string_view(word.Singular)));
+                if (std::string_view(word.Plural) != std::string_view(word.Singular)) {
+                    nearest.add(prefix + std::string(std::string_view(word.Plural)));
+                }
+            }
+        }
+    };
+    addAll({});
+    for (const std::string_view prefix : PrefixNames) {
+        if (startsWith(unknown, prefix)) {
+            addAll(std::string(prefix));
+        }
+    }
 }
 
 std::string respelled(std::string_view name) {

@@ -46,6 +46,11 @@ struct CWord {
 /// "kilometres", or "u" for the micro sign as in "um". Empty for any other name.
 MENSOR_EXACT_API std::optional<CWord> everydayWord(std::string_view name);
 
+class CNearestNames;
+
+/// Adds the words of spellings.def, in the singular and the plural. Adds prefixes only as `unknown` has them.
+void addEverydayWordsTo(CNearestNames& nearest, std::string_view unknown);
+
 /// Returns the first result of `lookUp` that converts to true. Looks up `name` as it is written, then
 /// respelled, then with the litre's small "l".
 template <class LookUp>

@@ -270,10 +270,12 @@ const CTrap* findPair(std::string_view name, std::string_view next, bool isBelow
 
 const CTrap* findApart(std::string_view name, std::string_view next) noexcept {
     return find(
-        next, [](ePlace place) { return place == ePlace::APART || place == ePlace::DEGREE; },
+        next,
+        [](ePlace place) {
+            return place == ePlace::APART || place == ePlace::DEGREE || place == ePlace::PRESSURE;
+        },
         [name](const CTrap& row) {
-            return row.Place == ePlace::APART ? row.behind() == name
-                                              : isMember(name, ePlace::DEGREE);
+            return row.Place == ePlace::APART ? row.behind() == name : isMember(name, row.Place);
         });
 }
 

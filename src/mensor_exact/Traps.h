@@ -71,7 +71,7 @@ MENSOR_EXACT_API const CTrap* findNote(std::string_view name) noexcept;
 /// the right of a slash.
 const CTrap* findPair(std::string_view name, std::string_view next, bool isBelow) noexcept;
 
-/// Returns the row for two names that are one name or one unit, "mm Hg" or "deg.C", or null.
+/// Returns the row for two names that are one name or one unit, "mm Hg", "deg.C" or "psi-g", or null.
 const CTrap* findApart(std::string_view name, std::string_view next) noexcept;
 
 /// Returns true if the name is in the class of this place.

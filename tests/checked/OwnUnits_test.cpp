@@ -262,7 +262,9 @@ TEST(OwnUnits, ThrowsWithAllLinesThatAreRefused) {
         defineUnits("qa = 3 m\nqb = 3 xyzzy\nqc\n");
         FAIL();
     } catch (const CDefinitionError& e) {
-        EXPECT_STREQ(e.what(), "line 2: no unit has the name \"xyzzy\" (and 1 more)");
+        EXPECT_STREQ(e.what(),
+                     "line 2: no unit has the name \"xyzzy\" (mensor list shows all names; a "
+                     "definition adds one) (and 1 more)");
         ASSERT_EQ(e.findings().size(), 2U);
         EXPECT_EQ(e.findings()[1].Line, 3U);
     }

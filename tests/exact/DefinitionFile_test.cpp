@@ -327,7 +327,8 @@ TEST(DefinitionFile, CertifiesItsUnits) {
 TEST(DefinitionFile, ThrowsTheFirstFindingAndTheNumberOfOthers) {
     EXPECT_THAT([] { readDefinitions("qa = 3 m\nqb = 3 xyzzy\nqc\n"); },
                 ThrowsMessage<CDefinitionError>(
-                    StrEq("line 2: no unit has the name \"xyzzy\" (and 1 more)")));
+                    StrEq("line 2: no unit has the name \"xyzzy\" (mensor list shows all names; a "
+                          "definition adds one) (and 1 more)")));
     try {
         readDefinitions("qb\n");
         FAIL();

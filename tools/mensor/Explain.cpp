@@ -155,6 +155,11 @@ private:
         for (std::size_t i = 0; i < m_Refusal.Packs.size(); ++i) {
             row(i == 0 ? "type" : "  or", "--pack " + m_Refusal.Packs[i]);
         }
+        if (m_Refusal.Code == eRefusal::UNKNOWN_NAME && m_Refusal.message() != m_Refusal.Sentence &&
+            m_Refusal.Readings.empty() && m_Refusal.Suggestions.empty() &&
+            m_Refusal.Packs.empty()) {
+            row("type", "mensor list, which shows all names");
+        }
     }
 
     void tellLibrary(const CLibraryAnswer& answer) const {
