@@ -30,9 +30,29 @@ mensor::codes::eSystem systemOf(const std::string& name) {
     return *system;
 }
 
+bool isPlainOption(const std::string& option) {
+    for (const char* const known :
+         {"--ucum", "--json", "--quiet", "--differences", "--dimensionless", "--strict", "--kinds",
+          "--library", "--help", "--version"}) {
+        if (option == known) {
+            return true;
+        }
+    }
+    return false;
+}
+
 // Returns whether a word is an option. "-40 °F" and "-" are operands.
 bool isOption(const std::string& word) {
     return word.size() > 1 && word[0] == '-' && word[1] != '.' && (word[1] < '0' || word[1] > '9');
+}
+
+// Returns how to write several words as one: "; in quotation marks: "5 km"".
+std::string asOneWord(const std::vector<std::string>& words) {
+    std::string all;
+    for (const std::string& word : words) {
+        all += (all.empty() ? "" : " ") + word;
+    }
+    return all.empty() ? "" : "; write it in quotation marks: " + quoted(all);
 }
 
 void requireOperands(const CArguments& arguments) {
@@ -43,7 +63,7 @@ void requireOperands(const CArguments& arguments) {
         }
     } else if (arguments.Command == "explain") {
         if (operands.size() != 1) {
-            throw CUsageError("explain takes one unit");
+            throw CUsageError("explain takes one unit" + asOneWord(operands));
         }
     } else if (arguments.Command == "audit") {
         if (operands.size() != 1) {
@@ -51,7 +71,7 @@ void requireOperands(const CArguments& arguments) {
         }
     } else if (arguments.Command == "code") {
         if (operands.size() != 1) {
-            throw CUsageError("code takes one unit");
+            throw CUsageError("code takes one unit" + asOneWord(operands));
         }
     } else if (arguments.Command == "list") {
         const bool isKnown = operands.empty() || (operands.size() == 1 && operands[0] == "packs") ||
@@ -62,7 +82,8 @@ void requireOperands(const CArguments& arguments) {
     } else {
         throw CUsageError(arguments.Command.empty()
                               ? std::string("a command is missing")
-                              : "unknown command " + quoted(arguments.Command));
+                              : "unknown command " + quoted(arguments.Command) +
+                                    "; the commands are convert, explain, list, audit and code");
     }
 }
 
@@ -105,7 +126,9 @@ CArguments readArguments(const std::vector<std::string>& words) {
             continue;
         }
         if (hasValue) {
-            throw CUsageError("unknown option " + quoted(*word));
+            throw CUsageError(isPlainOption(option)
+                                  ? quoted(option) + " takes no value: " + quoted(*word)
+                                  : "unknown option " + quoted(*word));
         }
         if (option == "--") {
             areOptionsOver = true;

@@ -20,7 +20,7 @@ void audit(const CArguments& arguments, const CUnits& units, CReport& report) {
         if (!file || file.peek() == std::ifstream::traits_type::eof()) {
             // A folder can be opened but not read. An empty file is accepted.
             if (!file.is_open() || !file.eof()) {
-                throw std::runtime_error("cannot read " + quoted(name));
+                throw std::runtime_error(cannotRead(name));
             }
         }
     }

@@ -63,6 +63,7 @@ public:
             if (!refusal) {
                 refusal = diagnose(value.Refusal, m_Units.catalogue(),
                                    m_Targets.empty() ? nullptr : &m_Targets[0].Meaning);
+                addNextWord(text, line, *refusal);
             }
         } else if (isBeyondDoubles(value.Value->Number)) {
             const std::string_view number =
@@ -91,6 +92,18 @@ private:
         const char* Code = nullptr;  // null if there is a result
         std::string Message{};
     };
+
+    // Offers "5 km" for the two words 5 and km.
+    void addNextWord(const std::string& text, std::size_t line, CDiagnosis& refusal) const {
+        if (line > 0 || refusal.Code != eRefusal::EMPTY) {
+            return;
+        }
+        const std::string value = text + " " + m_Arguments.Operands[1];
+        if (tryReadValue(value, m_Units.catalogue(), m_Arguments.Reading)) {
+            refusal.Sentence += "; write the value in quotation marks";
+            refusal.Readings = {value};
+        }
+    }
 
     // Prepares the conversions from `unit`. Most values of a pipe have the same unit as the one before.
     void prepare(const CMeaning& unit) {

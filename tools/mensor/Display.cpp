@@ -1,7 +1,9 @@
 #include "Display.h"
 
 #include <charconv>
+#include <filesystem>
 #include <iterator>
+#include <system_error>
 #include <vector>
 
 #include "mensor_exact/utf8.h"
@@ -82,6 +84,17 @@ std::size_t columnsOf(std::string_view text) {
 }
 
 std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
+
+std::string cannotRead(const std::string& file) {
+    std::error_code error;
+    const auto type = std::filesystem::status(file, error).type();
+    const bool isMissing = type == std::filesystem::file_type::not_found;
+    const bool isFolder = type == std::filesystem::file_type::directory;
+    return "cannot read " + ::quoted(file) + ": " +
+           (isMissing  ? "there is no such file"
+            : isFolder ? "it is a folder"
+                       : "it may not be read by you");
+}
 
 bool isBlank(std::string_view line) {
     return line.find_first_not_of(" \t") == std::string_view::npos;

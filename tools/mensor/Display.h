@@ -17,6 +17,9 @@ std::size_t columnsOf(std::string_view text);
 /// Returns `text` in quotation marks.
 std::string quoted(std::string_view text);
 
+/// Returns "cannot read "units.txt": there is no such file", or another reason.
+std::string cannotRead(const std::string& file);
+
 /// Returns whether the line has only blanks and tabs.
 bool isBlank(std::string_view line);
 

@@ -2,6 +2,9 @@
 #ifndef MENSOR_TOOL_LINES_H
 #define MENSOR_TOOL_LINES_H
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cstddef>
 #include <istream>
 #include <stdexcept>
@@ -16,7 +19,7 @@ public:
     CLines(std::istream& input, std::string name) : m_Input(input), m_Name(std::move(name)) {}
 
     /// Reads the next line. Returns false if there is none.
-    /// @throws std::runtime_error  "cannot read the standard input": it is a folder, is closed, or fails.
+    /// @throws std::runtime_error  "cannot read the standard input: it is closed", or another reason.
     bool next(std::string& line) {
         constexpr std::size_t Longest = 20000;  // more than 4096 code points of four bytes
         line.clear();
@@ -49,8 +52,15 @@ private:
         try {
             return m_Input.rdbuf()->sbumpc();
         } catch (const std::ios_base::failure&) {  // its message does not name the input
-            throw std::runtime_error("cannot read " + m_Name);
+            throw std::runtime_error("cannot read " + m_Name + ": " + reason());
         }
+    }
+
+    // The standard input, since a file is opened and read once before.
+    static const char* reason() {
+        struct stat input {};
+        const bool isOpen = fstat(STDIN_FILENO, &input) == 0;
+        return !isOpen ? "it is closed" : S_ISDIR(input.st_mode) ? "it is a folder" : "it failed";
     }
 
     std::istream& m_Input;

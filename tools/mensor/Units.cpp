@@ -21,7 +21,7 @@ std::string contentsOf(const std::string& name) {
         text += line + '\n';
     }
     if (!file.is_open() || file.bad()) {
-        throw std::runtime_error("cannot read " + quoted(name));
+        throw std::runtime_error(cannotRead(name));
     }
     return text;
 }

@@ -15,7 +15,7 @@
 class CUnits {
 public:
     /// Reports refused lines and packs.
-    /// @throws std::runtime_error  "cannot read "units.txt"".
+    /// @throws std::runtime_error  "cannot read "units.txt": there is no such file".
     CUnits(const CArguments& arguments, CReport& report);
 
     const mensor::exact::CCatalogue& catalogue() const { return m_Catalogue; }
