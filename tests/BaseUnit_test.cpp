@@ -293,7 +293,7 @@ OF_ANOTHER_CLASS void askAllMembers(const CBaseUnitPtr& cast, const CUnitPtr& un
     EXPECT_TRUE(cast->isCompatible(unit));
 }
 
-TEST(BaseUnit, AHashCodeOfAnotherKindGivesThatUnitWhoseDimensionCannotBeSet) {
+TEST(BaseUnit, ASymbolWithTheHashCodeOfAnotherKindGivesThatUnit) {
     for (const Foreign& foreign : foreignUnits()) {
         SCOPED_TRACE(foreign.Kind);
         ASSERT_EQ(hashFromString(foreign.Symbol), foreign.Unit->hashCode());

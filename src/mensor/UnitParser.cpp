@@ -229,7 +229,7 @@ inline CUnitPtr CUnitParser::product() const {
 }
 
 // Throws std::overflow_error if the product has an exponent beyond the range of int. Small
-// exponents need no trial.
+// exponents cannot, so no trial product is made for them.
 inline void CUnitParser::requireSmallExponents() const {
     constexpr std::int64_t Harmless = 4096;
     std::int64_t sum = 0;

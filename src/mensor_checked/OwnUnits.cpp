@@ -39,7 +39,7 @@ public:
 
     std::string name() const { return std::string(m_Parts.Name.of(m_Line)); }
 
-    // Whether the unit is a new base unit or needs one. Such a unit has a planned name at first.
+    // True if the unit is a new base unit or needs one. Such a unit has a planned name at first.
     bool isPlanned(CPlannedNames& planned) const {
         if (!m_Parts.Size && unitNamed(name()) == nullptr) {
             return true;

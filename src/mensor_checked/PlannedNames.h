@@ -45,7 +45,7 @@ public:
 
     void forgetUses() { m_IsUsed = false; }
 
-    /// Whether the reader has read one of the names since forgetUses().
+    /// Returns whether the reader has read one of the names since forgetUses().
     bool isUsed() const { return m_IsUsed; }
 
 private:

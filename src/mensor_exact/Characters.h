@@ -68,8 +68,8 @@ constexpr std::array<eKind, 128> asciiKinds() {
 
 inline constexpr std::array<eKind, 128> AsciiKinds = asciiKinds();
 
-/// Whether the character is invisible: a default-ignorable or format character of Unicode, or the Braille
-/// pattern blank (invisible.def).
+/// Returns whether the character is invisible: a default-ignorable or format character of Unicode, or the
+/// Braille pattern blank (invisible.def).
 MENSOR_EXACT_API bool isInvisible(char32_t c);
 
 /// Steps through a text, one character at a time.

@@ -34,7 +34,7 @@ double headOf(const CLeading& number, std::uint64_t more = 0) {
     return std::ldexp(static_cast<double>(mantissa), static_cast<int>(exponentOf(number) - 52));
 }
 
-/// A number less its highest 53 bits.
+/// The rest of a number after its highest 53 bits are taken away.
 struct CRemainder {
     std::uint64_t Word[3];
     std::int64_t Twos;
@@ -220,8 +220,8 @@ CFastForm::CFastForm(const CLeading& factor, const CLeading& center, bool isNega
         // No number is between these limits. They stay if there is no short line.
         Least = std::numeric_limits<std::int64_t>::min();
         Most = -1;
-        // The distance of the two tails from the exact one, relative to the highest bit of the factor. If two
-        // different sums shall mean a tie, it must be small for large numbers in the line.
+        // The distance of the two tails from the exact one, relative to the highest bit of the factor. It
+        // must be small if the line has large numbers, so that two different sums always mean a tie.
         double slack = 0x1p-88;
         const std::uint64_t mostShort = std::uint64_t{1} << 40;
         if (HasLine && Line.A <= mostShort && Line.B <= mostShort && Line.D <= mostShort) {

@@ -176,7 +176,7 @@ public:
     void addWords(const CRefusal& refusal, std::vector<std::string>& words) override;
     std::string sumOf(const std::vector<CNamedNumber>& values) override;
 
-    /// Whether the factor is the differences of an offset unit with a prefix.
+    /// Returns whether the factor is the difference of an offset unit with a prefix.
     static bool isPrefixedScale(const CNamedFactor& factor) { return factor.Unit == PrefixedScale; }
 
     /// What find() has found for any other factor.

@@ -154,7 +154,7 @@ constexpr CNameIndex<RowCount> Index(textOf);
 
 constexpr bool isNote(ePlace place) { return place == ePlace::UNUSUAL || place == ePlace::TOLD; }
 
-// Whether the reader looks for rows of this place in texts that it accepts.
+// Returns whether the reader looks for rows of this place in texts that it accepts.
 constexpr bool isCommon(ePlace place) { return place >= ePlace::HEAT && place <= ePlace::TOLD; }
 
 // Holds one bit for each hash of a common row. Few other texts have such a hash, so most look-ups end here.

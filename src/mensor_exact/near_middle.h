@@ -28,9 +28,9 @@ constexpr bool hasTies(int bits, std::uint64_t numerator, std::uint64_t denomina
     return multiple * denominator < end;
 }
 
-/// Whether one sum of products, Head·x + Tail·x, is right for every x whose product with numerator/denominator
-/// is a tie. Head is the highest `bits` bits of the factor, and Tail the number of `bits` bits nearest to the
-/// rest of it. Arguments as for `hasTies`. The factor has more than `bits` bits.
+/// Returns whether one sum of products, Head·x + Tail·x, is right for every x whose product with
+/// numerator/denominator is a tie. Head is the highest `bits` bits of the factor, and Tail the number of
+/// `bits` bits nearest to the rest of it. Arguments as for `hasTies`. The factor has more than `bits` bits.
 inline bool isRightForTies(int bits, std::uint64_t numerator, std::uint64_t denominator) {
     // What is left of n/d, from 1 to 2, below its highest `bits` bits, times 2^(bits - 1)·d.
     const auto restOf = [bits](std::uint64_t n, std::uint64_t d) {

@@ -355,7 +355,8 @@ TEST(Packs, APackIsRefusedIfANameHasAnotherMeaning) {
         registerPack(ePack::SCIENCE);
         FAIL();
     } catch (const CIdentityError& e) {
-        EXPECT_THAT(e.what(), HasSubstr("because of its unit \"G\": the name \"G\" belongs to \"T\""));
+        EXPECT_THAT(e.what(),
+                    HasSubstr("because of its unit \"G\": the name \"G\" belongs to \"T\""));
         EXPECT_EQ(e.inTheWay(), tesla);
     }
     EXPECT_EQ(CUnitFormat::unitFor("eV"), nullptr) << "a name stayed";
