@@ -51,7 +51,7 @@ inline std::string checkReading(const std::string& text) {
     for (const std::string& same : {text, std::string(32, ' ') + text}) {
         CUnitPtr again;
         require(outcomeOf([&] { again = CUnit::fromString(same); }) == outcome && again == unit,
-                same, "is something else the second time");
+                same, "has another outcome the second time");
     }
     return outcome;
 }

@@ -50,7 +50,7 @@ TEST(RegistrationBound, TheSmallestNestedBoundDecides) {
     EXPECT_EQ(outer.used(), 1U);
 }
 
-TEST(RegistrationBound, CanBeTheLargestNumber) {
+TEST(RegistrationBound, AcceptsTheLargestNumber) {
     const CRegistrationBound bound(static_cast<std::size_t>(-1));
     SI::Meter()->multiply(12.0);
     EXPECT_EQ(bound.used(), 1U);

@@ -22,7 +22,8 @@ constexpr bool isEqual(std::string_view a, std::string_view b) {
     return true;
 }
 
-/// The hash FNV-1a of a name, or, with the hash of another text, that of both texts.
+/// Returns the hash FNV-1a of a name. If `hash` is that of another text, returns the hash of that
+/// text followed by the name.
 constexpr std::uint32_t hashOfName(std::string_view name, std::uint32_t hash = 2166136261U) {
     for (const char c : name) {
         hash = (hash ^ static_cast<unsigned char>(c)) * 16777619U;

@@ -65,7 +65,7 @@ private:
 }
 
 // Finds a name in `catalogue`, in any spelling. "One" is the dimensionless unit. If `known` is not null,
-// writes the catalogue's spelling into it. That is empty if no definition can contain it.
+// writes the catalogue's spelling into it, or an empty text if no definition can contain that spelling.
 CFound find(std::string_view name, const CCatalogue& catalogue, std::string* known = nullptr) {
     CFound found = lookUpSpellings(name, [&](std::string_view spelling) {
         CFound result{CCatalogueBuilder::place(catalogue, spelling)};
@@ -89,7 +89,7 @@ CFound find(std::string_view name, const CCatalogue& catalogue, std::string* kno
     return found;
 }
 
-// Returns the meaning of a name in `catalogue`, or nothing. The rest is as for find().
+// Returns the meaning of a name in `catalogue`, or nothing. `known` is set as by find().
 [[gnu::cold]] std::optional<CMeaning> meaningOf(std::string_view name, const CCatalogue& catalogue,
                                                 std::string* known = nullptr) {
     const CFound found = find(name, catalogue, known);

@@ -15,13 +15,13 @@ FNR == 1 { ofFile = comment = "" }
 /^ *\/\/\// { comment = comment $0 }
 /(Class contract:|@par Threads|\/\/ Threads:)/ &&
     !/(Class contract:|@par Threads |\/\/ Threads:) ([Aa]ny thread[.,;]|[Cc]aller serialises)/ {
-    complain("none of the three phrases")
+    complain("does not use one of the three phrases")
 }
 /^(class|struct) MENSOR(_CHECKED|_CODES)?_API/ && !/;$/ && comment !~ /Class contract:/ && ofFile == "" {
-    complain("no class contract")
+    complain("has no class contract")
 }
 /^MENSOR(_CHECKED|_CODES)?_API/ && comment !~ /@par Threads/ && ofFile == "" {
-    complain("nothing about threads")
+    complain("does not say which threads may call it")
 }
 END { exit status }
 ' "$1"/src/mensor/*.h "$1"/src/mensor_checked/*.h "$1"/src/mensor_codes/*.h

@@ -1,7 +1,7 @@
 // mensor_tables: prints the labels of the process, and whether the invariants of the tables hold.
 //
 //     labels  LABEL LABEL ...  in the order of the table
-//     fault   WHAT             what should not be
+//     fault   WHAT             what is wrong with the tables
 //     units   COUNT
 //
 // Then it calls all accessors, prints the text of each unit that reads back, and converts a little.
