@@ -74,9 +74,11 @@ bool visitNearWholes(const CTwoWords& alpha, const CTwoWords& reach, std::uint64
     CStep above = {alpha, 1};
     CStep below = {CTwoWords() - alpha, 1};
     const auto add = [&](CStep& far, const CStep& close) {
-        // Does many equal steps at once, unless the search may end among them.
-        std::uint64_t times =
-            std::min<std::uint64_t>(far.Distance.High / (close.Distance.High + 1), 1000);
+        // Does many equal steps at once, unless the search may end among them. The closer distance is at
+        // most 1/2, so the divisor is not 0.
+        const std::uint64_t divisor = close.Distance.High + 1;
+        // NOLINTNEXTLINE(clang-analyzer-core.DivideZero)
+        std::uint64_t times = std::min<std::uint64_t>(far.Distance.High / divisor, 1000);
         if (times == 0 || close.Distance < width ||
             far.Number + (times + 1) * close.Number >= end) {
             times = 1;
