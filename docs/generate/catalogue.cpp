@@ -90,8 +90,7 @@ std::vector<NonSiRow> nonSiRows() {
         {"DegreeAngle", NonSI::DegreeAngle(), PI / 180, TABLE8},
         {"MinuteAngle", NonSI::MinuteAngle(), PI / 10800, TABLE8},
         {"SecondAngle", NonSI::SecondAngle(), PI / 648000, TABLE8},
-        {"CentiRadian", NonSI::CentiRadian(), 0.01,
-         "0.01 rad; it takes the place of the label crad"},
+        {"CentiRadian", NonSI::CentiRadian(), 0.01, "0.01 rad; its label replaced crad"},
         {"Grade", NonSI::Grade(), PI / 200, "NIST SP 811, the gon: π/200 rad"},
         {"Byte", NonSI::Byte(), 8, "IEC 80000-13"},
         {"Octet", NonSI::Octet(), 8, "the same object as the byte"},
@@ -101,7 +100,7 @@ std::vector<NonSiRow> nonSiRows() {
          "a short decimal by choice; exact is 0.45359237 kg · 9.80665 m/s² / (0.0254 m)². Not "
          "built "
          "at load: read only after the accessor was called"},
-        {"MilliBar", NonSI::MilliBar(), 100, "0.001 bar; it takes the place of the label hPa"},
+        {"MilliBar", NonSI::MilliBar(), 100, "0.001 bar; its label replaced hPa"},
         {"MillimeterOfMercury", NonSI::MillimeterOfMercury(), 133.322387415,
          "a short decimal by choice; conventional is 13 595.1 kg/m³ · 9.80665 m/s² · 1 mm"},
         {"InchOfMercury", NonSI::InchOfMercury(), 3386.388640341,

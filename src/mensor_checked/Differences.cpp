@@ -30,7 +30,7 @@ double converted(double x, const CUnitPtr& from, const CUnitPtr& to) {
 double requireFinite(double result, double a, double b, const char* function) {
     if (std::isfinite(a) && std::isfinite(b) && !std::isfinite(result)) {
         throw std::range_error(std::string(function) +
-                               ": the result is beyond the range of numbers");
+                               ": the result is beyond the range of double");
     }
     return result;
 }

@@ -12,8 +12,8 @@ namespace {
 using exact::CFactor;
 using exact::CFraction;
 
-// Returns `meaning`, without its offset, after each base unit that CBaseUnit::setDimension has mapped is
-// replaced. Returns none if no base unit of it is mapped.
+// Replaces each base unit of `meaning` that CBaseUnit::setDimension has mapped, and drops the offset.
+// Returns none if no base unit of it is mapped.
 std::optional<CMeaning> mapped(const CMeaning& meaning) {
     CMeaning product;
     bool isMapped = false;

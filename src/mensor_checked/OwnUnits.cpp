@@ -131,7 +131,7 @@ private:
             throw CObstacle{
                 diagnose(
                     eRefusal::COLLISION, m_Line, m_Parts.Name,
-                    "the unit of symbol " + quoted(name()) + " is the same object as " +
+                    "the unit with the symbol " + quoted(name()) + " is the same object as " +
                         (other ? describe(other) + " here, which means " + meaningInWords(other)
                                : "that of " + quoted(same))),
                 other};

@@ -130,7 +130,7 @@ private:
                              const CPrefixedOffset& prefixed) {
         const std::string size = meaningInWords(factor.Unit);
         const bool isAmbiguous =
-            !isAlone() && unitNamed(prefixed.Prefix);  // "W/m°C": metre or milli?
+            !isAlone() && unitNamed(prefixed.Prefix);  // in "W/m°C", "m" may be the metre or milli
         if (m_Options.Differences && !isAmbiguous) {
             m_Notes.push_back(quoted(name) + " is read as a difference, " + size);
             return;
