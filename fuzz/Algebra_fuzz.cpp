@@ -263,8 +263,8 @@ void checkConversion(const CUnitPtr& from, const CUnitPtr& to, double value) {
             "is converted to a wrong number by convertValueToUnit()");
     require(areSame(converter->derivative(value), expected->derivative(value)), "a converter",
             "has a wrong slope");
-    // Checks this only if no digits are lost: the numbers have usual sizes, and no offset is larger than they
-    // are, not even two offsets that cancel.
+    // Checks this only if no digits are lost: the numbers have usual sizes, and the offsets, also two that
+    // cancel, are not larger than the numbers.
     const CConverterPtr inverse = converter->inverse();
     const CConverterPtr there = from->getCtxToDimension(), back = to->getCtxToDimension();
     const auto isUsual = [](double x) { return std::fabs(x) > 1e-90 && std::fabs(x) < 1e90; };

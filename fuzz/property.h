@@ -34,8 +34,8 @@ inline void require(bool holds, const std::string& about, const char* property) 
 /// Returns whether the caches of the library are off, because its tables have been handed out.
 inline bool areCachesOff() { return CUnitFormat::namesVersion() == 0; }
 
-/// Checks the invariants of the tables. Called after each input, but does the work only after some
-/// of the calls.
+/// Checks the invariants of the tables. Call it after each input. It does the work only at some of
+/// the calls.
 ///
 /// Reading the tables switches the caches of the library off. So after the first inputs of a
 /// process it checks only the names: the first inputs test the caches, the later ones the tables.

@@ -59,7 +59,7 @@ std::optional<CFault> faultOf(const CUnitPtr& unit, const CMeaning& meaning) {
     CMeaning expected = meaning;
     if (const auto other = mapped(meaning)) {
         expected = *other;
-        // How an offset passes through a mapping is up to the client.
+        // The client decides what a mapping does to an offset, so offsets are not compared.
         given.Zero = given.ZeroSize = 0.0;
     }
     const bool isDimensionRight = expected.isCompatibleWith(*target);

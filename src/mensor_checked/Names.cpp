@@ -24,8 +24,8 @@ bool startsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;
 }
 
-// Returns whether `unit` is what the table of definitions says about `name`, the litre with or
-// without a prefix.
+// Returns whether `name` is the litre, with or without a prefix, and `unit` has the meaning that
+// the table of definitions gives it.
 bool isLitre(const CUnitPtr& unit, std::string_view name) {
     const auto row = exact::CCatalogue::builtIn().meaning(name);
     return row && tryMeaningOf(unit) == row;

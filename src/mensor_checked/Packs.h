@@ -90,7 +90,7 @@ MENSOR_CHECKED_API std::optional<ePack> packNamed(std::string_view name);
 /// Registers all units of `pack`. Units that are registered already stay as they are.
 ///
 /// EVERYDAY registers nothing at once. Its names can be read from then on, and a unit is made when its name
-/// is first read. A name that the registry has is the registry's.
+/// is first read. If the registry has a name already, the name keeps its meaning.
 ///
 /// If the pack is refused, none of its names can be read. Objects that were built before the refusal may
 /// stay registered without a name. Symbols of alternate units stay, because the library cannot remove them.

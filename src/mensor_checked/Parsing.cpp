@@ -63,7 +63,8 @@ public:
         return knownName(name) != nullptr || meaningWithoutUnit(name).has_value();
     }
 
-    // The registry does not know which labels the program added. Their meanings differ from the table.
+    // The registry does not record which labels the program added. A name is the program's own if
+    // its meaning differs from that in the table.
     bool isOwn(std::string_view name) override {
         const CName* const known = knownName(name);
         if (known == nullptr) {

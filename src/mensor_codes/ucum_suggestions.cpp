@@ -30,7 +30,7 @@ struct CSpelling {
     std::string_view Code;
 };
 
-// The code of UCUM for signs that it does not have.
+// The codes of UCUM for signs that UCUM does not have.
 constexpr CSpelling Spellings[] = {
     {"µ", "u"}, {"μ", "u"}, {"Ω", "Ohm"}, {"\u2126", "Ohm"}, {"Å", "Ao"}, {"·", "."}, {"×", "."},
     {"*", "."}, {"^", ""},  {"⁻", "-"},   {"⁰", "0"},        {"¹", "1"},  {"²", "2"}, {"³", "3"},

@@ -240,7 +240,8 @@ public:
         return std::move(m_Found);
     }
 
-    // Finds what corrects a further fault of a text that was already corrected: "kg/H" for "KG/H" is wrong, too.
+    // Corrects a further fault of a text that was already corrected: "kg/H" for "KG/H" is wrong,
+    // too.
     std::vector<CCandidate> findNext() {
         std::vector<CCandidate> found = find();
         if (found.empty() && m_Refusal.Code == eRefusal::UNKNOWN_NAME &&
@@ -904,8 +905,9 @@ private:
         return !isOtherCase || (name.size() == 2 && name[0] != 'K' && hasSmall);
     }
 
-    // Returns a score; a lower score is better. A name with which the whole text has a named kind is better than
-    // a slightly more similar name, and better than a name with a rare prefix.
+    // Returns a score; a lower score is better. A name is better if the whole text then measures a quantity
+    // that has a name. That counts more than a slightly greater similarity, and more than a prefix in common
+    // use.
     std::size_t scoreOf(const COffer& offer) const {
         const bool isWhole = m_Refusal.Token.Begin == m_Refusal.UnitBegin &&
                              m_Refusal.Token.End == m_Refusal.Text.size();

@@ -13,7 +13,7 @@ namespace mensor::exact {
 
 namespace {
 
-// The limit of bits (Fraction.h) allows fewer digits than that.
+// A number within the limit of bits (Fraction.h) has fewer digits.
 constexpr std::size_t MostCharacters = 25000;
 constexpr std::int64_t MostTens = 100000;
 

@@ -128,7 +128,7 @@ CWhole rootOf(const CWhole& number, int order) {
 }
 
 CEnclosure enclose(const CFactor& factor, int bits) {
-    // Each of the few steps loses some bits. A power of 99 loses at most eight.
+    // Each step below loses a few bits of precision. Raising to the power 99 loses at most eight.
     const int working = bits + 16;
     CEnclosure result = fraction(factor.radicand(), working);
     result = root(result, factor.root(), working);

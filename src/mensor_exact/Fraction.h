@@ -24,8 +24,8 @@ namespace mensor::exact {
 struct CParts;           // Parts.h, not installed
 struct CSharedQuotient;  // Parts.h, not installed
 
-/// The allocated part of a fraction, which its copies share. Null for most fractions, so everything else is
-/// out of line. For CFraction only.
+/// A pointer to the allocated part of a fraction, which its copies share. It is null for most fractions, so
+/// the code for other pointers is kept out of line. Only CFraction uses it.
 ///
 /// Class contract: as CFraction.
 class CBigPart {

@@ -35,7 +35,7 @@ inline double doubleOfBits(std::int64_t bits) {
     return x;
 }
 
-// The bits of |x| less one, without the sign bit. A zero thus gives the largest number of all.
+// The bits of |x| minus one, without the sign bit. So a zero gives the largest number of all.
 inline std::int64_t sizeLessOne(double x) {
     const std::uint64_t bits = static_cast<std::uint64_t>(bitsOfDouble(x));
     return static_cast<std::int64_t>(bits - 1U) & Magnitude;
@@ -352,7 +352,7 @@ bool narrowAll(const double* __restrict values, float* __restrict results, std::
         const double x = values[i];
         results[i] = static_cast<float>(x);
         worst |= ((bitsOfDouble(x) & 0x1FFFFFFF) ^ 0x10000000) - 1;
-        worst |= sizeLessOne(x) - 0x380FFFFFFFFFFFFF;  // 2^-126, less 1
+        worst |= sizeLessOne(x) - 0x380FFFFFFFFFFFFF;  // the bits of 2^-126, minus 1
     }
     return worst >= 0;
 }

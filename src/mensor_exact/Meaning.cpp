@@ -228,7 +228,7 @@ bool CMeaning::hasMarksOf(const CMeaning& other) const noexcept {
     return result;
 }
 
-// Multiplies by other^exponent everything but the exponents of the slots.
+// Multiplies everything except the exponents of the slots by other^exponent.
 void CMeaning::multiplyRest(const CMeaning& other, CExponent exponent) {
     CFactor factor = exponent == CExponent(1)    ? m_Factor * other.m_Factor
                      : exponent == CExponent(-1) ? m_Factor / other.m_Factor

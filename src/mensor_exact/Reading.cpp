@@ -133,7 +133,8 @@ public:
     explicit CCatalogueNames(const CCatalogue& catalogue, const CMeaning* target = nullptr)
         : m_Catalogue(catalogue), m_Target(target) {}
 
-    /// Returns the number of what find() has found, from 2 on, or PrefixedScale.
+    /// Returns the number of the factor that find() has found, which is 2 or more, or
+    /// PrefixedScale.
     std::uint32_t find(std::string_view name) override {
         const CFound found = exact::find(name, m_Catalogue);
         if (!found) {

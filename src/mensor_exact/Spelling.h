@@ -48,7 +48,8 @@ MENSOR_EXACT_API std::optional<CWord> everydayWord(std::string_view name);
 
 class CNearestNames;
 
-/// Adds the words of spellings.def, in the singular and the plural. Adds prefixes only as `unknown` has them.
+/// Adds the words of spellings.def, in the singular and the plural. Adds words with a prefix only
+/// if `unknown` begins with the name of that prefix.
 void addEverydayWordsTo(CNearestNames& nearest, std::string_view unknown);
 
 /// Returns the first result of `lookUp` that converts to true. Looks up `name` as it is written, then

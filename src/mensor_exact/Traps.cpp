@@ -187,7 +187,8 @@ constexpr CHashes makeHashes() {
 
 constexpr CHashes Hashes = makeHashes();
 
-// Returns false if no row has this place and these texts. May return true if none has.
+// A quick test that excludes most texts. If it returns false, no row has this place and these
+// texts.
 bool mayHave(ePlace place, std::string_view text, std::string_view behind) {
     return !isCommon(place) || Hashes.has(CHashes::hashOf(place, text, behind));
 }

@@ -85,7 +85,7 @@ TEST(Catalogue, IdsCountTheRegistrationsFromTwo) {
     for (const auto& instance : CUnit::instances()) {
         ids.insert(Inside::id(instance.second));
     }
-    std::set<int> expected{0};  // 1 would be that of the dimensionless unit, which keeps 0
+    std::set<int> expected{0};  // the dimensionless unit is counted as 1, but keeps the id 0
     for (int id = 2; id <= static_cast<int>(CUnit::instances().size()); ++id) {
         expected.insert(id);
     }

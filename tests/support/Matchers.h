@@ -51,9 +51,9 @@ inline std::string exactly(double x) {
     return out.str();
 }
 
-/// A symbol that no unit has. Its five letters give it a hash code of its own, and sums of these
-/// hash codes, which are the hash codes of products, are not equal by chance. The same symbols in
-/// every run.
+/// Returns a symbol that no unit has, the same one in every run. Its five letters give it a hash
+/// code of its own. The hash codes of products, which are sums of such hash codes, are not equal by
+/// chance.
 ///
 /// The function does not look at CUnit::instances(): that would switch the caches of the library
 /// off, which are on in most programs.

@@ -27,7 +27,7 @@ inline std::atomic<long> peakBytes{0};  ///< the maximum of liveBytes since it w
 /// Called at each allocation of this thread with its number, counted from 1. May throw. Must not
 /// allocate.
 inline thread_local void (*beforeAllocation)(long number) = nullptr;
-inline thread_local long allocations = 0;  ///< counts while there is such a function
+inline thread_local long allocations = 0;  ///< counted while beforeAllocation is set
 
 inline void* allocate(std::size_t size) {
     if (beforeAllocation != nullptr) {

@@ -35,7 +35,7 @@ bool isBeyondDoubles(const CFraction& number) {
     return !std::isfinite(nearest) || (nearest == 0.0 && !number.isZero());
 }
 
-// Returns a number in the form of a result.
+// Returns the text of a number, written as a result is.
 std::string written(const CFraction& number) {
     static const CConversion Same{CMeaning(), CMeaning()};
     return Same.convertText(number);

@@ -56,7 +56,7 @@ private:
         }
     }
 
-    // The standard input, since a file is opened and read once before.
+    // Only the standard input fails here: a file was opened and read once before.
     static const char* reason() {
         struct stat input {};
         const bool isOpen = fstat(STDIN_FILENO, &input) == 0;

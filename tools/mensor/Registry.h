@@ -28,7 +28,8 @@ struct CLibraryAnswer {
 /// The registry of this process. The module implements it.
 class CRegistry {
 public:
-    /// Registers the units of a pack. Packs do not collide with each other, so this comes first.
+    /// Registers the units of a pack. Call it before the other functions, because packs do not
+    /// collide with each other.
     virtual void addPack(mensor::exact::ePack pack) = 0;
 
     /// Registers the units of a definition file. Returns the refused lines.
