@@ -282,7 +282,7 @@ OF_ANOTHER_CLASS void setDimension(const CBaseUnitPtr& cast) {
     cast->setDimension(SI::Meter(), CConverter::identity());
 }
 
-// No function called through the result may treat the memory of the other kind as its own.
+// No function called through the result may read the unit of the other kind as if it were a base unit.
 OF_ANOTHER_CLASS void askAllMembers(const CBaseUnitPtr& cast, const CUnitPtr& unit) {
     EXPECT_EQ(cast->getBaseUnits(), unit);
     EXPECT_EQ(cast->getSystemUnit(), unit->getSystemUnit());

@@ -122,7 +122,7 @@ TEST(Identity, ThrowsWhenInvertedWithoutASharedOwner) {
     EXPECT_EQ(onTheStack.convert(2), 2);
 }
 
-// ---- the base
+// ---- the base class
 
 TEST(Converter, TheHashCodeIsTheSlopeAtZeroInSinglePrecision) {
     EXPECT_EQ(CConverter::identity()->hashCode(), 0x3F800000);

@@ -32,7 +32,7 @@
 namespace mensor {
 namespace {
 
-// The value of a chain by definition: through the steps, down to the leaves.
+// Converts x as a chain is defined: by its first step, then by its second, which may be chains too.
 double nested(const CConverterPtr& converter, double x) {
     if (const auto compound = std::dynamic_pointer_cast<CCompound>(converter)) {
         return nested(compound->second(), nested(compound->first(), x));
@@ -174,7 +174,7 @@ TEST(FlatPlan, LongChainsGiveTheBitsOfTheirSteps) {
     }
 }
 
-TEST(FlatPlan, KeepsTheStepsOfAChildWithoutOtherOwners) {
+TEST(FlatPlan, OwnsTheStepsOfAChainInsideIt) {
     CConverterPtr chain;
     {
         const CConverterPtr inner = pair(multiply(3), add(4));

@@ -220,7 +220,7 @@ TEST(UnitConversion, TheConverterGoesThroughTheDimensionToTheOtherUnit) {
     EXPECT_EQ(CUnit::toDimensions().at(other), ofOther);
 }
 
-TEST(UnitConversion, TheConverterFromADimensionIsOnlyTheInverse) {
+TEST(UnitConversion, TheConverterFromADimensionIsTheInverseAndNoChain) {
     const auto unit = freshClientUnit();
     unit->CtxDimension = [] { return SI::Meter(); };
     unit->CtxToDimension = [] { return factor(4); };
@@ -266,7 +266,7 @@ TEST(UnitConversion, TheConverterToAUnitCallsTheInverseOfAClientsConverter) {
     EXPECT_THAT(from, ConvertsTo(CUnitPtr(to), 1.0, 0.75));
 }
 
-TEST(UnitConversion, TheChainFromADimensionKeepsTheInverse) {
+TEST(UnitConversion, TheChainFromADimensionOwnsTheInverse) {
     const CUnitPtr system = freshUnit();
     const auto unit = freshClientUnit();
     unit->CtxDimension = [&] { return system; };

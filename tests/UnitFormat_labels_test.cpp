@@ -99,7 +99,7 @@ TEST(UnitLabels, ReplaceTheFormerLabel) {
     EXPECT_EQ(CUnitFormat::unitFor("furlong"), next) << "a replaced label is free";
 }
 
-TEST(UnitLabels, AreFollowedByAliasesAndSymbolsWhenReplaced) {
+TEST(UnitLabels, LeaveTheirTextToAliasesAndSymbolsWhenReplaced) {
     const CUnitPtr unit = unnamedUnit();
     CUnitFormat::label(unit, "qzx");
     CUnitFormat::label(unit, "qzy");

@@ -102,9 +102,10 @@ std::vector<NonSiRow> nonSiRows() {
          "at load: read only after the accessor was called"},
         {"MilliBar", NonSI::MilliBar(), 100, "0.001 bar; its label replaced hPa"},
         {"MillimeterOfMercury", NonSI::MillimeterOfMercury(), 133.322387415,
-         "a short decimal by choice; conventional is 13 595.1 kg/m³ · 9.80665 m/s² · 1 mm"},
+         "a short decimal by choice; the conventional value is 13 595.1 kg/m³ · 9.80665 m/s² · 1 "
+         "mm"},
         {"InchOfMercury", NonSI::InchOfMercury(), 3386.388640341,
-         "a short decimal by choice; conventional is 25.4 mm of mercury"},
+         "a short decimal by choice; the conventional value is that of 25.4 mm of mercury"},
         {"Liter", NonSI::Liter(), 0.001, "12th CGPM (1964), resolution 6"},
         {"G", NonSI::G(), 9.80665, "3rd CGPM (1901)"},
         {"Minute", NonSI::Minute(), 60, TABLE8},

@@ -11,7 +11,7 @@
 // between two doubles, and whole numbers decide.
 //
 // With an offset the result is f·(x − c). The center c is stored as two doubles, and x − c is computed as the
-// sum of two doubles. TailLow and TailHigh are further apart.
+// sum of two doubles. These errors move TailLow and TailHigh further apart.
 //
 // docs/exact-fast.md has the proof, and tests/proofs has the bounds.
 #ifndef MENSOR_EXACT_FASTFORM_H

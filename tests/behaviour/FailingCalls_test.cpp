@@ -256,7 +256,7 @@ TEST(AClientsKind, MayRegisterAUnitWithItsHashCodeInGetSymbol) {
 }
 
 // Refused definitions leave the caches on, and their names are free.
-TEST(RefusedDefinitions, LeaveNoNameAndTheCachesOn) {
+TEST(RefusedDefinitions, LeaveNoNameAndDoNotSwitchTheCachesOff) {
     EXPECT_THROW(checked::defineUnits("qa = 3 m\nqb = 4 qa\nqc = 2 xyz\n"),
                  checked::CDefinitionError);
     EXPECT_NE(CUnitFormat::namesVersion(), 0U);

@@ -131,7 +131,7 @@ class CGrowth {
 public:
     CGrowth() : m_Units(CUnit::instances().size()), m_Bytes(bytesOnTheHeap()) {}
 
-    // Checks the bytes of all units that were registered since.
+    // Checks the bytes of all units that were registered since the object was made.
     void expectBounded(const std::string& name) const {
         const long bytes = bytesOnTheHeap() - m_Bytes;
         long units = 0, factors = 0;
@@ -195,7 +195,7 @@ std::size_t cacheEntries() {
     return count;
 }
 
-TEST(Growth, TextsAndFoldsFillNoCacheEntryExceptTheFirst) {
+TEST(Growth, TextsAndDimensionsFillNoCacheEntryExceptTheFirst) {
     CUnit::fromString("m");
     const std::size_t before = cacheEntries();
     for (const char* text :
@@ -286,7 +286,7 @@ CUnitPtr folded(const CUnitPtr& unit, OfFactor ofFactor) {
 }
 
 // Computes the dimension of every third unit, the system unit of every fifth and the base units of
-// every seventh, so that folds use units that no text has used.
+// every seventh, so that these computations use units that no text has used.
 template <class Read, class Fold>
 std::string dumpAfter(Read read, Fold fold) {
     const auto answer = [](const auto& ask) {
@@ -327,7 +327,7 @@ std::string dumpAfter(Read read, Fold fold) {
     return answers + dump();
 }
 
-TEST(Growth, TextsAndFoldsRegisterTheSameUnitsAsTheAlgebraOfAClient) {
+TEST(Growth, TextsAndDimensionsRegisterTheSameUnitsAsTheAlgebraOfAClient) {
     const auto byTexts = inChild([](std::string& result) {
         result = dumpAfter([](const Pieces& pieces) { return CUnit::fromString(textOf(pieces)); },
                            [](const CUnitPtr&, const auto&) {});

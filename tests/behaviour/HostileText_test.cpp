@@ -97,7 +97,7 @@ TEST(HostileText, ATextWithManyFactorsGivesTheProductOfTheAlgebra) {
         << "the text has registered each of these products";
 }
 
-TEST(HostileText, ATextWithUnregisteredUnitsGivesTheSharedResultOfTheAlgebra) {
+TEST(HostileText, TextsThatDifferInAnUnregisteredUnitAreOneUnitAsInTheAlgebra) {
     const CUnitPtr first = CClientUnit::make("", 47110816), other = CClientUnit::make("", 47110817);
     first->calculateHashCode();
     other->calculateHashCode();

@@ -1,4 +1,4 @@
-// invariants_test.cpp: the invariants of the tables hold, and the check finds each violation.
+// Invariants_test.cpp: the invariants of the tables hold, and the check finds each violation.
 #include "support/invariants.h"
 
 #include <gmock/gmock.h>

@@ -139,8 +139,8 @@ TEST(LockOrder, CachedNegativePowersLockOneUnitAtATime) {
     EXPECT_EQ(holdsWhileItWaits(ofOne, CUnit::mutex(), [&] { a ^ -3; }), false);
 }
 
-// Folding a product and reading a text use the caches of units with only the mutex of the tables
-// locked.
+// Computing the dimension of a product and reading a text use the caches of units with only the mutex
+// of the tables locked.
 TEST(LockOrder, FirstDimensionsAndFirstTextsLockOnlyTheTables) {
     const CUnitPtr a = freshUnit(), b = freshUnit(), product = (a * 1000.0) * b;
     std::recursive_mutex& ofUnit = Inside::lookupMutex(a);
@@ -239,7 +239,7 @@ TEST(LockOrder, NoDeadlockWhenFirstTimeAlgebraHoldsTheMutex) {
 
 // Two accessors build their unit at the first call. A thread that builds waits for the mutex. This
 // thread holds the mutex, calls the same accessor and must not wait for the other thread.
-TEST(LockOrder, AccessorsThatBuildLockTheTablesAndThenTheirStatic) {
+TEST(LockOrder, AnAccessorLocksTheTablesBeforeItBuildsItsUnit) {
     for (CUnitPtr (*const accessor)() : {NonSI::Psi, NonSI::None}) {
         CUnitPtr here, there;
         EXPECT_TRUE(whileItWaits(

@@ -115,12 +115,12 @@ void expectNothingIsLeft(const Requests& requests, eOutcome outcome, long count)
               << " after\n";
 }
 
-TEST(LongRunning, AnsweredRequestsLeaveNothing) {
+TEST(LongRunning, AnsweredRequestsKeepNoMemory) {
     ASSERT_NE(CUnitFormat::namesVersion(), 0U);
     expectNothingIsLeft(test::asking(), eOutcome::ANSWERED, requestedRequests());
 }
 
-TEST(LongRunning, RefusedRequestsLeaveNothing) {
+TEST(LongRunning, RefusedRequestsKeepNoMemory) {
     ASSERT_NE(CUnitFormat::namesVersion(), 0U);
     expectNothingIsLeft(test::refused(), eOutcome::REFUSED, requestedRequests());
 }
@@ -131,12 +131,12 @@ void switchCachesOff() {
     ASSERT_EQ(CUnitFormat::namesVersion(), 0U);
 }
 
-TEST(LongRunning, AnsweredRequestsLeaveNothingWithTheCachesOff) {
+TEST(LongRunning, AnsweredRequestsKeepNoMemoryWithTheCachesOff) {
     switchCachesOff();
     expectNothingIsLeft(test::asking(), eOutcome::ANSWERED, requestedRequests());
 }
 
-TEST(LongRunning, RefusedRequestsLeaveNothingWithTheCachesOff) {
+TEST(LongRunning, RefusedRequestsKeepNoMemoryWithTheCachesOff) {
     switchCachesOff();
     expectNothingIsLeft(test::refused(), eOutcome::REFUSED, requestedRequests() / 10);
 }

@@ -66,7 +66,7 @@ std::vector<Member> members() {
 }
 
 /// The allowed difference of two computations of a quantity, in its system unit: some roundings of
-/// each intermediate result. For the degree Celsius the offset is one of them.
+/// each intermediate result. A value in degrees Celsius plus its offset is such a result, too.
 double rounding(const Member& from, const Member& to, const Member& by, double inSystem) {
     const bool hasOffset = from.Row.Name == "°C" || to.Row.Name == "°C" || by.Row.Name == "°C";
     return 16 * std::numeric_limits<double>::epsilon() *

@@ -128,7 +128,7 @@ TEST(Readable, PrefersPowersOfAThousand) {
     }
 }
 
-TEST(Readable, LeavesZeroNanInfinityAndOffsetUnits) {
+TEST(Readable, DoesNotChangeZeroNanInfinityAndOffsetUnits) {
     for (const double x : {0.0, std::nan(""), std::numeric_limits<double>::infinity()}) {
         EXPECT_EQ(readableUnit(x, SI::Meter()), SI::Meter());
     }

@@ -46,7 +46,7 @@ inline exact::CMeaning meaningOf(const std::string& factor, const std::string& p
     return offset == "0" ? meaning : meaning.shifted(fractionOf(offset) / fractionOf(factor));
 }
 
-/// Returns the rows of a table of tests/data, without comments, split at tabulators.
+/// Returns the rows of a table of tests/data, without comments, split at tabs.
 inline std::vector<std::vector<std::string>> rowsOf(const std::string& name) {
     const std::string path = std::string(MENSOR_TEST_DATA) + "/" + name;
     std::ifstream file(path);

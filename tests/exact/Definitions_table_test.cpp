@@ -247,7 +247,7 @@ TEST(DefinitionTable, EachPackHasTheRowsOfItsSetAndNoOthers) {
 
 // ---- comparison with another reader ----
 
-// The quotient of a number that has no root.
+// Returns a number without roots as a quotient.
 mpq_class quotientOf(const exact::CCertifiedNumber& number) {
     mpq_class result(mpz_class(number.Numerator), mpz_class(number.Denominator));
     return number.IsNegative ? mpq_class(-result) : result;

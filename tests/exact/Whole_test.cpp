@@ -78,7 +78,7 @@ TEST(Whole, SumsDifferencesAndProductsAreThoseOfGmp) {
     }
 }
 
-TEST(Whole, QuotientsAndRestsAreThoseOfGmp) {
+TEST(Whole, QuotientsAndRemaindersAreThoseOfGmp) {
     CNumbers numbers;
     for (int i = 0; i < Cases; ++i) {
         const CPair b = pairOf(numbers.nextPositive() * (i % 2 == 0 ? 1 : -1));
