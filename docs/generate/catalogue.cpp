@@ -97,7 +97,8 @@ std::vector<NonSiRow> nonSiRows() {
         {"Atmosphere", NonSI::Atmosphere(), 101325, "10th CGPM (1954), resolution 4"},
         {"Bar", NonSI::Bar(), 100000, "NIST SP 811"},
         {"Psi", NonSI::Psi(), 0.45359237 * 9.80665 / (0.0254 * 0.0254),
-         "a short decimal by choice; exact is 0.45359237 kg · 9.80665 m/s² / (0.0254 m)². Not "
+         "a short decimal by choice; the exact value is 0.45359237 kg · 9.80665 m/s² / (0.0254 "
+         "m)². Not "
          "built "
          "at load: read only after the accessor was called"},
         {"MilliBar", NonSI::MilliBar(), 100, "0.001 bar; its label replaced hPa"},

@@ -61,9 +61,9 @@ struct CRefusal {
     eSystem System = eSystem::UNECE;
     std::string_view Text;  ///< the whole text
     exact::CSpan Token;     ///< the refused part; empty at the end of the text
-    std::string_view
-        Sentence;  ///< a constant; diagnose() replaces "{}" by the token in quotes. With
-                   ///< NO_MEANING, only the reason
+    /// A constant, in which diagnose() replaces "{}" by the token in quotes. If Code is NO_MEANING, it is
+    /// the reason alone, which diagnose() completes to a sentence.
+    std::string_view Sentence;
 };
 
 /// What tryRead returns: a meaning or a refusal.

@@ -92,7 +92,7 @@ struct MENSOR_EXACT_API CDiagnosis {
     std::vector<std::string> Packs;
     /// The packs that the text needs for its other names, apart from Packs[0].
     std::vector<std::string> MorePacks;
-    /// Texts to write once these packs are added, if the text has another fault.
+    /// If the text has another fault: corrected texts, which can be read with these packs.
     std::vector<std::string> WithPacks;
 
     /// Returns all of it in one line: the sentence, "(write ... or ...)", "(did you mean ...?)" and how

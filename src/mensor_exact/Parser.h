@@ -54,7 +54,7 @@ public:
     /// Returns true if the program defined the name. Such a name is no trap.
     virtual bool isOwn(std::string_view name) = 0;
 
-    // For diagnose().
+    // The following functions are called by diagnose() only.
 
     /// Adds all names that diagnose() may suggest.
     virtual void addNamesTo(CNearestNames& nearest) = 0;

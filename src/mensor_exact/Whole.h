@@ -71,7 +71,7 @@ private:
 /// The greatest common divisor of two positive numbers.
 CWhole gcd(const CWhole& a, const CWhole& b);
 
-/// A quotient, rounded towards zero, and the rest.
+/// A quotient, rounded towards zero, and the remainder.
 struct CDivision {
     CDivision(const CWhole& dividend, const CWhole& divisor);
 

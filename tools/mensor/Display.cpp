@@ -93,7 +93,7 @@ std::string cannotRead(const std::string& file) {
     return "cannot read " + ::quoted(file) + ": " +
            (isMissing  ? "there is no such file"
             : isFolder ? "it is a folder"
-                       : "it may not be read by you");
+                       : "you have no permission to read it");
 }
 
 bool isBlank(std::string_view line) {
