@@ -18,8 +18,8 @@
 
 namespace mensor::fuzz {
 
-/// Returns the input as one text, or none if it is longer than `longest`. Units stay until the
-/// process ends, and longer texts would find nothing new.
+/// Returns the input as one text, or none if it is longer than `longest`. A longer text would find
+/// nothing new, and the units that it registers would fill the memory of the process.
 inline std::optional<std::string> shortText(const std::uint8_t* data, std::size_t size,
                                             std::size_t longest) {
     return size <= longest ? std::optional<std::string>(std::in_place, data, data + size)

@@ -87,7 +87,7 @@ private:
 
     // The steps of `child`. Those of a single converter are written to `own`.
     MENSOR_LOCAL static Row rowOf(const CConverter& child, Step& own);
-    // Sets the plan. If `secondIsTemporary`, the second row is copied.
+    // Makes the plan from the steps of both rows. If `secondIsTemporary`, those of `second` are copied.
     MENSOR_LOCAL void join(Row first, Row second, bool secondIsTemporary);
     MENSOR_LOCAL static double run(const Step& step, double x);
     MENSOR_LOCAL static void runAll(const Step& step, const double* values, double* results,

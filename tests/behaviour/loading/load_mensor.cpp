@@ -6,12 +6,12 @@
 // library is loaded. With "+each" the NUMBERs are FIRST, LAST and STEP: each of these allocations
 // fails in a process of its own. Output, separated by tabs:
 //
-//     attempt  NUMBER                                          of each process; its errors follow, too
-//     record  LEVEL  LOGGER  FILE  LINE  FUNCTION  MESSAGE     one per record logged meanwhile
-//     allocations  COUNT                                       while the library was loaded
-//     started  COUNT                                           threads that loading it started
-//     mapped  FILE                                             of log4cplus and our module, then
-//     ...                                                      what the module says of the tables
+//     attempt  NUMBER                                          the allocation that fails, with "+each"
+//     record  LEVEL  LOGGER  FILE  LINE  FUNCTION  MESSAGE     a record that was logged during load
+//     allocations  COUNT                                       the allocations during load
+//     started  COUNT                                           the threads that were started during load
+//     mapped  FILE                                             a loaded file of log4cplus or of mensor
+//     ...                                                      what MODULE prints about the tables
 #include <dlfcn.h>
 #include <sys/wait.h>
 #include <unistd.h>
