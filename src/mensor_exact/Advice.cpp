@@ -640,9 +640,9 @@ private:
             return;
         }
         std::optional<CWord> word = everydayWord(name);
+        std::string small(name);  // the word may refer to it
         constexpr std::size_t Shortest = 3;
         if (!word && name.size() >= Shortest) {
-            std::string small(name);
             for (char& c : small) {
                 c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
             }
@@ -841,7 +841,8 @@ private:
             return;
         }
         std::vector<COffer> offers;
-        bool isRightCaseRefused = false;  // the text has another fault, too
+        std::vector<std::string> inRightCase;  // these are refused: the text has another fault, too
+        bool hasRightCase = false;
         for (const CNearestNames::CNear& near : found) {
             if (isGuess(near)) {
                 continue;
@@ -851,22 +852,24 @@ private:
                 m_Resolver.fit(m_Refusal.replaced(near.Name), m_Refusal.UnitBegin, refusal);
             if (fit != eFit::REFUSED) {
                 offers.push_back({near, fit});
-            } else if (near.Distance == 0 && !near.IsRare) {
-                isRightCaseRefused = true;
+                hasRightCase = hasRightCase || (near.Distance == 0 && !near.IsRare);
+            } else if (near.Distance == 0 && !near.IsRare &&
+                       (!hasRightCase || refusal.Trap != nullptr)) {
+                inRightCase.push_back(near.Name);
             }
         }
-        const bool hasRightCase = std::any_of(offers.begin(), offers.end(), [](const COffer& o) {
-            return o.Near.Distance == 0 && !o.Near.IsRare;
-        });
-        if (offers.empty() || (isRightCaseRefused && !hasRightCase)) {
+        for (const std::string& known : inRightCase) {
+            tryOne({m_Refusal.replaced(known), m_Refusal.UnitBegin}, Deepest);
+        }
+        if (offers.empty() && inRightCase.empty()) {
             for (const CNearestNames::CNear& near : found) {
-                if (!isGuess(near) && (!isRightCaseRefused || near.Distance == 0)) {
+                if (!isGuess(near)) {
                     tryOne({m_Refusal.replaced(near.Name), m_Refusal.UnitBegin}, Deepest);
                 }
             }
-            if (!m_Diagnosis.Readings.empty()) {
-                return;
-            }
+        }
+        if (!m_Diagnosis.Readings.empty()) {
+            return;
         }
         offer(offers);
         if (m_Diagnosis.Suggestions.empty() && m_Diagnosis.Readings.empty()) {

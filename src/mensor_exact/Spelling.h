@@ -43,7 +43,7 @@ struct CWord {
 };
 
 /// Returns the meaning of a name that the pack EVERYDAY reads without a row of its own: a word such as
-/// "kilometres", or "u" for the micro sign as in "um". Empty for any other name.
+/// "kilometres", or "u" for the micro sign as in "um". Empty for any other name. `Symbol` may refer to `name`.
 MENSOR_EXACT_API std::optional<CWord> everydayWord(std::string_view name);
 
 class CNearestNames;

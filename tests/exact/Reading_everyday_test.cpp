@@ -641,6 +641,7 @@ TEST(Advice, OffersTheSplitNameBeforeSimilarNames) {
     EXPECT_THAT(diagnosisOf("Nm", plain()).Readings, ElementsAre("N·m"));
     EXPECT_THAT(diagnosisOf("Nm", plain()).Suggestions, Not(Contains("nm")));
     EXPECT_THAT(diagnosisOf("ug", plain()).Readings, ElementsAre("\u00B5g"));
+    EXPECT_THAT(diagnosisOf("U\u03A9").Readings, ElementsAre("\u00B5\u03A9"));
     EXPECT_THAT(diagnosisOf("mcg", plain()).Suggestions, Not(Contains("mg")));
     EXPECT_THAT(diagnosisOf("grad", plain()).Suggestions, Not(Contains("Grad")));
     EXPECT_THAT(diagnosisOf("kgK/s").Readings, ElementsAre("kg·K/s"));
@@ -664,6 +665,8 @@ TEST(Advice, CorrectsTheCaseOfAllNames) {
     EXPECT_THAT(diagnosisOf("KG/CM2").Readings, ElementsAre("kg/cm2"));
     EXPECT_THAT(diagnosisOf("M3/HR").Readings, ElementsAre("m³/hr"));
     EXPECT_THAT(diagnosisOf("KJ/KG").Readings, ElementsAre("kJ/kg"));
+    EXPECT_THAT(diagnosisOf("MM/S").Readings, ElementsAre("mm/s")) << "Mm/S is not meant";
+    EXPECT_THAT(diagnosisOf("Mpa(g)").Suggestions, ElementsAre("MPa"));
 }
 
 TEST(Advice, SuggestsAKnownNameInsteadOfItsPack) {
