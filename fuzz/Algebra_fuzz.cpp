@@ -153,8 +153,8 @@ CUnitPtr checkProduct(const char* name, const Product& factors, Operation operat
 CUnitPtr checkPower(const CUnitPtr& unit, int n) {
     const auto power = [&] { return unit->pow(n); };
     if (n == 0 || n == 1) {
-        require(power() == (n == 1 ? unit : CProductUnit::one()), "a power of 0 or 1",
-                "is another");
+        require(power() == (n == 1 ? unit : CProductUnit::one()), "a unit to the power 0 or 1",
+                "is another unit");
         return power();
     }
     if (n == std::numeric_limits<int>::min()) {
@@ -171,12 +171,12 @@ CUnitPtr checkPower(const CUnitPtr& unit, int n) {
 CUnitPtr checkRoot(const CUnitPtr& unit, int n) {
     const auto root = [&] { return unit->root(n); };
     if (n == 0) {
-        require(outcomeOf(root) == "std::invalid_argument: Root's order of zero", "a root of 0",
-                "is not refused");
+        require(outcomeOf(root) == "std::invalid_argument: Root's order of zero",
+                "a root of order 0", "is not refused");
         return nullptr;
     }
     if (n == 1) {
-        require(root() == unit, "a root of 1", "is another unit");
+        require(root() == unit, "a root of order 1", "is another unit");
         return unit;
     }
     if (n == std::numeric_limits<int>::min()) {

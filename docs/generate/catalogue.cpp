@@ -85,7 +85,7 @@ std::vector<NonSiRow> nonSiRows() {
     constexpr const char* TABLE8 = "SI brochure, 9th edition, table 8";
     return {
         {"Percent", NonSI::Percent(), 0.01, "ISO 80000-1"},
-        {"None", NonSI::None(), 1, "the number one as a unit to be labelled; not built at load"},
+        {"None", NonSI::None(), 1, "the number one, with the empty label; not built at load"},
         {"Revolution", NonSI::Revolution(), 2 * PI, "ISO 80000-3: 2π rad"},
         {"DegreeAngle", NonSI::DegreeAngle(), PI / 180, TABLE8},
         {"MinuteAngle", NonSI::MinuteAngle(), PI / 10800, TABLE8},

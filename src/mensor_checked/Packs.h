@@ -54,7 +54,7 @@ struct CPackUnit {
 /// A unit that no pack has, because the library would take it for another unit.
 struct CRefusedUnit {
     ePack Pack;            ///< the unit would belong to this pack
-    const char* Symbol;    ///< a name that it could have
+    const char* Symbol;    ///< the name that it would have
     double Factor;         ///< as in CPackUnit
     const char* Unit;      ///< as in CPackUnit
     double Offset;         ///< as in CPackUnit

@@ -48,7 +48,7 @@ public:
     /// with it not long ago. Most texts are read only once.
     bool isWorth(std::string_view text);
 
-    /// Adds an entry. At most 1000 entries that are not kept for good stay.
+    /// Adds an entry. The cache drops entries if more than 1000 of them are not kept for good.
     void store(CEntry entry);
 
     /// Returns whether setSound() was called for `unit` and the dimension has stayed the same since.

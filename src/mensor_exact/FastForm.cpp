@@ -217,7 +217,7 @@ CFastForm::CFastForm(const CLeading& factor, const CLeading& center, bool isNega
         const double c = Head * 134217729.0;
         HeadHigh = c - (c - Head);
         HeadLow = Head - HeadHigh;
-        // No number is between these limits. They stay if there is no short line.
+        // No number is between these limits. If there is no short line, they are not changed.
         Least = std::numeric_limits<std::int64_t>::min();
         Most = -1;
         // The distance of the two tails from the exact one, relative to the highest bit of the factor. It

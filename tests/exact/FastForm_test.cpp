@@ -524,7 +524,7 @@ TEST(FastForm, CallsTheSlowWayOnceForEachValue) {
         long before = WholeLine::Calls;
         slow.convertAll(values, results, 3);
         EXPECT_EQ(WholeLine::Calls, before + 3) << loops.Name;
-        // Among whole numbers, only those that are not doubles need it.
+        // Among whole numbers, only those that are not doubles need the slow way.
         const CFastForm fast = formOf({9, 0, 5, 0, false}, eLine::UNKNOWN, judge, loops);
         const std::int64_t most = std::int64_t{1} << 53;
         const std::int64_t numbers[] = {1, -most, most, most + 1, -most - 1};
