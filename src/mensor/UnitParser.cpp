@@ -228,8 +228,8 @@ inline CUnitPtr CUnitParser::product() const {
     return result;
 }
 
-// Throws std::overflow_error if the product has an exponent beyond the range of int. Small
-// exponents cannot, so no trial product is made for them.
+// Throws std::overflow_error if the product has an exponent beyond the range of int. No
+// product of small exponents leaves that range, so only larger ones are tried.
 inline void CUnitParser::requireSmallExponents() const {
     constexpr std::int64_t Harmless = 4096;
     std::int64_t sum = 0;

@@ -49,8 +49,8 @@ CName makeName(std::string_view name) {
     return known;
 }
 
-// The cache of knownName(). It holds only names that the library knows exactly as spelled: a new symbol may
-// make other names known, and does not change the version.
+// The cache of knownName(). It holds only names that the library knows exactly as spelled. Other
+// names are not stored, because a new symbol may make them known without a change of the version.
 //
 // Never destroyed, because threads and statics of clients may still read units while the process ends.
 std::unordered_map<std::string, CName>& cachedNames = *new std::unordered_map<std::string, CName>;
