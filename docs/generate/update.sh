@@ -21,7 +21,8 @@ settle() {
     fi
 }
 
-# replace_in PAGE NAME: puts $work/part between the marks of $work/PAGE, which becomes the page to settle.
+# replace_in PAGE NAME: puts $work/part between the marks of $work/PAGE, and copies that page to $work/page for
+# settle.
 replace_in() {
     grep -qxF "<!-- $2 -->" "$work/$1" || { echo "docs/$1.md has no mark $2"; exit 1; }
     awk -v begin="<!-- $2 -->" -v end="<!-- /$2 -->" -v part="$work/part" '
@@ -32,7 +33,7 @@ replace_in() {
     cp "$work/page" "$work/$1"
 }
 
-# replace PAGE NAME: the same for a page with one generated part.
+# replace PAGE NAME: does all of it for a page with one generated part.
 replace() {
     cp "$source/docs/$1.md" "$work/$1" || exit 1
     replace_in "$1" "$2"

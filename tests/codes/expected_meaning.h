@@ -30,8 +30,8 @@ inline exact::CExponent exponentOf(const std::string& text) {
                : exact::CExponent(std::stoi(text), std::stoi(text.substr(slash + 1)));
 }
 
-/// Returns the meaning with this factor, exponent of π, offset in base units and base units, such as
-/// "kg:1 m:-3".
+/// Returns the meaning with this factor, this exponent of π, this offset in base units, and these base
+/// units: "kg:1 m:-3".
 inline exact::CMeaning meaningOf(const std::string& factor, const std::string& pi,
                                  const std::string& offset, const std::string& dimensions) {
     exact::CMeaning meaning;
