@@ -286,12 +286,8 @@ constexpr std::size_t BlockSize = 256;
 constexpr std::size_t LongBlockSize = 1024;
 
 // Results that no processor cache could hold are written past the caches. An ordinary store first reads
-// the cache line that it fills, which is a third of all memory traffic. With an offset, the computation
-// is the limit and not the memory.
+// the cache line that it fills, which is a third of all memory traffic.
 constexpr std::size_t StreamedBytes = 32'000'000;
-
-// Short blocks, so that the values are read while results are written.
-constexpr std::size_t StreamedBlockSize = 64;
 
 // Returns how many numbers there are up to the next cache line. A vector across two lines would take two
 // stores.
@@ -305,30 +301,13 @@ std::size_t countToNextLine(const Number* numbers) {
 
 constexpr bool CanStream = true;
 
-// Copies past the caches. Fast if `to` is a multiple of 16.
-template <class Number>
-void copyPastCaches(const Number* from, Number* to, std::size_t count) {
-    const std::size_t both = 16 / sizeof(Number);
-    std::size_t i = 0;
-    if (reinterpret_cast<std::uintptr_t>(to) % 16 == 0) {
-        for (; i + both <= count; i += both) {
-            _mm_stream_si128(
-                static_cast<__m128i*>(static_cast<void*>(to + i)),
-                _mm_loadu_si128(static_cast<const __m128i*>(static_cast<const void*>(from + i))));
-        }
-    }
-    std::copy(from + i, from + count, to + i);
-}
-
-// Makes these stores visible to other threads before any later store.
-void finishCopying() { _mm_sfence(); }
+// Makes the stores past the caches visible to other threads before any later store.
+void finishStoring() { _mm_sfence(); }
 
 #else
 
 constexpr bool CanStream = false;
-template <class Number>
-void copyPastCaches(const Number*, Number*, std::size_t) {}
-void finishCopying() {}
+void finishStoring() {}
 
 #endif
 
@@ -374,8 +353,10 @@ void oneByOne(const CFastForm& form, const double* values, double* results, std:
 }
 
 // If some results of a block may be wrong, looks for them in small pieces.
-void toDoubles(const CFastForm& form, const double* values, double* results, std::size_t count) {
-    if (form.Many(form, values, results, count)) {
+void toDoubles(const CFastForm& form, const double* values, double* results, std::size_t count,
+               bool isStreamed) {
+    if ((isStreamed ? form.Loops->ManyPastCaches[form.Way] : form.Many)(form, values, results,
+                                                                        count)) {
         return;
     }
     constexpr std::size_t Piece = 32;
@@ -398,19 +379,19 @@ void convertBlocks(const CFastForm& form, const In* values, Out* results, std::s
     constexpr bool AreDoubles = std::is_same_v<In, double> && std::is_same_v<Out, double>;
     constexpr std::size_t Size = AreDoubles ? LongBlockSize : BlockSize;
     const bool isInPlace = static_cast<const void*>(values) == results;
-    const bool isStreamed =
-        CanStream && !isInPlace && form.Way != OFFSET && count >= StreamedBytes / sizeof(Out);
-    const std::size_t size = isStreamed ? StreamedBlockSize : Size;
+    const bool isStreamed = CanStream && std::is_same_v<Out, double> && !isInPlace &&
+                            count >= StreamedBytes / sizeof(Out);
+    // With an offset, a short piece before the first cache line takes longer than the second stores.
+    const bool isAligned = isStreamed || form.Way != OFFSET;
     double wide[Size];
     [[maybe_unused]] double narrow[AreDoubles ? 1 : Size];
     [[maybe_unused]] In kept[std::is_same_v<In, std::int64_t> ? Size : 1];
-    Out streamed[CanStream ? StreamedBlockSize : 1];
     std::size_t n = 0;
     for (std::size_t begin = 0; begin < count; begin += n) {
-        n = begin == 0 && form.Way != OFFSET ? countToNextLine(results) : 0;
-        n = std::min(n != 0 ? n : size, count - begin);
+        n = begin == 0 && isAligned ? countToNextLine(results) : 0;
+        n = std::min(n != 0 ? n : Size, count - begin);
         const In* const from = values + begin;
-        Out* const to = isStreamed ? streamed : results + begin;
+        Out* const to = results + begin;
         [[maybe_unused]] double* doubles = narrow;
         if constexpr (std::is_same_v<Out, double>) {
             doubles = to;
@@ -436,7 +417,7 @@ void convertBlocks(const CFastForm& form, const In* values, Out* results, std::s
         }
 
         if (!isDone) {
-            toDoubles(form, x, doubles, n);
+            toDoubles(form, x, doubles, n, isStreamed);
         }
         if constexpr (std::is_same_v<Out, float>) {
             if (!form.Loops->Narrow(narrow, to, n)) {
@@ -460,12 +441,9 @@ void convertBlocks(const CFastForm& form, const In* values, Out* results, std::s
                 }
             }
         }
-        if (isStreamed) {
-            copyPastCaches(streamed, results + begin, n);
-        }
     }
     if (isStreamed) {
-        finishCopying();
+        finishStoring();
     }
 }
 

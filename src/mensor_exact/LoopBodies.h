@@ -1,13 +1,17 @@
 // LoopBodies.h: the loops of the fast conversions. Each file that includes this header compiles them for
 // another kind of processor, under the name MENSOR_LOOPS. Not installed.
 //
-// This header calls no inline function of another header. The linker keeps only one copy of such a
+// This header calls no inline function of another header but those that are always inlined. The linker keeps only one copy of such a
 // function, and that copy might be one for a new processor.
 //
 // Each loop computes every element separately, so the width of the vectors does not influence the
 // results.
 #include <cstddef>
 #include <cstdint>
+
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
 
 #include "mensor_exact/FastForm.h"
 
@@ -241,6 +245,61 @@ double offset(const CFastForm& form, double x) {
     return form.convertSlowly(x);
 }
 
+// The following two classes store the results of an array.
+
+struct CToCaches {
+    template <class Convert>
+    static void forEach(const double* __restrict values, double* __restrict results,
+                        std::size_t count, Convert convert) {
+        for (std::size_t i = 0; i < count; ++i) {
+            results[i] = convert(values[i]);
+        }
+    }
+};
+
+#if defined(__x86_64__)
+
+#if defined(__AVX512F__)
+using CVector = __m512i;
+inline void storePastCaches(CVector* to, const CVector* from) { _mm512_stream_si512(to, *from); }
+#elif defined(__AVX__)
+using CVector = __m256i;
+inline void storePastCaches(CVector* to, const CVector* from) { _mm256_stream_si256(to, *from); }
+#else
+using CVector = __m128i;
+inline void storePastCaches(CVector* to, const CVector* from) { _mm_stream_si128(to, *from); }
+#endif
+
+// Computes short pieces and copies them. The last values, and all if the results do not begin at a cache
+// line, are stored as usual.
+struct CPastCaches {
+    template <class Convert>
+    static void forEach(const double* __restrict values, double* __restrict results,
+                        std::size_t count, Convert convert) {
+        constexpr std::size_t Piece = 64;
+        constexpr std::size_t Width = sizeof(CVector) / sizeof(double);
+        std::size_t done = 0;
+        if (reinterpret_cast<std::uintptr_t>(results) % 64 == 0) {
+            for (; count - done >= Piece; done += Piece) {
+                alignas(64) double piece[Piece];
+                for (std::size_t i = 0; i < Piece; ++i) {
+                    piece[i] = convert(values[done + i]);
+                }
+                for (std::size_t i = 0; i < Piece; i += Width) {
+                    storePastCaches(
+                        static_cast<CVector*>(static_cast<void*>(results + done + i)),
+                        static_cast<const CVector*>(static_cast<const void*>(piece + i)));
+                }
+            }
+        }
+        CToCaches::forEach(values + done, results + done, count - done, convert);
+    }
+};
+
+#else
+using CPastCaches = CToCaches;
+#endif
+
 bool slowlyAll(const CFastForm& form, const double* values, double* results, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         results[i] = form.convertSlowly(values[i]);
@@ -250,74 +309,68 @@ bool slowlyAll(const CFastForm& form, const double* values, double* results, std
 
 // The loops copy the form. Otherwise the compiler must assume that storing a result changes it.
 
-bool multiplyAll(const CFastForm& form, const double* __restrict values, double* __restrict results,
-                 std::size_t count) {
+template <class Results>
+bool multiplyAll(const CFastForm& form, const double* values, double* results, std::size_t count) {
     const double factor = form.Head;
-    for (std::size_t i = 0; i < count; ++i) {
-        results[i] = factor * values[i];
-    }
+    Results::forEach(values, results, count, [=](double x) { return factor * x; });
     return true;
 }
 
-bool provedAll(const CFastForm& form, const double* __restrict values, double* __restrict results,
-               std::size_t count) {
+template <class Results>
+bool provedAll(const CFastForm& form, const double* values, double* results, std::size_t count) {
     const CFastForm local = form;
     CRanges ranges;
-    for (std::size_t i = 0; i < count; ++i) {
-        const double x = values[i];
-        results[i] = scaled(local, x, local.Tail);
+    Results::forEach(values, results, count, [&](double x) {
         ranges.add(local, x);
-    }
+        return scaled(local, x, local.Tail);
+    });
     return ranges.areGood(local);
 }
 
-bool tiesAll(const CFastForm& form, const double* __restrict values, double* __restrict results,
-             std::size_t count) {
+template <class Results>
+bool tiesAll(const CFastForm& form, const double* values, double* results, std::size_t count) {
     const CFastForm local = form;
     CRanges ranges;
-    for (std::size_t i = 0; i < count; ++i) {
-        const double x = values[i];
+    Results::forEach(values, results, count, [&](double x) {
+        ranges.add(local, x);
 #if MENSOR_FUSED
         // For a tie, the inner sum is the exact product of x and the tail. The outer one is the tie, which
         // the processor rounds to the even neighbour.
-        results[i] = __builtin_fma(local.Head, x, __builtin_fma(local.Tail, x, local.TailRest * x));
+        return __builtin_fma(local.Head, x, __builtin_fma(local.Tail, x, local.TailRest * x));
 #else
         // The magnitude of `high` is that of `low` or one unit in the last place larger.
         const std::int64_t low = bitsOfDouble(scaled(local, x, local.TailLow));
         const std::int64_t high = bitsOfDouble(scaled(local, x, local.TailHigh));
-        results[i] = doubleOfBits(low + ((high - low) & low));
+        return doubleOfBits(low + ((high - low) & low));
 #endif
-        ranges.add(local, x);
-    }
+    });
     return ranges.areGood(local);
 }
 
-bool testedAll(const CFastForm& form, const double* __restrict values, double* __restrict results,
-               std::size_t count) {
+template <class Results>
+bool testedAll(const CFastForm& form, const double* values, double* results, std::size_t count) {
     const CFastForm local = form;
     CRanges ranges;
     std::int64_t difference = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        const double x = values[i];
+    Results::forEach(values, results, count, [&](double x) {
+        ranges.add(local, x);
         const double low = scaled(local, x, local.TailLow);
         const double high = scaled(local, x, local.TailHigh);
-        results[i] = low;
         difference |= bitsOfDouble(low) ^ bitsOfDouble(high);
-        ranges.add(local, x);
-    }
+        return low;
+    });
     return ranges.areGood(local) && difference == 0;
 }
 
-bool offsetAll(const CFastForm& form, const double* __restrict values, double* __restrict results,
-               std::size_t count) {
+template <class Results>
+bool offsetAll(const CFastForm& form, const double* values, double* results, std::size_t count) {
     const CFastForm local = form;
     CTies ties;
-    for (std::size_t i = 0; i < count; ++i) {
-        const double x = values[i];
+    Results::forEach(values, results, count, [&](double x) {
         const COffsetSum sum(local, x);
-        results[i] = middleOf(sum.One, sum.Other);
         ties.add(local, x, sum);
-    }
+        return middleOf(sum.One, sum.Other);
+    });
     return ties.areGood(local);
 }
 
@@ -363,7 +416,10 @@ extern const CLoops MENSOR_LOOPS;
 const CLoops MENSOR_LOOPS = {
     MENSOR_LOOPS_NAME,
     {slowly, multiply, proved, ties, tested, offset},
-    {slowlyAll, multiplyAll, provedAll, tiesAll, testedAll, offsetAll},
+    {slowlyAll, multiplyAll<CToCaches>, provedAll<CToCaches>, tiesAll<CToCaches>,
+     testedAll<CToCaches>, offsetAll<CToCaches>},
+    {slowlyAll, multiplyAll<CPastCaches>, provedAll<CPastCaches>, tiesAll<CPastCaches>,
+     testedAll<CPastCaches>, offsetAll<CPastCaches>},
     divideAll,
     divideAll,
     widenAll,

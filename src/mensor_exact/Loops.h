@@ -32,6 +32,10 @@ struct CLoops {
     bool (*Many[WAYS])(const CFastForm& form, const double* values, double* results,
                        std::size_t count);
 
+    /// The same. On x86-64, results that begin at a cache line are written past the caches.
+    bool (*ManyPastCaches[WAYS])(const CFastForm& form, const double* values, double* results,
+                                 std::size_t count);
+
     /// Computes (Scale·n + Offset)/Divisor for whole numbers n up to MostWhole.
     void (*Divide16)(const CFastForm& form, const std::int16_t* values, double* results,
                      std::size_t count);

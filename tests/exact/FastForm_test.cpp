@@ -893,6 +893,32 @@ TEST(FastForm, DividesEveryCountOf16BitsRight) {
 }
 
 // Very many results are written past the caches. The elements before and after them do not change.
+TEST(FastForm, LoopsPastTheCachesDoTheSameAsTheOthers) {
+    forAllForms([](const CShortLine& line, const WholeLine&, const CFastForm& form) {
+        std::mt19937_64 random(9);
+        const Doubles doubles(line, form);
+        constexpr std::size_t Count = 150;
+        double values[Count];
+        for (int round = 0; round < 8; ++round) {
+            for (double& value : values) {
+                // Only in some rounds, a value may need the slow way.
+                value = round < 4 ? static_cast<double>(random() % 20001) / 8 + 3
+                                  : doubles.next(random);
+            }
+            // At a cache line and next to it.
+            alignas(64) double expected[Count + 2], results[Count + 2];
+            std::fill(std::begin(expected), std::end(expected), -1);
+            std::fill(std::begin(results), std::end(results), -1);
+            const std::size_t first = static_cast<std::size_t>(round % 2);
+            const CLoops& loops = *form.Loops;
+            EXPECT_EQ(loops.Many[form.Way](form, values, expected + first, Count),
+                      loops.ManyPastCaches[form.Way](form, values, results + first, Count))
+                << describe(line, form);
+            EXPECT_EQ(std::memcmp(expected, results, sizeof expected), 0) << describe(line, form);
+        }
+    });
+}
+
 TEST(FastForm, GivesTheSameBitsPastTheCaches) {
     const std::size_t count = 4'000'100;
     std::vector<double> values(count);
