@@ -1,8 +1,10 @@
 // Exact_benchmark.cpp: correctly rounded conversions, compared with one multiplication and with
 // UDUNITS-2.
 //
-// "A virtual call" is the minimum cost of a converter that is chosen at run time: a virtual call and one
-// multiplication. "A plain loop" multiplies each element, in vectors of the same width.
+// "A virtual call" is the minimum cost of a library's converter that is chosen at run time: a virtual call and
+// one multiplication. "The least" is a virtual call, one multiplication and one fused multiply-add, which a
+// correct result needs at least. "A plain loop" multiplies each element, in vectors of the same width.
+#include "converters.h"
 #include "mensor_exact/Conversion.h"
 #include "mensor_exact/FastForm.h"
 #include "support.h"
@@ -14,11 +16,7 @@ using namespace mensor::exact;
 
 namespace {
 
-// Two classes, so that the compiler cannot know which one is called.
-struct Converter {
-    virtual ~Converter() = default;
-    virtual double convert(double x) const = 0;
-};
+// Two classes inside this program, so that the compiler cannot know which one is called.
 struct Multiply : Converter {
     explicit Multiply(double factor) : Factor(factor) {}
     double convert(double x) const override { return x * Factor; }
@@ -204,6 +202,10 @@ CFastForm withoutFma(const Pair& pair) {
 
 const bool added = [] {
     addOne("exact, one value", "a virtual call", [] {
+        static const std::unique_ptr<Converter> converter = makeMultiply(0.3048);
+        return [c = converter.get()](double x) { return c->convert(x); };
+    });
+    addOne("exact, one value", "a virtual call inside the program", [] {
         // The class is known only at run time.
         static const Multiply multiply(0.3048);
         static const Add add(0.3048);
@@ -212,6 +214,12 @@ const bool added = [] {
         return
             [chosen = chosen == nullptr ? &add : chosen](double x) { return chosen->convert(x); };
     });
+    if (makeFused(1, 0) != nullptr) {
+        addOne("exact, one value", "the least", [] {
+            static const std::unique_ptr<Converter> converter = makeFused(0.3048, 0x1p-57);
+            return [c = converter.get()](double x) { return c->convert(x); };
+        });
+    }
     for (const Pair& pair : Pairs) {
         addOne(std::string("exact, ") + pair.Name, "mensor::exact", [pair] {
             return [c = between(pair.From, pair.To)](double x) { return c.convert(x); };

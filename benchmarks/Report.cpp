@@ -134,7 +134,17 @@ const std::vector<CReport::Line>& CReport::lines() {
                 const std::string work = std::string("exact, ") + pair + how;
                 exactly(work, std::string("exact, one value") + how, "a virtual call", target);
                 exactly(work, work, "UDUNITS-2", isLinear ? 1 : 0);
+                if (isLinear) {
+                    exactly(work, std::string("exact, one value") + how, "the least", 0);
+                }
             }
+        }
+        for (const char* how : {", dependent", ", independent"}) {
+            const std::string work = std::string("exact, one value") + how;
+            all.push_back({Line::AT_MOST, work + ", the least", work + ": the least",
+                           std::string("exact, ft to m") + how + ": UDUNITS-2", 0});
+            all.push_back({Line::AT_MOST, work + ", a virtual call", work + ": a virtual call",
+                           work + ": a virtual call inside the program", 0});
         }
         exactly("exact, without FMA, ft to m, dependent", "exact, one value, dependent",
                 "a virtual call", 6.5);
