@@ -101,6 +101,9 @@ CEnclosure fraction(const CFraction& value, int bits) {
     const CParts parts(value);
     const CWhole numerator = parts.numeratorWithFives();
     const CWhole denominator = parts.denominatorWithFives();
+    if (denominator.isOne()) {
+        return {numerator, numerator, parts.Twos};
+    }
     std::int64_t twos = bits + static_cast<std::int64_t>(denominator.bits()) -
                         static_cast<std::int64_t>(numerator.bits());
     twos = twos < 0 ? 0 : twos;

@@ -217,7 +217,7 @@ double ties(const CFastForm& form, double x) {
     const double low = scaled(form, x, form.TailLow);
     const double high = scaled(form, x, form.TailHigh);
     // Tests for equality first: the processor predicts this better than the last bit.
-    return __builtin_expect(low == high, 1) ? low : evenOf(low, high);
+    return __builtin_expect(low == high, 1) ? high : evenOf(low, high);
 }
 
 double tested(const CFastForm& form, double x) {
