@@ -17,6 +17,7 @@
 #include "mensor_exact/NumberText.h"
 #include "mensor_exact/Parser.h"
 #include "mensor_exact/Refusal.h"
+#include "mensor_exact/ShortText.h"
 #include "mensor_exact/Spelling.h"
 #include "mensor_exact/Table.h"
 #include "mensor_exact/Traps.h"
@@ -539,8 +540,8 @@ private:
     }
 
     struct CEntity {
-        std::string_view Name;
-        std::string_view Sign;
+        CShortText<8> Name;
+        CShortText<3> Sign;
     };
     static constexpr CEntity Entities[] = {
         {"&deg;", "°"},        {"&#176;", "°"},      {"&micro;", "\u00B5"}, {"&#181;", "\u00B5"},
@@ -561,7 +562,9 @@ private:
         for (std::size_t at = unit.find(Close); at != std::string::npos; at = unit.find(Close)) {
             unit.erase(at, Close.size());
         }
-        for (const auto& [entity, sign] : Entities) {
+        for (const CEntity& row : Entities) {
+            const std::string_view entity = row.Name;
+            const std::string_view sign = row.Sign;
             for (std::size_t at = unit.find(entity); at != std::string::npos;
                  at = unit.find(entity)) {
                 unit.replace(at, entity.size(), sign);
@@ -963,12 +966,16 @@ private:
     }
 
     void offer(std::vector<COffer>& offers) {
-        std::stable_sort(offers.begin(), offers.end(), [this](const COffer& a, const COffer& b) {
-            return scoreOf(a) < scoreOf(b);
-        });
+        if (offers.empty()) {
+            return;
+        }
+        auto best = scoreOf(offers.front());
         for (const COffer& offer : offers) {
-            const bool isAsGood = scoreOf(offer) == scoreOf(offers.front()) &&
-                                  (offer.Near.Distance == 0 || !offer.Near.IsRare);
+            best = std::min(best, scoreOf(offer));
+        }
+        for (const COffer& offer : offers) {
+            const bool isAsGood =
+                scoreOf(offer) == best && (offer.Near.Distance == 0 || !offer.Near.IsRare);
             if (isAsGood && m_Diagnosis.Suggestions.size() < MostOffers) {
                 m_Diagnosis.Suggestions.push_back(offer.Near.Name);
             }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "mensor_exact/Error.h"
+#include "mensor_exact/ShortText.h"
 #include "mensor_exact/UnitsWriter.h"
 #include "mensor_exact/concatenate.h"
 #include "mensor_exact/slots.h"
@@ -16,7 +17,7 @@ namespace {
 // The name of a quantity and its exponents, in the order of SlotNames.
 struct CKind {
     std::int8_t A, K, cd, kg, m, mol, s;
-    const char* Name;
+    CShortText<21> Name;
 };
 
 constexpr CKind Kinds[] = {
@@ -310,10 +311,10 @@ CMeaning operator/(const CMeaning& a, const CMeaning& b) {
     return text;
 }
 
-// Returns null if the library has no name for these dimensions.
-[[gnu::cold]] const char* CMeaning::nameOfKind() const noexcept {
+// Returns an empty text if the library has no name for these dimensions.
+[[gnu::cold]] std::string_view CMeaning::nameOfKind() const noexcept {
     if (!m_Others.empty()) {
-        return nullptr;
+        return {};
     }
     for (const CKind& kind : Kinds) {
         const std::array<CExponent, Dimensions> exponents = {kind.A, kind.K,   kind.cd, kind.kg,
@@ -322,14 +323,14 @@ CMeaning operator/(const CMeaning& a, const CMeaning& b) {
             return kind.Name;
         }
     }
-    return nullptr;
+    return {};
 }
 
 [[gnu::cold]] bool CMeaning::hasNamedKind() const noexcept {
     const bool hasNone =
         m_Others.empty() && std::all_of(m_Exponents.begin(), m_Exponents.begin() + Dimensions,
                                         [](CExponent e) { return e == CExponent(0); });
-    return hasNone || nameOfKind() != nullptr;
+    return hasNone || !nameOfKind().empty();
 }
 
 [[gnu::cold]] std::string CMeaning::kind() const {
@@ -343,8 +344,9 @@ CMeaning operator/(const CMeaning& a, const CMeaning& b) {
         }
         return "number";
     }
-    if (const char* const name = nameOfKind()) {
-        return name;
+    const std::string_view name = nameOfKind();
+    if (!name.empty()) {
+        return std::string(name);
     }
     CUnitsWriter writer;
     for (const CPower& power : own) {

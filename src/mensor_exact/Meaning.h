@@ -131,7 +131,7 @@ private:
     CMeaning(const CSmallFraction& factor, CExponent pi, const CSmallFraction& offset) noexcept
         : m_Factor(factor, pi), m_Offset(offset) {}
 
-    const char* nameOfKind() const noexcept;
+    std::string_view nameOfKind() const noexcept;
 
     void multiplyRest(const CMeaning& other, CExponent exponent);
 

@@ -31,10 +31,21 @@ constexpr std::uint32_t hashOfName(std::string_view name, std::uint32_t hash = 2
     return hash;
 }
 
+/// A power of two, so that at most two thirds of the places have a row.
+constexpr std::size_t placesFor(std::size_t rows) {
+    std::size_t places = 1;
+    while (2 * places < 3 * rows) {
+        places *= 2;
+    }
+    return places;
+}
+
 /// Finds rows of a table by name, with linear probing. If several rows have one name, the first row is
-/// found first.
-template <std::size_t Rows>
+/// found first. Fewer places need less memory and more time.
+template <std::size_t Rows, std::size_t Places = placesFor(Rows)>
 class CNameIndex {
+    static_assert(Places > Rows, "a name that no row has needs an empty place");
+
 public:
     static constexpr std::size_t None = static_cast<std::size_t>(-1);
 
@@ -71,16 +82,6 @@ public:
     }
 
 private:
-    static constexpr std::size_t placesFor(std::size_t rows) {
-        std::size_t places = 1;
-        while (2 * places < 3 * rows) {
-            places *= 2;
-        }
-        return places;
-    }
-
-    static constexpr std::size_t Places = placesFor(Rows);
-
     std::uint16_t m_Places[Places] = {};  // a row plus 1; 0 if the place is empty
 };
 

@@ -150,7 +150,8 @@ constexpr std::string_view behindOf(std::size_t row) {
     return {Texts + trap.Start + trap.Lengths[0], trap.Lengths[1]};
 }
 
-constexpr CNameIndex<RowCount> Index(textOf);
+// Dense, since Hashes ends most look-ups before.
+constexpr CNameIndex<RowCount, RowCount * 5 / 4> Index(textOf);
 
 constexpr bool isNote(ePlace place) { return place == ePlace::UNUSUAL || place == ePlace::TOLD; }
 

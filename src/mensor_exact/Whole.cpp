@@ -12,6 +12,8 @@
 #if defined(__GLIBCXX__) && !defined(_GLIBCXX_IOSTREAM)
 #define _GLIBCXX_IOSTREAM 1  // NOLINT(bugprone-reserved-identifier)
 #endif
+// Boost throws plain exceptions of the standard library, not ones that can be cloned.
+#define BOOST_EXCEPTION_DISABLE
 #include <boost/multiprecision/cpp_int.hpp>
 
 namespace mensor::exact {
