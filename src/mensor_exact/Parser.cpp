@@ -176,8 +176,7 @@ private:
                 }
             } else if (!beginsFactor() || !hadBlank) {
                 return true;
-            } else if ((isPlain && !requireNoPair(m_PlainName, m_PlainName)) ||
-                       (!isUnitInBrackets() && !requireNoNote())) {
+            } else if ((isPlain && !requireNoPair(m_PlainName, m_PlainName)) || !requireNoNote()) {
                 return false;
             }
             if (!factor(depth)) {
@@ -988,17 +987,6 @@ private:
             return trap != nullptr;
         });
         return trap == nullptr || refusePair(name, next, *trap);
-    }
-
-    // Returns true if the cursor is at a unit in brackets: "(N)". It is a factor of a product, although the
-    // same text after a quotient is a remark.
-    bool isUnitInBrackets() const {
-        if (kind() != eKind::OPEN || m_Text[at()] != '(') {
-            return false;
-        }
-        const std::size_t end = m_Text.find(')', at());
-        return end != std::string_view::npos &&
-               m_Resolver.knows(m_Text.substr(at() + 1, end - at() - 1));
     }
 
     // Refuses a word that is a remark and no unit after any unit: "mm/s rms".
