@@ -4,7 +4,7 @@
 // "A virtual call" is the minimum cost of a library's converter that is chosen at run time: a virtual call and
 // one multiplication. "The least" is a virtual call, one multiplication and one fused multiply-add, which a
 // correct result needs at least. "A plain loop" multiplies each element, in vectors of the same width.
-#include "converters.h"
+#include "Converter.h"
 #include "mensor_exact/Conversion.h"
 #include "mensor_exact/FastForm.h"
 #include "support.h"

@@ -1,7 +1,7 @@
-// converters.h: the least converters that are chosen at run time. They are in a library of their own, as the
+// Converter.h: the least converters that are chosen at run time. They are in a library of their own, as the
 // converters of mensor and UDUNITS-2 are.
-#ifndef MENSOR_BENCHMARKS_CONVERTERS_H
-#define MENSOR_BENCHMARKS_CONVERTERS_H
+#ifndef MENSOR_BENCHMARKS_CONVERTER_H
+#define MENSOR_BENCHMARKS_CONVERTER_H
 
 #include <memory>
 
@@ -17,4 +17,4 @@ std::unique_ptr<Converter> makeMultiply(double factor);
 /// these for most factors. Returns null if the processor has no fused multiply-add.
 std::unique_ptr<Converter> makeFused(double head, double tail);
 
-#endif  // MENSOR_BENCHMARKS_CONVERTERS_H
+#endif  // MENSOR_BENCHMARKS_CONVERTER_H

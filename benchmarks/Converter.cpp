@@ -1,4 +1,4 @@
-#include "converters.h"
+#include "Converter.h"
 
 namespace {
 
