@@ -999,10 +999,17 @@ private:
             return trap != nullptr;
         });
         const std::string_view text = word.of(m_Text);
-        return trap == nullptr || m_Resolver.isOwn(text) ||
+        return trap == nullptr || m_Resolver.isOwn(text) || hasExponent(word) ||
                (m_Resolver.knows(text) && !hasRarePrefix(text)) ||  // "PK" is no petakelvin
                refuse(eRefusal::MISLEADING, word, trap->sentence(),
                       trap->first().empty() ? eReadings::REMOVE : eReadings::TRAP, word, trap);
+    }
+
+    // Returns whether an exponent follows, so that "(min)²" is no remark.
+    bool hasExponent(CSpan word) const {
+        const std::string_view rest = m_Text.substr(word.End);
+        return isRaised(CCursor(m_Text, word.End).kind()) || rest.substr(0, 1) == "^" ||
+               rest.substr(0, 2) == "**";
     }
 
     // Refuses a remark without a blank before it, as in "kg/cm2g". The cursor is after the quotient.
@@ -1020,8 +1027,8 @@ private:
         return trap == nullptr || refusePair(quotient, note, *trap);
     }
 
-    // Refuses "kJ/(kg·C)", "kJ·C/kg" and "h·ft²·F/BTU". With a heat or a power and a third unit, C means a
-    // temperature.
+    // Refuses "kJ/(kg·C)", "kJ·C/kg" and "h·ft²·F/BTU". With a heat or a power as first or last of three units,
+    // C means a temperature.
     bool requireNoLetterOfTemperature() {
         if (m_Factors.size() < 3) {
             return true;
@@ -1032,11 +1039,11 @@ private:
                 continue;
             }
             const CTrap* const trap = findTrap(ePlace::HEAT, name);
-            const bool hasHeat =
-                trap != nullptr &&
-                std::any_of(m_Factors.begin(), m_Factors.end(), [&](const CNamedFactor& other) {
-                    return isMember(other.Name.of(m_Text), ePlace::HEAT);
-                });
+            const auto isHeat = [&](const CNamedFactor& other) {
+                return isMember(other.Name.of(m_Text), ePlace::HEAT);
+            };
+            const bool hasHeat = trap != nullptr &&
+                                 (isHeat(m_Factors[0]) || isHeat(m_Factors[m_Factors.size() - 1]));
             if (hasHeat && !m_Resolver.isOwn(name)) {
                 return refuse(eRefusal::MISLEADING, factor.Name, trap->sentence(), eReadings::TRAP,
                               factor.Name, trap);

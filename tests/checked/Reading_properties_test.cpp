@@ -113,6 +113,7 @@ void expectMeaning(const std::string& text, const CUnitPtr& unit) {
 TEST(ReadingProperties, AWellFormedTextHasItsMathematicalMeaning) {
     Texts texts(seed());
     int read = 0;
+    int misleading = 0;
     for (int i = 0; i < 800; ++i) {
         const std::string text = texts.expression(2);
         const CReading reading = tryReadUnit(text);
@@ -128,10 +129,12 @@ TEST(ReadingProperties, AWellFormedTextHasItsMathematicalMeaning) {
             case checked::eRefusal::DIMENSION_COLLISION:
             case checked::eRefusal::FACTOR_RANGE:
             case checked::eRefusal::EXPONENT_RANGE: break;
+            case checked::eRefusal::MISLEADING: ++misleading; break;
             default: ADD_FAILURE() << text << ": " << reading.Refusal->message();
         }
     }
     EXPECT_GT(read, 450);
+    EXPECT_LE(misleading, 2) << "a trap refuses what nobody misreads";
 }
 
 TEST(ReadingProperties, ARandomTextThatIsReadHasItsMathematicalMeaning) {

@@ -450,10 +450,11 @@ TEST(Traps, ArbitraryUnitsCanBeDefined) {
 
 TEST(Traps, DoNotRefuseUsualProducts) {
     for (const char* const text :
-         {"W/K",   "nV/mK", "mK",    "K/mK",    "J/(kg K)",  "J/(kg·K)",     "bar m³",
-          "bar·g", "V·A",   "V A",   "kg m",    "g/(bar.g)", "C·m²/V",       "mH2",
-          "mT/s",  "m³·N",  "in m",  "kg·N",    "mg·N/l",    "N·m²",         "° ",
-          "°/s",   "m³/h",  "psi·d", "W·mK^-1", "A (s)",     "((Ys)^-2 (N))"}) {
+         {"W/K",       "nV/mK",      "mK",    "K/mK",    "J/(kg K)",  "J/(kg·K)",      "bar m³",
+          "bar·g",     "V·A",        "V A",   "kg m",    "g/(bar.g)", "C·m²/V",        "mH2",
+          "mT/s",      "m³·N",       "in m",  "kg·N",    "mg·N/l",    "N·m²",          "° ",
+          "°/s",       "m³/h",       "psi·d", "W·mK^-1", "A (s)",     "((Ys)^-2 (N))", "Wb (min)^2",
+          "Wb (min)²", "(m F/kJ)·dm"}) {
         EXPECT_TRUE(tryRead(text, everything())) << text;
     }
 }
