@@ -334,6 +334,8 @@ class Laboratory:
         self.products = {library.name: build / "src" / library.name / f"lib{library.name}.so"
                          for library in (sources.directory / "src").iterdir()}
         self.products["mensor_tool"] = build / "tools" / "mensor" / "mensor"
+        # Modules, which a library or the tool loads.
+        self.products["mensor_log4cplus"] = build / "src" / "mensor" / "mensor" / "log4cplus.so"
         self.products["mensor_registry"] = build / "src" / "mensor_exact" / "mensor" / "registry.so"
         self.originals = {}
 

@@ -663,7 +663,10 @@ TEST(Loading, ThePrefixTableIsInitialisedBeforeTheRegistryAndTheRegistryLast) {
     const std::map<std::uintptr_t, std::string> sources = sourcesOfFunctions();
     std::vector<std::string> order;
     for (const std::uintptr_t address : initialisers()) {
-        order.push_back(sources.at(address));
+        const std::string& source = sources.at(address);
+        if (source != "InstrProfilingRuntime.cpp.o") {  // the compiler's, in the build of coverage
+            order.push_back(source);
+        }
     }
     ASSERT_GE(order.size(), 2U);
     EXPECT_EQ(order[order.size() - 2], "mensor_global.cpp");
