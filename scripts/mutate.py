@@ -299,11 +299,11 @@ class Tests:
         name = prefix + Path(source).stem + "_test"
         return name if name in self.programs else None
 
-    def run_all(self, source):
-        """Raises Killed if a test fails. First what is likely to: what belongs to the source, what has
-        killed its mutants before, what is quick."""
+    def run_all(self, source, containers):
+        """Raises Killed if a test fails. First what is likely to: what belongs to the source or contains it, what
+        has killed its mutants before, what is quick."""
         for name in sorted(self.programs, key=lambda name: (
-                name != self.own(source), -self.kills[source, name], self.seconds[name])):
+                name != self.own(source), name not in containers, -self.kills[source, name], self.seconds[name])):
             command, directory = self.programs[name]
             try:
                 run([*command, "--gtest_fail_fast", "--gtest_brief=1"], directory,
@@ -339,10 +339,21 @@ class Laboratory:
         self.products["mensor_registry"] = build / "src" / "mensor_exact" / "mensor" / "registry.so"
         self.originals = {}
 
+    def containers(self, source):
+        """The test programs that contain code of a source themselves: those that link its object. A header is in
+        the programs that link any object of its library, and in its own test."""
+        path = Path(source)
+        if path.suffix == ".h":
+            own = self.tests.own(source)
+            objects, found = rf"/{path.parent.name}/\S*\.cpp\.o", {own} if own else set()
+        else:
+            objects, found = rf"/{re.escape(path.name)}\.o", set()
+        links = re.findall(r"^build tests/(\w+): (.*)", (self.build / "build.ninja").read_text(), re.M)
+        return sorted(found | {name for name, inputs in links
+                               if re.search(objects, inputs) and name in self.tests.programs})
+
     def targets(self, source):
-        # Test programs contain the code of headers, too, so the tests of a header are built.
-        own = self.tests.own(source)
-        return [*self.products, own] if source.endswith(".h") and own else [*self.products]
+        return [*self.products, *self.containers(source)]
 
     def digest(self, targets):
         return [hashlib.sha256(self.products.get(target, self.build / "tests" / target).read_bytes()).digest()
@@ -361,7 +372,7 @@ class Laboratory:
                 return "invalid", "does not compile"
             if self.digest(targets) == self.originals[mutation.source]:
                 return "invalid", "compiles to the same code"
-            self.tests.run_all(mutation.source)
+            self.tests.run_all(mutation.source, self.containers(mutation.source))
             return "SURVIVED", ""
         except Killed as reason:
             return "killed", str(reason)
