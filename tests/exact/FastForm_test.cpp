@@ -204,6 +204,73 @@ private:
     const CFastForm& m_Form;
 };
 
+TEST(FastForm, LeadingBitsOfAQuotientAreThoseOfTheExactQuotient) {
+    std::mt19937_64 random(11);
+    for (int i = 0; i < 20'000; ++i) {
+        std::uint64_t numerator = (random() >> random() % 64) | 1;
+        std::uint64_t denominator = (random() >> random() % 64) | 1;
+        if (i % 4 == 0) {  // a whole quotient
+            numerator >>= 32;
+            denominator = (denominator >> 33) | 1;
+            numerator = (numerator | 1) * denominator;
+        }
+        const CLeading leading = CLeading::ofQuotient(numerator, denominator, 5);
+        const mpz_class words = (wholeOf(leading.Word[0]) << 128) +
+                                (wholeOf(leading.Word[1]) << 64) + wholeOf(leading.Word[2]);
+        ASSERT_NE(leading.Word[0] >> 63, 0U);
+        ASSERT_LT(leading.Twos, 5);
+        // 2^(5 - Twos)·numerator = words·denominator + rest.
+        const mpz_class rest = (wholeOf(numerator) << static_cast<unsigned>(5 - leading.Twos)) -
+                               words * wholeOf(denominator);
+        ASSERT_GE(rest, 0) << numerator << "/" << denominator;
+        ASSERT_LT(rest, wholeOf(denominator)) << numerator << "/" << denominator;
+        ASSERT_EQ(leading.IsWhole, rest == 0) << numerator << "/" << denominator;
+    }
+}
+
+// Values whose exact result is a tie are rare among random values.
+TEST(FastForm, RoundsEveryTieToTheEvenNeighbour) {
+    std::mt19937_64 random(12);
+    const CShortLine lines[] = {{5000, 0, 127, 0, false},                // m to in
+                                {78125, 0, 10467, 0, false},             // kJ to cal
+                                {100'000'000, 0, 45'359'237, 0, false},  // kg to lb
+                                {45'359'237, 0, 100'000'000, 0, false},  // lb to kg
+                                {18, 0, 5, 0, false},                    // m/s to km/h
+                                {1250, 0, 381, 0, false}};               // m to ft
+    int ties = 0;
+    for (const CShortLine& line : lines) {
+        const std::uint64_t numerator = line.A >> __builtin_ctzll(line.A);
+        const std::uint64_t denominator = line.D >> __builtin_ctzll(line.D);
+        const WholeLine judge(line);
+        std::vector<double> values, right;
+        for (int i = 0; i < 500; ++i) {
+            // The result is numerator·n, with 54 bits and odd, times a power of two.
+            const std::uint64_t first = (std::uint64_t{1} << 53) / numerator + 1;
+            const std::uint64_t n = (first + random() % (first - 1)) | 1;
+            if (n * denominator < std::uint64_t{1} << 53) {
+                values.push_back((i % 2 == 0 ? 1 : -1) *
+                                 std::ldexp(static_cast<double>(n * denominator), i % 200 - 150));
+                right.push_back(expected(judge, line, values.back()));
+                EXPECT_EQ(bitsOfDouble(right.back()) & 1, 0U);
+            }
+        }
+        ties += values.empty() ? 0 : 1;
+        forAllLoops([&](const CLoops& loops) {
+            for (const eLine isKnown : {eLine::KNOWN, eLine::UNKNOWN}) {
+                const CFastForm form = formOf(line, isKnown, judge, loops);
+                std::vector<double> results(values.size());
+                form.convertAll(values.data(), results.data(), values.size());
+                for (std::size_t i = 0; i < values.size(); ++i) {
+                    ASSERT_EQ(results[i], right[i]) << describe(line, form) << " of " << values[i];
+                    ASSERT_EQ(form.convert(values[i]), right[i])
+                        << describe(line, form) << " of " << values[i];
+                }
+            }
+        });
+    }
+    EXPECT_EQ(ties, 5);  // kg to lb has none
+}
+
 TEST(FastForm, GivesTheNearestDoubleOneByOneAndInArrays) {
     std::mt19937_64 random(1);
     constexpr std::size_t Count = 300;  // more than a block
