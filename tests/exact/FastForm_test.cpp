@@ -228,47 +228,74 @@ TEST(FastForm, LeadingBitsOfAQuotientAreThoseOfTheExactQuotient) {
     }
 }
 
-// Values whose exact result is a tie are rare among random values.
-TEST(FastForm, RoundsEveryTieToTheEvenNeighbour) {
-    std::mt19937_64 random(12);
-    const CShortLine lines[] = {{5000, 0, 127, 0, false},                // m to in
-                                {78125, 0, 10467, 0, false},             // kJ to cal
-                                {100'000'000, 0, 45'359'237, 0, false},  // kg to lb
-                                {45'359'237, 0, 100'000'000, 0, false},  // lb to kg
-                                {18, 0, 5, 0, false},                    // m/s to km/h
-                                {1250, 0, 381, 0, false}};               // m to ft
-    int ties = 0;
-    for (const CShortLine& line : lines) {
-        const std::uint64_t numerator = line.A >> __builtin_ctzll(line.A);
-        const std::uint64_t denominator = line.D >> __builtin_ctzll(line.D);
-        const WholeLine judge(line);
-        std::vector<double> values, right;
-        for (int i = 0; i < 500; ++i) {
-            // The result is numerator·n, with 54 bits and odd, times a power of two.
-            const std::uint64_t first = (std::uint64_t{1} << 53) / numerator + 1;
-            const std::uint64_t n = (first + random() % (first - 1)) | 1;
-            if (n * denominator < std::uint64_t{1} << 53) {
-                values.push_back((i % 2 == 0 ? 1 : -1) *
-                                 std::ldexp(static_cast<double>(n * denominator), i % 200 - 150));
-                right.push_back(expected(judge, line, values.back()));
-                EXPECT_EQ(bitsOfDouble(right.back()) & 1, 0U);
+// Expects the right results for values whose exact results are ties. Each of them must be even.
+void expectEven(const CShortLine& line, const std::vector<double>& values) {
+    const WholeLine judge(line);
+    std::vector<double> right;
+    for (const double value : values) {
+        right.push_back(expected(judge, line, value));
+        ASSERT_EQ(bitsOfDouble(right.back()) & 1, 0U);
+    }
+    forAllLoops([&](const CLoops& loops) {
+        for (const eLine isKnown : {eLine::KNOWN, eLine::UNKNOWN}) {
+            const CFastForm form = formOf(line, isKnown, judge, loops);
+            std::vector<double> results(values.size());
+            form.convertAll(values.data(), results.data(), values.size());
+            for (std::size_t i = 0; i < values.size(); ++i) {
+                ASSERT_EQ(results[i], right[i]) << describe(line, form) << " of " << values[i];
+                ASSERT_EQ(form.convert(values[i]), right[i])
+                    << describe(line, form) << " of " << values[i];
             }
         }
-        ties += values.empty() ? 0 : 1;
-        forAllLoops([&](const CLoops& loops) {
-            for (const eLine isKnown : {eLine::KNOWN, eLine::UNKNOWN}) {
-                const CFastForm form = formOf(line, isKnown, judge, loops);
-                std::vector<double> results(values.size());
-                form.convertAll(values.data(), results.data(), values.size());
-                for (std::size_t i = 0; i < values.size(); ++i) {
-                    ASSERT_EQ(results[i], right[i]) << describe(line, form) << " of " << values[i];
-                    ASSERT_EQ(form.convert(values[i]), right[i])
-                        << describe(line, form) << " of " << values[i];
-                }
+    });
+}
+
+// Random values rarely have a tie as their exact result.
+TEST(FastForm, RoundsTiesToTheEvenNeighbour) {
+    std::mt19937_64 random(12);
+    for (const CShortLine& line : {CShortLine{5000, 0, 127, 0, false},                // m to in
+                                   CShortLine{78'125, 0, 10'467, 0, false},           // kJ to cal
+                                   CShortLine{45'359'237, 0, 100'000'000, 0, false},  // lb to kg
+                                   CShortLine{18, 0, 5, 0, false},                    // m/s to km/h
+                                   CShortLine{1250, 0, 381, 0, false}}) {             // m to ft
+        const std::uint64_t numerator = line.A >> __builtin_ctzll(line.A);
+        const std::uint64_t denominator = line.D >> __builtin_ctzll(line.D);
+        // The result is numerator·n, odd and with 54 bits, times a power of two.
+        const std::uint64_t first = (std::uint64_t{1} << 53) / numerator + 1;
+        std::vector<double> values;
+        while (values.size() < 500) {
+            const std::uint64_t n = (first + random() % (first - 1)) | 1;
+            if (n * denominator < std::uint64_t{1} << 53) {
+                values.push_back((random() % 2 == 0 ? 1 : -1) *
+                                 std::ldexp(static_cast<double>(n * denominator),
+                                            static_cast<int>(random() % 200) - 150));
             }
-        });
+        }
+        expectEven(line, values);
     }
-    EXPECT_EQ(ties, 5);  // kg to lb has none
+}
+
+TEST(FastForm, RoundsTiesWithAnOffsetToTheEvenNeighbour) {
+    std::mt19937_64 random(13);
+    for (const CShortLine& line : {CShortLine{9, 160, 5, 0, false},  // °C to °F
+                                   CShortLine{5, 160, 9, 0, true},   // °F to °C
+                                   CShortLine{3, 1, 1, 0, false}, CShortLine{7, 12, 3, 0, true}}) {
+        std::vector<double> values;
+        for (int i = 0; i < 200'000 && values.size() < 500; ++i) {
+            // The result is n·2^-places, with an odd n of 54 bits. The value is x·2^-places.
+            const std::uint64_t n = (std::uint64_t{1} << 53) + (random() >> 11 | 1);
+            const auto places = static_cast<unsigned>(random() % 16 + 44);
+            const mpz_class offset = wholeOf(line.B) << places;
+            const mpz_class above = wholeOf(n) * wholeOf(line.D) * (random() % 2 == 0 ? 1 : -1) +
+                                    (line.IsMinusB ? offset : -offset);
+            const mpz_class x = above / wholeOf(line.A);
+            if (x * wholeOf(line.A) == above && mpz_sizeinbase(x.get_mpz_t(), 2) <= 53) {
+                values.push_back(std::ldexp(x.get_d(), -static_cast<int>(places)));
+            }
+        }
+        EXPECT_EQ(values.size(), 500U) << line.A << "/" << line.D;
+        expectEven(line, values);
+    }
 }
 
 TEST(FastForm, GivesTheNearestDoubleOneByOneAndInArrays) {
