@@ -50,7 +50,7 @@ bool isPrefixed(const CUnitPtr& unit, const exact::CPrefix& prefix, const CUnitP
 // Returns the unit whose name is `prefix` followed by `name`, if it is `prefix` times `root`; else none.
 CUnitPtr prefixedForm(const exact::CPrefix& prefix, const std::string& name, const CUnitPtr& root) {
     const CUnitPtr unit = unitNamed(std::string(prefix.Symbol) + name);
-    const bool isForm = unit && !hasOffset(unit) && isPrefixed(unit, prefix, root) && textOf(unit);
+    const bool isForm = unit && isPrefixed(unit, prefix, root) && textOf(unit);
     return isForm ? unit : nullptr;
 }
 
@@ -63,7 +63,7 @@ std::pair<CUnitPtr, std::string> rootOf(const CUnitPtr& unit, const std::string&
         }
         const std::string name = text.substr(symbol.size());
         const CUnitPtr root = unitNamed(name);
-        if (root && !hasOffset(root) && isPrefixed(unit, prefix, root)) {
+        if (root && isPrefixed(unit, prefix, root)) {
             return {root, name};
         }
     }

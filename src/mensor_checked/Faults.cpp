@@ -31,9 +31,9 @@ std::optional<CMeaning> mapped(const CMeaning& meaning) {
     return isMapped ? std::optional<CMeaning>(product.scaled(meaning.factor())) : std::nullopt;
 }
 
-// Returns in words the meaning of a unit that the library converts to `dimension` by `given`.
-std::string known(const CRounded& given, const CMeaning& meaning, const CMeaning& dimension) {
-    if (!std::isnormal(given.Slope) || given.Slope < 0 || !std::isfinite(given.Zero)) {
+// Returns in words the size of a unit that the library converts to `dimension` by `given`.
+std::string knownSize(const CRounded& given, const CMeaning& meaning, const CMeaning& dimension) {
+    if (!std::isnormal(given.Slope) || given.Slope < 0) {  // no meaning has such a factor
         return shortest(given.Slope) + " " + dimension.unitsText();
     }
     const double factor = meaning.factor().toDouble();
@@ -41,10 +41,15 @@ std::string known(const CRounded& given, const CMeaning& meaning, const CMeaning
         std::fabs(given.Slope - factor) <= given.Roundings * 0x1p-53 * factor;
     const CFactor slope =
         isFactorRight ? meaning.factor() : CFactor(CFraction::ofText(shortest(given.Slope)));
-    const CMeaning scaled = dimension.difference().scaled(slope);
-    return given.Zero == 0.0 ? scaled.toString()
-                             : scaled.toString() + (given.Zero < 0 ? " - " : " + ") +
-                                   shortest(std::fabs(given.Zero));
+    return dimension.difference().scaled(slope).toString();
+}
+
+// The same, with the zero of the unit.
+std::string known(const CRounded& given, const CMeaning& meaning, const CMeaning& dimension) {
+    const std::string size = knownSize(given, meaning, dimension);
+    return given.Zero == 0.0
+               ? size
+               : size + (given.Zero < 0 ? " - " : " + ") + shortest(std::fabs(given.Zero));
 }
 
 }  // namespace

@@ -208,11 +208,10 @@ private:
     CNaming& m_Naming;
 };
 
-// Returns whether a line that a refusal suggests can be read.
+// Returns whether a line that a refusal suggests can be read. No refusal suggests a base unit.
 bool isReadable(std::string_view line) {
     CDefinitionLine parts;
-    return !takeApart(line, parts) &&
-           (!parts.Size || readForMeaning(parts.Size->Unit.of(line), {})) &&
+    return !takeApart(line, parts) && readForMeaning(parts.Size->Unit.of(line), {}) &&
            (!parts.Zero || readForMeaning(parts.Zero->Unit.of(line), {}));
 }
 

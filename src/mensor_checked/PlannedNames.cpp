@@ -21,7 +21,7 @@ const CPlannedNames::CEntry* CPlannedNames::find(std::string_view name) const {
 std::string CPlannedNames::sameAs(const std::string& name) const {
     const int hash = hashFromString(string_t(name.c_str()));
     for (const auto& [other, entry] : m_Entries) {
-        if (other != name && entry.Meaning == CMeaning::base(other) &&
+        if (entry.Meaning == CMeaning::base(other) &&
             hashFromString(string_t(other.c_str())) == hash) {
             return other;
         }

@@ -19,9 +19,11 @@ constexpr double RoundingsOfAPower = 3;  // including the multiplication by it
 constexpr double OneRounding = 0x1p-53;
 
 // The bound has two more roundings. One is for `exact`, which is itself a nearest double. The other is for
-// the products of several relative errors: for n below 2^26 these sum to less than one rounding.
+// the products of several relative errors: for n below 2^26 these sum to less than one rounding. Nothing is near
+// if a step of the chain overflows.
 bool isNear(double given, double exact, double roundings, double size) {
-    return std::fabs(given - exact) <= (roundings + 2) * OneRounding * size;
+    const double bound = (roundings + 2) * OneRounding * size;
+    return std::isfinite(bound) && std::fabs(given - exact) <= bound;
 }
 
 bool isPowerOfTwo(int n) { return (n & (n - 1)) == 0; }

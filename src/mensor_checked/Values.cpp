@@ -51,17 +51,16 @@ public:
 private:
     // Returns the number without its sign.
     double number() const {
-        switch (m_Number.Kind) {
-            case exact::eNumber::NAN_WORD: return std::numeric_limits<double>::quiet_NaN();
-            case exact::eNumber::INFINITY_WORD: return std::numeric_limits<double>::infinity();
-            case exact::eNumber::DECIMAL: break;
+        if (m_Number.Kind == exact::eNumber::NAN_WORD) {
+            return std::numeric_limits<double>::quiet_NaN();
+        }
+        if (m_Number.Kind == exact::eNumber::INFINITY_WORD) {
+            return std::numeric_limits<double>::infinity();
         }
         const std::string_view digits = m_Number.Size.of(m_Text);
         double x = 0.0;
         const auto error = std::from_chars(digits.data(), digits.data() + digits.size(), x).ec;
-        const auto mantissa = digits.substr(0, digits.find_first_of("eE"));
-        const bool isZero = mantissa.find_first_of("123456789") == std::string_view::npos;
-        if (error == std::errc::result_out_of_range || std::isinf(x) || (x == 0.0 && !isZero)) {
+        if (error == std::errc::result_out_of_range) {
             throw Refused{diagnose(eRefusal::NUMBER_RANGE, m_Text, m_Number.Whole,
                                    "this number is beyond the range of double")};
         }

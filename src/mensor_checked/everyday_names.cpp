@@ -25,14 +25,13 @@ bool isRow(const std::optional<exact::CDefinition>& row) {
     return row && row->Pack == exact::ePack::EVERYDAY;
 }
 
-// Returns the name in units that the registry may know: "kΩ" for "kOhm".
+// Returns the name in units that the registry may know: "kΩ" for "kOhm". `name` is one of the pack.
 std::string plainText(std::string_view name) {
     const std::optional<exact::CDefinition> row = everydayNames->Catalogue.find(name);
     if (isRow(row)) {
         return std::string(row->Text);
     }
-    const std::optional<exact::CWord> word = exact::everydayWord(name);
-    return word ? word->text() : std::string();
+    return exact::everydayWord(name)->text();
 }
 
 CUnitPtr make(std::string_view name, std::string& fault) {

@@ -85,15 +85,8 @@ private:
     }
 
     void takeDifference(CNamedUnit& factor, const std::string& name) {
-        if (factor.Everyday && m_Options.Differences) {
-            factor.Everyday = factor.Everyday->difference();
-            m_Notes.push_back(quoted(name) + " is read as a difference, " +
-                              inWords(*factor.Everyday));
-            factor.Unit = factor.Unit ? differenceOf(factor.Unit) : nullptr;
-            return;
-        }
         const CUnitPtr difference = factor.Unit ? differenceOf(factor.Unit) : nullptr;
-        if (!m_Options.Differences || !difference) {
+        if (!m_Options.Differences || (factor.Unit && !difference)) {
             CDiagnosis diagnosis = diagnose(
                 eRefusal::OFFSET_IN_PRODUCT, m_Text, factor.Name,
                 quoted(name) + " is a scale with its own zero and cannot be part of a product; " +
@@ -104,15 +97,20 @@ private:
             throw Refused{std::move(diagnosis)};
         }
         factor.Unit = difference;
-        m_Notes.push_back(quoted(name) + " is read as a difference, " +
-                          inWords(meaningOf(difference).difference()));
+        if (factor.Everyday) {
+            factor.Everyday = factor.Everyday->difference();
+        }
+        m_Notes.push_back(
+            quoted(name) + " is read as a difference, " +
+            inWords(factor.Everyday ? *factor.Everyday : meaningOf(difference).difference()));
     }
 
+    // A name of the pack EVERYDAY has no unit if only the meaning is asked for.
     static std::string wordsOnDifference(const CNamedUnit& factor, const CUnitPtr& difference) {
-        return !difference ? "there is no unit for its differences"
-               : difference == factor.Unit
+        return difference == factor.Unit
                    ? "the option Differences (--differences) reads it as a difference"
-                   : "for differences write " + describe(difference);
+               : !difference ? "there is no unit for its differences"
+                             : "for differences write " + describe(difference);
     }
 
     // Adds `text` to the corrections. If the reader refuses it, adds the corrections of `text`.

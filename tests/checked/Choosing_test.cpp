@@ -18,6 +18,7 @@
 #include "mensor_checked/Reading.h"
 #include "mensor_checked/Values.h"
 #include "mensor_checked/making.h"
+#include "support/ClientUnit.h"
 #include "support/Matchers.h"
 
 namespace mensor {
@@ -106,6 +107,13 @@ TEST(Choosing, DoesNotListUnitsWhoseDimensionCollides) {
     EXPECT_THAT(texts(choicesFor(right)), ElementsAre("rr"));
 }
 
+TEST(Choosing, ListsNoUnitThatTheLibraryTakesForIncompatible) {
+    const auto own = freshClientUnit();  // has the meaning of the metre, but a dimension of its own
+    own->Elements = [] { return std::vector<CUnitRationalPower>{{SI::Meter(), 1, 1}}; };
+    ASSERT_FALSE(own->isCompatible(SI::Meter()));
+    EXPECT_THAT(choicesFor(own), ElementsAre(::testing::Field(&CChoice::Unit, own)));
+}
+
 TEST(Choosing, ListsNothingIfNoNamedUnitIsCompatible) {
     EXPECT_THAT(choicesFor(CUnit::fromString("kg^7")), ElementsAre());
 }
@@ -135,6 +143,27 @@ TEST(Readable, DoesNotChangeZeroNanInfinityAndOffsetUnits) {
     const CUnitPtr nameless = SI::Meter()->multiply(42);
     EXPECT_EQ(readableUnit(1e9, nameless), nameless);
     EXPECT_EQ(readableUnit(1e9, CProductUnit::one()), CProductUnit::one());
+}
+
+TEST(Readable, ANameIsPrefixedOnlyIfItsUnitHasThatSize) {
+    const CUnitPtr own = checked::label(checked::scaled(SI::Meter(), 7), "qq");
+    const CUnitPtr fake = checked::label(checked::scaled(SI::Meter(), 7007), "kqq");
+    EXPECT_EQ(readableUnit(7007, own), own) << "1 kqq is not 1000 qq";
+    EXPECT_EQ(readableUnit(7007, fake), fake);
+    CUnitFormat::label(SI::Meter()->multiply(-7e6), "Mqq");
+    EXPECT_EQ(readableUnit(1e6, own), own) << "the Mqq has no exact size";
+    const CUnitPtr mega = checked::label(checked::scaled(SI::Meter(), 9e6), "Mrr");
+    CUnitFormat::label(SI::Meter()->multiply(-9.0), "rr");
+    EXPECT_EQ(readableUnit(1e-6, mega), mega) << "the rr has no exact size";
+}
+
+TEST(Readable, AScaleWithItsOwnZeroIsNoPrefixedForm) {
+    const CUnitPtr own = checked::label(checked::scaled(SI::Kelvin(), 7), "qq");
+    checked::label(checked::affine(SI::Kelvin(), 7000, 3), "kqq");
+    EXPECT_EQ(readableUnit(5000, own), own);
+    checked::label(checked::affine(SI::Kelvin(), 9, 3), "rr");
+    const CUnitPtr kilo = checked::label(checked::scaled(SI::Meter(), 9000), "krr");
+    EXPECT_EQ(readableUnit(0.005, kilo), kilo);
 }
 
 TEST(Readable, RoundingDoesNotChangeTheUnitAtPowersOfAThousand) {

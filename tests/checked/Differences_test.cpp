@@ -5,8 +5,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <memory>
+#include <new>
 
+#include "mensor/MultiplyConverter.h"
 #include "mensor/NonSI.h"
 #include "mensor/SI.h"
 #include "mensor_checked/making.h"
@@ -31,6 +34,21 @@ TEST(Differences, DifferencesOfTemperaturesConvertWithoutTheOffset) {
     EXPECT_EQ(convertDifference(10, SI::Celsius(), SI::Kelvin()), 10);
     EXPECT_EQ((outside + CDifference(5, SI::Kelvin())).value(), 20);
     EXPECT_EQ((inside - CDifference(5, SI::Kelvin())).value(), 15);
+}
+
+TEST(Differences, ADifferenceHasTheUnitOfTheFirstValue) {
+    const CDifference change =
+        difference({1, SI::Kilo(SI::Meter())}, CValueWithUnit(250, SI::Meter()));
+    EXPECT_EQ(change.unit(), SI::Kilo(SI::Meter()));
+    EXPECT_EQ(change.value(), 0.75);
+}
+
+TEST(Differences, ADifferenceOfInfiniteValuesIsInfinite) {
+    constexpr double Infinity = std::numeric_limits<double>::infinity();
+    const CValueWithUnit far(Infinity, SI::Meter()), near(1, SI::Meter());
+    EXPECT_EQ(difference(far, near).value(), Infinity);
+    EXPECT_EQ(difference(near, far).value(), -Infinity);
+    EXPECT_TRUE(std::isnan(difference(far, far).value()));
 }
 
 TEST(Differences, DifferencesOfFahrenheitConvertByItsSlope) {
@@ -106,6 +124,15 @@ TEST(Differences, RefuseAConverterThatIsNoStraightLine) {
     level->CtxToDimension = [] { return std::make_shared<CLogarithm>(); };
     EXPECT_THAT([&] { convertDifference(1, level, SI::Watt()); },
                 ThrowsMessage<std::logic_error>(HasSubstr("has no constant size in \"W\"")));
+}
+
+TEST(Differences, AMessageThatNeedsMoreMemoryThanThereIsThrowsBadAlloc) {
+    const auto own = freshClientUnit();
+    own->SystemUnit = own->CtxDimension = [] { return CUnitPtr(SI::Meter()); };
+    own->CtxToDimension = [] { return std::make_shared<CMultiplyConverter>(1e300); };
+    EXPECT_THROW(convertDifference(1e300, own, SI::Meter()), std::range_error);
+    own->Symbol = []() -> string_t { throw std::bad_alloc(); };
+    EXPECT_THROW(convertDifference(1e300, own, SI::Meter()), std::bad_alloc);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "mensor/AddConverter.h"
+#include "mensor/BaseUnit.h"
 #include "mensor/MultiplyConverter.h"
 #include "mensor/NonSI.h"
 #include "mensor/ProductUnit.h"
@@ -207,6 +208,40 @@ TEST(Meaning, AClientsClassOfUnitHasTheMeaningOfItsElements) {
         return std::vector<CUnitRationalPower>{{SI::Meter(), 1, 2}, {SI::Second(), -1, 1}};
     };
     EXPECT_EQ(meaningOf(own), base("m").power(CExponent(1, 2)) / base("s"));
+    own->Elements = [] { return std::vector<CUnitRationalPower>{{SI::Second(), 2, 1}}; };
+    EXPECT_EQ(meaningOf(own), base("s").power(2)) << "one element, which is another unit";
+}
+
+// A new base unit may have a symbol that is a label of a scaled unit.
+TEST(Meaning, ABaseUnitDoesNotHaveTheMeaningOfALabel) {
+    ASSERT_NE(CUnitFormat::unitFor("km"), nullptr);
+    EXPECT_EQ(meaningOf(CBaseUnit::getInstance("km")), base("km"));
+}
+
+TEST(Meaning, AnUnregisteredUnitHasTheMeaningOfItsOwnDoubles) {
+    const CUnitPtr minute = NonSI::MinuteAngle();
+    ASSERT_EQ(meaningOf(minute).factor().piExponent(), 1);
+    const CUnitPtr own = std::make_shared<CTransformedUnit>(
+        SI::Radian(), std::dynamic_pointer_cast<CTransformedUnit>(minute)->toSystem());
+    own->calculateHashCode();
+    ASSERT_EQ(own->hashCode(), minute->hashCode());
+    EXPECT_EQ(meaningOf(own).factor().piExponent(), 0);
+}
+
+// A client registers a unit with the hash code of the psi before the first call of NonSI::Psi().
+TEST(Meaning, AUnitWithTheHashCodeOfThePsiDoesNotHaveItsMeaning) {
+    const auto own = CClientUnit::make("", SI::Pascal()->hashCode());
+    own->calculateHashCode();
+    const CUnitPtr unit =
+        CTransformedUnit::getInstance(own, std::make_shared<CMultiplyConverter>(6894.76));
+    own->Elements = [] { return std::vector<CUnitRationalPower>{{SI::Meter(), 2, 1}}; };
+    EXPECT_EQ(meaningOf(unit), base("m").power(2).scaled(factor(6894.76)));
+    own->Elements = [] {
+        return std::vector<CUnitRationalPower>{{SI::Pascal(), 1, 1}, {SI::Radian(), 1, 1}};
+    };
+    EXPECT_EQ(meaningOf(unit), (base("rad") * meaningOf(SI::Pascal())).scaled(factor(6894.76)));
+    own->Elements = [] { return std::vector<CUnitRationalPower>{{SI::Pascal(), 1, 1}}; };
+    EXPECT_EQ(meaningOf(unit), *CCatalogue::builtIn().meaning("psi")) << "this is the psi";
 }
 
 TEST(Meaning, AClientsClassOfUnitHasTheMeaningOfItsConverterToItsSystemUnit) {

@@ -12,6 +12,7 @@
 #include "mensor/UnitFormat.h"
 #include "mensor_checked/Packs.h"
 #include "mensor_checked/Values.h"
+#include "mensor_checked/making.h"
 #include "support/Matchers.h"
 
 namespace mensor::checked {
@@ -80,6 +81,49 @@ TEST(OwnUnits, MayBeBaseUnits) {
     EXPECT_THAT(readUnit("qct"), ConvertsTo(readUnit("qEUR"), 5, 0.05));
     EXPECT_TRUE(tryDefineUnits("qEUR = base unit")) << "again";
     EXPECT_FALSE(readUnit("qEUR")->isCompatible(SI::Meter()));
+}
+
+TEST(OwnUnits, AUnitOfANewBaseUnitMayHaveAZero) {
+    defineUnits("qEUR = base unit\nqfee = 2 qEUR, zero at +5 qEUR\n");
+    EXPECT_THAT(readUnit("qfee"), ConvertsTo(readUnit("qEUR"), 3, 11));
+}
+
+TEST(OwnUnits, AZeroAtZeroIsNoOffset) {
+    defineUnits("qa = 1.7 m, zero at +0 m\n");
+    EXPECT_EQ(readUnit("qa"), SI::Meter()->multiply(1.7));
+}
+
+TEST(OwnUnits, ATableMayRepeatALineOfANewBaseUnit) {
+    EXPECT_THAT(defineUnits("qEUR = base unit\nqct = 1/100 qEUR\nqct = 0.01 qEUR\n"),
+                ElementsAre("qEUR", "qct", "qct"));
+    EXPECT_THAT(readUnit("qct"), ConvertsTo(readUnit("qEUR"), 5, 0.05));
+}
+
+TEST(OwnUnits, RefusesABaseUnitWithTheHashCodeOfARegisteredUnit) {
+    const CUnitPtr first = baseUnit("qdollar_US");
+    const CDefinitions result = tryDefineUnits("qdollar_CA = base unit");
+    ASSERT_EQ(result.Findings.size(), 1U);
+    EXPECT_EQ(result.Findings[0].Refusal.Sentence,
+              "the unit with the symbol \"qdollar_CA\" is the same object as \"qdollar_US\" here, "
+              "which means \"qdollar_US\"");
+    EXPECT_EQ(result.Findings[0].InTheWay, first);
+    EXPECT_EQ(CUnit::searchSymbol("qdollar_CA"), nullptr);
+}
+
+// Only symbols make an identity.
+TEST(OwnUnits, ABaseUnitMayHaveANameWithTheHashCodeOfALabel) {
+    EXPECT_THAT(defineUnits("qEUR = base unit\nqdollar_US = 2 qEUR\nqdollar_CA = base unit\n"),
+                ElementsAre("qEUR", "qdollar_US", "qdollar_CA"));
+    EXPECT_FALSE(readUnit("qdollar_CA")->isCompatible(readUnit("qdollar_US")));
+}
+
+TEST(OwnUnits, ASuggestedLineCanBeRead) {
+    const auto readings = [](const char* line) {
+        return tryDefineUnits(line).Findings.at(0).Refusal.Readings;
+    };
+    EXPECT_THAT(readings("qa = 2 m, zero at 5 cm"), ElementsAre("qa = 2 m, zero at +5 cm"));
+    EXPECT_THAT(readings("qa = 2 m, zero at 5 xyzzy"), ElementsAre());
+    EXPECT_THAT(readings("qa = 2 xyzzy, zero at 5 cm"), ElementsAre());
 }
 
 // The registry cannot remove the symbol of a base unit.

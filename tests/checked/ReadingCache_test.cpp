@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "mensor/SI.h"
+#include "mensor/UnitFormat.h"
 #include "mensor_checked/Reading.h"
 #include "mensor_checked/warm_up.h"
 #include "support/Matchers.h"
@@ -61,6 +62,26 @@ TEST(ReadingCache, HoldsABoundedNumberOfTexts) {
         most = std::max<long>(most, liveBytes - before);
     }
     EXPECT_LT(most, 500 * bytesOfAText) << "more than 1000 texts are stored";
+}
+
+// A text of the warm-up whose name has got another unit is stored anew.
+TEST(ReadingCache, KeepsATextOfTheWarmUpAfterItsNameHasMoved) {
+    CUnitFormat::label(SI::Meter()->multiply(3), "qq");
+    EXPECT_THAT(checked::warmUp({"qq/s"}), ::testing::IsEmpty());
+    CUnitFormat::label(SI::Meter()->multiply(3), "rr");
+    CUnitFormat::label(SI::Meter()->multiply(5), "qq");
+    const CUnitPtr speed = readUnit("qq/s");
+    EXPECT_EQ(speed, SI::Meter()->multiply(5) / SI::Second());
+    readUnit("qq/s");
+    for (int i = 0; i < 1500; ++i) {
+        readUnit(kilometre(i));
+        readUnit(kilometre(i));
+    }
+    const long before = liveBlocks;
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_EQ(readUnit("qq/s"), speed);
+    }
+    EXPECT_EQ(liveBlocks, before) << "the text is still stored";
 }
 
 TEST(ReadingCache, StoresNoLongText) {

@@ -382,6 +382,18 @@ TEST(Reading, ARefusalQuotesTheExceptionOfTheLibrary) {
                 HasSubstr("Unit element  is non-linear, cannot convert"));
 }
 
+TEST(Reading, RefusesAUnitThatTheLibraryConvertsByAnotherSize) {
+    const auto times = [](double factor) { return std::make_shared<CMultiplyConverter>(factor); };
+    const auto overflows = std::make_shared<CCompound>(
+        std::make_shared<CCompound>(times(1e300), times(1e300)), times(1e-300));
+    CUnitFormat::label(CTransformedUnit::getInstance(SI::Meter(), overflows), "hyp");
+    const CReading reading = tryReadUnit("hyp");
+    ASSERT_TRUE(reading.Refusal);
+    EXPECT_EQ(reading.Refusal->Code, eRefusal::FACTOR_RANGE);
+    EXPECT_THAT(reading.Refusal->Sentence,
+                StartsWith("the library would convert \"hyp\" as \"inf m\" in place of \""));
+}
+
 TEST(Reading, ReadsFahrenheitInProductsAsADifference) {
     // The factor comes first in this converter, so it counts as a scaling, and products convert it by its slope.
     const auto converter =
@@ -415,6 +427,22 @@ TEST(Reading, RefusesMCelsiusInProductsWhereMCouldBeTheMetre) {
     CUnitFormat::alias(alone.Unit, "mK");
     EXPECT_EQ(readUnit("mK"), alone.Unit);
     EXPECT_THAT(tryReadUnit("m°C").Refusal->Readings, ElementsAre("mK"));
+}
+
+TEST(Reading, OffersNoProductForAPrefixedScaleWithoutDifferences) {
+    const auto converter = std::make_shared<CCompound>(
+        std::make_shared<CAddConverter>(459.67), std::make_shared<CMultiplyConverter>(5.0 / 9.0));
+    CUnitFormat::label(CTransformedUnit::getInstance(SI::Kelvin(), converter), "°F");
+    CUnitFormat::label(SI::Kelvin()->multiply(0.005 / 9.0), "m°F");
+    EXPECT_EQ(refusalOf("W/m°F", differences()), eRefusal::PREFIXED_OFFSET);
+    EXPECT_THAT(tryReadUnit("W/m°F", differences()).Refusal->Readings, ::testing::IsEmpty());
+}
+
+TEST(Reading, APrefixBeforeTheNameOfAnotherQuantityIsPartOfTheName) {
+    const CUnitPtr own = SI::Meter()->multiply(7);
+    CUnitFormat::label(checked::affine(SI::Kelvin(), 0.8, 273.15), "°Re");
+    CUnitFormat::label(own, "da°Re");
+    EXPECT_EQ(readUnit("da°Re"), own);
 }
 
 TEST(Reading, ReadsUnitsWhoseBaseUnitIsMapped) {
@@ -458,6 +486,28 @@ TEST(Reading, RefusesANameWhoseExponentsAreBeyond99) {
     EXPECT_EQ(refusalOf("hyp²"), eRefusal::EXPONENT_RANGE);
 }
 
+// The metres cancel in the meaning, but not in the product of the units that the library builds.
+TEST(Reading, RefusesExponentsThatOnlyTheProductOfTheLibraryHas) {
+    CUnitFormat::label(SI::Meter() / SI::Meter()->multiply(1.5), "qa");
+    CUnitFormat::label(SI::Meter() / SI::Meter()->multiply(0.7), "qb");
+    EXPECT_TRUE(tryReadUnit("qa^60·qb^39"));
+    const CReading reading = tryReadUnit("qa^60·qb^60");
+    ASSERT_TRUE(reading.Refusal);
+    EXPECT_EQ(reading.Refusal->Code, eRefusal::EXPONENT_RANGE);
+    EXPECT_EQ(reading.Refusal->Sentence, "the exponents of \"qb\" add up to more than 99");
+    EXPECT_TRUE(checked::tryReadMeaning("qa^60·qb^60"));
+}
+
+// The hash code of a power depends on 3·101 − 2·150 = 3·5 − 2·6.
+TEST(Reading, RefusesATextThatIsAnObjectWithExponentsOfNoText) {
+    const CUnitPtr other = SI::Meter()->pow(101)->root(150);
+    const CReading reading = tryReadUnit("m^(5/6)");
+    ASSERT_TRUE(reading.Refusal);
+    EXPECT_EQ(reading.Refusal->Code, eRefusal::COLLISION);
+    EXPECT_THAT(reading.Refusal->Sentence, HasSubstr(": it would mean \""));
+    EXPECT_THAT(reading.Refusal->Readings, ElementsAre("m^(5/6)", HasSubstr("exponent")));
+}
+
 TEST(Reading, RefusesANameWhoseUnitHasNoPositiveSize) {
     CUnitFormat::label(SI::Meter()->multiply(-3.0), "hyp");
     const CReading reading = tryReadUnit("hyp");
@@ -480,6 +530,8 @@ TEST(Reading, ReadsACapitalLOnlyForTheLitre) {
     EXPECT_EQ(refusalOf("ML/s"), eRefusal::UNKNOWN_NAME);
     CUnitFormat::label(NonSI::Liter()->multiply(1000.0), "kl");
     EXPECT_EQ(readUnit("kL"), NonSI::Liter()->multiply(1000.0)) << "it is a thousand litres";
+    CUnitFormat::label(SI::Meter()->multiply(-3.0), "ql");
+    EXPECT_EQ(refusalOf("qL"), eRefusal::UNKNOWN_NAME) << "the ql has no meaning";
 }
 
 TEST(Reading, ReadsPsiBeforeTheLibraryKnowsIt) {

@@ -73,6 +73,16 @@ TEST(Values, ARefusedTextOfThePageChangesNoTable) {
     EXPECT_EQ(Tables(), before);
 }
 
+// The two meanings of a collision are no texts to write instead.
+TEST(Values, ACollisionTellsTheTwoMeaningsOfTheUnit) {
+    checked::readUnit("1/V");
+    const CValueReading reading = tryReadValue("5 min/km");
+    ASSERT_TRUE(reading.Refusal);
+    EXPECT_EQ(reading.Refusal->Code, eRefusal::DIMENSION_COLLISION);
+    EXPECT_EQ(reading.Refusal->Byte, 2U);
+    EXPECT_THAT(reading.Refusal->Readings, ElementsAre("0.06 s/m", "0.06 A·s³/(kg·m²)"));
+}
+
 TEST(Values, AreReadAsTheNearestDouble) {
     struct Number {
         const char* Text;

@@ -5,15 +5,20 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <memory>
 #include <string>
 
+#include "mensor/AddConverter.h"
 #include "mensor/BaseUnit.h"
+#include "mensor/MultiplyConverter.h"
 #include "mensor/NonSI.h"
 #include "mensor/SI.h"
+#include "mensor/TransformedUnit.h"
 #include "mensor/UnitFormat.h"
 #include "mensor_checked/Packs.h"
 #include "mensor_checked/making.h"
 #include "mensor_exact/Definitions.h"
+#include "support/ClientConverters.h"
 #include "support/Matchers.h"
 
 namespace mensor {
@@ -126,6 +131,72 @@ TEST(Verify, RefusesAUnitThatTheLibraryRoundsToOne) {
     EXPECT_THAT([&] { verify(nearly, checked::meaningOf(nearly)); },
                 ThrowsMessage<CIdentityError>(
                     ::testing::HasSubstr("as \"m·s\" in place of \"1.0000000005 m·s\"")));
+}
+
+CConverterPtr times(double factor) { return std::make_shared<CMultiplyConverter>(factor); }
+CConverterPtr plus(double offset) { return std::make_shared<CAddConverter>(offset); }
+
+// Returns the unit of metres whose converter has the steps in this order, the step on the metre last.
+CUnitPtr ofSteps(CConverterPtr first, const std::vector<CConverterPtr>& others) {
+    for (const CConverterPtr& step : others) {
+        first = std::make_shared<CCompound>(first, step);
+    }
+    return std::make_shared<CTransformedUnit>(SI::Meter(), first);
+}
+
+std::string faultOf(const CUnitPtr& unit) {
+    try {
+        verify(unit, checked::meaningOf(unit));
+    } catch (const CIdentityError& error) {
+        EXPECT_EQ(error.inTheWay(), unit);
+        return error.what();
+    }
+    return "no fault";
+}
+
+TEST(Verify, RefusesAUnitWhoseDoublesOverflowOnTheWay) {
+    EXPECT_THAT(faultOf(ofSteps(times(1e300), {times(1e300), times(1e-300)})),
+                ::testing::HasSubstr("as \"inf m\" in place of "));
+    EXPECT_THAT(faultOf(ofSteps(times(1e-300), {times(1e-300), times(1e300)})),
+                ::testing::HasSubstr("as \"0 m\" in place of "));
+    EXPECT_THAT(faultOf(ofSteps(plus(1e308), {plus(1e308), plus(-1e308)})),
+                ::testing::HasSubstr("as \"m + inf\" in place of \"m + 1e+308\""));
+    EXPECT_EQ(faultOf(ofSteps(times(1e300), {times(1e-300), times(1e300)})), "no fault");
+}
+
+// x·(1 − x), whose slope is 1 at 0 and −3 at 2.
+class CParabola : public CConverter {
+public:
+    CConverterPtr inverse() override { return CConverter::identity(); }
+    double convert(double x) const override { return x * (1.0 - x); }
+    double derivative(double x) const override { return 1.0 - 2.0 * x; }
+    bool isLinear() const override { return false; }
+};
+
+// The meaning takes the slope of each step at 0, and the library that at the value which reaches it.
+TEST(Verify, TellsTheSlopeAndTheZeroThatTheLibraryWouldUse) {
+    const auto bent = std::make_shared<CBent>(0.5);
+    EXPECT_THAT(faultOf(ofSteps(plus(2), {bent})),
+                ::testing::HasSubstr("as \"0.25 m + 1\" in place of \"m + 2\""));
+    EXPECT_THAT(faultOf(ofSteps(plus(-1), {bent})),
+                ::testing::HasSubstr("as \"4 m - 2\" in place of \"m - 1\""));
+    EXPECT_THAT(faultOf(ofSteps(plus(2), {std::make_shared<CParabola>()})),
+                ::testing::HasSubstr("as \"-3 m - 2\" in place of \"m + 2\""));
+}
+
+TEST(Verify, RefusesAUnitWhoseDimensionHasNoMeaning) {
+    const auto own = std::dynamic_pointer_cast<CBaseUnit>(CBaseUnit::getInstance("qxy"));
+    own->setDimension(SI::Second()->multiply(-3.0), CConverter::identity());
+    EXPECT_THAT([&] { verify(own, base("qxy")); },
+                ThrowsMessage<CIdentityError>(::testing::StartsWith(
+                    "\"qxy\" would count as \"no unit\", since its dimension is the same "
+                    "object as \"")));
+}
+
+TEST(Verify, WritesASizeBeyondTheRangeOfDoubleInFull) {
+    const CFactor tiny(CFraction(7).power(-400));
+    EXPECT_THAT([&] { verify(SI::Meter(), base("m").scaled(tiny)); },
+                ThrowsMessage<CIdentityError>(::testing::HasSubstr(tiny.toString())));
 }
 
 TEST(Verify, DistinguishesRadiansSteradiansAndBitsFromNumbers) {

@@ -15,6 +15,7 @@
 #include "mensor/BaseUnit.h"
 #include "mensor/MultiplyConverter.h"
 #include "mensor/NonSI.h"
+#include "mensor/ProductUnit.h"
 #include "mensor/SI.h"
 #include "mensor/TransformedUnit.h"
 #include "mensor/UnitFormat.h"
@@ -149,6 +150,10 @@ TEST(Converting, CanDefineAUnitOfTheLibrary) {
     EXPECT_EQ(checked::meaningOf(unit).toString(), "1001 m");
     EXPECT_EQ(unit, SI::Meter()->multiply(1001)) << "both have the same identity";
     EXPECT_EQ((unit / SI::Second())->convertValueToUnit(2, readUnit("m/s")), 2002);
+    EXPECT_TRUE(checked::converter(unit, readUnit("km"))
+                    ->equals(checked::converter(checked::meaningOf(unit),
+                                                checked::meaningOf(readUnit("km")))))
+        << "exact, as for the units of the library";
     const CConverterPtr shift = checked::converter(
         exact::CMeaning::base("K").shifted(exact::CFraction(-1001)), exact::CMeaning::base("K"));
     EXPECT_EQ(
@@ -179,6 +184,26 @@ TEST(Converting, UsesTheConverterOfTheRegistryIfABaseUnitIsMapped) {
 TEST(Converting, UsesTheConverterOfTheRegistryForAClientsClassOfConverter) {
     const CUnitPtr bent = CTransformedUnit::getInstance(SI::Meter(), std::make_shared<CBent>(0.5));
     EXPECT_EQ(converter(bent, SI::Meter())->convert(2), 1);
+    EXPECT_EQ(converter(SI::Meter(), bent)->convert(1), 2);
+}
+
+TEST(Converting, ComparesTheKindsOfAClientsClassOfConverter) {
+    const auto converter = std::make_shared<CBent>(0.5);
+    const CUnitPtr bent = CTransformedUnit::getInstance(SI::Radian(), converter);
+    EXPECT_EQ(checked::converter(bent, SI::Radian(), checked::eKinds::SAME)->convert(2), 1);
+    EXPECT_EQ(checked::converter(bent, CProductUnit::one())->convert(2), 1);
+    EXPECT_THROW(checked::converter(bent, CProductUnit::one(), checked::eKinds::SAME),
+                 exact::CError);
+    EXPECT_THROW(checked::converter(CProductUnit::one(), bent, checked::eKinds::SAME),
+                 exact::CError);
+}
+
+TEST(Converting, RefusesUnitsThatOnlyACollisionMakesCompatible) {
+    const CUnitPtr right = readUnit("1/s²");
+    const CUnitPtr wrong = CUnit::fromString("1/(cm·K)");
+    ASSERT_TRUE(wrong->isCompatible(right));
+    EXPECT_THROW(converter(wrong, right), exact::CError);
+    EXPECT_THROW(converter(right, wrong), exact::CError);
 }
 
 TEST(Converting, RefusesDifferentDimensionsAndEmptyPointers) {

@@ -5,11 +5,15 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "mensor/AddConverter.h"
+#include "mensor/MultiplyConverter.h"
 #include "mensor/NonSI.h"
 #include "mensor/SI.h"
+#include "mensor/TransformedUnit.h"
 #include "mensor/UnitFormat.h"
 #include "mensor_checked/Packs.h"
 #include "mensor_checked/Reading.h"
@@ -126,6 +130,39 @@ TEST(EverydayNames, AreDifferencesInProductsByOption) {
     EXPECT_EQ(readMeaning("J/degC", options), readMeaning("J/K"));
 }
 
+// A client may have defined the degree Fahrenheit by (x + 459.67)·5/9, which has no unit of differences.
+TEST(EverydayNames, AreRefusedInProductsIfTheUnitHasNoDifferences) {
+    registerEveryday();
+    CTransformedUnit::getInstance(
+        SI::Kelvin(), std::make_shared<CCompound>(std::make_shared<CAddConverter>(459.67),
+                                                  std::make_shared<CMultiplyConverter>(5.0 / 9.0)));
+    ASSERT_TRUE(tryReadUnit("degF"));
+    CReadOptions options;
+    options.Differences = true;
+    const CDiagnosis refusal = refusalOf("J/degF", options);
+    EXPECT_EQ(refusal.Code, eRefusal::OFFSET_IN_PRODUCT);
+    EXPECT_THAT(refusal.Sentence, HasSubstr("there is no unit for its differences"));
+    EXPECT_EQ(readMeaning("J/degF", options),
+              readMeaning("J/K").scaled(exact::CFactor(exact::CFraction(9, 5))));
+}
+
+TEST(EverydayNames, AReadingOfAMeaningTellsTheOptionForDifferences) {
+    registerEveryday();
+    const CMeaningReading reading = tryReadMeaning("J/degF");
+    ASSERT_TRUE(reading.Refusal);
+    EXPECT_EQ(reading.Refusal->Code, eRefusal::OFFSET_IN_PRODUCT);
+    EXPECT_THAT(reading.Refusal->Sentence,
+                HasSubstr("the option Differences (--differences) reads it as a difference"));
+}
+
+// The words for units of the catalogue are names of the registry.
+TEST(EverydayNames, AreNotThoseThatTheProgramHasRemoved) {
+    registerEveryday();
+    const CUnitPtr week = readUnit("week");
+    CUnitFormat::detach(week, "week");
+    EXPECT_EQ(refusalOf("week").Code, eRefusal::UNKNOWN_NAME);
+}
+
 TEST(EverydayNames, AreReadAgainFromTheCache) {
     registerEveryday();
     const CUnitPtr first = readUnit("kgf/cm2");
@@ -172,6 +209,13 @@ TEST(NotesOfTheCompanion, AProgramsOwnNamesGetNoNotes) {
     EXPECT_THAT(tryReadUnit("st").Notes, IsEmpty());
 }
 
+TEST(NotesOfTheCompanion, AProgramsOwnNameWithoutAMeaningGetsNoNote) {
+    CUnitFormat::label(SI::Watt()->multiply(-735.0), "st");
+    CReadOptions strict;
+    strict.Strict = true;
+    EXPECT_EQ(refusalOf("st", strict).Code, eRefusal::FACTOR_RANGE);
+}
+
 TEST(TrapsOfTheCompanion, AProgramsOwnNameIsNoTrap) {
     EXPECT_EQ(refusalOf("bar ac").Code, eRefusal::UNKNOWN_NAME);
     EXPECT_EQ(refusalOf("bar g").Code, eRefusal::MISLEADING);
@@ -184,6 +228,16 @@ TEST(AdviceOfTheCompanion, CorrectsTextsWithOffsetUnitsAndSums) {
     const CValueReading sum = tryReadValue("1 h 30 min");
     ASSERT_FALSE(sum);
     EXPECT_THAT(sum.Refusal->Readings, ElementsAre("90 min"));
+    registerEveryday();
+    EXPECT_THAT(tryReadValue("1 hr 30 min").Refusal->Readings, ElementsAre("90 min"));
+    EXPECT_THAT(tryReadValue("1 h 30 mins").Refusal->Readings, ElementsAre("90 mins"));
+}
+
+// There is no other unit for differences of this degree Fahrenheit, so the refusal cannot name one.
+TEST(AdviceOfTheCompanion, OffersNoUnitForItsOwnDifferences) {
+    CUnitFormat::label(affine(SI::Kelvin(), 5.0 / 9.0, 459.67 * 5.0 / 9.0), "°F");
+    EXPECT_EQ(refusalOf("W/m²/°F").Code, eRefusal::SECOND_DIVISION);
+    EXPECT_THAT(refusalOf("W/m²/°F").Readings, IsEmpty());
 }
 
 TEST(KindsOfTheCompanion, AreRefusedByOption) {

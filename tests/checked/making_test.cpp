@@ -7,14 +7,18 @@
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <memory>
 #include <string>
 
+#include "mensor/AddConverter.h"
 #include "mensor/NonSI.h"
 #include "mensor/ProductUnit.h"
 #include "mensor/SI.h"
+#include "mensor/TransformedUnit.h"
 #include "mensor/UnitFormat.h"
 #include "mensor_checked/Meaning.h"
 #include "mensor_checked/Reading.h"
+#include "support/ClientConverters.h"
 #include "support/ClientUnit.h"
 #include "support/Matchers.h"
 
@@ -123,6 +127,20 @@ TEST(Making, NamesTheCollidingUnitWhenTheLibraryReturnsNull) {
     EXPECT_EQ(SI::Yocto(yocto), nullptr) << "its factor is 0 in single precision";
     EXPECT_EQ(inTheWay([&] { checked::scaled(yocto, 1e-24); }, "is the same object as \"m\" here"),
               SI::Meter());
+}
+
+// The slope of a client's converter depends on the value, so the hash code of the new unit is not known.
+TEST(Making, TellsThatAnUnknownUnitCollides) {
+    const auto toMetre = std::make_shared<CCompound>(std::make_shared<CAddConverter>(2),
+                                                     std::make_shared<CBent>(0.5));
+    const CUnitPtr bent = std::make_shared<CTransformedUnit>(SI::Meter(), toMetre);
+    CTransformedUnit wanted(
+        SI::Meter(), std::make_shared<CCompound>(std::make_shared<CAddConverter>(3), toMetre));
+    wanted.calculateHashCode();
+    CClientUnit::make("", wanted.hashCode())->canonical();
+    EXPECT_EQ(inTheWay([&] { checked::shifted(bent, 3); },
+                       "\"m + 5\" is the same object as another unit here"),
+              nullptr);
 }
 
 TEST(Making, RefusesAProductWithTheHashCodeOfAnother) {

@@ -48,6 +48,11 @@ TEST(UnitOf, AFactorBeyondTheRangeOfDoubleIsRefused) {
     EXPECT_THROW(checked::unitOf(tiny), std::invalid_argument);
 }
 
+TEST(UnitOf, AnOffsetBeyondTheRangeOfDoubleIsRefused) {
+    const exact::CMeaning meaning = exact::read("K").shifted(exact::CFraction::ofText("1e400"));
+    EXPECT_THROW(checked::unitOf(meaning), std::invalid_argument);
+}
+
 // A code is refused if the registry would take its unit for another one.
 TEST(UnitOf, EachCodeOfUneceIsConvertedCorrectlyOrRefused) {
     std::size_t made = 0;
