@@ -361,6 +361,20 @@ TEST(OwnUnits, RefusesAUnitBeyondTheRangeOfDouble) {
     EXPECT_EQ(CUnitFormat::unitFor("qa"), nullptr);
 }
 
+// The digits of the numbers add up from line to line, until the exact size has too many.
+TEST(OwnUnits, RefusesASizeThatCannotBeComputed) {
+    const std::string number = "1." + std::string(900, '3');
+    const CDefinitions result =
+        tryDefineUnits("qEUR = base unit\nqa = " + number + " qEUR\nqb = " + number +
+                       " qa\nqc = " + number + " qb\nqd = 1 qb\n");
+    ASSERT_EQ(result.Findings.size(), 1U);
+    EXPECT_EQ(result.Findings[0].Line, 4U);
+    EXPECT_EQ(result.Findings[0].Refusal.Code, eRefusal::FACTOR_RANGE);
+    EXPECT_THAT(result.Findings[0].Refusal.Sentence,
+                HasSubstr("the size of this unit cannot be computed: "));
+    EXPECT_EQ(CUnit::searchSymbol("qEUR"), nullptr);
+}
+
 // "k°F" reads as the prefixed °F, which has no zero of its own. No such name may be given to a unit.
 TEST(OwnUnits, RefusesANameThatReadsAsAPrefixedOffsetUnit) {
     registerPack(ePack::OFFSETS);

@@ -530,8 +530,8 @@ TEST(Reading, ReadsACapitalLOnlyForTheLitre) {
     EXPECT_EQ(refusalOf("ML/s"), eRefusal::UNKNOWN_NAME);
     CUnitFormat::label(NonSI::Liter()->multiply(1000.0), "kl");
     EXPECT_EQ(readUnit("kL"), NonSI::Liter()->multiply(1000.0)) << "it is a thousand litres";
-    CUnitFormat::label(SI::Meter()->multiply(-3.0), "ql");
-    EXPECT_EQ(refusalOf("qL"), eRefusal::UNKNOWN_NAME) << "the ql has no meaning";
+    CUnitFormat::label(SI::Meter()->multiply(-3.0), "Yl");
+    EXPECT_EQ(refusalOf("YL"), eRefusal::UNKNOWN_NAME) << "the Yl has no meaning";
 }
 
 TEST(Reading, ReadsPsiBeforeTheLibraryKnowsIt) {

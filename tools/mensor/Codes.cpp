@@ -20,8 +20,7 @@ constexpr std::size_t LabelColumns = 15;
 
 // Returns whether the refusal is about the number of a value.
 bool isOfNumbers(eRefusal code) {
-    return code == eRefusal::EMPTY || code == eRefusal::MALFORMED_TEXT ||
-           code == eRefusal::TOO_LONG ||
+    return code == eRefusal::MALFORMED_TEXT || code == eRefusal::TOO_LONG ||
            (code >= eRefusal::NO_NUMBER && code <= eRefusal::NUMBER_RANGE);
 }
 

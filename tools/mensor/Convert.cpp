@@ -41,7 +41,7 @@ std::string written(const CFraction& number) {
     return Same.convertText(number);
 }
 
-// Converts one value after another to all targets.
+// Converts one value after another to all targets. There is at least one.
 class Converter {
 public:
     Converter(std::vector<CTarget> targets, const CArguments& arguments, const CUnits& units,
@@ -61,8 +61,7 @@ public:
                              : tryReadValue(text, m_Units.catalogue(), m_Arguments.Reading);
         if (!value) {
             if (!refusal) {
-                refusal = diagnose(value.Refusal, m_Units.catalogue(),
-                                   m_Targets.empty() ? nullptr : &m_Targets[0].Meaning);
+                refusal = diagnose(value.Refusal, m_Units.catalogue(), &m_Targets[0].Meaning);
                 addNextWord(text, line, *refusal);
             }
         } else if (isBeyondDoubles(value.Value->Number)) {

@@ -30,11 +30,9 @@ std::optional<std::string> fromLeftToRight(const CDiagnosis& refusal, const CUni
     return isRead ? std::optional(text) : std::nullopt;
 }
 
-// Returns the refusal of the checked reader in one line, or an empty text.
-std::string checkedRefusal(const CLibraryAnswer& answer) {
-    return answer.Checked
-               ? std::string(nameOf(answer.Checked->Code)) + ": " + answer.Checked->Sentence
-               : "";
+// Returns a refusal in one line.
+std::string inOneLine(const CDiagnosis& refusal) {
+    return std::string(nameOf(refusal.Code)) + ": " + refusal.Sentence;
 }
 
 // The explanation of one text.
@@ -138,7 +136,7 @@ private:
         marked.replace(0, LabelColumns, padded("text", LabelColumns));
         marked.pop_back();
         m_Report.line(isBlank(m_Text) ? padded("text", LabelColumns) + "(none)" : marked);
-        row("refused", std::string(nameOf(m_Refusal.Code)) + ": " + m_Refusal.Sentence);
+        row("refused", inOneLine(m_Refusal));
         if (m_LeftToRight) {
             row("mathematics",
                 *m_LeftToRight + ", from left to right, which is " +
@@ -173,7 +171,7 @@ private:
                                                : "a unit without an exact meaning"));
         }
         if (m_Reading && answer.Checked) {
-            row("checked", "refuses it: " + checkedRefusal(answer));
+            row("checked", "refuses it: " + inOneLine(*answer.Checked));
         }
     }
 
@@ -186,7 +184,7 @@ private:
             library.text("error", answer.Refusal);
         }
         if (m_Reading && answer.Checked) {
-            library.text("checked", checkedRefusal(answer));
+            library.text("checked", inOneLine(*answer.Checked));
         }
         return library.toString();
     }
