@@ -355,8 +355,9 @@ void oneByOne(const CFastForm& form, const double* values, double* results, std:
 // If some results of a block may be wrong, looks for them in small pieces.
 void toDoubles(const CFastForm& form, const double* values, double* results, std::size_t count,
                bool isStreamed) {
-    if ((isStreamed ? form.Loops->ManyPastCaches[form.Way] : form.Many)(form, values, results,
-                                                                        count)) {
+    const bool isWhole = count % CLoops::Piece == 0 && countToNextLine(results) == 0;
+    const auto many = isStreamed && isWhole ? form.Loops->ManyPastCaches[form.Way] : form.Many;
+    if (many(form, values, results, count)) {
         return;
     }
     constexpr std::size_t Piece = 32;

@@ -270,29 +270,24 @@ using CVector = __m128i;
 inline void storePastCaches(CVector* to, const CVector* from) { _mm_stream_si128(to, *from); }
 #endif
 
-// Computes short pieces and copies them. The last values, and all if the results do not begin at a cache
-// line, are stored as usual.
+// Computes short pieces and copies them past the caches. There are only whole pieces (CLoops::Piece): loops for
+// the values behind them would take more room in the library.
 struct CPastCaches {
     template <class Convert>
     static void forEach(const double* __restrict values, double* __restrict results,
                         std::size_t count, Convert convert) {
-        constexpr std::size_t Piece = 64;
+        constexpr std::size_t Piece = CLoops::Piece;
         constexpr std::size_t Width = sizeof(CVector) / sizeof(double);
-        std::size_t done = 0;
-        if (reinterpret_cast<std::uintptr_t>(results) % 64 == 0) {
-            for (; count - done >= Piece; done += Piece) {
-                alignas(64) double piece[Piece];
-                for (std::size_t i = 0; i < Piece; ++i) {
-                    piece[i] = convert(values[done + i]);
-                }
-                for (std::size_t i = 0; i < Piece; i += Width) {
-                    storePastCaches(
-                        static_cast<CVector*>(static_cast<void*>(results + done + i)),
-                        static_cast<const CVector*>(static_cast<const void*>(piece + i)));
-                }
+        for (std::size_t done = 0; done < count; done += Piece) {
+            alignas(64) double piece[Piece];
+            for (std::size_t i = 0; i < Piece; ++i) {
+                piece[i] = convert(values[done + i]);
+            }
+            for (std::size_t i = 0; i < Piece; i += Width) {
+                storePastCaches(static_cast<CVector*>(static_cast<void*>(results + done + i)),
+                                static_cast<const CVector*>(static_cast<const void*>(piece + i)));
             }
         }
-        CToCaches::forEach(values + done, results + done, count - done, convert);
     }
 };
 

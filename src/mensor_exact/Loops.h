@@ -22,6 +22,8 @@ constexpr int WAYS = OFFSET + 1;
 
 /// The functions for each way, compiled for one kind of processor. All kinds give the same bits.
 struct CLoops {
+    static constexpr std::size_t Piece = 64;
+
     const char* Name;
 
     /// Converts one value, which may be any double.
@@ -32,7 +34,8 @@ struct CLoops {
     bool (*Many[WAYS])(const CFastForm& form, const double* values, double* results,
                        std::size_t count);
 
-    /// The same. On x86-64, results that begin at a cache line are written past the caches.
+    /// The same, for results that begin at a cache line, and for a multiple of `Piece` values. On x86-64,
+    /// the results are written past the caches.
     bool (*ManyPastCaches[WAYS])(const CFastForm& form, const double* values, double* results,
                                  std::size_t count);
 

@@ -991,7 +991,8 @@ TEST(FastForm, LoopsPastTheCachesDoTheSameAsTheOthers) {
     forAllForms([](const CShortLine& line, const WholeLine&, const CFastForm& form) {
         std::mt19937_64 random(9);
         const Doubles doubles(line, form);
-        constexpr std::size_t Count = 150;
+        constexpr std::size_t Count = 3 * CLoops::Piece;
+        constexpr std::size_t Before = 8;  // the values of one cache line
         double values[Count];
         for (int round = 0; round < 8; ++round) {
             for (double& value : values) {
@@ -999,18 +1000,38 @@ TEST(FastForm, LoopsPastTheCachesDoTheSameAsTheOthers) {
                 value = round < 4 ? static_cast<double>(random() % 20001) / 8 + 3
                                   : doubles.next(random);
             }
-            // At a cache line and next to it.
-            alignas(64) double expected[Count + 2], results[Count + 2];
+            alignas(64) double expected[Before + Count + 1], results[Before + Count + 1];
             std::fill(std::begin(expected), std::end(expected), -1);
             std::fill(std::begin(results), std::end(results), -1);
-            const std::size_t first = static_cast<std::size_t>(round % 2);
             const CLoops& loops = *form.Loops;
-            EXPECT_EQ(loops.Many[form.Way](form, values, expected + first, Count),
-                      loops.ManyPastCaches[form.Way](form, values, results + first, Count))
+            EXPECT_EQ(loops.Many[form.Way](form, values, expected + Before, Count),
+                      loops.ManyPastCaches[form.Way](form, values, results + Before, Count))
                 << describe(line, form);
             EXPECT_EQ(std::memcmp(expected, results, sizeof expected), 0) << describe(line, form);
         }
     });
+}
+
+TEST(FastForm, ConvertsWholeNumbersPastTheCaches) {
+    const std::size_t count = 4'000'100;
+    std::vector<std::int64_t> values(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        values[i] = static_cast<std::int64_t>(i % 60000) - 30000;
+    }
+    values[3'000'001] = 9007199254740993;  // no double
+    const CShortLine line = {9, 0, 5, 0, false};
+    const WholeLine judge(line);
+    const CFastForm form = formOf(line, eLine::KNOWN, judge, bestLoops());
+    std::vector<double> results(count);
+    form.convertAll(values.data(), results.data(), count);
+    std::size_t wrong = 0;
+    for (std::size_t i = 0; i < count; i += i == 3'000'000 ? 1U : 100U) {
+        double alone = 0;
+        form.convertAll(&values[i], &alone, 1);
+        wrong += results[i] == alone ? 0U : 1U;
+    }
+    EXPECT_EQ(wrong, 0U);
+    EXPECT_NE(results[3'000'001], form.convert(9007199254740992));
 }
 
 TEST(FastForm, GivesTheSameBitsPastTheCaches) {
