@@ -9,122 +9,170 @@ namespace mensor::exact {
 
 namespace {
 
-// All texts, one after the other. An array of pointers would need relocations at load time.
-constexpr char Texts[] =
-#define MENSOR_TRAP(place, text, sentence, first, second) text first second
-#define MENSOR_BEHIND(place, left, right, sentence, first, second) right left first second
-#define MENSOR_NAMED(verdict, text, sentence, first, second) text first second
-#include "mensor_exact/traps.def"
-#define MENSOR_REFUSAL(text, sentence, first, second) text first second
-#include "mensor_exact/refusals.def"
-    ;
-
-struct CRow {
+struct CWritten {
     ePlace Place;
+    std::string_view Text;
     std::string_view Sentence;
-    std::size_t Lengths[4];
+    std::string_view Behind;
+    std::string_view First;
+    std::string_view Second;
 };
 
 // NOLINTBEGIN(bugprone-macro-parentheses): the arguments are literals, and the rows are lists.
-constexpr CRow Written[] = {
+// Only the compiler reads this array, whose pointers would need relocations at load time.
+constexpr CWritten Written[] = {
 #define MENSOR_TRAP(place, text, sentence, first, second) \
-    {ePlace::place,                                       \
-     {sentence, sizeof sentence - 1},                     \
-     {sizeof text - 1, 0, sizeof first - 1, sizeof second - 1}},
+    {ePlace::place, text, sentence, "", first, second},
 #define MENSOR_BEHIND(place, left, right, sentence, first, second) \
-    {ePlace::place,                                                \
-     {sentence, sizeof sentence - 1},                              \
-     {sizeof right - 1, sizeof left - 1, sizeof first - 1, sizeof second - 1}},
+    {ePlace::place, right, sentence, left, first, second},
 #define MENSOR_NAMED(verdict, text, sentence, first, second) \
-    {ePlace::verdict,                                        \
-     {sentence, sizeof sentence - 1},                        \
-     {sizeof text - 1, 0, sizeof first - 1, sizeof second - 1}},
+    {ePlace::verdict, text, sentence, "", first, second},
 #include "mensor_exact/traps.def"
 #define MENSOR_REFUSAL(text, sentence, first, second) \
-    {ePlace::UNKNOWN,                                 \
-     {sentence, sizeof sentence - 1},                 \
-     {sizeof text - 1, 0, sizeof first - 1, sizeof second - 1}},
+    {ePlace::UNKNOWN, text, sentence, "", first, second},
 #include "mensor_exact/refusals.def"
 };
 // NOLINTEND(bugprone-macro-parentheses)
 
 constexpr std::size_t RowCount = std::size(Written);
 
-// The number of the sentence of each row, and the first row with each sentence.
-struct CSentences {
-    static constexpr std::size_t Most = 250;
-    std::size_t Rows[Most] = {};
-    std::uint8_t Numbers[RowCount] = {};
+// Numbers things in the order in which they appear first. Equal things get the same number.
+struct CNumbers {
+    static constexpr std::size_t Places = 16384;
+    std::size_t FirstOf[Places] = {};     // for each number the first thing with it
+    std::uint16_t NumberAt[Places] = {};  // a hash table: a number plus 1; 0 if the place is empty
+    std::uint16_t Number[4 * RowCount] = {};  // for each thing its number
     std::size_t Count = 0;
+
+    template <class IsSame>
+    constexpr void add(std::size_t thing, std::uint32_t hash, const IsSame& isSame) {
+        std::size_t place = (hash ^ hash >> 15) % Places;
+        while (NumberAt[place] != 0 && !isSame(FirstOf[NumberAt[place] - 1], thing)) {
+            place = (place + 1) % Places;
+        }
+        if (NumberAt[place] == 0) {
+            FirstOf[Count] = thing;
+            NumberAt[place] = static_cast<std::uint16_t>(++Count);
+        }
+        Number[thing] = static_cast<std::uint16_t>(NumberAt[place] - 1);
+    }
 };
 
-// Compares the latest sentences first: rows with one sentence are mostly next to each other.
-constexpr CSentences makeSentences() {
-    CSentences sentences;
-    for (std::size_t row = 0; row < RowCount; ++row) {
-        std::size_t number = sentences.Count;
-        while (number > 0 &&
-               !isEqual(Written[sentences.Rows[number - 1]].Sentence, Written[row].Sentence)) {
-            --number;
-        }
-        if (number == 0) {
-            sentences.Rows[sentences.Count] = row;
-            number = ++sentences.Count;
-        }
-        sentences.Numbers[row] = static_cast<std::uint8_t>(number - 1);
-    }
-    return sentences;
+// The texts of all rows: four for each row.
+constexpr std::size_t TextCount = 4 * RowCount;
+
+constexpr std::string_view writtenText(std::size_t i) {
+    const CWritten& row = Written[i / 4];
+    return i % 4 == 0 ? row.Text : i % 4 == 1 ? row.Behind : i % 4 == 2 ? row.First : row.Second;
 }
 
-constexpr CSentences Numbered = makeSentences();
+constexpr CNumbers numberTexts() {
+    CNumbers numbers;
+    for (std::size_t i = 0; i < TextCount; ++i) {
+        numbers.add(i, hashOfName(writtenText(i)), [](std::size_t a, std::size_t b) {
+            return isEqual(writtenText(a), writtenText(b));
+        });
+    }
+    return numbers;
+}
 
-constexpr std::size_t sizeOfSentences() {
+constexpr CNumbers NumberedTexts = numberTexts();
+
+constexpr CNumbers numberSentences() {
+    CNumbers numbers;
+    for (std::size_t row = 0; row < RowCount; ++row) {
+        numbers.add(row, hashOfName(Written[row].Sentence), [](std::size_t a, std::size_t b) {
+            return isEqual(Written[a].Sentence, Written[b].Sentence);
+        });
+    }
+    return numbers;
+}
+
+constexpr CNumbers NumberedSentences = numberSentences();
+
+// The rows that differ in more than the place and the text.
+constexpr CNumbers numberAnswers() {
+    CNumbers numbers;
+    for (std::size_t row = 0; row < RowCount; ++row) {
+        std::uint32_t hash = NumberedSentences.Number[row];
+        for (std::size_t i = 4 * row + 1; i < 4 * row + 4; ++i) {
+            hash = hash * 16777619U + NumberedTexts.Number[i];
+        }
+        numbers.add(row, hash, [](std::size_t a, std::size_t b) {
+            return NumberedSentences.Number[a] == NumberedSentences.Number[b] &&
+                   NumberedTexts.Number[4 * a + 1] == NumberedTexts.Number[4 * b + 1] &&
+                   NumberedTexts.Number[4 * a + 2] == NumberedTexts.Number[4 * b + 2] &&
+                   NumberedTexts.Number[4 * a + 3] == NumberedTexts.Number[4 * b + 3];
+        });
+    }
+    return numbers;
+}
+
+constexpr CNumbers NumberedAnswers = numberAnswers();
+
+constexpr std::size_t sizeOfTexts() {
     std::size_t size = 0;
-    for (std::size_t i = 0; i < Numbered.Count; ++i) {
-        size += Written[Numbered.Rows[i]].Sentence.size() + 1;
+    for (std::size_t i = 0; i < NumberedTexts.Count; ++i) {
+        size += writtenText(NumberedTexts.FirstOf[i]).size();
     }
     return size;
 }
 
-// Holds each sentence once, with a zero at its end.
-struct CSentenceTexts {
-    char All[sizeOfSentences()] = {};
-    std::uint16_t Starts[Numbered.Count] = {};
-};
-
-constexpr CSentenceTexts makeSentenceTexts() {
-    static_assert(sizeOfSentences() < 65536);
-    CSentenceTexts texts;
-    std::size_t end = 0;
-    for (std::size_t i = 0; i < Numbered.Count; ++i) {
-        texts.Starts[i] = static_cast<std::uint16_t>(end);
-        for (const char c : Written[Numbered.Rows[i]].Sentence) {
-            texts.All[end++] = c;
-        }
-        ++end;
+constexpr std::size_t sizeOfSentences() {
+    std::size_t size = 0;
+    for (std::size_t i = 0; i < NumberedSentences.Count; ++i) {
+        size += Written[NumberedSentences.FirstOf[i]].Sentence.size() + 1;
     }
-    return texts;
+    return size;
 }
 
-constexpr CSentenceTexts Sentences = makeSentenceTexts();
+// Holds each text and each sentence once. A sentence has a zero at its end.
+struct CTexts {
+    char All[sizeOfTexts()] = {};
+    char Sentences[sizeOfSentences()] = {};
+};
 
+// What the rows share, and their rows.
 struct CRows {
+    CTexts Texts;
     CTrap Rows[RowCount] = {};
+    CTrap::CAnswer Answers[NumberedAnswers.Count] = {};
 };
 
 constexpr CRows makeRows() {
-    static_assert(sizeof Texts < 65536);
+    static_assert(sizeOfTexts() < 65536 && sizeOfSentences() < 65536);
     CRows rows;
-    std::size_t start = 0;
-    for (std::size_t row = 0; row < RowCount; ++row) {
-        CTrap& trap = rows.Rows[row];
-        trap.Place = Written[row].Place;
-        trap.SentenceNumber = Numbered.Numbers[row];
-        trap.Start = static_cast<std::uint16_t>(start);
-        for (std::size_t i = 0; i < 4; ++i) {
-            trap.Lengths[i] = static_cast<std::uint8_t>(Written[row].Lengths[i]);
-            start += Written[row].Lengths[i];
+    CTrap::CPiece pieces[NumberedTexts.Count] = {};
+    std::size_t end = 0;
+    for (std::size_t i = 0; i < NumberedTexts.Count; ++i) {
+        const std::string_view text = writtenText(NumberedTexts.FirstOf[i]);
+        pieces[i].Start = static_cast<std::uint16_t>(end);
+        pieces[i].Length = static_cast<std::uint8_t>(text.size());
+        for (const char c : text) {
+            rows.Texts.All[end++] = c;
         }
+    }
+    std::uint16_t sentences[NumberedSentences.Count] = {};
+    end = 0;
+    for (std::size_t i = 0; i < NumberedSentences.Count; ++i) {
+        sentences[i] = static_cast<std::uint16_t>(end);
+        for (const char c : Written[NumberedSentences.FirstOf[i]].Sentence) {
+            rows.Texts.Sentences[end++] = c;
+        }
+        ++end;
+    }
+    for (std::size_t i = 0; i < NumberedAnswers.Count; ++i) {
+        const std::size_t row = NumberedAnswers.FirstOf[i];
+        CTrap::CAnswer& answer = rows.Answers[i];
+        answer.Behind = pieces[NumberedTexts.Number[4 * row + 1]];
+        answer.First = pieces[NumberedTexts.Number[4 * row + 2]];
+        answer.Second = pieces[NumberedTexts.Number[4 * row + 3]];
+        answer.Sentence = sentences[NumberedSentences.Number[row]];
+    }
+    for (std::size_t row = 0; row < RowCount; ++row) {
+        rows.Rows[row].Text = pieces[NumberedTexts.Number[4 * row]];
+        rows.Rows[row].Answer = NumberedAnswers.Number[row];
+        rows.Rows[row].Place = Written[row].Place;
     }
     return rows;
 }
@@ -142,12 +190,8 @@ constexpr CMember Members[] = {
 };
 
 constexpr std::string_view textOf(std::size_t row) {
-    return {Texts + All.Rows[row].Start, All.Rows[row].Lengths[0]};
-}
-
-constexpr std::string_view behindOf(std::size_t row) {
-    const CTrap& trap = All.Rows[row];
-    return {Texts + trap.Start + trap.Lengths[0], trap.Lengths[1]};
+    const CTrap::CPiece text = All.Rows[row].Text;
+    return {All.Texts.All + text.Start, text.Length};
 }
 
 // Dense, since Hashes ends most look-ups before.
@@ -180,7 +224,7 @@ constexpr CHashes makeHashes() {
         const ePlace place = All.Rows[row].Place;
         if (isCommon(place)) {
             hashes.add(CHashes::hashOf(place, textOf(row), {}));
-            hashes.add(CHashes::hashOf(place, textOf(row), behindOf(row)));
+            hashes.add(CHashes::hashOf(place, textOf(row), Written[row].Behind));
         }
     }
     return hashes;
@@ -210,17 +254,13 @@ const CTrap* find(std::string_view text, const IsPlace& isPlace, const IsRight& 
 
 }  // namespace
 
-std::string_view CTrap::piece(std::size_t index) const noexcept {
-    std::size_t start = Start;
-    for (std::size_t i = 0; i < index; ++i) {
-        start += Lengths[i];
-    }
-    return {Texts + start, Lengths[index]};
+std::string_view CTrap::textOf(CPiece piece) noexcept {
+    return {All.Texts.All + piece.Start, piece.Length};
 }
 
-const char* CTrap::sentence() const noexcept {
-    return Sentences.All + Sentences.Starts[SentenceNumber];
-}
+const CTrap::CAnswer& CTrap::answer() const noexcept { return All.Answers[Answer]; }
+
+const char* CTrap::sentence() const noexcept { return All.Texts.Sentences + answer().Sentence; }
 
 const CTrap* trapsBegin() noexcept { return std::begin(All.Rows); }
 const CTrap* trapsEnd() noexcept { return std::end(All.Rows); }

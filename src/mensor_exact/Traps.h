@@ -33,24 +33,37 @@ enum class ePlace : std::uint8_t {
     UNKNOWN      ///< anywhere, where no unit has this name
 };
 
-/// One row. It has no pointers, which would be relocated when the library is loaded.
+/// One row. It has no pointers, which would be relocated when the library is loaded. Most rows have the same
+/// sentence and the same corrections as others, which are stored once.
 struct MENSOR_EXACT_API CTrap {
-    std::uint16_t Start;  ///< where its texts begin in the array of all texts
-    std::uint8_t Lengths[4];
+    /// A part of the array of all texts.
+    struct [[gnu::packed]] CPiece {
+        std::uint16_t Start;
+        std::uint8_t Length;
+    };
+    struct CAnswer {
+        CPiece Behind;
+        CPiece First;
+        CPiece Second;
+        std::uint16_t Sentence;  ///< where it begins in the array of all sentences
+    };
+
+    CPiece Text;
     ePlace Place;
-    std::uint8_t SentenceNumber;
+    std::uint16_t Answer;  ///< a row of the array of all answers
 
     /// A constant text without a full stop. "{}" stands for the refused or noted text.
     const char* sentence() const noexcept;
 
-    std::string_view text() const noexcept { return piece(0); }
-    std::string_view behind() const noexcept { return piece(1); }
+    std::string_view text() const noexcept { return textOf(Text); }
+    std::string_view behind() const noexcept { return textOf(answer().Behind); }
     /// What to write instead. May be empty. "{}" stands for the name before the trap.
-    std::string_view first() const noexcept { return piece(2); }
-    std::string_view second() const noexcept { return piece(3); }
+    std::string_view first() const noexcept { return textOf(answer().First); }
+    std::string_view second() const noexcept { return textOf(answer().Second); }
 
 private:
-    std::string_view piece(std::size_t index) const noexcept;
+    static std::string_view textOf(CPiece piece) noexcept;
+    const CAnswer& answer() const noexcept;
 };
 
 /// All rows, in the order of the files.
