@@ -1,5 +1,5 @@
 // Snippet.h: compares the results in the comments of a page with those of its snippets.
-// snippets.awk includes it after each snippet, so that a snippet sees only its own includes.
+// snippets.awk includes it after the snippets, so that they see only their own includes.
 // check_page.sh compares the output of snippets.
 #ifndef MENSOR_TESTS_SNIPPET_H
 #define MENSOR_TESTS_SNIPPET_H
@@ -18,6 +18,7 @@
 namespace mensor_docs {
 
 struct Snippet {
+    const char* Page;  // null in the last row
     int Line;
     void (*Run)();
 };

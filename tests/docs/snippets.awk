@@ -1,12 +1,12 @@
-# snippets.awk: makes programs from the C++ code of a page, and a file with the output that the page shows.
+# snippets.awk: makes programs from the C++ code of pages, and files with the output that the pages show.
 #
-#     awk -v page=tutorial.md -v out=FOLDER/tutorial -f snippets.awk tutorial.md
+#     awk -v out=FOLDER -f snippets.awk README.md docs/tutorial.md...
 #
 # A ```cpp block with a main() becomes a program of its own, FOLDER/tutorial-LINE.cpp, without changes. Each
-# other block becomes a function in a source of its own, FOLDER/tutorial_LINE.cpp, which first includes what the
-# block includes (see Snippet.h); FOLDER/tutorial.cpp lists the functions. FOLDER/tutorial.list names the blocks
-# in order. A ```text block shows the output of the C++ block before it; FOLDER/tutorial.expected contains the
-# output of all blocks.
+# other block becomes a function, tutorial_LINE(). Blocks that include the same headers in the same order become
+# one source, FOLDER/functions_NUMBER.cpp, which first includes these headers and nothing else (see Snippet.h).
+# FOLDER/functions.cpp lists all functions. FOLDER/tutorial.list names the blocks of the page in order. A ```text
+# block shows the output of the C++ block before it; FOLDER/tutorial.expected contains the output of all blocks.
 #
 # In a function, a line "EXPRESSION;  // RESULT" is also checked. The result is a number, a text in quotes, true
 # or false; a comma or colon after it begins a remark. A line "EXPRESSION;" before a line
@@ -42,45 +42,78 @@ function require_provoked() {
 }
 
 function write_program(   i, file) {
-    file = out "-" start ".cpp"
-    for (i = start; i < NR; ++i) print block[i] > file
+    file = out "/" page "-" start ".cpp"
+    for (i = start; i < FNR; ++i) print block[i] > file
     close(file)
 }
 
-function write_function(   i, file, includes, body) {
-    for (i = start; i < NR; ++i) {
-        if (block[i] ~ /^ *#include/) includes = includes block[i] "\n"
-        else if (i + 1 < NR && block[i + 1] ~ /^ *\/\/ throws /)
-            body = body throwing(block[i], i, block[i + 1]) "\n"
-        else body = body checked(block[i], i) "\n"
+function add_function(   i, name, line, includes, body) {
+    name = page "_" start
+    gsub(/-/, "_", name)
+    for (i = start; i < FNR; ++i) {
+        line = block[i]
+        if (line ~ /^ *#include/) {
+            sub(/^ */, "", line)
+            includes = includes line "\n"
+            line = ""  # keeps the numbers of lines
+        } else if (i + 1 < FNR && block[i + 1] ~ /^ *\/\/ throws /) {
+            line = throwing(line, i, block[i + 1])
+        } else {
+            line = checked(line, i)
+        }
+        body = body line "\n"
     }
-    file = out "_" start ".cpp"
-    print "// Made of " page "." > file
-    print includes > file
-    print "namespace mensor_docs {" > file
-    print "template <class Result> void gives(int line, const char* shown, const Result& result);" > file
-    print "template <class Action> void throws(int line, const char* shown, Action action);" > file
-    print "}\n" > file
-    print "void line" start "();" > file
-    print "void line" start "() {\n" body "}\n" > file
-    print "#include \"Snippet.h\"" > file
-    close(file)
-    functions = functions "void line" start "();\n"
-    calls = calls "    {" start ", line" start "},\n"
+    # Messages of the compiler name the line of the page.
+    body = "\nvoid " name "() {\n#line " start " \"" FILENAME "\"\n" body "}\n"
+    if (!(includes in bodies)) lists[++sources] = includes
+    bodies[includes] = bodies[includes] body
+    declarations = declarations "void " name "();\n"
+    rows = rows "    {\"" page "\", " start ", " name "},\n"
 }
 
-BEGIN {
-    list = out ".list"
-    expected = out ".expected"
+function write_functions(   i, file) {
+    for (i = 1; i <= sources; ++i) {
+        file = out "/functions_" i ".cpp"
+        print "// Made of the pages." > file
+        print lists[i] > file
+        print "namespace mensor_docs {" > file
+        print "template <class Result> void gives(int line, const char* shown, const Result& result);" > file
+        print "template <class Action> void throws(int line, const char* shown, Action action);" > file
+        print "}" > file
+        print bodies[lists[i]] > file
+        print "#include \"Snippet.h\"" > file
+        close(file)
+    }
+    file = out "/functions.cpp"
+    print "// Made of the pages." > file
+    print "#include \"Snippet.h\"\n" > file
+    print declarations > file
+    print "const mensor_docs::Snippet mensor_docs::SNIPPETS[] = {\n" rows "    {nullptr, 0, nullptr}};" > file
+}
+
+function end_page() {
+    require_provoked()
+    close(list)
+    close(expected)
+}
+
+FNR == 1 {
+    if (page != "") end_page()
+    page = tolower(FILENAME)
+    sub(/.*\//, "", page)
+    sub(/\.md$/, "", page)
+    list = out "/" page ".list"
+    expected = out "/" page ".expected"
     printf "" > list
     printf "" > expected
+    inside = ""
 }
 
 /^ +```(cpp)?$/ { sub(/^ +/, "") }  # a block in a list
 
 /^```/ && inside == "" {
     inside = substr($0, 4) == "" ? "plain" : substr($0, 4)
-    start = NR + 1
+    start = FNR + 1
     hasMain = 0
     next
 }
@@ -88,7 +121,7 @@ BEGIN {
 /^```/ {
     if (inside == "cpp") {
         if (hasMain) write_program()
-        else write_function()
+        else add_function()
         print start, hasMain ? "program" : "function" > list
         print "--- line " start > expected
     }
@@ -97,13 +130,13 @@ BEGIN {
 }
 
 inside == "cpp" {
-    block[NR] = $0
+    block[FNR] = $0
     if ($0 ~ /int main\(/) hasMain = 1
 }
 
 inside == "text" { print > expected }
 
-page == "errors.md" && inside == "" && /^## `/ {
+page == "errors" && inside == "" && /^## `/ {
     require_provoked()
     heading = substr($0, 5)
     sub(/`$/, "", heading)
@@ -111,10 +144,6 @@ page == "errors.md" && inside == "" && /^## `/ {
 }
 
 END {
-    require_provoked()
-    file = out ".cpp"
-    print "// Made of " page "." > file
-    print "#include \"Snippet.h\"\n" > file
-    print functions > file
-    print "const mensor_docs::Snippet mensor_docs::SNIPPETS[] = {\n" calls "    {0, nullptr}};" > file
+    end_page()
+    write_functions()
 }
