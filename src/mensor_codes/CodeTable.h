@@ -307,8 +307,9 @@ public:
         return result;
     }
 
-    static void forEach(const std::function<bool(const CCode&)>& visit) {
-        for (std::size_t row = 0; row < Rows && visit(code(row)); ++row) {
+    static void forEach(const std::function<void(const CCode&)>& visit) {
+        for (std::size_t row = 0; row < Rows; ++row) {
+            visit(code(row));
         }
     }
 

@@ -35,13 +35,10 @@ std::vector<const char*> othersWith(const CRefusal& refusal) {
     return names;
 }
 
-// Returns '"DZP" (dozen pack) has no exact meaning: how much is in one must be agreed'.
+// Returns '"DZP" (dozen pack) has no exact meaning: how much is in one must be agreed'. Every such code has a name.
 std::string meaningless(const CCode& code, const std::string& reason) {
-    std::string sentence = quoted(code.Code);
-    if (!code.Name.empty()) {
-        sentence += " (" + std::string(code.Name) + ")";
-    }
-    sentence += " has no exact meaning: " + reason;
+    std::string sentence =
+        quoted(code.Code) + " (" + std::string(code.Name) + ") has no exact meaning: " + reason;
     if (!code.Note.empty()) {
         sentence += "; " + std::string(code.Note);
     }
@@ -124,10 +121,7 @@ std::optional<CCode> find(eSystem system, std::string_view code) {
 
 std::vector<CCode> all(eSystem system) {
     std::vector<CCode> codes;
-    systemOf(system).forEach([&codes](const CCode& code) {
-        codes.push_back(code);
-        return true;
-    });
+    systemOf(system).forEach([&codes](const CCode& code) { codes.push_back(code); });
     return codes;
 }
 

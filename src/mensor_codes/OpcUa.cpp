@@ -54,8 +54,8 @@ public:
         return withUnitId(*code);
     }
 
-    void forEach(const std::function<bool(const CCode&)>& visit) const override {
-        unece().forEach([&visit](const CCode& code) { return visit(withUnitId(code)); });
+    void forEach(const std::function<void(const CCode&)>& visit) const override {
+        unece().forEach([&visit](const CCode& code) { visit(withUnitId(code)); });
     }
 
     CMatch codeFor(const exact::CMeaning& meaning) const override {

@@ -27,7 +27,6 @@ std::vector<std::string> CSystem::suggestions(std::string_view token) const {
         if (differInCaseOnly(code.Code, token)) {
             codes.push_back(code.Code);
         }
-        return true;
     });
     return codes;
 }

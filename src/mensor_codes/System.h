@@ -23,8 +23,8 @@ public:
     /// Does the work of codes::find().
     virtual std::optional<CCode> find(std::string_view code) const = 0;
 
-    /// Calls `visit` for each row, in the order of the table, until it returns false.
-    virtual void forEach(const std::function<bool(const CCode&)>& visit) const = 0;
+    /// Calls `visit` for each row, in the order of the table.
+    virtual void forEach(const std::function<void(const CCode&)>& visit) const = 0;
 
     /// Does the work of codes::codeFor().
     virtual CMatch codeFor(const exact::CMeaning& meaning) const = 0;

@@ -43,7 +43,7 @@ public:
         return CTable::code(row);
     }
 
-    void forEach(const std::function<bool(const CCode&)>& visit) const override {
+    void forEach(const std::function<void(const CCode&)>& visit) const override {
         CTable::forEach(visit);
     }
 

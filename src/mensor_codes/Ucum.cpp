@@ -22,8 +22,9 @@ public:
         return row == CUcumAtoms::None ? std::nullopt : std::optional<CCode>(CUcumAtoms::code(row));
     }
 
-    void forEach(const std::function<bool(const CCode&)>& visit) const override {
-        for (std::size_t row = 0; row < CUcumAtoms::size() && visit(CUcumAtoms::code(row)); ++row) {
+    void forEach(const std::function<void(const CCode&)>& visit) const override {
+        for (std::size_t row = 0; row < CUcumAtoms::size(); ++row) {
+            visit(CUcumAtoms::code(row));
         }
     }
 
@@ -55,12 +56,9 @@ public:
         return code == Rpm ? rpm() : CUcum::find(code);
     }
 
-    void forEach(const std::function<bool(const CCode&)>& visit) const override {
-        bool goesOn = true;
-        CUcum::forEach([&](const CCode& code) { return goesOn = visit(code); });
-        if (goesOn) {
-            visit(rpm());
-        }
+    void forEach(const std::function<void(const CCode&)>& visit) const override {
+        CUcum::forEach(visit);
+        visit(rpm());
     }
 
 private:

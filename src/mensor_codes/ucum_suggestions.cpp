@@ -139,8 +139,7 @@ private:
     void addAtoms() {
         for (std::size_t row = 0; row < CUcumAtoms::size(); ++row) {
             const std::string_view atom = CUcumAtoms::codeOf(row);
-            if (isEqualIgnoringCase(bareName(atom), bareName(m_Unknown)) ||
-                isEqualIgnoringCase(atom, m_Unknown)) {
+            if (isEqualIgnoringCase(bareName(atom), bareName(m_Unknown))) {
                 add(std::string(atom));
             }
         }

@@ -82,11 +82,10 @@ bool findPrefix(const CSmallFraction& factor, const CUcumPrefix*& prefix) {
     return false;
 }
 
-// Returns whether the meaning has a factor 10^tens and no offset.
+// Returns whether the meaning has a factor 10^tens.
 bool isPowerOfTen(const CSmallMeaning& meaning, int& tens) {
     tens = meaning.Factor.Twos;
-    return meaning.Pi == 0 && meaning.Offset.isZero() &&
-           meaning.Factor == CSmallFraction(1, meaning.Factor.Twos);
+    return meaning.Pi == 0 && meaning.Factor == CSmallFraction(1, meaning.Factor.Twos);
 }
 
 CSmallMeaning meaningOf(std::string_view code) {
@@ -270,7 +269,7 @@ private:
         }
     }
 
-    // Offers products of base units, with or without one unit of Named.
+    // Offers products of base units, with or without one unit of Named. The meaning has no offset.
     void coherent(const CSmallMeaning& meaning, const CProduct& before) {
         int tens = 0;
         if (!isPowerOfTen(meaning, tens)) {

@@ -22,6 +22,7 @@ TEST(Codes, EachSystemHasALongAndAShortName) {
     for (const eSystem system : codes::AllSystems) {
         EXPECT_EQ(codes::systemNamed(codes::shortNameOf(system)), system);
     }
+    EXPECT_STREQ(codes::shortNameOf(static_cast<eSystem>(99)), "") << "no system";
     EXPECT_EQ(codes::systemNamed("UCUM"), std::nullopt);
     EXPECT_EQ(codes::systemNamed(""), std::nullopt);
     EXPECT_STREQ(codes::nameOf(eSystem::UNECE), "UN/CEFACT");
@@ -38,6 +39,12 @@ TEST(Codes, TheNearestCodeIsGivenWithItsDeviation) {
     EXPECT_EQ(
         match.toString(eSystem::UNECE),
         "no code of UN/CEFACT means exactly this; the nearest is PS, which is 3.9e-05 % smaller");
+
+    codes::CMatch above;
+    above.Nearest = "PS";
+    above.Deviation = 0.05;
+    EXPECT_EQ(above.toString(eSystem::UNECE),
+              "no code of UN/CEFACT means exactly this; the nearest is PS, which is 5 % larger");
 
     const codes::CMatch larger = codes::codeFor(eSystem::SENML, exact::read("dm"));
     EXPECT_EQ(larger.Nearest, "m");
@@ -89,6 +96,19 @@ TEST(Codes, ARefusalSuggestsCodesThatDifferInCase) {
     const codes::CReading reading = codes::tryRead(eSystem::UNECE, "kgm");
     ASSERT_FALSE(reading);
     EXPECT_THAT(codes::diagnose(reading.Refusal).Suggestions, testing::ElementsAre("KGM"));
+}
+
+// A program may describe a refusal of its own.
+TEST(Codes, ARefusalNeverSuggestsTheRefusedText) {
+    const auto suggestions = [](eSystem system, std::string_view text) {
+        return codes::diagnose({eRefusal::UNKNOWN_CODE, system, text, {0, text.size()}, ""})
+            .Suggestions;
+    };
+    EXPECT_THAT(suggestions(eSystem::UNECE, "MTR"), testing::IsEmpty());
+    EXPECT_THAT(suggestions(eSystem::UNECE, "mTR"), testing::ElementsAre("MTR"));
+    EXPECT_THAT(suggestions(eSystem::UCUM, "Cel"), testing::Not(testing::Contains("Cel")));
+    EXPECT_THAT(suggestions(eSystem::UCUM, "cel"), testing::Contains("Cel"));
+    EXPECT_THAT(suggestions(eSystem::UCUM, ""), testing::IsEmpty());
 }
 
 TEST(Codes, EmptyAndMalformedTextsAreRefused) {

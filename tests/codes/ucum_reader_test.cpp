@@ -418,6 +418,8 @@ TEST(Ucum, SuggestsACorrectionOfTheWholeText) {
         EXPECT_THAT(readings(text), IsEmpty()) << text;
     }
     EXPECT_THAT(readings(" " + std::string(40, 'm')), IsEmpty());
+    EXPECT_THAT(readings(std::string(15, ' ') + "m"), ElementsAre("m"));
+    EXPECT_THAT(readings(std::string(16, ' ') + "m"), IsEmpty()) << "too many faults";
 }
 
 TEST(Ucum, SuggestsCodesForAnUnknownUnit) {
@@ -432,6 +434,7 @@ TEST(Ucum, SuggestsCodesForAnUnknownUnit) {
     EXPECT_THAT(suggestions("in"), ElementsAre("[in_i]", "[in_us]", "[in_br]"));
     EXPECT_THAT(suggestions("IU/L"), ElementsAre("[iU]", "[IU]"));
     EXPECT_THAT(suggestions("[in]"), ElementsAre("[in_i]", "[in_us]", "[in_br]"));
+    EXPECT_THAT(suggestions("[in_i]x"), ElementsAre("[in_i]", "[cin_i]", "[kn_i]", "[sin_i]"));
     EXPECT_THAT(suggestions("CFU"), ElementsAre("[CFU]"));
     EXPECT_THAT(suggestions("KG"), Contains("kg"));
     EXPECT_THAT(suggestions("mIU"), Contains("m[IU]"));

@@ -138,6 +138,19 @@ TEST(UcumWriter, WritesNumbersOnlyAsPowersOfTen) {
     EXPECT_EQ(codeFor(number("1e-100")).Code, "");
 }
 
+TEST(UcumWriter, WritesLargeExponents) {
+    EXPECT_EQ(codeFor(read("m49")).Code, "m49");
+    EXPECT_EQ(codeFor(read("1/m49")).Code, "/m49");
+    EXPECT_EQ(codeFor(read("m99")).Code, "");
+}
+
+TEST(UcumWriter, WritesNoRootOfAnArbitraryUnit) {
+    const CMeaning unit = read("[IU]");
+    EXPECT_EQ(codeFor(unit.power(2)).Code, "[iU]2");
+    EXPECT_EQ(codeFor(unit.power({1, 2})).Code, "");
+    EXPECT_EQ(codeFor(unit.power({3, 2})).Code, "");
+}
+
 TEST(UcumWriter, ListsSynonyms) {
     EXPECT_THAT(codeFor(read("Hz")).Synonyms, UnorderedElementsAre("Bq", "Bd"));
     EXPECT_THAT(codeFor(read("L")).Synonyms, UnorderedElementsAre("l"));
