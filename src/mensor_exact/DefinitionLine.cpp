@@ -369,9 +369,12 @@ CDiagnosis inLine(CDiagnosis diagnosis, std::string_view line, CSpan part) {
     diagnosis.Text = line;
     diagnosis.Position += countCodePoints(line.substr(0, part.Begin));
     diagnosis.Byte += part.Begin;
+    std::string before(CSpan{all.Begin, part.Begin}.of(line));
+    if (!before.empty() && !isBlank(before.back())) {
+        before += ' ';  // "3/s" is not "31/s"
+    }
     for (std::string& reading : diagnosis.Readings) {
-        reading = concatenate(
-            {CSpan{all.Begin, part.Begin}.of(line), reading, CSpan{part.End, all.End}.of(line)});
+        reading = concatenate({before, reading, CSpan{part.End, all.End}.of(line)});
     }
     return diagnosis;
 }

@@ -78,6 +78,14 @@ TEST(ReadableUnit, ComparesExactly) {
     EXPECT_EQ(readable("1.00000000000000000001", "km"), "km");
 }
 
+TEST(ReadableUnit, IsPrefixedOnlyIfItHasThatSize) {
+    const CCatalogue catalogue =
+        CCatalogue::builtIn().with({{"zork", "3 m"}, {"kzork", "3003 m"}, {"Mork", "7 m"}});
+    EXPECT_EQ(readableUnit(CFraction(3003), "zork", catalogue), "zork");
+    EXPECT_EQ(readableUnit(CFraction(1, 3003), "kzork", catalogue), "kzork");
+    EXPECT_EQ(readableUnit(CFraction(1, 3003), "Mork", catalogue), "Mork") << "there is no ork";
+}
+
 TEST(ReadableUnit, KeepsTheUnitOfZeroAndUnitsWithoutPrefixes) {
     EXPECT_EQ(readable("0", "km"), "km");
     EXPECT_EQ(readable("0.001", "°C"), "°C");

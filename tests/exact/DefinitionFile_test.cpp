@@ -134,6 +134,10 @@ TEST(DefinitionFile, ReportsTheErrorInALine) {
         {"qa # = 3 m", "MISSING_OPERATOR 0 'qa'"},
         {" = 3 m", "EMPTY 1 ''"},
         {"replace = 3 xyz", "EMPTY 7 ''"},
+        {"replacement = 3 xyz", "UNKNOWN_NAME 16 'xyz'"},
+        {"qa = 2 K, zero on +5 K", "UNEXPECTED_CHARACTER 8 ','"},
+        {"qa = 2 K, zero at x5 K", "NO_NUMBER 18 ''"},
+        {"qa = 1e m", "UNKNOWN_NAME 6 'e'"},
         {"q2 = 3 m", "UNEXPECTED_CHARACTER 0 'q2'"},
         {"q a = 3 m", "UNEXPECTED_CHARACTER 0 'q a'"},
         {"πq = 3 m", "UNEXPECTED_CHARACTER 0 'πq'"},
@@ -338,9 +342,31 @@ TEST(DefinitionFile, ThrowsTheFirstFindingAndTheNumberOfOthers) {
     }
 }
 
+TEST(DefinitionFile, OffersABlankBetweenANumberAndItsUnit) {
+    EXPECT_THAT(diagnosisOf("qa = 3/s").Readings, ElementsAre("qa = 3 1/s"));
+    EXPECT_THAT(diagnosisOf("qa = 3 /s").Readings, ElementsAre("qa = 3 1/s"));
+    EXPECT_THAT(diagnosisOf("qa = 3W/m²/K").Readings,
+                ElementsAre("qa = 3 W/(m²·K)", "qa = 3 W·K/m²"));
+    EXPECT_THAT(diagnosisOf("qa = 3/ s").Readings, ElementsAre("qa = 3 1/ s"));
+}
+
 TEST(DefinitionFile, OffersBothMeaningsOfAComma) {
     EXPECT_THAT(diagnosisOf("qa = 1,500 m").Readings, ElementsAre("qa = 1.500 m", "qa = 1500 m"));
     EXPECT_THAT(diagnosisOf("qa = 1,5 m").Readings, ElementsAre("qa = 1.5 m"));
+}
+
+TEST(DefinitionFile, ReadsEachFormOfAnExponent) {
+    EXPECT_EQ(meaningIn("qa = 1e+3 m", "qa"), "1000 m");
+    EXPECT_EQ(meaningIn("qa = 1E-3 m", "qa"), "0.001 m");
+    EXPECT_EQ(meaningIn("qa = 1e3 m", "qa"), "1000 m");
+}
+
+TEST(DefinitionFile, CountsTheCharactersOfALine) {
+    std::string comment = "qa = 3 m # ";
+    while (comment.size() < 5000) {
+        comment += "\u00B5";  // two bytes
+    }
+    EXPECT_EQ(meaningIn(comment, "qa"), "3 m");
 }
 
 TEST(DefinitionFile, AcceptsAnEmptyFile) {

@@ -46,6 +46,19 @@ TEST(Fraction, IsInLowestTerms) {
     EXPECT_TRUE(CFraction(3, -2).isNegative());
 }
 
+TEST(Fraction, EqualsOnlyTheSameNumber) {
+    EXPECT_NE(CFraction(-3), CFraction(3));
+    EXPECT_NE(CFraction(3, 7), CFraction(3, 5));
+    const CFraction large = CFraction(7).power(40);
+    EXPECT_EQ(large, CFraction(7).power(20) * CFraction(7).power(20));
+    EXPECT_NE(large, -large);
+    EXPECT_NE(large, large + CFraction(1));
+    EXPECT_NE(large / CFraction(3), large / CFraction(5));
+    EXPECT_NE(CFraction(1) / large, CFraction(1) / (large + CFraction(1)));
+    EXPECT_NE(CFraction(0), large);
+    EXPECT_NE(large, CFraction(0));
+}
+
 TEST(Fraction, AcceptsTheSmallestInteger) {
     const auto least = std::numeric_limits<std::int64_t>::min();
     EXPECT_EQ(CFraction(least).toString(), "-9223372036854775808");

@@ -123,6 +123,32 @@ TEST(Meaning, RefusesAnOffsetWithPiOrARoot) {
     EXPECT_EQ(unit("°").shifted(0), unit("°"));
 }
 
+TEST(Meaning, IsSmallOnlyIfAllItsNumbersAreSmall) {
+    const auto isSmall = [](const CMeaning& meaning) {
+        CSmallMeaning small;
+        return meaning.toSmall(small) && CMeaning(small) == meaning;
+    };
+    const CMeaning metre = CMeaning::base("m");
+    for (const CExponent exponent :
+         {CExponent(49), CExponent(-49), CExponent(99, 2), CExponent(-1, 2)}) {
+        EXPECT_TRUE(isSmall(metre.power(exponent))) << exponent.toString();
+        EXPECT_TRUE(isSmall(CMeaning::base("qx").power(exponent))) << exponent.toString();
+    }
+    for (const CExponent exponent :
+         {CExponent(50), CExponent(-50), CExponent(1, 3), CExponent(99)}) {
+        EXPECT_FALSE(isSmall(metre.power(exponent))) << exponent.toString();
+        EXPECT_FALSE(isSmall(CMeaning::base("qx").power(exponent))) << exponent.toString();
+        EXPECT_FALSE(isSmall(metre.scaled(CFactor::pi().power(exponent)))) << exponent.toString();
+    }
+    EXPECT_TRUE(isSmall(metre.scaled(CFactor::pi().power(2))));
+    EXPECT_FALSE(isSmall(metre.scaled(CFactor::pi().power({1, 2}))));
+    EXPECT_FALSE(isSmall(metre.scaled(CFactor(CFraction(2)).power({1, 2}))));
+    const CFraction large = CFraction(7).power(40);
+    EXPECT_FALSE(isSmall(metre.scaled(CFactor(large))));
+    EXPECT_FALSE(isSmall(metre.shifted(large)));
+    EXPECT_TRUE(isSmall(metre.shifted(CFraction(7))));
+}
+
 TEST(Meaning, KeepsIntermediateFactorsBeyondTheDoubles) {
     // With doubles, these products would become infinite, zero or subnormal.
     EXPECT_EQ(unit("Ym^90/Ym^89"), unit("Ym"));

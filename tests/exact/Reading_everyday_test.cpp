@@ -577,6 +577,29 @@ TEST(Advice, OffersWholeChains) {
     EXPECT_THAT(diagnosisOf("W/m2K").Readings, ElementsAre("W/(m2·K)", "W·K/m2"));
 }
 
+TEST(Advice, CopiesEachExponentOfAChain) {
+    const char* const powers[] = {"K⁺¹",   "K⁻¹",   "K^(-1)", "K^-2", "K^+2",
+                                  "K^1:2", "K^0.5", "K-1",    "K**2"};
+    for (const std::string power : powers) {
+        EXPECT_THAT(diagnosisOf("W/m²/" + power).Readings,
+                    ElementsAre("W/(m²·" + power + ")", "W·" + power + "/m²"));
+    }
+    EXPECT_THAT(diagnosisOf("W/m²/K^2.m").Readings, ElementsAre("W/(m²·K^2·m)", "W·m/(m²·K^2)"));
+    EXPECT_THAT(diagnosisOf("W/m²/K^2.").Readings, IsEmpty());
+    EXPECT_THAT(diagnosisOf("1/m·s/K").Readings, ElementsAre("1/(m·s·K)", "s/(m·K)"));
+    EXPECT_THAT(diagnosisOfValue("5.W/m²/K").Readings, ElementsAre("5. W/(m²·K)", "5. W·K/m²"))
+        << "with a blank after the point";
+}
+
+TEST(Advice, OffersTheFractionThatADecimalExponentRounds) {
+    EXPECT_THAT(diagnosisOf("m^0.333").Readings, ElementsAre("m^(1/3)"));
+    EXPECT_THAT(diagnosisOf("m^-0.333").Readings, ElementsAre("m^(-1/3)"));
+    EXPECT_THAT(diagnosisOf("m^(0.333)·s").Readings, ElementsAre("m^(1/3)·s"));
+    EXPECT_THAT(diagnosisOf("m^2.333").Readings, ElementsAre("m^(7/3)"));
+    EXPECT_THAT(diagnosisOf("m^0.07").Readings, IsEmpty()) << "no small fraction is near";
+    EXPECT_THAT(diagnosisOf("m^0.33333333333333333333").Readings, IsEmpty()) << "too many digits";
+}
+
 TEST(Advice, CorrectsNumbers) {
     const CCatalogue all = everything();
     const std::pair<const char*, const char*> rows[] = {
@@ -602,6 +625,10 @@ TEST(Advice, CorrectsSignsAndDecimalsInNumbers) {
         {"-1.234,5 m", "-1234.5 m"},
         {"1_000_000 m", "1000000 m"},
         {"1,234,567.5 m", "1234567.5 m"},
+        {"1,234,567,890 m", "1234567890 m"},
+        {"1234,567 m", "1234.567 m"},
+        {"1’000 m", "1000 m"},
+        {"5x10^+3 m", "5e3 m"},
         {"-1,234.5 m", "-1234.5 m"},
         {"10^(3) m", "1e3 m"},
         {"10**3 m", "1e3 m"},
@@ -618,10 +645,14 @@ TEST(Advice, CorrectsSignsAndDecimalsInNumbers) {
 }
 
 TEST(Advice, OffersNoCorrectionIfTheMeantNumberIsUnknown) {
-    for (const char* const text :
-         {"1,23,456 m", "12,345,67 m", "1,2,3 m", "1,, m", "1 000 00 m", "10^ m", "10^(3 m",
-          "2x10⁻ m", "3 x 11^2 m", "2*10 m", "1/0 m", "1/7 m", "1/1234567890 m", "1234567890/2 m",
-          "1 h 30", "1 h 30 °C", "1 °C 30 K m", "1 h 2 min 3 s 4 ms 5 ms", "1 h 30 xyzzy"}) {
+    for (const char* const text : {"1,23,456 m",     "12,345,67 m",    "1,2,3 m",
+                                   "1,, m",          "1 000 00 m",     "10^ m",
+                                   "10^(3 m",        "1 234, m",       "x10^3 m",
+                                   "5*10*3 m",       "2x10⁻ m",        "3 x 11^2 m",
+                                   "2*10 m",         "1/0 m",          "1/7 m",
+                                   "1/1234567890 m", "1234567890/2 m", "1 h 30",
+                                   "1 h 30 °C",      "1 °C 30 K m",    "1 h 2 min 3 s 4 ms 5 ms",
+                                   "1 h 30 xyzzy"}) {
         EXPECT_THAT(diagnosisOfValue(text).Readings, IsEmpty()) << text;
     }
 }
@@ -681,7 +712,13 @@ TEST(Advice, DividesTheValueByANumberInTheUnit) {
     EXPECT_THAT(diagnosisOfValue("5 l/100km").Readings, ElementsAre("0.05 l/km"));
     EXPECT_THAT(diagnosisOfValue("-7.5 kWh/100 km").Readings, ElementsAre("-0.075 kWh/km"));
     EXPECT_THAT(diagnosisOfValue("5 mg/24h").Readings, ElementsAre("5 mg/d"));
-    EXPECT_THAT(diagnosisOf("mmol/24 hours").Readings, ElementsAre("mmol/d"));
+    for (const char* const hours : {"h", "hr", "hrs", "hour", "hours"}) {
+        EXPECT_THAT(diagnosisOf(std::string("mmol/24 ") + hours).Readings, ElementsAre("mmol/d"));
+    }
+    EXPECT_THAT(diagnosisOf("mmol/24 m").Readings, IsEmpty());
+    EXPECT_THAT(diagnosisOfValue("5e3 l/100km").Readings, IsEmpty());
+    EXPECT_THAT(diagnosisOfValue("5.123456789012345678901 l/100km").Readings, IsEmpty());
+    EXPECT_THAT(diagnosisOfValue("5 l/1000000000000000000000km").Readings, IsEmpty());
     EXPECT_THAT(diagnosisOfValue("1 m/3s").Readings, IsEmpty()) << "no decimal is 1/3";
     EXPECT_THAT(diagnosisOfValue("1 m/0s").Readings, IsEmpty());
     EXPECT_THAT(diagnosisOf("l/100km").Readings, IsEmpty()) << "there is no value";
@@ -708,6 +745,13 @@ TEST(Advice, LeavesOutRemarks) {
     }
     EXPECT_EQ(diagnosisOf("µS/cm @25°C").Sentence, "a remark is no part of a unit");
     EXPECT_THAT(diagnosisOfValue("m (s)").Readings, IsEmpty()) << "the number is missing";
+}
+
+TEST(Advice, WritesOneForThingsThatAreCounted) {
+    EXPECT_THAT(diagnosisOfValue("5 pcs/kg").Readings, ElementsAre("5 1/kg"));
+    EXPECT_THAT(diagnosisOfValue("5 h·pcs").Readings, ElementsAre("5 h·One"));
+    EXPECT_THAT(diagnosisOfValue("5 (pcs)").Readings, ElementsAre("5 (1)"));
+    EXPECT_THAT(diagnosisOfValue("5 kg·(pcs)").Readings, ElementsAre("5 kg·(1)"));
 }
 
 TEST(Advice, OffersNoDivisorForThingsThatAreCounted) {

@@ -174,6 +174,13 @@ TEST(Reading, FindsNamesInOtherSpellings) {
     EXPECT_EQ(read("mL"), read("ml"));
 }
 
+TEST(Reading, ReadsTheSignsOfOtherScripts) {
+    EXPECT_EQ(read("m\u30FBs"), read("m·s")) << "katakana middle dot";
+    EXPECT_EQ(read("m\u1680s"), read("m s")) << "ogham space mark";
+    EXPECT_EQ(read("m\uFE632"), read("m-2")) << "small hyphen-minus";
+    EXPECT_EQ(read("m^1\uFF1A2"), read("m^1:2")) << "fullwidth colon";
+}
+
 TEST(Reading, PrefersANameOfTheProgramToAnotherSpelling) {
     const CCatalogue catalogue = withUnit("\u212A", "5 m");
     EXPECT_EQ(read("\u212A", catalogue), read("m").scaled(CFactor(CFraction(5))));
