@@ -49,6 +49,7 @@ function(mensor_library target)
   set_property(GLOBAL APPEND PROPERTY MENSOR_LIBRARIES ${target})
   mensor_warnings(${target})
   mensor_hardened(${target})
+  mensor_precompiled(${target})
   mensor_run_path(${target} ${CMAKE_INSTALL_FULL_LIBDIR})
 
   # A compiler cache may pass this to the compiler instead of the absolute path.
@@ -72,6 +73,29 @@ function(mensor_library target)
     # The program has the functions of the sanitizers, not the library.
     target_link_options(${target} PRIVATE -Wl,--no-undefined)
   endif()
+endfunction()
+
+# mensor_precompiled(<target>): if MENSOR_PRECOMPILED is on, compiles the headers of the standard library once for
+# the target, not for each source. The code stays the same. A source with a missing #include would be compiled
+# without a message, so this is off by default.
+function(mensor_precompiled target)
+  if(MENSOR_PRECOMPILED)
+    target_precompile_headers(${target} PRIVATE
+      <algorithm> <array> <charconv> <cmath> <functional> <map> <memory> <mutex> <optional> <ostream> <stdexcept>
+      <string> <string_view> <unordered_map> <utility> <vector>)
+    cmake_language(EVAL CODE "cmake_language(DEFER CALL _mensor_precompiled ${target})")  # now it knows ${target}
+  endif()
+endfunction()
+
+# Compilers refuse the compiled headers for a source with options of its own.
+function(_mensor_precompiled target)
+  get_target_property(sources ${target} SOURCES)
+  foreach(source IN LISTS sources)
+    get_source_file_property(options ${source} COMPILE_OPTIONS)
+    if(options)
+      set_source_files_properties(${source} PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
+    endif()
+  endforeach()
 endfunction()
 
 # mensor_run_path(<target> <folder>): lets the installed <target> in <folder> find the libraries of this

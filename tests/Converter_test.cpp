@@ -20,6 +20,7 @@
 #include "mensor/mensor_math.h"
 #include "support/ClientConverters.h"
 #include "support/Matchers.h"
+#include "support/thorough.h"
 #include "support/threads.h"
 
 namespace mensor {
@@ -603,7 +604,7 @@ TEST(Compound, TheSlopeOfADeepChainFollowsTheChainRule) {
 
 // ---- deep compounds
 
-constexpr int Depth = 100000;
+const int Depth = test::casesOf(100000, 30000);
 constexpr std::size_t SmallStack = 256 * 1024;
 
 // A step of each class in turn. The values stay finite and do not become zero.

@@ -15,6 +15,7 @@
 #include "support/Matchers.h"
 #include "support/Notation.h"
 #include "support/outcome.h"
+#include "support/thorough.h"
 
 namespace mensor {
 namespace {
@@ -306,9 +307,11 @@ TEST(UnitParser, ReadsEveryShortTextLikeAnIndependentReader) {
                                                         : unknownNames);
     };
 
+    // On a slow platform one of nine texts of four characters.
     const std::size_t size = alphabet.size();
     for (std::size_t length = 0, count = 1; length <= 4; ++length, count *= size) {
-        for (std::size_t number = 0; number < count && failures < 10; ++number) {
+        const std::size_t step = length == 4 ? test::casesOf<std::size_t>(1, 9) : 1;
+        for (std::size_t number = 0; number < count && failures < 10; number += step) {
             std::u32string codePoints;
             for (std::size_t rest = number; codePoints.size() < length; rest /= size) {
                 codePoints += alphabet[rest % size];
@@ -317,8 +320,9 @@ TEST(UnitParser, ReadsEveryShortTextLikeAnIndependentReader) {
         }
     }
     // A sample of longer texts, which combine all states.
+    const int rounds = test::casesOf(20000, 5000);
     std::uint32_t state = 271828;
-    for (int round = 0; round < 20000 && failures < 10; ++round) {
+    for (int round = 0; round < rounds && failures < 10; ++round) {
         std::u32string codePoints;
         for (int i = 0; i < 9; ++i) {
             state = state * 1664525U + 1013904223U;
@@ -327,9 +331,10 @@ TEST(UnitParser, ReadsEveryShortTextLikeAnIndependentReader) {
         check(codePoints);
     }
     // All three outcomes must be frequent, or the comparison shows little.
-    EXPECT_GT(units, 10000);
-    EXPECT_GT(unknownNames, 10000);
-    EXPECT_GT(zeroRoots, 20);
+    const int least = test::casesOf(10000, 2000);
+    EXPECT_GT(units, least);
+    EXPECT_GT(unknownNames, least);
+    EXPECT_GT(zeroRoots, least / 500);
 }
 
 }  // namespace

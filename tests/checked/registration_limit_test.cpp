@@ -79,7 +79,9 @@ TEST(RegistrationLimit, RefusesNewUnitsAndReadsKnownOnes) {
 
 // A thorough run reads a million lines, or fewer on slow platforms.
 TEST(RegistrationLimit, KeepsUnitsAndBytesBoundedWhateverIsRead) {
-    const int lines = !test::isThorough() ? 20000 : test::IsSlow ? 100000 : 1000000;
+    const int lines = !test::isThorough() ? test::casesOf(20000, 10000)
+                      : test::IsSlow      ? 100000
+                                          : 1000000;
     constexpr std::size_t Limit = 1000;
     setRegistrationLimit(Limit);
     CRandom random;

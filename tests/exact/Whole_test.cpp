@@ -62,7 +62,7 @@ private:
     std::mt19937 m_Random{20};
 };
 
-const int Cases = mensor::test::isThorough() ? 20000 : 500;
+const int Cases = mensor::test::isThorough() ? 20000 : mensor::test::casesOf(500, 100);
 
 TEST(Whole, SumsDifferencesAndProductsAreThoseOfGmp) {
     CNumbers numbers;

@@ -20,6 +20,12 @@ constexpr bool IsSlow = true;
 constexpr bool IsSlow = false;
 #endif
 
+/// How many cases a test tries: all of them natively and if it is to be thorough, otherwise some.
+template <class Count>
+Count casesOf(Count all, Count some) {
+    return IsSlow && !isThorough() ? some : all;
+}
+
 }  // namespace mensor::test
 
 #endif  // MENSOR_TESTS_THOROUGH_H
