@@ -15,9 +15,10 @@ fi
 build() {
     local preset=$1 directory=$2 log=$3
     shift 3
-    # Lets the compiler cache reuse objects that were compiled with the precompiled header of the tests.
+    # Lets the compiler cache reuse objects that were compiled with a precompiled header, and lets it take the names
+    # of the included files from the compiler. Otherwise it runs the preprocessor once more for each new object.
     if command -v ccache >/dev/null; then
-        export CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_SLOPPINESS=pch_defines,time_macros
+        export CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_SLOPPINESS=pch_defines,time_macros CCACHE_DEPEND=1
     fi
     (cd "$source_dir" && cmake --preset "$preset" -B "$directory" "$@" \
         && cmake --build "$directory" --parallel "$(nproc)" "${build_options[@]}") >"$log" 2>&1
