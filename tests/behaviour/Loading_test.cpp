@@ -173,7 +173,7 @@ long step() {
     const char* const requested = std::getenv("MENSOR_STEP");
     return requested != nullptr                  ? std::atol(requested)
            : test::isThorough() && !test::IsSlow ? 7
-                                                 : test::casesOf(51L, 153L);
+                                                 : test::casesOf(51L, 101L);
 }
 
 // The number of allocations during load. The first is that of the prefix table. Those of the
