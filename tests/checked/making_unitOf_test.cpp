@@ -50,7 +50,9 @@ TEST(UnitOf, AFactorBeyondTheRangeOfDoubleIsRefused) {
 
 TEST(UnitOf, AnOffsetBeyondTheRangeOfDoubleIsRefused) {
     const exact::CMeaning meaning = exact::read("K").shifted(exact::CFraction::ofText("1e400"));
-    EXPECT_THROW(checked::unitOf(meaning), std::invalid_argument);
+    EXPECT_THAT([&] { checked::unitOf(meaning); },
+                testing::ThrowsMessage<std::invalid_argument>(
+                    "the size of the unit is beyond the range of doubles"));
 }
 
 // A code is refused if the registry would take its unit for another one.
