@@ -1075,6 +1075,37 @@ TEST(FastForm, GivesTheSameBitsPastTheCaches) {
     }
 }
 
+// The calls of `countedPastCaches`.
+long countedStores = 0;
+bool countedPastCaches(const CFastForm& form, const double* values, double* results,
+                       std::size_t count) {
+    ++countedStores;
+    return form.Loops->Many[form.Way](form, values, results, count);
+}
+
+// Stores past the caches would only make other arrays slower.
+TEST(FastForm, WritesOnlyVeryLongArraysOfDoublesPastTheCaches) {
+    CLoops loops = bestLoops();
+    loops.ManyPastCaches[PROVED] = countedPastCaches;
+    const CShortLine line = {18, 0, 5, 0, false};
+    const WholeLine judge(line);
+    const CFastForm form = formOf(line, eLine::KNOWN, judge, loops);
+    ASSERT_EQ(form.Way, PROVED);
+    const std::size_t many = 4'000'000;
+    std::vector<double> values(many, 12.5), results(many);
+    std::vector<float> floats(many);
+    form.convertAll(values.data(), results.data(), many - 1);
+    form.convertAll(values.data(), floats.data(), many);
+    form.convertAll(values.data(), values.data(), many);
+    EXPECT_EQ(countedStores, 0);
+    form.convertAll(values.data(), results.data(), many);
+#if defined(__x86_64__)
+    EXPECT_GE(countedStores, 3900);  // blocks of 1024 values
+#else
+    EXPECT_EQ(countedStores, 0);
+#endif
+}
+
 TEST(FastForm, ListsTheLoopsOfThisProcessorTheFastestFirst) {
     std::string names;
     for (const CLoops* const* loops = availableLoops(); *loops != nullptr; ++loops) {
