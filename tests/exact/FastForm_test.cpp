@@ -1106,6 +1106,36 @@ TEST(FastForm, WritesOnlyVeryLongArraysOfDoublesPastTheCaches) {
 #endif
 }
 
+// Where the calls of `notedBlock` have stored their results.
+std::vector<const double*> notedBlocks;
+bool notedBlock(const CFastForm& form, const double* values, double* results, std::size_t count) {
+    notedBlocks.push_back(results);
+    return bestLoops().Many[form.Way](form, values, results, count);
+}
+
+// A vector across two cache lines takes two stores. With an offset, these take less time than a short first
+// block.
+TEST(FastForm, BeginsBlocksAtCacheLinesUnlessThereIsAnOffset) {
+    CLoops loops = bestLoops();
+    loops.Many[PROVED] = loops.Many[OFFSET] = notedBlock;
+    const std::vector<double> values(3000, 12.5);
+    std::vector<double> room(values.size() + 8);
+    double* results = room.data();
+    while (reinterpret_cast<std::uintptr_t>(results) % 64 != 16) {
+        ++results;
+    }
+    for (const CShortLine& line :
+         {CShortLine{18, 0, 5, 0, false}, CShortLine{9, 160, 5, 0, false}}) {
+        const WholeLine judge(line);
+        const CFastForm form = formOf(line, eLine::KNOWN, judge, loops);
+        notedBlocks.clear();
+        form.convertAll(values.data(), results, values.size());
+        ASSERT_GE(notedBlocks.size(), 3U);
+        EXPECT_EQ(notedBlocks[0], results);
+        EXPECT_EQ(notedBlocks[1], results + (form.Way == OFFSET ? 1024 : 6));
+    }
+}
+
 TEST(FastForm, ListsTheLoopsOfThisProcessorTheFastestFirst) {
     std::string names;
     for (const CLoops* const* loops = availableLoops(); *loops != nullptr; ++loops) {
