@@ -271,6 +271,27 @@ TEST(NearMiddle, FindsTheEverydayFactorsWhoseTiesAreRight) {
     EXPECT_FALSE(isRightForTies(53, 78125, 10467));  // kJ to cal
 }
 
+// The first odd multiple of a numerator decides, and it must be odd. Greater odd parts than mostOddPart() tell more.
+TEST(NearMiddle, FindsTheFractionsWithTies) {
+    constexpr int Bits = 10;
+    constexpr std::uint64_t End = 1 << Bits;
+    int withTies = 0;
+    for (std::uint64_t p = 1; p < End / 4; p += 2) {
+        for (std::uint64_t q = 1; q < End / 4; q += 2) {
+            // A tie is an odd p·k of 11 bits. The number is q·k, with at most 10 bits.
+            bool hasTie = false;
+            for (std::uint64_t k = 1; p * k < 2 * End && q * k < End; k += 2) {
+                hasTie = hasTie || p * k >= End;
+            }
+            if (std::gcd(p, q) == 1) {
+                ASSERT_EQ(hasTies(Bits, p, q), hasTie) << p << "/" << q;
+                withTies += hasTie ? 1 : 0;
+            }
+        }
+    }
+    EXPECT_GT(withTies, 1000);
+}
+
 TEST(NearMiddle, FindsTheEverydayFactorsWithTies) {
     EXPECT_TRUE(hasTies(53, 9, 5));
     EXPECT_TRUE(hasTies(53, 3, 1));
