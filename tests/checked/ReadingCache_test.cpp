@@ -85,6 +85,19 @@ TEST(ReadingCache, KeepsATextOfTheWarmUpAfterItsNameHasMoved) {
     EXPECT_EQ(liveBlocks, before) << "the text is still stored";
 }
 
+// A new symbol is no label, so the version of the names stays the same.
+TEST(ReadingCache, GivesTheUnitOfANewSymbolThatWasReadAsAnotherUnit) {
+    const std::string text = "\u03BCg/s";  // a Greek mu; the label has the micro sign
+    const CUnitPtr before = readUnit(text);
+    EXPECT_EQ(before, readUnit("\u00B5g/s"));
+    EXPECT_EQ(readUnit(text), before);
+    EXPECT_EQ(readUnit(text), before) << "the text is stored";
+    const unsigned version = CUnitFormat::namesVersion();
+    const CUnitPtr own = CBaseUnit::getInstance("\u03BCg");
+    ASSERT_EQ(CUnitFormat::namesVersion(), version);
+    EXPECT_EQ(readUnit(text), own / SI::Second());
+}
+
 TEST(ReadingCache, StoresNoLongText) {
     const std::string text = "km" + std::string(99, ' ');
     readUnit("km");
