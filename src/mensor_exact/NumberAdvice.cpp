@@ -186,7 +186,7 @@ void addGroups(std::string_view value, std::vector<std::string>& meant) {
     }
 }
 
-// Corrects "1/2 in", "1 1/2 in" and "1-1/2 in".
+// Corrects "1/2 in", "1 1/2 in", "1-1/2 in" and "1 / 2 in".
 void addFraction(std::string_view value, std::vector<std::string>& meant) {
     CValueText text(value);
     const std::string sign = text.sign();
@@ -201,9 +201,11 @@ void addFraction(std::string_view value, std::vector<std::string>& meant) {
             text = ahead;
         }
     }
+    text.skipBlanks();
     if (numerator.empty() || !text.skip(eKind::SLASH)) {
         return;
     }
+    text.skipBlanks();
     const std::string denominator = text.digits();
     constexpr std::size_t Most = 9;  // digits
     if (denominator.empty() || denominator.size() > Most || numerator.size() > Most ||

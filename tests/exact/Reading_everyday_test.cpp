@@ -604,10 +604,12 @@ TEST(Advice, OffersTheFractionThatADecimalExponentRounds) {
 TEST(Advice, CorrectsNumbers) {
     const CCatalogue all = everything();
     const std::pair<const char*, const char*> rows[] = {
-        {"1/2 in", "0.5 in"},         {"1 1/2 in", "1.5 in"}, {"1h30min", "90 min"},
-        {"1 h 30 min", "90 min"},     {"5 ft 6 in", "66 in"}, {"1 000 m", "1000 m"},
-        {"1'000'000 m", "1000000 m"}, {"10^3 m", "1e3 m"},    {"2×10³ m", "2e3 m"},
-        {"2 x 10^-3 m", "2e-3 m"},    {"2,5 km", "2.5 km"},   {"1,234,567 m", "1234567 m"},
+        {"1/2 in", "0.5 in"},         {"1 1/2 in", "1.5 in"},       {"1h30min", "90 min"},
+        {"5 /2 m", "2.5 m"},          {"1 / 2 in", "0.5 in"},       {"1 1 /2 in", "1.5 in"},
+        {"5 /100km", "0.05km"},       {"1 h 30 min", "90 min"},     {"5 ft 6 in", "66 in"},
+        {"1 000 m", "1000 m"},        {"1'000'000 m", "1000000 m"}, {"10^3 m", "1e3 m"},
+        {"2×10³ m", "2e3 m"},         {"2 x 10^-3 m", "2e-3 m"},    {"2,5 km", "2.5 km"},
+        {"1,234,567 m", "1234567 m"},
     };
     for (const auto& [text, meant] : rows) {
         EXPECT_THAT(diagnosisOfValue(text, all).Readings, ElementsAre(meant)) << text;
