@@ -105,7 +105,7 @@ eKind kindBeyondAscii(char32_t c, int& digit) {
 
 }  // namespace
 
-void CCursor::readBeyondAscii() {
+[[gnu::hot]] void CCursor::readBeyondAscii() {
     m_Character = decode(m_Text.substr(m_At), m_Length);
     m_Kind = kindBeyondAscii(m_Character, m_Digit);
 }

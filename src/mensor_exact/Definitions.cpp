@@ -321,7 +321,7 @@ CCatalogue CCatalogue::with(const std::vector<CDefinition>& definitions) const {
     return CAdder(*this).add(definitions);
 }
 
-CNamePlace CCatalogue::place(std::string_view name) const noexcept {
+[[gnu::hot]] CNamePlace CCatalogue::place(std::string_view name) const noexcept {
     const std::size_t row = CTable::find(name, m_Packs);
     if (m_Own == nullptr || (row != CTable::None && !takesAway(name))) {
         return {row, nullptr};

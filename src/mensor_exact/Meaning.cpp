@@ -93,13 +93,13 @@ void requireNoOffset(const CMeaning& meaning) {
 
 CMeaning::CMeaning() noexcept = default;
 CMeaning::CMeaning(const CMeaning& other) = default;
-CMeaning::CMeaning(CMeaning&& other) noexcept = default;
+[[gnu::hot]] CMeaning::CMeaning(CMeaning&& other) noexcept = default;
 CMeaning& CMeaning::operator=(const CMeaning& other) {
     CMeaning copy = other;  // if this throws, nothing has changed
     return *this = std::move(copy);
 }
 CMeaning& CMeaning::operator=(CMeaning&& other) noexcept = default;
-CMeaning::~CMeaning() = default;
+[[gnu::hot]] CMeaning::~CMeaning() = default;
 
 CMeaning::CMeaning(const CSmallMeaning& small)
     : m_Factor(small.Factor, static_cast<int>(small.Pi)), m_Offset(small.Offset) {
@@ -240,7 +240,7 @@ void CMeaning::multiplyRest(const CMeaning& other, CExponent exponent) {
     m_Factor = std::move(factor);
 }
 
-void CMeaning::multiplyBy(const CMeaning& other, CExponent exponent) {
+[[gnu::hot]] void CMeaning::multiplyBy(const CMeaning& other, CExponent exponent) {
     requireNoOffset(*this);
     requireNoOffset(other);
     if (exponent.isZero()) {

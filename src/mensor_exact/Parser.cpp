@@ -33,7 +33,7 @@ struct Fraction {
 };
 
 // Returns the product in lowest terms. All four numbers are within ±9999, so no product overflows.
-Fraction multiplied(Fraction a, Fraction b) {
+[[gnu::hot]] Fraction multiplied(Fraction a, Fraction b) {
     const int pow = a.Pow * b.Pow;
     const int root = a.Root * b.Root;
     if (root == 1) {
@@ -79,7 +79,7 @@ public:
           m_Refusal(refusal),
           m_Cursor(text, begin) {}
 
-    bool parse(bool mayBeEmpty) {
+    [[gnu::hot]] bool parse(bool mayBeEmpty) {
         const std::string_view unit = m_Text.substr(m_Begin);
         if (unit.size() > LongestText && countCodePoints(unit) > LongestText) {
             return refuse(eRefusal::TOO_LONG, {m_Begin, m_Begin}, sentences::LONG_UNIT);
@@ -105,7 +105,7 @@ private:
     // Rules.
 
     // Reads up to the end of the text or up to a ")". The cursor is then at the ")".
-    bool expression(int depth) {
+    [[gnu::hot]] bool expression(int depth) {
         const std::size_t begin = at();
         if ((kind() != eKind::DIGIT || !one()) && !product(depth)) {
             return false;
@@ -185,7 +185,7 @@ private:
         }
     }
 
-    bool factor(int depth) {
+    [[gnu::hot]] bool factor(int depth) {
         if (depth > DeepestNesting) {
             return refuse(eRefusal::TOO_DEEP, here(), sentences::NESTED_TOO_DEEP);
         }
@@ -476,7 +476,7 @@ private:
     }
 
     // Reads up to four digits. "4/200" is accepted: it is in range in lowest terms.
-    [[gnu::noinline]] bool digits(eKind digitKind, int& n) {
+    [[gnu::hot, gnu::noinline]] bool digits(eKind digitKind, int& n) {
         constexpr int Largest = 9999;
         const std::size_t begin = at();
         n = 0;
@@ -525,7 +525,7 @@ private:
         return true;
     }
 
-    [[gnu::noinline]] bool raise(std::size_t begin, Fraction exponent, CSpan span) {
+    [[gnu::hot, gnu::noinline]] bool raise(std::size_t begin, Fraction exponent, CSpan span) {
         bool isAllInRange = isInRange(exponent);
         for (std::size_t i = begin; i < m_Factors.size() && isAllInRange; ++i) {
             CNamedFactor& factor = m_Factors[i];
@@ -686,7 +686,7 @@ private:
     }
 
     // Refuses a second exponent. The power before the cursor begins at `begin`.
-    bool requireOneExponent(std::size_t begin) {
+    [[gnu::hot]] bool requireOneExponent(std::size_t begin) {
         CCursor ahead = m_Cursor;
         ahead.skipBlanks();
         const bool isStarred = ahead.kind() == eKind::STAR && ahead.peek() == eKind::STAR;
@@ -1077,7 +1077,7 @@ private:
     }
 
     // Returns the name at the end of `span`.
-    [[gnu::noinline]] CSpan lastWord(CSpan span) const {
+    [[gnu::hot, gnu::noinline]] CSpan lastWord(CSpan span) const {
         CSpan word{span.Begin, span.End};
         for (CCursor walk(m_Text.substr(0, span.End), span.Begin); walk.kind() != eKind::END;) {
             const bool isName = walk.kind() == eKind::NAME;
@@ -1131,13 +1131,13 @@ private:
 
 }  // namespace
 
-bool parse(std::string_view text, std::size_t begin, bool mayBeEmpty, CResolver& resolver,
-           CNamedFactors& factors, CRefusal& refusal) {
+[[gnu::hot]] bool parse(std::string_view text, std::size_t begin, bool mayBeEmpty,
+                        CResolver& resolver, CNamedFactors& factors, CRefusal& refusal) {
     return CParser(text, begin, resolver, factors, refusal).parse(mayBeEmpty);
 }
 
-bool takeNotes(std::string_view text, std::size_t begin, const CNamedFactors& factors,
-               CResolver& resolver, bool isStrict, CNotes& notes, CRefusal& refusal) {
+[[gnu::hot]] bool takeNotes(std::string_view text, std::size_t begin, const CNamedFactors& factors,
+                            CResolver& resolver, bool isStrict, CNotes& notes, CRefusal& refusal) {
     const auto take = [&](const CTrap* trap, CSpan span) {
         if (isStrict && trap->Place != ePlace::TOLD) {
             refusal = {eRefusal::MISLEADING, text,   span,  trap->sentence(),

@@ -66,20 +66,23 @@ private:
 
 // Finds a name in `catalogue`, in any spelling. "One" is the dimensionless unit. If `known` is not null,
 // writes the catalogue's spelling into it, or an empty text if no definition can contain that spelling.
-CFound find(std::string_view name, const CCatalogue& catalogue, std::string* known = nullptr) {
-    CFound found = lookUpSpellings(name, [&](std::string_view spelling) {
-        CFound result{CCatalogueBuilder::place(catalogue, spelling)};
-        // A program's own "Ml" may have another meaning than "ML", the megalitre.
-        const bool isSmallLitre = name.back() == 'L' && spelling.back() == 'l';
-        if (isSmallLitre && result.Place.Own != nullptr) {
-            return CFound();
-        }
-        if (result && known != nullptr) {  // no definition can contain "bar(g)" or "in."
-            *known = spelling.find_first_of("(.") == std::string_view::npos ? spelling
-                                                                            : std::string_view();
-        }
-        return result;
-    });
+[[gnu::hot]] CFound find(std::string_view name, const CCatalogue& catalogue,
+                         std::string* known = nullptr) {
+    CFound found = lookUpSpellings(
+        name, [&](std::string_view spelling) __attribute__((hot)) {
+            CFound result{CCatalogueBuilder::place(catalogue, spelling)};
+            // A program's own "Ml" may have another meaning than "ML", the megalitre.
+            const bool isSmallLitre = name.back() == 'L' && spelling.back() == 'l';
+            if (isSmallLitre && result.Place.Own != nullptr) {
+                return CFound();
+            }
+            if (result && known != nullptr) {  // no definition can contain "bar(g)" or "in."
+                *known = spelling.find_first_of("(.") == std::string_view::npos
+                             ? spelling
+                             : std::string_view();
+            }
+            return result;
+        });
     if (!found) {
         found = findWord(name, catalogue);
         if (found && known != nullptr && !found.IsOne) {
@@ -135,7 +138,7 @@ public:
 
     /// Returns the number of the factor that find() has found, which is 2 or more, or
     /// PrefixedScale.
-    std::uint32_t find(std::string_view name) override {
+    [[gnu::hot]] std::uint32_t find(std::string_view name) override {
         const CFound found = exact::find(name, m_Catalogue);
         if (!found) {
             return prefixedScale(name, m_Catalogue) ? PrefixedScale : None;
@@ -204,7 +207,7 @@ public:
                 const CReadOptions& options)
         : m_Text(text), m_Begin(begin), m_Catalogue(catalogue), m_Options(options) {}
 
-    CReading read() {
+    [[gnu::hot]] CReading read() {
         CReading result;
         CCatalogueNames names(m_Catalogue);
         CNamedFactors factors;
@@ -248,7 +251,8 @@ private:
     }
 
     // Returns what a factor of a product means.
-    CMeaning meaningInProduct(const CNamedFactor& factor, const CCatalogueNames& names) const {
+    [[gnu::hot]] CMeaning meaningInProduct(const CNamedFactor& factor,
+                                           const CCatalogueNames& names) const {
         if (CCatalogueNames::isPrefixedScale(factor)) {
             return prefixedScale(factor.Name.of(m_Text), m_Catalogue)->Meaning;
         }
@@ -450,11 +454,13 @@ CCatalogue withPack(const CCatalogue& catalogue, const std::string& name) {
 
 }  // namespace
 
-CReading tryRead(std::string_view text, const CCatalogue& catalogue, const CReadOptions& options) {
+[[gnu::hot]] CReading tryRead(std::string_view text, const CCatalogue& catalogue,
+                              const CReadOptions& options) {
     return CUnitReader(text, 0, catalogue, options).read();
 }
 
-CMeaning read(std::string_view text, const CCatalogue& catalogue, const CReadOptions& options) {
+[[gnu::hot]] CMeaning read(std::string_view text, const CCatalogue& catalogue,
+                           const CReadOptions& options) {
     CReading reading = tryRead(text, catalogue, options);
     if (!reading) {
         throw CReadError(diagnose(reading.Refusal, catalogue));

@@ -232,7 +232,7 @@ std::string_view CTable::name(std::size_t row) noexcept { return nameOf(row); }
 ePack CTable::pack(std::size_t row) noexcept { return Lengths[row].Pack; }
 std::uint32_t CTable::letters(std::size_t row) noexcept { return Letters[row]; }
 
-CMeaning CTable::meaning(std::size_t row) {
+[[gnu::hot]] CMeaning CTable::meaning(std::size_t row) {
     const CPackedRow& data = PackedRows[row];
     const CBaseUnits& units = BaseUnits[data.BaseUnits];
     if (units.Own != 0) {
@@ -247,9 +247,11 @@ CMeaning CTable::meaning(std::size_t row) {
     return result;
 }
 
-bool CTable::hasOffset(std::size_t row) noexcept { return PackedRows[row].Offset != 0; }
+[[gnu::hot]] bool CTable::hasOffset(std::size_t row) noexcept {
+    return PackedRows[row].Offset != 0;
+}
 
-std::size_t CTable::find(std::string_view name, std::uint32_t packs) noexcept {
+[[gnu::hot]] std::size_t CTable::find(std::string_view name, std::uint32_t packs) noexcept {
     constexpr std::size_t Longest = 32;  // bytes; no name is longer
     if (name.size() > Longest) {
         return None;

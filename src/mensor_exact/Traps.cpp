@@ -234,14 +234,15 @@ constexpr CHashes Hashes = makeHashes();
 
 // A quick test that excludes most texts. If it returns false, no row has this place and these
 // texts.
-bool mayHave(ePlace place, std::string_view text, std::string_view behind) {
+[[gnu::hot]] bool mayHave(ePlace place, std::string_view text, std::string_view behind) {
     return !isCommon(place) || Hashes.has(CHashes::hashOf(place, text, behind));
 }
 
 // Returns the first row with this text for which `isPlace` and `isRight` return true, or null. `isPlace` is
 // cheap and excludes most of the rows.
 template <class IsPlace, class IsRight>
-const CTrap* find(std::string_view text, const IsPlace& isPlace, const IsRight& isRight) {
+[[gnu::hot]] const CTrap* find(std::string_view text, const IsPlace& isPlace,
+                               const IsRight& isRight) {
     constexpr std::size_t Longest = 32;  // no row is longer
     if (text.size() > Longest) {
         return nullptr;
@@ -265,7 +266,8 @@ const char* CTrap::sentence() const noexcept { return All.Texts.Sentences + answ
 const CTrap* trapsBegin() noexcept { return std::begin(All.Rows); }
 const CTrap* trapsEnd() noexcept { return std::end(All.Rows); }
 
-const CTrap* findTrap(ePlace place, std::string_view text, std::string_view behind) noexcept {
+[[gnu::hot]] const CTrap* findTrap(ePlace place, std::string_view text,
+                                   std::string_view behind) noexcept {
     if (!mayHave(place, text, behind)) {
         return nullptr;
     }
@@ -274,13 +276,13 @@ const CTrap* findTrap(ePlace place, std::string_view text, std::string_view behi
         [behind](const CTrap& row) { return row.behind() == behind; });
 }
 
-bool hasTrap(ePlace place, std::string_view text) noexcept {
+[[gnu::hot]] bool hasTrap(ePlace place, std::string_view text) noexcept {
     return mayHave(place, text, {}) && find(
                                            text, [place](ePlace other) { return other == place; },
                                            [](const CTrap&) { return true; }) != nullptr;
 }
 
-const CTrap* findNote(std::string_view name) noexcept {
+[[gnu::hot]] const CTrap* findNote(std::string_view name) noexcept {
     if (!mayHave(ePlace::TOLD, name, {})) {
         return nullptr;
     }
