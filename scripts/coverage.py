@@ -99,8 +99,8 @@ def main():
             for line, what in sorted(missing):
                 print(f"  {Path(name).relative_to(arguments.source)}:{line}: {what}: {texts[name][line - 1].strip()}")
         part = {kind: 100 * run[kind] / total[kind] if total[kind] else 100 for kind in ("lines", "branches")}
-        print(f"{folder}: {part['lines']:.1f} % of {total['lines']} lines, "
-              f"{part['branches']:.1f} % of {total['branches']} branches")
+        print(f"{folder}: {run['lines']} of {total['lines']} lines ({part['lines']:.1f} %), "
+              f"{run['branches']} of {total['branches']} branches ({part['branches']:.1f} %)")
         failed = failed or part["lines"] < LEAST_LINES or part["branches"] < LEAST_BRANCHES
     return failed
 
