@@ -498,8 +498,9 @@ TEST(Reading, RefusesExponentsThatOnlyTheProductOfTheLibraryHas) {
     EXPECT_TRUE(checked::tryReadMeaning("qa^60·qb^60"));
 }
 
-// The hash code of a power depends on 3·101 − 2·150 = 3·5 − 2·6.
-TEST(Reading, RefusesATextThatIsAnObjectWithExponentsOfNoText) {
+// m^(5/6) and m^(101/150) have the same hash code: it depends on 3·5 − 2·6 = 3, and on 3·101 − 2·150 = 3. No text
+// can be read as the second one, because its exponent is too large.
+TEST(Reading, RefusesATextThatTheRegistryTakesForAUnitWithoutAText) {
     const CUnitPtr other = SI::Meter()->pow(101)->root(150);
     const CReading reading = tryReadUnit("m^(5/6)");
     ASSERT_TRUE(reading.Refusal);

@@ -1113,8 +1113,8 @@ bool notedBlock(const CFastForm& form, const double* values, double* results, st
     return bestLoops().Many[form.Way](form, values, results, count);
 }
 
-// A vector across two cache lines takes two stores. With an offset, these take less time than a short first
-// block.
+// A vector that lies across two cache lines takes two stores, so the first block ends at a cache line. With an
+// offset, a short first block would take longer than the second stores.
 TEST(FastForm, BeginsBlocksAtCacheLinesUnlessThereIsAnOffset) {
     CLoops loops = bestLoops();
     loops.Many[PROVED] = loops.Many[OFFSET] = notedBlock;

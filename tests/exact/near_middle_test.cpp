@@ -271,7 +271,8 @@ TEST(NearMiddle, FindsTheEverydayFactorsWhoseTiesAreRight) {
     EXPECT_FALSE(isRightForTies(53, 78125, 10467));  // kJ to cal
 }
 
-// The first odd multiple of a numerator decides, and it must be odd. Greater odd parts than mostOddPart() tell more.
+// Compares with a search for a tie. The odd parts are greater than mostOddPart() allows, since the search is exact for
+// them, too, and more of these fractions have ties.
 TEST(NearMiddle, FindsTheFractionsWithTies) {
     constexpr int Bits = 10;
     constexpr std::uint64_t End = 1 << Bits;
