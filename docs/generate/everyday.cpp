@@ -3,13 +3,14 @@
 //     everyday spellings | words | traps | notes | refusals | forms
 #include <cstring>
 #include <iostream>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "mensor_exact/Definitions.h"
 #include "mensor_exact/Reading.h"
-#include "mensor_exact/Traps.h"
+#include "mensor_exact/TrapRows.h"
 #include "support/trap_example.h"
 
 using namespace mensor::exact;
@@ -63,22 +64,22 @@ void words() {
 #include "mensor_exact/spellings.def"
 }
 
-bool isNote(const CTrap& trap) {
+bool isNote(const CTrapRow& trap) {
     return trap.Place == ePlace::UNUSUAL || trap.Place == ePlace::TOLD ||
            trap.Place == ePlace::SHAPE;
 }
 
 // Returns whether two rows differ in their text alone.
-bool areAlike(const CTrap& a, const CTrap& b) {
-    return a.Place == b.Place && a.sentence() == b.sentence() && a.first() == b.first() &&
-           a.second() == b.second();
+bool areAlike(const CTrapRow& a, const CTrapRow& b) {
+    return a.Place == b.Place && a.Sentence == b.Sentence && a.First == b.First &&
+           a.Second == b.Second;
 }
 
 // Writes rows that differ in their text alone as one row, with the message of the first.
 void refused(bool isUnknown) {
     std::cout << "| Written | Code | Because |\n|---|---|---|\n";
     const CCatalogue catalogue = everything();
-    for (const CTrap* trap = trapsBegin(); trap != trapsEnd();) {
+    for (const CTrapRow* trap = std::begin(TrapRows); trap != std::end(TrapRows);) {
         if (isNote(*trap) || (trap->Place == ePlace::UNKNOWN) != isUnknown) {
             ++trap;
             continue;
@@ -91,8 +92,8 @@ void refused(bool isUnknown) {
         }
         const CDiagnosis diagnosis = diagnose(reading.Refusal, catalogue);
         std::cout << "| " << code(text);
-        const CTrap* const first = trap;
-        for (++trap; trap != trapsEnd() && areAlike(*first, *trap); ++trap) {
+        const CTrapRow* const first = trap;
+        for (++trap; trap != std::end(TrapRows) && areAlike(*first, *trap); ++trap) {
             std::cout << ", " << code(exampleOf(*trap));
         }
         std::cout << " | " << nameOf(diagnosis.Code) << " | " << diagnosis.message() << " |\n";
@@ -101,16 +102,16 @@ void refused(bool isUnknown) {
 
 void notes() {
     std::cout << "| Written | Note | With `Strict` |\n|---|---|---|\n";
-    for (const CTrap* trap = trapsBegin(); trap != trapsEnd(); ++trap) {
-        if (!isNote(*trap)) {
+    for (const CTrapRow& trap : TrapRows) {
+        if (!isNote(trap)) {
             continue;
         }
-        std::string text(trap->text());
-        if (trap->Place == ePlace::SHAPE) {
-            text.insert(0, std::string(trap->behind()) + "/");
+        std::string text(trap.Text);
+        if (trap.Place == ePlace::SHAPE) {
+            text.insert(0, std::string(trap.Behind) + "/");
         }
-        std::cout << "| " << code(text) << " | " << withName(trap->sentence(), text) << " | "
-                  << (trap->Place == ePlace::TOLD ? "read" : "refused") << " |\n";
+        std::cout << "| " << code(text) << " | " << withName(trap.Sentence, text) << " | "
+                  << (trap.Place == ePlace::TOLD ? "read" : "refused") << " |\n";
     }
 }
 

@@ -1,47 +1,24 @@
 #include "mensor_exact/Traps.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <iterator>
 
 #include "mensor_exact/NameIndex.h"
+#include "mensor_exact/TrapRows.h"
 
 namespace mensor::exact {
 
 namespace {
 
-struct CWritten {
-    ePlace Place;
-    std::string_view Text;
-    std::string_view Sentence;
-    std::string_view Behind;
-    std::string_view First;
-    std::string_view Second;
-};
-
-// NOLINTBEGIN(bugprone-macro-parentheses): the arguments are literals, and the rows are lists.
-// Only the compiler reads this array, whose pointers would need relocations at load time.
-constexpr CWritten Written[] = {
-#define MENSOR_TRAP(place, text, sentence, first, second) \
-    {ePlace::place, text, sentence, "", first, second},
-#define MENSOR_BEHIND(place, left, right, sentence, first, second) \
-    {ePlace::place, right, sentence, left, first, second},
-#define MENSOR_NAMED(verdict, text, sentence, first, second) \
-    {ePlace::verdict, text, sentence, "", first, second},
-#include "mensor_exact/traps.def"
-#define MENSOR_REFUSAL(text, sentence, first, second) \
-    {ePlace::UNKNOWN, text, sentence, "", first, second},
-#include "mensor_exact/refusals.def"
-};
-// NOLINTEND(bugprone-macro-parentheses)
-
-constexpr std::size_t RowCount = std::size(Written);
+constexpr std::size_t RowCount = std::size(TrapRows);
 
 // Numbers things in the order in which they appear first. Equal things get the same number.
 struct CNumbers {
     static constexpr std::size_t Places = 16384;
     std::size_t FirstOf[Places] = {};     // for each number the first thing with it
     std::uint16_t NumberAt[Places] = {};  // a hash table: a number plus 1; 0 if the place is empty
-    std::uint16_t Number[4 * RowCount] = {};  // for each thing its number
+    std::uint16_t Number[3 * RowCount] = {};  // for each thing its number
     std::size_t Count = 0;
 
     template <class IsSame>
@@ -58,31 +35,31 @@ struct CNumbers {
     }
 };
 
-// The texts of all rows: four for each row.
-constexpr std::size_t TextCount = 4 * RowCount;
+// The texts of all answers: three for each row.
+constexpr std::size_t AnswerTextCount = 3 * RowCount;
 
-constexpr std::string_view writtenText(std::size_t i) {
-    const CWritten& row = Written[i / 4];
-    return i % 4 == 0 ? row.Text : i % 4 == 1 ? row.Behind : i % 4 == 2 ? row.First : row.Second;
+constexpr std::string_view answerText(std::size_t i) {
+    const CTrapRow& row = TrapRows[i / 3];
+    return i % 3 == 0 ? row.Behind : i % 3 == 1 ? row.First : row.Second;
 }
 
-constexpr CNumbers numberTexts() {
+constexpr CNumbers numberAnswerTexts() {
     CNumbers numbers;
-    for (std::size_t i = 0; i < TextCount; ++i) {
-        numbers.add(i, hashOfName(writtenText(i)), [](std::size_t a, std::size_t b) {
-            return isEqual(writtenText(a), writtenText(b));
+    for (std::size_t i = 0; i < AnswerTextCount; ++i) {
+        numbers.add(i, hashOfName(answerText(i)), [](std::size_t a, std::size_t b) {
+            return isEqual(answerText(a), answerText(b));
         });
     }
     return numbers;
 }
 
-constexpr CNumbers NumberedTexts = numberTexts();
+constexpr CNumbers AnswerTexts = numberAnswerTexts();
 
 constexpr CNumbers numberSentences() {
     CNumbers numbers;
     for (std::size_t row = 0; row < RowCount; ++row) {
-        numbers.add(row, hashOfName(Written[row].Sentence), [](std::size_t a, std::size_t b) {
-            return isEqual(Written[a].Sentence, Written[b].Sentence);
+        numbers.add(row, hashOfName(TrapRows[row].Sentence), [](std::size_t a, std::size_t b) {
+            return isEqual(TrapRows[a].Sentence, TrapRows[b].Sentence);
         });
     }
     return numbers;
@@ -90,19 +67,20 @@ constexpr CNumbers numberSentences() {
 
 constexpr CNumbers NumberedSentences = numberSentences();
 
-// The rows that differ in more than the place and the text.
+// The rows that differ in more than the text.
 constexpr CNumbers numberAnswers() {
     CNumbers numbers;
     for (std::size_t row = 0; row < RowCount; ++row) {
         std::uint32_t hash = NumberedSentences.Number[row];
-        for (std::size_t i = 4 * row + 1; i < 4 * row + 4; ++i) {
-            hash = hash * 16777619U + NumberedTexts.Number[i];
+        for (std::size_t i = 3 * row; i < 3 * row + 3; ++i) {
+            hash = hash * 16777619U + AnswerTexts.Number[i];
         }
         numbers.add(row, hash, [](std::size_t a, std::size_t b) {
-            return NumberedSentences.Number[a] == NumberedSentences.Number[b] &&
-                   NumberedTexts.Number[4 * a + 1] == NumberedTexts.Number[4 * b + 1] &&
-                   NumberedTexts.Number[4 * a + 2] == NumberedTexts.Number[4 * b + 2] &&
-                   NumberedTexts.Number[4 * a + 3] == NumberedTexts.Number[4 * b + 3];
+            return TrapRows[a].Place == TrapRows[b].Place &&
+                   NumberedSentences.Number[a] == NumberedSentences.Number[b] &&
+                   AnswerTexts.Number[3 * a] == AnswerTexts.Number[3 * b] &&
+                   AnswerTexts.Number[3 * a + 1] == AnswerTexts.Number[3 * b + 1] &&
+                   AnswerTexts.Number[3 * a + 2] == AnswerTexts.Number[3 * b + 2];
         });
     }
     return numbers;
@@ -110,92 +88,219 @@ constexpr CNumbers numberAnswers() {
 
 constexpr CNumbers NumberedAnswers = numberAnswers();
 
-constexpr std::size_t sizeOfTexts() {
-    std::size_t size = 0;
-    for (std::size_t i = 0; i < NumberedTexts.Count; ++i) {
-        size += writtenText(NumberedTexts.FirstOf[i]).size();
-    }
-    return size;
-}
-
-constexpr std::size_t sizeOfSentences() {
-    std::size_t size = 0;
-    for (std::size_t i = 0; i < NumberedSentences.Count; ++i) {
-        size += Written[NumberedSentences.FirstOf[i]].Sentence.size() + 1;
-    }
-    return size;
-}
-
-// Holds each text and each sentence once. A sentence has a zero at its end.
+// Different texts, each with a zero at its end. textOf(i) returns the text of a thing.
+template <std::size_t Size, std::size_t Count>
 struct CTexts {
-    char All[sizeOfTexts()] = {};
-    char Sentences[sizeOfSentences()] = {};
-};
+    static_assert(Size < 65536);
+    char Letters[Size] = {};
+    std::uint16_t Starts[Count] = {};
 
-// What the rows share, and their rows.
-struct CRows {
-    CTexts Texts;
-    CTrap Rows[RowCount] = {};
-    CTrap::CAnswer Answers[NumberedAnswers.Count] = {};
-};
-
-constexpr CRows makeRows() {
-    static_assert(sizeOfTexts() < 65536 && sizeOfSentences() < 65536);
-    CRows rows;
-    CTrap::CPiece pieces[NumberedTexts.Count] = {};
-    std::size_t end = 0;
-    for (std::size_t i = 0; i < NumberedTexts.Count; ++i) {
-        const std::string_view text = writtenText(NumberedTexts.FirstOf[i]);
-        pieces[i].Start = static_cast<std::uint16_t>(end);
-        pieces[i].Length = static_cast<std::uint8_t>(text.size());
-        for (const char c : text) {
-            rows.Texts.All[end++] = c;
+    template <class TextOf>
+    constexpr CTexts(const CNumbers& numbers, const TextOf& textOf) {
+        std::size_t end = 0;
+        for (std::size_t i = 0; i < Count; ++i) {
+            Starts[i] = static_cast<std::uint16_t>(end);
+            for (const char c : textOf(numbers.FirstOf[i])) {
+                Letters[end++] = c;
+            }
+            ++end;
         }
     }
-    std::uint16_t sentences[NumberedSentences.Count] = {};
-    end = 0;
-    for (std::size_t i = 0; i < NumberedSentences.Count; ++i) {
-        sentences[i] = static_cast<std::uint16_t>(end);
-        for (const char c : Written[NumberedSentences.FirstOf[i]].Sentence) {
-            rows.Texts.Sentences[end++] = c;
-        }
-        ++end;
+};
+
+template <class TextOf>
+constexpr std::size_t sizeOfTexts(const CNumbers& numbers, const TextOf& textOf) {
+    std::size_t size = 0;
+    for (std::size_t i = 0; i < numbers.Count; ++i) {
+        size += textOf(numbers.FirstOf[i]).size() + 1;
     }
+    return size;
+}
+
+constexpr auto sentenceOfRow = [](std::size_t row) { return TrapRows[row].Sentence; };
+constexpr CTexts<sizeOfTexts(NumberedSentences, sentenceOfRow), NumberedSentences.Count> Sentences(
+    NumberedSentences, sentenceOfRow);
+
+constexpr CTexts<sizeOfTexts(AnswerTexts, answerText), AnswerTexts.Count> WordsOfAnswers(
+    AnswerTexts, answerText);
+
+struct CAnswers {
+    CTrap Row[NumberedAnswers.Count] = {};
+    // As in WordsOfAnswers. Only the compiler needs the starts that are there.
+    char Words[std::size(WordsOfAnswers.Letters)] = {};
+};
+
+constexpr CAnswers makeAnswers() {
+    static_assert(NumberedSentences.Count <= 256);
+    CAnswers answers;
     for (std::size_t i = 0; i < NumberedAnswers.Count; ++i) {
         const std::size_t row = NumberedAnswers.FirstOf[i];
-        CTrap::CAnswer& answer = rows.Answers[i];
-        answer.Behind = pieces[NumberedTexts.Number[4 * row + 1]];
-        answer.First = pieces[NumberedTexts.Number[4 * row + 2]];
-        answer.Second = pieces[NumberedTexts.Number[4 * row + 3]];
-        answer.Sentence = sentences[NumberedSentences.Number[row]];
+        const auto start = [row](std::size_t column) {
+            return WordsOfAnswers.Starts[AnswerTexts.Number[3 * row + column]];
+        };
+        CTrap& answer = answers.Row[i];
+        answer.Place = TrapRows[row].Place;
+        answer.Sentence = static_cast<std::uint8_t>(NumberedSentences.Number[row]);
+        answer.Behind = start(0);
+        answer.First = start(1);
+        answer.Second = start(2);
     }
-    for (std::size_t row = 0; row < RowCount; ++row) {
-        rows.Rows[row].Text = pieces[NumberedTexts.Number[4 * row]];
-        rows.Rows[row].Answer = NumberedAnswers.Number[row];
-        rows.Rows[row].Place = Written[row].Place;
+    for (std::size_t i = 0; i < std::size(answers.Words); ++i) {
+        answers.Words[i] = WordsOfAnswers.Letters[i];
     }
-    return rows;
+    return answers;
 }
 
-constexpr CRows All = makeRows();
+constexpr CAnswers Answers = makeAnswers();
 
-struct CMember {
-    ePlace Class;
-    char Name[11];
+// The numbers of the rows, sorted by their texts. Rows with the same text are in the order of the files.
+struct COrder {
+    std::uint16_t Row[RowCount] = {};
 };
 
-constexpr CMember Members[] = {
-#define MENSOR_CLASS(place, text) {ePlace::place, text},
-#include "mensor_exact/traps.def"
-};
-
-constexpr std::string_view textOf(std::size_t row) {
-    const CTrap::CPiece text = All.Rows[row].Text;
-    return {All.Texts.All + text.Start, text.Length};
+constexpr COrder sortRows() {
+    COrder order;
+    for (std::size_t i = 0; i < RowCount; ++i) {
+        order.Row[i] = static_cast<std::uint16_t>(i);
+    }
+    for (std::size_t size = 1; size < RowCount; size *= 2) {  // merges sorted pieces of this size
+        const COrder before = order;
+        for (std::size_t begin = 0; begin < RowCount; begin += 2 * size) {
+            const std::size_t middle = begin + size < RowCount ? begin + size : RowCount;
+            const std::size_t end = middle + size < RowCount ? middle + size : RowCount;
+            std::size_t left = begin;
+            std::size_t right = middle;
+            for (std::size_t i = begin; i < end; ++i) {
+                const bool isRight =
+                    left == middle || (right < end && TrapRows[before.Row[right]].Text <
+                                                          TrapRows[before.Row[left]].Text);
+                order.Row[i] = before.Row[isRight ? right++ : left++];
+            }
+        }
+    }
+    return order;
 }
 
-// Dense, since Hashes ends most look-ups before.
-constexpr CNameIndex<RowCount, RowCount * 5 / 4> Index(textOf);
+constexpr COrder Order = sortRows();
+
+// All texts in the order of their bytes, with the answers of their rows. A text that begins as the one before
+// is stored without this beginning:
+//
+//     one byte         the size of the beginning times 16, plus the size of the rest
+//     the rest
+//     for each row     two bytes: the number of its answer, plus 0x8000 if a row with the same text follows
+//
+// Every sixteenth text is stored whole. There the search begins.
+constexpr std::size_t LongestText = 15;
+constexpr std::size_t GroupSize = 16;
+constexpr std::size_t MoreRows = 0x8000;
+
+struct CWrittenTexts {
+    std::uint8_t Bytes[20 * RowCount] = {};
+    std::uint16_t Starts[RowCount] = {};
+    std::size_t Size = 0;
+    std::size_t Groups = 0;
+    bool IsGood = true;
+
+    constexpr void write(std::size_t byte) { Bytes[Size++] = static_cast<std::uint8_t>(byte); }
+
+    constexpr void writeText(std::string_view text, std::size_t same) {
+        IsGood = IsGood && !text.empty() && text.size() <= LongestText;
+        write(same * 16 + (text.size() - same));
+        for (const char c : text.substr(same)) {
+            write(static_cast<std::uint8_t>(c));
+        }
+    }
+};
+
+constexpr std::string_view sortedText(std::size_t i) { return TrapRows[Order.Row[i]].Text; }
+
+constexpr std::size_t sameBeginning(std::string_view a, std::string_view b) {
+    std::size_t size = 0;
+    while (size < a.size() && size < b.size() && a[size] == b[size]) {
+        ++size;
+    }
+    return size;
+}
+
+constexpr CWrittenTexts writeTexts() {
+    static_assert(NumberedAnswers.Count < MoreRows);
+    CWrittenTexts texts;
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < RowCount; ++i) {
+        const std::string_view text = sortedText(i);
+        if (i == 0 || !isEqual(text, sortedText(i - 1))) {
+            const bool isFirst = count++ % GroupSize == 0;
+            if (isFirst) {
+                texts.Starts[texts.Groups++] = static_cast<std::uint16_t>(texts.Size);
+            }
+            texts.writeText(text, isFirst ? 0 : sameBeginning(text, sortedText(i - 1)));
+        }
+        const bool isLast = i + 1 == RowCount || !isEqual(text, sortedText(i + 1));
+        const std::size_t answer = NumberedAnswers.Number[Order.Row[i]] + (isLast ? 0 : MoreRows);
+        texts.write(answer & 0xFF);
+        texts.write(answer >> 8);
+    }
+    return texts;
+}
+
+constexpr CWrittenTexts WrittenTexts = writeTexts();
+
+static_assert(WrittenTexts.IsGood, "a text is empty or has more than 15 bytes");
+static_assert(WrittenTexts.Size < 65536);
+
+struct CTrapTexts {
+    std::uint8_t Bytes[WrittenTexts.Size] = {};
+    std::uint16_t Starts[WrittenTexts.Groups] = {};
+};
+
+constexpr CTrapTexts makeTrapTexts() {
+    CTrapTexts texts;
+    for (std::size_t i = 0; i < WrittenTexts.Size; ++i) {
+        texts.Bytes[i] = WrittenTexts.Bytes[i];
+    }
+    for (std::size_t i = 0; i < WrittenTexts.Groups; ++i) {
+        texts.Starts[i] = WrittenTexts.Starts[i];
+    }
+    return texts;
+}
+
+constexpr CTrapTexts Texts = makeTrapTexts();
+
+// The names of the classes, each with a zero at its end, sorted by class.
+constexpr std::size_t ClassCount = static_cast<std::size_t>(ePlace::UNKNOWN);
+
+constexpr std::size_t sizeOfMembers() {
+    std::size_t size = 0;
+    for (const CTrapMember& member : TrapMembers) {
+        size += member.Name.size() + 1;
+    }
+    return size;
+}
+
+struct CMembers {
+    char Names[sizeOfMembers()] = {};
+    std::uint16_t Starts[ClassCount + 1] = {};  // of each class; the last one is the end
+};
+
+constexpr CMembers makeMembers() {
+    CMembers members;
+    std::size_t end = 0;
+    for (std::size_t place = 0; place < ClassCount; ++place) {
+        for (const CTrapMember& member : TrapMembers) {
+            if (static_cast<std::size_t>(member.Class) == place) {
+                for (const char c : member.Name) {
+                    members.Names[end++] = c;
+                }
+                ++end;
+            }
+        }
+        members.Starts[place + 1] = static_cast<std::uint16_t>(end);
+    }
+    return members;
+}
+
+constexpr CMembers Members = makeMembers();
 
 constexpr bool isNote(ePlace place) { return place == ePlace::UNUSUAL || place == ePlace::TOLD; }
 
@@ -220,11 +325,10 @@ struct CHashes {
 
 constexpr CHashes makeHashes() {
     CHashes hashes;
-    for (std::size_t row = 0; row < RowCount; ++row) {
-        const ePlace place = All.Rows[row].Place;
-        if (isCommon(place)) {
-            hashes.add(CHashes::hashOf(place, textOf(row), {}));
-            hashes.add(CHashes::hashOf(place, textOf(row), Written[row].Behind));
+    for (const CTrapRow& row : TrapRows) {
+        if (isCommon(row.Place)) {
+            hashes.add(CHashes::hashOf(row.Place, row.Text, {}));
+            hashes.add(CHashes::hashOf(row.Place, row.Text, row.Behind));
         }
     }
     return hashes;
@@ -238,62 +342,89 @@ constexpr CHashes Hashes = makeHashes();
     return !isCommon(place) || Hashes.has(CHashes::hashOf(place, text, behind));
 }
 
-// Returns the first row with this text for which `isPlace` and `isRight` return true, or null. `isPlace` is
-// cheap and excludes most of the rows.
-template <class IsPlace, class IsRight>
-[[gnu::hot]] const CTrap* find(std::string_view text, const IsPlace& isPlace,
-                               const IsRight& isRight) {
-    constexpr std::size_t Longest = 32;  // no row is longer
-    if (text.size() > Longest) {
+std::string_view wholeTextAt(std::size_t start) {
+    return {reinterpret_cast<const char*>(Texts.Bytes) + start + 1, Texts.Bytes[start]};
+}
+
+std::size_t twoBytes(const std::uint8_t* at) { return at[0] + at[1] * std::size_t{256}; }
+
+// Returns where the answers of this text begin, or null.
+const std::uint8_t* answersTo(std::string_view text) {
+    const auto* const group = std::upper_bound(
+        std::begin(Texts.Starts), std::end(Texts.Starts), text,
+        [](std::string_view wanted, std::size_t start) { return wanted < wholeTextAt(start); });
+    if (group == std::begin(Texts.Starts)) {
         return nullptr;
     }
-    const std::size_t row = Index.find(text, [&](std::size_t i) {
-        return isPlace(All.Rows[i].Place) && isEqual(textOf(i), text) && isRight(All.Rows[i]);
-    });
-    return row == Index.None ? nullptr : &All.Rows[row];
+    const std::uint8_t* at = Texts.Bytes + group[-1];
+    const std::uint8_t* const end =
+        group == std::end(Texts.Starts) ? std::end(Texts.Bytes) : Texts.Bytes + *group;
+    char known[LongestText];
+    while (at != end) {
+        const std::size_t same = *at / 16;
+        const std::size_t rest = *at % 16;
+        std::copy_n(at + 1, rest, known + same);
+        at += 1 + rest;
+        if (std::string_view(known, same + rest) == text) {
+            return at;
+        }
+        while (twoBytes(at) >= MoreRows) {
+            at += 2;
+        }
+        at += 2;
+    }
+    return nullptr;
+}
+
+// Returns the answer of the first row with this text for which `isRight` returns true, or null.
+template <class IsRight>
+const CTrap* find(std::string_view text, const IsRight& isRight) {
+    std::size_t answer = MoreRows;
+    for (const std::uint8_t* at = answersTo(text); at != nullptr && answer >= MoreRows; at += 2) {
+        answer = twoBytes(at);
+        const CTrap& row = Answers.Row[answer % MoreRows];
+        if (isRight(row)) {
+            return &row;
+        }
+    }
+    return nullptr;
 }
 
 }  // namespace
 
-std::string_view CTrap::textOf(CPiece piece) noexcept {
-    return {All.Texts.All + piece.Start, piece.Length};
+std::string_view CTrap::textAt(std::size_t start) noexcept { return Answers.Words + start; }
+
+const char* CTrap::sentence() const noexcept {
+    return Sentences.Letters + Sentences.Starts[Sentence];
 }
-
-const CTrap::CAnswer& CTrap::answer() const noexcept { return All.Answers[Answer]; }
-
-const char* CTrap::sentence() const noexcept { return All.Texts.Sentences + answer().Sentence; }
-
-const CTrap* trapsBegin() noexcept { return std::begin(All.Rows); }
-const CTrap* trapsEnd() noexcept { return std::end(All.Rows); }
 
 [[gnu::hot]] const CTrap* findTrap(ePlace place, std::string_view text,
                                    std::string_view behind) noexcept {
-    if (!mayHave(place, text, behind)) {
-        return nullptr;
-    }
-    return find(
-        text, [place](ePlace other) { return other == place; },
-        [behind](const CTrap& row) { return row.behind() == behind; });
+    return !mayHave(place, text, behind) ? nullptr : find(text, [&](const CTrap& row) {
+        return row.Place == place && row.behind() == behind;
+    });
 }
 
 [[gnu::hot]] bool hasTrap(ePlace place, std::string_view text) noexcept {
-    return mayHave(place, text, {}) && find(
-                                           text, [place](ePlace other) { return other == place; },
-                                           [](const CTrap&) { return true; }) != nullptr;
+    return mayHave(place, text, {}) &&
+           find(text, [place](const CTrap& row) { return row.Place == place; }) != nullptr;
 }
 
 [[gnu::hot]] const CTrap* findNote(std::string_view name) noexcept {
-    if (!mayHave(ePlace::TOLD, name, {})) {
-        return nullptr;
-    }
-    return find(name, isNote, [](const CTrap&) { return true; });
+    return !mayHave(ePlace::TOLD, name, {})
+               ? nullptr
+               : find(name, [](const CTrap& row) { return isNote(row.Place); });
 }
 
 bool isMember(std::string_view name, ePlace place) noexcept {
-    for (const CMember& member : Members) {
-        if (member.Class == place && member.Name == name) {
+    const std::size_t number = static_cast<std::size_t>(place);
+    const char* const end = Members.Names + Members.Starts[number + 1];
+    for (const char* member = Members.Names + Members.Starts[number]; member != end;) {
+        const std::string_view known = member;
+        if (known == name) {
             return true;
         }
+        member += known.size() + 1;
     }
     return false;
 }
@@ -303,24 +434,21 @@ const CTrap* findPair(std::string_view name, std::string_view next, bool isBelow
     if (below != nullptr && isMember(name, ePlace::MASS)) {
         return below;
     }
-    return find(
-        next, [](ePlace place) { return place <= ePlace::APART; },
-        [&](const CTrap& row) {
-            return row.Place == ePlace::APART      ? row.behind() == name
-                   : row.Place == ePlace::MASS_PER ? !isBelow && isMember(name, ePlace::MASS)
-                                                   : isMember(name, row.Place);
-        });
+    return find(next, [&](const CTrap& row) {
+        return row.Place == ePlace::APART ? row.behind() == name
+               : row.Place == ePlace::MASS_PER
+                   ? !isBelow && isMember(name, ePlace::MASS)
+                   : row.Place < ePlace::APART && isMember(name, row.Place);
+    });
 }
 
 const CTrap* findApart(std::string_view name, std::string_view next) noexcept {
-    return find(
-        next,
-        [](ePlace place) {
-            return place == ePlace::APART || place == ePlace::DEGREE || place == ePlace::PRESSURE;
-        },
-        [name](const CTrap& row) {
-            return row.Place == ePlace::APART ? row.behind() == name : isMember(name, row.Place);
-        });
+    return find(next, [name](const CTrap& row) {
+        return row.Place == ePlace::APART
+                   ? row.behind() == name
+                   : (row.Place == ePlace::DEGREE || row.Place == ePlace::PRESSURE) &&
+                         isMember(name, row.Place);
+    });
 }
 
 }  // namespace mensor::exact

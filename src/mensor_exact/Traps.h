@@ -33,59 +33,46 @@ enum class ePlace : std::uint8_t {
     UNKNOWN      ///< anywhere, where no unit has this name
 };
 
-/// One row. It has no pointers, which would be relocated when the library is loaded. Most rows have the same
-/// sentence and the same corrections as others, which are stored once.
+/// What is said about a text. Rows with the same answer share it. It has no pointers, which would be relocated
+/// when the library is loaded.
 struct MENSOR_EXACT_API CTrap {
-    /// A part of the array of all texts.
-    struct [[gnu::packed]] CPiece {
-        std::uint16_t Start;
-        std::uint8_t Length;
-    };
-    struct CAnswer {
-        CPiece Behind;
-        CPiece First;
-        CPiece Second;
-        std::uint16_t Sentence;  ///< where it begins in the array of all sentences
-    };
-
-    CPiece Text;
     ePlace Place;
-    std::uint16_t Answer;  ///< a row of the array of all answers
+    std::uint8_t Sentence;  ///< a number
+    std::uint16_t Behind;   ///< where each text begins in the array of all texts of answers
+    std::uint16_t First;
+    std::uint16_t Second;
 
     /// A constant text without a full stop. "{}" stands for the refused or noted text.
     const char* sentence() const noexcept;
 
-    std::string_view text() const noexcept { return textOf(Text); }
-    std::string_view behind() const noexcept { return textOf(answer().Behind); }
+    std::string_view behind() const noexcept { return textAt(Behind); }
     /// What to write instead. May be empty. "{}" stands for the name before the trap.
-    std::string_view first() const noexcept { return textOf(answer().First); }
-    std::string_view second() const noexcept { return textOf(answer().Second); }
+    std::string_view first() const noexcept { return textAt(First); }
+    std::string_view second() const noexcept { return textAt(Second); }
 
 private:
-    static std::string_view textOf(CPiece piece) noexcept;
-    const CAnswer& answer() const noexcept;
+    static std::string_view textAt(std::size_t start) noexcept;
 };
 
-/// All rows, in the order of the files.
-MENSOR_EXACT_API const CTrap* trapsBegin() noexcept;
-MENSOR_EXACT_API const CTrap* trapsEnd() noexcept;
-
-/// Returns the row for this place and text, or null. `behind` is the text before the blank or to the left of
-/// the slash. Only the places that name `Behind` use it.
-const CTrap* findTrap(ePlace place, std::string_view text, std::string_view behind = {}) noexcept;
+/// Returns the answer of the row for this place and text, or null. `behind` is the text before the blank or to
+/// the left of the slash. Only the places that name `Behind` use it.
+MENSOR_EXACT_API const CTrap* findTrap(ePlace place, std::string_view text,
+                                       std::string_view behind = {}) noexcept;
 
 /// Returns true if a row has this place and this text. Does not compare `Behind`.
 bool hasTrap(ePlace place, std::string_view text) noexcept;
 
-/// Returns the note on a name, a row of UNUSUAL or TOLD, or null.
+/// Returns the note on a name, of a row of UNUSUAL or TOLD, or null.
 MENSOR_EXACT_API const CTrap* findNote(std::string_view name) noexcept;
 
-/// Returns the row for two names with only a blank between them, or null. `isBelow` is true if they are to
-/// the right of a slash.
-const CTrap* findPair(std::string_view name, std::string_view next, bool isBelow) noexcept;
+/// Returns the answer of the first row for two names with only a blank between them, or null. `isBelow` is true
+/// if they are to the right of a slash.
+MENSOR_EXACT_API const CTrap* findPair(std::string_view name, std::string_view next,
+                                       bool isBelow) noexcept;
 
-/// Returns the row for two names that are one name or one unit, "mm Hg", "deg.C" or "psi-g", or null.
-const CTrap* findApart(std::string_view name, std::string_view next) noexcept;
+/// Returns the answer of the first row for two names that are one name or one unit, "mm Hg", "deg.C" or "psi-g",
+/// or null.
+MENSOR_EXACT_API const CTrap* findApart(std::string_view name, std::string_view next) noexcept;
 
 /// Returns true if the name is in the class of this place.
 bool isMember(std::string_view name, ePlace place) noexcept;

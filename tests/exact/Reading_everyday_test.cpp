@@ -21,7 +21,7 @@
 #include "mensor_exact/Notes.h"
 #include "mensor_exact/Reading.h"
 #include "mensor_exact/Spelling.h"
-#include "mensor_exact/Traps.h"
+#include "mensor_exact/TrapRows.h"
 #include "mensor_exact/kinds.h"
 #include "mensor_exact/sentences.h"
 #include "support/Everyday.h"
@@ -400,13 +400,13 @@ bool namesAUnit(const CDiagnosis& diagnosis, const CCatalogue& catalogue) {
 TEST(Traps, EachRowIsFoundAndNamesAnAcceptedText) {
     const CCatalogue catalogue = everything();
     int count = 0;
-    for (const CTrap* trap = trapsBegin(); trap != trapsEnd(); ++trap) {
-        const std::string text = test::exampleOf(*trap);
+    for (const CTrapRow& trap : TrapRows) {
+        const std::string text = test::exampleOf(trap);
         SCOPED_TRACE(text);
         ++count;
         const CValueReading reading = tryReadValue(text, catalogue);
-        if (trap->Place == ePlace::UNUSUAL || trap->Place == ePlace::TOLD ||
-            trap->Place == ePlace::SHAPE) {
+        if (trap.Place == ePlace::UNUSUAL || trap.Place == ePlace::TOLD ||
+            trap.Place == ePlace::SHAPE) {
             EXPECT_TRUE(reading);
             EXPECT_EQ(reading.Notes.size(), 1U);
             continue;
@@ -416,15 +416,16 @@ TEST(Traps, EachRowIsFoundAndNamesAnAcceptedText) {
         if (reading || reading.Refusal.Trap == nullptr) {
             continue;
         }
-        EXPECT_STREQ(reading.Refusal.Trap->sentence(), trap->sentence());
-        EXPECT_EQ(reading.Refusal.Trap->text(), trap->text());
+        EXPECT_EQ(reading.Refusal.Trap->sentence(), trap.Sentence);
+        EXPECT_EQ(reading.Refusal.Trap->first(), trap.First);
+        EXPECT_EQ(reading.Refusal.Trap->second(), trap.Second);
         const CDiagnosis diagnosis = diagnose(reading.Refusal, catalogue);
         expectOffersToBeRead(text, diagnosis, catalogue, readsAsValue);
         EXPECT_TRUE(!diagnosis.Readings.empty() || namesAUnit(diagnosis, catalogue))
             << diagnosis.message();
-        if (trap->Place == ePlace::UNKNOWN &&
-            tryReadValue("5 " + std::string(trap->first()), catalogue)) {
-            EXPECT_THAT(diagnosis.Readings, Contains("5 " + std::string(trap->first())));
+        if (trap.Place == ePlace::UNKNOWN &&
+            tryReadValue("5 " + std::string(trap.First), catalogue)) {
+            EXPECT_THAT(diagnosis.Readings, Contains("5 " + std::string(trap.First)));
         }
     }
     EXPECT_GT(count, 2000);
@@ -432,12 +433,11 @@ TEST(Traps, EachRowIsFoundAndNamesAnAcceptedText) {
 
 TEST(Traps, ArbitraryUnitsCanBeDefined) {
     int count = 0;
-    for (const CTrap* trap = trapsBegin(); trap != trapsEnd(); ++trap) {
-        if (std::string_view(trap->sentence()).find("define it as a base unit") ==
-            std::string_view::npos) {
+    for (const CTrapRow& trap : TrapRows) {
+        if (trap.Sentence.find("define it as a base unit") == std::string_view::npos) {
             continue;
         }
-        const std::string name(trap->text());
+        const std::string name(trap.Text);
         if (!isName(name)) {
             continue;  // "TE/F", "Pt-Co"
         }

@@ -4,15 +4,15 @@
 
 #include <string>
 
-#include "mensor_exact/Traps.h"
+#include "mensor_exact/TrapRows.h"
 
 namespace mensor::test {
 
 /// Returns a value in which the row's text is a trap or gets its note: "5 bar g", "50 mg N/l".
-inline std::string exampleOf(const exact::CTrap& trap) {
+inline std::string exampleOf(const exact::CTrapRow& trap) {
     using exact::ePlace;
-    const std::string text(trap.text());
-    const std::string behind(trap.behind());
+    const std::string text(trap.Text);
+    const std::string behind(trap.Behind);
     const bool isPower = !behind.empty() && (behind.back() == '3' || behind.back() == '\xB3');
     switch (trap.Place) {
         case ePlace::DEGREE: return "20° " + text;
