@@ -71,8 +71,7 @@ public:
             return plannedMeaning(name).has_value();
         }
         const std::optional<CMeaning> row = allPackNames().meaning(name);
-        const std::optional<CMeaning> meaning = tryMeaningOf(known->Unit);
-        return !row || !meaning || !areSame(*row, *meaning, known->Unit);
+        return !row || !means(known->Unit, *row);
     }
 
     void addNamesTo(exact::CNearestNames& nearest) override {

@@ -9,6 +9,7 @@
 #include "mensor/ProductUnit.h"
 #include "mensor/TransformedUnit.h"
 #include "mensor_checked/ExactConverter.h"
+#include "mensor_exact/Error.h"
 
 namespace mensor::checked {
 
@@ -36,6 +37,16 @@ double roundingsOfPower(const CUnitRationalPower& element) {
                                   ? 0.0
                                   : std::fabs(std::log(std::fabs(factor.Slope)) * exponent);
     return factor.Roundings * std::fabs(exponent) + ofExponent + RoundingsOfAPower;
+}
+
+bool areNear(const CMeaning& a, const CMeaning& b, const CRounded& rounded) {
+    const double factor = b.factor().toDouble();
+    const double offset = b.offset().toDouble();
+    const double otherOffset = a.offset().toDouble();
+    return a.isCompatibleWith(b) && a.hasMarksOf(b) &&
+           isNear(a.factor().toDouble(), factor, rounded.Roundings, factor) &&
+           isNear(otherOffset, offset, rounded.Roundings,
+                  std::max({rounded.ZeroSize, std::fabs(offset), std::fabs(otherOffset)}));
 }
 
 }  // namespace
@@ -110,19 +121,19 @@ bool convertsAs(CUnit& unit, const CMeaning& meaning) {
 }
 
 bool areSame(const CMeaning& a, const CMeaning& b, const CUnitPtr& unit) {
-    if (a == b) {
-        return true;
-    }
-    if (!a.isCompatibleWith(b) || !a.hasMarksOf(b)) {
+    return a == b || areNear(a, b, roundedToDimension(unit));
+}
+
+bool areSame(const CMeaning& a, const CMeaning& b) {
+    return areNear(a, b, {0.0, 0.0, 2 * RoundingsOfAStep, 0.0});
+}
+
+bool means(const CUnitPtr& unit, const CMeaning& meaning) {
+    try {
+        return areSame(meaningOf(unit), meaning, unit);
+    } catch (const exact::CError&) {  // it has no exact meaning
         return false;
     }
-    const CRounded rounded = roundedToDimension(unit);
-    const double factor = b.factor().toDouble();
-    const double offset = b.offset().toDouble();
-    const double otherOffset = a.offset().toDouble();
-    return isNear(a.factor().toDouble(), factor, rounded.Roundings, factor) &&
-           isNear(otherOffset, offset, rounded.Roundings,
-                  std::max({rounded.ZeroSize, std::fabs(offset), std::fabs(otherOffset)}));
 }
 
 }  // namespace mensor::checked

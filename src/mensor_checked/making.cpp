@@ -98,25 +98,6 @@ CUnitPtr requireSymbol(const CUnitPtr& unit, const string_t& symbol) {
     return unit;
 }
 
-// Returns `unit`, or throws if it does not mean `meaning`. `unit` is a transformed unit, or empty if its
-// identity belongs to a unit of another class.
-CUnitPtr requireMeaning(const CUnitPtr& unit, const CUnitPtr& parent, double slope,
-                        const CMeaning& meaning) {
-    if (!unit) {
-        const CUnitPtr system = parent->getSystemUnit();
-        const double toSystem = parent->getConverterTo(system)->derivative(0.0) * slope;
-        const unsigned hash = static_cast<unsigned>(system->hashCode()) +
-                              static_cast<unsigned>(floatToIntBits(static_cast<float>(toSystem)));
-        if (const CUnitPtr inTheWay = CUnit::searchHashCode(static_cast<int>(hash))) {
-            throwInTheWay(inWords(meaning), inTheWay);
-        }
-        throw CIdentityError(inWords(meaning) + " is the same object as another unit here",
-                             nullptr);
-    }
-    verify(unit, meaning);
-    return unit;
-}
-
 CUnitPtr requireElements(const CUnitPtr& unit, const std::vector<CElement>& elements,
                          const CMeaning& meaning) {
     std::vector<CElement> given;
@@ -158,12 +139,24 @@ CUnitPtr powerOf(const CUnitPtr& unit, CExponent exponent, const char* function,
     return requireElements(raise(), elements, meaning);
 }
 
-// Builds a unit on `unit`, with a converter of this slope. Throws if it does not mean `meaning`.
-template <class Build>
-CUnitPtr transformed(const CUnitPtr& unit, double slope, const CMeaning& meaning,
-                     const char* function, Build build) {
+// Returns the unit whose values `toParent` converts to values of `parent`. Throws if it does not mean
+// `meaning`.
+CUnitPtr transformed(const CUnitPtr& parent, const CConverterPtr& toParent, const CMeaning& meaning,
+                     const char* function) {
     requireRange(meaning, function);
-    return requireMeaning(build(), unit, slope, meaning);
+    const CUnitPtr unit = CTransformedUnit::getInstance(parent, toParent);
+    if (!unit) {  // the identity belongs to a unit of another class
+        const CUnitPtr system = parent->getSystemUnit();
+        CTransformedUnit wanted(system, parent->getConverterTo(system)->concatenate(toParent));
+        wanted.calculateHashCode();
+        if (const CUnitPtr inTheWay = CUnit::searchHashCode(wanted.hashCode())) {
+            throwInTheWay(inWords(meaning), inTheWay);
+        }
+        throw CIdentityError(inWords(meaning) + " is the same object as another unit here",
+                             nullptr);
+    }
+    verify(unit, meaning);
+    return unit;
 }
 
 template <CBaseUnitPtr (*Unit)()>
@@ -237,8 +230,8 @@ CUnitPtr scaled(const CUnitPtr& unit, double factor) {
         return unit;
     }
     const Lock lock;
-    return transformed(unit, factor, meaningOf(unit).scaled(exactly), "scaled",
-                       [&] { return unit->multiply(factor); });
+    return transformed(unit, std::make_shared<CMultiplyConverter>(factor),
+                       meaningOf(unit).scaled(exactly), "scaled");
 }
 
 CUnitPtr shifted(const CUnitPtr& unit, double offset) {
@@ -248,8 +241,8 @@ CUnitPtr shifted(const CUnitPtr& unit, double offset) {
         return unit;
     }
     const Lock lock;
-    return transformed(unit, 1.0, meaningOf(unit).shifted(exactly), "shifted",
-                       [&] { return unit->add(offset); });
+    return transformed(unit, std::make_shared<CAddConverter>(offset),
+                       meaningOf(unit).shifted(exactly), "shifted");
 }
 
 CUnitPtr affine(const CUnitPtr& unit, double factor, double offset) {
@@ -263,12 +256,10 @@ CUnitPtr affine(const CUnitPtr& unit, double factor, double offset) {
         return scaled(unit, factor);
     }
     const Lock lock;
-    return transformed(
-        unit, factor, meaningOf(unit).shifted(exactOffset).scaled(exactFactor), "affine", [&] {
-            return CTransformedUnit::getInstance(
-                unit, std::make_shared<CCompound>(std::make_shared<CMultiplyConverter>(factor),
-                                                  std::make_shared<CAddConverter>(offset)));
-        });
+    return transformed(unit,
+                       std::make_shared<CCompound>(std::make_shared<CMultiplyConverter>(factor),
+                                                   std::make_shared<CAddConverter>(offset)),
+                       meaningOf(unit).shifted(exactOffset).scaled(exactFactor), "affine");
 }
 
 CUnitPtr product(const CUnitPtr& left, const CUnitPtr& right) {

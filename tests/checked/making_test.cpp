@@ -11,6 +11,7 @@
 #include <string>
 
 #include "mensor/AddConverter.h"
+#include "mensor/MultiplyConverter.h"
 #include "mensor/NonSI.h"
 #include "mensor/ProductUnit.h"
 #include "mensor/SI.h"
@@ -129,18 +130,56 @@ TEST(Making, NamesTheCollidingUnitWhenTheLibraryReturnsNull) {
               SI::Meter());
 }
 
-// The slope of a client's converter depends on the value, so the hash code of the new unit is not known.
-TEST(Making, TellsThatAnUnknownUnitCollides) {
+// The slope of a client's converter depends on the value. The hash code of the shifted unit has its slope at
+// the offset.
+TEST(Making, NamesTheCollidingUnitOfANonLinearUnit) {
     const auto toMetre = std::make_shared<CCompound>(std::make_shared<CAddConverter>(2),
                                                      std::make_shared<CBent>(0.5));
     const CUnitPtr bent = std::make_shared<CTransformedUnit>(SI::Meter(), toMetre);
-    CTransformedUnit wanted(
-        SI::Meter(), std::make_shared<CCompound>(std::make_shared<CAddConverter>(3), toMetre));
-    wanted.calculateHashCode();
-    CClientUnit::make("", wanted.hashCode())->canonical();
+    const auto hashWith = [&](double offset) {
+        CTransformedUnit wanted(SI::Meter(), std::make_shared<CCompound>(
+                                                 std::make_shared<CAddConverter>(offset), toMetre));
+        wanted.calculateHashCode();
+        return wanted.hashCode();
+    };
+    const CUnitPtr other = CClientUnit::make("qOther", hashWith(0))->canonical();
+    const CUnitPtr colliding = CClientUnit::make("qColliding", hashWith(3))->canonical();
+    ASSERT_NE(other, colliding);
     EXPECT_EQ(inTheWay([&] { checked::shifted(bent, 3); },
-                       "\"m + 5\" is the same object as another unit here"),
-              nullptr);
+                       "\"m + 5\" is the same object as \"qColliding\" here"),
+              colliding);
+}
+
+// The slope of this converter is another one at each call.
+class CUnsteady : public CScaling {
+public:
+    explicit CUnsteady(double slope) : CScaling(1.0), m_Slope(slope) {}
+    double derivative(double) const override { return ++m_Slope; }
+
+private:
+    mutable double m_Slope;
+};
+
+TEST(Making, TellsThatAnUnknownUnitCollides) {
+    bool isUnknown = false;
+    for (int call = 1; call < 8; ++call) {  // one of the calls decides about the identity
+        const int slope = 1000 * call;
+        const CUnitPtr unsteady =
+            std::make_shared<CTransformedUnit>(SI::Meter(), std::make_shared<CUnsteady>(slope));
+        CTransformedUnit colliding(SI::Meter(), std::make_shared<CMultiplyConverter>(slope + call));
+        colliding.calculateHashCode();
+        CClientUnit::make("", colliding.hashCode())->canonical();
+        try {
+            checked::shifted(unsteady, 3);
+        } catch (const CIdentityError& e) {
+            if (std::string(e.what()).find("is the same object as another unit here") !=
+                std::string::npos) {
+                isUnknown = true;
+                EXPECT_EQ(e.inTheWay(), nullptr);
+            }
+        }
+    }
+    EXPECT_TRUE(isUnknown);
 }
 
 TEST(Making, RefusesAProductWithTheHashCodeOfAnother) {
