@@ -1,6 +1,7 @@
 #include "mensor_checked/NewUnit.h"
 
 #include "mensor/UnitFormat.h"
+#include "mensor/mensor_global.h"
 #include "mensor_checked/Meaning.h"
 #include "mensor_checked/Names.h"
 #include "mensor_checked/Reading.h"
@@ -54,6 +55,19 @@ CUnitPtr CNaming::define(const CNewUnit& wanted) {
     name(unit, wanted.Symbol, unit == wanted.Unit);
     check(wanted, unit);
     return unit;
+}
+
+bool CNaming::isNewAlternate(const CNewUnit& wanted) {
+    requireFreeName(wanted);
+    const string_t symbol(wanted.Symbol.c_str());
+    const CUnitPtr unit = CUnit::searchHashCode(hashFromString(symbol));
+    if (unit && unit->getSymbol() != symbol) {
+        throw CIdentityError("the unit with the symbol " + quoted(wanted.Symbol) +
+                                 " would be the same object as " + describe(unit) +
+                                 " here, which means " + meaningInWords(unit),
+                             unit);
+    }
+    return !unit;
 }
 
 // The first name becomes the label, by which the library also writes the unit. Further names are aliases.

@@ -138,18 +138,73 @@ CUnitPtr makeUnit(const CMeaning& meaning, std::string& fault) {
                          inTheWay);
 }
 
-CUnitPtr define(CNaming& naming, const CPackUnit& row, const CMeaning& meaning) {
-    try {
-        return naming.define({std::string(row.Symbol), row.Factor, readUnit(row.Unit), row.Offset,
-                              row.IsAlternate, &meaning});
-    } catch (const CIdentityError& e) {
-        refuse(row, e, e.inTheWay());
-    } catch (const std::bad_alloc&) {
-        throw;
-    } catch (const std::exception& e) {
-        refuse(row, e, nullptr);
+// The rows of one pack, and what they mean.
+struct CPackUnits {
+    explicit CPackUnits(const CPackRow& pack) : Catalogue(catalogueOf(pack)) {
+        for (const CPackUnit& row : packUnits()) {
+            if (row.Pack == pack.Pack) {
+                (row.IsAlternate ? Alternates : Others).push_back(&row);
+            }
+        }
     }
-}
+
+    exact::CCatalogue Catalogue;
+    std::vector<const CPackUnit*> Others;
+    std::vector<const CPackUnit*> Alternates;
+};
+
+// Registers the rows of a pack. All functions throw a CIdentityError that names the row.
+class CPackMaker {
+public:
+    explicit CPackMaker(const CPackRow& pack) : m_Units(pack) {}
+
+    // The registry cannot remove the symbol of an alternate unit, so these units are made last.
+    void make() {
+        for (const CPackUnit* const row : m_Units.Others) {
+            define(*row);
+        }
+        std::size_t countOfNew = 0;
+        for (const CPackUnit* const row : m_Units.Alternates) {
+            work(*row, [&](const CNewUnit& wanted) {
+                countOfNew += CNaming::isNewAlternate(wanted) ? 1U : 0U;
+                Lock().requireRoom(countOfNew);
+            });
+        }
+        for (const CPackUnit* const row : m_Units.Alternates) {
+            define(*row);
+        }
+        for (const auto& [unit, meaning] : m_Meanings) {
+            setRow(unit, meaning);
+        }
+        m_Naming.keep();
+    }
+
+private:
+    void define(const CPackUnit& row) {
+        work(row, [this](const CNewUnit& wanted) {
+            m_Meanings.emplace_back(m_Naming.define(wanted), *wanted.Row);
+        });
+    }
+
+    template <class Work>
+    void work(const CPackUnit& row, const Work& work) {
+        const CMeaning meaning = *m_Units.Catalogue.meaning(row.Symbol);
+        try {
+            work({std::string(row.Symbol), row.Factor, readUnit(row.Unit), row.Offset,
+                  row.IsAlternate, &meaning});
+        } catch (const CIdentityError& e) {
+            refuse(row, e, e.inTheWay());
+        } catch (const std::bad_alloc&) {
+            throw;
+        } catch (const std::exception& e) {
+            refuse(row, e, nullptr);
+        }
+    }
+
+    const CPackUnits m_Units;
+    CNaming m_Naming;
+    std::vector<std::pair<CUnitPtr, CMeaning>> m_Meanings;
+};
 
 }  // namespace
 
@@ -229,20 +284,7 @@ void registerPack(ePack pack) {
     if (pack == ePack::US || pack == ePack::IMPERIAL) {
         registerPack(ePack::CUSTOMARY);
     }
-    const exact::CCatalogue catalogue = catalogueOf(packRow(pack));
-    std::vector<std::pair<CUnitPtr, CMeaning>> rows;
-    CNaming naming;
-    for (const CPackUnit& row : packUnits()) {
-        if (row.Pack == pack) {
-            CMeaning meaning = *catalogue.meaning(row.Symbol);
-            const CUnitPtr unit = define(naming, row, meaning);
-            rows.emplace_back(unit, std::move(meaning));
-        }
-    }
-    for (const auto& [unit, meaning] : rows) {
-        setRow(unit, meaning);
-    }
-    naming.keep();
+    CPackMaker(packRow(pack)).make();
 }
 
 }  // namespace mensor::checked

@@ -20,6 +20,8 @@
 #include "mensor_checked/OwnUnits.h"
 #include "mensor_checked/Values.h"
 #include "mensor_checked/making.h"
+#include "mensor_checked/registration_limit.h"
+#include "support/ClientUnit.h"
 #include "support/Matchers.h"
 
 namespace mensor::checked {
@@ -362,6 +364,46 @@ TEST(Packs, APackIsRefusedIfANameHasAnotherMeaning) {
     EXPECT_EQ(CUnitFormat::unitFor("eV"), nullptr) << "a name stayed";
     EXPECT_EQ(text(CUnitFormat::labelFor(CUnit::fromString("Mg"))), "Mg");
     EXPECT_EQ(CUnitFormat::unitFor("t"), nullptr) << "an alias stayed";
+}
+
+// The registry cannot remove the symbol of an alternate unit.
+TEST(Packs, NoSymbolOfAnAlternateUnitStaysWhenAPackIsRefused) {
+    const CUnitPtr inTheWay =
+        CClientUnit::make("qBaud", hashFromString(string_t("Bd")))->canonical();
+    const Tables before;
+    try {
+        registerPack(ePack::COUNTING);
+        FAIL();
+    } catch (const CIdentityError& e) {
+        EXPECT_THAT(e.what(),
+                    HasSubstr("because of its unit \"Bd\": the unit with the symbol \"Bd\" "
+                              "would be the same object as \"qBaud\" here"));
+        EXPECT_EQ(e.inTheWay(), inTheWay);
+    }
+    EXPECT_TRUE(Tables().namesAreThoseOf(before));
+}
+
+TEST(Packs, NoSymbolOfAnAlternateUnitStaysWhenTheLimitOfNewUnitsIsReached) {
+    const Tables before;
+    for (std::size_t limit = 0;; ++limit) {
+        setRegistrationLimit(limit);
+        try {
+            registerPack(ePack::COUNTING);
+            break;
+        } catch (const CIdentityError&) {
+            EXPECT_TRUE(Tables().namesAreThoseOf(before)) << limit;
+        }
+    }
+    EXPECT_NE(CUnit::searchSymbol("Bd"), nullptr);
+}
+
+TEST(Packs, APackIsRegisteredAgainAfterItsAlternateUnitsWereMade) {
+    alternateUnit("cps", readUnit("1/s"));
+    setRegistrationLimit(registeredUnits() + 1000);
+    registerPack(ePack::COUNTING);
+    setRegistrationLimit(registeredUnits());
+    registerPack(ePack::COUNTING);
+    EXPECT_EQ(readUnit("Bd")->getSymbol(), "Bd");
 }
 
 TEST(Packs, ARefusedPackCanBeRegisteredOnceTheNameIsFree) {
