@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <new>
 #include <utility>
 #include <vector>
@@ -192,8 +193,7 @@ private:
         return reading.Unit;
     }
 
-    template <class Make>
-    void make(const Make& make) const {
+    void make(const std::function<void()>& make) const {
         try {
             make();
         } catch (const CIdentityError& e) {
@@ -239,8 +239,7 @@ struct CPlannedLine {
 };
 
 // Calls `work`. Adds what it throws to the findings.
-template <class Work>
-void tryLine(std::size_t number, CDefinitions& result, const Work& work) {
+void tryLine(std::size_t number, CDefinitions& result, const std::function<void()>& work) {
     try {
         work();
     } catch (Refused& refused) {
