@@ -151,7 +151,7 @@ public:
     CConversion inverse() const;
 
 private:
-    struct CPlan;
+    struct __attribute__((visibility("hidden"))) CPlan;
     struct CLinear;
 
     template <class In, class Out>

@@ -3,17 +3,17 @@
 #        abi.sh compare|update FILE sizes COMMAND...
 #
 # Compares or writes the binary interface of a library. "names" is its exported names, sorted and
-# demangled, with the sizes of tables of virtual functions. "sizes" is the output of COMMAND. A
-# difference from FILE is a change of the ABI. If it is wanted, let "update" (target update_abi) rewrite
-# FILE.
+# demangled, with the sizes of tables of virtual functions. All data is "D": whether it is weak or
+# writable depends on the optimisation. "sizes" is the output of COMMAND. A difference from FILE is a
+# change of the ABI. If it is wanted, let "update" (target update_abi) rewrite FILE.
 set -eu
 what=$1 file=$2 kind=$3
 shift 3
 case $kind in
     names)
         found=$("$1" -DCS --defined-only "$2" | sed -E -e 's/@.*//' \
-            -e 's/^[0-9a-f]+ 0*([0-9a-f]+) ([VD]) (vtable .*)/\2 \3, 0x\1 bytes/' \
-            -e 's/^[0-9a-f]+ ([0-9a-f]+ )?([A-Za-z] )/\2/' | LC_ALL=C sort -u) ;;
+            -e 's/^[0-9a-f]+ 0*([0-9a-f]+) ([VDR]) (vtable .*)/\2 \3, 0x\1 bytes/' \
+            -e 's/^[0-9a-f]+ ([0-9a-f]+ )?([A-Za-z] )/\2/' -e 's/^[VRB] /D /' | LC_ALL=C sort -u) ;;
     sizes)
         found=$("$@") ;;
 esac
