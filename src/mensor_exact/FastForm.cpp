@@ -353,11 +353,8 @@ void oneByOne(const CFastForm& form, const double* values, double* results, std:
 }
 
 // If some results of a block may be wrong, looks for them in small pieces.
-void toDoubles(const CFastForm& form, const double* values, double* results, std::size_t count,
-               bool isStreamed) {
-    const bool isWhole = count % CLoops::Piece == 0 && countToNextLine(results) == 0;
-    const auto many = isStreamed && isWhole ? form.Loops->ManyPastCaches[form.Way] : form.Many;
-    if (many(form, values, results, count)) {
+void toDoubles(const CFastForm& form, const double* values, double* results, std::size_t count) {
+    if (form.Many(form, values, results, count)) {
         return;
     }
     constexpr std::size_t Piece = 32;
@@ -366,6 +363,28 @@ void toDoubles(const CFastForm& form, const double* values, double* results, std
         if (count <= Piece || !form.Many(form, values + i, results + i, n)) {
             oneByOne(form, values + i, results + i, n);
         }
+    }
+}
+
+// The same, but writes the results past the caches if they begin at a cache line and end there.
+void toDoublesPastCaches(const CFastForm& form, const double* values, double* results,
+                         std::size_t count) {
+    if (count % CLoops::Line != 0 || countToNextLine(results) != 0) {
+        toDoubles(form, values, results, count);
+        return;
+    }
+    if (form.Way == OFFSET && count % CLoops::OffsetPiece == 0) {
+        if (!form.Loops->OffsetPastCaches(form, values, results, count)) {
+            toDoubles(form, values, results, count);
+        }
+        return;
+    }
+    constexpr std::size_t Piece = 256;
+    alignas(64) double piece[Piece];
+    for (std::size_t i = 0; i < count; i += Piece) {
+        const std::size_t n = std::min(Piece, count - i);
+        toDoubles(form, values + i, piece, n);
+        form.Loops->CopyPastCaches(piece, results + i, n);
     }
 }
 
@@ -418,7 +437,8 @@ void convertBlocks(const CFastForm& form, const In* values, Out* results, std::s
         }
 
         if (!isDone) {
-            toDoubles(form, x, doubles, n, isStreamed);
+            const auto convert = isStreamed ? toDoublesPastCaches : toDoubles;
+            convert(form, x, doubles, n);
         }
         if constexpr (std::is_same_v<Out, float>) {
             if (!form.Loops->Narrow(narrow, to, n)) {

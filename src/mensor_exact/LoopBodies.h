@@ -245,55 +245,14 @@ double offset(const CFastForm& form, double x) {
     return form.convertSlowly(x);
 }
 
-// The following two classes store the results of an array.
-
-struct CToCaches {
-    template <class Convert>
-    static void forEach(const double* __restrict values, double* __restrict results,
-                        std::size_t count, Convert convert) {
-        for (std::size_t i = 0; i < count; ++i) {
-            results[i] = convert(values[i]);
-        }
+// Converts each value of an array.
+template <class Convert>
+inline void forEach(const double* __restrict values, double* __restrict results, std::size_t count,
+                    Convert convert) {
+    for (std::size_t i = 0; i < count; ++i) {
+        results[i] = convert(values[i]);
     }
-};
-
-#if defined(__x86_64__)
-
-#if defined(__AVX512F__)
-using CVector = __m512i;
-inline void storePastCaches(CVector* to, const CVector* from) { _mm512_stream_si512(to, *from); }
-#elif defined(__AVX__)
-using CVector = __m256i;
-inline void storePastCaches(CVector* to, const CVector* from) { _mm256_stream_si256(to, *from); }
-#else
-using CVector = __m128i;
-inline void storePastCaches(CVector* to, const CVector* from) { _mm_stream_si128(to, *from); }
-#endif
-
-// Computes short pieces and copies them past the caches. There are only whole pieces (CLoops::Piece): loops for
-// the values behind them would take more room in the library.
-struct CPastCaches {
-    template <class Convert>
-    static void forEach(const double* __restrict values, double* __restrict results,
-                        std::size_t count, Convert convert) {
-        constexpr std::size_t Piece = CLoops::Piece;
-        constexpr std::size_t Width = sizeof(CVector) / sizeof(double);
-        for (std::size_t done = 0; done < count; done += Piece) {
-            alignas(64) double piece[Piece];
-            for (std::size_t i = 0; i < Piece; ++i) {
-                piece[i] = convert(values[done + i]);
-            }
-            for (std::size_t i = 0; i < Piece; i += Width) {
-                storePastCaches(static_cast<CVector*>(static_cast<void*>(results + done + i)),
-                                static_cast<const CVector*>(static_cast<const void*>(piece + i)));
-            }
-        }
-    }
-};
-
-#else
-using CPastCaches = CToCaches;
-#endif
+}
 
 bool slowlyAll(const CFastForm& form, const double* values, double* results, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
@@ -304,29 +263,26 @@ bool slowlyAll(const CFastForm& form, const double* values, double* results, std
 
 // The loops copy the form. Otherwise the compiler must assume that storing a result changes it.
 
-template <class Results>
 bool multiplyAll(const CFastForm& form, const double* values, double* results, std::size_t count) {
     const double factor = form.Head;
-    Results::forEach(values, results, count, [=](double x) { return factor * x; });
+    forEach(values, results, count, [=](double x) { return factor * x; });
     return true;
 }
 
-template <class Results>
 bool provedAll(const CFastForm& form, const double* values, double* results, std::size_t count) {
     const CFastForm local = form;
     CRanges ranges;
-    Results::forEach(values, results, count, [&](double x) {
+    forEach(values, results, count, [&](double x) {
         ranges.add(local, x);
         return scaled(local, x, local.Tail);
     });
     return ranges.areGood(local);
 }
 
-template <class Results>
 bool tiesAll(const CFastForm& form, const double* values, double* results, std::size_t count) {
     const CFastForm local = form;
     CRanges ranges;
-    Results::forEach(values, results, count, [&](double x) {
+    forEach(values, results, count, [&](double x) {
         ranges.add(local, x);
 #if MENSOR_FUSED
         // For a tie, the inner sum is the exact product of x and the tail. The outer one is the tie, which
@@ -342,12 +298,11 @@ bool tiesAll(const CFastForm& form, const double* values, double* results, std::
     return ranges.areGood(local);
 }
 
-template <class Results>
 bool testedAll(const CFastForm& form, const double* values, double* results, std::size_t count) {
     const CFastForm local = form;
     CRanges ranges;
     std::int64_t difference = 0;
-    Results::forEach(values, results, count, [&](double x) {
+    forEach(values, results, count, [&](double x) {
         ranges.add(local, x);
         const double low = scaled(local, x, local.TailLow);
         const double high = scaled(local, x, local.TailHigh);
@@ -357,17 +312,64 @@ bool testedAll(const CFastForm& form, const double* values, double* results, std
     return ranges.areGood(local) && difference == 0;
 }
 
-template <class Results>
+inline double offsetOf(const CFastForm& form, double x, CTies& ties) {
+    const COffsetSum sum(form, x);
+    ties.add(form, x, sum);
+    return middleOf(sum.One, sum.Other);
+}
+
 bool offsetAll(const CFastForm& form, const double* values, double* results, std::size_t count) {
     const CFastForm local = form;
     CTies ties;
-    Results::forEach(values, results, count, [&](double x) {
-        const COffsetSum sum(local, x);
-        ties.add(local, x, sum);
-        return middleOf(sum.One, sum.Other);
-    });
+    forEach(values, results, count, [&](double x) { return offsetOf(local, x, ties); });
     return ties.areGood(local);
 }
+
+#if defined(__x86_64__)
+
+#if defined(__AVX512F__)
+using CVector = __m512i;
+inline void storePastCaches(CVector* to, const CVector* from) { _mm512_stream_si512(to, *from); }
+#elif defined(__AVX__)
+using CVector = __m256i;
+inline void storePastCaches(CVector* to, const CVector* from) { _mm256_stream_si256(to, *from); }
+#else
+using CVector = __m128i;
+inline void storePastCaches(CVector* to, const CVector* from) { _mm_stream_si128(to, *from); }
+#endif
+
+inline void copyPastCaches(const double* values, double* results, std::size_t count) {
+    constexpr std::size_t Width = sizeof(CVector) / sizeof(double);
+    for (std::size_t i = 0; i < count; i += Width) {
+        storePastCaches(static_cast<CVector*>(static_cast<void*>(results + i)),
+                        static_cast<const CVector*>(static_cast<const void*>(values + i)));
+    }
+}
+
+bool offsetPastCaches(const CFastForm& form, const double* values, double* results,
+                      std::size_t count) {
+    const CFastForm local = form;
+    CTies ties;
+    constexpr std::size_t Piece = CLoops::OffsetPiece;
+    for (std::size_t done = 0; done < count; done += Piece) {
+        alignas(64) double piece[Piece];
+        for (std::size_t i = 0; i < Piece; ++i) {
+            piece[i] = offsetOf(local, values[done + i], ties);
+        }
+        copyPastCaches(piece, results + done, Piece);
+    }
+    return ties.areGood(local);
+}
+
+#else
+
+void copyPastCaches(const double* values, double* results, std::size_t count) {
+    __builtin_memcpy(results, values, count * sizeof *values);
+}
+
+constexpr auto offsetPastCaches = offsetAll;
+
+#endif
 
 // The numerator is exact. With a fused multiply-add, it is multiplied by 1/Divisor instead of divided.
 // The result is correctly rounded, as for every factor with the numerator 1.
@@ -411,10 +413,9 @@ extern const CLoops MENSOR_LOOPS;
 const CLoops MENSOR_LOOPS = {
     MENSOR_LOOPS_NAME,
     {slowly, multiply, proved, ties, tested, offset},
-    {slowlyAll, multiplyAll<CToCaches>, provedAll<CToCaches>, tiesAll<CToCaches>,
-     testedAll<CToCaches>, offsetAll<CToCaches>},
-    {slowlyAll, multiplyAll<CPastCaches>, provedAll<CPastCaches>, tiesAll<CPastCaches>,
-     testedAll<CPastCaches>, offsetAll<CPastCaches>},
+    {slowlyAll, multiplyAll, provedAll, tiesAll, testedAll, offsetAll},
+    copyPastCaches,
+    offsetPastCaches,
     divideAll,
     divideAll,
     widenAll,

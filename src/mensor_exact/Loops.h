@@ -22,7 +22,8 @@ constexpr int WAYS = OFFSET + 1;
 
 /// The functions for each way, compiled for one kind of processor. All kinds give the same bits.
 struct CLoops {
-    static constexpr std::size_t Piece = 64;
+    static constexpr std::size_t Line = 8;  ///< the doubles of one cache line
+    static constexpr std::size_t OffsetPiece = 64;
 
     const char* Name;
 
@@ -34,10 +35,15 @@ struct CLoops {
     bool (*Many[WAYS])(const CFastForm& form, const double* values, double* results,
                        std::size_t count);
 
-    /// The same, for results that begin at a cache line, and for a multiple of `Piece` values. On x86-64,
-    /// the results are written past the caches.
-    bool (*ManyPastCaches[WAYS])(const CFastForm& form, const double* values, double* results,
-                                 std::size_t count);
+    /// Copies a multiple of Line doubles to another array. Both begin at a cache line. On x86-64, the results
+    /// are written past the caches.
+    void (*CopyPastCaches)(const double* values, double* results, std::size_t count);
+
+    /// Does the same as Many[OFFSET], for a multiple of OffsetPiece values. On x86-64, the results are
+    /// written past the caches and begin at a cache line. An offset takes about as long to compute as its
+    /// result takes to write, so this loop does both at once.
+    bool (*OffsetPastCaches)(const CFastForm& form, const double* values, double* results,
+                             std::size_t count);
 
     /// Computes (Scale·n + Offset)/Divisor for whole numbers n up to MostWhole.
     void (*Divide16)(const CFastForm& form, const std::int16_t* values, double* results,
