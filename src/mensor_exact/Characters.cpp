@@ -30,7 +30,7 @@ bool isInvisible(char32_t c) {
 namespace {
 
 // Returns the kind of a character that is not ASCII, or is NotUtf8. Sets `digit` to the value of a digit.
-eKind kindBeyondAscii(char32_t c, int& digit) {
+[[gnu::hot]] eKind kindBeyondAscii(char32_t c, int& digit) {
     switch (c) {
         case U'\u00A0':  // no-break space
         case U'\u1680':

@@ -88,7 +88,7 @@ public:
         read();
     }
 
-    void skipBlanks() {
+    [[gnu::hot]] void skipBlanks() {
         while (m_Kind == eKind::BLANK) {
             advance();
         }
@@ -102,7 +102,7 @@ public:
     }
 
 private:
-    void read() {
+    [[gnu::hot]] void read() {
         if (m_At >= m_Text.size()) {
             m_Kind = eKind::END;
             m_Length = 0;

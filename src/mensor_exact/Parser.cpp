@@ -516,7 +516,7 @@ private:
 
     // Factors.
 
-    bool push(CSpan span) {
+    [[gnu::hot]] bool push(CSpan span) {
         const std::uint32_t unit = m_Resolver.find(span.of(m_Text));
         if (unit == CResolver::None) {
             return refuseUnknown(span);

@@ -23,7 +23,7 @@ struct CSmallFraction {
     constexpr CSmallFraction() = default;
 
     /// The number `whole`·10^tens.
-    constexpr explicit CSmallFraction(std::uint64_t whole, std::int32_t tens = 0) {
+    [[gnu::hot]] constexpr explicit CSmallFraction(std::uint64_t whole, std::int32_t tens = 0) {
         if (whole == 0) {
             return;
         }
@@ -39,7 +39,8 @@ struct CSmallFraction {
 
     constexpr bool isZero() const { return Numerator == 0; }
 
-    friend constexpr bool operator==(const CSmallFraction& a, const CSmallFraction& b) {
+    [[gnu::hot]] friend constexpr bool operator==(const CSmallFraction& a,
+                                                  const CSmallFraction& b) {
         return a.Numerator == b.Numerator && a.Denominator == b.Denominator && a.Twos == b.Twos &&
                a.Fives == b.Fives && a.Negative == b.Negative;
     }
