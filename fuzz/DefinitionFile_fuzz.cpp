@@ -284,14 +284,13 @@ void checkAccepted(const std::string& text, const CDefinitionFile& file) {
         }
     }
     calculated.compare(file);
-    file.Catalogue.forEach([&](const exact::CDefinition& definition) {
+    for (const exact::CDefinition& definition : file.Catalogue.definitions()) {
         const bool isOwn = definition.Pack == exact::ePack::OWN && !definition.Text.empty();
         if (isOwn &&
             file.Catalogue.evaluate(definition.Text) != *file.Catalogue.meaning(definition.Name)) {
-            fail(std::string(definition.Text), "is not a definition of its unit");
+            fail(definition.Text, "is not a definition of its unit");
         }
-        return true;
-    });
+    }
 }
 
 // Returns whether the readings are whole lines and not texts for a unit in the line.

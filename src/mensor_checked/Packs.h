@@ -41,14 +41,14 @@ enum class ePack : int {
 struct CPackUnit {
     ePack Pack;
     std::string_view
-        Symbol;  ///< readUnit reads this name; the library writes it if it has no other
-    std::string_view Definition;  ///< in the words of its source: "25.4 mm", "5/9 K, offset 459.67"
-    std::string_view Name;        ///< the English name
-    std::string_view Source;      ///< where the definition is published
-    std::string_view Unit;        ///< the unit that the registry builds it on, as readUnit reads it
-    double Factor;                ///< a value x is Factor·x + Offset in `Unit`; rounded once
-    double Offset;                ///< likewise
-    bool IsAlternate;             ///< an alternate unit of `Unit`, as the hertz is one of 1/s
+        Symbol;              ///< readUnit reads this name; the library writes it if it has no other
+    std::string Definition;  ///< in the words of its source: "25.4 mm", "5/9 K, offset 459.67"
+    std::string Name;        ///< the English name
+    std::string Source;      ///< where the definition is published
+    std::string Unit;        ///< the unit that the registry builds it on, as readUnit reads it
+    double Factor;           ///< a value x is Factor·x + Offset in `Unit`; rounded once
+    double Offset;           ///< likewise
+    bool IsAlternate;        ///< an alternate unit of `Unit`, as the hertz is one of 1/s
 };
 
 /// A unit that no pack has, because the library would take it for another unit.

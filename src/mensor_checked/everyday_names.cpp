@@ -29,7 +29,7 @@ bool isRow(const std::optional<exact::CDefinition>& row) {
 std::string plainText(std::string_view name) {
     const std::optional<exact::CDefinition> row = everydayNames->Catalogue.find(name);
     if (isRow(row)) {
-        return std::string(row->Text);
+        return row->Text;
     }
     return exact::everydayWord(name)->text();
 }
@@ -91,9 +91,9 @@ void addEverydayNamesTo(exact::CNearestNames& nearest) {
     if (everydayNames == nullptr) {
         return;
     }
-    everydayNames->Catalogue.forEach([&](const exact::CDefinition& definition) {
-        if (definition.Pack == exact::ePack::EVERYDAY) {
-            nearest.add(definition.Name);
+    everydayNames->Catalogue.forEachName([&](std::string_view name, exact::ePack pack) {
+        if (pack == exact::ePack::EVERYDAY) {
+            nearest.add(name);
         }
         return true;
     });

@@ -46,12 +46,11 @@ CUnitPtr systemUnitOf(std::string_view definition) {
 class CRows {
 public:
     CRows() {
-        CCatalogue::builtIn().forEach([&](const CDefinition& definition) {
+        for (const CDefinition& definition : CCatalogue::builtIn().definitions()) {
             if (!isSymbol(definition)) {
                 add(definition);
             }
-            return true;
-        });
+        }
     }
 
     // Never destroyed, because threads and statics of clients may still read units while the process ends.

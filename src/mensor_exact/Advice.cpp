@@ -21,6 +21,7 @@
 #include "mensor_exact/Spelling.h"
 #include "mensor_exact/Table.h"
 #include "mensor_exact/Traps.h"
+#include "mensor_exact/concatenate.h"
 #include "mensor_exact/sentences.h"
 #include "mensor_exact/utf8.h"
 
@@ -39,11 +40,10 @@ std::string_view inOtherCase(std::string_view name, std::uint32_t packs) {
     if (name.size() > Longest) {
         return {};
     }
-    const std::uint32_t letters = letterSet(name);
     for (std::size_t row = 0; row < CTable::size(); ++row) {
         const std::string_view known = CTable::name(row);
         const bool isIn = (packs >> static_cast<unsigned>(CTable::pack(row)) & 1U) != 0;
-        if (isIn && CTable::letters(row) == letters && known.size() == name.size() &&
+        if (isIn && known.size() == name.size() &&
             std::equal(known.begin(), known.end(), name.begin(),
                        [&](char a, char b) { return small(a) == small(b); })) {
             return known;
@@ -374,10 +374,7 @@ private:
             if (text == "1" && (isAlone ? isValue : isFactor())) {
                 text = "One";  // "5 1" are two numbers, and "h·1" is no product
             }
-            const std::size_t place = text.find("{}");
-            if (place != std::string::npos) {
-                text.replace(place, 2, slice(m_Refusal.Pieces[0]));
-            }
+            text = withText(std::move(text), slice(m_Refusal.Pieces[0]));
             CSpan token = m_Refusal.Token;
             const eKind next = CCursor(m_Text, token.End).kind();
             if (text.back() == ')' && (next == eKind::DIGIT || next == eKind::MINUS)) {
@@ -636,9 +633,9 @@ private:
         const std::size_t row =
             CTable::find(name, std::uint32_t{1} << static_cast<unsigned>(ePack::EVERYDAY));
         if (row != CTable::None) {
-            const std::string_view text = CTable::definition(row).Text;
+            const std::string text = CTable::text(row);
             if (!text.empty() && (text[0] < '0' || text[0] > '9')) {
-                replace(m_Refusal.Token, std::string(text));
+                replace(m_Refusal.Token, text);
             }
             return;
         }
@@ -886,8 +883,8 @@ private:
         for (std::size_t row = 0; row < CTable::size(); ++row) {
             const ePack pack = CTable::pack(row);
             const std::string_view name = CTable::name(row);
-            if (nearest.mayBeNear(CTable::letters(row), name.size()) && pack != ePack::CATALOGUE &&
-                pack != ePack::SI && m_Resolver.offers(pack)) {
+            if (pack != ePack::CATALOGUE && pack != ePack::SI && nearest.mayBeNear(name) &&
+                m_Resolver.offers(pack)) {
                 nearest.add(name);
             }
         }

@@ -38,8 +38,8 @@ public:
             addNames(text, m_Waiting);
             if (m_Waiting.size() == before) {
                 m_Done.insert(definition.Name);
-                result.push_back({std::string(definition.Name), text,
-                                  std::string(definition.English), std::string(definition.Source)});
+                result.push_back(
+                    {std::string(definition.Name), text, definition.English, definition.Source});
                 m_Waiting.pop_back();
             }
         }

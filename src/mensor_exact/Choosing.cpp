@@ -52,15 +52,14 @@ bool isAtLeastOne(const CFraction& size) { return !(size - CFraction(1)).isNegat
 
 std::vector<CChoice> choicesFor(const CMeaning& meaning, const CCatalogue& catalogue) {
     std::vector<std::pair<double, CChoice>> found;
-    catalogue.forEach([&](const CDefinition& definition) {
-        CMeaning other = *catalogue.meaning(definition.Name);
+    catalogue.forEachName([&](std::string_view name, ePack pack) {
+        CMeaning other = *catalogue.meaning(name);
         const bool isOtherSpelling =
-            definition.Pack == ePack::EVERYDAY ||
-            (definition.Pack == ePack::SI &&
-             (respelled(definition.Name) != definition.Name || isCapitalLitre(definition.Name)));
+            pack == ePack::EVERYDAY ||
+            (pack == ePack::SI && (respelled(name) != name || isCapitalLitre(name)));
         if (!isOtherSpelling && other.isCompatibleWith(meaning)) {
             const double size = other.factor().toDouble();
-            found.push_back({size, {definition.Name, std::move(other)}});
+            found.push_back({size, {name, std::move(other)}});
         }
         return true;
     });

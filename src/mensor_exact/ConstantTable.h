@@ -87,6 +87,11 @@ constexpr std::string_view definitionOf(std::size_t row) {
     return {Texts + Starts[row] + Lengths[row].Name, Lengths[row].Definition};
 }
 
+constexpr std::string_view englishOf(std::size_t row) {
+    return {Texts + Starts[row] + Lengths[row].Name + Lengths[row].Definition,
+            Lengths[row].English};
+}
+
 constexpr std::uint32_t bitOf(ePack pack) {
     return std::uint32_t{1} << static_cast<unsigned>(pack);
 }

@@ -304,13 +304,14 @@ CCatalogue CCatalogue::with(ePack pack) const {
         return result;
     }
     for (std::size_t row = 0; row < CTable::size(); ++row) {
-        const CDefinition definition = CTable::definition(row);
-        if (definition.Pack != pack || pack == ePack::EVERYDAY) {
+        if (CTable::pack(row) != pack || pack == ePack::EVERYDAY) {
             continue;
         }
-        const std::optional<CDefinition> taken = find(definition.Name);
-        if (taken && taken->Pack != ePack::EVERYDAY) {
-            throwTaken(definition.Name);
+        const std::string_view name = CTable::name(row);
+        const CNamePlace taken = place(name);
+        if (taken.Own != nullptr ||
+            (taken.Row != CTable::None && CTable::pack(taken.Row) != ePack::EVERYDAY)) {
+            throwTaken(name);
         }
     }
     result.m_Packs |= bitOf(pack);
@@ -330,7 +331,7 @@ CCatalogue CCatalogue::with(const std::vector<CDefinition>& definitions) const {
     return {CTable::None, own != m_Own->Entries.end() ? &*own : nullptr};
 }
 
-std::optional<CDefinition> CCatalogue::find(std::string_view name) const noexcept {
+std::optional<CDefinition> CCatalogue::find(std::string_view name) const {
     const CNamePlace found = place(name);
     if (found.Own != nullptr) {
         return COwnDefinitions::definition(*found.Own);
@@ -365,26 +366,24 @@ CMeaning CCatalogue::evaluate(std::string_view definition) const {
 
 std::vector<CDefinition> CCatalogue::definitions() const {
     std::vector<CDefinition> result;
-    forEach([&](const CDefinition& definition) {
-        result.push_back(definition);
+    forEachName([&](std::string_view name, ePack) {
+        result.push_back(*find(name));
         return true;
     });
     return result;
 }
 
-void CCatalogue::forEach(const std::function<bool(const CDefinition&)>& visit) const {
+void CCatalogue::forEachName(const std::function<bool(std::string_view, ePack)>& visit) const {
     for (std::size_t row = 0; row < CTable::size(); ++row) {
-        if (!has(CTable::pack(row))) {
+        const std::string_view name = CTable::name(row);
+        const ePack pack = CTable::pack(row);
+        if (!has(pack) || takesAway(name)) {
             continue;
         }
-        const CDefinition definition = CTable::definition(row);
-        if (takesAway(definition.Name)) {
-            continue;
-        }
-        if (definition.Pack == ePack::EVERYDAY && CTable::find(definition.Name, m_Packs) != row) {
+        if (pack == ePack::EVERYDAY && CTable::find(name, m_Packs) != row) {
             continue;  // another pack has this name, too
         }
-        if (!visit(definition)) {
+        if (!visit(name, pack)) {
             return;
         }
     }
@@ -392,7 +391,7 @@ void CCatalogue::forEach(const std::function<bool(const CDefinition&)>& visit) c
         return;
     }
     for (const auto& own : m_Own->Entries) {
-        if (!visit(COwnDefinitions::definition(own))) {
+        if (!visit(own.first, ePack::OWN)) {
             return;
         }
     }

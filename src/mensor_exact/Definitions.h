@@ -26,6 +26,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -66,13 +67,13 @@ MENSOR_EXACT_API std::vector<ePack> allPacks();
 /// @par Threads  Any thread; takes no lock.
 MENSOR_EXACT_API std::optional<ePack> packNamed(std::string_view name) noexcept;
 
-/// One name and its definition. The texts are UTF-8. They live as long as the library. Those of the
-/// pack OWN live as long as a catalogue that has them.
+/// One name and its definition. The texts are UTF-8. The name that a catalogue returns lives as long as the
+/// library, or for the pack OWN as long as a catalogue that has it.
 struct CDefinition {
     std::string_view Name;
-    std::string_view Text{};     ///< the definition; empty for a base unit or a mark
-    std::string_view English{};  ///< the name of the unit in English
-    std::string_view Source{};   ///< the document that has the definition
+    std::string Text{};     ///< the definition; empty for a base unit or a mark
+    std::string English{};  ///< the name of the unit in English
+    std::string Source{};   ///< the document that has the definition
     ePack Pack = ePack::OWN;
     /// For CCatalogue::with: allows a name that a built-in unit has. The built-in unit then loses
     /// the name.
@@ -108,7 +109,7 @@ public:
     CCatalogue with(const std::vector<CDefinition>& definitions) const;
 
     /// Returns the definition of the name, spelled exactly so, or nothing.
-    std::optional<CDefinition> find(std::string_view name) const noexcept;
+    std::optional<CDefinition> find(std::string_view name) const;
 
     /// Returns the meaning of the name, or nothing.
     std::optional<CMeaning> meaning(std::string_view name) const;
@@ -121,8 +122,8 @@ public:
     /// Returns all definitions: the built-in ones in the order of the table, then the program's, sorted.
     std::vector<CDefinition> definitions() const;
 
-    /// Calls `visit` for each definition, in the same order, until it returns false.
-    void forEach(const std::function<bool(const CDefinition&)>& visit) const;
+    /// Calls `visit` for each name, in the same order, until it returns false.
+    void forEachName(const std::function<bool(std::string_view name, ePack pack)>& visit) const;
 
 private:
     friend class CCatalogueBuilder;

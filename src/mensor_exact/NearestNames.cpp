@@ -49,10 +49,10 @@ bool hasRarePrefix(std::string_view name) {
     if (row == CTable::None) {
         return false;
     }
-    const std::string_view text = CTable::definition(row).Text;
+    const std::string text = CTable::text(row);
     for (const std::string_view factor :
          {"10^24 ", "10^21 ", "10^18 ", "10^15 ", "10^-15 ", "10^-18 ", "10^-21 ", "10^-24 "}) {
-        if (text.substr(0, factor.size()) == factor) {
+        if (text.compare(0, factor.size(), factor) == 0) {
             return true;
         }
     }
@@ -86,7 +86,7 @@ bool CNearestNames::read(std::string_view text, CLetters& letters) {
 // Computes the distance of a name, ignoring case. Returns false if the name is not near.
 bool CNearestNames::measure(std::string_view known, CLetters& letters,
                             std::size_t& distance) const {
-    if (known.empty() || !mayBeNear(letterSet(known), known.size()) || !read(known, letters) ||
+    if (known.empty() || !mayBeNear(known) || !read(known, letters) ||
         letters.Size > m_Unknown.Size + m_Farthest || m_Unknown.Size > letters.Size + m_Farthest) {
         return false;
     }

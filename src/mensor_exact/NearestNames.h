@@ -40,12 +40,14 @@ class MENSOR_EXACT_API CNearestNames {
 public:
     explicit CNearestNames(std::string_view unknown);
 
-    /// Returns whether add() may keep a name with this letterSet() and this number of bytes. A quick
-    /// test that excludes most names.
-    bool mayBeNear(std::uint32_t letters, std::size_t bytes) const {
-        return !m_HasNone && bytes + m_Farthest >= m_Unknown.Size &&
-               // A name in ASCII has as many letters as bytes.
-               ((letters & 1) != 0 || bytes <= m_Unknown.Size + m_Farthest) &&
+    /// Returns whether add() may keep a name. A quick test that excludes most names.
+    bool mayBeNear(std::string_view known) const {
+        if (m_HasNone || known.size() + m_Farthest < m_Unknown.Size) {
+            return false;
+        }
+        const std::uint32_t letters = letterSet(known);
+        // A name in ASCII has as many letters as bytes.
+        return ((letters & 1) != 0 || known.size() <= m_Unknown.Size + m_Farthest) &&
                // One change adds at most one letter and removes at most one.
                isAtMost(letters & ~m_Unknown.Set, m_Farthest) &&
                isAtMost(m_Unknown.Set & ~letters, m_Farthest);

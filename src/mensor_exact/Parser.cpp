@@ -53,6 +53,9 @@ bool isRaised(eKind kind) {
     return kind == eKind::RAISED_DIGIT || kind == eKind::RAISED_MINUS || kind == eKind::RAISED_PLUS;
 }
 
+// The sentence of a refusal because of a trap: CRefusal takes that of the trap.
+constexpr const char* SentenceOfTrap = "";
+
 const char* sentenceOnForeign(char32_t c) {
     switch (c) {
         case U'\'': return sentences::APOSTROPHE;
@@ -742,7 +745,7 @@ private:
     }
 
     [[gnu::cold]] bool refuseTrap(CSpan span, const CTrap& trap) {
-        return refuse(eRefusal::UNKNOWN_NAME, span, trap.sentence(), eReadings::TRAP, span, &trap);
+        return refuse(eRefusal::UNKNOWN_NAME, span, SentenceOfTrap, eReadings::TRAP, span, &trap);
     }
 
     // Traps. All return false if the text is refused.
@@ -770,7 +773,7 @@ private:
         if (cubed != nullptr) {
             return refuseCubed(m_PlainName, *cubed);
         }
-        return refuse(eRefusal::MISLEADING, m_PlainName, trap->sentence(), eReadings::TRAP,
+        return refuse(eRefusal::MISLEADING, m_PlainName, SentenceOfTrap, eReadings::TRAP,
                       m_PlainName, trap);
     }
 
@@ -786,7 +789,7 @@ private:
         const CSpan whole{m_PlainName.Begin, ahead.position()};
         const CTrap* const trap = findTrap(ePlace::UNKNOWN, whole.of(m_Text));
         return trap == nullptr ||
-               refuse(eRefusal::MISLEADING, whole, trap->sentence(), eReadings::TRAP, whole, trap);
+               refuse(eRefusal::MISLEADING, whole, SentenceOfTrap, eReadings::TRAP, whole, trap);
     }
 
     // Returns true if the exponent 3 is next.
@@ -814,7 +817,7 @@ private:
 
     [[gnu::cold]] bool refuseCubed(CSpan name, const CTrap& trap) {
         const CSpan token{name.Begin, cube().End};
-        return refuse(eRefusal::MISLEADING, token, trap.sentence(), eReadings::TRAP, token, &trap);
+        return refuse(eRefusal::MISLEADING, token, SentenceOfTrap, eReadings::TRAP, token, &trap);
     }
 
     // The ends of the texts that may be one name, the shortest first.
@@ -940,8 +943,8 @@ private:
     }
 
     [[gnu::cold]] bool refusePair(CSpan kept, CSpan next, const CTrap& trap) {
-        return refuse(eRefusal::MISLEADING, {kept.Begin, next.End}, trap.sentence(),
-                      eReadings::TRAP, kept, &trap);
+        return refuse(eRefusal::MISLEADING, {kept.Begin, next.End}, SentenceOfTrap, eReadings::TRAP,
+                      kept, &trap);
     }
 
     // Returns true if a slash and a name of the class MASS_PER are at `position`: "/l".
@@ -1001,7 +1004,7 @@ private:
         const std::string_view text = word.of(m_Text);
         return trap == nullptr || m_Resolver.isOwn(text) || hasExponent(word) ||
                (m_Resolver.knows(text) && !hasRarePrefix(text)) ||  // "PK" is no petakelvin
-               refuse(eRefusal::MISLEADING, word, trap->sentence(),
+               refuse(eRefusal::MISLEADING, word, SentenceOfTrap,
                       trap->first().empty() ? eReadings::REMOVE : eReadings::TRAP, word, trap);
     }
 
@@ -1045,7 +1048,7 @@ private:
             const bool hasHeat = trap != nullptr &&
                                  (isHeat(m_Factors[0]) || isHeat(m_Factors[m_Factors.size() - 1]));
             if (hasHeat && !m_Resolver.isOwn(name)) {
-                return refuse(eRefusal::MISLEADING, factor.Name, trap->sentence(), eReadings::TRAP,
+                return refuse(eRefusal::MISLEADING, factor.Name, SentenceOfTrap, eReadings::TRAP,
                               factor.Name, trap);
             }
         }
@@ -1072,7 +1075,7 @@ private:
         if (trap == nullptr || m_Resolver.isOwn(name.of(m_Text))) {
             return true;
         }
-        return refuse(eRefusal::MISLEADING, {above.Begin, right.End}, trap->sentence(),
+        return refuse(eRefusal::MISLEADING, {above.Begin, right.End}, SentenceOfTrap,
                       eReadings::TRAP, above, trap);
     }
 
@@ -1140,11 +1143,11 @@ private:
                             CResolver& resolver, bool isStrict, CNotes& notes, CRefusal& refusal) {
     const auto take = [&](const CTrap* trap, CSpan span) {
         if (isStrict && trap->Place != ePlace::TOLD) {
-            refusal = {eRefusal::MISLEADING, text,   span,  trap->sentence(),
+            refusal = {eRefusal::MISLEADING, text,   span,  SentenceOfTrap,
                        eReadings::TRAP,      {span}, begin, trap};
             return false;
         }
-        notes.add({trap->sentence(), span, trap->Place != ePlace::TOLD});
+        notes.add({trap, span, trap->Place != ePlace::TOLD});
         return true;
     };
     for (const CNamedFactor& factor : factors) {

@@ -100,8 +100,7 @@ private:
 }
 
 bool isOwn(std::string_view name, const CCatalogue& catalogue) {
-    const std::optional<CDefinition> definition = catalogue.find(name);
-    return definition && definition->Pack == ePack::OWN;
+    return CCatalogueBuilder::place(catalogue, name).Own != nullptr;
 }
 
 // A name of a prefix and an offset unit: "m°C".
@@ -158,13 +157,10 @@ public:
     [[gnu::cold]] void addNamesTo(CNearestNames& nearest) override {
         for (std::size_t row = 0; row < CTable::size(); ++row) {
             const std::string_view name = CTable::name(row);
-            if (nearest.mayBeNear(CTable::letters(row), name.size()) &&
-                m_Catalogue.has(CTable::pack(row))) {
-                // The catalogue may have this name from another pack or from the program.
-                const std::optional<CDefinition> known = m_Catalogue.find(name);
-                if (known && known->Name.data() == name.data()) {
-                    nearest.add(name);
-                }
+            // The catalogue may have this name from another pack or from the program.
+            if (m_Catalogue.has(CTable::pack(row)) && nearest.mayBeNear(name) &&
+                CCatalogueBuilder::place(m_Catalogue, name).Row == row) {
+                nearest.add(name);
             }
         }
         if (const COwnDefinitions* const own = CCatalogueBuilder::own(m_Catalogue)) {
@@ -330,8 +326,8 @@ private:
 // Returns the first name of the catalogue with this meaning. Empty if there is none.
 [[gnu::cold]] std::string_view nameOf(const CMeaning& meaning, const CCatalogue& catalogue) {
     std::string_view name;
-    catalogue.forEach([&](const CDefinition& definition) {
-        name = catalogue.meaning(definition.Name) == meaning ? definition.Name : name;
+    catalogue.forEachName([&](std::string_view known, ePack) {
+        name = catalogue.meaning(known) == meaning ? known : name;
         return name.empty();
     });
     return name;

@@ -2,22 +2,11 @@
 
 #include <utility>
 
+#include "mensor_exact/Traps.h"
+#include "mensor_exact/concatenate.h"
 #include "mensor_exact/utf8.h"
 
 namespace mensor::exact {
-
-namespace {
-
-std::string sentenceOf(const CRefusal& refusal) {
-    std::string sentence = refusal.Sentence;
-    const std::size_t place = sentence.find("{}");
-    if (place != std::string::npos) {
-        sentence.replace(place, 2, refusal.token());
-    }
-    return sentence;
-}
-
-}  // namespace
 
 std::size_t CRefusal::position() const noexcept {
     return countCodePoints(Text.substr(0, Token.Begin));
@@ -28,7 +17,10 @@ std::string CRefusal::replaced(std::string_view words) const {
     return text.append(words).append(Text.substr(Token.End));
 }
 
-CDiagnosis CRefusal::diagnosis() const { return diagnose(Code, Text, Token, sentenceOf(*this)); }
+CDiagnosis CRefusal::diagnosis() const {
+    const bool isOfTrap = Trap != nullptr && *Sentence == '\0';
+    return diagnose(Code, Text, Token, withText(isOfTrap ? Trap->sentence() : Sentence, token()));
+}
 
 CDiagnosis diagnose(eRefusal code, std::string_view text, CSpan token, std::string sentence) {
     CDiagnosis diagnosis;

@@ -47,7 +47,7 @@ struct MENSOR_EXACT_API CRefusal {
     eRefusal Code = eRefusal::EMPTY;
     std::string_view Text;      ///< the whole text, as it was given
     CSpan Token;                ///< the refused part; empty at the end of the text
-    const char* Sentence = "";  ///< a constant text; diagnosis() replaces "{}" by the token
+    const char* Sentence = "";  ///< constant; "{}" is the token; empty if Trap has the sentence
     eReadings Readings = eReadings::NONE;
     std::array<CSpan, 3> Pieces;
     std::size_t UnitBegin = 0;    ///< where the unit begins, after a number

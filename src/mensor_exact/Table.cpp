@@ -1,7 +1,9 @@
 #include "mensor_exact/Table.h"
 
+#include <cstring>
+
 #include "mensor_exact/ConstantTable.h"
-#include "mensor_exact/NearestNames.h"
+#include "mensor_exact/PackedText.h"
 
 namespace mensor::exact {
 
@@ -9,9 +11,8 @@ using namespace table;
 
 namespace {
 
-// In ConstantTable.h each row has a meaning of 48 bytes and the text of its source. Most rows have
-// parts in common: a prefix changes only powers of 2 and 5. So this file stores each distinct part
-// once.
+// In ConstantTable.h each row has a meaning of 48 bytes and plain texts. Most rows have parts in common: a prefix
+// changes only powers of 2 and 5. So this file stores each distinct part once, and packs the texts.
 
 // A column with few distinct values: for each row the index of its value.
 struct CColumn {
@@ -43,6 +44,12 @@ constexpr CColumn makeColumn(const IsSame& isSame) {
     return column;
 }
 
+constexpr bool hasSameFactor(std::size_t row, std::size_t other) {
+    return Meanings.Row[row].Factor == Meanings.Row[other].Factor;
+}
+
+constexpr CColumn FactorColumn = makeColumn(hasSameFactor);
+
 // The factor without its powers of 2 and 5.
 struct CQuotient {
     std::uint64_t Numerator;
@@ -68,11 +75,32 @@ constexpr auto makeQuotients() {
 
 constexpr auto Quotients = makeQuotients();
 
-// The base units of a meaning, and the power of π in its factor.
+// The index of its quotient, and the powers of 2 and 5.
+struct CPackedFactor {
+    std::uint8_t Quotient;
+    std::int8_t Twos;
+    std::int8_t Fives;
+};
+
+constexpr auto makeFactors() {
+    CArray<CPackedFactor, FactorColumn.Size> factors;
+    for (std::size_t i = 0; i < FactorColumn.Size; ++i) {
+        const std::size_t row = FactorColumn.FirstRow[i];
+        const CSmallFraction& factor = Meanings.Row[row].Factor;
+        factors[i] = {QuotientColumn.Place[row], static_cast<std::int8_t>(factor.Twos),
+                      static_cast<std::int8_t>(factor.Fives)};
+    }
+    return factors;
+}
+
+constexpr auto Factors = makeFactors();
+
+// The base units of a meaning, the power of π in its factor, and the offset.
 struct CBaseUnits {
     std::int8_t Exponents[SlotCount];
     std::int8_t Pi;
-    std::uint16_t Own;  // as in CRow
+    std::uint8_t Offset;  // as in CRow
+    std::uint16_t Own;    // as in CRow
 };
 
 constexpr bool hasSameBaseUnits(std::size_t row, std::size_t other) {
@@ -83,7 +111,7 @@ constexpr bool hasSameBaseUnits(std::size_t row, std::size_t other) {
             return false;
         }
     }
-    return a.Pi == b.Pi && a.Own == b.Own;
+    return a.Pi == b.Pi && a.Offset == b.Offset && a.Own == b.Own;
 }
 
 constexpr CColumn BaseUnitsColumn = makeColumn(hasSameBaseUnits);
@@ -96,6 +124,7 @@ constexpr auto makeBaseUnits() {
             baseUnits[i].Exponents[slot] = row.Exponents[slot];
         }
         baseUnits[i].Pi = row.Pi;
+        baseUnits[i].Offset = row.Offset;
         baseUnits[i].Own = row.Own;
     }
     return baseUnits;
@@ -119,30 +148,34 @@ constexpr bool hasSameSource(std::size_t row, std::size_t other) {
 
 constexpr CColumn SourceColumn = makeColumn(hasSameSource);
 
-constexpr auto makeSourceStarts() {
-    CArray<std::uint16_t, SourceColumn.Size + 1> starts;
-    std::size_t start = 0;
-    for (std::size_t i = 0; i < SourceColumn.Size; ++i) {
-        start += RowSources[SourceColumn.FirstRow[i]].size();
-        starts[i + 1] = static_cast<std::uint16_t>(start);
+constexpr auto WrittenSources = writeTexts<SourceColumn.Size>([](std::size_t i, const auto& write) {
+    packText(RowSources[SourceColumn.FirstRow[i]], write);
+});
+
+constexpr auto Sources = shrunk<WrittenSources.Size>(WrittenSources);
+
+// For each row the name, and packed the definition and the name in English. Their starts are in the rows.
+constexpr auto WrittenTexts = writeTexts<Rows>([](std::size_t row, const auto& write) {
+    for (const char c : nameOf(row)) {
+        write(static_cast<unsigned char>(c));
     }
-    return starts;
+    packText(definitionOf(row), write);
+    packText(englishOf(row), write);
+});
+
+struct CRowTexts {
+    char Bytes[WrittenTexts.Size] = {};
+};
+
+constexpr CRowTexts makeRowTexts() {
+    CRowTexts texts;
+    for (std::size_t i = 0; i < WrittenTexts.Size; ++i) {
+        texts.Bytes[i] = WrittenTexts.Bytes[i];
+    }
+    return texts;
 }
 
-constexpr auto SourceStarts = makeSourceStarts();
-
-constexpr auto makeSources() {
-    CArray<char, SourceStarts[SourceColumn.Size]> sources;
-    std::size_t end = 0;
-    for (std::size_t i = 0; i < SourceColumn.Size; ++i) {
-        for (const char c : RowSources[SourceColumn.FirstRow[i]]) {
-            sources[end++] = c;
-        }
-    }
-    return sources;
-}
-
-constexpr auto Sources = makeSources();
+constexpr CRowTexts RowTexts = makeRowTexts();
 
 constexpr auto makeOffsets() {
     CArray<CSmallFraction, Meanings.OffsetCount> offsets;
@@ -154,25 +187,26 @@ constexpr auto makeOffsets() {
 
 constexpr auto Offsets = makeOffsets();
 
-// One row: the indices of its parts, and the powers of 2 and 5.
+// One row: where its texts begin, and the indices of its parts.
 struct CPackedRow {
-    std::uint8_t Quotient;
-    std::int8_t Twos;
-    std::int8_t Fives;
+    std::uint16_t Start;
+    std::uint8_t NameAndPack;  // 16 times the number of bytes of the name, plus the pack
+    std::uint8_t Factor;
     std::uint8_t BaseUnits;
-    std::uint8_t Offset;
     std::uint8_t Source;
+
+    constexpr std::size_t nameSize() const { return NameAndPack / 16; }
+    constexpr ePack pack() const { return static_cast<ePack>(NameAndPack % 16); }
 };
 
 constexpr auto makePackedRows() {
+    static_assert(static_cast<int>(ePack::OWN) < 16);
     CArray<CPackedRow, Rows> packed;
     for (std::size_t row = 0; row < Rows; ++row) {
-        const CRow& data = Meanings.Row[row];
-        packed[row] = {QuotientColumn.Place[row],
-                       static_cast<std::int8_t>(data.Factor.Twos),
-                       static_cast<std::int8_t>(data.Factor.Fives),
-                       BaseUnitsColumn.Place[row],
-                       data.Offset,
+        packed[row] = {WrittenTexts.Starts[row],
+                       static_cast<std::uint8_t>(nameOf(row).size() * 16 +
+                                                 static_cast<std::size_t>(Lengths[row].Pack)),
+                       FactorColumn.Place[row], BaseUnitsColumn.Place[row],
                        SourceColumn.Place[row]};
     }
     return packed;
@@ -180,8 +214,23 @@ constexpr auto makePackedRows() {
 
 constexpr auto PackedRows = makePackedRows();
 
+constexpr std::string_view packedName(std::size_t row) {
+    return {RowTexts.Bytes + PackedRows[row].Start, PackedRows[row].nameSize()};
+}
+
+constexpr bool areNamesKept() {
+    for (std::size_t row = 0; row < Rows; ++row) {
+        if (!isEqual(packedName(row), nameOf(row)) || PackedRows[row].pack() != Lengths[row].Pack) {
+            return false;
+        }
+    }
+    return true;
+}
+
+static_assert(areNamesKept(), "a name has more than 15 bytes");
+
 constexpr CSmallFraction factorOf(std::size_t row) {
-    const CPackedRow& data = PackedRows[row];
+    const CPackedFactor& data = Factors[PackedRows[row].Factor];
     CSmallFraction factor;
     factor.Numerator = Quotients[data.Quotient].Numerator;
     factor.Denominator = Quotients[data.Quotient].Denominator;
@@ -201,44 +250,30 @@ constexpr bool areFactorsKept() {
 
 static_assert(areFactorsKept(), "a factor is negative, or has a power of 2 or 5 beyond 127");
 
-constexpr auto makeLetters() {
-    CArray<std::uint32_t, Rows> letters;
-    for (std::size_t row = 0; row < Rows; ++row) {
-        letters[row] = letterSet(nameOf(row));
-    }
-    return letters;
+const char* packedText(std::size_t row) {
+    return RowTexts.Bytes + PackedRows[row].Start + PackedRows[row].nameSize();
 }
-
-constexpr auto Letters = makeLetters();
 
 }  // namespace
 
 std::size_t CTable::size() noexcept { return Rows; }
 
-CDefinition CTable::definition(std::size_t row) noexcept {
-    const std::string_view name = nameOf(row);
-    const std::string_view text = definitionOf(row);
-    const std::string_view english(text.data() + text.size(), Lengths[row].English);
-    const std::size_t source = PackedRows[row].Source;
-    const std::size_t start = SourceStarts[source];
-    return {name,
-            text,
-            english,
-            {Sources.Elements + start, SourceStarts[source + 1] - start},
-            Lengths[row].Pack};
+CDefinition CTable::definition(std::size_t row) {
+    const char* const text = packedText(row);
+    return {name(row), unpacked(text), unpacked(text + std::strlen(text) + 1),
+            unpacked(Sources.Bytes + Sources.Starts[PackedRows[row].Source]), pack(row)};
 }
 
-std::string_view CTable::name(std::size_t row) noexcept { return nameOf(row); }
-ePack CTable::pack(std::size_t row) noexcept { return Lengths[row].Pack; }
-std::uint32_t CTable::letters(std::size_t row) noexcept { return Letters[row]; }
+std::string CTable::text(std::size_t row) { return unpacked(packedText(row)); }
+std::string_view CTable::name(std::size_t row) noexcept { return packedName(row); }
+ePack CTable::pack(std::size_t row) noexcept { return PackedRows[row].pack(); }
 
 [[gnu::hot]] CMeaning CTable::meaning(std::size_t row) {
-    const CPackedRow& data = PackedRows[row];
-    const CBaseUnits& units = BaseUnits[data.BaseUnits];
+    const CBaseUnits& units = BaseUnits[PackedRows[row].BaseUnits];
     if (units.Own != 0) {
-        return CMeaning::base(nameOf(units.Own - std::size_t{1}));
+        return CMeaning::base(name(units.Own - std::size_t{1}));
     }
-    CMeaning result(factorOf(row), static_cast<int>(units.Pi), Offsets[data.Offset]);
+    CMeaning result(factorOf(row), static_cast<int>(units.Pi), Offsets[units.Offset]);
     for (std::size_t slot = 0; slot < SlotCount; ++slot) {
         if (units.Exponents[slot] != 0) {
             result.m_Exponents[slot] = static_cast<int>(units.Exponents[slot]);
@@ -248,15 +283,17 @@ std::uint32_t CTable::letters(std::size_t row) noexcept { return Letters[row]; }
 }
 
 [[gnu::hot]] bool CTable::hasOffset(std::size_t row) noexcept {
-    return PackedRows[row].Offset != 0;
+    return BaseUnits[PackedRows[row].BaseUnits].Offset != 0;
 }
 
 [[gnu::hot]] std::size_t CTable::find(std::string_view name, std::uint32_t packs) noexcept {
-    constexpr std::size_t Longest = 32;  // bytes; no name is longer
+    constexpr std::size_t Longest = 15;  // bytes; no name is longer
     if (name.size() > Longest) {
         return None;
     }
-    return findRow(name, packs);
+    return Index.find(name, [name, packs](std::size_t row) {
+        return (packs & bitOf(PackedRows[row].pack())) != 0 && isEqual(packedName(row), name);
+    });
 }
 
 }  // namespace mensor::exact

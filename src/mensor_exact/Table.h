@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "mensor_exact/Definitions.h"
@@ -18,10 +19,10 @@ public:
     static constexpr std::uint32_t AllPacks = ~std::uint32_t{0};
 
     static std::size_t size() noexcept;
-    static CDefinition definition(std::size_t row) noexcept;
+    static CDefinition definition(std::size_t row);
+    static std::string text(std::size_t row);  ///< the text of the definition
     static std::string_view name(std::size_t row) noexcept;
     static ePack pack(std::size_t row) noexcept;
-    static std::uint32_t letters(std::size_t row) noexcept;  ///< letterSet() of the name
     static CMeaning meaning(std::size_t row);
     static bool hasOffset(std::size_t row) noexcept;
 

@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "mensor_exact/NameIndex.h"
+#include "mensor_exact/PackedText.h"
 #include "mensor_exact/TrapRows.h"
 
 namespace mensor::exact {
@@ -88,46 +89,24 @@ constexpr CNumbers numberAnswers() {
 
 constexpr CNumbers NumberedAnswers = numberAnswers();
 
-// Different texts, each with a zero at its end. textOf(i) returns the text of a thing.
-template <std::size_t Size, std::size_t Count>
-struct CTexts {
-    static_assert(Size < 65536);
-    char Letters[Size] = {};
-    std::uint16_t Starts[Count] = {};
+constexpr auto WrittenSentences =
+    writeTexts<NumberedSentences.Count>([](std::size_t i, const auto& write) {
+        packText(TrapRows[NumberedSentences.FirstOf[i]].Sentence, write);
+    });
 
-    template <class TextOf>
-    constexpr CTexts(const CNumbers& numbers, const TextOf& textOf) {
-        std::size_t end = 0;
-        for (std::size_t i = 0; i < Count; ++i) {
-            Starts[i] = static_cast<std::uint16_t>(end);
-            for (const char c : textOf(numbers.FirstOf[i])) {
-                Letters[end++] = c;
-            }
-            ++end;
-        }
+constexpr auto Sentences = shrunk<WrittenSentences.Size>(WrittenSentences);
+
+// The texts of the answers, each with a zero at its end.
+constexpr auto WrittenWords = writeTexts<AnswerTexts.Count>([](std::size_t i, const auto& write) {
+    for (const char c : answerText(AnswerTexts.FirstOf[i])) {
+        write(static_cast<unsigned char>(c));
     }
-};
-
-template <class TextOf>
-constexpr std::size_t sizeOfTexts(const CNumbers& numbers, const TextOf& textOf) {
-    std::size_t size = 0;
-    for (std::size_t i = 0; i < numbers.Count; ++i) {
-        size += textOf(numbers.FirstOf[i]).size() + 1;
-    }
-    return size;
-}
-
-constexpr auto sentenceOfRow = [](std::size_t row) { return TrapRows[row].Sentence; };
-constexpr CTexts<sizeOfTexts(NumberedSentences, sentenceOfRow), NumberedSentences.Count> Sentences(
-    NumberedSentences, sentenceOfRow);
-
-constexpr CTexts<sizeOfTexts(AnswerTexts, answerText), AnswerTexts.Count> WordsOfAnswers(
-    AnswerTexts, answerText);
+    write('\0');
+});
 
 struct CAnswers {
     CTrap Row[NumberedAnswers.Count] = {};
-    // As in WordsOfAnswers. Only the compiler needs the starts that are there.
-    char Words[std::size(WordsOfAnswers.Letters)] = {};
+    char Words[WrittenWords.Size] = {};
 };
 
 constexpr CAnswers makeAnswers() {
@@ -136,7 +115,7 @@ constexpr CAnswers makeAnswers() {
     for (std::size_t i = 0; i < NumberedAnswers.Count; ++i) {
         const std::size_t row = NumberedAnswers.FirstOf[i];
         const auto start = [row](std::size_t column) {
-            return WordsOfAnswers.Starts[AnswerTexts.Number[3 * row + column]];
+            return WrittenWords.Starts[AnswerTexts.Number[3 * row + column]];
         };
         CTrap& answer = answers.Row[i];
         answer.Place = TrapRows[row].Place;
@@ -145,8 +124,8 @@ constexpr CAnswers makeAnswers() {
         answer.First = start(1);
         answer.Second = start(2);
     }
-    for (std::size_t i = 0; i < std::size(answers.Words); ++i) {
-        answers.Words[i] = WordsOfAnswers.Letters[i];
+    for (std::size_t i = 0; i < WrittenWords.Size; ++i) {
+        answers.Words[i] = WrittenWords.Bytes[i];
     }
     return answers;
 }
@@ -195,7 +174,7 @@ constexpr std::size_t LongestText = 15;
 constexpr std::size_t GroupSize = 16;
 constexpr std::size_t MoreRows = 0x8000;
 
-struct CWrittenTexts {
+struct CWrittenRows {
     std::uint8_t Bytes[20 * RowCount] = {};
     std::uint16_t Starts[RowCount] = {};
     std::size_t Size = 0;
@@ -223,9 +202,9 @@ constexpr std::size_t sameBeginning(std::string_view a, std::string_view b) {
     return size;
 }
 
-constexpr CWrittenTexts writeTexts() {
+constexpr CWrittenRows writeRows() {
     static_assert(NumberedAnswers.Count < MoreRows);
-    CWrittenTexts texts;
+    CWrittenRows texts;
     std::size_t count = 0;
     for (std::size_t i = 0; i < RowCount; ++i) {
         const std::string_view text = sortedText(i);
@@ -244,23 +223,23 @@ constexpr CWrittenTexts writeTexts() {
     return texts;
 }
 
-constexpr CWrittenTexts WrittenTexts = writeTexts();
+constexpr CWrittenRows WrittenRows = writeRows();
 
-static_assert(WrittenTexts.IsGood, "a text is empty or has more than 15 bytes");
-static_assert(WrittenTexts.Size < 65536);
+static_assert(WrittenRows.IsGood, "a text is empty or has more than 15 bytes");
+static_assert(WrittenRows.Size < 65536);
 
 struct CTrapTexts {
-    std::uint8_t Bytes[WrittenTexts.Size] = {};
-    std::uint16_t Starts[WrittenTexts.Groups] = {};
+    std::uint8_t Bytes[WrittenRows.Size] = {};
+    std::uint16_t Starts[WrittenRows.Groups] = {};
 };
 
 constexpr CTrapTexts makeTrapTexts() {
     CTrapTexts texts;
-    for (std::size_t i = 0; i < WrittenTexts.Size; ++i) {
-        texts.Bytes[i] = WrittenTexts.Bytes[i];
+    for (std::size_t i = 0; i < WrittenRows.Size; ++i) {
+        texts.Bytes[i] = WrittenRows.Bytes[i];
     }
-    for (std::size_t i = 0; i < WrittenTexts.Groups; ++i) {
-        texts.Starts[i] = WrittenTexts.Starts[i];
+    for (std::size_t i = 0; i < WrittenRows.Groups; ++i) {
+        texts.Starts[i] = WrittenRows.Starts[i];
     }
     return texts;
 }
@@ -394,8 +373,8 @@ const CTrap* find(std::string_view text, const IsRight& isRight) {
 
 std::string_view CTrap::textAt(std::size_t start) noexcept { return Answers.Words + start; }
 
-const char* CTrap::sentence() const noexcept {
-    return Sentences.Letters + Sentences.Starts[Sentence];
+std::string CTrap::sentence() const {
+    return unpacked(Sentences.Bytes + Sentences.Starts[Sentence]);
 }
 
 [[gnu::hot]] const CTrap* findTrap(ePlace place, std::string_view text,

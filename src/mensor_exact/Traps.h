@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "mensor_exact/exact_export.h"
@@ -42,8 +43,8 @@ struct MENSOR_EXACT_API CTrap {
     std::uint16_t First;
     std::uint16_t Second;
 
-    /// A constant text without a full stop. "{}" stands for the refused or noted text.
-    const char* sentence() const noexcept;
+    /// Returns a sentence without a full stop. "{}" stands for the refused or noted text.
+    std::string sentence() const;
 
     std::string_view behind() const noexcept { return textAt(Behind); }
     /// What to write instead. May be empty. "{}" stands for the name before the trap.

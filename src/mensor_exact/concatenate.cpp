@@ -18,6 +18,14 @@ std::string concatenate(std::initializer_list<std::string_view> texts) {
     return result;
 }
 
+std::string withText(std::string sentence, std::string_view text) {
+    const std::size_t place = sentence.find("{}");
+    if (place != std::string::npos) {
+        sentence.replace(place, 2, text);
+    }
+    return sentence;
+}
+
 std::string quoted(std::string_view text) {
     constexpr std::size_t Shown = 60;
     std::size_t end = std::min(text.size(), Shown);

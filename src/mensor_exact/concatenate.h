@@ -11,6 +11,9 @@ namespace mensor::exact {
 /// Joins `texts`. One call needs much less code than a chain of "+".
 std::string concatenate(std::initializer_list<std::string_view> texts);
 
+/// Returns the sentence with `text` in place of its first "{}".
+std::string withText(std::string sentence, std::string_view text);
+
 /// Returns `text` in quotation marks. A long text is cut and ends in "...".
 std::string quoted(std::string_view text);
 

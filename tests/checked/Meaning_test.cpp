@@ -91,13 +91,13 @@ TEST(Meaning, KeepsRadiansSteradiansAndBits) {
 // Compares each unit of the library, by the name that it has after load.
 TEST(Meaning, EveryNameOfTheCatalogueHasTheMeaningOfItsRow) {
     int count = 0;
-    CCatalogue::builtIn().forEach([&](const exact::CDefinition& definition) {
-        const std::string name(definition.Name);
+    CCatalogue::builtIn().forEachName([&](std::string_view known, exact::ePack pack) {
+        const std::string name(known);
         CUnitPtr unit = CUnitFormat::unitFor(name);
-        if (unit == nullptr && definition.Name == "psi") {
+        if (unit == nullptr && name == "psi") {
             unit = NonSI::Psi();
         }
-        if (definition.Pack == exact::ePack::CATALOGUE) {
+        if (pack == exact::ePack::CATALOGUE) {
             EXPECT_EQ(meaningOf(unit), *CCatalogue::builtIn().meaning(name)) << name;
             ++count;
         }

@@ -43,12 +43,12 @@ CDiagnosis refusalOf(const char* text, const CReadOptions& options = {}) {
 
 std::vector<std::string> spellings() {
     std::vector<std::string> names;
-    exact::CCatalogue::builtIn().with(exact::ePack::EVERYDAY).forEach([&](const auto& row) {
+    for (const exact::CDefinition& row :
+         exact::CCatalogue::builtIn().with(exact::ePack::EVERYDAY).definitions()) {
         if (row.Pack == exact::ePack::EVERYDAY) {
             names.emplace_back(row.Name);
         }
-        return true;
-    });
+    }
     return names;
 }
 

@@ -109,8 +109,7 @@ TEST(Certificate, ALongChainOfDefinitionsNeedsLittleStack) {
     }
     std::vector<CDefinition> definitions;
     for (std::size_t i = 0; i < names.size(); ++i) {
-        definitions.push_back(
-            {names[i], i + 1 < names.size() ? std::string_view(names[i + 1]) : "m"});
+        definitions.push_back({names[i], i + 1 < names.size() ? names[i + 1] : "m"});
     }
     const CCatalogue own = CCatalogue::builtIn().with(definitions);
     EXPECT_EQ(certify("u_0_", "m", own).Definitions.size(), names.size() + 1);

@@ -262,8 +262,8 @@ TEST(DefinitionFile, RedefinesANameOnlyWithReplace) {
     EXPECT_EQ(read("lb", catalogue).toString(), "0.45359237 kg");
 
     std::size_t pounds = 0;
-    file.Catalogue.forEach([&](const CDefinition& definition) {
-        pounds += definition.Name == "lb" ? 1U : 0U;
+    file.Catalogue.forEachName([&](std::string_view name, ePack) {
+        pounds += name == "lb" ? 1U : 0U;
         return true;
     });
     EXPECT_EQ(pounds, 1U);
@@ -319,13 +319,12 @@ TEST(DefinitionFile, CertifiesItsUnits) {
     EXPECT_EQ(catalogue.find("°X")->Text, "1.25 K, offset 218.52");
     EXPECT_EQ(catalogue.find("°Y")->Text, "2.5 K, offset 109.76");
     EXPECT_EQ(catalogue.find("EUR")->Text, "");
-    catalogue.forEach([&](const CDefinition& definition) {
+    for (const CDefinition& definition : catalogue.definitions()) {
         if (definition.Pack == ePack::OWN && !definition.Text.empty()) {
             EXPECT_EQ(catalogue.evaluate(definition.Text), *catalogue.meaning(definition.Name))
                 << definition.Name;
         }
-        return true;
-    });
+    }
 }
 
 TEST(DefinitionFile, ThrowsTheFirstFindingAndTheNumberOfOthers) {

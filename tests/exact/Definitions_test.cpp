@@ -332,8 +332,8 @@ TEST(Definitions, AVisitEndsWhereTheVisitorSaysSo) {
     const CCatalogue own = BuiltIn.with({{"qa", "3 m"}, {"qb", "4 m"}});
     for (const std::string last : {"km", "qa", "qb"}) {
         std::string visited;
-        own.forEach([&](const CDefinition& definition) {
-            visited = definition.Name;
+        own.forEachName([&](std::string_view name, ePack) {
+            visited = name;
             return visited != last;
         });
         EXPECT_EQ(visited, last);

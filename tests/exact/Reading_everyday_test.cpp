@@ -85,12 +85,11 @@ std::vector<std::string> notesOf(std::string_view text, const CCatalogue& catalo
 
 std::vector<CDefinition> spellings() {
     std::vector<CDefinition> rows;
-    people().forEach([&](const CDefinition& definition) {
+    for (const CDefinition& definition : people().definitions()) {
         if (definition.Pack == ePack::EVERYDAY) {
             rows.push_back(definition);
         }
-        return true;
-    });
+    }
     return rows;
 }
 
@@ -224,8 +223,8 @@ TEST(EverydaySpellings, AreReplacedByNamesOfTheProgram) {
     const CCatalogue before = plain().with({{"barg", "5 m"}}).with(ePack::EVERYDAY);
     EXPECT_EQ(meaningText("barg", before), "5 m");
     int seen = 0;
-    before.forEach([&](const CDefinition& definition) {
-        seen += definition.Name == "barg" ? 1 : 0;
+    before.forEachName([&](std::string_view name, ePack) {
+        seen += name == "barg" ? 1 : 0;
         return true;
     });
     EXPECT_EQ(seen, 1);
@@ -233,8 +232,8 @@ TEST(EverydaySpellings, AreReplacedByNamesOfTheProgram) {
 
 TEST(EverydaySpellings, AreListedOnceIfAnotherPackHasTheName) {
     std::set<std::string_view> names;
-    everything().forEach([&](const CDefinition& definition) {
-        EXPECT_TRUE(names.insert(definition.Name).second) << definition.Name;
+    everything().forEachName([&](std::string_view name, ePack) {
+        EXPECT_TRUE(names.insert(name).second) << name;
         return true;
     });
 }
@@ -246,12 +245,12 @@ TEST(EverydaySpellings, AreRefusedInAnyOtherCase) {
 }
 
 TEST(EverydayWords, ReplaceNoNameOfTheCatalogue) {
-    withoutEveryday().forEach([&](const CDefinition& definition) {
-        const auto word = everydayWord(definition.Name);
+    withoutEveryday().forEachName([&](std::string_view name, ePack) {
+        const auto word = everydayWord(name);
         if (word) {
             CMeaning meaning = *everything().meaning(word->Symbol);
             meaning = meaning.scaled(CFactor(CFraction(10)).power(word->Power));
-            EXPECT_EQ(meaning, *withoutEveryday().meaning(definition.Name)) << definition.Name;
+            EXPECT_EQ(meaning, *withoutEveryday().meaning(name)) << name;
         }
         return true;
     });
@@ -278,8 +277,8 @@ TEST(EverydaySpellings, DoNotChangeTextsThatAreReadWithoutThem) {
         EXPECT_EQ(read(expression.Text, with), read(expression.Text)) << expression.Text;
     }
     std::vector<std::string> names;
-    without.forEach([&](const CDefinition& definition) {
-        names.emplace_back(definition.Name);
+    without.forEachName([&](std::string_view name, ePack) {
+        names.emplace_back(name);
         return true;
     });
     const char* const signs[] = {"·", "/", " ", ".", "²·", "-1 ", "*", "(", ")", "", "2"};

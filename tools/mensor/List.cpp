@@ -25,20 +25,18 @@ struct CListed {
 std::map<std::string, CListed> namedUnits(const CCatalogue& catalogue) {
     std::map<std::string, CListed> listed;
     std::map<std::string, std::string> firstNames;  // by English name
-    catalogue.forEach([&](const CDefinition& definition) {
+    for (const CDefinition& definition : catalogue.definitions()) {
         const std::string name(definition.Name);
         CMeaning meaning = *catalogue.meaning(name);
         if (!definition.English.empty()) {
-            const auto [first, isNew] =
-                firstNames.emplace(std::string(definition.English), definition.Name);
+            const auto [first, isNew] = firstNames.emplace(definition.English, definition.Name);
             if (!isNew && listed.at(first->second).Meaning == meaning) {
                 listed.at(first->second).OtherNames.push_back(name);
-                return true;
+                continue;
             }
         }
         listed.emplace(name, CListed{std::move(meaning), {}});
-        return true;
-    });
+    }
     return listed;
 }
 
