@@ -16,6 +16,7 @@
 #define MENSOR_CHECKED_PACKS_H
 
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 

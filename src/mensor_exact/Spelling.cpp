@@ -15,17 +15,52 @@ bool startsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;
 }
 
-struct CWordRow {
-    CShortText<15> Singular;
-    CShortText<15> Plural;
-    CShortText<7> Symbol;
+// The texts of all words, one after the other.
+constexpr char WordTexts[] =
+#define MENSOR_WORD(singular, plural, symbol, prefixes) singular plural symbol
+#include "mensor_exact/spellings.def"
+    ;
+
+struct CWordSizes {
+    std::uint8_t Singular;
+    std::uint8_t Plural;
+    std::uint8_t Symbol;
     bool HasPrefixes;
 };
 
-constexpr CWordRow Words[] = {
-#define MENSOR_WORD(singular, plural, symbol, prefixes) {singular, plural, symbol, prefixes},
+// NOLINTBEGIN(bugprone-macro-parentheses): the arguments are literals, and the rows are lists.
+constexpr CWordSizes WordSizes[] = {
+#define MENSOR_WORD(singular, plural, symbol, prefixes) \
+    {sizeof(singular) - 1, sizeof(plural) - 1, sizeof(symbol) - 1, prefixes},
 #include "mensor_exact/spellings.def"
 };
+// NOLINTEND(bugprone-macro-parentheses)
+
+struct CWordRow {
+    std::string_view Singular;
+    std::string_view Plural;
+    std::string_view Symbol;
+    bool HasPrefixes;
+};
+
+// Returns the first row for which `isRight` returns true, or nothing.
+template <class IsRight>
+std::optional<CWordRow> findWord(const IsRight& isRight) {
+    const char* text = WordTexts;
+    for (const CWordSizes& sizes : WordSizes) {
+        const char* const plural = text + sizes.Singular;
+        const char* const symbol = plural + sizes.Plural;
+        const CWordRow row{{text, sizes.Singular},
+                           {plural, sizes.Plural},
+                           {symbol, sizes.Symbol},
+                           sizes.HasPrefixes};
+        if (isRight(row)) {
+            return row;
+        }
+        text = symbol + sizes.Symbol;
+    }
+    return std::nullopt;
+}
 
 // The names of the prefixes, in the order of their symbols.
 constexpr CShortText<5> PrefixNames[] = {
@@ -34,14 +69,10 @@ constexpr CShortText<5> PrefixNames[] = {
 };
 static_assert(std::size(PrefixNames) == std::size(Prefixes));
 
-// Returns the row of a word without a prefix, or null.
-const CWordRow* plainWord(std::string_view name) {
-    for (const CWordRow& word : Words) {
-        if (name == word.Singular || name == word.Plural) {
-            return &word;
-        }
-    }
-    return nullptr;
+// Returns the row of a word without a prefix, or nothing.
+std::optional<CWordRow> plainWord(std::string_view name) {
+    return findWord(
+        [name](const CWordRow& word) { return name == word.Singular || name == word.Plural; });
 }
 
 bool isSmall(char c) { return c >= 'a' && c <= 'z'; }
@@ -76,15 +107,15 @@ std::optional<CWord> everydayWord(std::string_view name) {
     if (!std::all_of(word.begin(), word.end(), isSmall)) {
         return std::nullopt;
     }
-    if (const CWordRow* const row = plainWord(word)) {
+    if (const std::optional<CWordRow> row = plainWord(word)) {
         return CWord{{}, row->Symbol, 0};
     }
     for (std::size_t i = 0; i < std::size(PrefixNames); ++i) {
         if (!startsWith(word, PrefixNames[i])) {
             continue;
         }
-        const CWordRow* const row = plainWord(word.substr(PrefixNames[i].size()));
-        if (row != nullptr && row->HasPrefixes) {
+        const std::optional<CWordRow> row = plainWord(word.substr(PrefixNames[i].size()));
+        if (row && row->HasPrefixes) {
             return CWord{Prefixes[i].Symbol, row->Symbol, Prefixes[i].Power};
         }
     }
@@ -93,14 +124,15 @@ std::optional<CWord> everydayWord(std::string_view name) {
 
 void addEverydayWordsTo(CNearestNames& nearest, std::string_view unknown) {
     const auto addAll = [&nearest](const std::string& prefix) {
-        for (const CWordRow& word : Words) {
+        findWord([&](const CWordRow& word) {
             if (prefix.empty() || word.HasPrefixes) {
-                nearest.add(prefix + std::string(std::string_view(word.Singular)));
-                if (std::string_view(word.Plural) != std::string_view(word.Singular)) {
-                    nearest.add(prefix + std::string(std::string_view(word.Plural)));
+                nearest.add(prefix + std::string(word.Singular));
+                if (word.Plural != word.Singular) {
+                    nearest.add(prefix + std::string(word.Plural));
                 }
             }
-        }
+            return false;
+        });
     };
     addAll({});
     for (const std::string_view prefix : PrefixNames) {

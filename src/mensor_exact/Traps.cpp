@@ -19,7 +19,7 @@ struct CNumbers {
     static constexpr std::size_t Places = 16384;
     std::size_t FirstOf[Places] = {};     // for each number the first thing with it
     std::uint16_t NumberAt[Places] = {};  // a hash table: a number plus 1; 0 if the place is empty
-    std::uint16_t Number[3 * RowCount] = {};  // for each thing its number
+    std::uint16_t Number[2 * RowCount] = {};  // for each thing its number
     std::size_t Count = 0;
 
     template <class IsSame>
@@ -36,25 +36,34 @@ struct CNumbers {
     }
 };
 
-// The texts of all answers: three for each row.
-constexpr std::size_t AnswerTextCount = 3 * RowCount;
+// The words of all answers: two items for each row. Few rows have both words of the second item.
+struct CWords {
+    std::string_view First;
+    std::string_view Second;
+    bool HasSecond;  // it may be empty
+};
 
-constexpr std::string_view answerText(std::size_t i) {
-    const CTrapRow& row = TrapRows[i / 3];
-    return i % 3 == 0 ? row.Behind : i % 3 == 1 ? row.First : row.Second;
+constexpr CWords wordsOf(std::size_t i) {
+    const CTrapRow& row = TrapRows[i / 2];
+    return i % 2 == 0 ? CWords{row.First, {}, false} : CWords{row.Behind, row.Second, true};
 }
 
-constexpr CNumbers numberAnswerTexts() {
+constexpr CNumbers numberWords() {
     CNumbers numbers;
-    for (std::size_t i = 0; i < AnswerTextCount; ++i) {
-        numbers.add(i, hashOfName(answerText(i)), [](std::size_t a, std::size_t b) {
-            return isEqual(answerText(a), answerText(b));
-        });
+    for (std::size_t i = 0; i < 2 * RowCount; ++i) {
+        const CWords words = wordsOf(i);
+        numbers.add(
+            i, hashOfName(words.Second, hashOfName(words.First)), [](std::size_t a, std::size_t b) {
+                const CWords left = wordsOf(a);
+                const CWords right = wordsOf(b);
+                return left.HasSecond == right.HasSecond && isEqual(left.First, right.First) &&
+                       isEqual(left.Second, right.Second);
+            });
     }
     return numbers;
 }
 
-constexpr CNumbers AnswerTexts = numberAnswerTexts();
+constexpr CNumbers NumberedWords = numberWords();
 
 constexpr CNumbers numberSentences() {
     CNumbers numbers;
@@ -72,16 +81,14 @@ constexpr CNumbers NumberedSentences = numberSentences();
 constexpr CNumbers numberAnswers() {
     CNumbers numbers;
     for (std::size_t row = 0; row < RowCount; ++row) {
-        std::uint32_t hash = NumberedSentences.Number[row];
-        for (std::size_t i = 3 * row; i < 3 * row + 3; ++i) {
-            hash = hash * 16777619U + AnswerTexts.Number[i];
-        }
+        const std::uint32_t hash = NumberedSentences.Number[row] * 16777619U +
+                                   NumberedWords.Number[2 * row] * 257U +
+                                   NumberedWords.Number[2 * row + 1];
         numbers.add(row, hash, [](std::size_t a, std::size_t b) {
             return TrapRows[a].Place == TrapRows[b].Place &&
                    NumberedSentences.Number[a] == NumberedSentences.Number[b] &&
-                   AnswerTexts.Number[3 * a] == AnswerTexts.Number[3 * b] &&
-                   AnswerTexts.Number[3 * a + 1] == AnswerTexts.Number[3 * b + 1] &&
-                   AnswerTexts.Number[3 * a + 2] == AnswerTexts.Number[3 * b + 2];
+                   NumberedWords.Number[2 * a] == NumberedWords.Number[2 * b] &&
+                   NumberedWords.Number[2 * a + 1] == NumberedWords.Number[2 * b + 1];
         });
     }
     return numbers;
@@ -96,13 +103,46 @@ constexpr auto WrittenSentences =
 
 constexpr auto Sentences = shrunk<WrittenSentences.Size>(WrittenSentences);
 
-// The texts of the answers, each with a zero at its end.
-constexpr auto WrittenWords = writeTexts<AnswerTexts.Count>([](std::size_t i, const auto& write) {
-    for (const char c : answerText(AnswerTexts.FirstOf[i])) {
+// The words, each with a zero at its end.
+constexpr auto WrittenWords = writeTexts<NumberedWords.Count>([](std::size_t i, const auto& write) {
+    const CWords words = wordsOf(NumberedWords.FirstOf[i]);
+    for (const char c : words.First) {
         write(static_cast<unsigned char>(c));
     }
     write('\0');
+    if (words.HasSecond) {
+        for (const char c : words.Second) {
+            write(static_cast<unsigned char>(c));
+        }
+        write('\0');
+    }
 });
+
+// The answers in the order in which they are stored: those of many rows come first.
+struct CRanks {
+    std::uint16_t RankOf[NumberedAnswers.Count] = {};  // for each number of an answer
+};
+
+constexpr CRanks rankAnswers() {
+    std::size_t uses[NumberedAnswers.Count] = {};
+    for (std::size_t row = 0; row < RowCount; ++row) {
+        ++uses[NumberedAnswers.Number[row]];
+    }
+    std::size_t before[RowCount + 2] = {};  // the number of answers with more uses
+    for (const std::size_t count : uses) {
+        ++before[count - 1];
+    }
+    for (std::size_t count = RowCount; count-- > 0;) {
+        before[count] += before[count + 1];
+    }
+    CRanks ranks;
+    for (std::size_t i = 0; i < NumberedAnswers.Count; ++i) {
+        ranks.RankOf[i] = static_cast<std::uint16_t>(before[uses[i]]++);
+    }
+    return ranks;
+}
+
+constexpr CRanks Ranks = rankAnswers();
 
 struct CAnswers {
     CTrap Row[NumberedAnswers.Count] = {};
@@ -114,15 +154,11 @@ constexpr CAnswers makeAnswers() {
     CAnswers answers;
     for (std::size_t i = 0; i < NumberedAnswers.Count; ++i) {
         const std::size_t row = NumberedAnswers.FirstOf[i];
-        const auto start = [row](std::size_t column) {
-            return WrittenWords.Starts[AnswerTexts.Number[3 * row + column]];
-        };
-        CTrap& answer = answers.Row[i];
+        CTrap& answer = answers.Row[Ranks.RankOf[i]];
         answer.Place = TrapRows[row].Place;
         answer.Sentence = static_cast<std::uint8_t>(NumberedSentences.Number[row]);
-        answer.Behind = start(0);
-        answer.First = start(1);
-        answer.Second = start(2);
+        answer.First = WrittenWords.Starts[NumberedWords.Number[2 * row]];
+        answer.BehindAndSecond = WrittenWords.Starts[NumberedWords.Number[2 * row + 1]];
     }
     for (std::size_t i = 0; i < WrittenWords.Size; ++i) {
         answers.Words[i] = WrittenWords.Bytes[i];
@@ -167,12 +203,24 @@ constexpr COrder Order = sortRows();
 //
 //     one byte         the size of the beginning times 16, plus the size of the rest
 //     the rest
-//     for each row     two bytes: the number of its answer, plus 0x8000 if a row with the same text follows
+//     for each row     the number of its answer in one byte or two, as writeAnswer() writes it
 //
 // Every sixteenth text is stored whole. There the search begins.
 constexpr std::size_t LongestText = 15;
 constexpr std::size_t GroupSize = 16;
-constexpr std::size_t MoreRows = 0x8000;
+
+// A number below this one needs one byte. Others have the rest of the first byte and the second byte.
+constexpr std::size_t ShortAnswers = 124;
+constexpr std::size_t MoreRows = 0x80;  // in the first byte: another row with the same text follows
+
+static_assert(NumberedAnswers.Count <= ShortAnswers + (MoreRows - ShortAnswers) * 256);
+
+// Reads a number of an answer and moves `at` behind it.
+std::size_t readAnswer(const std::uint8_t*& at, bool& hasMore) {
+    hasMore = *at >= MoreRows;
+    const std::size_t first = *at++ % MoreRows;
+    return first < ShortAnswers ? first : ShortAnswers + (first - ShortAnswers) * 256 + *at++;
+}
 
 struct CWrittenRows {
     std::uint8_t Bytes[20 * RowCount] = {};
@@ -190,6 +238,16 @@ struct CWrittenRows {
             write(static_cast<std::uint8_t>(c));
         }
     }
+
+    constexpr void writeAnswer(std::size_t answer, bool hasMore) {
+        const std::size_t more = hasMore ? MoreRows : 0;
+        if (answer < ShortAnswers) {
+            write(answer + more);
+            return;
+        }
+        write(ShortAnswers + (answer - ShortAnswers) / 256 + more);
+        write((answer - ShortAnswers) % 256);
+    }
 };
 
 constexpr std::string_view sortedText(std::size_t i) { return TrapRows[Order.Row[i]].Text; }
@@ -203,7 +261,6 @@ constexpr std::size_t sameBeginning(std::string_view a, std::string_view b) {
 }
 
 constexpr CWrittenRows writeRows() {
-    static_assert(NumberedAnswers.Count < MoreRows);
     CWrittenRows texts;
     std::size_t count = 0;
     for (std::size_t i = 0; i < RowCount; ++i) {
@@ -216,9 +273,7 @@ constexpr CWrittenRows writeRows() {
             texts.writeText(text, isFirst ? 0 : sameBeginning(text, sortedText(i - 1)));
         }
         const bool isLast = i + 1 == RowCount || !isEqual(text, sortedText(i + 1));
-        const std::size_t answer = NumberedAnswers.Number[Order.Row[i]] + (isLast ? 0 : MoreRows);
-        texts.write(answer & 0xFF);
-        texts.write(answer >> 8);
+        texts.writeAnswer(Ranks.RankOf[NumberedAnswers.Number[Order.Row[i]]], !isLast);
     }
     return texts;
 }
@@ -325,8 +380,6 @@ std::string_view wholeTextAt(std::size_t start) {
     return {reinterpret_cast<const char*>(Texts.Bytes) + start + 1, Texts.Bytes[start]};
 }
 
-std::size_t twoBytes(const std::uint8_t* at) { return at[0] + at[1] * std::size_t{256}; }
-
 // Returns where the answers of this text begin, or null.
 const std::uint8_t* answersTo(std::string_view text) {
     const auto* const group = std::upper_bound(
@@ -347,10 +400,10 @@ const std::uint8_t* answersTo(std::string_view text) {
         if (std::string_view(known, same + rest) == text) {
             return at;
         }
-        while (twoBytes(at) >= MoreRows) {
-            at += 2;
+        bool hasMore = true;
+        while (hasMore) {
+            readAnswer(at, hasMore);
         }
-        at += 2;
     }
     return nullptr;
 }
@@ -358,10 +411,10 @@ const std::uint8_t* answersTo(std::string_view text) {
 // Returns the answer of the first row with this text for which `isRight` returns true, or null.
 template <class IsRight>
 const CTrap* find(std::string_view text, const IsRight& isRight) {
-    std::size_t answer = MoreRows;
-    for (const std::uint8_t* at = answersTo(text); at != nullptr && answer >= MoreRows; at += 2) {
-        answer = twoBytes(at);
-        const CTrap& row = Answers.Row[answer % MoreRows];
+    const std::uint8_t* at = answersTo(text);
+    bool hasMore = at != nullptr;
+    while (hasMore) {
+        const CTrap& row = Answers.Row[readAnswer(at, hasMore)];
         if (isRight(row)) {
             return &row;
         }

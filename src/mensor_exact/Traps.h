@@ -39,17 +39,18 @@ enum class ePlace : std::uint8_t {
 struct MENSOR_EXACT_API CTrap {
     ePlace Place;
     std::uint8_t Sentence;  ///< a number
-    std::uint16_t Behind;   ///< where each text begins in the array of all texts of answers
-    std::uint16_t First;
-    std::uint16_t Second;
+    std::uint16_t First;    ///< where it begins in the array of all words
+    std::uint16_t BehindAndSecond;
 
     /// Returns a sentence without a full stop. "{}" stands for the refused or noted text.
     std::string sentence() const;
 
-    std::string_view behind() const noexcept { return textAt(Behind); }
+    std::string_view behind() const noexcept { return textAt(BehindAndSecond); }
     /// What to write instead. May be empty. "{}" stands for the name before the trap.
     std::string_view first() const noexcept { return textAt(First); }
-    std::string_view second() const noexcept { return textAt(Second); }
+    std::string_view second() const noexcept {
+        return textAt(BehindAndSecond + behind().size() + 1);
+    }
 
 private:
     static std::string_view textAt(std::size_t start) noexcept;
