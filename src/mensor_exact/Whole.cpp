@@ -1,9 +1,11 @@
 #include "mensor_exact/Whole.h"
 
+#include <cstdint>
 #include <iomanip>
 #include <istream>
 #include <memory>
 #include <new>
+#include <numeric>
 #include <ostream>
 #include <utility>
 
@@ -14,6 +16,8 @@
 #endif
 // Boost throws plain exceptions of the standard library, not ones that can be cloned.
 #define BOOST_EXCEPTION_DISABLE
+// The faster product of very long numbers would take 3 kB. Numbers have at most 1024 limbs of 64 bits.
+#define BOOST_MP_KARATSUBA_CUTOFF SIZE_MAX
 #include <boost/multiprecision/cpp_int.hpp>
 
 namespace mensor::exact {
@@ -28,6 +32,8 @@ constexpr unsigned BitsInside = 2304;
 using Number = mp::number<mp::cpp_int_backend<BitsInside, 0, mp::signed_magnitude, mp::unchecked,
                                               std::allocator<mp::limb_type>>,
                           mp::et_off>;
+
+constexpr std::size_t LimbBits = Number::backend_type::limb_bits;
 
 constexpr std::size_t BlockDigits = 18;
 constexpr std::uint64_t Block = 1000000000000000000;
@@ -72,19 +78,30 @@ CWhole& CWhole::operator=(CWhole&& other) noexcept {
 }
 CWhole::~CWhole() { number(*this).~Number(); }
 
+// Boost has templates for each combination of operands and for many special cases. Those used here are few, so
+// that the library is small: one sum, one product, one division.
+
 bool CWhole::isZero() const { return number(*this).is_zero(); }
 bool CWhole::isNegative() const { return number(*this).sign() < 0; }
-bool CWhole::isOdd() const { return mp::bit_test(number(*this), 0); }
-bool CWhole::isOne() const { return number(*this) == 1; }
+bool CWhole::isOdd() const { return (low() & 1) != 0; }
+bool CWhole::isOne() const { return !isNegative() && bits() == 1; }
 
 std::size_t CWhole::bits() const {
-    if (isZero()) {
-        return 0;
-    }
-    return (isNegative() ? mp::msb(-number(*this)) : mp::msb(number(*this))) + 1;
+    const auto& backend = number(*this).backend();
+    const std::size_t above = backend.size() - 1;
+    const mp::limb_type top = backend.limbs()[above];
+    return top == 0 ? 0 : LimbBits * above + 64 - static_cast<std::size_t>(__builtin_clzll(top));
 }
 
-std::size_t CWhole::twos() const { return mp::lsb(number(*this)); }
+std::size_t CWhole::twos() const {
+    const mp::limb_type* const limbs = number(*this).backend().limbs();
+    std::size_t zeros = 0;
+    while (limbs[zeros] == 0) {
+        ++zeros;
+    }
+    return LimbBits * zeros + static_cast<std::size_t>(__builtin_ctzll(limbs[zeros]));
+}
+
 std::uint64_t CWhole::low() const {
     const auto& backend = number(*this).backend();
     std::uint64_t low = backend.limbs()[0];
@@ -107,20 +124,9 @@ CWhole& CWhole::operator+=(const CWhole& other) {
     return *this;
 }
 
-CWhole& CWhole::operator-=(const CWhole& other) {
-    number(*this) -= number(other);
-    return *this;
-}
-
-CWhole& CWhole::operator*=(const CWhole& other) {
-    number(*this) *= number(other);
-    return *this;
-}
-
-CWhole& CWhole::operator/=(const CWhole& other) {
-    number(*this) /= number(other);
-    return *this;
-}
+CWhole& CWhole::operator-=(const CWhole& other) { return *this += -other; }
+CWhole& CWhole::operator*=(const CWhole& other) { return *this = *this * other; }
+CWhole& CWhole::operator/=(const CWhole& other) { return *this = *this / other; }
 
 CWhole operator+(const CWhole& a, const CWhole& b) {
     CWhole result = a;
@@ -128,11 +134,7 @@ CWhole operator+(const CWhole& a, const CWhole& b) {
     return result;
 }
 
-CWhole operator-(const CWhole& a, const CWhole& b) {
-    CWhole result = a;
-    result -= b;
-    return result;
-}
+CWhole operator-(const CWhole& a, const CWhole& b) { return a + -b; }
 
 CWhole operator*(const CWhole& a, const CWhole& b) {
     CWhole result;
@@ -140,19 +142,30 @@ CWhole operator*(const CWhole& a, const CWhole& b) {
     return result;
 }
 
-CWhole operator/(const CWhole& a, const CWhole& b) {
-    CWhole result = a;
-    result /= b;
-    return result;
-}
+CWhole operator/(const CWhole& a, const CWhole& b) { return CDivision(a, b).Quotient; }
 
 CWhole CWhole::shifted(std::int64_t twos) const {
-    CWhole result = *this;
-    if (twos > 0) {
-        number(result) <<= static_cast<unsigned long>(twos);
-    } else if (twos < 0) {
-        number(result) >>= static_cast<unsigned long>(-twos);
+    constexpr auto Bits = static_cast<std::int64_t>(LimbBits);
+    const std::int64_t left = ((twos % Bits) + Bits) % Bits;
+    const std::int64_t limbs = (twos - left) / Bits;  // negative if limbs are dropped
+    const auto& from = number(*this).backend();
+    const auto size = static_cast<std::int64_t>(from.size());
+    const auto limb = [&from, size](std::int64_t i) {
+        return i < 0 || i >= size ? 0 : from.limbs()[i];
+    };
+    CWhole result;
+    if (isZero() || size + limbs < 0) {
+        return result;
     }
+    auto& to = number(result).backend();
+    const auto count = static_cast<unsigned>(size + limbs + 1);
+    to.resize(count, count);
+    for (std::int64_t i = 0; i < size + limbs + 1; ++i) {
+        const mp::limb_type below = left == 0 ? 0 : limb(i - limbs - 1) >> (Bits - left);
+        to.limbs()[i] = (limb(i - limbs) << left) | below;
+    }
+    to.normalize();
+    to.sign(from.sign());
     return result;
 }
 
@@ -180,8 +193,7 @@ CWhole CWhole::ofDigits(std::string_view digits) {
         for (const char digit : digits.substr(0, count)) {
             block = 10 * block + static_cast<std::uint64_t>(digit - '0');
         }
-        number(result) *= Block;
-        number(result) += block;
+        result = result * Block + block;
         digits.remove_prefix(count);
     }
     return result;
@@ -191,11 +203,9 @@ std::string CWhole::toString() const {
     std::string backwards;
     CWhole rest = size();
     do {
-        CWhole quotient;
-        CWhole block;
-        mp::divide_qr(number(rest), Number(Block), number(quotient), number(block));
-        rest = std::move(quotient);
-        std::uint64_t digits = block.low();
+        CDivision division(rest, Block);
+        rest = std::move(division.Quotient);
+        std::uint64_t digits = division.Rest.low();
         for (std::size_t i = 0; i < BlockDigits && (digits != 0 || !rest.isZero()); ++i) {
             backwards += static_cast<char>('0' + digits % 10);
             digits /= 10;
@@ -212,10 +222,19 @@ std::string CWhole::toString() const {
 
 int CWhole::compare(const CWhole& other) const { return number(*this).compare(number(other)); }
 
+// The algorithm of Euclid.
 CWhole gcd(const CWhole& a, const CWhole& b) {
-    CWhole result;
-    number(result) = mp::gcd(number(a), number(b));
-    return result;
+    CWhole result = a;
+    CWhole next = b;
+    while (result.bits() > 64 || next.bits() > 64) {
+        if (next.isZero()) {
+            return result;
+        }
+        CDivision division(result, next);
+        result = std::move(next);
+        next = std::move(division.Rest);
+    }
+    return std::gcd(result.low(), next.low());
 }
 
 CDivision::CDivision(const CWhole& dividend, const CWhole& divisor) {
