@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
-#include <type_traits>
 
 #if defined(__x86_64__)
 #include <emmintrin.h>
@@ -289,12 +288,11 @@ constexpr std::size_t LongBlockSize = 1024;
 // the cache line that it fills, which is a third of all memory traffic.
 constexpr std::size_t StreamedBytes = 32'000'000;
 
-// Returns how many numbers there are up to the next cache line. A vector across two lines would take two
-// stores.
-template <class Number>
-std::size_t countToNextLine(const Number* numbers) {
+// Returns how many numbers of `size` bytes there are up to the next cache line. A vector across two lines would
+// take two stores.
+std::size_t countToNextLine(const void* numbers, std::size_t size) {
     constexpr std::size_t Line = 64;
-    return (Line - reinterpret_cast<std::uintptr_t>(numbers) % Line) % Line / sizeof(Number);
+    return (Line - reinterpret_cast<std::uintptr_t>(numbers) % Line) % Line / size;
 }
 
 #if defined(__x86_64__)
@@ -316,35 +314,14 @@ constexpr std::int64_t MostWholeDouble = std::int64_t{1} << 53;
 
 bool isDouble(std::int64_t value) { return value >= -MostWholeDouble && value <= MostWholeDouble; }
 
-template <class Number>
-constexpr double largestOf() {
-    return std::is_same_v<Number, std::int16_t>   ? 0x1p15
-           : std::is_same_v<Number, std::int32_t> ? 0x1p31
-                                                  : HUGE_VAL;
-}
-
-void widen(const CLoops& loops, const float* values, double* results, std::size_t count) {
-    loops.WidenFloat(values, results, count);
-}
-void widen(const CLoops& loops, const std::int16_t* values, double* results, std::size_t count) {
-    loops.Widen16(values, results, count);
-}
-void widen(const CLoops& loops, const std::int32_t* values, double* results, std::size_t count) {
-    loops.Widen32(values, results, count);
-}
-void widen(const CLoops& loops, const std::int64_t* values, double* results, std::size_t count) {
-    loops.Widen64(values, results, count);
-}
-void widen(const CLoops&, const double* values, double* results, std::size_t count) {
-    std::memcpy(results, values, count * sizeof *values);
-}
-
-void divide(const CFastForm& form, const std::int16_t* values, double* results, std::size_t count) {
-    form.Loops->Divide16(form, values, results, count);
-}
-void divide(const CFastForm& form, const std::int32_t* values, double* results, std::size_t count) {
-    form.Loops->Divide32(form, values, results, count);
-}
+// The arrays of a conversion. There are results of one kind only.
+struct CArrays {
+    const void* Values;
+    double* Doubles;
+    float* Floats;
+    std::size_t Count;
+    eNumbers Kind;  // of the values
+};
 
 void oneByOne(const CFastForm& form, const double* values, double* results, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
@@ -369,7 +346,7 @@ void toDoubles(const CFastForm& form, const double* values, double* results, std
 // The same, but writes the results past the caches if they begin at a cache line and end there.
 void toDoublesPastCaches(const CFastForm& form, const double* values, double* results,
                          std::size_t count) {
-    if (count % CLoops::Line != 0 || countToNextLine(results) != 0) {
+    if (count % CLoops::Line != 0 || countToNextLine(results, sizeof *results) != 0) {
         toDoubles(form, values, results, count);
         return;
     }
@@ -394,111 +371,160 @@ bool mayRoundTwice(const CFastForm& form, double x) {
     return !form.Loops->Narrow(&x, &rounded, 1);
 }
 
-template <class In, class Out>
-void convertBlocks(const CFastForm& form, const In* values, Out* results, std::size_t count) {
-    constexpr bool AreDoubles = std::is_same_v<In, double> && std::is_same_v<Out, double>;
-    constexpr std::size_t Size = AreDoubles ? LongBlockSize : BlockSize;
-    const bool isInPlace = static_cast<const void*>(values) == results;
-    const bool isStreamed = CanStream && std::is_same_v<Out, double> && !isInPlace &&
-                            count >= StreamedBytes / sizeof(Out);
-    // With an offset, a short piece before the first cache line takes longer than the second stores.
-    const bool isAligned = isStreamed || form.Way != OFFSET;
-    double wide[Size];
-    [[maybe_unused]] double narrow[AreDoubles ? 1 : Size];
-    [[maybe_unused]] In kept[std::is_same_v<In, std::int64_t> ? Size : 1];
-    std::size_t n = 0;
-    for (std::size_t begin = 0; begin < count; begin += n) {
-        n = begin == 0 && isAligned ? countToNextLine(results) : 0;
-        n = std::min(n != 0 ? n : Size, count - begin);
-        const In* const from = values + begin;
-        Out* const to = results + begin;
-        [[maybe_unused]] double* doubles = narrow;
-        if constexpr (std::is_same_v<Out, double>) {
-            doubles = to;
-        }
+// Converts arrays in blocks.
+class CBlocks {
+public:
+    CBlocks(const CFastForm& form, const CArrays& arrays)
+        : m_Form(form),
+          m_Arrays(arrays),
+          m_Width(Widths[arrays.Kind]),
+          m_IsInPlace(arrays.Values == results()),
+          m_IsStreamed(CanStream && arrays.Doubles != nullptr && !m_IsInPlace &&
+                       arrays.Count >= StreamedBytes / sizeof(double)),
+          m_Divides(form.MostWhole >= Largest[arrays.Kind]) {}
 
-        const double* x = wide;
-        bool isDone = false;
-        if constexpr (std::is_same_v<In, std::int16_t> || std::is_same_v<In, std::int32_t>) {
-            isDone = form.MostWhole >= largestOf<In>();
-            if (isDone) {
-                divide(form, from, doubles, n);
-            }
+    void convert() {
+        const std::size_t size = blockSize();
+        std::size_t n = 0;
+        for (std::size_t begin = 0; begin < m_Arrays.Count; begin += n) {
+            n = begin == 0 ? countToAlignment() : 0;
+            n = std::min(n != 0 ? n : size, m_Arrays.Count - begin);
+            convertBlock(begin, n);
         }
-        // Values that are converted in place are copied before they are overwritten.
-        if constexpr (std::is_same_v<In, double>) {
-            x = isInPlace ? wide : from;
+        if (m_IsStreamed) {
+            finishStoring();
         }
-        if (x == wide && !(isDone && std::is_same_v<Out, double>)) {
-            widen(*form.Loops, from, wide, n);
-        }
-        if constexpr (std::is_same_v<In, std::int64_t>) {
-            std::memcpy(kept, from, sizeof kept[0] * n);
-        }
+    }
 
-        if (!isDone) {
-            const auto convert = isStreamed ? toDoublesPastCaches : toDoubles;
-            convert(form, x, doubles, n);
+private:
+    static constexpr std::size_t Widths[] = {2, 4, 8, 4, 8};
+    static constexpr double Largest[] = {0x1p15, 0x1p31, HUGE_VAL, HUGE_VAL, HUGE_VAL};
+
+    const void* results() const {
+        return m_Arrays.Floats != nullptr ? static_cast<const void*>(m_Arrays.Floats)
+                                          : m_Arrays.Doubles;
+    }
+
+    std::size_t blockSize() const {
+        return m_Arrays.Kind == DOUBLES && m_Arrays.Doubles != nullptr ? LongBlockSize : BlockSize;
+    }
+
+    // With an offset, a short block before the first cache line takes longer than the second stores.
+    std::size_t countToAlignment() const {
+        const std::size_t size = m_Arrays.Floats != nullptr ? sizeof(float) : sizeof(double);
+        return m_IsStreamed || m_Form.Way != OFFSET ? countToNextLine(results(), size) : 0;
+    }
+
+    void convertBlock(std::size_t begin, std::size_t n) {
+        const void* const from =
+            static_cast<const unsigned char*>(m_Arrays.Values) + begin * m_Width;
+        double* const doubles = m_Arrays.Doubles != nullptr ? m_Arrays.Doubles + begin : nullptr;
+        double* const to = doubles == nullptr ? m_Results : doubles;
+        const double* x = static_cast<const double*>(from);
+        if (m_Divides) {
+            m_Form.Loops->Divide[m_Arrays.Kind](m_Form, from, to, n);
         }
-        if constexpr (std::is_same_v<Out, float>) {
-            if (!form.Loops->Narrow(narrow, to, n)) {
-                for (std::size_t i = 0; i < n; ++i) {
-                    if (mayRoundTwice(form, narrow[i])) {
-                        to[i] = form.convertSlowlyToFloat(x[i]);
-                    }
-                }
-            }
+        if (!m_Divides || doubles == nullptr) {
+            x = widened(from, n);
         }
-        if constexpr (std::is_same_v<In, std::int64_t>) {
+        if (!m_Divides) {
+            const auto convert = m_IsStreamed ? toDoublesPastCaches : toDoubles;
+            convert(m_Form, x, to, n);
+        }
+        if (doubles == nullptr) {
+            narrow(x, m_Arrays.Floats + begin, n);
+        }
+        if (m_Arrays.Kind == WHOLE64) {
+            convertLarge(static_cast<const std::int64_t*>(from), begin, n);
+        }
+    }
+
+    // Returns the values as doubles.
+    const double* widened(const void* from, std::size_t n) {
+        if (m_Arrays.Kind != DOUBLES) {
+            m_Form.Loops->Widen[m_Arrays.Kind](from, m_Values, n);
+            return m_Values;
+        }
+        if (m_IsInPlace) {  // they are copied before they are overwritten
+            std::memcpy(m_Values, from, n * sizeof *m_Values);
+            return m_Values;
+        }
+        return static_cast<const double*>(from);
+    }
+
+    // Rounds the results to floats. `x` are the values.
+    void narrow(const double* x, float* floats, std::size_t n) {
+        if (!m_Form.Loops->Narrow(m_Results, floats, n)) {
             for (std::size_t i = 0; i < n; ++i) {
-                if (isDouble(kept[i])) {
-                    continue;
-                }
-                const CNumber number = CNumber::ofWhole(kept[i]);
-                if constexpr (std::is_same_v<Out, double>) {
-                    to[i] = doubleOfBits(form.exactly(number, CFormat::ofDouble()).Bits);
-                } else {
-                    to[i] = floatOfBits(form.exactly(number, CFormat::ofFloat()).Bits);
+                if (mayRoundTwice(m_Form, m_Results[i])) {
+                    floats[i] = m_Form.convertSlowlyToFloat(x[i]);
                 }
             }
         }
     }
-    if (isStreamed) {
-        finishStoring();
+
+    // Converts the numbers again that are no doubles.
+    void convertLarge(const std::int64_t* values, std::size_t begin, std::size_t n) {
+        for (std::size_t i = 0; i < n; ++i) {
+            if (isDouble(values[i])) {
+                continue;
+            }
+            const CNumber number = CNumber::ofWhole(values[i]);
+            if (m_Arrays.Doubles != nullptr) {
+                m_Arrays.Doubles[begin + i] =
+                    doubleOfBits(m_Form.exactly(number, CFormat::ofDouble()).Bits);
+            } else {
+                m_Arrays.Floats[begin + i] =
+                    floatOfBits(m_Form.exactly(number, CFormat::ofFloat()).Bits);
+            }
+        }
     }
+
+    const CFastForm& m_Form;
+    const CArrays& m_Arrays;
+    const std::size_t m_Width;
+    const bool m_IsInPlace;
+    const bool m_IsStreamed;
+    const bool m_Divides;
+    alignas(64) double m_Values[LongBlockSize];
+    alignas(64) double m_Results[BlockSize];
+};
+
+void convertBlocks(const CFastForm& form, const CArrays& arrays) {
+    CBlocks(form, arrays).convert();
 }
 
 }  // namespace
 
 void CFastForm::convertAll(const double* values, double* results, std::size_t count) const {
-    convertBlocks(*this, values, results, count);
+    convertBlocks(*this, {values, results, nullptr, count, DOUBLES});
 }
 void CFastForm::convertAll(const double* values, float* results, std::size_t count) const {
-    convertBlocks(*this, values, results, count);
+    convertBlocks(*this, {values, nullptr, results, count, DOUBLES});
 }
 void CFastForm::convertAll(const float* values, double* results, std::size_t count) const {
-    convertBlocks(*this, values, results, count);
+    convertBlocks(*this, {values, results, nullptr, count, FLOATS});
 }
 void CFastForm::convertAll(const float* values, float* results, std::size_t count) const {
-    convertBlocks(*this, values, results, count);
+    convertBlocks(*this, {values, nullptr, results, count, FLOATS});
 }
 void CFastForm::convertAll(const std::int16_t* values, double* results, std::size_t count) const {
-    convertBlocks(*this, values, results, count);
+    convertBlocks(*this, {values, results, nullptr, count, WHOLE16});
 }
 void CFastForm::convertAll(const std::int16_t* values, float* results, std::size_t count) const {
-    convertBlocks(*this, values, results, count);
+    convertBlocks(*this, {values, nullptr, results, count, WHOLE16});
 }
 void CFastForm::convertAll(const std::int32_t* values, double* results, std::size_t count) const {
-    convertBlocks(*this, values, results, count);
+    convertBlocks(*this, {values, results, nullptr, count, WHOLE32});
 }
 void CFastForm::convertAll(const std::int32_t* values, float* results, std::size_t count) const {
-    convertBlocks(*this, values, results, count);
+    convertBlocks(*this, {values, nullptr, results, count, WHOLE32});
 }
 void CFastForm::convertAll(const std::int64_t* values, double* results, std::size_t count) const {
-    convertBlocks(*this, values, results, count);
+    convertBlocks(*this, {values, results, nullptr, count, WHOLE64});
 }
 void CFastForm::convertAll(const std::int64_t* values, float* results, std::size_t count) const {
-    convertBlocks(*this, values, results, count);
+    convertBlocks(*this, {values, nullptr, results, count, WHOLE64});
 }
 
 }  // namespace mensor::exact

@@ -64,8 +64,8 @@ struct CFastForm {
 
     double convert(double x) const { return One(*this, x); }
 
-    /// Converts `count` values. Each result has the bits that `convert` gives. The arrays are one and
-    /// the same, or do not overlap.
+    /// Converts `count` values. Each result has the bits that `convert` gives. The arrays do not overlap. Arrays of
+    /// the same type may be one and the same.
     void convertAll(const double* values, double* results, std::size_t count) const;
     void convertAll(const double* values, float* results, std::size_t count) const;
     void convertAll(const float* values, double* results, std::size_t count) const;

@@ -374,8 +374,9 @@ constexpr auto offsetPastCaches = offsetAll;
 // The numerator is exact. With a fused multiply-add, it is multiplied by 1/Divisor instead of divided.
 // The result is correctly rounded, as for every factor with the numerator 1.
 template <class Number>
-void divideAll(const CFastForm& form, const Number* __restrict values, double* __restrict results,
+void divideAll(const CFastForm& form, const void* numbers, double* __restrict results,
                std::size_t count) {
+    const auto* const values = static_cast<const Number*>(numbers);
     const CFastForm local = form;
     for (std::size_t i = 0; i < count; ++i) {
         const double numerator = local.Scale * static_cast<double>(values[i]) + local.Offset;
@@ -388,7 +389,8 @@ void divideAll(const CFastForm& form, const Number* __restrict values, double* _
 }
 
 template <class Number>
-void widenAll(const Number* __restrict values, double* __restrict results, std::size_t count) {
+void widenAll(const void* numbers, double* __restrict results, std::size_t count) {
+    const auto* const values = static_cast<const Number*>(numbers);
     for (std::size_t i = 0; i < count; ++i) {
         results[i] = static_cast<double>(values[i]);
     }
@@ -416,12 +418,8 @@ const CLoops MENSOR_LOOPS = {
     {slowlyAll, multiplyAll, provedAll, tiesAll, testedAll, offsetAll},
     copyPastCaches,
     offsetPastCaches,
-    divideAll,
-    divideAll,
-    widenAll,
-    widenAll,
-    widenAll,
-    widenAll,
+    {divideAll<std::int16_t>, divideAll<std::int32_t>},
+    {widenAll<std::int16_t>, widenAll<std::int32_t>, widenAll<std::int64_t>, widenAll<float>},
     narrowAll,
 };
 

@@ -20,6 +20,9 @@ enum eWay {
 };
 constexpr int WAYS = OFFSET + 1;
 
+/// The kinds of the numbers in arrays.
+enum eNumbers { WHOLE16, WHOLE32, WHOLE64, FLOATS, DOUBLES };
+
 /// The functions for each way, compiled for one kind of processor. All kinds give the same bits.
 struct CLoops {
     static constexpr std::size_t Line = 8;  ///< the doubles of one cache line
@@ -45,17 +48,12 @@ struct CLoops {
     bool (*OffsetPastCaches)(const CFastForm& form, const double* values, double* results,
                              std::size_t count);
 
-    /// Computes (Scale·n + Offset)/Divisor for whole numbers n up to MostWhole.
-    void (*Divide16)(const CFastForm& form, const std::int16_t* values, double* results,
-                     std::size_t count);
-    void (*Divide32)(const CFastForm& form, const std::int32_t* values, double* results,
-                     std::size_t count);
+    /// Computes (Scale·n + Offset)/Divisor for whole numbers n up to MostWhole. For WHOLE16 and WHOLE32.
+    void (*Divide[WHOLE32 + 1])(const CFastForm& form, const void* values, double* results,
+                                std::size_t count);
 
-    /// Converts other types to doubles. Large numbers of 64 bits are rounded.
-    void (*WidenFloat)(const float* values, double* results, std::size_t count);
-    void (*Widen16)(const std::int16_t* values, double* results, std::size_t count);
-    void (*Widen32)(const std::int32_t* values, double* results, std::size_t count);
-    void (*Widen64)(const std::int64_t* values, double* results, std::size_t count);
+    /// Converts other kinds to doubles. Large numbers of 64 bits are rounded.
+    void (*Widen[FLOATS + 1])(const void* values, double* results, std::size_t count);
 
     /// Rounds doubles to floats. Returns false if a double lies in the middle between two floats or
     /// becomes a subnormal float. If such a double was rounded before, the float may be wrong.
