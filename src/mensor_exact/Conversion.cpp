@@ -125,6 +125,25 @@ void requireCompatible(const CMeaning& from, const CMeaning& to) {
     }
 }
 
+struct CArray {
+    const void* Begin;
+    std::size_t Bytes;
+
+    const void* end() const { return static_cast<const unsigned char*>(Begin) + Bytes; }
+};
+
+// Throws if an array is null or if the arrays overlap. Arrays of the same type may be one and the same.
+void requireArrays(const CArray& values, const CArray& results, bool areOfOneType) {
+    if (values.Begin == nullptr || results.Begin == nullptr) {
+        throw CError(eError::ARRAYS, "an array is null");
+    }
+    const std::less<const void*> before;
+    if (!(areOfOneType && values.Begin == results.Begin) && before(values.Begin, results.end()) &&
+        before(results.Begin, values.end())) {
+        throw CError(eError::ARRAYS, "the arrays overlap");
+    }
+}
+
 }  // namespace
 
 // The conversion (A·x + B)/D with whole numbers, if the factor is a fraction.
@@ -298,20 +317,11 @@ CConversion CConversion::ofDifferences(const CMeaning& from, const CMeaning& to,
 
 template <class In, class Out>
 void CConversion::convertArray(const In* values, Out* results, std::size_t count) const {
-    if (count == 0) {
-        return;
+    if (count != 0) {
+        requireArrays({values, count * sizeof *values}, {results, count * sizeof *results},
+                      std::is_same_v<In, Out>);
+        m_Plan->Fast.convertAll(values, results, count);
     }
-    if (values == nullptr || results == nullptr) {
-        throw CError(eError::ARRAYS, "an array is null");
-    }
-    const void* const from = values;
-    const void* const to = results;
-    const std::less<const void*> before;
-    if (!(std::is_same_v<In, Out> && from == to) && before(from, results + count) &&
-        before(to, values + count)) {
-        throw CError(eError::ARRAYS, "the arrays overlap");
-    }
-    m_Plan->Fast.convertAll(values, results, count);
 }
 
 void CConversion::convertAll(const double* values, double* results, std::size_t count) const {

@@ -198,8 +198,9 @@ CFastForm::CFastForm(const CLeading& factor, const CShortLine* line, const CSlow
     Many = loops.Many[Way];
 }
 
-CFastForm::CFastForm(const CLeading& factor, const CLeading& center, bool isNegative,
-                     const CShortLine* line, const CSlowWay* slowWay, const CLoops& loops)
+[[gnu::cold]] CFastForm::CFastForm(const CLeading& factor, const CLeading& center, bool isNegative,
+                                   const CShortLine* line, const CSlowWay* slowWay,
+                                   const CLoops& loops)
     : HasOffset(true), HasLine(line != nullptr), SlowWay(slowWay), Loops(&loops) {
     if (line != nullptr) {
         Line = *line;
@@ -329,17 +330,22 @@ void oneByOne(const CFastForm& form, const double* values, double* results, std:
     }
 }
 
-// If some results of a block may be wrong, looks for them in small pieces.
-void toDoubles(const CFastForm& form, const double* values, double* results, std::size_t count) {
-    if (form.Many(form, values, results, count)) {
-        return;
-    }
+// Looks for wrong results in small pieces.
+[[gnu::cold]] void toDoublesInPieces(const CFastForm& form, const double* values, double* results,
+                                     std::size_t count) {
     constexpr std::size_t Piece = 32;
     for (std::size_t i = 0; i < count; i += Piece) {
         const std::size_t n = std::min(Piece, count - i);
         if (count <= Piece || !form.Many(form, values + i, results + i, n)) {
             oneByOne(form, values + i, results + i, n);
         }
+    }
+}
+
+// Converts a block.
+void toDoubles(const CFastForm& form, const double* values, double* results, std::size_t count) {
+    if (!form.Many(form, values, results, count)) {
+        toDoublesInPieces(form, values, results, count);
     }
 }
 
@@ -455,10 +461,15 @@ private:
     // Rounds the results to floats. `x` are the values.
     void narrow(const double* x, float* floats, std::size_t n) {
         if (!m_Form.Loops->Narrow(m_Results, floats, n)) {
-            for (std::size_t i = 0; i < n; ++i) {
-                if (mayRoundTwice(m_Form, m_Results[i])) {
-                    floats[i] = m_Form.convertSlowlyToFloat(x[i]);
-                }
+            roundOnce(x, floats, n);
+        }
+    }
+
+    // Converts the values again whose result would be rounded twice.
+    [[gnu::cold]] void roundOnce(const double* x, float* floats, std::size_t n) {
+        for (std::size_t i = 0; i < n; ++i) {
+            if (mayRoundTwice(m_Form, m_Results[i])) {
+                floats[i] = m_Form.convertSlowlyToFloat(x[i]);
             }
         }
     }
