@@ -21,14 +21,10 @@ struct CEverydayNames {
 
 CEverydayNames* everydayNames = nullptr;
 
-bool isRow(const std::optional<exact::CDefinition>& row) {
-    return row && row->Pack == exact::ePack::EVERYDAY;
-}
-
 // Returns the name in units that the registry may know: "kΩ" for "kOhm". `name` is one of the pack.
 std::string plainText(std::string_view name) {
     const std::optional<exact::CDefinition> row = everydayNames->Catalogue.find(name);
-    if (isRow(row)) {
+    if (row && row->Pack == exact::ePack::EVERYDAY) {
         return row->Text;
     }
     return exact::everydayWord(name)->text();
@@ -57,12 +53,12 @@ std::optional<CMeaning> everydayMeaning(std::string_view name) {
         return std::nullopt;
     }
     const exact::CCatalogue& catalogue = everydayNames->Catalogue;
-    if (isRow(catalogue.find(name))) {
+    const std::optional<exact::ePack> pack = catalogue.packOf(name);
+    if (pack == exact::ePack::EVERYDAY) {
         return catalogue.meaning(name);
     }
-    return exact::everydayWord(name) && !catalogue.find(name)
-               ? exact::tryRead(name, catalogue).Meaning
-               : std::nullopt;
+    return exact::everydayWord(name) && !pack ? exact::tryRead(name, catalogue).Meaning
+                                              : std::nullopt;
 }
 
 CUnitPtr everydayUnit(std::string_view name, std::string& fault) {

@@ -19,11 +19,17 @@ namespace {
 using exact::CCatalogue;
 using exact::CDefinition;
 
-// Returns whether the unit has a symbol of its own, such as the metre, the newton or the radian.
-bool isSymbol(const CDefinition& definition) {
-    const CMeaning meaning = *CCatalogue::builtIn().meaning(definition.Name);
-    return definition.Pack == exact::ePack::CATALOGUE && meaning.factor().isOne() &&
-           meaning.offset().isZero();
+// Returns the meaning of the name if the unit has a symbol of its own, such as the metre, the newton or the
+// radian.
+std::optional<CMeaning> meaningOfSymbol(std::string_view name) {
+    if (CCatalogue::builtIn().packOf(name) != exact::ePack::CATALOGUE) {
+        return std::nullopt;
+    }
+    std::optional<CMeaning> meaning = CCatalogue::builtIn().meaning(name);
+    if (!meaning->factor().isOne() || !meaning->offset().isZero()) {
+        meaning.reset();
+    }
+    return meaning;
 }
 
 // Returns the system unit of the unit with this definition, as the library has it.
@@ -39,15 +45,15 @@ CUnitPtr systemUnitOf(std::string_view definition) {
     if (name == "m/s²") {
         return metre->divide(CUnit::searchSymbol("s")->pow(2));
     }
-    const CDefinition row = *CCatalogue::builtIn().find(name);
-    return isSymbol(row) ? CUnit::searchSymbol(std::string(name)) : systemUnitOf(row.Text);
+    return meaningOfSymbol(name) ? CUnit::searchSymbol(std::string(name))
+                                 : systemUnitOf(CCatalogue::builtIn().find(name)->Text);
 }
 
 class CRows {
 public:
     CRows() {
         for (const CDefinition& definition : CCatalogue::builtIn().definitions()) {
-            if (!isSymbol(definition)) {
+            if (!meaningOfSymbol(definition.Name)) {
                 add(definition);
             }
         }
@@ -92,12 +98,12 @@ private:
 
 std::optional<CMeaning> rowOfSymbol(CUnit& unit) {
     const string_t symbol = unit.getSymbol();
-    const auto definition =
-        CCatalogue::builtIn().find(std::string_view(symbol.data(), symbol.size()));
-    if (!definition || !isSymbol(*definition) || CUnit::searchSymbol(symbol).get() != &unit) {
-        return std::nullopt;
+    std::optional<CMeaning> meaning =
+        meaningOfSymbol(std::string_view(symbol.data(), symbol.size()));
+    if (meaning && CUnit::searchSymbol(symbol).get() != &unit) {
+        meaning.reset();
     }
-    return CCatalogue::builtIn().meaning(definition->Name);
+    return meaning;
 }
 
 }  // namespace

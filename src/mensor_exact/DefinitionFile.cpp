@@ -67,7 +67,7 @@ private:
         result.Names.push_back(name);
         if (before != defined.Meaning) {
             m_Builder.add(name, {std::move(defined.Text), "", sourceOf(number), defined.Meaning},
-                          catalogue().find(name).has_value());
+                          catalogue().packOf(name).has_value());
             if (before) {
                 result.Taken.push_back({number, name, before->toString()});
             }

@@ -308,9 +308,7 @@ CCatalogue CCatalogue::with(ePack pack) const {
             continue;
         }
         const std::string_view name = CTable::name(row);
-        const CNamePlace taken = place(name);
-        if (taken.Own != nullptr ||
-            (taken.Row != CTable::None && CTable::pack(taken.Row) != ePack::EVERYDAY)) {
+        if (packOf(name).value_or(ePack::EVERYDAY) != ePack::EVERYDAY) {
             throwTaken(name);
         }
     }
@@ -337,6 +335,14 @@ std::optional<CDefinition> CCatalogue::find(std::string_view name) const {
         return COwnDefinitions::definition(*found.Own);
     }
     return found.Row != CTable::None ? std::optional(CTable::definition(found.Row)) : std::nullopt;
+}
+
+std::optional<ePack> CCatalogue::packOf(std::string_view name) const noexcept {
+    const CNamePlace found = place(name);
+    if (found.Own != nullptr) {
+        return ePack::OWN;
+    }
+    return found.Row != CTable::None ? std::optional(CTable::pack(found.Row)) : std::nullopt;
 }
 
 std::optional<CMeaning> CCatalogue::meaning(std::string_view name) const {

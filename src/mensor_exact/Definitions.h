@@ -111,6 +111,9 @@ public:
     /// Returns the definition of the name, spelled exactly so, or nothing.
     std::optional<CDefinition> find(std::string_view name) const;
 
+    /// Returns the pack of the name, or nothing. Much faster than find().
+    std::optional<ePack> packOf(std::string_view name) const noexcept;
+
     /// Returns the meaning of the name, or nothing.
     std::optional<CMeaning> meaning(std::string_view name) const;
 

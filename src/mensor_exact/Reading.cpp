@@ -100,7 +100,7 @@ private:
 }
 
 bool isOwn(std::string_view name, const CCatalogue& catalogue) {
-    return CCatalogueBuilder::place(catalogue, name).Own != nullptr;
+    return catalogue.packOf(name) == ePack::OWN;
 }
 
 // A name of a prefix and an offset unit: "m°C".

@@ -328,6 +328,19 @@ TEST(Definitions, DefinitionsOfAProgramMayHaveNamesInBrackets) {
     expectError(eError::SYNTAX, [] { BuiltIn.with({{"[ab]c", "3 m"}}); });
 }
 
+TEST(Definitions, ThePackOfANameIsThatOfItsDefinition) {
+    const CCatalogue own = BuiltIn.with(ePack::US).with(ePack::EVERYDAY).with({{"qa", "3 m"}});
+    for (const CDefinition& definition : own.definitions()) {
+        EXPECT_EQ(own.packOf(definition.Name), definition.Pack) << definition.Name;
+    }
+    EXPECT_EQ(own.packOf("qa"), ePack::OWN);
+    EXPECT_EQ(own.packOf("gal"), ePack::US);
+    EXPECT_EQ(BuiltIn.packOf("gal"), std::nullopt);
+    EXPECT_EQ(BuiltIn.packOf("Km"), std::nullopt);
+    EXPECT_EQ(BuiltIn.with({CDefinition{"km", "2 m", "", "", ePack::OWN, true}}).packOf("km"),
+              ePack::OWN);
+}
+
 TEST(Definitions, AVisitEndsWhereTheVisitorSaysSo) {
     const CCatalogue own = BuiltIn.with({{"qa", "3 m"}, {"qb", "4 m"}});
     for (const std::string last : {"km", "qa", "qb"}) {
