@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 #include <optional>
+#include <set>
+#include <string_view>
 #include <utility>
 
 #include "mensor_exact/Spelling.h"
@@ -51,25 +53,21 @@ bool isAtLeastOne(const CFraction& size) { return !(size - CFraction(1)).isNegat
 }  // namespace
 
 std::vector<CChoice> choicesFor(const CMeaning& meaning, const CCatalogue& catalogue) {
-    std::vector<std::pair<double, CChoice>> found;
+    std::set<std::pair<double, std::string_view>> found;
     catalogue.forEachName([&](std::string_view name, ePack pack) {
-        CMeaning other = *catalogue.meaning(name);
         const bool isOtherSpelling =
             pack == ePack::EVERYDAY ||
             (pack == ePack::SI && (respelled(name) != name || isCapitalLitre(name)));
-        if (!isOtherSpelling && other.isCompatibleWith(meaning)) {
-            const double size = other.factor().toDouble();
-            found.push_back({size, {name, std::move(other)}});
+        const std::optional<CMeaning> other = catalogue.meaning(name);
+        if (!isOtherSpelling && other->isCompatibleWith(meaning)) {
+            found.emplace(other->factor().toDouble(), name);
         }
         return true;
     });
-    std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) {
-        return a.first != b.first ? a.first < b.first : a.second.Name < b.second.Name;
-    });
     std::vector<CChoice> choices;
     choices.reserve(found.size());
-    for (auto& [size, choice] : found) {
-        choices.push_back(std::move(choice));
+    for (const auto& [size, name] : found) {
+        choices.push_back(CChoice{name, *catalogue.meaning(name)});
     }
     return choices;
 }

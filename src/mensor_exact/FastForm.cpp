@@ -349,10 +349,11 @@ void toDoubles(const CFastForm& form, const double* values, double* results, std
     }
 }
 
-// The same, but writes the results past the caches if they begin at a cache line and end there.
+// The same, but writes the results past the caches. They begin at a cache line, unless they are the few
+// before the first one.
 void toDoublesPastCaches(const CFastForm& form, const double* values, double* results,
                          std::size_t count) {
-    if (count % CLoops::Line != 0 || countToNextLine(results, sizeof *results) != 0) {
+    if (count % CLoops::Line != 0) {
         toDoubles(form, values, results, count);
         return;
     }

@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <numeric>
 #include <random>
 #include <string>
@@ -1093,6 +1094,30 @@ TEST(FastForm, GivesTheSameBitsPastTheCaches) {
         EXPECT_EQ(wrong, 0U) << describe(line, form);
         EXPECT_EQ(narrow[2 * count], static_cast<float>(form.convert(98.6)));
         values.resize(count);
+    }
+}
+
+// Copies and offsets past the caches handle whole lines and pieces. Other blocks at the end are stored as usual.
+TEST(FastForm, WritesNothingBehindTheLastResultPastTheCaches) {
+    const std::size_t whole = 4'000'000;  // whole pieces of 64
+    const std::vector<double> values(whole + 64, 20.0);
+    std::vector<double> room(values.size() + CLoops::Line);
+    void* aligned = room.data();
+    std::size_t bytes = room.size() * sizeof(double);
+    auto* const results = static_cast<double*>(std::align(64, 8, aligned, bytes));
+    for (const std::uint64_t offset : {0U, 160U}) {
+        const CShortLine line = {9, offset, 5, 0, false};
+        const WholeLine judge(line);
+        const CFastForm form = formOf(line, eLine::KNOWN, judge, bestLoops());
+        for (const std::size_t more : {1U, 8U, 63U, 64U}) {
+            const std::size_t count = whole + more;
+            std::fill(room.begin(), room.end(), -1);
+            form.convertAll(values.data(), results, count);
+            EXPECT_EQ(results[count - 1], form.convert(20.0)) << more;
+            EXPECT_EQ(std::count(room.begin(), room.end(), -1),
+                      static_cast<std::ptrdiff_t>(room.size() - count))
+                << more;
+        }
     }
 }
 
