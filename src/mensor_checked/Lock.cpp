@@ -24,6 +24,7 @@ Lock::Lock() : m_Guard(CUnit::mutex()) {
 Lock::~Lock() {
     if (--depth == 0) {
         count += m_Bound->used();
+        outermost = nullptr;
     }
 }
 

@@ -22,7 +22,7 @@ public:
     /// Sets the limit of new units. It takes effect with the next outermost lock.
     void setLimit(std::size_t units) const;
 
-    /// Throws CTooManyUnits if the limit is less than `units` new units away.
+    /// Throws CTooManyUnits if fewer than `units` new units may still be registered.
     void requireRoom(std::size_t units) const;
 
     /// Returns the number of new units, without those of the outermost lock that is held now.

@@ -88,24 +88,17 @@ std::optional<CPrefixedOffset> prefixedOffset(std::string_view name, const CUnit
     if (dynamic_cast<CTransformedUnit*>(unit.get()) == nullptr) {
         return std::nullopt;
     }
-    return splitPrefixed(name, [&unit](const std::string& rest) {
-        const CUnitPtr scale = lookUp(rest);
-        return scale && hasOffset(scale) && !hasOffset(unit) &&
-               scale->getSystemUnit() == unit->getSystemUnit();
-    });
-}
-
-std::optional<CPrefixedOffset> splitPrefixed(
-    std::string_view name, const std::function<bool(const std::string&)>& isOffsetUnit) {
     const std::string ours = exact::respelled(name);
     for (const CPrefix& prefix : prefixes()) {
         const std::string_view symbol = bytes(prefix.Symbol);
         if (!startsWith(ours, symbol) || ours.size() == symbol.size()) {
             continue;
         }
-        std::string rest = ours.substr(symbol.size());
-        if (isOffsetUnit(rest)) {
-            return CPrefixedOffset{std::string(symbol), std::move(rest)};
+        const std::string rest = ours.substr(symbol.size());
+        const CUnitPtr scale = lookUp(rest);
+        if (scale && hasOffset(scale) && !hasOffset(unit) &&
+            scale->getSystemUnit() == unit->getSystemUnit()) {
+            return CPrefixedOffset{std::string(symbol), rest};
         }
     }
     return std::nullopt;

@@ -4,7 +4,6 @@
 #ifndef MENSOR_CHECKED_NAMES_H
 #define MENSOR_CHECKED_NAMES_H
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -46,10 +45,6 @@ struct CPrefixedOffset {
 
 /// Returns the parts of `name`, a name of `unit`, if it is a prefix and an offset unit; else none.
 std::optional<CPrefixedOffset> prefixedOffset(std::string_view name, const CUnitPtr& unit);
-
-/// Returns the parts of `name` if it is a prefix and a name for which `isOffsetUnit` returns true; else none.
-std::optional<CPrefixedOffset> splitPrefixed(
-    std::string_view name, const std::function<bool(const std::string&)>& isOffsetUnit);
 
 /// What the reader needs to know about a name.
 struct CName {

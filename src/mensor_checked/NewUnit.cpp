@@ -24,13 +24,17 @@ CMeaning meaningOf(const CNewUnit& wanted) {
         .scaled(exact::CFactor(exact::CFraction::ofDouble(wanted.Factor)));
 }
 
+[[noreturn]] void throwHeld(const std::string& name, const CUnitPtr& holder) {
+    throw CIdentityError("the name " + quoted(name) + " belongs to " + describe(holder) +
+                             ", which means " + meaningInWords(holder),
+                         holder);
+}
+
 // Checks the name before anything is built, because built units stay registered.
 void requireFreeName(const CNewUnit& wanted) {
     const CUnitPtr holder = unitNamed(wanted.Symbol);
     if (holder && !areSame(checked::meaningOf(holder), meaningOf(wanted), holder)) {
-        throw CIdentityError("the name " + quoted(wanted.Symbol) + " belongs to " +
-                                 describe(holder) + ", which means " + meaningInWords(holder),
-                             holder);
+        throwHeld(wanted.Symbol, holder);
     }
 }
 
@@ -60,6 +64,10 @@ CUnitPtr CNaming::define(const CNewUnit& wanted) {
 bool CNaming::isNewAlternate(const CNewUnit& wanted) {
     requireFreeName(wanted);
     const string_t symbol(wanted.Symbol.c_str());
+    const CUnitPtr holder = unitNamed(wanted.Symbol);
+    if (holder && holder != CUnit::searchSymbol(symbol)) {
+        throwHeld(wanted.Symbol, holder);
+    }
     const CUnitPtr unit = CUnit::searchHashCode(hashFromString(symbol));
     if (unit && unit->getSymbol() != symbol) {
         throw CIdentityError("the unit with the symbol " + quoted(wanted.Symbol) +

@@ -39,8 +39,8 @@ public:
     /// @throws std::invalid_argument  a number or the name is out of range.
     CUnitPtr define(const CNewUnit& wanted);
 
-    /// Throws what define() would throw because of the name or the identity of the alternate unit `wanted`.
-    /// Returns whether the unit would be new.
+    /// Returns whether the alternate unit `wanted` would be new. Throws what define() would throw because of its
+    /// name or its identity.
     static bool isNewAlternate(const CNewUnit& wanted);
 
     /// Keeps all names that define() has given so far. Without this call the destructor removes them.

@@ -1,8 +1,6 @@
 #include "mensor_checked/OwnUnits.h"
 
-#include <algorithm>
 #include <cmath>
-#include <functional>
 #include <new>
 #include <utility>
 #include <vector>
@@ -12,12 +10,10 @@
 #include "mensor_checked/NewUnit.h"
 #include "mensor_checked/Parsing.h"
 #include "mensor_checked/PlannedNames.h"
-#include "mensor_checked/PlannedUnits.h"
 #include "mensor_checked/Verify.h"
 #include "mensor_checked/making.h"
 #include "mensor_checked/unit_reader.h"
 #include "mensor_checked/words.h"
-#include "mensor_exact/Conversion.h"
 #include "mensor_exact/DefinitionLine.h"
 #include "mensor_exact/Error.h"
 
@@ -74,30 +70,10 @@ public:
             }
             return;
         }
-        planned.add(name(), {wanted, number});
-    }
-
-    // Calculates the unit that define() would register. Refuses it if it would be the same object as another
-    // unit.
-    void calculate(CPlannedUnits& units) const {
-        const std::string symbol = name();
         if (!m_Parts.Size) {
-            make([&] {
-                units.addBase(symbol);
-                Lock().requireRoom(units.countOfNew());
-            });
-            return;
+            requireIdentity(planned);
         }
-        make([&] {
-            const CPlannedUnit& unit = units.read(m_Parts.Size->Unit.of(m_Line));
-            if (m_Parts.Zero) {
-                units.read(m_Parts.Zero->Unit.of(m_Line));
-            }
-            units.add(symbol, unit, numberOf(*m_Parts.Size),
-                      m_Parts.Zero ? zeroIn(readMeaning(m_Parts.Size->Unit)).toDouble() : 0.0,
-                      meaning());
-            Lock().requireRoom(units.countOfNew());
-        });
+        planned.add(name(), {wanted, number});
     }
 
     // Registers the unit.
@@ -119,7 +95,12 @@ private:
         try {
             CMeaning meaning = readMeaning(m_Parts.Size->Unit);
             if (m_Parts.Zero) {
-                meaning = meaning.shifted(zeroIn(meaning));
+                const CMeaning zero = readMeaning(m_Parts.Zero->Unit);
+                if (!zero.isCompatibleWith(meaning)) {
+                    refuse(eRefusal::DIFFERENT_DIMENSIONS, m_Parts.Zero->Unit,
+                           inWords(zero) + " is not compatible with " + inWords(meaning));
+                }
+                numberOf(*m_Parts.Zero);
             }
             numberOf(*m_Parts.Size);
             meaning = meaning.scaled(exact::CFactor(m_Parts.Size->Number));
@@ -142,6 +123,21 @@ private:
         return *std::move(reading.Meaning);
     }
 
+    // Refuses a new base unit that would be the same object as another unit.
+    void requireIdentity(const CPlannedNames& planned) const {
+        const CUnitPtr other = CUnit::searchHashCode(hashFromString(string_t(name().c_str())));
+        const std::string same = planned.sameAs(name());
+        if (other || !same.empty()) {
+            throw CObstacle{
+                diagnose(
+                    eRefusal::COLLISION, m_Line, m_Parts.Name,
+                    "the unit with the symbol " + quoted(name()) + " is the same object as " +
+                        (other ? describe(other) + " here, which means " + meaningInWords(other)
+                               : "that of " + quoted(same))),
+                other};
+        }
+    }
+
     [[noreturn]] void throwHeld(const std::string& holder, const CUnitPtr& inTheWay) const {
         throw CObstacle{diagnose(eRefusal::COLLISION, m_Line, m_Parts.Name,
                                  "the name " + quoted(name()) + " belongs to " + holder),
@@ -158,19 +154,6 @@ private:
     }
 
     // Returns the zero of the new unit as a value in `unit`.
-    exact::CFraction zeroIn(const CMeaning& unit) const {
-        const CLineValue& value = *m_Parts.Zero;
-        const CMeaning zero = readMeaning(value.Unit);
-        if (!zero.isCompatibleWith(unit)) {
-            refuse(eRefusal::DIFFERENT_DIMENSIONS, value.Unit,
-                   inWords(zero) + " is not compatible with " + inWords(unit));
-        }
-        const double number = numberOf(value);
-        const exact::CConversion conversion(zero, unit);
-        const std::optional<exact::CFraction> exactly = conversion.convert(value.Number);
-        return exactly ? *exactly : exact::CFraction::ofDouble(conversion.convert(number));
-    }
-
     double zeroIn(const CUnitPtr& unit) const {
         const CLineValue& zero = *m_Parts.Zero;
         const CUnitPtr zeroUnit = readUnit(zero.Unit);
@@ -193,7 +176,8 @@ private:
         return reading.Unit;
     }
 
-    void make(const std::function<void()>& make) const {
+    template <class Make>
+    void make(const Make& make) const {
         try {
             make();
         } catch (const CIdentityError& e) {
@@ -239,7 +223,8 @@ struct CPlannedLine {
 };
 
 // Calls `work`. Adds what it throws to the findings.
-void tryLine(std::size_t number, CDefinitions& result, const std::function<void()>& work) {
+template <class Work>
+void tryLine(std::size_t number, CDefinitions& result, const Work& work) {
     try {
         work();
     } catch (Refused& refused) {
@@ -247,20 +232,6 @@ void tryLine(std::size_t number, CDefinitions& result, const std::function<void(
     } catch (CObstacle& obstacle) {
         result.Findings.push_back({{number, std::move(obstacle.Diagnosis)}, obstacle.InTheWay});
     }
-}
-
-// Adds a finding if the units of these lines cannot be made.
-void calculate(const std::vector<CPlannedLine>& lines, CNaming& naming, CDefinitions& result) {
-    CPlannedUnits units;
-    const std::size_t before = result.Findings.size();
-    for (const CPlannedLine& line : lines) {
-        if (result.Findings.size() == before) {
-            tryLine(line.Number, result,
-                    [&] { CLineMaker(line.Line, line.Parts, naming).calculate(units); });
-        }
-    }
-    std::stable_sort(result.Findings.begin(), result.Findings.end(),
-                     [](const CLineFinding& a, const CLineFinding& b) { return a.Line < b.Line; });
 }
 
 // Makes the units of all lines that need no new base unit, and returns the other lines.
@@ -286,7 +257,6 @@ std::vector<CPlannedLine> defineOthers(std::string_view table, CNaming& naming,
             result.Names.push_back(line.name());
         });
     }
-    calculate(waiting, naming, result);
     return waiting;
 }
 

@@ -44,11 +44,9 @@ struct CDefinitions {
 
 /// Registers all units of `table`, or none. Tries every line, and reports all that are refused.
 ///
-/// New base units, and the units that need them, are made last, when all other lines are accepted and when
-/// it is certain that no unit is the same object as another one. If the table is refused, objects without a
-/// name may stay registered, but no label, no alias and no symbol stays. There is one exception: if memory runs
-/// out, or a CRegistrationBound of the caller is reached while the last units are made, the symbols of base units
-/// stay, because the library cannot remove them. Defining the same table again changes nothing.
+/// New base units, and the units that need them, are made last, when all other lines are accepted. If the
+/// table is refused, objects that were built for it may stay registered, but no name stays. Defining the same
+/// table again changes nothing.
 /// @par Threads  Any thread, locks CUnit::mutex() for all its work (see warm_up.h).
 MENSOR_CHECKED_API CDefinitions tryDefineUnits(std::string_view table);
 

@@ -94,9 +94,8 @@ MENSOR_CHECKED_API std::optional<ePack> packNamed(std::string_view name);
 /// is first read. If the registry has a name already, the name keeps its meaning.
 ///
 /// If the pack is refused, none of its names can be read. Objects that were built before the refusal may
-/// stay registered without a name. There is one exception: if memory runs out, or a CRegistrationBound of the
-/// caller is reached between two alternate units, the symbol of the first one stays, because the library cannot
-/// remove it.
+/// stay registered without a name. Exception: memory runs out, or a CRegistrationBound of the caller is reached,
+/// after an alternate unit was made. Then its symbol stays, because the library cannot remove it.
 /// @throws CIdentityError  a unit cannot be built. The message names it; inTheWay() is the unit that has
 ///     its name or identity.
 /// @throws std::invalid_argument  `pack` is no pack.

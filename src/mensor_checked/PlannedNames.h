@@ -39,6 +39,10 @@ public:
     /// Returns the entry of this name, or null.
     const CEntry* find(std::string_view name) const;
 
+    /// Returns the name of a planned base unit that would be the same object as the base unit `name`, because
+    /// its symbol has the same hash code. Returns an empty text if there is none. `name` is not planned yet.
+    std::string sameAs(const std::string& name) const;
+
     void forgetUses() { m_IsUsed = false; }
 
     /// Returns whether the reader has read one of the names since forgetUses().

@@ -39,16 +39,6 @@ double roundingsOfPower(const CUnitRationalPower& element) {
     return factor.Roundings * std::fabs(exponent) + ofExponent + RoundingsOfAPower;
 }
 
-bool areNear(const CMeaning& a, const CMeaning& b, const CRounded& rounded) {
-    const double factor = b.factor().toDouble();
-    const double offset = b.offset().toDouble();
-    const double otherOffset = a.offset().toDouble();
-    return a.isCompatibleWith(b) && a.hasMarksOf(b) &&
-           isNear(a.factor().toDouble(), factor, rounded.Roundings, factor) &&
-           isNear(otherOffset, offset, rounded.Roundings,
-                  std::max({rounded.ZeroSize, std::fabs(offset), std::fabs(otherOffset)}));
-}
-
 }  // namespace
 
 std::vector<CConverterPtr> stepsOf(const CConverterPtr& converter) {
@@ -121,11 +111,19 @@ bool convertsAs(CUnit& unit, const CMeaning& meaning) {
 }
 
 bool areSame(const CMeaning& a, const CMeaning& b, const CUnitPtr& unit) {
-    return a == b || areNear(a, b, roundedToDimension(unit));
-}
-
-bool areSame(const CMeaning& a, const CMeaning& b) {
-    return areNear(a, b, {0.0, 0.0, 2 * RoundingsOfAStep, 0.0});
+    if (a == b) {
+        return true;
+    }
+    if (!a.isCompatibleWith(b) || !a.hasMarksOf(b)) {
+        return false;
+    }
+    const CRounded rounded = roundedToDimension(unit);
+    const double factor = b.factor().toDouble();
+    const double offset = b.offset().toDouble();
+    const double otherOffset = a.offset().toDouble();
+    return isNear(a.factor().toDouble(), factor, rounded.Roundings, factor) &&
+           isNear(otherOffset, offset, rounded.Roundings,
+                  std::max({rounded.ZeroSize, std::fabs(offset), std::fabs(otherOffset)}));
 }
 
 bool means(const CUnitPtr& unit, const CMeaning& meaning) {

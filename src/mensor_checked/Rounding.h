@@ -50,9 +50,6 @@ bool convertsAs(CUnit& unit, const CMeaning& meaning);
 /// Returns whether `a` and `b` are the same, within the error of the conversion of `unit`.
 bool areSame(const CMeaning& a, const CMeaning& b, const CUnitPtr& unit);
 
-/// Returns the same for a unit that the library would convert by one factor and one offset.
-bool areSame(const CMeaning& a, const CMeaning& b);
-
 /// Returns whether `unit` means `meaning`, within the error of its conversion.
 bool means(const CUnitPtr& unit, const CMeaning& meaning);
 

@@ -383,6 +383,18 @@ TEST(Packs, NoSymbolOfAnAlternateUnitStaysWhenAPackIsRefused) {
     EXPECT_TRUE(Tables().namesAreThoseOf(before));
 }
 
+TEST(Packs, NoSymbolOfAnAlternateUnitStaysWhenAnotherUnitHasTheNameOfTheLastOne) {
+    CUnitFormat::alias(readUnit("1/s"), "Bd");
+    const Tables before;
+    try {
+        registerPack(ePack::COUNTING);
+        FAIL();
+    } catch (const CIdentityError& e) {
+        EXPECT_THAT(e.what(), HasSubstr("the name \"Bd\" belongs to "));
+    }
+    EXPECT_TRUE(Tables().namesAreThoseOf(before));
+}
+
 TEST(Packs, NoSymbolOfAnAlternateUnitStaysWhenTheLimitOfNewUnitsIsReached) {
     const Tables before;
     for (std::size_t limit = 0;; ++limit) {
@@ -397,7 +409,7 @@ TEST(Packs, NoSymbolOfAnAlternateUnitStaysWhenTheLimitOfNewUnitsIsReached) {
     EXPECT_NE(CUnit::searchSymbol("Bd"), nullptr);
 }
 
-TEST(Packs, APackIsRegisteredAgainAfterItsAlternateUnitsWereMade) {
+TEST(Packs, RegisteringAPackAgainNeedsNoRoomForNewUnits) {
     alternateUnit("cps", readUnit("1/s"));
     setRegistrationLimit(registeredUnits() + 1000);
     registerPack(ePack::COUNTING);

@@ -150,7 +150,7 @@ TEST(Making, NamesTheCollidingUnitOfANonLinearUnit) {
               colliding);
 }
 
-// The slope of this converter is another one at each call.
+// Each call of derivative() returns another slope.
 class CUnsteady : public CScaling {
 public:
     explicit CUnsteady(double slope) : CScaling(1.0), m_Slope(slope) {}
@@ -160,9 +160,10 @@ private:
     mutable double m_Slope;
 };
 
-TEST(Making, TellsThatAnUnknownUnitCollides) {
+TEST(Making, SaysThatAnotherUnitCollidesIfItCannotBeFound) {
     bool isUnknown = false;
-    for (int call = 1; call < 8; ++call) {  // one of the calls decides about the identity
+    // The library takes the identity from one of its calls of derivative(). The test does not know which one.
+    for (int call = 1; call < 8; ++call) {
         const int slope = 1000 * call;
         const CUnitPtr unsteady =
             std::make_shared<CTransformedUnit>(SI::Meter(), std::make_shared<CUnsteady>(slope));
