@@ -17,9 +17,9 @@ constexpr std::size_t RowCount = std::size(TrapRows);
 // Numbers things in the order in which they appear first. Equal things get the same number.
 struct CNumbers {
     static constexpr std::size_t Places = 16384;
-    std::size_t FirstOf[Places] = {};     // for each number the first thing with it
+    std::size_t FirstOf[Places] = {};     // for each number, the first thing that has it
     std::uint16_t NumberAt[Places] = {};  // a hash table: a number plus 1; 0 if the place is empty
-    std::uint16_t Number[2 * RowCount] = {};  // for each thing its number
+    std::uint16_t Number[2 * RowCount] = {};  // for each thing, its number
     std::size_t Count = 0;
 
     template <class IsSame>
@@ -36,11 +36,12 @@ struct CNumbers {
     }
 };
 
-// The words of all answers: two items for each row. Few rows have both words of the second item.
+// The words of the answers. Each row has two items: the word First alone, and the words Behind and Second
+// together, because few rows have both.
 struct CWords {
     std::string_view First;
     std::string_view Second;
-    bool HasSecond;  // it may be empty
+    bool HasSecond;  // true for the second item, even if its words are empty
 };
 
 constexpr CWords wordsOf(std::size_t i) {
@@ -77,7 +78,7 @@ constexpr CNumbers numberSentences() {
 
 constexpr CNumbers NumberedSentences = numberSentences();
 
-// The rows that differ in more than the text.
+// Numbers the answers. Rows that differ in their text alone have the same answer.
 constexpr CNumbers numberAnswers() {
     CNumbers numbers;
     for (std::size_t row = 0; row < RowCount; ++row) {
@@ -118,7 +119,7 @@ constexpr auto WrittenWords = writeTexts<NumberedWords.Count>([](std::size_t i, 
     }
 });
 
-// The answers in the order in which they are stored: those of many rows come first.
+// The order in which answers are stored. Answers of many rows come first, because their numbers need one byte.
 struct CRanks {
     std::uint16_t RankOf[NumberedAnswers.Count] = {};  // for each number of an answer
 };
@@ -198,18 +199,15 @@ constexpr COrder sortRows() {
 
 constexpr COrder Order = sortRows();
 
-// All texts in the order of their bytes, with the answers of their rows. A text that begins as the one before
-// is stored without this beginning:
+// All texts, with the answers of their rows:
 //
-//     one byte         the size of the beginning times 16, plus the size of the rest
-//     the rest
+//     one byte         the number of bytes of the text
+//     the text
 //     for each row     the number of its answer in one byte or two, as writeAnswer() writes it
-//
-// Every sixteenth text is stored whole. There the search begins.
 constexpr std::size_t LongestText = 15;
-constexpr std::size_t GroupSize = 16;
 
-// A number below this one needs one byte. Others have the rest of the first byte and the second byte.
+// Smaller numbers of answers need one byte. All others need two: the rest of the first byte counts in steps of
+// 256.
 constexpr std::size_t ShortAnswers = 124;
 constexpr std::size_t MoreRows = 0x80;  // in the first byte: another row with the same text follows
 
@@ -224,17 +222,18 @@ std::size_t readAnswer(const std::uint8_t*& at, bool& hasMore) {
 
 struct CWrittenRows {
     std::uint8_t Bytes[20 * RowCount] = {};
-    std::uint16_t Starts[RowCount] = {};
+    std::uint16_t Starts[RowCount] = {};  // for each text
     std::size_t Size = 0;
-    std::size_t Groups = 0;
+    std::size_t Texts = 0;
     bool IsGood = true;
 
     constexpr void write(std::size_t byte) { Bytes[Size++] = static_cast<std::uint8_t>(byte); }
 
-    constexpr void writeText(std::string_view text, std::size_t same) {
+    constexpr void writeText(std::string_view text) {
         IsGood = IsGood && !text.empty() && text.size() <= LongestText;
-        write(same * 16 + (text.size() - same));
-        for (const char c : text.substr(same)) {
+        Starts[Texts++] = static_cast<std::uint16_t>(Size);
+        write(text.size());
+        for (const char c : text) {
             write(static_cast<std::uint8_t>(c));
         }
     }
@@ -252,40 +251,34 @@ struct CWrittenRows {
 
 constexpr std::string_view sortedText(std::size_t i) { return TrapRows[Order.Row[i]].Text; }
 
-constexpr std::size_t sameBeginning(std::string_view a, std::string_view b) {
-    std::size_t size = 0;
-    while (size < a.size() && size < b.size() && a[size] == b[size]) {
-        ++size;
-    }
-    return size;
-}
-
 constexpr CWrittenRows writeRows() {
-    CWrittenRows texts;
-    std::size_t count = 0;
+    CWrittenRows rows;
     for (std::size_t i = 0; i < RowCount; ++i) {
         const std::string_view text = sortedText(i);
         if (i == 0 || !isEqual(text, sortedText(i - 1))) {
-            const bool isFirst = count++ % GroupSize == 0;
-            if (isFirst) {
-                texts.Starts[texts.Groups++] = static_cast<std::uint16_t>(texts.Size);
-            }
-            texts.writeText(text, isFirst ? 0 : sameBeginning(text, sortedText(i - 1)));
+            rows.writeText(text);
         }
         const bool isLast = i + 1 == RowCount || !isEqual(text, sortedText(i + 1));
-        texts.writeAnswer(Ranks.RankOf[NumberedAnswers.Number[Order.Row[i]]], !isLast);
+        rows.writeAnswer(Ranks.RankOf[NumberedAnswers.Number[Order.Row[i]]], !isLast);
     }
-    return texts;
+    return rows;
 }
 
 constexpr CWrittenRows WrittenRows = writeRows();
 
 static_assert(WrittenRows.IsGood, "a text is empty or has more than 15 bytes");
-static_assert(WrittenRows.Size < 65536);
+static_assert(WrittenRows.Size < 65535);
 
+// The texts, and a hash table of them.
 struct CTrapTexts {
+    static constexpr std::size_t Places = WrittenRows.Texts * 3 / 2;
     std::uint8_t Bytes[WrittenRows.Size] = {};
-    std::uint16_t Starts[WrittenRows.Groups] = {};
+    std::uint16_t StartAt[Places] = {};  // where a text begins, plus 1; 0 if the place is empty
+
+    static constexpr std::size_t placeOf(std::string_view text) {
+        const std::uint32_t hash = hashOfName(text);
+        return (hash ^ hash >> 15) % Places;
+    }
 };
 
 constexpr CTrapTexts makeTrapTexts() {
@@ -293,8 +286,17 @@ constexpr CTrapTexts makeTrapTexts() {
     for (std::size_t i = 0; i < WrittenRows.Size; ++i) {
         texts.Bytes[i] = WrittenRows.Bytes[i];
     }
-    for (std::size_t i = 0; i < WrittenRows.Groups; ++i) {
-        texts.Starts[i] = WrittenRows.Starts[i];
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < RowCount; ++i) {
+        const std::string_view text = sortedText(i);
+        if (i > 0 && isEqual(text, sortedText(i - 1))) {
+            continue;
+        }
+        std::size_t place = CTrapTexts::placeOf(text);
+        while (texts.StartAt[place] != 0) {
+            place = (place + 1) % CTrapTexts::Places;
+        }
+        texts.StartAt[place] = static_cast<std::uint16_t>(WrittenRows.Starts[count++] + 1);
     }
     return texts;
 }
@@ -302,7 +304,7 @@ constexpr CTrapTexts makeTrapTexts() {
 constexpr CTrapTexts Texts = makeTrapTexts();
 
 // The names of the classes, each with a zero at its end, sorted by class.
-constexpr std::size_t ClassCount = static_cast<std::size_t>(ePlace::UNKNOWN);
+constexpr std::size_t ClassCount = static_cast<std::size_t>(ePlace::UNKNOWN) + 1;
 
 constexpr std::size_t sizeOfMembers() {
     std::size_t size = 0;
@@ -311,6 +313,8 @@ constexpr std::size_t sizeOfMembers() {
     }
     return size;
 }
+
+static_assert(sizeOfMembers() < 65536, "the starts of the names have 16 bits");
 
 struct CMembers {
     char Names[sizeOfMembers()] = {};
@@ -376,33 +380,14 @@ constexpr CHashes Hashes = makeHashes();
     return !isCommon(place) || Hashes.has(CHashes::hashOf(place, text, behind));
 }
 
-std::string_view wholeTextAt(std::size_t start) {
-    return {reinterpret_cast<const char*>(Texts.Bytes) + start + 1, Texts.Bytes[start]};
-}
-
 // Returns where the answers of this text begin, or null.
 const std::uint8_t* answersTo(std::string_view text) {
-    const auto* const group = std::upper_bound(
-        std::begin(Texts.Starts), std::end(Texts.Starts), text,
-        [](std::string_view wanted, std::size_t start) { return wanted < wholeTextAt(start); });
-    if (group == std::begin(Texts.Starts)) {
-        return nullptr;
-    }
-    const std::uint8_t* at = Texts.Bytes + group[-1];
-    const std::uint8_t* const end =
-        group == std::end(Texts.Starts) ? std::end(Texts.Bytes) : Texts.Bytes + *group;
-    char known[LongestText];
-    while (at != end) {
-        const std::size_t same = *at / 16;
-        const std::size_t rest = *at % 16;
-        std::copy_n(at + 1, rest, known + same);
-        at += 1 + rest;
-        if (std::string_view(known, same + rest) == text) {
-            return at;
-        }
-        bool hasMore = true;
-        while (hasMore) {
-            readAnswer(at, hasMore);
+    for (std::size_t place = CTrapTexts::placeOf(text); Texts.StartAt[place] != 0;
+         place = (place + 1) % CTrapTexts::Places) {
+        const std::uint8_t* const at = Texts.Bytes + Texts.StartAt[place] - 1;
+        const std::string_view known(reinterpret_cast<const char*>(at + 1), *at);
+        if (known == text) {
+            return at + 1 + known.size();
         }
     }
     return nullptr;
@@ -411,7 +396,7 @@ const std::uint8_t* answersTo(std::string_view text) {
 // Returns the answer of the first row with this text for which `isRight` returns true, or null.
 template <class IsRight>
 const CTrap* find(std::string_view text, const IsRight& isRight) {
-    const std::uint8_t* at = answersTo(text);
+    const std::uint8_t* at = text.size() <= LongestText ? answersTo(text) : nullptr;
     bool hasMore = at != nullptr;
     while (hasMore) {
         const CTrap& row = Answers.Row[readAnswer(at, hasMore)];

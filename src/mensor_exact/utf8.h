@@ -11,7 +11,7 @@ constexpr char32_t NotUtf8 = 0xFFFFFFFF;
 
 /// The code point at the beginning of `text`, which is not empty, and its length in bytes. NotUtf8
 /// and 1 for bytes that are not the shortest form of a Unicode scalar value.
-constexpr char32_t decode(std::string_view text, std::size_t& length) {
+[[gnu::hot]] constexpr char32_t decode(std::string_view text, std::size_t& length) {
     const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
     const char32_t lead = byte(0);
     length = 1;
