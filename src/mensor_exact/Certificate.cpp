@@ -77,11 +77,11 @@ private:
         CDefinitionReader reader(definition.Text);
         for (CTerm term = reader.next(); term.isFactor() && definition.Pack != ePack::OWN;
              term = reader.next()) {
-            if (term.Kind == eTerm::NAME && definitionOf(term.Text).Pack == ePack::OWN) {
+            if (term.Kind == eTerm::NAME && m_Catalogue.packOf(term.Text) == ePack::OWN) {
                 return exact::definitionOf(meaningOf(definition.Name));
             }
         }
-        return std::string(definition.Text);
+        return definition.Text;
     }
 
     const CCatalogue& m_Catalogue;

@@ -58,8 +58,11 @@ std::vector<CChoice> choicesFor(const CMeaning& meaning, const CCatalogue& catal
         const bool isOtherSpelling =
             pack == ePack::EVERYDAY ||
             (pack == ePack::SI && (respelled(name) != name || isCapitalLitre(name)));
+        if (isOtherSpelling) {
+            return true;
+        }
         const std::optional<CMeaning> other = catalogue.meaning(name);
-        if (!isOtherSpelling && other->isCompatibleWith(meaning)) {
+        if (other->isCompatibleWith(meaning)) {
             found.emplace(other->factor().toDouble(), name);
         }
         return true;

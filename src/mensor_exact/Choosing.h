@@ -19,7 +19,7 @@ namespace mensor::exact {
 
 /// One entry of a drop-down list.
 struct CChoice {
-    std::string_view Name;  ///< valid as long as that of CDefinition
+    std::string_view Name;  ///< valid as long as CDefinition::Name would be
     CMeaning Meaning;
 };
 

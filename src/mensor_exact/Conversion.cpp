@@ -125,7 +125,7 @@ void requireCompatible(const CMeaning& from, const CMeaning& to) {
     }
 }
 
-struct CArray {
+struct CMemory {
     const void* Begin;
     std::size_t Bytes;
 
@@ -133,7 +133,7 @@ struct CArray {
 };
 
 // Throws if an array is null or if the arrays overlap. Arrays of the same type may be one and the same.
-void requireArrays(const CArray& values, const CArray& results, bool areOfOneType) {
+void requireArrays(const CMemory& values, const CMemory& results, bool areOfOneType) {
     if (values.Begin == nullptr || results.Begin == nullptr) {
         throw CError(eError::ARRAYS, "an array is null");
     }

@@ -151,7 +151,7 @@ public:
     CConversion inverse() const;
 
 private:
-    struct __attribute__((visibility("hidden"))) CPlan;
+    struct MENSOR_EXACT_LOCAL CPlan;
     struct CLinear;
 
     template <class In, class Out>

@@ -175,9 +175,7 @@ public:
         }
         for (auto& [name, row] : m_Rows) {
             const CDefinition& own = row.Definition;
-            m_Result.add(name,
-                         {std::string(own.Text), std::string(own.English), std::string(own.Source),
-                          std::move(row.Meaning)},
+            m_Result.add(name, {own.Text, own.English, own.Source, std::move(row.Meaning)},
                          row.TakesAway);
         }
         return m_Result.catalogue();

@@ -67,8 +67,8 @@ MENSOR_EXACT_API std::vector<ePack> allPacks();
 /// @par Threads  Any thread; takes no lock.
 MENSOR_EXACT_API std::optional<ePack> packNamed(std::string_view name) noexcept;
 
-/// One name and its definition. The texts are UTF-8. The name that a catalogue returns lives as long as the
-/// library, or for the pack OWN as long as a catalogue that has it.
+/// One name and its definition, in UTF-8. A name from a catalogue is valid while the library is loaded, a name of
+/// the pack OWN as long as a catalogue has it. The other texts are copies.
 struct CDefinition {
     std::string_view Name;
     std::string Text{};     ///< the definition; empty for a base unit or a mark
@@ -108,10 +108,10 @@ public:
     /// @throws CError  SYNTAX, BAD_NUMBER, UNKNOWN_NAME, NAME_TAKEN, CYCLE, and what evaluate() throws.
     CCatalogue with(const std::vector<CDefinition>& definitions) const;
 
-    /// Returns the definition of the name, spelled exactly so, or nothing.
+    /// Returns a copy of the definition of the name, spelled exactly so, or nothing.
     std::optional<CDefinition> find(std::string_view name) const;
 
-    /// Returns the pack of the name, or nothing. Much faster than find().
+    /// Returns the pack of the name, or nothing. Copies no text, so it is much faster than find().
     std::optional<ePack> packOf(std::string_view name) const noexcept;
 
     /// Returns the meaning of the name, or nothing.
@@ -125,7 +125,7 @@ public:
     /// Returns all definitions: the built-in ones in the order of the table, then the program's, sorted.
     std::vector<CDefinition> definitions() const;
 
-    /// Calls `visit` for each name, in the same order, until it returns false.
+    /// Calls `visit` for each name, in the order of definitions(), until it returns false.
     void forEachName(const std::function<bool(std::string_view name, ePack pack)>& visit) const;
 
 private:

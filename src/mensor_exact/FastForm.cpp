@@ -315,7 +315,7 @@ constexpr std::int64_t MostWholeDouble = std::int64_t{1} << 53;
 
 bool isDouble(std::int64_t value) { return value >= -MostWholeDouble && value <= MostWholeDouble; }
 
-// The arrays of a conversion. There are results of one kind only.
+// The arrays of a conversion. One of Doubles and Floats is null.
 struct CArrays {
     const void* Values;
     double* Doubles;
@@ -330,7 +330,7 @@ void oneByOne(const CFastForm& form, const double* values, double* results, std:
     }
 }
 
-// Looks for wrong results in small pieces.
+// Converts a block again in small pieces, and value by value where a piece has a wrong result.
 [[gnu::cold]] void toDoublesInPieces(const CFastForm& form, const double* values, double* results,
                                      std::size_t count) {
     constexpr std::size_t Piece = 32;
@@ -349,8 +349,8 @@ void toDoubles(const CFastForm& form, const double* values, double* results, std
     }
 }
 
-// The same, but writes the results past the caches. They begin at a cache line, unless they are the few
-// before the first one.
+// Converts a block and writes its results past the caches. `results` begins at a cache line, or the block ends
+// at the first one.
 void toDoublesPastCaches(const CFastForm& form, const double* values, double* results,
                          std::size_t count) {
     if (count % CLoops::Line != 0) {
@@ -427,7 +427,7 @@ private:
             static_cast<const unsigned char*>(m_Arrays.Values) + begin * m_Width;
         double* const doubles = m_Arrays.Doubles != nullptr ? m_Arrays.Doubles + begin : nullptr;
         double* const to = doubles == nullptr ? m_Results : doubles;
-        const double* x = static_cast<const double*>(from);
+        const double* x = nullptr;
         if (m_Divides) {
             m_Form.Loops->Divide[m_Arrays.Kind](m_Form, from, to, n);
         }
@@ -446,7 +446,8 @@ private:
         }
     }
 
-    // Returns the values as doubles.
+    // Returns the values as doubles. If they are converted in place, returns a copy, because the results overwrite
+    // them.
     const double* widened(const void* from, std::size_t n) {
         if (m_Arrays.Kind != DOUBLES) {
             m_Form.Loops->Widen[m_Arrays.Kind](from, m_Values, n);
@@ -466,7 +467,7 @@ private:
         }
     }
 
-    // Converts the values again whose result would be rounded twice.
+    // Converts again, with one rounding, the values whose float may be rounded twice.
     [[gnu::cold]] void roundOnce(const double* x, float* floats, std::size_t n) {
         for (std::size_t i = 0; i < n; ++i) {
             if (mayRoundTwice(m_Form, m_Results[i])) {
@@ -475,7 +476,7 @@ private:
         }
     }
 
-    // Converts the numbers again that are no doubles.
+    // Converts again the whole numbers that no double can hold.
     void convertLarge(const std::int64_t* values, std::size_t begin, std::size_t n) {
         for (std::size_t i = 0; i < n; ++i) {
             if (isDouble(values[i])) {

@@ -1,8 +1,8 @@
 // LoopBodies.h: the loops of the fast conversions. Each file that includes this header compiles them for
 // another kind of processor, under the name MENSOR_LOOPS. Not installed.
 //
-// This header calls no inline function of another header but those that are always inlined. The linker keeps only one copy of such a
-// function, and that copy might be one for a new processor.
+// This header calls only those inline functions of other headers that are always inlined. Of any other inline
+// function the linker keeps one copy for all files, and that copy might need a newer processor.
 //
 // Each loop computes every element separately, so the width of the vectors does not influence the
 // results.

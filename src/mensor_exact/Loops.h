@@ -25,8 +25,9 @@ enum eNumbers { WHOLE16, WHOLE32, WHOLE64, FLOATS, DOUBLES };
 
 /// The functions for each way, compiled for one kind of processor. All kinds give the same bits.
 struct CLoops {
-    static constexpr std::size_t Line = 8;  ///< the doubles of one cache line
-    static constexpr std::size_t OffsetPiece = 64;
+    static constexpr std::size_t Line = 8;  ///< how many doubles a cache line holds
+    static constexpr std::size_t OffsetPiece =
+        64;  ///< how many values OffsetPastCaches stores at once
 
     const char* Name;
 
@@ -48,11 +49,11 @@ struct CLoops {
     bool (*OffsetPastCaches)(const CFastForm& form, const double* values, double* results,
                              std::size_t count);
 
-    /// Computes (Scale·n + Offset)/Divisor for whole numbers n up to MostWhole. For WHOLE16 and WHOLE32.
+    /// Computes (Scale·n + Offset)/Divisor for whole numbers n up to MostWhole. The index is WHOLE16 or WHOLE32.
     void (*Divide[WHOLE32 + 1])(const CFastForm& form, const void* values, double* results,
                                 std::size_t count);
 
-    /// Converts other kinds to doubles. Large numbers of 64 bits are rounded.
+    /// Converts numbers of the kind that is the index to doubles. Large numbers of 64 bits are rounded.
     void (*Widen[FLOATS + 1])(const void* values, double* results, std::size_t count);
 
     /// Rounds doubles to floats. Returns false if a double lies in the middle between two floats or

@@ -6,7 +6,7 @@
 namespace mensor::exact {
 
 std::string CNote::words(std::string_view text) const {
-    return withText(Trap->sentence(), Token.of(text));
+    return Trap == nullptr ? std::string() : withText(Trap->sentence(), Token.of(text));
 }
 
 }  // namespace mensor::exact

@@ -19,7 +19,7 @@ namespace mensor::exact {
 
 /// A note on a piece of a text. It allocates no memory.
 struct MENSOR_EXACT_API CNote {
-    const CTrap* Trap = nullptr;  ///< the row of traps.def, which has the sentence
+    const CTrap* Trap = nullptr;  ///< has the sentence; null in a note that was never set
     CSpan Token;
     bool IsUnusual = false;  ///< true if CReadOptions::Strict refuses the text
 

@@ -1,7 +1,7 @@
-// PackedText.h: constant texts in half the room. For mensor's own libraries; not installed.
+// PackedText.h: constant texts in half the room. Not installed.
 //
 // The compiler packs the texts: a frequent part of a text, a row of fragments.def, becomes one byte. The texts stay
-// readable in the tables that have them. Other fragments only change how much room the texts need.
+// readable in the tables that have them. The choice of fragments changes the size, but no text.
 #ifndef MENSOR_EXACT_PACKEDTEXT_H
 #define MENSOR_EXACT_PACKEDTEXT_H
 
@@ -82,7 +82,8 @@ constexpr bool begins(std::string_view text, std::string_view fragment) {
 }  // namespace packing
 
 /// Packs a text into as few bytes as the fragments allow, with the zero at the end. Calls `write` for each byte.
-/// For constant expressions.
+/// Only for constant expressions and tests: a text of more than 512 bytes would be written behind the end of an
+/// array.
 template <class Write>
 constexpr void packText(std::string_view text, const Write& write) {
     using namespace packing;
@@ -127,7 +128,7 @@ struct CTexts {
     std::uint16_t Starts[Count] = {};  ///< for each text where it begins
 };
 
-/// Texts in more room than they need.
+/// Texts that the compiler is still writing.
 template <std::size_t Count>
 struct CWrittenTexts : CTexts<65535, Count> {
     std::size_t Size = 0;  ///< the number of bytes
@@ -159,7 +160,7 @@ constexpr CTexts<Size, Count> shrunk(const CWrittenTexts<Count>& written) {
     return texts;
 }
 
-/// Returns the text that was packed.
+/// Returns the text that packText() has packed. A zero ends `text`.
 std::string unpacked(const char* text);
 
 }  // namespace mensor::exact

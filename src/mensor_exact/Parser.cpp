@@ -53,7 +53,7 @@ bool isRaised(eKind kind) {
     return kind == eKind::RAISED_DIGIT || kind == eKind::RAISED_MINUS || kind == eKind::RAISED_PLUS;
 }
 
-// The sentence of a refusal because of a trap: CRefusal takes that of the trap.
+// For refusals with a trap. CRefusal::diagnosis() then takes the sentence of the trap.
 constexpr const char* SentenceOfTrap = "";
 
 const char* sentenceOnForeign(char32_t c) {

@@ -47,11 +47,11 @@ struct MENSOR_EXACT_API CRefusal {
     eRefusal Code = eRefusal::EMPTY;
     std::string_view Text;      ///< the whole text, as it was given
     CSpan Token;                ///< the refused part; empty at the end of the text
-    const char* Sentence = "";  ///< constant; "{}" is the token; empty if Trap has the sentence
+    const char* Sentence = "";  ///< constant; "{}" is the token. Empty if Trap has the sentence
     eReadings Readings = eReadings::NONE;
     std::array<CSpan, 3> Pieces;
     std::size_t UnitBegin = 0;    ///< where the unit begins, after a number
-    const CTrap* Trap = nullptr;  ///< the row of traps.def or refusals.def, if there is one
+    const CTrap* Trap = nullptr;  ///< what is said about a misleading text, if it is one
 
     std::string_view token() const noexcept { return Token.of(Text); }
     std::size_t position() const noexcept;  ///< where the token begins, in code points from 0

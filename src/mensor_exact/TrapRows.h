@@ -1,5 +1,6 @@
-// TrapRows.h: the rows of traps.def and refusals.def as they are written, for the compiler and for tests. Not
-// installed. A program that uses the array while it runs has its pointers relocated at load.
+// TrapRows.h: the rows of traps.def and refusals.def as they are written. Not installed. For constant
+// expressions, tests and the generator of docs/everyday.md. The library must not use these arrays at run time: the
+// loader would have to relocate their pointers.
 #ifndef MENSOR_EXACT_TRAPROWS_H
 #define MENSOR_EXACT_TRAPROWS_H
 
@@ -34,7 +35,7 @@ inline constexpr CTrapRow TrapRows[] = {
 };
 // NOLINTEND(bugprone-macro-parentheses)
 
-/// A name of a class of names, before or after which some rows are traps.
+/// One name of a class. Some rows are traps only next to a name of their class.
 struct CTrapMember {
     ePlace Class;
     std::string_view Name;

@@ -38,9 +38,9 @@ enum class ePlace : std::uint8_t {
 /// when the library is loaded.
 struct MENSOR_EXACT_API CTrap {
     ePlace Place;
-    std::uint8_t Sentence;  ///< a number
-    std::uint16_t First;    ///< where it begins in the array of all words
-    std::uint16_t BehindAndSecond;
+    std::uint8_t Sentence;          ///< the number of the sentence
+    std::uint16_t First;            ///< where first() begins in the array of words
+    std::uint16_t BehindAndSecond;  ///< where behind() begins; second() follows it
 
     /// Returns a sentence without a full stop. "{}" stands for the refused or noted text.
     std::string sentence() const;
@@ -56,12 +56,12 @@ private:
     static std::string_view textAt(std::size_t start) noexcept;
 };
 
-/// Returns the answer of the row for this place and text, or null. `behind` is the text before the blank or to
-/// the left of the slash. Only the places that name `Behind` use it.
+/// Returns what is said about this text in this place, or null. `behind` is the text before the blank or to the
+/// left of the slash, for APART, QUOTIENT and SHAPE. It must be empty for all other places.
 MENSOR_EXACT_API const CTrap* findTrap(ePlace place, std::string_view text,
                                        std::string_view behind = {}) noexcept;
 
-/// Returns true if a row has this place and this text. Does not compare `Behind`.
+/// Returns true if a row has this place and this text. Does not compare `behind`. A quick test before findTrap().
 bool hasTrap(ePlace place, std::string_view text) noexcept;
 
 /// Returns the note on a name, of a row of UNUSUAL or TOLD, or null.

@@ -3,8 +3,8 @@
 #        abi.sh compare|update FILE sizes COMMAND...
 #
 # Compares or writes the binary interface of a library. "names" is its exported names, sorted and
-# demangled, with the sizes of tables of virtual functions. All data is "D": whether it is weak or
-# writable depends on the optimisation. "sizes" is the output of COMMAND. A difference from FILE is a
+# demangled, with the sizes of tables of virtual functions. All data has the letter D, because the
+# optimisation decides whether data is weak or writable. "sizes" is the output of COMMAND. A difference from FILE is a
 # change of the ABI. If it is wanted, let "update" (target update_abi) rewrite FILE.
 set -eu
 what=$1 file=$2 kind=$3

@@ -993,7 +993,7 @@ TEST(FastForm, DividesEveryCountOf16BitsRight) {
 }
 
 // Very many results are written past the caches. The elements before and after them do not change.
-TEST(FastForm, OffsetsPastTheCachesAreTheSameAsOthers) {
+TEST(FastForm, OffsetsGiveTheSameBitsPastTheCaches) {
     forAllForms([](const CShortLine& line, const WholeLine&, const CFastForm& form) {
         if (form.Way != OFFSET) {
             return;
@@ -1065,7 +1065,8 @@ TEST(FastForm, GivesTheSameBitsPastTheCaches) {
     for (std::size_t i = 0; i < count; ++i) {
         values[i] = static_cast<double>(i % 20011) / 10 - 1000;
     }
-    // These need the slow way. The loop below compares both.
+    // These two values need the slow way: the first with an offset, the second without. The loop below compares
+    // the results of both.
     values[13 * 97 * 1000] = -160.0 / 9;
     values[count - 1] = 0x1p-1070;
     for (const CShortLine& line :
@@ -1099,7 +1100,8 @@ TEST(FastForm, GivesTheSameBitsPastTheCaches) {
     }
 }
 
-// Copies and offsets past the caches handle whole lines and pieces. Other blocks at the end are stored as usual.
+// Only whole cache lines, or whole pieces with an offset, are written past the caches. The rest of the last block
+// is stored as usual.
 TEST(FastForm, WritesNothingBehindTheLastResultPastTheCaches) {
     const std::size_t whole = 4'000'000;  // whole pieces of 64
     const std::vector<double> values(whole + 64, 20.0);
@@ -1155,7 +1157,7 @@ TEST(FastForm, WritesOnlyVeryLongArraysOfDoublesPastTheCaches) {
         EXPECT_EQ(writtenPastCaches, 0U);
         form.convertAll(values.data(), results.data(), many);
 #if defined(__x86_64__)
-        EXPECT_GE(writtenPastCaches, many - 2000);  // but for parts of the first and the last block
+        EXPECT_GE(writtenPastCaches, many - 2000);  // all but parts of the first and the last block
 #else
         EXPECT_EQ(writtenPastCaches, 0U);
 #endif

@@ -1,4 +1,4 @@
-// PackedText_test.cpp: what the compiler packs is unpacked as it was, whatever the fragments are.
+// PackedText_test.cpp: a packed text is unpacked as it was.
 #include "mensor_exact/PackedText.h"
 
 #include <gtest/gtest.h>
@@ -38,7 +38,8 @@ TEST(PackedText, BytesOutsideOfFragmentsAreKept) {
 }
 
 TEST(PackedText, TakesTheFewestBytes) {
-    // Each piece is a fragment or the rest of one, so a text of fragments needs at most a byte for each.
+    // Two fragments need at most one byte each, and the zero. Taking the longest fragment first would need more
+    // for some pairs.
     for (const std::string_view first : packing::Fragments) {
         for (const std::string_view second : packing::Fragments) {
             const std::string text = std::string(first).append(second);

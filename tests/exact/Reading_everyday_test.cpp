@@ -396,6 +396,8 @@ bool namesAUnit(const CDiagnosis& diagnosis, const CCatalogue& catalogue) {
     return false;
 }
 
+TEST(Notes, ANoteThatWasNeverSetHasNoWords) { EXPECT_EQ(CNote().words("km"), ""); }
+
 TEST(Traps, EachRowIsFoundAndNamesAnAcceptedText) {
     const CCatalogue catalogue = everything();
     int count = 0;
@@ -407,7 +409,8 @@ TEST(Traps, EachRowIsFoundAndNamesAnAcceptedText) {
         if (trap.Place == ePlace::UNUSUAL || trap.Place == ePlace::TOLD ||
             trap.Place == ePlace::SHAPE) {
             EXPECT_TRUE(reading);
-            EXPECT_EQ(reading.Notes.size(), 1U);
+            ASSERT_EQ(reading.Notes.size(), 1U);
+            EXPECT_EQ(reading.Notes.begin()->Trap->sentence(), trap.Sentence);
             continue;
         }
         EXPECT_FALSE(reading) << "is read";

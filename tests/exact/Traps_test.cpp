@@ -1,4 +1,4 @@
-// Traps_test.cpp: the packed table of traps answers as a search through the rows of its files does.
+// Traps_test.cpp: the packed table of traps gives the same answers as a search through the rows of its files.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -25,7 +25,7 @@ const CRowsOfText& rowsOfTexts() {
     return Rows;
 }
 
-// Texts that are no rows, in the order of bytes near those that are.
+// Texts that no row has, but that are similar to texts of rows.
 std::set<std::string> otherTexts() {
     std::set<std::string> texts = {"", "\x01", "\xFF", "metre", std::string(40, 'a')};
     for (const CTrapRow& row : TrapRows) {
@@ -105,7 +105,7 @@ TEST(TrapTable, HasNoOtherTexts) {
     }
 }
 
-TEST(TrapTable, FindsAPlaceOnlyWithItsText) {
+TEST(TrapTable, FindsATextOnlyInItsPlaces) {
     for (const auto& [text, rows] : rowsOfTexts()) {
         for (int i = 0; i <= static_cast<int>(ePlace::UNKNOWN); ++i) {
             const auto place = static_cast<ePlace>(i);
