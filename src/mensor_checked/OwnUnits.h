@@ -47,6 +47,10 @@ struct CDefinitions {
 /// New base units, and the units that need them, are made last, when all other lines are accepted. If the
 /// table is refused, objects that were built for it may stay registered, but no name stays. Defining the same
 /// table again changes nothing.
+///
+/// Exception: a unit that needs a new base unit is refused only by the registry. It would be the same object as
+/// another unit, its name is that of a prefix and an offset unit, or the limit of new units is reached. Then the
+/// symbol of the base unit stays, because the library cannot remove it.
 /// @par Threads  Any thread, locks CUnit::mutex() for all its work (see warm_up.h).
 MENSOR_CHECKED_API CDefinitions tryDefineUnits(std::string_view table);
 
