@@ -415,7 +415,7 @@ TEST(Packs, RegisteringAPackAgainNeedsNoRoomForNewUnits) {
     registerPack(ePack::COUNTING);
     setRegistrationLimit(registeredUnits());
     registerPack(ePack::COUNTING);
-    EXPECT_EQ(readUnit("Bd")->getSymbol(), "Bd");
+    EXPECT_EQ(readUnit("Bd")->getSymbol(), string_t("Bd"));
 }
 
 TEST(Packs, ARefusedPackCanBeRegisteredOnceTheNameIsFree) {
