@@ -25,9 +25,10 @@ enum eNumbers { WHOLE16, WHOLE32, WHOLE64, FLOATS, DOUBLES };
 
 /// The functions for each way, compiled for one kind of processor. All kinds give the same bits.
 struct CLoops {
-    static constexpr std::size_t Line = 8;  ///< how many doubles a cache line holds
-    static constexpr std::size_t OffsetPiece =
-        64;  ///< how many values OffsetPastCaches stores at once
+    /// The number of doubles in a cache line.
+    static constexpr std::size_t Line = 8;
+    /// The number of values that OffsetPastCaches stores at once.
+    static constexpr std::size_t OffsetPiece = 64;
 
     const char* Name;
 

@@ -16,8 +16,8 @@
 #endif
 // Boost throws plain exceptions of the standard library, not ones that can be cloned.
 #define BOOST_EXCEPTION_DISABLE
-// The faster product of very long numbers would take 3 kB. A stored number
-// has at most 65536 bits. For such numbers the usual product is fast enough.
+// The faster product of very long numbers would take 3 kB. A stored number has at most 65536 bits. For such
+// numbers the usual product is fast enough.
 #define BOOST_MP_KARATSUBA_CUTOFF SIZE_MAX
 #include <boost/multiprecision/cpp_int.hpp>
 
